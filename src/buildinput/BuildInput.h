@@ -1,0 +1,54 @@
+#pragma once
+
+#include "buildinput/CompileCommand.h"
+#include "platform/Exceptions.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+/// A build input was read, but it holds no invocation of a known compiler. Only the entry catches it.
+class NoCompilerInvocationsFound : public ZelmException {
+public:
+    enum class Hint { None, NameTheCompiler };
+    explicit NoCompilerInvocationsFound(Hint hint);
+    [[nodiscard]] Hint HintForUser() const noexcept { return hint_; }
+
+private:
+    Hint hint_;
+};
+
+/// Why an invocation of the input gave no unit.
+enum class InvocationFate {
+    NotACompilation,
+    UnknownCompiler,
+    OtherCompiler, ///< left out by the compiler filter
+    SkippedLauncher,
+    CompilerMissing,
+    Unreadable, ///< its command string or a response file can't be read
+};
+
+/// An invocation that gave no unit.
+struct SkippedInvocation {
+    std::size_t invocation = 0; ///< number in the input, from 1
+    InvocationFate fate = InvocationFate::NotACompilation;
+    std::string what; ///< the command's own words for it: its source, output or compiler
+    std::string reason;
+};
+
+/// What a build input holds: every invocation is either among the units or among the skipped ones.
+struct CollectedCommands {
+    std::vector<CompileCommand> units; ///< in the order of the input
+    std::vector<SkippedInvocation> skipped;
+    std::size_t invocations = 0;
+};
+
+class InvocationCollector;
+
+/// Reads the build input at `path`, a compilation database (".json") or a trace, into the collector, and says so.
+/// \throws ZelmException, NoCompilerInvocationsFound, and the JSON library's exceptions
+void ReadBuildInput(const std::string& path, InvocationCollector& collector);
+
+} // namespace Orvanta

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+/// By whose rules a command string is split into arguments. Both run on both systems.
+enum class CommandStringRules {
+    Posix,   ///< the POSIX shell's quoting, without any expansion
+    Windows, ///< those of the platform's own splitter, CommandLineToArgvW
+};
+
+[[nodiscard]] CommandStringRules HostCommandStringRules() noexcept;
+
+/// The arguments of a command string; empty when it can't be split.
+[[nodiscard]] std::vector<std::string> SplitCommandString(std::string_view command, CommandStringRules rules);
+
+} // namespace Orvanta

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "buildinput/InvocationCollector.h"
+#include "buildinput/CommandStringSplitter.h"
+
+#include <istream>
+#include <string>
+
+namespace Orvanta {
+
+/// Reads a compilation database and hands each entry to the collector while the document is being read: it is never
+/// whole in memory. False when the file can't be opened.
+/// \throws NoCompilerInvocationsFound for a database without entries, and the JSON library's exceptions
+bool ReadCompilationDatabase(const std::string& path, InvocationCollector& collector);
+
+/// The same from an open stream.
+void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector);
+
+/// Writes the units as a compilation database with "arguments", "directory", "file" and, where there are any,
+/// "environment" members.
+/// \throws ZelmException with the path and the system's reason
+void WriteCompilationDatabase(const std::string& path, const std::vector<CompileCommand>& units);
+
+} // namespace Orvanta

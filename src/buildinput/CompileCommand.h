@@ -1,0 +1,31 @@
+#pragma once
+
+#include "buildinput/ArgumentList.h"
+#include "compilers/CommandLineReader.h"
+#include "compilers/CompilerIdentifier.h"
+#include "platform/Environment.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// One source file of one compiler invocation of the build: the unit of analysis. Read-only once collected.
+/// What many units share is held once.
+struct CompileCommand {
+    std::shared_ptr<const std::string> workingDirectory; ///< as written
+    std::shared_ptr<const std::string> absoluteDirectory; ///< where the invocation ran: absolute, not null
+    ArgumentList arguments;                               ///< compiler first; response files expanded
+    std::shared_ptr<const Environment> environment;       ///< the invocation's own variables; not null
+    std::shared_ptr<const CompilerInfo> compiler;         ///< not null
+    SourceArgument source;
+    std::size_t invocation = 0; ///< number of the invocation in the input, from 1
+    bool wrapped = false;       ///< a launcher stood before the compiler
+
+    /// The source file as the command names it.
+    [[nodiscard]] std::string_view SourceFile() const { return arguments[source.index].substr(source.offset); }
+};
+
+} // namespace Orvanta

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "compilers/Gcc.h"
+
+namespace Orvanta {
+
+/// LLVM's compiler driver with GCC's argument language.
+class Clang : public Gcc {
+public:
+    Clang();
+};
+
+} // namespace Orvanta

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "compilers/Compiler.h"
+#include "compilers/ParsedCommand.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+/// One source file that an invocation compiles.
+struct SourceArgument {
+    std::size_t index = 0;  ///< of the argument that names it
+    std::size_t offset = 0; ///< where the file's name begins in that argument
+};
+
+/// What an invocation is, before it is read in full.
+struct InvocationOutline {
+    std::vector<SourceArgument> sources; ///< C and C++ sources, in the order of the command
+    std::string_view reason;             ///< why there are none ("link only", ...); empty when there are some
+};
+
+/// Finds the sources of an invocation, or why it compiles none. `arguments` has the compiler first and no response
+/// files left in it. Allocates nothing but the result.
+[[nodiscard]] InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments);
+
+/// Reads the invocation in full, for the source that argument `source` names.
+[[nodiscard]] ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments,
+                                            SourceArgument source);
+
+} // namespace Orvanta

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "compilers/CompilerType.h"
+#include "platform/Environment.h"
+#include "platform/Log.h"
+#include "platform/StopFlag.h"
+#include "settings/RunSettings.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Orvanta {
+
+/// A compiler found on this machine. One record per path, shared by all commands that use it.
+struct CompilerInfo {
+    CompilerType type = CompilerType::Unknown;
+    std::string path;    ///< absolute
+    std::string version; ///< the text that "--version" printed; empty when the name alone decided
+};
+
+/// How identification of one invocation ended.
+enum class IdentificationVerdict {
+    Known,
+    Launcher, ///< a ccache command, and ccache commands are not to be unwrapped
+    Missing,  ///< there is no such program
+    Unknown,  ///< it did not answer, or can't be started
+};
+
+/// Decides which family a compiler belongs to, by its name or by what it prints for "--version". A path is looked up,
+/// and a compiler asked, once. One thread at a time.
+class CompilerIdentifier {
+public:
+    enum class Query {
+        IfPresent, ///< ask only programs that are there
+        Always,    ///< ask even when nothing is seen at the path
+    };
+
+    struct Result {
+        IdentificationVerdict verdict = IdentificationVerdict::Unknown;
+        std::shared_ptr<const CompilerInfo> compiler; ///< null for Launcher; else at least the path is set
+        bool wrapped = false;                         ///< a leading "ccache" was removed from the arguments
+    };
+
+    /// All must outlive the identifier.
+    CompilerIdentifier(const RunSettings& settings, Log& log, const StopFlag& stop);
+
+    /// `arguments[0]` is the compiler; a leading "ccache" is removed from `arguments` where the settings say so.
+    /// `workingDirectory` is absolute. `environment` holds the invocation's own variables, which go over the driver's.
+    Result IdentifyCompiler(std::vector<std::string>& arguments, const std::string& workingDirectory,
+                            const Environment& environment, Query query = Query::IfPresent);
+
+private:
+    // helpers and caches: see the source
+    const RunSettings& settings_;
+    Log& log_;
+    const StopFlag& stop_;
+};
+
+/// The family by the compiler's file name, as far as the name tells it.
+[[nodiscard]] std::optional<CompilerType> CompilerTypeByName(std::string_view path);
+
+/// The family by the text that "--version" printed, standard output first.
+[[nodiscard]] CompilerType CompilerTypeByVersionText(std::string_view text);
+
+} // namespace Orvanta

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "compilers/Compiler.h"
+
+#include <memory>
+#include <vector>
+
+namespace Orvanta {
+
+/// One shared model per compiler family. Immutable after construction.
+class CompilerRegistry {
+public:
+    CompilerRegistry();
+
+    /// \throws ZelmException "Unknown preprocessor type: " and the number, for a type without a model
+    [[nodiscard]] std::shared_ptr<const Compiler> Get(CompilerType type) const;
+
+private:
+    std::vector<std::shared_ptr<const Compiler>> models_;
+};
+
+} // namespace Orvanta

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Orvanta {
+
+/// The compiler families; the numbers are fixed.
+enum class CompilerType : std::uint8_t {
+    Unknown = 0, ///< not a compiler that the system can handle
+    Gcc = 1,
+    Clang = 2,
+    Keil5 = 3,
+    Keil5Gnu = 4,
+    Keil6 = 5,
+    TiArmCGT = 6,
+    Cl = 7,
+    ClangCl = 8,
+    GccARM = 9,
+    IARArm_v7_OrOlder = 10,
+    IARArm = 11,
+    Qcc = 12,
+    XC8 = 13,
+};
+
+/// Whether the family is Microsoft's: cl or clang-cl.
+[[nodiscard]] constexpr bool IsMsvcFamily(CompilerType type) noexcept {
+    return type == CompilerType::Cl || type == CompilerType::ClangCl;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "compilers/FlagKind.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+/// One fact about a family's command line. The name stands without its introducer.
+struct FlagRow {
+    std::string_view name;
+    FlagKind kind;
+};
+
+/// What a table says about one argument.
+struct FlagMatch {
+    FlagKind kind = FlagKind::Keep;
+    std::string_view name;
+    std::string_view gluedValue; ///< the rest of the argument; empty when the value, if any, is the next argument
+};
+
+/// A family's flags, made for looking up an argument fast: rows are bucketed by first character. Immutable.
+class FlagTable {
+public:
+    /// Later rows of `extension` are added after those of `rows`. The names must outlive the table.
+    explicit FlagTable(std::span<const FlagRow> rows, std::span<const FlagRow> extension = {});
+
+    /// The row that fits `argument`, an argument without its introducer: a row without a value fits as a whole only; of
+    /// the rows with a value that fit as a beginning, the longest name wins. No row: FlagKind::Keep and an empty name.
+    [[nodiscard]] FlagMatch Find(std::string_view argument, std::string_view introducer) const;
+
+private:
+    std::vector<FlagRow> rows_; // by first character, longest name first
+    std::array<std::uint16_t, 257> firstOf_{}; // rows of character c: firstOf_[c] up to firstOf_[c + 1]
+};
+
+/// Whether the kind's flags take a value, glued or as the next argument.
+[[nodiscard]] bool TakesValue(FlagKind kind) noexcept;
+
+/// For static_assert: whether every name of a table stands once.
+template <std::size_t Size>
+constexpr bool NamesAreUnique(const FlagRow (&rows)[Size]) {
+    for (std::size_t i = 0; i < Size; ++i) {
+        for (std::size_t j = i + 1; j < Size; ++j) {
+            if (rows[i].name == rows[j].name) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace Orvanta {
+
+/// The file that a crash leaves in the current directory.
+inline constexpr const char* CrashReportFileName = "orvanta-analyzer.stacktrace.txt";
+
+/// From now on a crash of this process (a fatal signal, abort, terminate) writes the crashed thread's stack to
+/// `CrashReportFileName` and says where to send it; where the file can't be written, the stack goes to standard output.
+/// The process then ends as it would have without. First thing in the entry, once per process; aborts the process when
+/// the handling thread can't be started.
+void InstallCrashHandler();
+
+} // namespace Orvanta

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// Reads a file whole, byte for byte.
+/// \throws ZelmException with the path and the system's reason
+[[nodiscard]] std::string ReadWholeFile(const std::string& path);
+
+/// Whether anything, file or folder, exists at `path`.
+[[nodiscard]] bool PathExists(const std::string& path);
+
+/// Whether `path` names a folder.
+[[nodiscard]] bool IsDirectory(const std::string& path);
+
+/// Removes a file; one that is not there is no fault.
+void RemoveFile(const std::string& path) noexcept;
+
+/// A file open for writing, unbuffered. Move-only; closes itself.
+class OutputFile {
+public:
+    enum class Mode {
+        Replace, ///< empties an existing file
+        Keep,    ///< leaves what an existing file holds
+    };
+
+    /// \throws ZelmException: `path`, then the system's reason
+    OutputFile(const std::string& path, Mode mode);
+    ~OutputFile();
+    OutputFile(OutputFile&& other) noexcept;
+    OutputFile& operator=(OutputFile&& other) noexcept;
+
+    /// Writes all of `bytes` at `offset` bytes from the start.
+    /// \throws ZelmException: the path, then the system's reason
+    void WriteAt(std::string_view bytes, std::uint64_t offset);
+
+    /// Writes all of `bytes` at the end of what was written before: for pipes and terminals too.
+    void Append(std::string_view bytes);
+
+    /// Cuts the file to `size` bytes, or fills it up with zero bytes.
+    void Truncate(std::uint64_t size);
+
+    /// False for pipes, terminals and devices, which have no place to write at and can't be replaced.
+    [[nodiscard]] bool IsRegularFile() const noexcept;
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> handle_;
+};
+
+/// Replaces a file in one step: writes beside it, renames over it in `Commit`. Without `Commit`, nothing has changed.
+class AtomicFile {
+public:
+    /// \throws ZelmException: `path`, then the system's reason
+    explicit AtomicFile(std::string path);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
+
+    void Append(std::string_view bytes);
+    void Commit();
+
+private:
+    std::string path_;
+    std::string temporaryPath_;
+    std::unique_ptr<OutputFile> file_;
+};
+
+/// Swaps the contents of two names in one step: at no moment does `first` name nothing or something incomplete.
+/// Both must exist, in the same folder.
+/// \throws ZelmException
+void ExchangeFiles(const std::string& first, const std::string& second);
+
+} // namespace Orvanta

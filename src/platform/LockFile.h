@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace Orvanta {
+
+/// Keeps two runs of the driver from working on the same thing at once. The lock dies with its holder; its file, named
+/// ".orvlock-" and a hash of the key, stays. Move-only; one thread at a time.
+class LockFile {
+public:
+    enum class State {
+        None,        ///< no key given yet
+        Held,        ///< this object holds the lock
+        HeldByOther, ///< another object, in this process or another, holds it
+        Unavailable, ///< the file can't be opened, for example in a read-only folder
+    };
+
+    LockFile() noexcept;
+    ~LockFile();
+    LockFile(LockFile&& other) noexcept;
+    LockFile& operator=(LockFile&& other) noexcept;
+
+    /// Gives up what is held and tries to take the lock of `key` in `directory`, without waiting and without throwing.
+    State Take(const std::string& directory, const std::string& key);
+    [[nodiscard]] State CurrentState() const noexcept { return state_; }
+
+    /// The name of the lock file of a key.
+    [[nodiscard]] static std::string FileName(const std::string& key);
+
+private:
+    struct Handle;
+    std::unique_ptr<Handle> handle_;
+    State state_ = State::None;
+};
+
+} // namespace Orvanta

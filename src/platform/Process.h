@@ -1,0 +1,125 @@
+#pragma once
+
+#include "platform/Environment.h"
+#include "platform/Exceptions.h"
+#include "platform/StopFlag.h"
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Orvanta {
+
+using Arguments = std::vector<std::string>;
+
+/// Base of the errors of child processes. The unit that started the child catches it, or the entry.
+class ProcessException : public ZelmException {
+public:
+    using ZelmException::ZelmException;
+};
+
+/// A child could not be started: the text names the program and the system's reason.
+class ProcessStartException : public ProcessException {
+public:
+    using ProcessException::ProcessException;
+};
+
+/// A child ended with a non-zero code.
+class ProcessReturnCodeException : public ProcessException {
+public:
+    /// Short form: the command line and the code.
+    ProcessReturnCodeException(const Arguments& command, int exitCode);
+    /// Full form: both captured outputs as well, each put in whole.
+    ProcessReturnCodeException(const Arguments& command, int exitCode, std::string_view standardOutput,
+                               std::string_view standardError);
+};
+
+/// A child was killed because its time was up.
+class ProcessInterruptedException : public ProcessException {
+public:
+    explicit ProcessInterruptedException(const Arguments& command);
+};
+
+/// Takes each block of bytes that a child writes to one of its outputs.
+using OutputReceiver = std::function<void(std::string_view bytes)>;
+
+/// A receiver that appends every block to `target`, which must outlive the child.
+[[nodiscard]] OutputReceiver MakeRedirectToStringProcessor(std::string& target);
+
+/// The words of a command joined by single blanks, unquoted: how messages show it.
+[[nodiscard]] std::string CommandLineText(const Arguments& command);
+
+/// A supervised child process, started from an argument vector without a shell, with nothing on its standard input, in a
+/// process group (a job) of its own. The destructor kills what is still running of it and takes its status.
+/// One thread at a time may use an object; its receivers are called on that thread, from within the functions below.
+class Process {
+public:
+    /// Starts `command[0]` (a path, or a name looked up along PATH) in `workingDirectory` (empty: the current one).
+    /// `environment` is the child's whole environment.
+    /// \throws ProcessStartException
+    Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
+            OutputReceiver standardOutput, OutputReceiver standardError);
+    ~Process();
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    /// Looks without waiting: true, with the code, when the child has ended and its output has been received whole.
+    /// A child ended by signal N has the code 128 + N.
+    [[nodiscard]] bool try_get_exit_status(int& exitStatus);
+
+    /// Waits without limit for the end of the child and returns its code.
+    int get_exit_status();
+
+    /// Asks the child to end; with `force`, ends it and every process that it started.
+    void kill(bool force = false);
+
+    /// Blocks until the child has ended, has written something, or `longest` has passed, and receives what was written.
+    void WaitForChange(std::chrono::milliseconds longest);
+
+private:
+    struct Handles; // the system's handles of the child and of its pipes
+    std::unique_ptr<Handles> handles_;
+};
+
+/// How a wait ended. When `finished` is false, `exitCode` is 0 after a stop request and 1 after a time-out.
+struct WaitResult {
+    int exitCode = 0;
+    bool finished = false;
+};
+
+/// The longest time between two looks at a child and at the stop flag.
+inline constexpr std::chrono::milliseconds PollInterval{100};
+
+/// Waits for the end of the child, for a stop request, or until `timeout` has passed; zero looks once.
+[[nodiscard]] WaitResult WaitWithTimeout(Process& process, std::chrono::milliseconds timeout,
+                                         std::chrono::milliseconds pollInterval, const StopFlag& stop);
+
+/// Waits for the end of the child or for a stop request.
+[[nodiscard]] WaitResult WaitUntilEndOrStop(Process& process, const StopFlag& stop);
+
+/// What a child's end means where it is no exception.
+enum class ProcessOutcome { Succeeded = 0, Stopped = 4 };
+
+/// Both outputs of a child, captured whole.
+struct CapturedOutput {
+    std::string standardOutput;
+    std::string standardError;
+};
+
+/// Judges the end of a child. A time-out kills the child and all that it started.
+/// \throws ProcessReturnCodeException, full form, when the child failed
+/// \throws ProcessInterruptedException after a time-out
+[[nodiscard]] ProcessOutcome JudgeEnd(const Arguments& command, WaitResult result, Process& process,
+                                      const CapturedOutput& output);
+
+/// Hands one command line to the system's command interpreter and returns all of its standard output. Standard error is
+/// not captured and the exit status is not looked at.
+/// \throws ProcessException "Couldn't run process: " and the command line
+[[nodiscard]] std::string RunAndRead(const std::string& commandLine);
+
+} // namespace Orvanta

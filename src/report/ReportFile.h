@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace OrvlogConverter {
+
+/// The text that stands around a report's messages and between them.
+struct ReportFrame {
+    std::string head;
+    std::string separator; ///< between two messages
+    std::string tail;
+};
+
+/// A report on disk that is complete at every moment: readers, and a run killed at any point, see the state of the last
+/// `Commit`, never less and never a part of one. It keeps a second copy beside the report that is one commit behind,
+/// brings that one up to date and swaps the two names. Pipes and terminals are written to as they are.
+/// One thread at a time.
+class ReportFile {
+public:
+    /// Replaces what is at `path` by a report without messages.
+    /// \throws FilesystemException "Empty filepath", or "Can't write to file: ", the path and the system's reason
+    ReportFile(const std::string& path, ReportFrame frame);
+    /// Removes the second copy.
+    ~ReportFile();
+    ReportFile(const ReportFile&) = delete;
+    ReportFile& operator=(const ReportFile&) = delete;
+
+    /// Adds the text of one message to what the next commit writes.
+    void Append(std::string_view messageText);
+
+    /// Makes all that was appended part of the report.
+    /// \throws FilesystemException; the report then stands as it was, and what was appended since is dropped
+    void Commit();
+
+    /// Drops what was appended since the last commit.
+    void Discard() noexcept;
+
+    /// The report as it stands is final; a pipe or terminal gets its tail.
+    void Close();
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace OrvlogConverter

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Orvanta {
+
+/// Reads a set of diagnostic groups ("GA;OP;64", "GA+MISRA", "all", or a number from 1 to 255) into its mask.
+/// \throws ZelmException
+[[nodiscard]] std::uint8_t ParseAnalysisMode(std::string_view text);
+
+} // namespace Orvanta

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/Environment.h"
+#include "settings/ExclusionSet.h"
+#include "settings/SettingsMap.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+/// What one run of the driver is asked to do: defaults, then the settings file, then the options laid over it.
+/// Read-only once the run has started.
+struct RunSettings {
+    /// Starts with the default exclusion masks and the default compiler names.
+    RunSettings();
+
+    SettingsMap userSettings;     ///< keys for the core: the settings file's, with those of given options in their place
+    ExclusionSet exclusions;      ///< by "exclude-path" and `--exclude-path`, and the default masks
+    ExclusionSet onlyPaths;       ///< `--analyze-only`: when not empty, other paths are left out in silence
+    std::vector<std::string> compilerNames;  ///< names of programs that count as compilers
+    std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
+    std::vector<std::string> extraIncludes;  ///< `-I`, absolute
+    Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
+    bool ignoreCcache = false;
+    bool analyzeSystemPaths = false; ///< also units inside the folders of -isystem and the like
+};
+
+/// Takes over what a settings file or an option says: adds every "exclude-path" to the exclusion set and every
+/// "compiler" to the known names.
+void ApplySettings(RunSettings& run, const SettingsMap& settings);
+
+/// Puts a given option's value in the place of the settings file's values of that key.
+void OverrideSetting(RunSettings& run, const std::string& key, std::string value);
+
+} // namespace Orvanta

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// Settings by key, in ascending byte order; entries of equal keys keep the order in which they were added.
+using SettingsMap = std::multimap<std::string, std::string, std::less<>>;
+
+/// The last value added under a key: of settings that can stand only once, the last one given counts.
+[[nodiscard]] std::optional<std::string> LastValue(const SettingsMap& settings, std::string_view key);
+
+/// Whether a value is a path mask: it holds "*" or "?".
+[[nodiscard]] bool HasWildcard(std::string_view value) noexcept;
+
+} // namespace Orvanta
