@@ -15,6 +15,7 @@ public:
     explicit ArgumentList(std::span<const std::string> words);
 
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
+
     /// The word at `index`, which must be below Size(); valid as long as the list. Walks the words before it.
     [[nodiscard]] std::string_view operator[](std::size_t index) const;
     [[nodiscard]] std::vector<std::string> ToVector() const;

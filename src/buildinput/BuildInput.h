@@ -14,6 +14,7 @@ class NoCompilerInvocationsFound : public ZelmException {
 public:
     enum class Hint { None, NameTheCompiler };
     explicit NoCompilerInvocationsFound(Hint hint);
+
     [[nodiscard]] Hint HintForUser() const noexcept { return hint_; }
 
 private:

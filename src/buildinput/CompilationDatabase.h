@@ -1,7 +1,7 @@
 #pragma once
 
-#include "buildinput/InvocationCollector.h"
 #include "buildinput/CommandStringSplitter.h"
+#include "buildinput/InvocationCollector.h"
 
 #include <istream>
 #include <string>

@@ -15,7 +15,7 @@ namespace Orvanta {
 /// One source file of one compiler invocation of the build: the unit of analysis. Read-only once collected.
 /// What many units share is held once.
 struct CompileCommand {
-    std::shared_ptr<const std::string> workingDirectory; ///< as written
+    std::shared_ptr<const std::string> workingDirectory;  ///< as written
     std::shared_ptr<const std::string> absoluteDirectory; ///< where the invocation ran: absolute, not null
     ArgumentList arguments;                               ///< compiler first; response files expanded
     std::shared_ptr<const Environment> environment;       ///< the invocation's own variables; not null

@@ -31,6 +31,7 @@ public:
 
     /// Hands over what was collected.
     [[nodiscard]] CollectedCommands Take();
+
     [[nodiscard]] Log& MessageLog() noexcept { return log_; }
 
 private:

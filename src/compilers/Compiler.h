@@ -31,8 +31,10 @@ public:
     virtual void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const;
 
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
+
     /// The family's word in the core's settings, such as "gcc".
     [[nodiscard]] std::string_view Name() const noexcept { return name_; }
+
     [[nodiscard]] const FlagTable& Flags() const noexcept { return flags_; }
 
 protected:

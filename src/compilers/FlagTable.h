@@ -34,7 +34,7 @@ public:
     [[nodiscard]] FlagMatch Find(std::string_view argument, std::string_view introducer) const;
 
 private:
-    std::vector<FlagRow> rows_; // by first character, longest name first
+    std::vector<FlagRow> rows_;                // by first character, longest name first
     std::array<std::uint16_t, 257> firstOf_{}; // rows of character c: firstOf_[c] up to firstOf_[c + 1]
 };
 

@@ -21,10 +21,10 @@ struct ParsedCommand {
     std::vector<std::string> systemIncludes; ///< and system roots
     std::vector<std::string> defines;        ///< "NAME" or "NAME=VALUE"
     std::vector<std::string> forcedIncludes;
-    std::optional<Language> language;     ///< when a flag states it
-    std::optional<FlagKind> cStandard;    ///< the last C standard flag (StandardAnsi counts for both languages)
-    std::optional<FlagKind> cppStandard;  ///< the last C++ standard flag
-    std::string platformWord;             ///< empty when the command names no target
+    std::optional<Language> language;    ///< when a flag states it
+    std::optional<FlagKind> cStandard;   ///< the last C standard flag (StandardAnsi counts for both languages)
+    std::optional<FlagKind> cppStandard; ///< the last C++ standard flag
+    std::string platformWord;            ///< empty when the command names no target
     bool unsignedChar = false;
     bool shortFloat = false;
     bool shortDouble = false;

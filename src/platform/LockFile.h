@@ -23,6 +23,7 @@ public:
 
     /// Gives up what is held and tries to take the lock of `key` in `directory`, without waiting and without throwing.
     State Take(const std::string& directory, const std::string& key);
+
     [[nodiscard]] State CurrentState() const noexcept { return state_; }
 
     /// The name of the lock file of a key.

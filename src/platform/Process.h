@@ -54,9 +54,9 @@ using OutputReceiver = std::function<void(std::string_view bytes)>;
 /// The words of a command joined by single blanks, unquoted: how messages show it.
 [[nodiscard]] std::string CommandLineText(const Arguments& command);
 
-/// A supervised child process, started from an argument vector without a shell, with nothing on its standard input, in a
-/// process group (a job) of its own. The destructor kills what is still running of it and takes its status.
-/// One thread at a time may use an object; its receivers are called on that thread, from within the functions below.
+/// A supervised child process, started from an argument vector without a shell, with nothing on its standard input, in
+/// a process group (a job) of its own. The destructor kills what is still running of it and takes its status. One
+/// thread at a time may use an object; its receivers are called on that thread, from within the functions below.
 class Process {
 public:
     /// Starts `command[0]` (a path, or a name looked up along PATH) in `workingDirectory` (empty: the current one).

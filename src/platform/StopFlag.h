@@ -8,6 +8,7 @@ namespace Orvanta {
 class StopFlag {
 public:
     void Set() noexcept { isSet_.store(true); }
+
     [[nodiscard]] bool IsSet() const noexcept { return isSet_.load(); }
 
 private:

@@ -19,7 +19,8 @@ namespace Orvanta {
 [[nodiscard]] bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
 [[nodiscard]] bool ContainsIgnoringCase(std::string_view text, std::string_view part) noexcept;
 
-/// Fills the placeholders "%1%", "%2%", ... of `text`; each is replaced wherever it stands, values are put in as they are.
+/// Fills the placeholders "%1%", "%2%", ... of `text`; each is replaced wherever it stands, values are put in as they
+/// are.
 [[nodiscard]] std::string FillPlaceholders(std::string_view text, std::initializer_list<std::string_view> values);
 
 } // namespace Orvanta

@@ -20,9 +20,11 @@ private:
         std::uint64_t high;
         bool operator==(const Fingerprint&) const = default;
     };
+
     struct FingerprintHash {
         std::size_t operator()(const Fingerprint& value) const noexcept { return value.low; }
     };
+
     static Fingerprint FingerprintOf(const ReportMessage& message);
 
     std::unordered_set<Fingerprint, FingerprintHash> seen_;

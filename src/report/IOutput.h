@@ -8,9 +8,12 @@ namespace OrvlogConverter {
 class IOutput {
 public:
     virtual void Begin() {}
+
     /// True when the message was taken.
     virtual bool Write(const ReportMessage& message) = 0;
+
     virtual void End() {}
+
     virtual ~IOutput() = default;
 };
 
@@ -18,6 +21,7 @@ public:
 class IFilter : public IOutput {
 public:
     explicit IFilter(IOutput* next) : next_(next) {}
+
     void Begin() override;
     bool Write(const ReportMessage& message) override;
     void End() override;
@@ -32,6 +36,7 @@ protected:
 class ITransform : public IOutput {
 public:
     explicit ITransform(IOutput* next) : next_(next) {}
+
     void Begin() override;
     bool Write(const ReportMessage& message) override;
     void End() override;

@@ -22,9 +22,9 @@ struct MessagePosition {
 
 /// One finding.
 struct ReportMessage {
-    std::string code;    ///< such as "V501"; "External" for a finding of another tool
-    std::string message; ///< the warning's text
-    std::string sastId;  ///< identifier in a further standard; empty when there is none
+    std::string code;                       ///< such as "V501"; "External" for a finding of another tool
+    std::string message;                    ///< the warning's text
+    std::string sastId;                     ///< identifier in a further standard; empty when there is none
     std::vector<MessagePosition> positions; ///< the first is the primary one
     std::uint32_t cwe = 0;                  ///< CWE number; 0 means none
     std::uint32_t level = 0;                ///< certainty: 1 high, 2 medium, 3 low; 0 for anything else

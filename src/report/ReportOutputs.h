@@ -53,6 +53,7 @@ public:
 class ConsoleOutput : public ReportOutput {
 public:
     explicit ConsoleOutput(LineFormat format) : format_(format) {}
+
     bool Write(const ReportMessage& message) override;
     void Commit() override;
 

@@ -16,9 +16,9 @@ struct RunSettings {
     /// Starts with the default exclusion masks and the default compiler names.
     RunSettings();
 
-    SettingsMap userSettings;     ///< keys for the core: the settings file's, with those of given options in their place
-    ExclusionSet exclusions;      ///< by "exclude-path" and `--exclude-path`, and the default masks
-    ExclusionSet onlyPaths;       ///< `--analyze-only`: when not empty, other paths are left out in silence
+    SettingsMap userSettings; ///< keys for the core: the settings file's, with those of given options in their place
+    ExclusionSet exclusions;  ///< by "exclude-path" and `--exclude-path`, and the default masks
+    ExclusionSet onlyPaths;   ///< `--analyze-only`: when not empty, other paths are left out in silence
     std::vector<std::string> compilerNames;  ///< names of programs that count as compilers
     std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute

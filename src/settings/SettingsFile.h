@@ -33,6 +33,7 @@ public:
     SettingsFile& operator=(SettingsFile&& other) noexcept;
 
     [[nodiscard]] const SettingsMap& Settings() const noexcept { return settings_; }
+
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
 private:
