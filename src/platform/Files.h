@@ -53,7 +53,9 @@ private:
     std::unique_ptr<Handle> handle_;
 };
 
-/// Replaces a file in one step: writes beside it, renames over it in `Commit`. Without `Commit`, nothing has changed.
+/// Replaces a file in one step: writes beside it, renames over it in `Commit`. Without `Commit`, nothing has changed. A
+/// link stays and the file it leads to is replaced, with the permissions it had. A device or a pipe can't be replaced:
+/// its bytes are written at once.
 class AtomicFile {
 public:
     /// \throws ZelmException: `path`, then the system's reason
@@ -62,13 +64,16 @@ public:
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
+    /// \throws ZelmException: the path, then the system's reason
     void Append(std::string_view bytes);
+    /// The last call.
+    /// \throws ZelmException: the path, then the system's reason
     void Commit();
 
 private:
+    struct Handle;
     std::string path_;
-    std::string temporaryPath_;
-    std::unique_ptr<OutputFile> file_;
+    std::unique_ptr<Handle> handle_;
 };
 
 /// Swaps the contents of two names in one step: at no moment does `first` name nothing or something incomplete.

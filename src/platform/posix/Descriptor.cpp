@@ -1,0 +1,78 @@
+#include "platform/posix/Descriptor.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace Orvanta {
+
+namespace {
+
+// Locks an open file; false, with EWOULDBLOCK, when another holds it or `path` names another file by now.
+bool LockAs(int descriptor, const std::string& path) {
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        return false;
+    }
+
+    struct stat locked {};
+
+    struct stat named {};
+
+    const bool isSame = ::fstat(descriptor, &locked) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+                        locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+    if (!isSame) {
+        errno = EWOULDBLOCK;
+    }
+    return isSame;
+}
+
+} // namespace
+
+std::string SystemReason(int error) {
+    return std::generic_category().message(error);
+}
+
+Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
+    int number = -1;
+    do {
+        number = ::open(path.c_str(), flags | O_CLOEXEC, mode);
+    } while (number < 0 && errno == EINTR);
+    return Descriptor(number);
+}
+
+bool WriteAll(int descriptor, std::string_view bytes) noexcept {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+Descriptor MakeLockedFile(const std::string& path, unsigned mode) {
+    Descriptor file = OpenFile(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+    // Between the two calls another may have taken the file for an abandoned one: then it is lost.
+    if (file.IsOpen() && !LockAs(file.Number(), path)) {
+        file.Reset();
+        errno = EEXIST;
+    }
+    return file;
+}
+
+Descriptor TakeExistingLock(const std::string& path) {
+    Descriptor file = OpenFile(path, O_WRONLY | O_NOFOLLOW);
+    if (file.IsOpen() && !LockAs(file.Number(), path)) {
+        const int error = errno;
+        file.Reset();
+        errno = error;
+    }
+    return file;
+}
+
+} // namespace Orvanta

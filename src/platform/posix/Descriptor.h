@@ -1,0 +1,63 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <unistd.h>
+
+namespace Orvanta {
+
+/// Owns one file descriptor, or none (-1), and closes it. Move-only.
+class Descriptor {
+public:
+    Descriptor() noexcept = default;
+
+    explicit Descriptor(int number) noexcept : number_(number) {}
+
+    ~Descriptor() { Reset(); }
+
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        Reset();
+        number_ = std::exchange(other.number_, -1);
+        return *this;
+    }
+
+    [[nodiscard]] int Number() const noexcept { return number_; }
+
+    [[nodiscard]] bool IsOpen() const noexcept { return number_ >= 0; }
+
+    void Reset() noexcept {
+        if (number_ >= 0) {
+            ::close(std::exchange(number_, -1));
+        }
+    }
+
+    /// Gives the descriptor away: the caller closes it.
+    [[nodiscard]] int Release() noexcept { return std::exchange(number_, -1); }
+
+private:
+    int number_ = -1;
+};
+
+/// The system's text for a value of `errno`.
+[[nodiscard]] std::string SystemReason(int error);
+
+/// Opens a file, close-on-exec, again after an interruption; not open when it fails, with `errno` set.
+[[nodiscard]] Descriptor OpenFile(const std::string& path, int flags, unsigned mode = 0);
+
+/// Writes all of `bytes` where the descriptor stands; false, with `errno` set, when it can't.
+[[nodiscard]] bool WriteAll(int descriptor, std::string_view bytes) noexcept;
+
+/// A file that this process has just made, locked for as long as its descriptor is open. Whoever can take the lock of
+/// such a file knows that its maker is gone.
+/// Not open, with `errno` set, when it can't be made or exists already (`EEXIST`).
+[[nodiscard]] Descriptor MakeLockedFile(const std::string& path, unsigned mode);
+
+/// Opens an existing file and takes its lock without waiting. Not open when another holds it or the file has changed
+/// its name or place meanwhile, `errno` is then `EWOULDBLOCK`; not open with another `errno` when it can't be opened.
+[[nodiscard]] Descriptor TakeExistingLock(const std::string& path);
+
+} // namespace Orvanta

@@ -1,0 +1,29 @@
+#include "platform/Environment.h"
+
+#include <unistd.h>
+
+namespace Orvanta {
+
+namespace {
+
+Environment ReadOwnEnvironment() {
+    Environment environment;
+    for (char** entry = ::environ; entry != nullptr && *entry != nullptr; ++entry) {
+        const std::string_view text = *entry;
+        const std::size_t equals = text.find('=');
+        if (equals != std::string_view::npos) {
+            // Of a name that stands twice, the first counts, as it does for getenv.
+            environment.emplace(text.substr(0, equals), text.substr(equals + 1));
+        }
+    }
+    return environment;
+}
+
+} // namespace
+
+const Environment& OwnEnvironment() {
+    static const Environment environment = ReadOwnEnvironment();
+    return environment;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace Orvanta {
+
+/// ExchangeFiles for file systems that can't swap two names: `second` is missing for a moment, `first` never.
+/// \throws ZelmException
+void SwapByRenaming(const std::string& first, const std::string& second);
+
+} // namespace Orvanta

@@ -1,0 +1,264 @@
+#include "platform/Files.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Hash.h"
+#include "platform/Paths.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/FileSwap.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr unsigned NewFileMode = 0666;
+constexpr mode_t PermissionBits = 0777;
+
+[[noreturn]] void Fail(const std::string& path, int error) {
+    throw ZelmException(path + ": " + SystemReason(error));
+}
+
+bool Look(const std::string& path, struct stat& found) {
+    return ::stat(path.c_str(), &found) == 0;
+}
+
+// Reads to the end; `sizeHint` bytes are expected.
+void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, std::string& content) {
+    constexpr std::size_t SmallestBlock = 4096;
+    content.resize(sizeHint + 1); // the byte more lets one short read find the end
+    std::size_t filled = 0;
+    while (true) {
+        if (filled == content.size()) {
+            content.resize(content.size() + std::max(SmallestBlock, content.size()));
+        }
+        const ssize_t count = ::read(descriptor, content.data() + filled, content.size() - filled);
+        if (count == 0) {
+            content.resize(filled);
+            return;
+        }
+        if (count > 0) {
+            filled += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            Fail(path, errno);
+        }
+    }
+}
+
+// The file that a chain of links ends at, whether it exists or not.
+std::string LinkTarget(std::string path) {
+    constexpr int LongestChain = 40; // where the system itself gives up
+    for (int links = 0; links < LongestChain; ++links) {
+        std::error_code isNoLink;
+        const std::string target = std::filesystem::read_symlink(path, isNoLink).string();
+        if (isNoLink) {
+            return path;
+        }
+        path = JoinPath(DirectoryOf(path), target);
+    }
+    Fail(path, ELOOP);
+}
+
+// Removes the file at `path` if the run that made it is gone. Whether there is still something in the way is for the
+// caller to find out.
+void RemoveAbandoned(const std::string& path) {
+    const Descriptor lock = TakeExistingLock(path);
+    if (lock.IsOpen()) {
+        ::unlink(path.c_str());
+    }
+}
+
+} // namespace
+
+std::string ReadWholeFile(const std::string& path) {
+    const Descriptor file = OpenFile(path, O_RDONLY);
+
+    struct stat status {};
+
+    if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0) {
+        Fail(path, errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        Fail(path, EISDIR);
+    }
+    std::string content;
+    ReadToEnd(path, file.Number(), static_cast<std::size_t>(status.st_size), content);
+    return content;
+}
+
+bool PathExists(const std::string& path) {
+    struct stat status {};
+
+    return Look(path, status);
+}
+
+bool IsDirectory(const std::string& path) {
+    struct stat status {};
+
+    return Look(path, status) && S_ISDIR(status.st_mode);
+}
+
+void RemoveFile(const std::string& path) noexcept {
+    ::unlink(path.c_str());
+}
+
+struct OutputFile::Handle {
+    std::string path;
+    Descriptor descriptor;
+    bool isRegular = false;
+    std::uint64_t end = 0; // where Append writes, in a regular file
+};
+
+OutputFile::OutputFile(const std::string& path, Mode mode) : handle_(std::make_unique<Handle>()) {
+    handle_->path = path;
+    handle_->descriptor = OpenFile(path, O_WRONLY | O_CREAT | (mode == Mode::Replace ? O_TRUNC : 0), NewFileMode);
+
+    struct stat status {};
+
+    if (!handle_->descriptor.IsOpen() || ::fstat(handle_->descriptor.Number(), &status) != 0) {
+        Fail(path, errno);
+    }
+    handle_->isRegular = S_ISREG(status.st_mode);
+    handle_->end = static_cast<std::uint64_t>(status.st_size);
+}
+
+OutputFile::~OutputFile() = default;
+OutputFile::OutputFile(OutputFile&& other) noexcept = default;
+OutputFile& OutputFile::operator=(OutputFile&& other) noexcept = default;
+
+void OutputFile::WriteAt(std::string_view bytes, std::uint64_t offset) {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            ::pwrite(handle_->descriptor.Number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (count < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            Fail(handle_->path, errno);
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+        offset += static_cast<std::uint64_t>(count);
+        handle_->end = std::max(handle_->end, offset);
+    }
+}
+
+void OutputFile::Append(std::string_view bytes) {
+    if (handle_->isRegular) {
+        WriteAt(bytes, handle_->end);
+    } else if (!WriteAll(handle_->descriptor.Number(), bytes)) {
+        Fail(handle_->path, errno);
+    }
+}
+
+void OutputFile::Truncate(std::uint64_t size) {
+    if (::ftruncate(handle_->descriptor.Number(), static_cast<off_t>(size)) != 0) {
+        Fail(handle_->path, errno);
+    }
+    handle_->end = size;
+}
+
+bool OutputFile::IsRegularFile() const noexcept {
+    return handle_->isRegular;
+}
+
+struct AtomicFile::Handle {
+    std::string target;        // where the links of the given path end
+    std::string temporaryPath; // empty for what can't be replaced: a device or a pipe
+    Descriptor file;
+};
+
+AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
+    handle_->target = LinkTarget(path_);
+
+    struct stat existing {};
+
+    const bool exists = Look(handle_->target, existing);
+    if (exists && !S_ISREG(existing.st_mode)) {
+        handle_->file = OpenFile(handle_->target, O_WRONLY);
+        if (!handle_->file.IsOpen()) {
+            Fail(path_, errno);
+        }
+        return;
+    }
+
+    // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
+    // at the same time need further names.
+    const std::string stem = ".orvtmp-" + std::to_string(Fnv1a(handle_->target)) + "-";
+    for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
+        constexpr int MostWriters = 1000;
+        const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
+        RemoveAbandoned(candidate);
+        handle_->file = MakeLockedFile(candidate, NewFileMode);
+        if (!handle_->file.IsOpen() && (errno != EEXIST || attempt == MostWriters)) {
+            Fail(path_, errno);
+        }
+        handle_->temporaryPath = candidate;
+    }
+    if (exists) {
+        // A file system without owners and modes has none to lose.
+        static_cast<void>(::fchmod(handle_->file.Number(), existing.st_mode & PermissionBits));
+    }
+}
+
+AtomicFile::~AtomicFile() {
+    if (!handle_->temporaryPath.empty()) {
+        ::unlink(handle_->temporaryPath.c_str());
+    }
+}
+
+void AtomicFile::Append(std::string_view bytes) {
+    if (!WriteAll(handle_->file.Number(), bytes)) {
+        Fail(path_, errno);
+    }
+}
+
+void AtomicFile::Commit() {
+    if (!handle_->temporaryPath.empty() && std::rename(handle_->temporaryPath.c_str(), handle_->target.c_str()) != 0) {
+        Fail(path_, errno);
+    }
+    handle_->temporaryPath.clear();
+    // Some file systems tell only now that bytes got lost.
+    if (::close(handle_->file.Release()) != 0 && errno != EINTR) {
+        Fail(path_, errno);
+    }
+}
+
+void SwapByRenaming(const std::string& first, const std::string& second) {
+    const std::string saved = first + ".orvtmp";
+    ::unlink(saved.c_str());
+    if (::link(first.c_str(), saved.c_str()) != 0) {
+        std::error_code error;
+        std::filesystem::copy_file(first, saved, error);
+        if (error) {
+            throw ZelmException(first + ": " + error.message());
+        }
+    }
+    if (std::rename(second.c_str(), first.c_str()) != 0) {
+        const int error = errno;
+        ::unlink(saved.c_str());
+        Fail(first, error);
+    }
+    if (std::rename(saved.c_str(), second.c_str()) != 0) {
+        Fail(second, errno);
+    }
+}
+
+void ExchangeFiles(const std::string& first, const std::string& second) {
+    if (::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE) == 0) {
+        return;
+    }
+    if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
+        Fail(first, errno);
+    }
+    SwapByRenaming(first, second);
+}
+
+} // namespace Orvanta
