@@ -26,7 +26,19 @@ public:
 /// A child could not be started: the text names the program and the system's reason.
 class ProcessStartException : public ProcessException {
 public:
-    using ProcessException::ProcessException;
+    enum class Cause {
+        Program,   ///< the program is missing or can't be run: no start of it will succeed
+        Directory, ///< the working directory can't be entered
+        Resources, ///< the system had no room (open files, processes, memory): a later start may succeed
+    };
+
+    explicit ProcessStartException(std::string message, Cause cause = Cause::Program)
+        : ProcessException(std::move(message)), cause_(cause) {}
+
+    [[nodiscard]] Cause WhatFailed() const noexcept { return cause_; }
+
+private:
+    Cause cause_;
 };
 
 /// A child ended with a non-zero code.
