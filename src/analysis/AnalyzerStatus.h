@@ -1,0 +1,29 @@
+#pragma once
+
+namespace Orvanta {
+
+/// How the run of one unit ended.
+enum class AnalyzerStatus {
+    Analyzed = 0,
+    PreprocessingFailed = 1,
+    CoreFailed = 2,
+    Failed = 3,  ///< for another reason, such as a settings file that can't be written
+    Stopped = 4, ///< the user stopped the run before the unit was done, or before it was started
+    Excluded = 5,
+};
+
+/// Which stage of an intermodular analysis a unit is run for.
+enum class IntermodularAnalysisMode {
+    FirstRun,  ///< collecting
+    Merge,     ///< linking what was collected
+    SecondRun, ///< performing
+    None,      ///< an ordinary analysis
+};
+
+/// Whether the status is a failure of the unit.
+[[nodiscard]] constexpr bool IsFailure(AnalyzerStatus status) noexcept {
+    return status == AnalyzerStatus::PreprocessingFailed || status == AnalyzerStatus::CoreFailed ||
+           status == AnalyzerStatus::Failed;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/Log.h"
+
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// Receives how far a run has come. Any thread may call it.
+class AnalyzerProgress {
+public:
+    virtual ~AnalyzerProgress() = default;
+    /// One unit has gone through a stage: 0 analyzing, 1 parsing includes, 2 parsing.
+    virtual void Step(unsigned percent, unsigned stage, std::string_view file) = 0;
+    /// The run has ended: `summary` holds whole lines.
+    virtual void Finish(std::string_view summary) = 0;
+    /// One message line.
+    virtual void Message(std::string_view line) = 0;
+};
+
+/// Shows progress on the console: one line a step, percentages that never fall, and the summary.
+class StdOutProgress : public AnalyzerProgress {
+public:
+    enum class Display { Shown, Hidden };
+
+    /// `log` takes the message lines and must outlive this. Messages are shown even when progress is hidden.
+    StdOutProgress(Display display, Log& log) : display_(display), log_(log) {}
+
+    void Step(unsigned percent, unsigned stage, std::string_view file) override;
+    void Finish(std::string_view summary) override;
+    void Message(std::string_view line) override;
+
+private:
+    Display display_;
+    Log& log_; // has the mutex of the message lines
+    std::mutex progressMutex_;
+    unsigned highestPercent_ = 0; // guarded by progressMutex_
+};
+
+/// The text of a progress line, without its line feed.
+[[nodiscard]] std::string ProgressLine(unsigned percent, unsigned stage, std::string_view file);
+
+} // namespace Orvanta

@@ -1,0 +1,93 @@
+#include "analysis/ReportCommitter.h"
+
+#include "platform/Files.h"
+#include "report/MessageLine.h"
+
+#include <exception>
+#include <fstream>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+void MarkFailed(UnitResult& result, std::string reason) {
+    if (!IsFailure(result.status)) { // the first reason stays
+        result.status = AnalyzerStatus::Failed;
+        result.reason = std::move(reason);
+    }
+}
+
+} // namespace
+
+ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output)
+    : output_(output), chain_(&output) {
+    outcome_.statuses.assign(units, AnalyzerStatus::Stopped);
+}
+
+void ReportCommitter::Commit(std::size_t unit, UnitResult result) {
+    const std::lock_guard lock(mutex_);
+    waiting_.emplace(unit, std::move(result));
+    CommitReady(lock);
+}
+
+void ReportCommitter::CommitReady(Locked lock) {
+    for (auto ready = waiting_.find(next_); ready != waiting_.end(); ready = waiting_.find(next_)) {
+        CommitUnit(lock, next_, ready->second);
+        waiting_.erase(ready);
+        ++next_;
+    }
+}
+
+void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& result) {
+    unitFindings_ = {};
+    if (!result.fragmentPath.empty()) {
+        if (result.status != AnalyzerStatus::Stopped) {
+            PassOnFragment(lock, result);
+        }
+        RemoveFile(result.fragmentPath);
+    }
+    for (const OrvlogConverter::ReportMessage& message : result.ownFindings) {
+        PassOn(lock, message);
+    }
+    try {
+        output_.Commit();
+        for (std::size_t level = 0; level < unitFindings_.size(); ++level) {
+            outcome_.findingsByLevel[level] += unitFindings_[level];
+        }
+    } catch (const std::exception& error) {
+        MarkFailed(result, error.what());
+    }
+    outcome_.statuses[unit] = result.status;
+    if (IsFailure(result.status)) {
+        outcome_.failures.emplace(unit, std::move(result.reason));
+    }
+}
+
+// A core that failed may have left half a line; every whole finding is kept all the same.
+void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
+    std::ifstream fragment(result.fragmentPath, std::ios::binary);
+    std::string line;
+    for (std::size_t number = 1; std::getline(fragment, line); ++number) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        if (line.empty()) {
+            continue;
+        }
+        try {
+            PassOn(lock, OrvlogConverter::ReadMessageLine(line));
+        } catch (const std::exception& error) {
+            MarkFailed(result,
+                       "Line " + std::to_string(number) + " of the core's findings can't be read: " + error.what());
+        }
+    }
+}
+
+void ReportCommitter::PassOn(Locked, const OrvlogConverter::ReportMessage& message) {
+    if (chain_.Write(message)) {
+        ++unitFindings_[message.level < unitFindings_.size() ? message.level : 0];
+    }
+}
+
+} // namespace Orvanta

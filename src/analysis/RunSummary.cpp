@@ -1,0 +1,160 @@
+#include "analysis/RunSummary.h"
+
+#include "analysis/AnalyzerRunner.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <map>
+#include <sstream>
+
+namespace Orvanta {
+
+namespace {
+
+// From the fate that tells least about an invocation to the one that tells most.
+constexpr std::size_t InvocationCounts::*CountsByWeight[] = {
+    &InvocationCounts::excluded,
+    &InvocationCounts::analyzed,
+    &InvocationCounts::stopped,
+    &InvocationCounts::failed,
+};
+
+std::size_t WeightOf(AnalyzerStatus status) {
+    switch (status) {
+    case AnalyzerStatus::Excluded:
+        return 0;
+    case AnalyzerStatus::Analyzed:
+        return 1;
+    case AnalyzerStatus::Stopped:
+        return 2;
+    case AnalyzerStatus::PreprocessingFailed:
+    case AnalyzerStatus::CoreFailed:
+    case AnalyzerStatus::Failed:
+        break;
+    }
+    return 3;
+}
+
+std::string CountsText(const InvocationCounts& counts) {
+    const std::pair<std::size_t, const char*> parts[] = {
+        {counts.analyzed, "analyzed"},
+        {counts.failed,   "failed"  },
+        {counts.skipped,  "skipped" },
+        {counts.excluded, "excluded"},
+        {counts.stopped,  "stopped" },
+    };
+    std::string text;
+    for (const auto& [count, word] : parts) {
+        if (count > 0 || word != std::string_view("stopped")) {
+            text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + word;
+        }
+    }
+    return text;
+}
+
+std::string SkippedText(const CollectedCommands& commands) {
+    std::map<std::string_view, std::size_t> byReason;
+    for (const SkippedInvocation& skipped : commands.skipped) {
+        if (!IsFailure(skipped.fate)) {
+            ++byReason[skipped.reason];
+        }
+    }
+    std::string text;
+    for (const auto& [reason, count] : byReason) {
+        text += (text.empty() ? "Skipped: " : ", ") + std::to_string(count) + " " + std::string(reason);
+    }
+    return text.empty() ? text : text + "\n";
+}
+
+std::string ElapsedText(std::chrono::milliseconds elapsed) {
+    const auto tenths = elapsed.count() / 100;
+    std::ostringstream text;
+    text << tenths / 36000 << ':' << std::setfill('0') << std::setw(2) << tenths / 600 % 60 << ':' << std::setw(2)
+         << tenths / 10 % 60 << '.' << tenths % 10;
+    return text.str();
+}
+
+InvocationCounts CountUnits(const RunOutcome& outcome) {
+    InvocationCounts counts;
+    for (const AnalyzerStatus status : outcome.statuses) {
+        ++(counts.*CountsByWeight[WeightOf(status)]);
+    }
+    return counts;
+}
+
+std::string FindingsText(const RunOutcome& outcome) {
+    const auto& levels = outcome.findingsByLevel;
+    std::string text = "Findings: " + std::to_string(levels[1]) + " high, " + std::to_string(levels[2]) + " medium, " +
+                       std::to_string(levels[3]) + " low";
+    if (levels[0] > 0) {
+        text += ", " + std::to_string(levels[0]) + " without a level";
+    }
+    return text + "\n";
+}
+
+void AppendFailure(std::string& text, const std::string& what, std::string_view reason) {
+    text += "  " + what + ": ";
+    for (const char character : reason) {
+        text += character;
+        if (character == '\n') {
+            text += "    ";
+        }
+    }
+    text += '\n';
+}
+
+} // namespace
+
+bool IsFailure(InvocationFate fate) noexcept {
+    return fate == InvocationFate::CompilerMissing || fate == InvocationFate::Unreadable;
+}
+
+InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome) {
+    InvocationCounts counts;
+    for (const SkippedInvocation& skipped : commands.skipped) {
+        ++(IsFailure(skipped.fate) ? counts.failed : counts.skipped);
+    }
+    for (std::size_t unit = 0; unit < commands.units.size();) {
+        const std::size_t invocation = commands.units[unit].invocation;
+        std::size_t weight = 0;
+        for (; unit < commands.units.size() && commands.units[unit].invocation == invocation; ++unit) {
+            weight = std::max(weight, WeightOf(outcome.statuses[unit]));
+        }
+        ++(counts.*CountsByWeight[weight]);
+    }
+    return counts;
+}
+
+std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome, std::chrono::milliseconds elapsed,
+                        const std::string& reportPath) {
+    const InvocationCounts counts = CountInvocations(commands, outcome);
+    const InvocationCounts units = CountUnits(outcome);
+    std::string text = "Analysis finished in " + ElapsedText(elapsed) + "\n";
+    text += "Compiler invocations: " + std::to_string(counts.Total()) + " (" + CountsText(counts) + ")\n";
+    if (units.Total() + commands.skipped.size() != counts.Total()) {
+        text += "Source files of them: " + std::to_string(units.Total()) + " (" + CountsText(units) + ")\n";
+    }
+    text += SkippedText(commands);
+    text += FindingsText(outcome);
+    if (!reportPath.empty()) {
+        text += "The results are saved to " + reportPath + "\n";
+    }
+    return text;
+}
+
+std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome) {
+    std::string text;
+    for (const SkippedInvocation& skipped : commands.skipped) {
+        if (IsFailure(skipped.fate)) {
+            AppendFailure(text, "invocation " + std::to_string(skipped.invocation) + " (" + skipped.what + ")",
+                          skipped.reason);
+        }
+    }
+    for (const auto& [unit, reason] : outcome.failures) {
+        AppendFailure(text, SourcePath(commands.units[unit]), reason);
+    }
+    return text.empty() ? text : "These could not be analyzed:\n" + text;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "analysis/ReportCommitter.h"
+#include "buildinput/BuildInput.h"
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+#include <string>
+
+namespace Orvanta {
+
+/// What became of the compiler invocations of the input: each is counted once, so the counts add up to the input.
+struct InvocationCounts {
+    std::size_t analyzed = 0;
+    std::size_t failed = 0;
+    std::size_t excluded = 0;
+    std::size_t skipped = 0;
+    std::size_t stopped = 0;
+
+    [[nodiscard]] std::size_t Total() const noexcept { return analyzed + failed + excluded + skipped + stopped; }
+};
+
+/// Whether an invocation with this fate is a compilation that could not be read, not one that need not be.
+[[nodiscard]] bool IsFailure(InvocationFate fate) noexcept;
+
+/// Counts invocations; one that compiles several sources counts by its worst unit.
+[[nodiscard]] InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome);
+
+/// The lines that end a run: its time, what became of the invocations, the findings, and where the report is
+/// (`reportPath`, empty for standard output).
+[[nodiscard]] std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome,
+                                      std::chrono::milliseconds elapsed, const std::string& reportPath);
+
+/// The lines that name every failed unit and invocation with its reason; empty when there is none.
+[[nodiscard]] std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome);
+
+} // namespace Orvanta

@@ -1,0 +1,162 @@
+#include "analysis/StandardProbe.h"
+
+#include "analysis/ScopedFile.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <span>
+#include <thread>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::chrono::seconds ProbeTimeout{30};
+
+// What a C compiler without the macro is taken for: the standard of 1989.
+constexpr std::string_view CTestText = "#ifdef __STDC_VERSION__\n__STDC_VERSION__\n#else\n198900L\n#endif";
+constexpr std::string_view CppTestText = "__cplusplus";
+
+struct VersionRow {
+    long highest;
+    std::string_view word;
+};
+
+// Rows are tried in this order; a version above all of them is the newest standard.
+constexpr VersionRow CVersions[] = {
+    {199499, "c90"},
+    {199999, "c99"},
+    {201199, "c11"},
+    {201799, "c17"},
+};
+constexpr VersionRow CppVersions[] = {
+    {199899, "c++98"},
+    {200399, "c++03"},
+    {201199, "c++11"},
+    {201499, "c++14"},
+    {201799, "c++17"},
+};
+
+// Arguments that say where text comes from or what to warn about: they leave the default standard as it is, and most
+// projects have many sets of them.
+constexpr std::string_view NeutralFlags[] = {"-include", "-isystem", "-iquote", "-idirafter", "-I", "-D", "-U", "-W"};
+
+void AppendDecisiveArguments(std::string& key, std::span<const std::string> arguments) {
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const auto* const neutral = std::find_if(std::begin(NeutralFlags), std::end(NeutralFlags),
+                                                 [&](std::string_view flag) { return argument.starts_with(flag); });
+        if (neutral == std::end(NeutralFlags)) {
+            key += '\0';
+            key += argument;
+        } else if (argument == *neutral && argument != "-W") {
+            ++i; // its value
+        }
+    }
+}
+
+std::string AnswerKey(const ParsedCommand& command, Language language, const Environment& ownVariables) {
+    std::string key = command.compilerPath;
+    key += '\0';
+    key += language == Language::C ? "C" : "C++";
+    AppendDecisiveArguments(key, command.keptArguments);
+    for (const auto& [name, value] : ownVariables) {
+        key += '\0';
+        key += name;
+        key += '=';
+        key += value;
+    }
+    return key;
+}
+
+std::string FallbackStandard(Language language) {
+    return language == Language::C ? "c99" : "c++14";
+}
+
+} // namespace
+
+std::string_view StandardWordOfVersion(long version, Language language) noexcept {
+    const std::span<const VersionRow> rows =
+        language == Language::C ? std::span<const VersionRow>(CVersions) : std::span<const VersionRow>(CppVersions);
+    for (const VersionRow& row : rows) {
+        if (version <= row.highest) {
+            return row.word;
+        }
+    }
+    return language == Language::C ? "c20" : "c++20";
+}
+
+std::optional<long> LastNumber(std::string_view text) noexcept {
+    std::size_t end = text.size();
+    while (end > 0 && !IsDigit(text[end - 1])) {
+        --end;
+    }
+    std::size_t begin = end;
+    while (begin > 0 && IsDigit(text[begin - 1])) {
+        --begin;
+    }
+    long number = 0;
+    const auto [last, error] = std::from_chars(text.data() + begin, text.data() + end, number);
+    return begin < end && error == std::errc{} ? std::optional<long>(number) : std::nullopt;
+}
+
+StandardProbe::StandardProbe(std::string folder, const StopFlag& stop) : folder_(std::move(folder)), stop_(stop) {}
+
+std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command, Language language,
+                                                 ProcessPlace place, const Environment& ownVariables) {
+    std::promise<std::string> promise;
+    std::shared_future<std::string> answer;
+    bool isOurs = false;
+    {
+        const std::lock_guard lock(mutex_);
+        auto [entry, isNew] = answers_.try_emplace(AnswerKey(command, language, ownVariables));
+        if (isNew) {
+            entry->second = promise.get_future().share();
+        }
+        isOurs = isNew;
+        answer = entry->second;
+    }
+    if (isOurs) {
+        std::string standard;
+        try {
+            standard = Ask(model, command, language, place);
+        } catch (const ZelmException&) {
+            standard = FallbackStandard(language); // not an error: a compiler need not answer
+        }
+        promise.set_value(std::move(standard));
+    }
+    return answer.get();
+}
+
+std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
+                               ProcessPlace place) const {
+    const std::string number = std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id()));
+    const char* const extension = language == Language::C ? ".Orvanta.c" : ".Orvanta.cpp";
+    const ScopedFile source(JoinPath(folder_, number + "__std_test__" + extension));
+    const ScopedFile result(JoinPath(folder_, number + "__std_test_output__.Orvanta.i"));
+    OutputFile(source.Path(), OutputFile::Mode::Replace).Append(language == Language::C ? CTestText : CppTestText);
+
+    ParsedCommand probe = command;
+    probe.sourceFile = source.Path();
+    if (IsMsvcFamily(model.Type())) {
+        // Without them the macro has a fixed old value, and a banner stands in the output.
+        probe.keptArguments.insert(probe.keptArguments.end(), {"/Zc:__cplusplus", "/nologo"});
+    }
+    const Arguments words = model.BuildPreprocessCommand(probe, result.Path());
+    CapturedOutput output;
+    Process process(words, place.workingDirectory, place.environment,
+                    MakeRedirectToStringProcessor(output.standardOutput),
+                    MakeRedirectToStringProcessor(output.standardError));
+    const WaitResult end = WaitWithTimeout(process, ProbeTimeout, PollInterval, stop_);
+    if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
+        return FallbackStandard(language);
+    }
+    const std::optional<long> version = LastNumber(ReadWholeFile(result.Path()));
+    return version ? std::string(StandardWordOfVersion(*version, language)) : FallbackStandard(language);
+}
+
+} // namespace Orvanta

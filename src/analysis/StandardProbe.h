@@ -1,0 +1,45 @@
+#pragma once
+
+#include "analysis/ProcessRun.h"
+#include "compilers/Compiler.h"
+#include "compilers/ParsedCommand.h"
+
+#include <future>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace Orvanta {
+
+/// Asks compilers for the language standard that they take when no flag names one. Asks once for each compiler,
+/// language and set of those arguments and variables that can change the answer; threads that want the same answer wait
+/// for it.
+class StandardProbe {
+public:
+    /// `folder` takes the probe's files, which are removed again. Both must outlive the probe.
+    StandardProbe(std::string folder, const StopFlag& stop);
+
+    /// The standard's word for the core. A compiler that fails, hangs or prints no number gives "c99" or "c++14".
+    /// `ownVariables` are the invocation's own environment variables.
+    [[nodiscard]] std::string ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command,
+                                                    Language language, ProcessPlace place,
+                                                    const Environment& ownVariables);
+
+private:
+    std::string Ask(const Compiler& model, const ParsedCommand& command, Language language, ProcessPlace place) const;
+
+    std::string folder_;
+    const StopFlag& stop_;
+    std::mutex mutex_;
+    std::unordered_map<std::string, std::shared_future<std::string>> answers_; // guarded by mutex_
+};
+
+/// The word for the value of __STDC_VERSION__ or __cplusplus.
+[[nodiscard]] std::string_view StandardWordOfVersion(long version, Language language) noexcept;
+
+/// The last decimal number in a text; absent when there is none or it is too large.
+[[nodiscard]] std::optional<long> LastNumber(std::string_view text) noexcept;
+
+} // namespace Orvanta

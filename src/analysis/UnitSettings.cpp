@@ -1,0 +1,80 @@
+#include "analysis/UnitSettings.h"
+
+#include "platform/Paths.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* DefaultPlatform = "x64";
+constexpr const char* GeneralAnalysis = "4";
+
+std::string YesOrNo(bool value) {
+    return value ? "yes" : "no";
+}
+
+void Replace(SettingsMap& settings, const std::string& key, std::string value) {
+    settings.erase(key);
+    settings.emplace(key, std::move(value));
+}
+
+// Of a key that can stand once, the value given last counts.
+void AddUserSettings(SettingsMap& settings, const SettingsMap& userSettings) {
+    for (const auto& [key, value] : userSettings) {
+        if (key == "exclude-path") {
+            settings.emplace(key, value);
+        } else {
+            Replace(settings, key, value);
+        }
+    }
+}
+
+} // namespace
+
+Language UnitLanguage(const ParsedCommand& command) {
+    if (command.language) {
+        return *command.language;
+    }
+    constexpr std::array<std::string_view, 3> CppCompilers = {"g++", "clang++", "c++"};
+    const std::string_view compiler = FileNameOf(command.compilerPath);
+    if (std::any_of(CppCompilers.begin(), CppCompilers.end(),
+                    [&](std::string_view name) { return ContainsIgnoringCase(compiler, name); })) {
+        return Language::Cpp;
+    }
+    return ExtensionOf(command.sourceFile) == ".c" ? Language::C : Language::Cpp;
+}
+
+SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& model, const ParsedCommand& command,
+                              const std::string& standard, const UnitFiles& files) {
+    SettingsMap settings;
+    AddUserSettings(settings, userSettings);
+
+    const std::pair<const char*, std::string> defaults[] = {
+        {"preprocessor",      std::string(model.Name())                                            },
+        {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},
+        {"analysis-mode",     GeneralAnalysis                                                      },
+        {"funsigned-char",    YesOrNo(command.unsignedChar)                                        },
+        {"fshort-float",      YesOrNo(command.shortFloat)                                          },
+        {"fshort-double",     YesOrNo(command.shortDouble)                                         },
+        {"std",               standard                                                             },
+        {"new-output-format", "yes"                                                                },
+    };
+    for (const auto& [key, value] : defaults) {
+        if (!settings.contains(key)) {
+            settings.emplace(key, value);
+        }
+    }
+
+    Replace(settings, "source-file", command.sourceFile);
+    Replace(settings, "language", UnitLanguage(command) == Language::C ? "C" : "C++");
+    Replace(settings, "i-file", files.preprocessedPath);
+    Replace(settings, "output-file", files.fragmentPath);
+    return settings;
+}
+
+} // namespace Orvanta

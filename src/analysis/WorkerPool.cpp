@@ -1,0 +1,76 @@
+#include "analysis/WorkerPool.h"
+
+#include <utility>
+
+namespace Orvanta {
+
+WorkerPool::WorkerPool(unsigned threads) {
+    threads_.reserve(threads);
+    for (unsigned i = 0; i < threads; ++i) {
+        threads_.emplace_back([this] { Work(); });
+    }
+}
+
+WorkerPool::~WorkerPool() {
+    {
+        const std::lock_guard lock(mutex_);
+        ending_ = true;
+    }
+    taskAdded_.notify_all();
+    for (std::thread& thread : threads_) {
+        thread.join();
+    }
+}
+
+void WorkerPool::push_task(std::function<void()> task) {
+    {
+        const std::lock_guard lock(mutex_);
+        queue_.push_back(std::move(task));
+    }
+    taskAdded_.notify_one();
+}
+
+bool WorkerPool::WaitForRoom(std::chrono::milliseconds longest) {
+    std::unique_lock lock(mutex_);
+    return taskTaken_.wait_for(lock, longest, [this] { return queue_.size() < threads_.size(); });
+}
+
+void WorkerPool::WaitForTasks() {
+    std::unique_lock lock(mutex_);
+    allDone_.wait(lock, [this] { return queue_.empty() && running_ == 0; });
+    if (failure_) {
+        std::rethrow_exception(std::exchange(failure_, nullptr));
+    }
+}
+
+void WorkerPool::Work() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        taskAdded_.wait(lock, [this] { return ending_ || !queue_.empty(); });
+        if (queue_.empty()) {
+            return;
+        }
+        std::function<void()> task = std::move(queue_.front());
+        queue_.pop_front();
+        ++running_;
+        lock.unlock();
+        taskTaken_.notify_one();
+        std::exception_ptr failure;
+        try {
+            task();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        task = nullptr; // what it holds may take locks of its own when it goes
+        lock.lock();
+        if (failure && !failure_) {
+            failure_ = failure;
+        }
+        --running_;
+        if (queue_.empty() && running_ == 0) {
+            allDone_.notify_all();
+        }
+    }
+}
+
+} // namespace Orvanta

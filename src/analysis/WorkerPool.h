@@ -1,0 +1,46 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace Orvanta {
+
+/// A fixed number of threads that run tasks in the order in which they were pushed. The destructor runs what is still
+/// queued and joins the threads. One thread pushes and waits.
+class WorkerPool {
+public:
+    explicit WorkerPool(unsigned threads);
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
+
+    void push_task(std::function<void()> task);
+
+    /// Waits until fewer tasks are queued than there are threads, or `longest` has passed: whether there is room.
+    [[nodiscard]] bool WaitForRoom(std::chrono::milliseconds longest);
+
+    /// Waits until every task has ended. Rethrows the first exception that left a task since the last call.
+    void WaitForTasks();
+
+private:
+    void Work();
+
+    std::mutex mutex_;
+    std::condition_variable taskAdded_;
+    std::condition_variable taskTaken_;
+    std::condition_variable allDone_;
+    std::deque<std::function<void()>> queue_; // guarded by mutex_
+    std::size_t running_ = 0;                 // guarded by mutex_
+    std::exception_ptr failure_;              // guarded by mutex_
+    bool ending_ = false;                     // guarded by mutex_
+    std::vector<std::thread> threads_;
+};
+
+} // namespace Orvanta
