@@ -17,4 +17,7 @@ enum class CommandStringRules {
 /// The arguments of a command string; empty when it can't be split.
 [[nodiscard]] std::vector<std::string> SplitCommandString(std::string_view command, CommandStringRules rules);
 
+/// The same into a vector that is used for many commands: what it held is replaced, the memory of its strings is kept.
+void SplitCommandString(std::string_view command, CommandStringRules rules, std::vector<std::string>& arguments);
+
 } // namespace Orvanta

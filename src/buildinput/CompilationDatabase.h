@@ -5,6 +5,7 @@
 
 #include <istream>
 #include <string>
+#include <vector>
 
 namespace Orvanta {
 
@@ -17,7 +18,7 @@ bool ReadCompilationDatabase(const std::string& path, InvocationCollector& colle
 void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector);
 
 /// Writes the units as a compilation database with "arguments", "directory", "file" and, where there are any,
-/// "environment" members.
+/// "environment" members. An invocation of several sources is one entry: read back, it gives the same units.
 /// \throws ZelmException with the path and the system's reason
 void WriteCompilationDatabase(const std::string& path, const std::vector<CompileCommand>& units);
 

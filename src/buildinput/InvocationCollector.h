@@ -6,9 +6,12 @@
 #include "platform/Log.h"
 #include "settings/RunSettings.h"
 
+#include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvanta {
@@ -17,7 +20,7 @@ namespace Orvanta {
 /// One thread at a time.
 class InvocationCollector {
 public:
-    /// All must outlive the collector. `baseDirectory` is where relative working directories are taken from.
+    /// All must outlive the collector.
     InvocationCollector(const RunSettings& settings, const CompilerRegistry& registry, CompilerIdentifier& identifier,
                         Log& log);
 
@@ -29,17 +32,56 @@ public:
     void AddInvocation(std::vector<std::string> arguments, const std::string& workingDirectory,
                        const Environment& environment);
 
+    /// The same for a caller that fills one vector again and again; what it holds afterwards is unspecified.
+    void AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
+                           const Environment& environment);
+
     /// Hands over what was collected.
     [[nodiscard]] CollectedCommands Take();
 
     [[nodiscard]] Log& MessageLog() noexcept { return log_; }
 
 private:
-    // see the source
+    /// A working directory as written, and where it is.
+    struct Directories {
+        std::shared_ptr<const std::string> written;
+        std::shared_ptr<const std::string> absolute;
+    };
+
+    /// Why an invocation gives no unit.
+    struct Refusal {
+        InvocationFate fate;
+        std::string reason;
+    };
+
+    struct ContentLess {
+        bool operator()(const std::shared_ptr<const Environment>& left,
+                        const std::shared_ptr<const Environment>& right) const {
+            return *left < *right;
+        }
+    };
+
+    [[nodiscard]] std::optional<Refusal> Refuse(const std::vector<std::string>& arguments,
+                                                const std::string& workingDirectory,
+                                                const Environment& environment) const;
+    [[nodiscard]] std::optional<Refusal> RefuseCompiler(const CompilerIdentifier::Result& identified);
+    [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
+                                                 const std::string& workingDirectory, const Environment& environment);
+    [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] const Compiler* ModelOf(CompilerType type);
+    [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
+    [[nodiscard]] const std::shared_ptr<const Environment>& Share(const Environment& environment);
+
     const RunSettings& settings_;
     const CompilerRegistry& registry_;
     CompilerIdentifier& identifier_;
     Log& log_;
+    std::string baseDirectory_;                                      // empty: not set
+    std::map<CompilerType, std::shared_ptr<const Compiler>> models_; // null for a type without one
+    std::unordered_map<std::string, Directories> directories_;       // by the directory as written
+    std::set<std::shared_ptr<const Environment>, ContentLess> environments_;
+    const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again
+    std::shared_ptr<const Environment> lastEnvironment_;
     CollectedCommands collected_;
 };
 

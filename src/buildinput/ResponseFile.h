@@ -15,8 +15,9 @@ namespace Orvanta {
 /// \throws ZelmException
 [[nodiscard]] std::vector<std::string> ExpandResponseFile(const std::string& path, const std::string& directory);
 
-/// Replaces every argument that is "@" and the name of a file by what the file stands for; others, such as "a@b", stay.
-/// \throws ZelmException
+/// Replaces every argument that is "@" and the name of a file by what the file stands for; others, such as "a@b" or "@"
+/// and the name of a folder or of nothing, stay.
+/// \throws ZelmException; the arguments are then as they were
 void ExpandResponseFiles(std::vector<std::string>& arguments, const std::string& directory);
 
 } // namespace Orvanta

@@ -1,0 +1,447 @@
+#include "buildinput/CompilationDatabase.h"
+
+#include "platform/Files.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr std::size_t BlockSize = std::size_t{64} << 10U;
+
+// The JSON library's words for the types of values.
+constexpr std::string_view Null = "null";
+constexpr std::string_view Boolean = "boolean";
+constexpr std::string_view Number = "number";
+constexpr std::string_view String = "string";
+constexpr std::string_view Array = "array";
+constexpr std::string_view Object = "object";
+
+/// Hands out a stream's bytes from blocks: much faster than the stream's own iterators.
+class BlockReader {
+public:
+    explicit BlockReader(std::istream& input) : input_(input), block_(BlockSize) {}
+
+    [[nodiscard]] bool IsAtEnd() { return next_ == end_ && !ReadBlock(); }
+
+    [[nodiscard]] const char& Current() const { return *next_; }
+
+    void Advance() { ++next_; }
+
+private:
+    bool ReadBlock() {
+        input_.read(block_.data(), static_cast<std::streamsize>(block_.size()));
+        if (input_.bad()) {
+            throw ZelmException("Couldn't read the compilation database to its end");
+        }
+        next_ = block_.data();
+        end_ = next_ + input_.gcount();
+        return next_ != end_;
+    }
+
+    std::istream& input_;
+    std::vector<char> block_;
+    const char* next_ = nullptr;
+    const char* end_ = nullptr;
+};
+
+/// The reader's place as an iterator, as the JSON library takes its input. Without a reader: the end.
+class BlockIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    BlockIterator() = default;
+
+    explicit BlockIterator(BlockReader& reader) : reader_(&reader) {}
+
+    reference operator*() const { return reader_->Current(); }
+
+    BlockIterator& operator++() {
+        reader_->Advance();
+        return *this;
+    }
+
+    bool operator==(const BlockIterator& end) const {
+        return reader_ == end.reader_ || (end.reader_ == nullptr && reader_->IsAtEnd());
+    }
+
+private:
+    BlockReader* reader_ = nullptr;
+};
+
+/// A member that is to be a text: the type that it has (empty: it is absent) and, if that is right, the text.
+struct TextMember {
+    std::string_view type;
+    std::string text;
+
+    void Assign(std::string_view newType, const std::string* newText) {
+        type = newType;
+        if (newText != nullptr) {
+            text = *newText;
+        }
+    }
+};
+
+/// An entry as far as it is read. Used again for the next one, so that its strings keep their memory.
+struct Entry {
+    TextMember directory;
+    TextMember command;
+    std::string_view argumentsType;     // empty: absent
+    std::string_view wrongArgumentType; // of the first argument that is no text; empty: all are
+    std::vector<std::string> arguments; // those of this entry and, beyond argumentCount, strings to use again
+    std::size_t argumentCount = 0;
+    std::string_view environmentType; // empty: absent
+    std::map<std::string, TextMember> environment;
+
+    void Clear() { directory.type = command.type = argumentsType = environmentType = {}; }
+};
+
+json::type_error TypeError(std::string_view expected, std::string_view found) {
+    return json::type_error::create(302, "type must be " + std::string(expected) + ", but is " + std::string(found),
+                                    nullptr);
+}
+
+const std::string& RequireText(const TextMember& member) {
+    if (member.type.empty()) {
+        throw json::invalid_iterator::create(214, "cannot get value", nullptr);
+    }
+    if (member.type != String) {
+        throw TypeError(String, member.type);
+    }
+    return member.text;
+}
+
+bool IsVariableName(std::string_view name) {
+    const auto isNameCharacter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+/// The variables of an entry. Names that no shell could set are left out.
+Environment TakeEnvironment(Entry& entry) {
+    Environment variables;
+    if (entry.environmentType.empty()) {
+        return variables;
+    }
+    if (entry.environmentType != Object) {
+        throw TypeError(Object, entry.environmentType);
+    }
+    for (const auto& [name, value] : entry.environment) {
+        const std::string& text = RequireText(value);
+        if (IsVariableName(name)) {
+            variables.emplace(name, text);
+        }
+    }
+    return variables;
+}
+
+/// Takes the parser's events and hands each entry to the collector when it is complete. As in a document that is held
+/// whole, of members of one name the last one counts, and a fault of the JSON text itself is told before one of its
+/// content: so the first fault of the content is kept until the end.
+class DatabaseHandler {
+public:
+    DatabaseHandler(CommandStringRules rules, InvocationCollector& collector) : rules_(rules), collector_(collector) {}
+
+    // The names and results of these functions are the JSON library's: true means to go on.
+    bool null() { return TakeScalar(Null); }
+
+    bool boolean(bool) { return TakeScalar(Boolean); }
+
+    bool number_integer(json::number_integer_t) { return TakeScalar(Number); }
+
+    bool number_unsigned(json::number_unsigned_t) { return TakeScalar(Number); }
+
+    bool number_float(json::number_float_t, const std::string&) { return TakeScalar(Number); }
+
+    bool binary(json::binary_t&) { return TakeScalar("binary"); }
+
+    bool string(std::string& text) { return TakeScalar(String, &text); }
+
+    bool start_object(std::size_t) { return Open(Object); }
+
+    bool start_array(std::size_t) { return Open(Array); }
+
+    bool end_object() { return Close(); }
+
+    bool end_array() { return Close(); }
+
+    bool key(std::string& name);
+
+    template <typename Exception>
+    bool parse_error(std::size_t, const std::string&, const Exception& error) {
+        throw error;
+    }
+
+    /// \throws what was wrong with the content of the document
+    void Finish() const;
+
+private:
+    enum class Place { Document, Entries, Entry, Arguments, Environment, Skipped };
+    enum class Member { Other, Directory, Command, Arguments, Environment };
+
+    bool TakeScalar(std::string_view type, const std::string* text = nullptr);
+    bool Open(std::string_view type);
+    bool Close();
+    void TakeValue(std::string_view type, const std::string* text);
+    void TakeMember(std::string_view type, const std::string* text);
+    void TakeArgument(std::string_view type, const std::string* text);
+    [[nodiscard]] Place PlaceWithin(std::string_view type) const;
+    void FinishEntry();
+    void HandOver();
+
+    CommandStringRules rules_;
+    InvocationCollector& collector_;
+    Place place_ = Place::Document;
+    Place placeAfterSkipping_ = Place::Document;
+    std::size_t skippedDepth_ = 0;
+    std::string_view documentType_;
+    bool isEmpty_ = true; // the document has neither entries nor members
+    Member member_ = Member::Other;
+    TextMember* variable_ = nullptr; // of the entry's environment, the one whose value comes next
+    Entry entry_;
+    std::exception_ptr firstFault_;
+};
+
+bool DatabaseHandler::key(std::string& name) {
+    isEmpty_ = false;
+    if (place_ == Place::Environment) {
+        variable_ = &entry_.environment[name];
+    } else if (place_ == Place::Entry) {
+        member_ = name == "directory"     ? Member::Directory
+                  : name == "command"     ? Member::Command
+                  : name == "arguments"   ? Member::Arguments
+                  : name == "environment" ? Member::Environment
+                                          : Member::Other;
+    }
+    return true;
+}
+
+bool DatabaseHandler::TakeScalar(std::string_view type, const std::string* text) {
+    TakeValue(type, text);
+    return true;
+}
+
+bool DatabaseHandler::Open(std::string_view type) {
+    if (place_ == Place::Skipped) {
+        ++skippedDepth_;
+        return true;
+    }
+    TakeValue(type, nullptr);
+    const Place within = PlaceWithin(type);
+    if (within == Place::Skipped) {
+        placeAfterSkipping_ = place_;
+        skippedDepth_ = 1;
+    }
+    place_ = within;
+    return true;
+}
+
+bool DatabaseHandler::Close() {
+    switch (place_) {
+    case Place::Document:
+        break; // nothing is open
+    case Place::Entries:
+        place_ = Place::Document;
+        break;
+    case Place::Entry:
+        FinishEntry();
+        place_ = Place::Entries;
+        break;
+    case Place::Arguments:
+    case Place::Environment:
+        place_ = Place::Entry;
+        break;
+    case Place::Skipped:
+        if (--skippedDepth_ == 0) {
+            place_ = placeAfterSkipping_;
+        }
+        break;
+    }
+    return true;
+}
+
+/// Where the parser is inside an array or object that opens at the present place.
+DatabaseHandler::Place DatabaseHandler::PlaceWithin(std::string_view type) const {
+    if (place_ == Place::Document && type == Array) {
+        return Place::Entries;
+    }
+    if (place_ == Place::Entries && type == Object) {
+        return Place::Entry;
+    }
+    if (place_ == Place::Entry && member_ == Member::Arguments && type == Array) {
+        return Place::Arguments;
+    }
+    if (place_ == Place::Entry && member_ == Member::Environment && type == Object) {
+        return Place::Environment;
+    }
+    return Place::Skipped;
+}
+
+/// Takes a value, or the beginning of one, at the present place. `text` is null for what is no text.
+void DatabaseHandler::TakeValue(std::string_view type, const std::string* text) {
+    switch (place_) {
+    case Place::Document:
+        documentType_ = type;
+        break;
+    case Place::Entries:
+        isEmpty_ = false;
+        entry_.Clear();
+        if (type != Object && firstFault_ == nullptr) {
+            firstFault_ = std::make_exception_ptr(TypeError(Object, type));
+        }
+        break;
+    case Place::Entry:
+        TakeMember(type, text);
+        break;
+    case Place::Arguments:
+        TakeArgument(type, text);
+        break;
+    case Place::Environment:
+        variable_->Assign(type, text);
+        break;
+    case Place::Skipped:
+        break;
+    }
+}
+
+void DatabaseHandler::TakeMember(std::string_view type, const std::string* text) {
+    switch (member_) {
+    case Member::Other:
+        break;
+    case Member::Directory:
+        entry_.directory.Assign(type, text);
+        break;
+    case Member::Command:
+        entry_.command.Assign(type, text);
+        break;
+    case Member::Arguments:
+        entry_.argumentsType = type;
+        entry_.wrongArgumentType = {};
+        entry_.argumentCount = 0;
+        break;
+    case Member::Environment:
+        entry_.environmentType = type;
+        entry_.environment.clear();
+        break;
+    }
+}
+
+void DatabaseHandler::TakeArgument(std::string_view type, const std::string* text) {
+    if (text == nullptr) {
+        if (entry_.wrongArgumentType.empty()) {
+            entry_.wrongArgumentType = type;
+        }
+        return;
+    }
+    if (entry_.argumentCount == entry_.arguments.size()) {
+        entry_.arguments.emplace_back();
+    }
+    entry_.arguments[entry_.argumentCount++] = *text;
+}
+
+void DatabaseHandler::FinishEntry() {
+    if (firstFault_ != nullptr) {
+        return;
+    }
+    try {
+        HandOver();
+    } catch (const json::exception&) {
+        firstFault_ = std::current_exception();
+    }
+}
+
+void DatabaseHandler::HandOver() {
+    const Environment environment = TakeEnvironment(entry_);
+    const std::string& directory = RequireText(entry_.directory);
+    if (entry_.argumentsType.empty()) {
+        SplitCommandString(RequireText(entry_.command), rules_, entry_.arguments);
+    } else if (entry_.argumentsType != Array) {
+        throw TypeError(Array, entry_.argumentsType);
+    } else if (!entry_.wrongArgumentType.empty()) {
+        throw TypeError(String, entry_.wrongArgumentType);
+    } else {
+        entry_.arguments.resize(entry_.argumentCount);
+    }
+    collector_.AddInvocationFrom(entry_.arguments, directory, environment);
+}
+
+void DatabaseHandler::Finish() const {
+    if (documentType_ == Null || (isEmpty_ && (documentType_ == Array || documentType_ == Object))) {
+        throw NoCompilerInvocationsFound(NoCompilerInvocationsFound::Hint::None);
+    }
+    if (documentType_ != Array) {
+        throw TypeError(Array, documentType_);
+    }
+    if (firstFault_ != nullptr) {
+        std::rethrow_exception(firstFault_);
+    }
+}
+
+json ToJson(const CompileCommand& unit) {
+    json entry = {
+        {"arguments", unit.arguments.ToVector()},
+        {"directory", *unit.absoluteDirectory  },
+        {"file",      unit.SourceFile()        },
+    };
+    if (!unit.environment->empty()) {
+        entry["environment"] = *unit.environment;
+    }
+    return entry;
+}
+
+} // namespace
+
+void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector) {
+    BlockReader reader(input);
+    DatabaseHandler handler(rules, collector);
+    json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
+    handler.Finish();
+}
+
+bool ReadCompilationDatabase(const std::string& path, InvocationCollector& collector) {
+    std::ifstream input(path, std::ios::binary);
+    if (!input.is_open()) {
+        return false;
+    }
+    ParseCompilationDatabase(input, HostCommandStringRules(), collector);
+    return true;
+}
+
+void WriteCompilationDatabase(const std::string& path, const std::vector<CompileCommand>& units) {
+    AtomicFile file(path);
+    std::string text = "[";
+    const CompileCommand* previous = nullptr;
+    for (const CompileCommand& unit : units) {
+        if (previous != nullptr && unit.invocation == previous->invocation) {
+            continue; // another source of the same command
+        }
+        text += previous == nullptr ? "\n" : ",\n";
+        text += ToJson(unit).dump(-1, ' ', false, json::error_handler_t::replace);
+        previous = &unit;
+        if (text.size() >= BlockSize) {
+            file.Append(text);
+            text.clear();
+        }
+    }
+    text += "\n]\n";
+    file.Append(text);
+    file.Commit();
+}
+
+} // namespace Orvanta

@@ -1,0 +1,260 @@
+#include "buildinput/InvocationCollector.h"
+
+#include "buildinput/ResponseFile.h"
+#include "platform/Paths.h"
+#include "platform/Process.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <span>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view Ccache = "ccache";
+constexpr std::size_t LongestCommandText = 120;
+constexpr const char* ZeroByteReason = "it holds a zero byte";
+
+std::string Quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+std::string_view FamilyTitle(CompilerType type) {
+    switch (type) {
+    case CompilerType::Unknown:
+        return "unknown";
+    case CompilerType::Gcc:
+        return "GCC";
+    case CompilerType::Clang:
+        return "Clang";
+    case CompilerType::Keil5:
+    case CompilerType::Keil5Gnu:
+        return "Keil 5";
+    case CompilerType::Keil6:
+        return "Keil 6";
+    case CompilerType::TiArmCGT:
+        return "TI ARM";
+    case CompilerType::Cl:
+        return "cl";
+    case CompilerType::ClangCl:
+        return "clang-cl";
+    case CompilerType::GccARM:
+        return "GCC for ARM";
+    case CompilerType::IARArm_v7_OrOlder:
+    case CompilerType::IARArm:
+        return "IAR for ARM";
+    case CompilerType::Qcc:
+        return "QCC";
+    case CompilerType::XC8:
+        return "XC8";
+    }
+    return "unknown";
+}
+
+/// The command as text, cut to a length that fits a message; not within a character.
+std::string ShortCommandText(const std::vector<std::string>& arguments) {
+    std::string text = CommandLineText(arguments);
+    if (text.size() <= LongestCommandText) {
+        return text;
+    }
+    std::size_t end = LongestCommandText;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+        --end;
+    }
+    return text.substr(0, end) + "...";
+}
+
+/// A short name for a command: its output, else its first input, else its text.
+std::string NameOfCommand(const std::vector<std::string>& arguments) {
+    const std::string* input = nullptr;
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "-o" && i + 1 < arguments.size()) {
+            return arguments[i + 1];
+        }
+        if (argument.starts_with("-o") && argument.size() > 2) {
+            return argument.substr(2);
+        }
+        if (input == nullptr && !argument.empty() && argument.front() != '-') {
+            input = &argument;
+        }
+    }
+    return input != nullptr ? *input : ShortCommandText(arguments);
+}
+
+std::string_view WithoutExe(std::string_view name) {
+    constexpr std::string_view exe = ".exe";
+    const bool ends = name.size() > exe.size() && EqualsIgnoringCase(name.substr(name.size() - exe.size()), exe);
+    return ends ? name.substr(0, name.size() - exe.size()) : name;
+}
+
+bool IsNamed(std::string_view program, std::string_view name) {
+    return EqualsIgnoringCase(WithoutExe(FileNameOf(program)), WithoutExe(name));
+}
+
+/// Whether a text holds a zero byte. No path, argument or variable can, and the system would cut it there in silence.
+bool HoldsZeroByte(std::string_view text) {
+    return text.find('\0') != std::string_view::npos;
+}
+
+bool HoldsZeroByte(const Environment& environment) {
+    return std::any_of(environment.begin(), environment.end(),
+                       [](const auto& variable) { return HoldsZeroByte(std::string_view(variable.second)); });
+}
+
+} // namespace
+
+InvocationCollector::InvocationCollector(const RunSettings& settings, const CompilerRegistry& registry,
+                                         CompilerIdentifier& identifier, Log& log)
+    : settings_(settings), registry_(registry), identifier_(identifier), log_(log) {}
+
+void InvocationCollector::SetBaseDirectory(std::string directory) {
+    baseDirectory_ = std::move(directory);
+    lastDirectories_ = nullptr;
+    directories_.clear();
+}
+
+void InvocationCollector::AddInvocation(std::vector<std::string> arguments, const std::string& workingDirectory,
+                                        const Environment& environment) {
+    AddInvocationFrom(arguments, workingDirectory, environment);
+}
+
+void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
+                                            const Environment& environment) {
+    ++collected_.invocations;
+    std::optional<Refusal> refusal;
+    try {
+        refusal = Collect(arguments, workingDirectory, environment);
+    } catch (const ZelmException& error) {
+        refusal = Refusal{InvocationFate::Unreadable, error.what()};
+    }
+    if (refusal) {
+        collected_.skipped.push_back(
+            {collected_.invocations, refusal->fate, NameOfCommand(arguments), std::move(refusal->reason)});
+    }
+}
+
+CollectedCommands InvocationCollector::Take() {
+    return std::exchange(collected_, {});
+}
+
+bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments) const {
+    const std::vector<std::string>& filter = settings_.compilerFilter;
+    const auto passes = [&filter](std::string_view program) {
+        return std::any_of(filter.begin(), filter.end(),
+                           [program](std::string_view name) { return IsNamed(program, name); });
+    };
+    return filter.empty() || passes(arguments[0]) ||
+           (arguments.size() > 1 && FileNameOf(arguments[0]) == Ccache && passes(arguments[1]));
+}
+
+std::optional<InvocationCollector::Refusal> InvocationCollector::Refuse(const std::vector<std::string>& arguments,
+                                                                        const std::string& workingDirectory,
+                                                                        const Environment& environment) const {
+    if (arguments.empty()) {
+        return Refusal{InvocationFate::Unreadable, "the command string can't be split"};
+    }
+    if (arguments[0].empty()) {
+        return Refusal{InvocationFate::Unreadable, "the command names no compiler"};
+    }
+    if (HoldsZeroByte(arguments[0]) || HoldsZeroByte(workingDirectory) || HoldsZeroByte(environment)) {
+        return Refusal{InvocationFate::Unreadable, ZeroByteReason};
+    }
+    if (!PassesFilter(arguments)) {
+        return Refusal{InvocationFate::OtherCompiler,
+                       "the compiler " + Quoted(arguments[0]) + " is not one of those asked for"};
+    }
+    return std::nullopt;
+}
+
+std::optional<InvocationCollector::Refusal>
+InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified) {
+    switch (identified.verdict) {
+    case IdentificationVerdict::Known:
+        break;
+    case IdentificationVerdict::Launcher:
+        return Refusal{InvocationFate::SkippedLauncher, "ccache commands are not looked into without --ignore-ccache"};
+    case IdentificationVerdict::Missing:
+        return Refusal{InvocationFate::CompilerMissing,
+                       "the compiler " + Quoted(identified.compiler->path) + " doesn't exist"};
+    case IdentificationVerdict::Unknown:
+        return Refusal{InvocationFate::UnknownCompiler,
+                       "the compiler " + Quoted(identified.compiler->path) + " can't be identified"};
+    }
+    const CompilerInfo& compiler = *identified.compiler;
+    if (compiler.type == CompilerType::Unknown) {
+        return Refusal{InvocationFate::UnknownCompiler,
+                       "the compiler " + Quoted(compiler.path) + " is of no known family"};
+    }
+    if (ModelOf(compiler.type) == nullptr) {
+        return Refusal{InvocationFate::UnknownCompiler,
+                       "the compiler " + Quoted(compiler.path) +
+                           " is of a family that is not supported yet: " + std::string(FamilyTitle(compiler.type))};
+    }
+    return std::nullopt;
+}
+
+std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::vector<std::string>& arguments,
+                                                                         const std::string& workingDirectory,
+                                                                         const Environment& environment) {
+    if (std::optional<Refusal> refusal = Refuse(arguments, workingDirectory, environment)) {
+        return refusal;
+    }
+    const Directories directories = Share(workingDirectory);
+    CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
+    if (std::optional<Refusal> refusal = RefuseCompiler(identified)) {
+        return refusal;
+    }
+    ExpandResponseFiles(arguments, *directories.absolute);
+    if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
+        return Refusal{InvocationFate::Unreadable, ZeroByteReason};
+    }
+    const InvocationOutline outline = OutlineInvocation(*ModelOf(identified.compiler->type), arguments);
+    if (outline.sources.empty()) {
+        return Refusal{InvocationFate::NotACompilation, std::string(outline.reason)};
+    }
+    const std::shared_ptr<const Environment> sharedEnvironment = Share(environment);
+    for (const SourceArgument& source : outline.sources) {
+        collected_.units.push_back({directories.written, directories.absolute, ArgumentList(arguments),
+                                    sharedEnvironment, identified.compiler, source, collected_.invocations,
+                                    identified.wrapped});
+    }
+    return std::nullopt;
+}
+
+const Compiler* InvocationCollector::ModelOf(CompilerType type) {
+    const auto [place, isNew] = models_.try_emplace(type);
+    if (isNew) {
+        try {
+            place->second = registry_.Get(type);
+        } catch (const ZelmException&) {
+            // The type has no model: what is kept says so too.
+        }
+    }
+    return place->second.get();
+}
+
+const InvocationCollector::Directories& InvocationCollector::Share(const std::string& workingDirectory) {
+    if (lastDirectories_ != nullptr && *lastDirectories_->written == workingDirectory) {
+        return *lastDirectories_;
+    }
+    Directories& directories = directories_[workingDirectory];
+    if (directories.written == nullptr) {
+        const std::string base = baseDirectory_.empty() ? CurrentDirectory() : baseDirectory_;
+        directories.written = std::make_shared<const std::string>(workingDirectory);
+        directories.absolute = std::make_shared<const std::string>(NormalizePath(JoinPath(base, workingDirectory)));
+    }
+    lastDirectories_ = &directories;
+    return directories;
+}
+
+const std::shared_ptr<const Environment>& InvocationCollector::Share(const Environment& environment) {
+    if (lastEnvironment_ == nullptr || *lastEnvironment_ != environment) {
+        lastEnvironment_ = *environments_.insert(std::make_shared<const Environment>(environment)).first;
+    }
+    return lastEnvironment_;
+}
+
+} // namespace Orvanta
