@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/Paths.h"
+
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -8,12 +11,16 @@
 namespace Orvanta {
 
 /// Which source paths are not to be analyzed: path prefixes, matched by whole components, and masks of "*" (any run of
-/// characters, separators too) and "?" (one character). Masks don't regard letter case; prefixes do where the system's
-/// paths do. Fast for thousands of entries: a prefix costs one look-up per component of the path.
+/// characters, separators too) and "?" (one character), matched against the whole path. Masks regard neither the case
+/// of ASCII letters nor which of the two separators stands there; prefixes do where the system's paths do.
+/// Fast for thousands of entries: a prefix costs one look-up per component of the path.
 /// Once filled, any number of threads may ask.
 class ExclusionSet {
 public:
-    /// A mask when the value holds a wildcard, else an absolute path prefix.
+    explicit ExclusionSet(PathRules rules = HostPathRules()) : rules_(rules) {}
+
+    /// A mask when the value holds a wildcard, else an absolute path prefix, which need not be normalised. An empty
+    /// value adds nothing.
     void Add(std::string_view value);
 
     /// `path` is absolute and normalised.
@@ -22,8 +29,18 @@ public:
     [[nodiscard]] bool IsEmpty() const noexcept { return prefixes_.empty() && masks_.empty(); }
 
 private:
-    std::unordered_set<std::string> prefixes_; // normalised, folded where the system folds
-    std::vector<std::string> masks_;           // in lower case
+    struct PrefixHash {
+        using is_transparent = void;
+
+        std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
+    };
+
+    [[nodiscard]] bool MatchesPrefix(std::string_view path) const;
+    [[nodiscard]] bool MatchesMask(std::string_view path) const;
+
+    PathRules rules_;
+    std::unordered_set<std::string, PrefixHash, std::equal_to<>> prefixes_; // normalised, folded where the system folds
+    std::vector<std::string> masks_;                                        // folded
 };
 
 } // namespace Orvanta

@@ -27,8 +27,9 @@ struct RunSettings {
     bool analyzeSystemPaths = false; ///< also units inside the folders of -isystem and the like
 };
 
-/// Takes over what a settings file or an option says: adds every "exclude-path" to the exclusion set and every
-/// "compiler" to the known names.
+/// Takes over what a settings file or an option says: into the user settings, where "exclude-path" may stand several
+/// times and of any other key the last value counts, every "exclude-path" into the exclusion set as well, and every
+/// "compiler" into the known names. `settings` is not `run.userSettings` itself.
 void ApplySettings(RunSettings& run, const SettingsMap& settings);
 
 /// Puts a given option's value in the place of the settings file's values of that key.

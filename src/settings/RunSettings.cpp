@@ -1,0 +1,70 @@
+#include "settings/RunSettings.h"
+
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+// Headers and sources that come with the compiler, not with the project.
+constexpr std::string_view DefaultExclusionMasks[] = {
+    R"(?:\program files (x86)\windows kits\*)",           R"(?:\program files (x86)\microsoft visual studio *\vc\*)",
+    R"(?:\program files\microsoft visual studio *\vc\*)", R"(?:\program files (x86)\microsoft visual studio\*)",
+    R"(?:\program files\microsoft visual studio\*)",
+};
+
+constexpr const char* DefaultCompilerNames[] = {
+    "x86_64-linux-gnu-gcc",
+    "x86_64-linux-gnu-g++",
+    "cc",
+    "gcc",
+    "clang",
+    "c++",
+    "g++",
+    "clang++",
+    "armcc",
+    "armclang",
+    "armcl",
+    "cl",
+    "arm-none-eabi-gcc",
+    "arm-none-eabi-g++",
+    "ccache",
+    "iccarm",
+    "qcc",
+    "xc8-cc",
+};
+
+void ReplaceSetting(SettingsMap& settings, const std::string& key, std::string value) {
+    settings.erase(key);
+    settings.emplace(key, std::move(value));
+}
+
+} // namespace
+
+RunSettings::RunSettings() : compilerNames(std::begin(DefaultCompilerNames), std::end(DefaultCompilerNames)) {
+    for (const std::string_view mask : DefaultExclusionMasks) {
+        exclusions.Add(mask);
+    }
+}
+
+void ApplySettings(RunSettings& run, const SettingsMap& settings) {
+    for (const auto& [key, value] : settings) {
+        if (key == "exclude-path") {
+            run.exclusions.Add(value);
+            run.userSettings.emplace(key, value);
+            continue;
+        }
+        if (key == "compiler") {
+            run.compilerNames.push_back(value);
+        }
+        ReplaceSetting(run.userSettings, key, value);
+    }
+}
+
+void OverrideSetting(RunSettings& run, const std::string& key, std::string value) {
+    ReplaceSetting(run.userSettings, key, std::move(value));
+}
+
+} // namespace Orvanta
