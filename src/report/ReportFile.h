@@ -13,10 +13,11 @@ struct ReportFrame {
     std::string tail;
 };
 
-/// A report on disk that is complete at every moment: readers, and a run killed at any point, see the state of the last
-/// `Commit`, never less and never a part of one. It keeps a second copy beside the report that is one commit behind,
-/// brings that one up to date and swaps the two names. Pipes and terminals are written to as they are.
-/// One thread at a time.
+/// A report on disk that is complete at every moment: whoever opens it, and a run killed at any point, sees the state
+/// of the last `Commit`, never less and never a part of one. It keeps a second copy beside the report that is one
+/// commit behind, brings that one up to date and swaps the two names, so a commit costs what it adds. A reader that
+/// keeps the file open for longer than one further commit can see the one after that being written. Pipes and terminals
+/// are written to as they are. One thread at a time.
 class ReportFile {
 public:
     /// Replaces what is at `path` by a report without messages.

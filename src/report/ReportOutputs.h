@@ -56,6 +56,7 @@ public:
 
     bool Write(const ReportMessage& message) override;
     void Commit() override;
+    void End() override;
 
 private:
     LineFormat format_;

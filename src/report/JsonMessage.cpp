@@ -1,0 +1,124 @@
+#include "report/JsonMessage.h"
+
+#include "report/Exceptions.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstddef>
+#include <limits>
+
+namespace OrvlogConverter {
+
+namespace {
+
+std::uint32_t NumberOf(const nlohmann::json& value) {
+    const auto number = value.get<double>(); // holds every number of the record exactly
+    if (!(number >= 0 && number <= std::numeric_limits<std::uint32_t>::max())) {
+        throw ParseException("number out of range: " + value.dump());
+    }
+    return static_cast<std::uint32_t>(number);
+}
+
+void ReadIfPresent(const nlohmann::json& object, const char* key, std::string& target) {
+    if (const auto found = object.find(key); found != object.end()) {
+        found->get_to(target);
+    }
+}
+
+bool IsPlain(char character) {
+    return character >= ' ' && character <= '~' && character != '"' && character != '\\';
+}
+
+// Appends the text with its quotes. Most texts are printable ASCII; what is not is left to the JSON library.
+void AppendString(std::string& json, std::string_view text) {
+    const std::size_t start = json.size();
+    json += '"';
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        std::size_t end = at;
+        while (end < text.size() && IsPlain(text[end])) {
+            ++end;
+        }
+        json += text.substr(at, end - at);
+        at = end;
+        if (at == text.size()) {
+            break;
+        }
+        if (text[at] == '\t') {
+            json += "\\t";
+        } else if (text[at] == '"' || text[at] == '\\') {
+            json += '\\';
+            json += text[at];
+        } else {
+            json.resize(start);
+            json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+            return;
+        }
+    }
+    json += '"';
+}
+
+void AppendPositions(std::string& json, const std::vector<MessagePosition>& positions) {
+    json += '[';
+    for (const MessagePosition& position : positions) {
+        json += &position == &positions.front() ? "{\"file\":" : ",{\"file\":";
+        AppendString(json, position.file);
+        json += ",\"line\":";
+        json += std::to_string(position.line);
+        json += '}';
+    }
+    json += ']';
+}
+
+} // namespace
+
+// Found by the JSON library by its argument's namespace.
+static void from_json(const nlohmann::json& object, MessagePosition& position) {
+    object.at("file").get_to(position.file);
+    position.line = NumberOf(object.at("line"));
+}
+
+ReportMessage ReadJsonMessage(std::string_view text) {
+    const nlohmann::json object = nlohmann::json::parse(text);
+    ReportMessage message;
+    object.at("falseAlarm").get_to(message.falseAlarm);
+    message.level = NumberOf(object.at("level"));
+    object.at("code").get_to(message.code);
+    object.at("message").get_to(message.message);
+    object.at("positions").get_to(message.positions);
+    if (const auto cwe = object.find("cwe"); cwe != object.end()) {
+        message.cwe = NumberOf(*cwe);
+    }
+    ReadIfPresent(object, "sastId", message.sastId);
+    MessagePosition nowhere; // a message without positions has no place for its line texts
+    MessagePosition& first = message.positions.empty() ? nowhere : message.positions.front();
+    ReadIfPresent(object, "prevLine", first.prevLine);
+    ReadIfPresent(object, "currLine", first.currLine);
+    ReadIfPresent(object, "nextLine", first.nextLine);
+    return message;
+}
+
+void AppendJsonMessage(std::string& text, const ReportMessage& message) {
+    static const MessagePosition Nowhere;
+    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    text += message.falseAlarm ? "{\"falseAlarm\":true,\"level\":" : "{\"falseAlarm\":false,\"level\":";
+    text += std::to_string(message.level);
+    text += ",\"code\":";
+    AppendString(text, message.code);
+    text += ",\"message\":";
+    AppendString(text, message.message);
+    text += ",\"positions\":";
+    AppendPositions(text, message.positions);
+    text += ",\"cwe\":";
+    text += std::to_string(message.cwe);
+    text += ",\"sastId\":";
+    AppendString(text, message.sastId);
+    text += ",\"prevLine\":";
+    AppendString(text, first.prevLine);
+    text += ",\"currLine\":";
+    AppendString(text, first.currLine);
+    text += ",\"nextLine\":";
+    AppendString(text, first.nextLine);
+    text += '}';
+}
+
+} // namespace OrvlogConverter

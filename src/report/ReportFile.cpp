@@ -1,0 +1,206 @@
+#include "report/ReportFile.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "report/Exceptions.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+namespace OrvlogConverter {
+
+namespace {
+
+// The reason that ends the text of a file error.
+std::string ReasonOf(const Orvanta::ZelmException& error) {
+    const std::string text = error.what();
+    const std::size_t colon = text.rfind(": ");
+    return colon == std::string::npos ? text : text.substr(colon + 2);
+}
+
+// The file behind links, so that a link stays one.
+std::string ResolveLinks(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    return error ? path : resolved.string();
+}
+
+std::string SparePathOf(const std::string& path) {
+    return Orvanta::JoinPath(Orvanta::DirectoryOf(path), "." + std::string(Orvanta::FileNameOf(path)) + ".orvanta-new");
+}
+
+} // namespace
+
+struct ReportFile::State {
+    std::string givenPath; // as messages name it
+    ReportFrame frame;
+    bool hasMessages = false;
+    std::string pending; // appended since the last commit
+
+    std::optional<Orvanta::OutputFile> stream; // set for what can't be replaced, and nothing below is then used
+    std::string path;
+    std::string sparePath;
+    std::uint64_t end = 0;                  // where the report's tail begins
+    std::uint64_t spareEnd = 0;             // where the tail of the second copy begins
+    std::optional<std::uint64_t> spareSize; // what the second copy has on disk; empty when it must be made anew
+    std::string lag;                        // text that the report has and the second copy has not
+
+    template <class Work>
+    void NamingReport(const Work& work) const;
+    void Create();
+    void EnsureSpare();
+    void WriteSpare(std::string_view bytes);
+    void CommitFile();
+    void RemoveSpare() noexcept;
+};
+
+// Errors of files name the path that failed, which may be the second copy's; the user knows the report's.
+template <class Work>
+void ReportFile::State::NamingReport(const Work& work) const {
+    try {
+        work();
+    } catch (const Orvanta::ZelmException& error) {
+        throw FilesystemException("Can't write to file: " + givenPath + ": " + ReasonOf(error));
+    }
+}
+
+void ReportFile::State::Create() {
+    std::error_code unknown;
+    const std::filesystem::file_status status = std::filesystem::status(givenPath, unknown);
+    const bool exists = std::filesystem::exists(status);
+    if (exists && !std::filesystem::is_regular_file(status)) {
+        stream.emplace(givenPath, Orvanta::OutputFile::Mode::Keep);
+        stream->Append(frame.head);
+        return;
+    }
+    path = ResolveLinks(givenPath);
+    if (exists) {
+        // A file that its owner protects stays, although the folder would let us put another in its place.
+        const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
+    }
+    Orvanta::AtomicFile file(path);
+    file.Append(frame.head + frame.tail);
+    file.Commit();
+    sparePath = SparePathOf(path);
+    end = frame.head.size();
+}
+
+// Makes the second copy from the report when there is none of the right size: at first, after a failed write that could
+// not be taken back, and when somebody else has touched it.
+void ReportFile::State::EnsureSpare() {
+    std::error_code error;
+    if (spareSize && std::filesystem::file_size(sparePath, error) == *spareSize && !error) {
+        return;
+    }
+    Orvanta::RemoveFile(sparePath);
+    std::filesystem::copy_file(path, sparePath, error);
+    if (error) {
+        throw Orvanta::ZelmException(sparePath + ": " + error.message());
+    }
+    spareEnd = end;
+    spareSize = end + frame.tail.size();
+    lag.clear();
+}
+
+// Puts `bytes` in the place of the second copy's tail.
+void ReportFile::State::WriteSpare(std::string_view bytes) {
+    Orvanta::OutputFile file(sparePath, Orvanta::OutputFile::Mode::Keep);
+    const std::uint64_t oldSize = *std::exchange(spareSize, std::nullopt);
+    try {
+        file.WriteAt(bytes, spareEnd);
+    } catch (const Orvanta::ZelmException&) {
+        file.Truncate(spareEnd); // the tail comes with the next write
+        spareSize = spareEnd;
+        throw;
+    }
+    const std::uint64_t newSize = spareEnd + bytes.size();
+    if (newSize < oldSize) { // an earlier text that could not be published
+        file.Truncate(newSize);
+    }
+    spareSize = newSize;
+}
+
+void ReportFile::State::CommitFile() {
+    EnsureSpare();
+    const std::size_t lagSize = lag.size();
+    try {
+        lag += pending;
+        lag += frame.tail;
+        WriteSpare(lag);
+        lag.resize(lagSize);
+        Orvanta::ExchangeFiles(path, sparePath);
+    } catch (...) {
+        lag.resize(lagSize);
+        throw;
+    }
+    // The two have changed places.
+    const std::uint64_t newEnd = spareEnd + lagSize + pending.size();
+    spareEnd = std::exchange(end, newEnd);
+    spareSize = spareEnd + frame.tail.size();
+    lag.swap(pending);
+}
+
+void ReportFile::State::RemoveSpare() noexcept {
+    if (!sparePath.empty()) {
+        Orvanta::RemoveFile(sparePath);
+        spareSize.reset();
+    }
+}
+
+ReportFile::ReportFile(const std::string& path, ReportFrame frame) : state_(std::make_unique<State>()) {
+    if (path.empty()) {
+        throw FilesystemException("Empty filepath");
+    }
+    state_->givenPath = path;
+    state_->frame = std::move(frame);
+    state_->NamingReport([this] { state_->Create(); });
+}
+
+ReportFile::~ReportFile() {
+    state_->RemoveSpare();
+}
+
+void ReportFile::Append(std::string_view messageText) {
+    if (state_->hasMessages || !state_->pending.empty()) {
+        state_->pending += state_->frame.separator;
+    }
+    state_->pending += messageText;
+}
+
+void ReportFile::Commit() {
+    if (state_->pending.empty()) {
+        return;
+    }
+    try {
+        state_->NamingReport([this] {
+            if (state_->stream) {
+                state_->stream->Append(state_->pending);
+            } else {
+                state_->CommitFile();
+            }
+        });
+    } catch (...) {
+        Discard();
+        throw;
+    }
+    state_->pending.clear();
+    state_->hasMessages = true;
+}
+
+void ReportFile::Discard() noexcept {
+    state_->pending.clear();
+}
+
+void ReportFile::Close() {
+    if (state_->stream) {
+        state_->NamingReport([this] { state_->stream->Append(state_->frame.tail); });
+        state_->stream.reset();
+    }
+    state_->RemoveSpare();
+}
+
+} // namespace OrvlogConverter
