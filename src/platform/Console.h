@@ -7,8 +7,8 @@
 namespace Orvanta {
 
 /// Makes Ctrl+C (and a polite request to end) set the stop flag instead of ending the process; the first one also says
-/// so on standard output. Also makes a reader of our output that goes away no reason to die. Once per process, at
-/// start.
+/// so on standard output. Also makes a reader of our output that goes away no reason to die, and closed standard
+/// streams empty ones. Once per process, at start.
 void InstallInterruptHandler(StopFlag& stop);
 
 /// Writes the bytes to standard output in one piece, past no buffer of ours: whole lines of several writers don't mix.

@@ -87,11 +87,16 @@ public:
     /// Waits without limit for the end of the child and returns its code.
     int get_exit_status();
 
-    /// Asks the child to end; with `force`, ends it and every process that it started.
+    /// Asks the child and what it started to end; with `force`, ends them. Nothing is done to a child whose end has
+    /// been seen.
     void kill(bool force = false);
 
     /// Blocks until the child has ended, has written something, or `longest` has passed, and receives what was written.
-    void WaitForChange(std::chrono::milliseconds longest);
+    /// True when the child has ended. May come back early for no reason.
+    bool WaitForChange(std::chrono::milliseconds longest);
+
+    /// Whether an earlier call has seen the end of the child: a question to this object, not to the system.
+    [[nodiscard]] bool HasEnded() const noexcept;
 
 private:
     struct Handles; // the system's handles of the child and of its pipes

@@ -7,7 +7,8 @@ namespace Orvanta {
 /// Says that the user wants the run to stop. Set once and never cleared; any thread, and a signal handler, may use it.
 class StopFlag {
 public:
-    void Set() noexcept { isSet_.store(true); }
+    /// True when it was set before.
+    bool Set() noexcept { return isSet_.exchange(true); }
 
     [[nodiscard]] bool IsSet() const noexcept { return isSet_.load(); }
 

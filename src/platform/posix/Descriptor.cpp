@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
@@ -48,6 +49,9 @@ bool WriteAll(int descriptor, std::string_view bytes) noexcept {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
         if (written >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) { // somebody has made our output non-blocking
+            pollfd output = {.fd = descriptor, .events = POLLOUT, .revents = 0};
+            static_cast<void>(::poll(&output, 1, -1));
         } else if (errno != EINTR) {
             return false;
         }

@@ -1,0 +1,64 @@
+#include "platform/Log.h"
+
+#include "platform/Console.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+
+namespace Orvanta {
+
+struct Log::File {
+    OutputFile output;
+    bool isBroken = false;
+
+    // A log that can't be written any more, on a full disk for example, is given up; the run goes on.
+    void Write(std::string_view text) {
+        if (isBroken) {
+            return;
+        }
+        try {
+            output.Append(text);
+        } catch (const ZelmException& error) {
+            isBroken = true;
+            WriteToStandardOutput("The log ends here: " + std::string(error.what()) + '\n');
+        }
+    }
+};
+
+Log::Log(Verbosity verbosity) : verbosity_(verbosity) {}
+
+Log::~Log() = default;
+
+void Log::OpenFile(const std::string& path) {
+    file_ = std::make_unique<File>(File{OutputFile(path, OutputFile::Mode::Replace)});
+}
+
+void Log::Line(std::string_view text) {
+    Text(std::string(text) += '\n');
+}
+
+void Log::VerboseLine(std::string_view text) {
+    if (!IsVerbose()) {
+        return;
+    }
+    const std::string line = std::string(text) += '\n';
+    if (verbosity_ == Verbosity::Verbose) {
+        Text(line);
+        return;
+    }
+    const std::lock_guard lock(mutex_);
+    file_->Write(line);
+}
+
+void Log::Text(std::string_view text) {
+    const std::lock_guard lock(mutex_);
+    WriteToStandardOutput(text);
+    if (file_ != nullptr) {
+        file_->Write(text);
+    }
+}
+
+bool Log::IsVerbose() const noexcept {
+    return verbosity_ == Verbosity::Verbose || file_ != nullptr;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,123 @@
+#include "platform/Console.h"
+
+#include "platform/Files.h"
+#include "platform/posix/Descriptor.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdint>
+#include <exception>
+#include <limits>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
+#include <sched.h>
+#include <unistd.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
+
+std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
+static_assert(std::atomic<StopFlag*>::is_always_lock_free, "the interrupt handler may not take a lock");
+
+extern "C" void SetStopFlag(int /*signal*/) {
+    const int error = errno;
+    StopFlag& stop = *flagToSet.load();
+    if (!stop.Set()) {
+        static_cast<void>(::write(STDOUT_FILENO, StopMessage.data(), StopMessage.size()));
+    }
+    errno = error;
+}
+
+// A file opened later must not become standard output because that was closed when we were started.
+void OpenClosedStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) < 0 && errno == EBADF) {
+            static_cast<void>(::open("/dev/null", O_RDWR)); // takes the lowest free number: this one
+        }
+    }
+}
+
+unsigned ProcessorsOfThisThread() {
+    cpu_set_t processors;
+    if (::sched_getaffinity(0, sizeof processors, &processors) == 0) {
+        return static_cast<unsigned>(CPU_COUNT(&processors));
+    }
+    return std::thread::hardware_concurrency(); // more processors than the set has room for
+}
+
+// "QUOTA PERIOD", both in microseconds, or "max PERIOD": the processors' worth of time, rounded up.
+unsigned ProcessorsOfQuota(const std::string& text) {
+    std::uint64_t quota = 0;
+    std::uint64_t period = 0;
+    const char* const end = text.data() + text.size();
+    const auto [behind, error] = std::from_chars(text.data(), end, quota);
+    if (error != std::errc() || behind == end || std::from_chars(behind + 1, end, period).ec != std::errc() ||
+        period == 0) {
+        return std::numeric_limits<unsigned>::max();
+    }
+    return static_cast<unsigned>(std::min<std::uint64_t>((quota + period - 1) / period, 1U << 16U));
+}
+
+// The tightest processor quota of our control group (version 2) and those around it.
+unsigned ProcessorsOfControlGroup() {
+    const std::string Root = "/sys/fs/cgroup";
+    unsigned fewest = std::numeric_limits<unsigned>::max();
+    try {
+        const std::string groups = ReadWholeFile("/proc/self/cgroup"); // "0::/GROUP", among lines of version 1
+        const std::size_t line = groups.find("0::/");
+        if (line == std::string::npos) {
+            return fewest;
+        }
+        const std::size_t begin = line + 3;
+        std::string group = groups.substr(begin, groups.find('\n', begin) - begin);
+        while (!group.empty()) {
+            const std::string quota = Root + group + "/cpu.max";
+            if (PathExists(quota)) {
+                fewest = std::min(fewest, ProcessorsOfQuota(ReadWholeFile(quota)));
+            }
+            group.resize(group.size() == 1 ? 0 : std::max<std::size_t>(group.rfind('/'), 1));
+        }
+    } catch (const std::exception&) {
+        return fewest; // no quota that we could know of
+    }
+    return fewest;
+}
+
+} // namespace
+
+void InstallInterruptHandler(StopFlag& stop) {
+    OpenClosedStandardStreams();
+    flagToSet.store(&stop);
+
+    struct sigaction action {};
+
+    ::sigfillset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    action.sa_handler = &SetStopFlag;
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+    action.sa_handler = SIG_IGN;
+    ::sigaction(SIGPIPE, &action, nullptr);
+}
+
+void WriteToStandardOutput(std::string_view bytes) noexcept {
+    // A pipe takes long texts in pieces: without this, two of them could mix.
+    static constinit std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
+    static_cast<void>(WriteAll(STDOUT_FILENO, bytes));
+}
+
+unsigned AvailableProcessors() noexcept {
+    return std::max(1U, std::min(ProcessorsOfThisThread(), ProcessorsOfControlGroup()));
+}
+
+} // namespace Orvanta

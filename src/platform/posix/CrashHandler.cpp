@@ -1,0 +1,160 @@
+#include "platform/CrashHandler.h"
+
+#include <backward.hpp>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <system_error>
+#include <thread>
+
+#include <pthread.h>
+#include <semaphore.h>
+#include <ucontext.h>
+#include <unistd.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* SupportAddress = "support@orvanta.example";
+constexpr std::size_t LongestTrace = 64;
+
+// Printing allocates, and the crash may have happened inside the allocator: longer than this nobody waits for a trace.
+constexpr std::time_t LongestReportSeconds = 30;
+
+constexpr std::size_t SignalStackSize = 128 * 1024; // resident only when used
+
+// Decides where the stack of a crash goes.
+struct WriteCrashReport {
+    void operator()(backward::Printer& printer, const backward::StackTrace& trace) const {
+        std::FILE* const file = std::fopen(CrashReportFileName, "we");
+        if (file == nullptr) {
+            printer.print(trace, stdout);
+            std::fflush(stdout);
+            return;
+        }
+        std::fprintf(stderr, "Application has crashed. Please send file %s to %s\n", CrashReportFileName,
+                     SupportAddress);
+        printer.print(trace, file);
+        std::fclose(file);
+    }
+};
+
+// What the handlers and the crash thread share. Never destroyed: a crash may come at the very end.
+struct CrashState {
+    backward::StackTrace trace;
+    sem_t captured{};
+    sem_t reported{};
+    std::atomic<bool> isClaimed = false; // by the first thread that crashes
+};
+
+std::atomic<CrashState*> crashState = nullptr; // set once, before the handlers are there
+
+void WaitFor(sem_t& semaphore) {
+    while (::sem_wait(&semaphore) != 0 && errno == EINTR) {
+    }
+}
+
+void WaitForReport(sem_t& semaphore) {
+    timespec deadline{};
+    ::clock_gettime(CLOCK_REALTIME, &deadline);
+    deadline.tv_sec += LongestReportSeconds;
+    while (::sem_timedwait(&semaphore, &deadline) != 0 && errno == EINTR) {
+    }
+}
+
+// Where the thread was when the signal came; null where we can't tell: the trace then starts at the handler.
+void* CrashedInstruction([[maybe_unused]] void* context) {
+#if defined(REG_RIP)
+    return reinterpret_cast<void*>(static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP]);
+#elif defined(__aarch64__)
+    return reinterpret_cast<void*>(static_cast<ucontext_t*>(context)->uc_mcontext.pc);
+#else
+    return nullptr;
+#endif
+}
+
+[[noreturn]] void EndAsWithoutHandler(int signal) {
+    std::signal(signal, SIG_DFL);
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, signal);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+    std::raise(signal);
+    std::_Exit(EXIT_FAILURE); // not reached: the default of each of these signals ends the process
+}
+
+// Runs on the crashed thread, with all signals blocked: a second fault in here ends the process at once.
+extern "C" void HandleCrash(int signal, siginfo_t* information, void* context) {
+    CrashState& state = *crashState.load();
+    if (state.isClaimed.exchange(true)) {
+        while (true) {
+            ::pause(); // another thread has crashed before and is about to end the process
+        }
+    }
+    state.trace.load_from(CrashedInstruction(context), LongestTrace, context, information->si_addr);
+    ::sem_post(&state.captured);
+    WaitForReport(state.reported);
+    EndAsWithoutHandler(signal);
+}
+
+void ReportCrashes(CrashState& state) {
+    WaitFor(state.captured);
+    backward::Printer printer;
+    printer.address = true;
+    WriteCrashReport()(printer, state.trace);
+    ::sem_post(&state.reported);
+}
+
+// The thread has all signals blocked: interrupts go to others, and a crash of its own ends the process at once.
+void StartCrashThread(CrashState& state) {
+    sigset_t all;
+    sigset_t before;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before);
+    try {
+        std::thread([&state] { ReportCrashes(state); }).detach();
+    } catch (const std::system_error&) {
+        std::abort();
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+// So that an overflow of the main thread's stack can be handled too.
+void UseSignalStack() {
+    static constinit std::array<std::byte, SignalStackSize> memory{};
+    stack_t stack{};
+    stack.ss_sp = memory.data();
+    stack.ss_size = memory.size();
+    ::sigaltstack(&stack, nullptr);
+}
+
+} // namespace
+
+void InstallCrashHandler() {
+    CrashState& state = *std::make_unique<CrashState>().release();
+    ::sem_init(&state.captured, 0, 0);
+    ::sem_init(&state.reported, 0, 0);
+    state.trace.load_here(LongestTrace +
+                          8); // the handler then finds the memory and the unwinder ready: load_from takes 8 more
+    crashState.store(&state);
+    StartCrashThread(state);
+    UseSignalStack();
+
+    struct sigaction action {};
+
+    ::sigfillset(&action.sa_mask);
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    action.sa_sigaction = &HandleCrash;
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+        ::sigaction(signal, &action, nullptr);
+    }
+}
+
+} // namespace Orvanta

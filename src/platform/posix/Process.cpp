@@ -1,0 +1,387 @@
+#include "platform/Process.h"
+
+#include "platform/Paths.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/SearchPath.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <optional>
+#include <system_error>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/ioctl.h>
+#include <sys/pidfd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace Orvanta {
+
+namespace {
+
+[[noreturn]] void FailToStart(const std::string& program, const std::string& reason) {
+    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason);
+}
+
+// What keeps a child from working in `directory`, as a value of errno; 0 when nothing does.
+int FaultOfDirectory(const std::string& directory) {
+    struct stat status {};
+
+    if (::stat(directory.c_str(), &status) != 0) {
+        return errno;
+    }
+    if (!S_ISDIR(status.st_mode)) {
+        return ENOTDIR;
+    }
+    return ::access(directory.c_str(), X_OK) == 0 ? 0 : errno;
+}
+
+// A failed start doesn't say whether it was the program or the folder.
+[[noreturn]] void FailToStart(const std::string& program, const std::string& directory, int error) {
+    if (!directory.empty()) {
+        if (const int fault = FaultOfDirectory(directory); fault != 0) {
+            throw ProcessStartException("Couldn't start \"" + program + "\" in \"" + directory +
+                                        "\": " + SystemReason(fault));
+        }
+    }
+    FailToStart(program, SystemReason(error));
+}
+
+void CheckForZeroBytes(const Arguments& command) {
+    for (const std::string& argument : command) {
+        if (argument.find('\0') != std::string::npos) {
+            FailToStart(command.front().c_str(), "an argument holds a zero byte");
+        }
+    }
+}
+
+// The path to start: `program` itself when it is one, otherwise where PATH of the child's environment finds it.
+std::string ResolveProgram(const std::string& program, const std::string& directory,
+                           const EnvironmentBlock& environment) {
+    constexpr std::string_view Prefix = "PATH=";
+    if (program.find('/') != std::string::npos) {
+        return program;
+    }
+    for (const std::string& entry : environment.Entries()) {
+        if (entry.starts_with(Prefix)) {
+            return FindAlong(program, std::string_view(entry).substr(Prefix.size()), directory);
+        }
+    }
+    return {};
+}
+
+// Pointers to the texts, ended by a null pointer, in the form in which the system takes them. It writes to none of
+// them.
+std::vector<char*> PointersTo(const std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts) {
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// How every child starts: in a process group of its own, with no signal blocked and those that we handle or ignore as
+// the system has them. Made once; never written again.
+class SpawnAttributes {
+public:
+    SpawnAttributes() {
+        ::posix_spawnattr_init(&attributes_);
+        ::posix_spawnattr_setflags(
+            &attributes_, static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
+        ::posix_spawnattr_setpgroup(&attributes_, 0);
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::posix_spawnattr_setsigmask(&attributes_, &signals);
+        for (const int signal : {SIGPIPE, SIGINT, SIGTERM}) {
+            ::sigaddset(&signals, signal);
+        }
+        ::posix_spawnattr_setsigdefault(&attributes_, &signals);
+    }
+
+    ~SpawnAttributes() { ::posix_spawnattr_destroy(&attributes_); }
+
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    [[nodiscard]] const posix_spawnattr_t* Get() const noexcept { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
+// What a child does between its birth and its program.
+class SpawnActions {
+public:
+    SpawnActions() { Check(::posix_spawn_file_actions_init(&actions_)); }
+
+    ~SpawnActions() { ::posix_spawn_file_actions_destroy(&actions_); }
+
+    SpawnActions(const SpawnActions&) = delete;
+    SpawnActions& operator=(const SpawnActions&) = delete;
+
+    void Redirect(int from, int to) { Check(::posix_spawn_file_actions_adddup2(&actions_, to, from)); }
+
+    void ChangeDirectory(const std::string& directory) {
+        Check(::posix_spawn_file_actions_addchdir_np(&actions_, directory.c_str()));
+    }
+
+    [[nodiscard]] const posix_spawn_file_actions_t* Get() const noexcept { return &actions_; }
+
+private:
+    static void Check(int error) {
+        if (error != 0) {
+            throw std::system_error(error, std::generic_category());
+        }
+    }
+
+    posix_spawn_file_actions_t actions_{};
+};
+
+// Every child's standard input.
+int EmptyInput() {
+    static const Descriptor input = [] {
+        Descriptor device = OpenFile("/dev/null", O_RDONLY);
+        if (!device.IsOpen()) {
+            throw std::system_error(errno, std::generic_category(), "/dev/null");
+        }
+        return device;
+    }();
+    return input.Number();
+}
+
+struct Pipe {
+    Descriptor read;
+    Descriptor write;
+
+    Pipe() {
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+            throw std::system_error(errno, std::generic_category());
+        }
+        read = Descriptor(ends[0]);
+        write = Descriptor(ends[1]);
+    }
+};
+
+// One output of a child: our end of the pipe and who takes its bytes.
+struct Output {
+    Descriptor pipe;
+    OutputReceiver receiver;
+
+    // Reads once, at most `most` bytes; only to be called when there is something to read or the end has come, as it
+    // would block otherwise.
+    std::size_t ReadBlock(std::size_t most) {
+        constexpr std::size_t BlockSize = 65536; // what a pipe holds
+        std::array<char, BlockSize> block;       // not initialised: most children write nothing
+        ssize_t count = -1;
+        do {
+            count = ::read(pipe.Number(), block.data(), std::min(most, block.size()));
+        } while (count < 0 && errno == EINTR);
+        if (count <= 0) {
+            pipe.Reset();
+            return 0;
+        }
+        if (receiver) {
+            receiver({block.data(), static_cast<std::size_t>(count)});
+        }
+        return static_cast<std::size_t>(count);
+    }
+
+    void Receive(short events) {
+        if ((events & POLLIN) != 0) {
+            ReadBlock(std::string::npos);
+        } else if (events != 0) {
+            pipe.Reset(); // nothing in it, and nobody left who could write
+        }
+    }
+
+    // Reads what the child has left in the pipe. Another process may still hold the other end, and even write: it is
+    // not waited for.
+    void Drain() {
+        int waiting = 0;
+        if (!pipe.IsOpen() || ::ioctl(pipe.Number(), FIONREAD, &waiting) != 0) {
+            return;
+        }
+        std::size_t left = static_cast<std::size_t>(waiting);
+        while (left > 0 && pipe.IsOpen()) {
+            left -= ReadBlock(left);
+        }
+        pipe.Reset();
+    }
+};
+
+} // namespace
+
+struct Process::Handles {
+    pid_t pid = -1;
+    Descriptor end; // becomes readable when the child ends
+    Output standardOutput;
+    Output standardError;
+    std::optional<int> exitStatus;
+    bool isToBeKilled = false;
+
+    Handles() = default;
+    Handles(const Handles&) = delete;
+    Handles& operator=(const Handles&) = delete;
+
+    ~Handles() {
+        if (pid > 0 && !exitStatus) {
+            SendSignal(SIGKILL);
+            TakeStatus();
+        }
+    }
+
+    void Start(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment);
+    bool Look(int milliseconds);
+
+    void SendSignal(int signal) const noexcept { ::kill(-pid, signal); }
+
+    void TakeStatus() noexcept;
+};
+
+void Process::Handles::Start(const Arguments& command, const std::string& workingDirectory,
+                             const EnvironmentBlock& environment) {
+    static const SpawnAttributes attributes;
+    const std::string program = ResolveProgram(command.front(), workingDirectory, environment);
+    Pipe output;
+    Pipe error;
+    SpawnActions actions;
+    actions.Redirect(STDIN_FILENO, EmptyInput());
+    actions.Redirect(STDOUT_FILENO, output.write.Number());
+    actions.Redirect(STDERR_FILENO, error.write.Number());
+    if (!workingDirectory.empty()) {
+        actions.ChangeDirectory(workingDirectory);
+    }
+    const std::vector<char*> arguments = PointersTo(command);
+    const std::vector<char*> variables = PointersTo(environment.Entries());
+    const int fault = program.empty() ? ENOENT
+                                      : ::posix_spawn(&pid, program.c_str(), actions.Get(), attributes.Get(),
+                                                      arguments.data(), variables.data());
+    if (fault != 0) {
+        pid = -1;
+        FailToStart(command.front(), workingDirectory, fault);
+    }
+    output.write.Reset();
+    error.write.Reset();
+    end = Descriptor(::pidfd_open(pid, 0));
+    if (!end.IsOpen()) {
+        throw std::system_error(errno, std::generic_category());
+    }
+    standardOutput.pipe = std::move(output.read);
+    standardError.pipe = std::move(error.read);
+}
+
+// Waits, at most for the given time (-1: without limit), for something to happen, and deals with it. True when the
+// child has ended.
+bool Process::Handles::Look(int milliseconds) {
+    if (exitStatus) {
+        return true;
+    }
+    std::array<pollfd, 3> events = {
+        {
+         {.fd = end.Number(), .events = POLLIN, .revents = 0},
+         {.fd = standardOutput.pipe.Number(), .events = POLLIN, .revents = 0},
+         {.fd = standardError.pipe.Number(), .events = POLLIN, .revents = 0},
+         }
+    };
+    const int count = ::poll(events.data(), events.size(), milliseconds);
+    if (count < 0 && errno != EINTR) {
+        throw ProcessException("Couldn't wait for a child process: " + SystemReason(errno));
+    }
+    if (count <= 0) {
+        return false;
+    }
+    standardOutput.Receive(events[1].revents);
+    standardError.Receive(events[2].revents);
+    if (events[0].revents == 0) {
+        return false;
+    }
+    standardOutput.Drain();
+    standardError.Drain();
+    if (isToBeKilled) {
+        SendSignal(SIGKILL); // the rest of its group; while its status isn't taken, the number can't be another's
+    }
+    TakeStatus();
+    end.Reset();
+    return true;
+}
+
+void Process::Handles::TakeStatus() noexcept {
+    int status = 0;
+    pid_t taken = -1;
+    do {
+        taken = ::waitpid(pid, &status, 0);
+    } while (taken < 0 && errno == EINTR);
+    constexpr int SignalBase = 128;
+    exitStatus = WIFSIGNALED(status) ? SignalBase + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
+                 OutputReceiver standardOutput, OutputReceiver standardError)
+    : handles_(std::make_unique<Handles>()) {
+    if (command.empty()) {
+        FailToStart("", "the command is empty");
+    }
+    CheckForZeroBytes(command);
+    handles_->standardOutput.receiver = std::move(standardOutput);
+    handles_->standardError.receiver = std::move(standardError);
+    try {
+        handles_->Start(command, workingDirectory, environment);
+    } catch (const std::system_error& error) {
+        FailToStart(command.front(), error.code().message());
+    }
+}
+
+Process::~Process() = default;
+
+bool Process::try_get_exit_status(int& exitStatus) {
+    if (!handles_->Look(0)) {
+        return false;
+    }
+    exitStatus = *handles_->exitStatus;
+    return true;
+}
+
+int Process::get_exit_status() {
+    while (!handles_->Look(-1)) {
+    }
+    return *handles_->exitStatus;
+}
+
+void Process::kill(bool force) {
+    if (!handles_->exitStatus) {
+        handles_->SendSignal(force ? SIGKILL : SIGTERM);
+        handles_->isToBeKilled = true;
+    }
+}
+
+bool Process::WaitForChange(std::chrono::milliseconds longest) {
+    return handles_->Look(static_cast<int>(std::max<std::chrono::milliseconds::rep>(longest.count(), 0)));
+}
+
+bool Process::HasEnded() const noexcept {
+    return handles_->exitStatus.has_value();
+}
+
+std::string RunAndRead(const std::string& commandLine) {
+    std::FILE* const pipe = ::popen(commandLine.c_str(), "re");
+    if (pipe == nullptr) {
+        throw ProcessException("Couldn't run process: " + commandLine);
+    }
+    std::string output;
+    std::array<char, 1024> block{};
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe)) {
+        output.append(block.data(), count);
+    }
+    ::pclose(pipe);
+    return output;
+}
+
+} // namespace Orvanta
