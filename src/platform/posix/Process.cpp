@@ -16,9 +16,10 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
-#include <sys/pidfd.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace Orvanta {
 
@@ -270,7 +271,7 @@ void Process::Handles::Start(const Arguments& command, const std::string& workin
     }
     output.write.Reset();
     error.write.Reset();
-    end = Descriptor(::pidfd_open(pid, 0));
+    end = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0))); // not every C library has a function for it
     if (!end.IsOpen()) {
         throw std::system_error(errno, std::generic_category());
     }
