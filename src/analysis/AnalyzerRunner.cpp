@@ -229,7 +229,7 @@ void AnalyzerRunner::RunCore(const Unit& unit, const std::string& settingsPath, 
             result.status = AnalyzerStatus::Stopped;
             return;
         }
-        if (!output.standardOutput.empty() && !IsMsvcFamily(unit.model->Type())) {
+        if (!output.standardOutput.empty() && (!IsMsvcFamily(unit.model->Type()) || settings_.showCoreOutputOfMsvc)) {
             log_.Text(output.standardOutput);
         }
     } catch (const ProcessStartException& error) {

@@ -11,9 +11,8 @@ namespace Orvanta {
 /// What the run of one unit left behind.
 struct UnitResult {
     AnalyzerStatus status = AnalyzerStatus::Analyzed;
-    std::string reason; ///< of a failure, in one line
-    std::string
-        fragmentPath; ///< the file with the core's findings, ours to remove; empty when the core was not started
+    std::string reason = {};                                      ///< of a failure
+    std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
 };
 

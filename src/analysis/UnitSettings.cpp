@@ -23,17 +23,6 @@ void Replace(SettingsMap& settings, const std::string& key, std::string value) {
     settings.emplace(key, std::move(value));
 }
 
-// Of a key that can stand once, the value given last counts.
-void AddUserSettings(SettingsMap& settings, const SettingsMap& userSettings) {
-    for (const auto& [key, value] : userSettings) {
-        if (key == "exclude-path") {
-            settings.emplace(key, value);
-        } else {
-            Replace(settings, key, value);
-        }
-    }
-}
-
 } // namespace
 
 Language UnitLanguage(const ParsedCommand& command) {
@@ -51,9 +40,7 @@ Language UnitLanguage(const ParsedCommand& command) {
 
 SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& model, const ParsedCommand& command,
                               const std::string& standard, const UnitFiles& files) {
-    SettingsMap settings;
-    AddUserSettings(settings, userSettings);
-
+    SettingsMap settings = userSettings;
     const std::pair<const char*, std::string> defaults[] = {
         {"preprocessor",      std::string(model.Name())                                            },
         {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},

@@ -1,0 +1,217 @@
+#include "app/AnalyzeOptions.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <args.hxx>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* AnalysisModeHelp = "MODE defines the group of warnings that will be activated during analysis:\n"
+                                         "64      - 64-bit errors;\n"
+                                         "GA      - General Analysis;\n"
+                                         "OP      - Micro-optimizations;\n"
+                                         "CS      - Customers Specific Requests;\n"
+                                         "MISRA   - MISRA guidelines;\n"
+                                         "AUTOSAR - AUTOSAR guidelines;\n"
+                                         "OWASP   - OWASP guidelines.\n"
+                                         "Several types of warnings must be separated by ';', e.g. 'GA;OP;64'.";
+
+using SwitchField = bool AnalyzeOptions::*;
+using ValueField = std::optional<std::string> AnalyzeOptions::*;
+using ListField = std::vector<std::string> AnalyzeOptions::*; // may be given several times
+
+/// One option, in the order of the help. A row without a value name is a plain flag.
+struct OptionRow {
+    char shortName; // 0: none
+    const char* longName;
+    const char* valueName;
+    const char* help;
+    const char* shownDefault; // null: none
+    const char* shownChoices; // null: none
+    std::variant<SwitchField, ValueField, ListField> field;
+};
+
+using A = AnalyzeOptions;
+
+// The help shows the rows of this table, in this order.
+const OptionRow VisibleOptions[] = {
+    {'j', "threads",                        "N",             "Allow N Orvanta analyzers at once",                         nullptr,                 nullptr, &A::threads             },
+    {'i', "incremental",                    "",              "Use incremental analysis",                                  nullptr,                 nullptr, &A::incremental         },
+    {'o', "output-file",                    "FILE",          "Place the analyzer's report into FILE",                     nullptr,                 nullptr, &A::outputFile          },
+    {'c', "cfg",                            "FILE",          "Run Orvanta using config FILE",                             nullptr,                 nullptr, &A::settingsFile        },
+    {'s', "suppress-file",                  "FILE",          "Path to suppress file",                                     nullptr,                 nullptr, &A::suppressFile        },
+    {'q', "quiet",                          "",              "Analysis progress is not displayed",                        nullptr,                 nullptr, &A::quiet               },
+    {0,   "verbose",                        "",              "Tell what is done with every compiler invocation, and why", nullptr,                 nullptr, &A::verbose             },
+    {'f', "file",                           "FILE",          "Use trace output or compile commands database FILE",        "compile_commands.json",
+     "'compile_commands.json', 'strace_out'",                                                                                                               &A::inputFile           },
+    {'S', "source-files",                   "FILE",
+     "Allows to analyze a list of source files, taking into account compile dependencies. The list of files is "
+     "plaintext, with every file on a separate line, absolute or relative paths.",                                        nullptr,                 nullptr, &A::sourceList          },
+    {'C', "compiler",                       "COMPILER_NAME", "Filter compiler commands by compiler name",                 nullptr,                 nullptr, &A::compilers           },
+    {'E', "env",                            "VAR=VALUE",     "Modify environment for preprocessor",                       nullptr,                 nullptr, &A::environment         },
+    {'e', "exclude-path",                   "PATH",          "Directory whose files are not necessary to check",          nullptr,                 nullptr,
+     &A::excludePaths                                                                                                                                                               },
+    {'a', "analysis-mode",                  "MODE",          AnalysisModeHelp,                                            "GA",                    nullptr, &A::analysisMode        },
+    {'r', "sourcetree-root",                "DIR",           "Replace absolute paths in report with relative paths",      nullptr,                 nullptr,
+     &A::sourceTreeRoot                                                                                                                                                             },
+    {'p', "preprocessor",                   "NAME",          "Preprocessor (gcc or clang)",                               "<auto-detected>",       nullptr, &A::preprocessor        },
+    {0,   "platform",                       "NAME",          "Platform (linux64, linux32)",                               "linux64",               nullptr, &A::platform            },
+    {0,   "orvanta-path",                   "FILE",          "Path to Orvanta",                                           nullptr,                 nullptr, &A::corePath            },
+    {'R', "rules-config",                   "FILE",          "Path to the diagnostic configuration file (.orvconfig)",    nullptr,                 nullptr,
+     &A::rulesConfig                                                                                                                                                                },
+    {0,   "ignore-ccache",                  "",
+     "Enables the analysis of all source files ignoring the current ccache state. Even if ccache decides that compiler "
+     "should not run, the analyzer will still analyze the corresponding source files.",                                   nullptr,                 nullptr, &A::ignoreCcache        },
+    {0,   "analyze-specified-system-paths", "",
+     "Enables the analysis of files inside directories specified by the following compiler flags: 'isystem', "
+     "'isysroot', 'system_include_dir' etc.",                                                                             nullptr,                 nullptr, &A::analyzeSystemPaths  },
+    {0,   "intermodular",                   "",              "Enable intermodular analysis",                              nullptr,                 nullptr, &A::intermodular        },
+    {0,   "regenerate-depend-info",         "OPTION",
+     "Regenerates compilation dependency information for each source file and saves it into depend_info.json.\n"
+     "skip-analysis - performs regeneration without starting the analysis;\n"
+     "run-analysis - performs regeneration and starts the analysis.",                                                     nullptr,                 nullptr, &A::regenerateDependInfo},
+};
+
+const OptionRow HiddenOptions[] = {
+    {'I', "include-dir",  "DIR",        "", nullptr, nullptr, &A::includeDirectories},
+    {0,   "cl-params",    "PARAMETERS", "", nullptr, nullptr, &A::compilerParameters},
+    {0,   "source-file",  "FILE",       "", nullptr, nullptr, &A::sourceFile        },
+    {0,   "dump-json",    "FILE",       "", nullptr, nullptr, &A::dumpJson          },
+    {0,   "dump-log",     "FILE",       "", nullptr, nullptr, &A::dumpLog           },
+    {0,   "dump-files",   "",           "", nullptr, nullptr, &A::dumpFiles         },
+    {0,   "analyze-only", "MASK",       "", nullptr, nullptr, &A::analyzeOnly       },
+    {0,   "dep-file",     "FILE",       "", nullptr, nullptr, &A::dependencyFile    },
+    {0,   "print-stdout", "",           "", nullptr, nullptr, &A::printStdout       },
+};
+
+args::Matcher MatcherOf(const OptionRow& row) {
+    return row.shortName == 0 ? args::Matcher{std::string(row.longName)}
+                              : args::Matcher{row.shortName, std::string(row.longName)};
+}
+
+/// The parser library's flags of the rows, and the way from them into the record.
+class OptionReader {
+public:
+    explicit OptionReader(args::Subparser& parser) : parser_(parser) {}
+
+    template <std::size_t Size>
+    void Declare(const OptionRow (&rows)[Size], args::Options visibility) {
+        for (const OptionRow& row : rows) {
+            std::visit([&](auto field) { DeclareRow(row, visibility, field); }, row.field);
+        }
+    }
+
+    void StoreInto(AnalyzeOptions& options) const {
+        for (const auto& store : stores_) {
+            store(options);
+        }
+    }
+
+private:
+    void DeclareRow(const OptionRow& row, args::Options visibility, SwitchField field) {
+        auto flag = std::make_shared<args::Flag>(parser_, row.longName, row.help, MatcherOf(row), visibility);
+        stores_.emplace_back([flag, field](AnalyzeOptions& options) { options.*field = flag->Matched(); });
+    }
+
+    void DeclareRow(const OptionRow& row, args::Options visibility, ValueField field) {
+        using Flag = args::ValueFlag<std::string>;
+        auto flag = std::make_shared<Flag>(parser_, row.valueName, row.help, MatcherOf(row), visibility);
+        if (row.shownDefault != nullptr) {
+            flag->HelpDefault(row.shownDefault);
+        }
+        if (row.shownChoices != nullptr) {
+            flag->HelpChoices({row.shownChoices});
+        }
+        stores_.emplace_back([flag, field](AnalyzeOptions& options) {
+            if (flag->Matched()) {
+                options.*field = flag->Get();
+            }
+        });
+    }
+
+    void DeclareRow(const OptionRow& row, args::Options visibility, ListField field) {
+        using Flag = args::ValueFlagList<std::string>;
+        auto flag = std::make_shared<Flag>(parser_, row.valueName, row.help, MatcherOf(row), std::vector<std::string>{},
+                                           visibility);
+        stores_.emplace_back([flag, field](AnalyzeOptions& options) { options.*field = flag->Get(); });
+    }
+
+    args::Subparser& parser_;
+    std::vector<std::function<void(AnalyzeOptions&)>> stores_; // each keeps its flag alive
+};
+
+void RequireExisting(const std::optional<std::string>& path, const char* message) {
+    if (path && !PathExists(*path)) {
+        throw ZelmException(message + *path);
+    }
+}
+
+void RefuseTogether(bool first, bool second, const char* names) {
+    if (first && second) {
+        throw ZelmException(std::string("Flags ") + names + " cannot be used together");
+    }
+}
+
+void CheckRegenerationWord(const AnalyzeOptions& options) {
+    const std::optional<std::string>& word = options.regenerateDependInfo;
+    if (word && *word != "skip-analysis" && *word != "run-analysis") {
+        throw ZelmException("Wrong value of --regenerate-depend-info: \"" + *word +
+                            "\", expected \"skip-analysis\" or \"run-analysis\"");
+    }
+}
+
+void RefuseUnavailable(const AnalyzeOptions& options) {
+    const std::pair<bool, const char*> unavailable[] = {
+        {options.incremental,                      "--incremental"           },
+        {options.sourceList.has_value(),           "--source-files"          },
+        {options.intermodular,                     "--intermodular"          },
+        {options.regenerateDependInfo.has_value(), "--regenerate-depend-info"},
+        {options.suppressFile.has_value(),         "--suppress-file"         },
+        {options.sourceTreeRoot.has_value(),       "--sourcetree-root"       },
+        {options.dependencyFile.has_value(),       "--dep-file"              },
+    };
+    for (const auto& [isGiven, name] : unavailable) {
+        if (isGiven) {
+            throw ZelmException(std::string("The option ") + name + " is not available in this version");
+        }
+    }
+}
+
+} // namespace
+
+AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
+    OptionReader reader(parser);
+    reader.Declare(VisibleOptions, args::Options::None);
+    reader.Declare(HiddenOptions, args::Options::Hidden);
+    parser.Parse();
+    AnalyzeOptions options;
+    reader.StoreInto(options);
+    return options;
+}
+
+void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
+    if (options.settingsFile) {
+        RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
+    }
+    RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");
+    RequireExisting(options.corePath, "Specified path to Orvanta doesn't exist: ");
+    RefuseTogether(options.incremental, options.sourceList.has_value(), "--incremental and --source-files");
+    RefuseTogether(options.sourceList.has_value(), options.intermodular, "--source-files and --intermodular");
+    RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
+    CheckRegenerationWord(options);
+    RefuseUnavailable(options);
+}
+
+} // namespace Orvanta

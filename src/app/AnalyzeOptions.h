@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace args {
+class Subparser;
+}
+
+namespace Orvanta {
+
+/// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
+struct AnalyzeOptions {
+    std::optional<std::string> threads;
+    bool incremental = false;
+    std::optional<std::string> outputFile;
+    std::optional<std::string> settingsFile;
+    std::optional<std::string> suppressFile;
+    bool quiet = false;
+    bool verbose = false;
+    std::optional<std::string> inputFile;
+    std::optional<std::string> sourceList;
+    std::vector<std::string> compilers;
+    std::vector<std::string> environment; ///< "VAR=VALUE"
+    std::vector<std::string> excludePaths;
+    std::optional<std::string> analysisMode;
+    std::optional<std::string> sourceTreeRoot;
+    std::optional<std::string> preprocessor;
+    std::optional<std::string> platform;
+    std::optional<std::string> corePath;
+    std::optional<std::string> rulesConfig;
+    bool ignoreCcache = false;
+    bool analyzeSystemPaths = false;
+    bool intermodular = false;
+    std::optional<std::string> regenerateDependInfo;
+
+    // Hidden from the help.
+    std::vector<std::string> includeDirectories;
+    std::optional<std::string> compilerParameters; ///< of `sourceFile`
+    std::optional<std::string> sourceFile;
+    std::optional<std::string> dumpJson;
+    std::optional<std::string> dumpLog;
+    bool dumpFiles = false;
+    std::vector<std::string> analyzeOnly;
+    std::optional<std::string> dependencyFile;
+    bool printStdout = false;
+};
+
+/// Declares the options of `analyze` on its parser and parses the rest of the command line.
+/// \throws args::Error and the parser library's other exceptions
+[[nodiscard]] AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser);
+
+/// Checks what the options say before any work: files that must exist, options that exclude each other, and options
+/// whose work the program can't do yet.
+/// \throws ZelmException for the first fault found
+void ValidateAnalyzeOptions(const AnalyzeOptions& options);
+
+} // namespace Orvanta

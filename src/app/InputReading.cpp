@@ -1,0 +1,75 @@
+#include "app/InputReading.h"
+
+#include "analysis/RunSummary.h"
+#include "buildinput/CommandStringSplitter.h"
+#include "buildinput/InvocationCollector.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* DefaultInput = "compile_commands.json";
+
+// The command that compiles one file: the named compiler, else the system's for the file's language.
+std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
+    const std::string& source = *options.sourceFile;
+    std::vector<std::string> command;
+    if (!options.compilers.empty()) {
+        command.push_back(options.compilers.front());
+    } else {
+        command.emplace_back(ExtensionOf(source) == ".c" ? "cc" : "c++");
+    }
+    if (options.compilerParameters) {
+        const std::vector<std::string> parameters =
+            SplitCommandString(*options.compilerParameters, HostCommandStringRules());
+        command.insert(command.end(), parameters.begin(), parameters.end());
+    }
+    command.insert(command.end(), {"-c", source});
+    return command;
+}
+
+void TellSkipped(const CollectedCommands& commands, Log& log) {
+    const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
+        return skipped.fate == InvocationFate::SkippedLauncher;
+    });
+    if (launchers > 0) {
+        log.Line(std::to_string(launchers) +
+                 " compiler invocations are skipped because they go through ccache: use --ignore-ccache to analyze "
+                 "them.");
+    }
+    if (!log.IsVerbose()) {
+        return;
+    }
+    for (const SkippedInvocation& skipped : commands.skipped) {
+        log.VerboseLine("  " + std::string(IsFailure(skipped.fate) ? "Failed" : "Skipped") + ": invocation " +
+                        std::to_string(skipped.invocation) + " (" + skipped.what + "): " + skipped.reason);
+    }
+}
+
+} // namespace
+
+CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
+                            const CompilerRegistry& registry, Log& log, const StopFlag& stop) {
+    CompilerIdentifier identifier(settings, log, stop);
+    InvocationCollector collector(settings, registry, identifier, log);
+    if (options.sourceFile) {
+        collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
+    } else {
+        ReadBuildInput(options.inputFile.value_or(DefaultInput), collector);
+    }
+    CollectedCommands commands = collector.Take();
+    TellSkipped(commands, log);
+    return commands;
+}
+
+bool HasFailedInvocation(const CollectedCommands& commands) {
+    return std::any_of(commands.skipped.begin(), commands.skipped.end(),
+                       [](const SkippedInvocation& skipped) { return IsFailure(skipped.fate); });
+}
+
+} // namespace Orvanta

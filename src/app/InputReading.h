@@ -1,0 +1,21 @@
+#pragma once
+
+#include "app/AnalyzeOptions.h"
+#include "buildinput/BuildInput.h"
+#include "compilers/CompilerRegistry.h"
+#include "platform/Log.h"
+#include "platform/StopFlag.h"
+#include "settings/RunSettings.h"
+
+namespace Orvanta {
+
+/// Reads the compiler invocations that a run works on: those of the build input, or the one that `--source-file` makes
+/// up. Tells in the log which were skipped, and why.
+/// \throws what ReadBuildInput throws
+[[nodiscard]] CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
+                                          const CompilerRegistry& registry, Log& log, const StopFlag& stop);
+
+/// Whether an invocation that should have given a unit gave none.
+[[nodiscard]] bool HasFailedInvocation(const CollectedCommands& commands);
+
+} // namespace Orvanta

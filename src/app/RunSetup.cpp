@@ -1,0 +1,131 @@
+#include "app/RunSetup.h"
+
+#include "platform/Console.h"
+#include "platform/Exceptions.h"
+#include "platform/Paths.h"
+#include "report/Exceptions.h"
+#include "settings/AnalysisMode.h"
+#include "settings/SettingsFile.h"
+
+#include <charconv>
+#include <optional>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+// Options count from the current directory, unless they are masks.
+std::string PathOrMask(const std::string& value) {
+    return HasWildcard(value) ? value : AbsolutePath(value);
+}
+
+// The report's path is no path that the settings reader knows, so it is still as written.
+void MakeReportPathAbsolute(SettingsMap& settings, const std::string& settingsFile) {
+    const std::string folder(DirectoryOf(settingsFile));
+    const auto [first, last] = settings.equal_range("output-file");
+    for (auto entry = first; entry != last; ++entry) {
+        if (!entry->second.empty()) {
+            entry->second = NormalizePath(JoinPath(folder, entry->second));
+        }
+    }
+}
+
+void OverrideIfGiven(RunSettings& settings, const char* key, const std::optional<std::string>& value) {
+    if (value) {
+        OverrideSetting(settings, key, *value);
+    }
+}
+
+void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
+    const std::size_t equalsSign = change.find('=');
+    if (equalsSign == 0 || equalsSign == std::string::npos) {
+        throw ZelmException("Wrong value of --env: \"" + change + "\", expected VAR=VALUE");
+    }
+    settings.environmentChanges[change.substr(0, equalsSign)] = change.substr(equalsSign + 1);
+}
+
+void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
+    if (options.analysisMode) {
+        OverrideSetting(settings, "analysis-mode", std::to_string(ParseAnalysisMode(*options.analysisMode)));
+    }
+    OverrideIfGiven(settings, "preprocessor", options.preprocessor);
+    OverrideIfGiven(settings, "platform", options.platform);
+    if (options.rulesConfig) {
+        OverrideSetting(settings, "rules-config", AbsolutePath(*options.rulesConfig));
+    }
+    SettingsMap excluded;
+    for (const std::string& value : options.excludePaths) {
+        excluded.emplace("exclude-path", PathOrMask(value));
+    }
+    ApplySettings(settings, excluded);
+    for (const std::string& name : options.compilers) {
+        settings.compilerNames.push_back(name);
+        settings.compilerFilter.push_back(name);
+    }
+    for (const std::string& value : options.analyzeOnly) {
+        settings.onlyPaths.Add(PathOrMask(value));
+    }
+    for (const std::string& change : options.environment) {
+        AddEnvironmentChange(settings, change);
+    }
+    for (const std::string& directory : options.includeDirectories) {
+        settings.extraIncludes.push_back(AbsolutePath(directory));
+    }
+    settings.ignoreCcache = options.ignoreCcache;
+    settings.analyzeSystemPaths = options.analyzeSystemPaths;
+    settings.showCoreOutputOfMsvc = options.printStdout;
+}
+
+} // namespace
+
+RunSettings MakeRunSettings(const AnalyzeOptions& options) {
+    RunSettings settings;
+    if (options.settingsFile) {
+        const std::string path = AbsolutePath(*options.settingsFile);
+        SettingsMap fromFile = ReadSettingsFile(path);
+        MakeReportPathAbsolute(fromFile, path);
+        ApplySettings(settings, fromFile);
+    }
+    ApplyOptions(settings, options);
+    return settings;
+}
+
+unsigned ThreadCount(const AnalyzeOptions& options) {
+    if (!options.threads) {
+        return AvailableProcessors();
+    }
+    const std::string& text = *options.threads;
+    unsigned threads = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), threads);
+    if (error != std::errc{} || end != text.data() + text.size() || threads == 0) {
+        throw ZelmException("Wrong value of --threads: \"" + text + "\", expected a number of 1 or more");
+    }
+    return threads;
+}
+
+std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (options.outputFile) {
+        if (options.outputFile->empty()) {
+            throw OrvlogConverter::FilesystemException("Empty filepath");
+        }
+        return AbsolutePath(*options.outputFile);
+    }
+    return LastValue(settings.userSettings, "output-file").value_or("");
+}
+
+std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath, const RunSettings& settings) {
+    using namespace OrvlogConverter;
+    const LineFormat format = LastValue(settings.userSettings, "new-output-format").value_or("yes") == "no"
+                                  ? LineFormat::Raw
+                                  : LineFormat::Json;
+    if (reportPath.empty()) {
+        return std::make_unique<ConsoleOutput>(format);
+    }
+    if (ExtensionOf(reportPath) == ".json") {
+        return std::make_unique<JsonOutput>(reportPath);
+    }
+    return std::make_unique<LineOutput>(reportPath, format);
+}
+
+} // namespace Orvanta

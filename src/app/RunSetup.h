@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/AnalyzeOptions.h"
+#include "report/MessageLine.h"
+#include "report/ReportOutputs.h"
+#include "settings/RunSettings.h"
+
+#include <memory>
+#include <string>
+
+namespace Orvanta {
+
+/// The settings of a run: the defaults, the settings file over them, the given options over both.
+/// \throws ZelmException
+[[nodiscard]] RunSettings MakeRunSettings(const AnalyzeOptions& options);
+
+/// The number of workers: the option's, else one for each processor that the process may use.
+/// \throws ZelmException when the option is no number of 1 or more
+[[nodiscard]] unsigned ThreadCount(const AnalyzeOptions& options);
+
+/// The absolute path of the run's report; empty when the findings go to standard output.
+[[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
+
+/// The output for a report: one JSON document for a name in ".json", else lines in the form that the settings ask for.
+/// \throws OrvlogConverter::FilesystemException when it can't be written
+[[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath,
+                                                                        const RunSettings& settings);
+
+} // namespace Orvanta

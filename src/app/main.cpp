@@ -1,0 +1,5 @@
+#include "app/Entry.h"
+
+int main(int argumentCount, char** arguments) {
+    return Orvanta::RunProgram(argumentCount, arguments);
+}
