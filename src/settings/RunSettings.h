@@ -24,7 +24,8 @@ struct RunSettings {
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     bool ignoreCcache = false;
-    bool analyzeSystemPaths = false; ///< also units inside the folders of -isystem and the like
+    bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
+    bool showCoreOutputOfMsvc = false; ///< show what the core prints for units of cl and clang-cl too
 };
 
 /// Takes over what a settings file or an option says: into the user settings, where "exclude-path" may stand several
