@@ -6,6 +6,8 @@
 #include "platform/StopFlag.h"
 #include "settings/RunSettings.h"
 
+#include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -55,10 +57,34 @@ public:
                             const Environment& environment, Query query = Query::IfPresent);
 
 private:
-    // helpers and caches: see the source
+    // What the first word of a command leads to.
+    struct LookUp {
+        std::shared_ptr<const CompilerInfo> compiler; // until it is judged: of the type Unknown, with the path set
+        bool exists = false;
+        bool isJudged = false;
+    };
+
+    struct TextHash {
+        using is_transparent = void;
+
+        std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
+    };
+
+    LookUp& LookUpOf(const std::string& program, const std::string& workingDirectory, const Environment& environment);
+    LookUp& Remember(std::string key, std::string path, bool exists);
+    const std::string& SearchPath(const Environment& environment) const;
+    std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
+                                              const Environment& environment);
+    std::optional<std::string> AskForVersion(const std::string& path, const std::string& workingDirectory,
+                                             const Environment& environment);
+
     const RunSettings& settings_;
     Log& log_;
     const StopFlag& stop_;
+    std::unordered_map<std::string, LookUp, TextHash, std::equal_to<>> lookUps_; // by what the answer depends on
+    std::map<std::string, std::shared_ptr<const CompilerInfo>> judged_;          // by path
+    std::vector<std::string> searchPaths_;                                       // each value of PATH met so far
+    std::string key_;                                                            // of the look-up under way
 };
 
 /// The family by the compiler's file name, as far as the name tells it.

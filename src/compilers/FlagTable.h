@@ -10,17 +10,31 @@
 
 namespace Orvanta {
 
+/// What a flag says about the whole invocation, beside what its kind says about itself.
+enum class FlagEffect : std::uint8_t {
+    None,
+    Compiles,           ///< an object or assembly file is made, whatever else is asked for
+    PreprocessesOnly,   ///< nothing is compiled, unless another flag compiles
+    ListsDependencies,  ///< likewise
+    PrintsWithoutInput, ///< with no input, only information is printed
+    MakesPrecompiledHeader,
+    UnknownStandard, ///< a language standard that no row names: standards before it no longer hold
+};
+
 /// One fact about a family's command line. The name stands without its introducer.
 struct FlagRow {
     std::string_view name;
     FlagKind kind;
+    FlagEffect effect = FlagEffect::None;
 };
 
 /// What a table says about one argument.
 struct FlagMatch {
     FlagKind kind = FlagKind::Keep;
+    FlagEffect effect = FlagEffect::None;
+    bool takesNext = false; ///< the value is the next argument
     std::string_view name;
-    std::string_view gluedValue; ///< the rest of the argument; empty when the value, if any, is the next argument
+    std::string_view gluedValue; ///< the rest of the argument
 };
 
 /// A family's flags, made for looking up an argument fast: rows are bucketed by first character. Immutable.
@@ -29,8 +43,10 @@ public:
     /// Later rows of `extension` are added after those of `rows`. The names must outlive the table.
     explicit FlagTable(std::span<const FlagRow> rows, std::span<const FlagRow> extension = {});
 
-    /// The row that fits `argument`, an argument without its introducer: a row without a value fits as a whole only; of
-    /// the rows with a value that fit as a beginning, the longest name wins. No row: FlagKind::Keep and an empty name.
+    /// The row that fits `argument`, an argument without its introducer. A row whose kind takes a value, or whose name
+    /// ends in "=", fits also as a beginning; a row of the kind Preprocessor only when a "," follows it; every other
+    /// row fits as a whole only. The longest name that fits wins. Names of one letter never fit after "--". No row:
+    /// FlagKind::Keep and an empty name.
     [[nodiscard]] FlagMatch Find(std::string_view argument, std::string_view introducer) const;
 
 private:

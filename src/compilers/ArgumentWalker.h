@@ -1,0 +1,211 @@
+#pragma once
+
+#include "compilers/Compiler.h"
+#include "compilers/InputKind.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// How a flag came to the compiler.
+enum class FlagRoute {
+    Direct, ///< as an argument
+    Listed, ///< in a list of arguments for the preprocessor: "-Wp,FLAG,VALUE"
+    Paired, ///< each word as the value of a flag that hands it on: "-Xclang FLAG -Xclang VALUE"
+};
+
+/// One flag of a command line, with the value that belongs to it.
+struct FlagUse {
+    FlagMatch match;
+    std::string_view value;
+    std::size_t index = 0; ///< of the argument that holds it
+    FlagRoute route = FlagRoute::Direct;
+    std::string_view handedOnBy;           ///< the flag that hands it on: "-Wp", "-Xclang"; empty when direct
+    std::array<std::string_view, 2> words; ///< as written
+    std::size_t wordCount = 0;
+};
+
+/// One input file of a command line.
+struct InputFile {
+    std::size_t index = 0;  ///< of the argument that names it
+    std::size_t offset = 0; ///< where the name begins in that argument
+    InputKind kind = InputKind::LinkInput;
+    bool isStated = false; ///< a flag, not the extension, gives the kind
+};
+
+/// Goes once through a command line (compiler first, response files expanded) and calls `visitor.Flag(const FlagUse&)`
+/// and `visitor.Input(const InputFile&)` in the order of the arguments: the one place that knows which argument is a
+/// flag, which is a flag's value and which is a file. Allocates nothing. Used by CommandLineReader only.
+template <typename Visitor>
+class ArgumentWalker {
+public:
+    ArgumentWalker(const Compiler& model, std::span<const std::string> arguments, Visitor& visitor)
+        : model_(model), arguments_(arguments), visitor_(visitor) {}
+
+    void Walk() {
+        while (next_ < arguments_.size()) {
+            const std::size_t index = next_++;
+            ReadArgument(index, arguments_[index]);
+        }
+    }
+
+private:
+    // The pieces of "-Wp,A,B".
+    struct List {
+        std::string_view rest; // "," and the pieces not yet taken
+
+        [[nodiscard]] std::optional<std::string_view> Peek() const {
+            if (rest.empty()) {
+                return std::nullopt;
+            }
+            return rest.substr(1, rest.find(',', 1) - 1);
+        }
+
+        void Advance() { rest.remove_prefix(std::min(rest.find(',', 1), rest.size())); }
+    };
+
+    // The values of "-Xclang A -Xclang B", as long as they follow each other.
+    struct Pairs {
+        std::span<const std::string> arguments;
+        std::size_t& next;
+        std::string_view flag;
+
+        [[nodiscard]] std::optional<std::string_view> Peek() const {
+            if (next + 1 >= arguments.size() || arguments[next] != flag) {
+                return std::nullopt;
+            }
+            return arguments[next + 1];
+        }
+
+        void Advance() { next += 2; }
+    };
+
+    void ReadArgument(std::size_t index, std::string_view argument) {
+        std::string_view introducer;
+        if (onlyInputs_ || argument == "-" || !model_.MatchLongestPrefixFlag(argument, introducer)) {
+            ReadInput(index, 0, stated_);
+            return;
+        }
+        if (argument == "--") {
+            onlyInputs_ = true;
+            return;
+        }
+        FlagUse use;
+        use.match = model_.Flags().Find(argument.substr(introducer.size()), introducer);
+        use.index = index;
+        if (use.match.kind == FlagKind::Preprocessor) {
+            ReadHandedOn(index, argument, use.match);
+        } else if (use.match.kind == FlagKind::SourceOfLanguage) {
+            ReadSourceOfLanguage(index, argument, use.match);
+        } else if (use.match.kind == FlagKind::LinkerPart) {
+            next_ = arguments_.size();
+        } else {
+            ReadFlag(use, argument);
+        }
+    }
+
+    void ReadFlag(FlagUse& use, std::string_view argument) {
+        AddWord(use, argument);
+        use.value = use.match.gluedValue;
+        if (use.match.takesNext && next_ < arguments_.size()) {
+            use.value = arguments_[next_++];
+            AddWord(use, use.value);
+        }
+        if (use.match.kind == FlagKind::Language) {
+            SetStatedKind(use.value);
+        }
+        visitor_.Flag(use);
+    }
+
+    void ReadInput(std::size_t index, std::size_t offset, std::optional<InputKind> stated) {
+        const std::string_view name = std::string_view(arguments_[index]).substr(offset);
+        const InputKind kind = name == "-" ? InputKind::StandardInput : stated ? *stated : InputKindByExtension(name);
+        visitor_.Input(InputFile{index, offset, kind, stated.has_value()});
+    }
+
+    void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
+        const InputKind kind = match.name == "Tc" ? InputKind::C : InputKind::Cpp;
+        if (!match.takesNext) {
+            ReadInput(index, argument.size() - match.gluedValue.size(), kind);
+        } else if (next_ < arguments_.size()) {
+            ReadInput(next_++, 0, kind);
+        }
+    }
+
+    // A word that is no language, such as the processor names that some compilers glue to "-x", changes nothing.
+    void SetStatedKind(std::string_view word) {
+        if (word == "none") {
+            stated_.reset();
+        } else if (const std::optional<InputKind> kind = InputKindByLanguageWord(word)) {
+            stated_ = kind;
+        }
+    }
+
+    void ReadHandedOn(std::size_t index, std::string_view argument, const FlagMatch& match) {
+        FlagUse use;
+        use.index = index;
+        if (match.takesNext) {
+            Pairs pairs{arguments_, next_, argument};
+            next_ = index;
+            use.route = FlagRoute::Paired;
+            use.handedOnBy = argument;
+            ReadPieces(pairs, use);
+            next_ = std::max(next_, index + 1); // the flag stands last and has no value
+        } else {
+            List list{match.gluedValue};
+            use.route = FlagRoute::Listed;
+            use.handedOnBy = argument.substr(0, argument.size() - match.gluedValue.size());
+            ReadPieces(list, use);
+        }
+    }
+
+    template <typename Pieces>
+    void ReadPieces(Pieces& pieces, const FlagUse& form) {
+        while (const std::optional<std::string_view> piece = pieces.Peek()) {
+            pieces.Advance();
+            FlagUse use = form;
+            AddWord(use, *piece);
+            std::string_view introducer;
+            if (model_.MatchLongestPrefixFlag(*piece, introducer)) {
+                use.match = model_.Flags().Find(piece->substr(introducer.size()), introducer);
+                ReadValueOfPiece(pieces, use);
+            }
+            visitor_.Flag(use);
+        }
+    }
+
+    // The preprocessor itself takes a file after "-MD" and "-MMD", which have none for the driver: a bare word after a
+    // flag that is dropped goes with it.
+    template <typename Pieces>
+    void ReadValueOfPiece(Pieces& pieces, FlagUse& use) {
+        use.value = use.match.gluedValue;
+        const std::optional<std::string_view> following = pieces.Peek();
+        if (!following) {
+            return;
+        }
+        std::string_view introducer;
+        const bool isBare = !model_.MatchLongestPrefixFlag(*following, introducer);
+        if (use.match.takesNext || (use.match.kind == FlagKind::Drop && isBare)) {
+            pieces.Advance();
+            use.value = *following;
+            AddWord(use, *following);
+        }
+    }
+
+    static void AddWord(FlagUse& use, std::string_view word) { use.words[use.wordCount++] = word; }
+
+    const Compiler& model_;
+    std::span<const std::string> arguments_;
+    Visitor& visitor_;
+    std::size_t next_ = 1;
+    bool onlyInputs_ = false;         // after "--"
+    std::optional<InputKind> stated_; // by the last language flag
+};
+
+} // namespace Orvanta

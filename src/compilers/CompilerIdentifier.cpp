@@ -1,0 +1,275 @@
+#include "compilers/CompilerIdentifier.h"
+
+#include "platform/Executable.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/Process.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view LauncherName = "ccache";
+constexpr std::chrono::seconds VersionQueryTimeout{10};
+// What a program prints beyond this is no version text.
+constexpr std::size_t LongestVersionText = 64 * 1024;
+
+struct NameRule {
+    std::string_view name;
+    CompilerType type;
+};
+
+// These compare with the name without its extension, so that cl.exe is cl. The other rules take the whole file name:
+// armcc.exe is asked for its version instead.
+constexpr NameRule StemRules[] = {
+    {"clang-cl", CompilerType::ClangCl},
+    {"cl",       CompilerType::Cl     },
+};
+// Tried after "contains clang", which "armclang" alone escapes.
+constexpr NameRule FileNameRules[] = {
+    {"qcc",    CompilerType::Qcc     },
+    {"xc8-cc", CompilerType::XC8     },
+    {"armcc",  CompilerType::Keil5   },
+    {"armcl",  CompilerType::TiArmCGT},
+};
+
+std::string_view TakeWord(std::string_view& text) {
+    constexpr std::string_view whiteSpace = " \t\n\r\v\f";
+    text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+// A word such as "V7.80.4" names the release; the compilers before 8 have other options.
+CompilerType IarGeneration(std::string_view text) {
+    for (std::string_view word = TakeWord(text); !word.empty(); word = TakeWord(text)) {
+        std::int32_t release = 0;
+        if (word.front() == 'V' &&
+            std::from_chars(word.data() + 1, word.data() + word.size(), release).ec == std::errc() && release < 8) {
+            return CompilerType::IARArm_v7_OrOlder;
+        }
+    }
+    return CompilerType::IARArm;
+}
+
+OutputReceiver ReceiveUpToLimit(std::string& target) {
+    return [&target](std::string_view bytes) {
+        target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
+    };
+}
+
+std::string VariableLines(const Environment& environment) {
+    std::string lines;
+    for (const auto& [name, value] : environment) {
+        lines.append(lines.empty() ? "" : "\n").append(name).append("=").append(value);
+    }
+    return lines;
+}
+
+// The invocation's variables over the driver's own, the run's changes over both.
+Environment ChildEnvironment(const Environment& invocation, const Environment& changes) {
+    Environment environment = WithChanges(invocation);
+    for (const auto& [name, value] : changes) {
+        environment[name] = value;
+    }
+    return environment;
+}
+
+} // namespace
+
+CompilerIdentifier::CompilerIdentifier(const RunSettings& settings, Log& log, const StopFlag& stop)
+    : settings_(settings), log_(log), stop_(stop) {}
+
+CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std::string>& arguments,
+                                                                const std::string& workingDirectory,
+                                                                const Environment& environment, Query query) {
+    Result result;
+    if (arguments.empty()) {
+        result.compiler = std::make_shared<CompilerInfo>();
+        return result;
+    }
+    if (FileNameOf(arguments.front()) == LauncherName) {
+        if (!settings_.ignoreCcache || arguments.size() == 1) {
+            result.verdict = IdentificationVerdict::Launcher;
+            return result;
+        }
+        arguments.erase(arguments.begin());
+        result.wrapped = true;
+    }
+    LookUp& lookUp = LookUpOf(arguments.front(), workingDirectory, environment);
+    if (!lookUp.isJudged) {
+        if (!lookUp.exists && query == Query::IfPresent && !result.wrapped) {
+            result.verdict = IdentificationVerdict::Missing;
+            result.compiler = lookUp.compiler;
+            return result;
+        }
+        lookUp.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
+        lookUp.isJudged = true;
+    }
+    result.compiler = lookUp.compiler;
+    if (lookUp.compiler->type != CompilerType::Unknown) {
+        result.verdict = IdentificationVerdict::Known;
+    }
+    return result;
+}
+
+const std::string& CompilerIdentifier::SearchPath(const Environment& environment) const {
+    static const std::string pathName = "PATH";
+    static const std::string none;
+    for (const Environment* layer : {&settings_.environmentChanges, &environment, &OwnEnvironment()}) {
+        const auto variable = layer->find(pathName);
+        if (variable != layer->end()) {
+            return variable->second;
+        }
+    }
+    return none;
+}
+
+// The answer depends on the word alone when it is absolute, on the folder too when it is relative, and on the search
+// path besides when it is a bare name. The value of PATH is long: its place in the list of those met stands for it.
+CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& program,
+                                                         const std::string& workingDirectory,
+                                                         const Environment& environment) {
+    const bool isAbsolute = IsAbsolutePath(program);
+    const bool isBareName = !isAbsolute && FileNameOf(program).size() == program.size();
+    const std::string* searchPath = nullptr;
+    key_ = program;
+    if (!isAbsolute) {
+        key_.append(1, '\0').append(workingDirectory);
+    }
+    if (isBareName) {
+        searchPath = &SearchPath(environment);
+        auto known = std::find(searchPaths_.begin(), searchPaths_.end(), *searchPath);
+        if (known == searchPaths_.end()) {
+            known = searchPaths_.insert(known, *searchPath);
+        }
+        key_.append(1, '\0').append(std::to_string(known - searchPaths_.begin()));
+    }
+    const auto remembered = lookUps_.find(key_);
+    if (remembered != lookUps_.end()) {
+        return remembered->second;
+    }
+    std::string path = JoinPath(workingDirectory, program);
+    if (isBareName && !IsExecutableFile(path)) {
+        const std::string found = FindExecutableIn(program, *searchPath);
+        if (!found.empty()) {
+            return Remember(key_, AbsolutePath(found), true);
+        }
+    }
+    const bool exists = PathExists(path) && !IsDirectory(path);
+    return Remember(key_, std::move(path), exists);
+}
+
+CompilerIdentifier::LookUp& CompilerIdentifier::Remember(std::string key, std::string path, bool exists) {
+    if (log_.IsVerbose()) {
+        log_.VerboseLine("Compiler at path: '" + path + "' exists=" + (exists ? "true" : "false"));
+    }
+    auto info = std::make_shared<CompilerInfo>();
+    info->path = std::move(path);
+    return lookUps_.emplace(std::move(key), LookUp{std::move(info), exists, false}).first->second;
+}
+
+std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string& path,
+                                                              const std::string& workingDirectory,
+                                                              const Environment& environment) {
+    const auto known = judged_.find(path);
+    if (known != judged_.end()) {
+        return known->second;
+    }
+    auto info = std::make_shared<CompilerInfo>();
+    info->path = path;
+    if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
+        info->type = *type;
+    } else if (std::optional<std::string> version = AskForVersion(path, workingDirectory, environment)) {
+        info->type = CompilerTypeByVersionText(*version);
+        info->version = std::move(*version);
+    }
+    judged_.emplace(path, info);
+    return info;
+}
+
+// What the compiler prints for "--version"; nothing when it can't be started, doesn't end, or the user wants to stop.
+std::optional<std::string> CompilerIdentifier::AskForVersion(const std::string& path,
+                                                             const std::string& workingDirectory,
+                                                             const Environment& environment) {
+    const Arguments command = {path, "--version"};
+    const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
+    CapturedOutput output;
+    try {
+        Process process(command, IsDirectory(workingDirectory) ? workingDirectory : std::string(),
+                        EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
+                        ReceiveUpToLimit(output.standardError));
+        const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);
+        if (!end.finished) {
+            process.kill(true);
+            if (!stop_.IsSet()) {
+                log_.VerboseLine(FillPlaceholders(
+                    "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
+                    {CommandLineText(command), VariableLines(variables)}));
+            }
+            return std::nullopt;
+        }
+        std::string text = output.standardOutput + output.standardError;
+        if (end.exitCode != 0) {
+            log_.VerboseLine(
+                FillPlaceholders("Compiler version output command returned code %1%.\nCommand: %2%\nOutput:\n%3%",
+                                 {std::to_string(end.exitCode), CommandLineText(command), text}));
+        }
+        return text;
+    } catch (const ProcessStartException& error) {
+        log_.VerboseLine(error.what());
+        return std::nullopt;
+    }
+}
+
+std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
+    const std::string_view stem = StemOf(path);
+    for (const NameRule& rule : StemRules) {
+        if (EqualsIgnoringCase(stem, rule.name)) {
+            return rule.type;
+        }
+    }
+    const std::string_view name = FileNameOf(path);
+    if (EqualsIgnoringCase(name, "armclang")) {
+        return CompilerType::Keil6;
+    }
+    if (ContainsIgnoringCase(name, "clang")) {
+        return CompilerType::Clang;
+    }
+    for (const NameRule& rule : FileNameRules) {
+        if (EqualsIgnoringCase(name, rule.name)) {
+            return rule.type;
+        }
+    }
+    return std::nullopt;
+}
+
+CompilerType CompilerTypeByVersionText(std::string_view text) {
+    if (text.find("IAR") != std::string_view::npos) {
+        return IarGeneration(text);
+    }
+    if (text.starts_with("Microchip MPLAB XC8 C Compiler")) {
+        return CompilerType::XC8;
+    }
+    if (ContainsIgnoringCase(text, "arm embedded") && ContainsIgnoringCase(text, "gnu")) {
+        return CompilerType::GccARM;
+    }
+    if (ContainsIgnoringCase(text, "apple llvm")) {
+        return CompilerType::Clang;
+    }
+    const std::string_view firstWord = text.substr(0, text.find(' '));
+    if (firstWord.find("llvm") != std::string_view::npos || firstWord.find("clang") != std::string_view::npos) {
+        return CompilerType::Clang;
+    }
+    return CompilerType::Gcc;
+}
+
+} // namespace Orvanta

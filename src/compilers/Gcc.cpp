@@ -1,0 +1,303 @@
+#include "compilers/Gcc.h"
+
+#include <algorithm>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view GccIntroducers[] = {"-", "--"};
+
+// Of the rows that fit, the one with the longest name wins; their order is for the reader. Options of clang stand here
+// too: behind a name such as "cc" it is told from GCC by its version text alone, which a vendor may have changed.
+// clang-format off
+constexpr FlagRow GccFlags[] = {
+    {"E", FlagKind::Drop, FlagEffect::PreprocessesOnly},
+    {"MD", FlagKind::Drop},
+    {"MMD", FlagKind::Drop},
+    {"MP", FlagKind::Drop},
+    {"MM", FlagKind::Drop, FlagEffect::ListsDependencies},
+    {"dM", FlagKind::Drop},
+    {"dD", FlagKind::Drop},
+    // Level 3 writes every macro definition into the preprocessed text.
+    {"g3", FlagKind::Drop},
+    {"ggdb3", FlagKind::Drop},
+    {"gstabs3", FlagKind::Drop},
+    {"gcoff3", FlagKind::Drop},
+    {"gxcoff3", FlagKind::Drop},
+    {"gvms3", FlagKind::Drop},
+    {"O1", FlagKind::Drop},
+    {"O2", FlagKind::Drop},
+    {"O3", FlagKind::Drop},
+    {"Os", FlagKind::Drop},
+    {"Ofast", FlagKind::Drop},
+    {"Og", FlagKind::Drop},
+    {"O", FlagKind::Drop},
+    {"MT", FlagKind::DropWithValue},
+    {"MF", FlagKind::DropWithValue},
+    {"MQ", FlagKind::DropWithValue},
+    {"I", FlagKind::UserInclude},
+    {"isystem", FlagKind::SystemInclude},
+    {"isysroot", FlagKind::SystemInclude},
+    {"idirafter", FlagKind::SystemInclude},
+    {"sysroot=", FlagKind::SystemInclude},
+    {"include", FlagKind::ForcedInclude},
+    {"ansi", FlagKind::StandardAnsi},
+    {"std=c89", FlagKind::StandardC90},
+    {"std=c90", FlagKind::StandardC90},
+    {"std=iso9899:1990", FlagKind::StandardC90},
+    {"std=iso9899:199409", FlagKind::StandardC90},
+    {"std=gnu89", FlagKind::StandardC90},
+    {"std=gnu90", FlagKind::StandardC90},
+    {"std=c99", FlagKind::StandardC99},
+    {"std=c9x", FlagKind::StandardC99},
+    {"std=iso9899:1999", FlagKind::StandardC99},
+    {"std=iso9899:199x", FlagKind::StandardC99},
+    {"std=gnu99", FlagKind::StandardC99},
+    {"std=gnu9x", FlagKind::StandardC99},
+    {"std=c11", FlagKind::StandardC11},
+    {"std=c1x", FlagKind::StandardC11},
+    {"std=iso9899:2011", FlagKind::StandardC11},
+    {"std=gnu11", FlagKind::StandardC11},
+    // This name and "gnu=gnu18" are meant as they stand: the core is told of -std=gnu1x and -std=gnu18 what the
+    // compiler itself says.
+    {"gnu=gnu1x", FlagKind::StandardC11},
+    {"std=c17", FlagKind::StandardC17},
+    {"std=c18", FlagKind::StandardC17},
+    {"std=iso9899:2017", FlagKind::StandardC17},
+    {"std=iso9899:2018", FlagKind::StandardC17},
+    {"std=gnu17", FlagKind::StandardC17},
+    {"gnu=gnu18", FlagKind::StandardC17},
+    {"std=c2x", FlagKind::StandardC2x},
+    {"std=gnu2x", FlagKind::StandardC2x},
+    {"std=c++98", FlagKind::StandardCpp98},
+    {"std=gnu++98", FlagKind::StandardCpp98},
+    {"std=c++03", FlagKind::StandardCpp03},
+    {"std=gnu++03", FlagKind::StandardCpp03},
+    {"std=c++11", FlagKind::StandardCpp11},
+    {"std=gnu++11", FlagKind::StandardCpp11},
+    {"std=c++0x", FlagKind::StandardCpp11},
+    {"std=gnu++0x", FlagKind::StandardCpp11},
+    {"std=c++14", FlagKind::StandardCpp14},
+    {"std=gnu++14", FlagKind::StandardCpp14},
+    {"std=c++1y", FlagKind::StandardCpp14},
+    {"std=gnu++1y", FlagKind::StandardCpp14},
+    {"std=c++17", FlagKind::StandardCpp17},
+    {"std=gnu++17", FlagKind::StandardCpp17},
+    {"std=c++1z", FlagKind::StandardCpp17},
+    {"std=gnu++1z", FlagKind::StandardCpp17},
+    {"std=c++20", FlagKind::StandardCpp20},
+    {"std=gnu++20", FlagKind::StandardCpp20},
+    {"std=c++2a", FlagKind::StandardCpp20},
+    {"std=gnu++2a", FlagKind::StandardCpp20},
+    {"fconcepts", FlagKind::StandardCpp20},
+    {"x", FlagKind::Language},
+    {"Wp", FlagKind::Preprocessor},
+    {"o", FlagKind::Output},
+    {"D", FlagKind::Define},
+    {"m32", FlagKind::Target32},
+    {"m64", FlagKind::Target64},
+
+    // Every standard that has no row of its own.
+    {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
+
+    // What the driver does with the sources.
+    {"c", FlagKind::Drop, FlagEffect::Compiles},
+    {"compile", FlagKind::Drop, FlagEffect::Compiles},
+    {"S", FlagKind::Drop, FlagEffect::Compiles},
+    {"assemble", FlagKind::Drop, FlagEffect::Compiles},
+    {"preprocess", FlagKind::Drop, FlagEffect::PreprocessesOnly},
+    {"M", FlagKind::Drop, FlagEffect::ListsDependencies},
+    {"dependencies", FlagKind::Drop, FlagEffect::ListsDependencies},
+    {"user-dependencies", FlagKind::Drop, FlagEffect::ListsDependencies},
+    {"emit-pch", FlagKind::Drop, FlagEffect::MakesPrecompiledHeader},
+    {"analyze", FlagKind::Drop},
+
+    // Information instead of work.
+    {"###", FlagKind::NoCompilation},
+    {"version", FlagKind::NoCompilation},
+    {"help", FlagKind::NoCompilation},
+    {"help=", FlagKind::NoCompilation},
+    {"help-hidden", FlagKind::NoCompilation},
+    {"target-help", FlagKind::NoCompilation},
+    {"dumpversion", FlagKind::NoCompilation},
+    {"dumpfullversion", FlagKind::NoCompilation},
+    {"dumpmachine", FlagKind::NoCompilation},
+    {"dumpspecs", FlagKind::NoCompilation},
+    {"print-effective-triple", FlagKind::NoCompilation},
+    {"print-file-name=", FlagKind::NoCompilation},
+    {"print-libgcc-file-name", FlagKind::NoCompilation},
+    {"print-multi-directory", FlagKind::NoCompilation},
+    {"print-multi-lib", FlagKind::NoCompilation},
+    {"print-multi-os-directory", FlagKind::NoCompilation},
+    {"print-multiarch", FlagKind::NoCompilation},
+    {"print-prog-name=", FlagKind::NoCompilation},
+    {"print-resource-dir", FlagKind::NoCompilation},
+    {"print-runtime-dir", FlagKind::NoCompilation},
+    {"print-search-dirs", FlagKind::NoCompilation},
+    {"print-supported-cpus", FlagKind::NoCompilation},
+    {"print-sysroot", FlagKind::NoCompilation},
+    {"print-sysroot-headers-suffix", FlagKind::NoCompilation},
+    {"print-target-triple", FlagKind::NoCompilation},
+    {"print-targets", FlagKind::NoCompilation},
+    {"v", FlagKind::Drop, FlagEffect::PrintsWithoutInput},
+    {"verbose", FlagKind::Drop, FlagEffect::PrintsWithoutInput},
+
+    // What would change the preprocessed text, or leave out its line markers.
+    {"C", FlagKind::Drop},
+    {"CC", FlagKind::Drop},
+    {"comments", FlagKind::Drop},
+    {"P", FlagKind::Drop},
+    {"no-line-commands", FlagKind::Drop},
+    {"dI", FlagKind::Drop},
+    {"dN", FlagKind::Drop},
+    {"dU", FlagKind::Drop},
+    {"fdirectives-only", FlagKind::Drop},
+    {"fminimize-whitespace", FlagKind::Drop},
+    {"frewrite-imports", FlagKind::Drop},
+    {"frewrite-includes", FlagKind::Drop},
+    {"fpch-preprocess", FlagKind::Drop},
+    {"include-pch", FlagKind::DropWithValue}, // the forced include beside it stands for the same text
+
+    // What would write files of the build again, or fill the error output.
+    {"H", FlagKind::Drop},
+    {"trace-includes", FlagKind::Drop},
+    {"MG", FlagKind::Drop},
+    {"MV", FlagKind::Drop},
+    {"MJ", FlagKind::DropWithValue},
+    {"write-dependencies", FlagKind::Drop},
+    {"write-user-dependencies", FlagKind::Drop},
+    {"print-missing-file-dependencies", FlagKind::Drop},
+    {"dependency-dot", FlagKind::DropWithValue},
+    {"dependency-file", FlagKind::DropWithValue},
+    {"header-include-file", FlagKind::DropWithValue},
+    {"fdeps-file=", FlagKind::Drop},
+    {"fdeps-format=", FlagKind::Drop},
+    {"fdeps-target=", FlagKind::Drop},
+    {"fdiagnostics-add-output=", FlagKind::Drop},
+    {"fdiagnostics-format=", FlagKind::Drop},
+    {"fdiagnostics-set-output=", FlagKind::Drop},
+    {"ftime-report", FlagKind::Drop},
+    {"ftime-trace", FlagKind::Drop},
+    {"ftime-trace=", FlagKind::Drop},
+    {"save-temps", FlagKind::Drop},
+    {"save-temps=", FlagKind::Drop},
+    {"aux-info", FlagKind::DropWithValue},
+    {"index-store-path", FlagKind::DropWithValue},
+    {"index-unit-output-path", FlagKind::DropWithValue},
+    {"serialize-diagnostics", FlagKind::DropWithValue},
+    {"serialize-diagnostic-file", FlagKind::DropWithValue},
+    {"wrapper", FlagKind::DropWithValue},
+
+    // More ways to name folders, files and macros.
+    {"iquote", FlagKind::UserInclude},
+    {"include-directory", FlagKind::UserInclude},
+    {"include-directory=", FlagKind::UserInclude},
+    {"sysroot", FlagKind::SystemInclude},
+    {"include-directory-after", FlagKind::SystemInclude},
+    {"include-directory-after=", FlagKind::SystemInclude},
+    {"cxx-isystem", FlagKind::SystemInclude},
+    {"iframework", FlagKind::SystemInclude},
+    {"isystem-after", FlagKind::SystemInclude},
+    {"iwithsysroot", FlagKind::SystemInclude},
+    {"internal-isystem", FlagKind::SystemInclude},
+    {"internal-externc-isystem", FlagKind::SystemInclude},
+    {"include=", FlagKind::ForcedInclude},
+    {"define-macro", FlagKind::Define},
+    {"define-macro=", FlagKind::Define},
+    {"U", FlagKind::Undefine},
+    {"undefine-macro", FlagKind::Undefine},
+    {"undefine-macro=", FlagKind::Undefine},
+    {"language", FlagKind::Language},
+    {"language=", FlagKind::Language},
+    {"output", FlagKind::Output},
+    {"output=", FlagKind::Output},
+    {"Xpreprocessor", FlagKind::Preprocessor},
+    {"Xclang", FlagKind::Preprocessor},
+
+    // What has a value of its own, which is no input. Most of it is for the linker and harmless.
+    {"A", FlagKind::KeepWithValue},
+    {"B", FlagKind::KeepWithValue},
+    {"F", FlagKind::KeepWithValue},
+    {"G", FlagKind::KeepWithValue},
+    {"L", FlagKind::KeepWithValue},
+    {"T", FlagKind::KeepWithValue},
+    {"Tbss", FlagKind::KeepWithValue},
+    {"Tdata", FlagKind::KeepWithValue},
+    {"Ttext", FlagKind::KeepWithValue},
+    {"Xanalyzer", FlagKind::KeepWithValue},
+    {"Xassembler", FlagKind::KeepWithValue},
+    {"Xcuda-fatbinary", FlagKind::KeepWithValue},
+    {"Xcuda-ptxas", FlagKind::KeepWithValue},
+    {"Xlinker", FlagKind::KeepWithValue},
+    {"Xopenmp-target", FlagKind::KeepWithValue},
+    {"arch", FlagKind::KeepWithValue},
+    {"bundle_loader", FlagKind::KeepWithValue},
+    {"compatibility_version", FlagKind::KeepWithValue},
+    {"current_version", FlagKind::KeepWithValue},
+    {"dumpbase", FlagKind::KeepWithValue},
+    {"dumpbase-ext", FlagKind::KeepWithValue},
+    {"dumpdir", FlagKind::KeepWithValue},
+    {"e", FlagKind::KeepWithValue},
+    {"entry", FlagKind::KeepWithValue},
+    {"framework", FlagKind::KeepWithValue},
+    {"gcc-toolchain", FlagKind::KeepWithValue},
+    {"imacros", FlagKind::KeepWithValue},
+    {"imultiarch", FlagKind::KeepWithValue},
+    {"imultilib", FlagKind::KeepWithValue},
+    {"include-prefix", FlagKind::KeepWithValue},
+    {"include-with-prefix", FlagKind::KeepWithValue},
+    {"install_name", FlagKind::KeepWithValue},
+    {"iprefix", FlagKind::KeepWithValue},
+    {"ivfsoverlay", FlagKind::KeepWithValue},
+    {"iwithprefix", FlagKind::KeepWithValue},
+    {"iwithprefixbefore", FlagKind::KeepWithValue},
+    {"l", FlagKind::KeepWithValue},
+    {"library-directory", FlagKind::KeepWithValue},
+    {"mllvm", FlagKind::KeepWithValue},
+    {"param", FlagKind::KeepWithValue},
+    {"resource-dir", FlagKind::KeepWithValue},
+    {"rpath", FlagKind::KeepWithValue},
+    {"specs", FlagKind::KeepWithValue},
+    {"target", FlagKind::KeepWithValue},
+    {"u", FlagKind::KeepWithValue},
+    {"undefined", FlagKind::KeepWithValue},
+    {"weak_framework", FlagKind::KeepWithValue},
+    {"working-directory", FlagKind::KeepWithValue},
+    {"z", FlagKind::KeepWithValue},
+};
+// clang-format on
+static_assert(NamesAreUnique(GccFlags), "a name stands twice: its second row would never be read");
+
+// A name that a driver would take for an option or a response file.
+bool NeedsFolder(const std::string& source) {
+    return source.starts_with('-') || source.starts_with('@');
+}
+
+} // namespace
+
+Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}) {}
+
+Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension)
+    : Compiler(type, name, GccIntroducers, FlagTable(GccFlags, extension)) {}
+
+std::vector<std::string> Gcc::BuildPreprocessCommand(const ParsedCommand& command,
+                                                     const std::string& outputPath) const {
+    std::vector<std::string> words;
+    words.reserve(command.invocationPrefix.size() + command.keptArguments.size() + 6);
+    words = command.invocationPrefix;
+    words.push_back(command.compilerPath);
+    words.insert(words.end(), command.keptArguments.begin(), command.keptArguments.end());
+    words.emplace_back("-w");
+    words.emplace_back(command.compilerType == CompilerType::Qcc ? "-P" : "-E");
+    words.emplace_back("-o");
+    words.push_back(outputPath);
+    words.push_back(NeedsFolder(command.sourceFile) ? "./" + command.sourceFile : command.sourceFile);
+    return words;
+}
+
+void Gcc::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
+    command.unsignedChar = std::find(arguments.begin(), arguments.end(), "-funsigned-char") != arguments.end();
+}
+
+} // namespace Orvanta

@@ -1,0 +1,125 @@
+#include "compilers/InputKind.h"
+
+#include "platform/Paths.h"
+
+namespace Orvanta {
+
+namespace {
+
+struct InputKindRow {
+    std::string_view name;
+    InputKind kind;
+};
+
+// The commonest first; every other extension is a file for the linker.
+constexpr InputKindRow Extensions[] = {
+    {".c",    InputKind::C              },
+    {".cpp",  InputKind::Cpp            },
+    {".cc",   InputKind::Cpp            },
+    {".cxx",  InputKind::Cpp            },
+    {".C",    InputKind::Cpp            },
+    {".cp",   InputKind::Cpp            },
+    {".c++",  InputKind::Cpp            },
+    {".CC",   InputKind::Cpp            },
+    {".CPP",  InputKind::Cpp            },
+    {".CXX",  InputKind::Cpp            },
+    {".cppm", InputKind::Cpp            },
+    {".ccm",  InputKind::Cpp            },
+    {".cxxm", InputKind::Cpp            },
+    {".c++m", InputKind::Cpp            },
+    {".i",    InputKind::PreprocessedC  },
+    {".ii",   InputKind::PreprocessedCpp},
+    {".h",    InputKind::Header         },
+    {".H",    InputKind::Header         },
+    {".hh",   InputKind::Header         },
+    {".hp",   InputKind::Header         },
+    {".hpp",  InputKind::Header         },
+    {".HPP",  InputKind::Header         },
+    {".hxx",  InputKind::Header         },
+    {".h++",  InputKind::Header         },
+    {".tcc",  InputKind::Header         },
+    {".s",    InputKind::Assembly       },
+    {".S",    InputKind::Assembly       },
+    {".sx",   InputKind::Assembly       },
+    {".asm",  InputKind::Assembly       },
+    {".m",    InputKind::OtherLanguage  },
+    {".mi",   InputKind::OtherLanguage  },
+    {".mm",   InputKind::OtherLanguage  },
+    {".mii",  InputKind::OtherLanguage  },
+    {".M",    InputKind::OtherLanguage  },
+    {".cu",   InputKind::OtherLanguage  },
+    {".hip",  InputKind::OtherLanguage  },
+    {".cl",   InputKind::OtherLanguage  },
+    {".f",    InputKind::OtherLanguage  },
+    {".for",  InputKind::OtherLanguage  },
+    {".ftn",  InputKind::OtherLanguage  },
+    {".fpp",  InputKind::OtherLanguage  },
+    {".F",    InputKind::OtherLanguage  },
+    {".f90",  InputKind::OtherLanguage  },
+    {".F90",  InputKind::OtherLanguage  },
+    {".f95",  InputKind::OtherLanguage  },
+    {".F95",  InputKind::OtherLanguage  },
+    {".f03",  InputKind::OtherLanguage  },
+    {".f08",  InputKind::OtherLanguage  },
+    {".adb",  InputKind::OtherLanguage  },
+    {".ads",  InputKind::OtherLanguage  },
+    {".d",    InputKind::OtherLanguage  },
+    {".go",   InputKind::OtherLanguage  },
+    {".rs",   InputKind::OtherLanguage  },
+};
+
+constexpr InputKindRow LanguageWords[] = {
+    {"c",                      InputKind::C              },
+    {"c++",                    InputKind::Cpp            },
+    {"c++-module",             InputKind::Cpp            },
+    {"cpp-output",             InputKind::PreprocessedC  },
+    {"c++-cpp-output",         InputKind::PreprocessedCpp},
+    {"c-header",               InputKind::Header         },
+    {"c-system-header",        InputKind::Header         },
+    {"c-user-header",          InputKind::Header         },
+    {"c++-header",             InputKind::Header         },
+    {"c++-system-header",      InputKind::Header         },
+    {"c++-user-header",        InputKind::Header         },
+    {"assembler",              InputKind::Assembly       },
+    {"assembler-with-cpp",     InputKind::Assembly       },
+    {"ada",                    InputKind::OtherLanguage  },
+    {"cl",                     InputKind::OtherLanguage  },
+    {"cuda",                   InputKind::OtherLanguage  },
+    {"d",                      InputKind::OtherLanguage  },
+    {"f77",                    InputKind::OtherLanguage  },
+    {"f77-cpp-input",          InputKind::OtherLanguage  },
+    {"f95",                    InputKind::OtherLanguage  },
+    {"f95-cpp-input",          InputKind::OtherLanguage  },
+    {"go",                     InputKind::OtherLanguage  },
+    {"hip",                    InputKind::OtherLanguage  },
+    {"ir",                     InputKind::OtherLanguage  },
+    {"objective-c",            InputKind::OtherLanguage  },
+    {"objective-c-header",     InputKind::OtherLanguage  },
+    {"objective-c++",          InputKind::OtherLanguage  },
+    {"objective-c++-header",   InputKind::OtherLanguage  },
+    {"objc-cpp-output",        InputKind::OtherLanguage  },
+    {"objective-c-cpp-output", InputKind::OtherLanguage  },
+};
+
+} // namespace
+
+InputKind InputKindByExtension(std::string_view path) noexcept {
+    const std::string_view extension = ExtensionOf(path);
+    for (const InputKindRow& row : Extensions) {
+        if (row.name == extension) {
+            return row.kind;
+        }
+    }
+    return InputKind::LinkInput;
+}
+
+std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept {
+    for (const InputKindRow& row : LanguageWords) {
+        if (row.name == word) {
+            return row.kind;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace Orvanta {
+
+/// What a compiler driver takes an input file for.
+enum class InputKind : std::uint8_t {
+    C,
+    Cpp,
+    PreprocessedC,
+    PreprocessedCpp,
+    Header, ///< compiled into a precompiled header
+    Assembly,
+    OtherLanguage, ///< Objective-C, Fortran and others that the driver hands to other compilers
+    LinkInput,     ///< objects, libraries, and all that no extension tells apart
+    StandardInput,
+};
+
+/// Whether the system analyzes such inputs.
+[[nodiscard]] constexpr bool IsSource(InputKind kind) noexcept {
+    return kind <= InputKind::PreprocessedCpp;
+}
+
+/// The kind that a GNU driver sees in a file's extension. ".c" and ".C" differ.
+[[nodiscard]] InputKind InputKindByExtension(std::string_view path) noexcept;
+
+/// The kind that a GNU driver's language word ("c++", "assembler", ...) gives to the files after it; no value for words
+/// that name no language, "none" among them.
+[[nodiscard]] std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept;
+
+} // namespace Orvanta
