@@ -1,0 +1,125 @@
+#include "cppcheck/CppcheckCommand.h"
+
+#include "cppcheck/CppcheckOutput.h"
+#include "platform/Paths.h"
+
+#include <span>
+
+namespace Orvanta {
+
+namespace {
+
+struct WordPair {
+    std::string_view ours;
+    std::string_view cppchecks;
+};
+
+constexpr WordPair Standards[] = {
+    {"c90",   "c89"  },
+    {"c99",   "c99"  },
+    {"c11",   "c11"  },
+    {"c17",   "c11"  }, // c11 without its defects: Cppcheck
+  // knows no difference
+    {"c20",   "c11"  }, // the newest one of C that Cppcheck knows
+    {"c++98", "c++03"},
+    {"c++03", "c++03"},
+    {"c++11", "c++11"},
+    {"c++14", "c++14"},
+    {"c++17", "c++17"},
+    {"c++20", "c++20"},
+};
+
+constexpr WordPair Platforms[] = {
+    {"linux64", "unix64"},
+    {"linux32", "unix32"},
+    {"x64",     "win64" },
+    {"Win32",   "win32W"},
+    {"arm",     "unix32"}, // the same sizes of the basic types
+    {"pic8",    "pic8"  },
+};
+
+// Names that the macros of system headers leave in a user's text, given back the meaning that Cppcheck knows them by.
+constexpr std::string_view Definitions[] = {
+    "__null=NULL",
+    "__builtin_va_start=va_start",
+    "__builtin_va_arg=va_arg",
+    "__builtin_va_copy=va_copy",
+    "__builtin_va_end=va_end",
+    "__builtin_offsetof=offsetof",
+    "__builtin_expect(value,expected)=(value)",
+    "__builtin_unreachable=abort",
+    "__builtin_trap=abort",
+    // What a failed assertion calls: without these, each assertion would look like a test whose outcome is ignored.
+    "__assert_fail(text,file,line,function)=abort()",
+    "__assert_func(file,line,function,text)=abort()",
+    "__assert_rtn(function,file,line,text)=abort()",
+    "__aeabi_assert(text,file,line)=abort()",
+    "_wassert(text,file,line)=abort()",
+};
+
+// Matters of taste, which would bury the rest.
+constexpr std::string_view SuppressedChecks[] = {"noExplicitConstructor", "useStlAlgorithm"};
+
+std::string_view Find(std::span<const WordPair> table, std::string_view word) {
+    for (const WordPair& pair : table) {
+        if (pair.ours == word) {
+            return pair.cppchecks;
+        }
+    }
+    return {};
+}
+
+// "x64" is also the word for a unit whose command tells no platform.
+bool IsUnixUnit(const UnitSettings& unit) {
+    return unit.preprocessor != "visualcpp" && HostPathRules() == PathRules::Posix;
+}
+
+void AddLibraries(Arguments& command, std::string_view platform) {
+    const bool isUnix = platform.starts_with("unix");
+    const bool isWindows = platform.starts_with("win");
+    if (isUnix) {
+        command.insert(command.end(), {"--library=posix", "--library=gnu"});
+    } else if (isWindows) {
+        command.emplace_back("--library=windows");
+    }
+}
+
+} // namespace
+
+std::string_view CppcheckStandard(std::string_view standard) {
+    return Find(Standards, standard);
+}
+
+std::string CppcheckPlatform(const UnitSettings& unit) {
+    std::string platform(unit.platform == "x64" && IsUnixUnit(unit) ? "unix64" : Find(Platforms, unit.platform));
+    if (platform.empty()) {
+        return "unspecified";
+    }
+    if (unit.isPlainCharUnsigned && platform.starts_with("unix")) {
+        platform += "-unsigned";
+    }
+    return platform;
+}
+
+Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit, const std::string& textPath) {
+    Arguments command = {program, "--quiet", "-j", "1", "--enable=warning,style,performance,portability"};
+    command.emplace_back(unit.language == UnitLanguage::C ? "--language=c" : "--language=c++");
+    if (const std::string_view standard = CppcheckStandard(unit.standard); !standard.empty()) {
+        command.push_back("--std=" + std::string(standard));
+    }
+    const std::string platform = CppcheckPlatform(unit);
+    command.push_back("--platform=" + platform);
+    AddLibraries(command, platform);
+    for (const std::string_view definition : Definitions) {
+        command.push_back("-D" + std::string(definition));
+    }
+    for (const std::string_view check : SuppressedChecks) {
+        command.push_back("--suppress=" + std::string(check));
+    }
+    command.push_back("--template=" + CppcheckTemplate());
+    command.push_back("--template-location=" + CppcheckLocationTemplate());
+    command.push_back(textPath);
+    return command;
+}
+
+} // namespace Orvanta

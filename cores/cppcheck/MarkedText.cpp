@@ -1,0 +1,110 @@
+#include "cppcheck/MarkedText.h"
+
+#include "cppcheck/RawString.h"
+#include "cppcheck/SystemFolders.h"
+#include "platform/Paths.h"
+
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+// Names such as "<built-in>" and "<command-line>" stand for text that is in no file.
+bool IsPseudoFile(std::string_view quotedName) {
+    return quotedName.starts_with('<') && quotedName.ends_with('>');
+}
+
+// gcc names the directory of the compilation in a marker of its own, with "//" at its end.
+bool IsDirectoryNote(std::string_view quotedName) {
+    return quotedName.ends_with("//");
+}
+
+} // namespace
+
+MarkedText::MarkedText(std::string_view text, const std::string& sourcePath, std::string currentDirectory)
+    : rest_(text), currentDirectory_(std::move(currentDirectory)) {
+    files_.push_back({sourcePath, false, false});
+    indexByPath_.emplace(sourcePath, 0);
+}
+
+bool MarkedText::ReadLine(MarkedLine& line) {
+    while (!rest_.empty()) {
+        const std::size_t end = rest_.find('\n');
+        std::string_view text = rest_.substr(0, end);
+        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
+        if (text.ends_with('\r')) {
+            text.remove_suffix(1);
+        }
+        if (rawStringEnd_.empty()) {
+            if (const auto marker = ReadLineMarker(text)) {
+                Follow(*marker);
+                continue;
+            }
+        }
+        NoteRawString(text);
+        line = {text, currentFile_, nextNumber_++};
+        return true;
+    }
+    return false;
+}
+
+void MarkedText::Follow(const LineMarker& marker) {
+    if (IsDirectoryNote(marker.quotedName)) {
+        return;
+    }
+    nextNumber_ = marker.line;
+    if (!marker.quotedName.empty()) {
+        currentFile_ = FindOrAddFile(marker);
+    }
+}
+
+std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
+    if (const auto known = indexByName_.find(marker.quotedName); known != indexByName_.end()) {
+        return known->second;
+    }
+    std::optional<std::size_t> index;
+    if (!IsPseudoFile(marker.quotedName)) {
+        const std::string path = NormalizePath(JoinPath(currentDirectory_, UnquotedName(marker.quotedName)));
+        const auto [entry, isNew] = indexByPath_.emplace(path, files_.size());
+        if (isNew) {
+            // Flag 3 alone is no sign of a system header: gcc sets it inside a user's file, where the text comes from
+            // a macro of a system header.
+            const bool isSystem =
+                (marker.entersFile && marker.isSystemHeader) || IsInSystemFolder(path, files_.front().path);
+            files_.push_back({path, isSystem, true});
+        }
+        files_[entry->second].isNamed = true;
+        index = entry->second;
+    }
+    indexByName_.emplace(marker.quotedName, index);
+    return index;
+}
+
+// A raw string may hold lines that look like markers.
+void MarkedText::NoteRawString(std::string_view line) {
+    if (!rawStringEnd_.empty()) {
+        const std::size_t end = line.find(rawStringEnd_);
+        if (end == std::string_view::npos) {
+            return;
+        }
+        line.remove_prefix(end + rawStringEnd_.size());
+    }
+    rawStringEnd_ = EndOfOpenRawString(line);
+}
+
+std::vector<std::string> ListDependencies(std::string_view text, const std::string& sourcePath,
+                                          const std::string& currentDirectory) {
+    MarkedText marked(text, sourcePath, currentDirectory);
+    for (MarkedLine line; marked.ReadLine(line);) {
+    }
+    std::vector<std::string> paths;
+    for (const MarkedFile& file : marked.Files()) {
+        if (file.isNamed) {
+            paths.push_back(file.path);
+        }
+    }
+    return paths;
+}
+
+} // namespace Orvanta

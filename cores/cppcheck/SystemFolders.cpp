@@ -1,0 +1,57 @@
+#include "cppcheck/SystemFolders.h"
+
+#include "platform/Text.h"
+
+#include <string>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view PosixFolders[] = {
+    "/usr/include/", "/usr/lib/",           "/usr/lib32/",      "/usr/lib64/",
+    "/usr/libx32/",  "/usr/local/include/", "/opt/iarsystems/", "/opt/ti/",
+};
+
+// Behind the drive letter; in lower case, since these paths are compared so.
+constexpr std::string_view WindowsFolders[] = {
+    "/program files/", "/program files (x86)/", "/keil/arm/", "/keil_v5/arm/", "/ti/ccs", "/iar/",
+};
+
+bool HasDrive(std::string_view path) {
+    return path.size() > 2 && path[1] == ':' && (path[2] == '/' || path[2] == '\\');
+}
+
+// A Windows path in the form of the table: without its drive, in lower case, with "/" alone.
+std::string WithoutDrive(std::string_view path) {
+    std::string folded = ToLowerAscii(path.substr(2));
+    for (char& character : folded) {
+        if (character == '\\') {
+            character = '/';
+        }
+    }
+    return folded;
+}
+
+} // namespace
+
+bool IsInSystemFolder(std::string_view path, std::string_view sourcePath) {
+    if (HasDrive(path)) {
+        const std::string folded = WithoutDrive(path);
+        const std::string source = HasDrive(sourcePath) ? WithoutDrive(sourcePath) : std::string();
+        for (const std::string_view folder : WindowsFolders) {
+            if (folded.starts_with(folder) && !source.starts_with(folder)) {
+                return true;
+            }
+        }
+        return false;
+    }
+    for (const std::string_view folder : PosixFolders) {
+        if (path.starts_with(folder) && !sourcePath.starts_with(folder)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace Orvanta

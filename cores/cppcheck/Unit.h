@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cppcheck/UnitSettings.h"
+
+#include <string>
+
+namespace Orvanta {
+
+/// Analyzes the unit and writes its findings, which may be none, to its output file. An output file from before is
+/// replaced only when the unit was analyzed. What Cppcheck wrote besides findings is returned.
+/// \throws ZelmException when the unit could not be analyzed
+[[nodiscard]] std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory);
+
+/// The files that the unit is made of, as the lines that the driver reads.
+/// \throws ZelmException when the preprocessed file can't be read
+[[nodiscard]] std::string DependencyLines(const UnitSettings& unit, const std::string& currentDirectory);
+
+} // namespace Orvanta

@@ -1,0 +1,42 @@
+#include "cppcheck/CoreOptions.h"
+#include "cppcheck/Unit.h"
+#include "platform/Console.h"
+#include "platform/Exceptions.h"
+#include "platform/Paths.h"
+#include "settings/SettingsFile.h"
+
+#include <exception>
+#include <iostream>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+void Run(const Orvanta::CoreOptions& options) {
+    const std::string currentDirectory = Orvanta::CurrentDirectory();
+    const Orvanta::UnitSettings unit = Orvanta::ReadUnitSettings(Orvanta::ReadSettingsFile(options.settingsPath),
+                                                                 options.settingsPath, currentDirectory);
+    switch (options.task) {
+    case Orvanta::CoreTask::ListDependencies:
+        Orvanta::WriteToStandardOutput(Orvanta::DependencyLines(unit, currentDirectory));
+        break;
+    case Orvanta::CoreTask::Analyze:
+        if (unit.outputPath.empty()) {
+            throw Orvanta::ZelmException(options.settingsPath + ": the key \"output-file\" is missing or empty");
+        }
+        std::cerr << Orvanta::AnalyzeUnit(unit, currentDirectory);
+        break;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        Run(Orvanta::ReadCoreOptions(std::vector<std::string_view>(argv + 1, argv + argc)));
+        return 0;
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return 1;
+    }
+}
