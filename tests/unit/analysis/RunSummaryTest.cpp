@@ -1,0 +1,100 @@
+#include "analysis/RunSummary.h"
+
+#include "analysis/AnalyzerRunner.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+namespace {
+
+CompileCommand UnitOf(std::size_t invocation, const std::string& source) {
+    CompileCommand command;
+    command.absoluteDirectory = std::make_shared<std::string>("/p");
+    const std::vector<std::string> words = {"gcc", source};
+    command.arguments = ArgumentList(words);
+    command.source = {1, 0};
+    command.invocation = invocation;
+    return command;
+}
+
+// Seven invocations: the third compiles two sources, the fifth to seventh none.
+CollectedCommands SomeCommands() {
+    CollectedCommands commands;
+    commands.units = {UnitOf(1, "a.c"), UnitOf(2, "b.c"), UnitOf(3, "c.c"), UnitOf(3, "d.c"), UnitOf(4, "e.c")};
+    commands.skipped = {
+        {5, InvocationFate::NotACompilation, "app", "link only"                     },
+        {6, InvocationFate::CompilerMissing, "foo", "compiler \"foo\" was not found"},
+        {7, InvocationFate::NotACompilation, "lib", "link only"                     },
+    };
+    commands.invocations = 7;
+    return commands;
+}
+
+RunOutcome SomeOutcome() {
+    RunOutcome outcome;
+    outcome.statuses = {AnalyzerStatus::Analyzed, AnalyzerStatus::Excluded, AnalyzerStatus::Analyzed,
+                        AnalyzerStatus::CoreFailed, AnalyzerStatus::Analyzed};
+    outcome.failures = {
+        {3, "Command \"core\" returned code 3.\nit broke"}
+    };
+    outcome.findingsByLevel = {0, 4, 2, 1};
+    return outcome;
+}
+
+TEST(RunSummary, CountsEachInvocationOnceAndAddsUpToTheInput) {
+    const CollectedCommands commands = SomeCommands();
+    const InvocationCounts counts = CountInvocations(commands, SomeOutcome());
+    EXPECT_EQ(counts.Total(), commands.invocations);
+    EXPECT_EQ(counts.analyzed, 2U);
+    EXPECT_EQ(counts.failed, 2U);
+    EXPECT_EQ(counts.excluded, 1U);
+    EXPECT_EQ(counts.skipped, 2U);
+}
+
+TEST(RunSummary, ShowsTimeCountsFindingsAndReport) {
+    EXPECT_EQ(SummaryText(SomeCommands(), SomeOutcome(), std::chrono::milliseconds(3725300), "/p/report.json"),
+              "Analysis finished in 1:02:05.3\n"
+              "Compiler invocations: 7 (2 analyzed, 2 failed, 2 skipped, 1 excluded)\n"
+              "Source files of them: 5 (3 analyzed, 1 failed, 0 skipped, 1 excluded)\n"
+              "Skipped: 2 link only\n"
+              "Findings: 4 high, 2 medium, 1 low\n"
+              "The results are saved to /p/report.json\n");
+}
+
+TEST(RunSummary, NamesEveryFailureWithItsReason) {
+    EXPECT_EQ(FailureList(SomeCommands(), SomeOutcome()), "These could not be analyzed:\n"
+                                                          "  invocation 6 (foo): compiler \"foo\" was not found\n"
+                                                          "  /p/d.c: Command \"core\" returned code 3.\n"
+                                                          "    it broke\n");
+    EXPECT_EQ(FailureList({}, {}), "");
+}
+
+struct ResultCase {
+    std::vector<AnalyzerStatus> statuses;
+    int code;
+};
+
+TEST(CombinedResult, IsZeroOnlyWhenSomethingWasAnalyzedAndNothingFailed) {
+    using enum AnalyzerStatus;
+    const ResultCase cases[] = {
+        {{Analyzed, Excluded},            0  },
+        {{Excluded, Excluded},            1  },
+        {{Analyzed, PreprocessingFailed}, 1  },
+        {{Analyzed, CoreFailed},          1  },
+        {{Analyzed, Failed},              1  },
+        {{Failed, Stopped},               130},
+        {{Stopped},                       130},
+    };
+    for (const ResultCase& row : cases) {
+        RunOutcome outcome;
+        outcome.statuses = row.statuses;
+        EXPECT_EQ(CombinedResult(outcome), row.code);
+    }
+}
+
+} // namespace
+} // namespace Orvanta

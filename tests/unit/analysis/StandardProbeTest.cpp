@@ -1,0 +1,134 @@
+#include "analysis/StandardProbe.h"
+
+#include "compilers/Gcc.h"
+#include "platform/Files.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <thread>
+#include <vector>
+
+namespace Orvanta {
+namespace {
+
+struct VersionCase {
+    Language language;
+    long version;
+    const char* word;
+};
+
+constexpr VersionCase VersionCases[] = {
+    {Language::C,   198900, "c90"  },
+    {Language::C,   199409, "c90"  },
+    {Language::C,   199500, "c99"  },
+    {Language::C,   199901, "c99"  },
+    {Language::C,   201112, "c11"  },
+    {Language::C,   201710, "c17"  },
+    {Language::C,   201800, "c20"  },
+    {Language::C,   202311, "c20"  },
+    {Language::Cpp, 199711, "c++98"},
+    {Language::Cpp, 200399, "c++03"},
+    {Language::Cpp, 201103, "c++11"},
+    {Language::Cpp, 201402, "c++14"},
+    {Language::Cpp, 201703, "c++17"},
+    {Language::Cpp, 202002, "c++20"},
+};
+
+TEST(StandardWordOfVersion, FollowsTheMacrosValue) {
+    for (const VersionCase& row : VersionCases) {
+        EXPECT_EQ(StandardWordOfVersion(row.version, row.language), row.word) << row.version;
+    }
+}
+
+TEST(LastNumber, IsReadFromTheEnd) {
+    EXPECT_EQ(LastNumber("# 1 \"123.cpp\"\n201703L\n\n"), 201703);
+    EXPECT_EQ(LastNumber("198900"), 198900);
+    EXPECT_EQ(LastNumber("no digits"), std::nullopt);
+    EXPECT_EQ(LastNumber(""), std::nullopt);
+    EXPECT_EQ(LastNumber("99999999999999999999999"), std::nullopt);
+}
+
+/// A compiler made of a shell script that counts its calls.
+class ScriptedCompiler {
+public:
+    explicit ScriptedCompiler(const std::string& body) {
+        command_.compilerType = CompilerType::Gcc;
+        command_.compilerPath = folder_.Write("compiler", "#!/bin/sh\necho call >> calls\n" + body + "\n");
+        std::filesystem::permissions(command_.compilerPath, std::filesystem::perms::owner_all);
+        folder_.MakeFolder("probe");
+    }
+
+    std::string Probe(Language language, std::vector<std::string> keptArguments = {}, const Environment& own = {}) {
+        ParsedCommand command = command_;
+        command.keptArguments = std::move(keptArguments);
+        return probe_.ProbeLanguageStandard(model_, command, language, {directory_, OwnEnvironmentBlock()}, own);
+    }
+
+    [[nodiscard]] std::size_t Calls() const {
+        const std::string calls = folder_.Read("calls");
+        return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), '\n'));
+    }
+
+    [[nodiscard]] bool LeftNothing() const { return std::filesystem::is_empty(folder_ / "probe"); }
+
+private:
+    TestFolder folder_;
+    Gcc model_;
+    ParsedCommand command_;
+    StopFlag stop_;
+    std::string directory_ = folder_.Path();
+    StandardProbe probe_{folder_ / "probe", stop_};
+};
+
+// The output path stands before the source, which is the last argument.
+constexpr const char* AnswersByLanguage = R"(
+while [ $# -gt 2 ]; do shift; done
+case "$2" in
+*.c) echo 201112L > "$1" ;;
+*) echo 201402L > "$1" ;;
+esac)";
+
+TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
+    ScriptedCompiler compiler(AnswersByLanguage);
+    EXPECT_EQ(compiler.Probe(Language::C), "c11");
+    EXPECT_EQ(compiler.Probe(Language::C, {"-Ione", "-D", "X", "-include", "a.h", "-Wall"}), "c11");
+    EXPECT_EQ(compiler.Calls(), 1U);
+    EXPECT_EQ(compiler.Probe(Language::Cpp), "c++14");
+    EXPECT_EQ(compiler.Calls(), 2U);
+    EXPECT_EQ(compiler.Probe(Language::C, {"-fms-extensions"}), "c11");
+    EXPECT_EQ(compiler.Calls(), 3U);
+    EXPECT_EQ(compiler.Probe(Language::C,
+                             {
+    },
+                             {{"TARGET", "x"}}),
+              "c11");
+    EXPECT_EQ(compiler.Calls(), 4U);
+    EXPECT_TRUE(compiler.LeftNothing());
+}
+
+TEST(StandardProbe, LetsThreadsShareOneAnswer) {
+    ScriptedCompiler compiler(AnswersByLanguage);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&compiler] { EXPECT_EQ(compiler.Probe(Language::C), "c11"); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(compiler.Calls(), 1U);
+}
+
+TEST(StandardProbe, FallsBackWhenTheCompilerFailsOrSaysNothing) {
+    ScriptedCompiler failing("exit 3");
+    EXPECT_EQ(failing.Probe(Language::C), "c99");
+    EXPECT_EQ(failing.Probe(Language::Cpp), "c++14");
+    ScriptedCompiler silent("while [ $# -gt 2 ]; do shift; done; echo nothing > \"$1\"");
+    EXPECT_EQ(silent.Probe(Language::Cpp), "c++14");
+    EXPECT_TRUE(silent.LeftNothing());
+}
+
+} // namespace
+} // namespace Orvanta
