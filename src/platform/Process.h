@@ -66,9 +66,23 @@ using OutputReceiver = std::function<void(std::string_view bytes)>;
 /// The words of a command joined by single blanks, unquoted: how messages show it.
 [[nodiscard]] std::string CommandLineText(const Arguments& command);
 
+/// Which processes are killed together with a child.
+enum class ProcessGroup {
+    Own,       ///< all that it started
+    Inherited, ///< it ends with its parent's group: for a program that is itself such a child
+};
+
+/// What a child finds when it starts, beside its command.
+struct StartConditions {
+    std::string workingDirectory;        ///< empty: the current one
+    const EnvironmentBlock& environment; ///< the child's whole environment; need not outlive the start
+    ProcessGroup group = ProcessGroup::Own;
+};
+
 /// A supervised child process, started from an argument vector without a shell, with nothing on its standard input, in
-/// a process group (a job) of its own. The destructor kills what is still running of it and takes its status. One
-/// thread at a time may use an object; its receivers are called on that thread, from within the functions below.
+/// a process group (a job) of its own unless its conditions say otherwise. The destructor kills what is still running
+/// of it and takes its status. One thread at a time may use an object; its receivers are called on that thread, from
+/// within the functions below.
 class Process {
 public:
     /// Starts `command[0]` (a path, or a name looked up along PATH) in `workingDirectory` (empty: the current one).
@@ -76,6 +90,9 @@ public:
     /// \throws ProcessStartException
     Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
             OutputReceiver standardOutput, OutputReceiver standardError);
+    /// The same with all that can be said about the start.
+    Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
+            OutputReceiver standardError);
     ~Process();
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;

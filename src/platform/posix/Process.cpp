@@ -88,14 +88,15 @@ std::vector<char*> PointersTo(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-// How every child starts: in a process group of its own, with no signal blocked and those that we handle or ignore as
-// the system has them. Made once; never written again.
+// How every child starts: in its process group, with no signal blocked and those that we handle or ignore as the system
+// has them. Made once for each kind of group; never written again.
 class SpawnAttributes {
 public:
-    SpawnAttributes() {
+    explicit SpawnAttributes(ProcessGroup group) {
+        const int groupFlag = group == ProcessGroup::Own ? POSIX_SPAWN_SETPGROUP : 0;
         ::posix_spawnattr_init(&attributes_);
-        ::posix_spawnattr_setflags(
-            &attributes_, static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
+        ::posix_spawnattr_setflags(&attributes_,
+                                   static_cast<short>(groupFlag | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
         ::posix_spawnattr_setpgroup(&attributes_, 0);
         sigset_t signals;
         ::sigemptyset(&signals);
@@ -110,6 +111,12 @@ public:
 
     SpawnAttributes(const SpawnAttributes&) = delete;
     SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+
+    [[nodiscard]] static const SpawnAttributes& For(ProcessGroup group) {
+        static const SpawnAttributes own(ProcessGroup::Own);
+        static const SpawnAttributes inherited(ProcessGroup::Inherited);
+        return group == ProcessGroup::Own ? own : inherited;
+    }
 
     [[nodiscard]] const posix_spawnattr_t* Get() const noexcept { return &attributes_; }
 
@@ -227,6 +234,7 @@ struct Process::Handles {
     Output standardError;
     std::optional<int> exitStatus;
     bool isToBeKilled = false;
+    ProcessGroup group = ProcessGroup::Own;
 
     Handles() = default;
     Handles(const Handles&) = delete;
@@ -239,18 +247,18 @@ struct Process::Handles {
         }
     }
 
-    void Start(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment);
+    void Start(const Arguments& command, const StartConditions& conditions);
     bool Look(int milliseconds);
 
-    void SendSignal(int signal) const noexcept { ::kill(-pid, signal); }
+    void SendSignal(int signal) const noexcept { ::kill(group == ProcessGroup::Own ? -pid : pid, signal); }
 
     void TakeStatus() noexcept;
 };
 
-void Process::Handles::Start(const Arguments& command, const std::string& workingDirectory,
-                             const EnvironmentBlock& environment) {
-    static const SpawnAttributes attributes;
-    const std::string program = ResolveProgram(command.front(), workingDirectory, environment);
+void Process::Handles::Start(const Arguments& command, const StartConditions& conditions) {
+    const std::string& workingDirectory = conditions.workingDirectory;
+    group = conditions.group;
+    const std::string program = ResolveProgram(command.front(), workingDirectory, conditions.environment);
     Pipe output;
     Pipe error;
     SpawnActions actions;
@@ -261,10 +269,11 @@ void Process::Handles::Start(const Arguments& command, const std::string& workin
         actions.ChangeDirectory(workingDirectory);
     }
     const std::vector<char*> arguments = PointersTo(command);
-    const std::vector<char*> variables = PointersTo(environment.Entries());
-    const int fault = program.empty() ? ENOENT
-                                      : ::posix_spawn(&pid, program.c_str(), actions.Get(), attributes.Get(),
-                                                      arguments.data(), variables.data());
+    const std::vector<char*> variables = PointersTo(conditions.environment.Entries());
+    const int fault = program.empty()
+                          ? ENOENT
+                          : ::posix_spawn(&pid, program.c_str(), actions.Get(), SpawnAttributes::For(group).Get(),
+                                          arguments.data(), variables.data());
     if (fault != 0) {
         pid = -1;
         FailToStart(command.front(), workingDirectory, fault);
@@ -326,6 +335,11 @@ void Process::Handles::TakeStatus() noexcept {
 
 Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
                  OutputReceiver standardOutput, OutputReceiver standardError)
+    : Process(command, StartConditions{workingDirectory, environment}, std::move(standardOutput),
+              std::move(standardError)) {}
+
+Process::Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
+                 OutputReceiver standardError)
     : handles_(std::make_unique<Handles>()) {
     if (command.empty()) {
         FailToStart("", "the command is empty");
@@ -334,7 +348,7 @@ Process::Process(const Arguments& command, const std::string& workingDirectory, 
     handles_->standardOutput.receiver = std::move(standardOutput);
     handles_->standardError.receiver = std::move(standardError);
     try {
-        handles_->Start(command, workingDirectory, environment);
+        handles_->Start(command, conditions);
     } catch (const std::system_error& error) {
         FailToStart(command.front(), error.code().message());
     }
