@@ -51,8 +51,9 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
     std::string standardOutput;
     std::string standardError;
     // Cppcheck looks for its libraries in the current directory first: in the unit's own, any file could be one.
-    Process process(CppcheckCommand(program, unit, textPath), std::string(DirectoryOf(unit.preprocessedPath)),
-                    OwnEnvironmentBlock(), MakeRedirectToStringProcessor(standardOutput),
+    const StartConditions conditions{std::string(DirectoryOf(unit.preprocessedPath)), OwnEnvironmentBlock(),
+                                     ProcessGroup::Inherited};
+    Process process(CppcheckCommand(program, unit, textPath), conditions, MakeRedirectToStringProcessor(standardOutput),
                     MakeRedirectToStringProcessor(standardError));
     const int exitCode = process.get_exit_status();
     CppcheckOutput output = ReadCppcheckOutput(standardError);
