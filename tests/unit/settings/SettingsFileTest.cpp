@@ -1,0 +1,151 @@
+#include "settings/SettingsFile.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "support/TestFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+namespace Orvanta {
+namespace {
+
+struct ReadCase {
+    std::string_view text;
+    SettingsMap settings;
+};
+
+TEST(SettingsFile, ReadsKeysAndValues) {
+    const ReadCase cases[] = {
+        {"",                                 {}                                              },
+        {"a=1\nb=2",                         {{"a", "1"}, {"b", "2"}}                        },
+        {" \ta \v= 1 2\f\r\n",               {{"a", "1 2"}}                                  },
+        {"\xEF\xBB\xBF"
+         "a=1\r\nb=2\r\n",          {{"a", "1"}, {"b", "2"}}                        },
+        {"  # a=1\n#b=2\nc=#3 # no comment", {{"c", "#3 # no comment"}}                      },
+        {"no equals sign\n\n   \na=b=c==",   {{"a", "b=c=="}}                                },
+        {"a=\n=1",                           {{"", "1"}, {"a", ""}}                          },
+        {"b=2\na=z\nb=1\na=y",               {{"a", "z"}, {"a", "y"}, {"b", "2"}, {"b", "1"}}},
+        {"analysis-mode = GA;OP;64",         {{"analysis-mode", "13"}}                       },
+    };
+    for (const ReadCase& row : cases) {
+        EXPECT_EQ(ParseSettings(row.text, "/base"), row.settings) << row.text;
+    }
+}
+
+struct PathCase {
+    std::string_view line;
+    std::string_view value;
+};
+
+TEST(SettingsFile, TakesRelativePathsFromItsFolder) {
+    const PathCase cases[] = {
+        {"exclude-path=lib",          "/base/lib"         },
+        {"rules-config=x/rules.json", "/base/x/rules.json"},
+        {"intermodular-file=a b.dfo", "/base/a b.dfo"     },
+        {"vcprojectdir=.",            "/base/."           },
+        {"exclude-path=/lib",         "/lib"              },
+        {"exclude-path=c:/lib",       "c:/lib"            },
+        {R"(exclude-path=Z:\lib)",    R"(Z:\lib)"         },
+        {"exclude-path=c:lib",        "/base/c:lib"       },
+        {"exclude-path=1:/lib",       "/base/1:/lib"      },
+        {"exclude-path=*/gen/*",      "*/gen/*"           },
+        {"exclude-path=lib?",         "lib?"              },
+        {"exclude-path=",             ""                  },
+        {"output-file=report.json",   "report.json"       }, // no path key
+    };
+    for (const PathCase& row : cases) {
+        const SettingsMap settings = ParseSettings(row.line, "/base");
+        ASSERT_EQ(settings.size(), 1U) << row.line;
+        EXPECT_EQ(settings.begin()->second, row.value) << row.line;
+    }
+}
+
+template <class Action>
+std::string ErrorOf(const Action& action) {
+    try {
+        action();
+    } catch (const ZelmException& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(SettingsFile, FaultsOfReadingNameTheFileOrTheValue) {
+    const TestFolder folder;
+    const std::string missing = folder / "missing.cfg";
+    EXPECT_EQ(ErrorOf([&] { static_cast<void>(ReadSettingsFile(missing)); }), "Can't open config file " + missing);
+    const std::string bad = folder.Write("bad.cfg", "analysis-mode=GA # general\n");
+    EXPECT_EQ(ErrorOf([&] { static_cast<void>(ReadSettingsFile(bad)); }),
+              "Wrong diagnostic group name: 'GA # general'");
+}
+
+TEST(SettingsFile, IsReadBackAsWritten) {
+    const TestFolder folder;
+    const SettingsMap settings = {
+        {"source-file",   "/p q/\"a\"=#\xC3\xA9.c"},
+        {"exclude-path",  "*/b/*"                 },
+        {"exclude-path",  "/a"                    },
+        {"analysis-mode", "4"                     },
+        {"std",           ""                      },
+    };
+    const SettingsFile file(settings, folder / "a.c", SettingsFile::Lifetime::Keep);
+    EXPECT_EQ(file.Path(), folder / "a.c.cfg");
+    EXPECT_EQ(folder.Read("a.c.cfg"), "analysis-mode=4\nexclude-path=*/b/*\nexclude-path=/a\n"
+                                      "source-file=/p q/\"a\"=#\xC3\xA9.c\nstd=\n");
+    EXPECT_EQ(ReadSettingsFile(file.Path()), settings);
+}
+
+struct UnwritableCase {
+    SettingsMap settings;
+    std::string_view error;
+};
+
+TEST(SettingsFile, RefusesWhatTheFormatCannotHold) {
+    const UnwritableCase cases[] = {
+        {{{"source-file", "/a\nb\r.c"}},
+         R"(The settings format can't hold the value of "source-file": it has a line break: "/a\nb\r.c")"                          },
+        {{{"source-file", "/a.c "}},
+         R"(The settings format can't hold the value of "source-file": it has white space at an end: "/a.c ")"                     },
+        {{{"i-file", "\t/a.i"}},
+         "The settings format can't hold the value of \"i-file\": it has white space at an end: \"\t/a.i\""                        },
+        {{{"a\nb", "1"}},                R"(The settings format can't hold the key of the value "1": it has a line break: "a\nb")" },
+        {{{"a=b", "1"}},                 R"(The settings format can't hold the key of the value "1": it has an equals sign: "a=b")"},
+        {{{"#a", "1"}},
+         R"(The settings format can't hold the key of the value "1": it has a comment sign at its start: "#a")"                    },
+    };
+    const TestFolder folder;
+    folder.Write("unit.cfg", "earlier");
+    for (const UnwritableCase& row : cases) {
+        EXPECT_EQ(ErrorOf([&] { SettingsFile(row.settings, folder / "unit", SettingsFile::Lifetime::Remove); }),
+                  row.error);
+    }
+    EXPECT_EQ(folder.Read("unit.cfg"), "earlier");
+    const std::string base = folder / "missing/unit";
+    EXPECT_EQ(ErrorOf([&] { SettingsFile({}, base, SettingsFile::Lifetime::Keep); }),
+              "Can't create config file " + base + ".cfg");
+}
+
+TEST(SettingsFile, IsRemovedOnceByItsLastOwner) {
+    const TestFolder folder;
+    const auto make = [&](const char* name, SettingsFile::Lifetime lifetime) {
+        return SettingsFile({}, folder / name, lifetime);
+    };
+    {
+        const SettingsFile kept = make("kept", SettingsFile::Lifetime::Keep);
+        SettingsFile first = make("first", SettingsFile::Lifetime::Remove);
+        SettingsFile second = make("second", SettingsFile::Lifetime::Remove);
+        first = std::move(second);
+        EXPECT_FALSE(PathExists(folder / "first.cfg"));
+        EXPECT_TRUE(PathExists(folder / "second.cfg"));
+        const SettingsFile third(std::move(first));
+        EXPECT_TRUE(PathExists(third.Path()));
+    }
+    EXPECT_FALSE(PathExists(folder / "second.cfg"));
+    EXPECT_TRUE(PathExists(folder / "kept.cfg"));
+}
+
+} // namespace
+} // namespace Orvanta
