@@ -1,0 +1,59 @@
+#include "platform/LockFile.h"
+
+#include "support/TestFolder.h"
+#include "unit/platform/ChildProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <utility>
+
+namespace Orvanta {
+namespace {
+
+using State = LockFile::State;
+
+TEST(Lock, IsHeldByOneAtATimeAndItsFileStays) {
+    const TestFolder folder;
+    LockFile first;
+    LockFile second;
+    EXPECT_EQ(first.CurrentState(), State::None);
+    EXPECT_EQ(first.Take(folder.Path(), "report"), State::Held);
+    EXPECT_EQ(second.Take(folder.Path(), "report"), State::HeldByOther);
+    EXPECT_EQ(second.Take(folder.Path(), "other"), State::Held);
+    EXPECT_EQ(first.Take(folder.Path(), "third"), State::Held) << "a new key gives the old one up";
+    EXPECT_EQ(second.Take(folder.Path(), "report"), State::Held);
+
+    LockFile moved = std::move(second);
+    EXPECT_EQ(second.CurrentState(), State::None); // NOLINT: what a moved lock says is under test
+    EXPECT_EQ(first.Take(folder.Path(), "report"), State::HeldByOther);
+    moved = LockFile();
+    EXPECT_EQ(first.Take(folder.Path(), "report"), State::Held);
+    EXPECT_TRUE(std::filesystem::exists(folder / LockFile::FileName("other")));
+}
+
+TEST(Lock, ThatCannotBeMadeIsUnavailable) {
+    const TestFolder folder;
+    LockFile lock;
+    EXPECT_EQ(lock.Take(folder / "none", "key"), State::Unavailable);
+    folder.MakeFolder(LockFile::FileName("key"));
+    EXPECT_EQ(lock.Take(folder.Path(), "key"), State::Unavailable);
+}
+
+TEST(Lock, IsNamedByAHashOfItsKey) {
+    EXPECT_EQ(LockFile::FileName(""), ".orvlock-14695981039346656037");
+    EXPECT_EQ(LockFile::FileName("a"), ".orvlock-12638187200555641996");
+}
+
+TEST(Lock, DiesWithItsHolder) {
+    const TestFolder folder;
+    ChildProgram holder({"hold-lock", folder.Path(), "key"});
+    ASSERT_EQ(holder.FirstLine(), "held");
+    LockFile lock;
+    EXPECT_EQ(lock.Take(folder.Path(), "key"), State::HeldByOther);
+    holder.Kill();
+    EXPECT_EQ(lock.Take(folder.Path(), "key"), State::Held);
+}
+
+} // namespace
+} // namespace Orvanta

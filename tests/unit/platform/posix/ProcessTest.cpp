@@ -1,0 +1,303 @@
+#include "platform/Process.h"
+
+#include "platform/Files.h"
+#include "support/TestFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace Orvanta {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds LongTime{60'000}; // no correct run comes near it
+
+// A shell script as a child, with its outputs.
+struct Script {
+    explicit Script(const std::string& text, const std::string& directory = {})
+        : process({"/bin/sh", "-c", text}, directory, OwnEnvironmentBlock(),
+                  MakeRedirectToStringProcessor(standardOutput), MakeRedirectToStringProcessor(standardError)) {}
+
+    // Receives the child's first line, a process id.
+    pid_t ReadPid() {
+        while (standardOutput.find('\n') == std::string::npos && !process.WaitForChange(LongTime)) {
+        }
+        return std::stoi(standardOutput);
+    }
+
+    std::string standardOutput;
+    std::string standardError;
+    Process process;
+};
+
+std::ptrdiff_t OpenDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
+}
+
+// Waits for the end of a process that need not be our child.
+bool Ends(pid_t pid) {
+    const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
+    if (descriptor < 0) {
+        return true;
+    }
+    pollfd end = {.fd = descriptor, .events = POLLIN, .revents = 0};
+    const bool hasEnded = ::poll(&end, 1, static_cast<int>(LongTime.count())) == 1;
+    ::close(descriptor);
+    return hasEnded;
+}
+
+TEST(Child, GivesBothOutputsWholeHoweverLong) {
+    Script script("head -c 300000 /dev/zero | tr '\\0' e >&2; head -c 300000 /dev/zero | tr '\\0' o; printf end");
+    EXPECT_EQ(script.process.get_exit_status(), 0);
+    EXPECT_EQ(script.standardOutput, std::string(300'000, 'o') + "end");
+    EXPECT_EQ(script.standardError, std::string(300'000, 'e'));
+}
+
+struct ExitCase {
+    std::string script;
+    int code;
+};
+
+const ExitCase ExitCases[] = {
+    {"exit 0",        0  },
+    {"exit 255",      255},
+    {"kill -KILL $$", 137},
+    {"kill -SEGV $$", 139},
+    {"kill -PIPE $$", 141}, // we ignore it
+    {"kill -TERM $$", 143}, // we block it
+};
+
+TEST(Child, EndsWithItsCodeOrItsSignalAndStartsWithFreshSignals) {
+    const auto handler = std::signal(SIGPIPE, SIG_IGN);
+    sigset_t terminate;
+    sigset_t before;
+    ::sigemptyset(&terminate);
+    ::sigaddset(&terminate, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &terminate, &before);
+    for (const ExitCase& row : ExitCases) {
+        Script script(row.script);
+        EXPECT_EQ(script.process.get_exit_status(), row.code) << row.script;
+        int again = -1;
+        EXPECT_TRUE(script.process.try_get_exit_status(again));
+        EXPECT_EQ(again, row.code) << "a code once taken stays";
+    }
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    std::signal(SIGPIPE, handler);
+}
+
+TEST(Child, SeesOnlyItsEnvironmentItsFolderAndAnEmptyInput) {
+    const TestFolder folder;
+    const std::string directory = folder.MakeFolder("a b");
+    std::string output;
+    Process variables(
+        {
+            "/usr/bin/env"
+    },
+        "", EnvironmentBlock({{"B", ""}, {"A", "x=y z"}}), MakeRedirectToStringProcessor(output), nullptr);
+    EXPECT_EQ(variables.get_exit_status(), 0);
+    EXPECT_EQ(output, "A=x=y z\nB=\n");
+
+    Script script("cat; pwd", directory);
+    EXPECT_EQ(script.process.get_exit_status(), 0);
+    EXPECT_EQ(script.standardOutput, directory + "\n") << "standard input is empty";
+}
+
+TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironment) {
+    const TestFolder folder;
+    const std::string program = folder.Write("bin/tool", "#!/bin/sh\necho found\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    for (const std::string& path : {folder / "bin", std::string("bin")}) {
+        std::string output;
+        Process process(
+            {
+                "tool"
+        },
+            folder.Path(), EnvironmentBlock({{"PATH", "/nowhere:" + path}}), MakeRedirectToStringProcessor(output),
+            nullptr);
+        EXPECT_EQ(process.get_exit_status(), 0);
+        EXPECT_EQ(output, "found\n") << path;
+    }
+}
+
+std::string StartError(const Arguments& command, const std::string& directory) {
+    try {
+        const Process process(command, directory, OwnEnvironmentBlock(), nullptr, nullptr);
+        return "it started";
+    } catch (const ProcessStartException& error) {
+        return error.what();
+    }
+}
+
+TEST(ChildThatCannotStart, SaysWhatWasMissing) {
+    const TestFolder folder;
+    const std::string text = folder.Write("text", "no program\n");
+    const std::string broken = folder.Write("broken", "no program\n");
+    std::filesystem::permissions(broken, std::filesystem::perms::owner_all);
+    const std::ptrdiff_t before = OpenDescriptors();
+    EXPECT_EQ(StartError({"/nowhere/cc"}, ""), "Couldn't start \"/nowhere/cc\": No such file or directory");
+    EXPECT_EQ(StartError({"no-such-program"}, folder.Path()),
+              "Couldn't start \"no-such-program\": No such file or directory");
+    EXPECT_EQ(StartError({text}, ""), "Couldn't start \"" + text + "\": Permission denied");
+    EXPECT_EQ(StartError({broken}, ""), "Couldn't start \"" + broken + "\": Exec format error");
+    EXPECT_EQ(StartError({"/bin/true"}, "/nowhere/x"),
+              "Couldn't start \"/bin/true\" in \"/nowhere/x\": No such file or directory");
+    EXPECT_EQ(StartError({"/bin/true"}, text), "Couldn't start \"/bin/true\" in \"" + text + "\": Not a directory");
+    EXPECT_EQ(StartError({"/bin/true", std::string("a\0b", 3)}, ""),
+              "Couldn't start \"/bin/true\": an argument holds a zero byte");
+    EXPECT_EQ(StartError({}, ""), "Couldn't start \"\": the command is empty");
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(ChildThatCannotStart, LeavesNoDescriptorWhenTheyRunOut) {
+    EXPECT_EQ(Script("exit 3").process.get_exit_status(), 3);
+    const std::ptrdiff_t before = OpenDescriptors();
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+    const int lowestFree = ::dup(STDIN_FILENO);
+    ::close(lowestFree);
+    std::vector<std::string> errors;
+    for (rlim_t room = 0; room < 4; ++room) {
+        const rlimit tight = {.rlim_cur = static_cast<rlim_t>(lowestFree) + room, .rlim_max = limit.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &tight);
+        errors.push_back(StartError({"/bin/true"}, ""));
+    }
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_THAT(errors, testing::Each("Couldn't start \"/bin/true\": Too many open files"));
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(Wait, SeesTheEndThoughAGrandchildHoldsTheOutputs) {
+    Script script("sleep 1000 & echo $!; printf late >&2");
+    const WaitResult result = WaitWithTimeout(script.process, LongTime, PollInterval, StopFlag());
+    const pid_t grandchild = script.ReadPid();
+    EXPECT_TRUE(result.finished);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(script.standardError, "late");
+    EXPECT_EQ(::kill(grandchild, SIGKILL), 0) << "a child that ended by itself leaves others alone";
+}
+
+TEST(Wait, WithATimeOutOfZeroIsOneLook) {
+    Script running("sleep 1000");
+    const WaitResult look = WaitWithTimeout(running.process, milliseconds(0), PollInterval, StopFlag());
+    EXPECT_FALSE(look.finished);
+    EXPECT_EQ(look.exitCode, 1);
+    EXPECT_FALSE(running.process.WaitForChange(milliseconds(0))) << "the wait doesn't kill";
+
+    Script ended("exit 5");
+    EXPECT_EQ(ended.process.get_exit_status(), 5);
+    const WaitResult known = WaitWithTimeout(ended.process, milliseconds(0), PollInterval, StopFlag());
+    EXPECT_TRUE(known.finished);
+    EXPECT_EQ(known.exitCode, 5);
+}
+
+TEST(Wait, EndsWithAStopRequest) {
+    Script script("sleep 1000");
+    StopFlag stop;
+    std::thread user([&] { stop.Set(); });
+    const WaitResult limited = WaitWithTimeout(script.process, LongTime, PollInterval, stop);
+    const WaitResult unlimited = WaitUntilEndOrStop(script.process, stop);
+    user.join();
+    for (const WaitResult& result : {limited, unlimited}) {
+        EXPECT_FALSE(result.finished);
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(JudgeEnd({"sleep"}, result, script.process, {}), ProcessOutcome::Stopped);
+    }
+    EXPECT_FALSE(script.process.HasEnded());
+}
+
+TEST(TimeOut, KillsTheWholeTree) {
+    Script script("sleep 1000 & echo $!; wait");
+    const pid_t grandchild = script.ReadPid();
+    const WaitResult result = WaitWithTimeout(script.process, milliseconds(20), milliseconds(5), StopFlag());
+    EXPECT_FALSE(result.finished);
+    EXPECT_EQ(result.exitCode, 1);
+    try {
+        static_cast<void>(JudgeEnd({"core", "--cfg"}, result, script.process, {}));
+        FAIL() << "a time-out is a failure";
+    } catch (const ProcessInterruptedException& error) {
+        EXPECT_STREQ(error.what(), "Command \"core --cfg\" was interrupted.");
+    }
+    EXPECT_EQ(script.process.get_exit_status(), 128 + SIGKILL);
+    EXPECT_TRUE(Ends(grandchild));
+}
+
+TEST(JudgedEnd, OfAFailedChildShowsBothOutputs) {
+    Script script("echo out; echo err >&2; exit 2");
+    const WaitResult result = WaitUntilEndOrStop(script.process, StopFlag());
+    try {
+        static_cast<void>(JudgeEnd({"cc"}, result, script.process, {script.standardOutput, script.standardError}));
+        FAIL() << "a code other than 0 is a failure";
+    } catch (const ProcessReturnCodeException& error) {
+        EXPECT_STREQ(error.what(), "Command \"cc\" returned code 2.\nStdout:\nout\n\nStderr:\nerr\n");
+    }
+}
+
+TEST(Kill, EndsTheTreeWhenTheObjectGoes) {
+    pid_t grandchild = 0;
+    {
+        Script script("sleep 1000 & echo $!; wait");
+        grandchild = script.ReadPid();
+    }
+    EXPECT_TRUE(Ends(grandchild));
+}
+
+TEST(Kill, WithoutForceLetsTheChildSayGoodbyeAndLeavesNothingOfItsTree) {
+    // The grandchild is ready, and deaf, when it tells its id.
+    Script script("trap 'echo bye; exit 9' TERM; sh -c 'trap \"\" TERM; echo $$; sleep 1000 & wait; wait' & wait");
+    const pid_t grandchild = script.ReadPid();
+    script.process.kill();
+    EXPECT_EQ(script.process.get_exit_status(), 9);
+    EXPECT_THAT(script.standardOutput, testing::EndsWith("\nbye\n"));
+    EXPECT_TRUE(Ends(grandchild));
+}
+
+TEST(Children, OfManyThreadsDoNotMixAndLeaveNoDescriptors) {
+    constexpr std::size_t Threads = 8;
+    constexpr int ChildrenOfEach = 25;
+    EXPECT_EQ(Script("exit 0").process.get_exit_status(), 0);
+    const std::ptrdiff_t before = OpenDescriptors();
+    std::vector<std::string> outputs(Threads);
+    std::vector<std::string> expected(Threads);
+    std::vector<std::thread> threads;
+    for (std::size_t thread = 0; thread < Threads; ++thread) {
+        for (int child = 0; child < ChildrenOfEach; ++child) {
+            expected[thread] += std::to_string(thread) + "." + std::to_string(child) + "\n";
+        }
+        threads.emplace_back([thread, &output = outputs[thread]] {
+            const StopFlag stop;
+            for (int child = 0; child < ChildrenOfEach; ++child) {
+                Script script("echo " + std::to_string(thread) + "." + std::to_string(child));
+                if (WaitUntilEndOrStop(script.process, stop).finished) {
+                    output += script.standardOutput;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(outputs, expected);
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(RunAndReadOf, AShellCommandIsItsStandardOutput) {
+    EXPECT_EQ(RunAndRead("printf 'a\\000b\\nc'; exit 3"), std::string("a\0b\nc", 5));
+    EXPECT_EQ(RunAndRead("exit 1"), "");
+}
+
+} // namespace
+} // namespace Orvanta
