@@ -1,0 +1,223 @@
+#include "buildinput/InvocationCollector.h"
+
+#include "Collecting.h"
+#include "platform/Paths.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Orvanta {
+
+namespace {
+
+using Words = std::vector<std::string>;
+using testing::HasSubstr;
+
+/// A folder with compilers that are known by their names, and one that can't be started.
+class InvocationCollectorTest : public testing::Test {
+protected:
+    InvocationCollectorTest() {
+        for (const char* name : {"clang", "clang++", "qcc", "ccache"}) {
+            (void)MakeProgram(folder_, name);
+        }
+        (void)MakeProgram(folder_, "broken", "neither a script nor a program");
+    }
+
+    [[nodiscard]] std::string Program(std::string_view name) const { return folder_ / name; }
+
+    void Add(Words arguments, const std::string& directory = "/", const Environment& environment = {}) {
+        collecting_.collector.AddInvocation(std::move(arguments), directory, environment);
+    }
+
+    TestFolder folder_;
+    Collecting collecting_;
+};
+
+struct ExpectedFate {
+    Words arguments; ///< "%" stands for the folder
+    InvocationFate fate;
+    std::string what;
+    std::string reasonHolds;
+};
+
+TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
+    (void)folder_.Write("bad.rsp", "-c 'a.c");
+    (void)folder_.Write("zero.rsp", std::string("-DA=\0b", 6));
+    const ExpectedFate rows[] = {
+        {{},                                         InvocationFate::Unreadable, "",                                                "the command string can't be split"       },
+        {{"", "-c", "a.c"},                          InvocationFate::Unreadable, "a.c",                                             "the command names no compiler"           },
+        {{"%/clang", "-c", std::string("a\0.c", 4)}, InvocationFate::Unreadable, std::string("a\0.c",                               4),                                         "zero byte"},
+        {{"%/clang", "-c", "a.c", "@zero.rsp"},                                          InvocationFate::Unreadable,                                "a.c",              "zero byte"                   },
+        {{"%/clang", "@bad.rsp", "-o", "a.o"},
+         InvocationFate::Unreadable,
+         "a.o",                                                                                                "Unmatched quote in response file \"bad.rsp\": 'a.c"                                                                                                                                                                },
+        {{"%/none", "-c", "a.c"},                                          InvocationFate::CompilerMissing,                                              "a.c",                       "%/none"},
+        {{"%/broken", "-c", "a.c"},                                          InvocationFate::UnknownCompiler,                                            "a.c",                     "%/broken"                                                                                                                                                                },
+        {{"%/qcc", "-c", "a.c"},                                          InvocationFate::UnknownCompiler,                                               "a.c",                        "not supported yet: QCC"},
+        {{"%/ccache", "%/clang", "-c", "a.c", "-oa.o"},                                          InvocationFate::SkippedLauncher,                        "a.o", "--ignore-ccache"                                                                                                                                                                },
+        {{"%/clang", "a.o", "-o", "program"},                                          InvocationFate::NotACompilation,                                  "program",           ""},
+        {{"%/clang", "--version"},                                          InvocationFate::NotACompilation,                                             "%/clang --version",                      ""                                                                                                                                                      },
+    };
+    const auto inFolder = [this](std::string text) {
+        return text.starts_with('%') ? folder_.Path() + text.substr(1) : text;
+    };
+    for (const ExpectedFate& row : rows) {
+        Words arguments;
+        for (const std::string& argument : row.arguments) {
+            arguments.push_back(inFolder(argument));
+        }
+        Add(arguments, folder_.Path());
+    }
+    Add({Program("clang"), "-c", "a.c"}, std::string("/\0a", 3));
+    Add(
+        {
+            Program("clang"), "-c", "a.c"
+    },
+        "/", {{"A", std::string("\0", 1)}});
+    const CollectedCommands collected = collecting_.collector.Take();
+
+    EXPECT_TRUE(collected.units.empty());
+    EXPECT_EQ(collected.invocations, std::size(rows) + 2);
+    ASSERT_EQ(collected.skipped.size(), collected.invocations);
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_EQ(collected.skipped[i].invocation, i + 1);
+        EXPECT_EQ(collected.skipped[i].fate, rows[i].fate) << i << ": " << collected.skipped[i].reason;
+        EXPECT_EQ(collected.skipped[i].what, inFolder(rows[i].what));
+        EXPECT_FALSE(collected.skipped[i].reason.empty());
+        EXPECT_THAT(collected.skipped[i].reason, HasSubstr(inFolder(rows[i].reasonHolds)));
+    }
+    EXPECT_EQ(collected.skipped[std::size(rows)].fate, InvocationFate::Unreadable);
+    EXPECT_EQ(collected.skipped[std::size(rows) + 1].fate, InvocationFate::Unreadable);
+}
+
+TEST_F(InvocationCollectorTest, CutsALongCommandOnlyBetweenCharacters) {
+    std::string version = "--version";
+    for (int i = 0; i < 100; ++i) {
+        version += "\xC3\xA4";
+    }
+    Add({Program("clang"), version});
+    Add({Program("clang"), version.insert(0, "-")});
+    for (const SkippedInvocation& skipped : collecting_.collector.Take().skipped) {
+        EXPECT_LE(skipped.what.size(), 123U);
+        EXPECT_TRUE(skipped.what.ends_with("\xC3\xA4...")) << skipped.what;
+    }
+}
+
+TEST_F(InvocationCollectorTest, MakesOneUnitForEachSource) {
+    Add({Program("clang"), "-c", "a.c", "-O2", "b.cpp"});
+    Add({Program("clang"), "-c", "c.c"});
+    const CollectedCommands collected = collecting_.collector.Take();
+
+    ASSERT_EQ(collected.units.size(), 3U);
+    EXPECT_EQ(collected.units[0].SourceFile(), "a.c");
+    EXPECT_EQ(collected.units[1].SourceFile(), "b.cpp");
+    EXPECT_EQ(collected.units[1].invocation, 1U);
+    EXPECT_EQ(collected.units[2].invocation, 2U);
+    EXPECT_EQ(collected.units[1].arguments.ToVector(), (Words{Program("clang"), "-c", "a.c", "-O2", "b.cpp"}));
+    EXPECT_EQ(collected.units[2].compiler->type, CompilerType::Clang);
+    EXPECT_EQ(collected.units[0].compiler, collected.units[2].compiler);
+}
+
+TEST_F(InvocationCollectorTest, ExpandsResponseFilesInTheInvocationsDirectory) {
+    (void)folder_.Write("sub/flags.rsp", "-c \"a b.c\"");
+    collecting_.collector.SetBaseDirectory(folder_.Path());
+    Add({Program("clang"), "@flags.rsp", "-Da@b"}, "sub");
+    const CollectedCommands collected = collecting_.collector.Take();
+
+    ASSERT_EQ(collected.units.size(), 1U);
+    EXPECT_EQ(collected.units[0].arguments.ToVector(), (Words{Program("clang"), "-c", "a b.c", "-Da@b"}));
+    EXPECT_EQ(collected.units[0].SourceFile(), "a b.c");
+}
+
+TEST_F(InvocationCollectorTest, UnwrapsALauncherWhenAskedTo) {
+    collecting_.settings.ignoreCcache = true;
+    Add({Program("ccache"), Program("clang"), "-c", "a.c"});
+    const CollectedCommands collected = collecting_.collector.Take();
+
+    ASSERT_EQ(collected.units.size(), 1U);
+    EXPECT_TRUE(collected.units[0].wrapped);
+    EXPECT_EQ(collected.units[0].arguments.ToVector(), (Words{Program("clang"), "-c", "a.c"}));
+}
+
+struct FilterCase {
+    const char* filter;
+    const char* program;
+    bool passes;
+};
+
+TEST_F(InvocationCollectorTest, LeavesOutOtherCompilersThanThoseAskedFor) {
+    const FilterCase rows[] = {
+        {"clang",     "clang",   true },
+        {"CLANG.exe", "clang",   true },
+        {"clang",     "clang++", false},
+        {"clang++",   "clang",   false},
+        {"lang",      "clang",   false},
+        {"ccache",    "clang",   false},
+    };
+    for (const FilterCase& row : rows) {
+        Collecting collecting;
+        collecting.settings.compilerFilter = {"other", row.filter};
+        collecting.settings.ignoreCcache = true;
+        collecting.collector.AddInvocation({Program(row.program), "-c", "a.c"}, "/", {});
+        collecting.collector.AddInvocation({Program("ccache"), Program(row.program), "-c", "a.c"}, "/", {});
+        const CollectedCommands collected = collecting.collector.Take();
+        const bool launcherPasses = row.passes || std::string_view(row.filter) == "ccache";
+        EXPECT_EQ(collected.units.size(), (row.passes ? 1U : 0U) + (launcherPasses ? 1U : 0U)) << row.filter;
+        for (const SkippedInvocation& skipped : collected.skipped) {
+            EXPECT_EQ(skipped.fate, InvocationFate::OtherCompiler);
+            EXPECT_THAT(skipped.reason, HasSubstr(skipped.invocation == 1 ? row.program : "ccache"));
+        }
+    }
+}
+
+TEST_F(InvocationCollectorTest, TakesRelativeDirectoriesFromTheBaseAndKeepsThemAsWritten) {
+    const Words command = {Program("clang"), "-c", "a.c"};
+    Add(command, "x");
+    collecting_.collector.SetBaseDirectory("/base/of it");
+    for (const char* directory : {"x", "", "./x/../y", "/abs/../z/", "x"}) {
+        Add(command, directory);
+    }
+    const std::vector<CompileCommand> units = collecting_.collector.Take().units;
+
+    ASSERT_EQ(units.size(), 6U);
+    const Words expected = {NormalizePath(JoinPath(CurrentDirectory(), "x")),
+                            NormalizePath("/base/of it/x"),
+                            NormalizePath("/base/of it"),
+                            NormalizePath("/base/of it/y"),
+                            NormalizePath("/z"),
+                            NormalizePath("/base/of it/x")};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(*units[i].absoluteDirectory, expected[i]);
+    }
+    EXPECT_EQ(*units[3].workingDirectory, "./x/../y");
+}
+
+TEST_F(InvocationCollectorTest, HoldsWhatManyUnitsShareOnce) {
+    const Words command = {Program("clang"), "-c", "a.c"};
+    Add(command, "/a",
+        {
+            {"A", "1"}
+    });
+    Add(command, "/b", {});
+    Add(command, "/a",
+        {
+            {"A", "1"}
+    });
+    Add(command, "/b", {});
+    const std::vector<CompileCommand> units = collecting_.collector.Take().units;
+
+    ASSERT_EQ(units.size(), 4U);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(units[i].workingDirectory, units[i + 2].workingDirectory);
+        EXPECT_EQ(units[i].absoluteDirectory, units[i + 2].absoluteDirectory);
+        EXPECT_EQ(units[i].environment, units[i + 2].environment);
+    }
+    EXPECT_EQ(*units[0].environment, (Environment{
+                                         {"A", "1"}
+    }));
+    EXPECT_TRUE(units[1].environment->empty());
+}
+
+} // namespace
+
+} // namespace Orvanta
