@@ -20,6 +20,13 @@ bool IsDirectoryNote(std::string_view quotedName) {
     return quotedName.ends_with("//");
 }
 
+// A path of Windows stays one on every system.
+std::string AbsolutePathOf(const std::string& name, std::string_view currentDirectory) {
+    const bool isWindowsPath = IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
+    const PathRules rules = isWindowsPath ? PathRules::Windows : HostPathRules();
+    return NormalizePath(JoinPath(currentDirectory, name, rules), rules);
+}
+
 } // namespace
 
 MarkedText::MarkedText(std::string_view text, const std::string& sourcePath, std::string currentDirectory)
@@ -65,7 +72,7 @@ std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
     }
     std::optional<std::size_t> index;
     if (!IsPseudoFile(marker.quotedName)) {
-        const std::string path = NormalizePath(JoinPath(currentDirectory_, UnquotedName(marker.quotedName)));
+        const std::string path = AbsolutePathOf(UnquotedName(marker.quotedName), currentDirectory_);
         const auto [entry, isNew] = indexByPath_.emplace(path, files_.size());
         if (isNew) {
             // Flag 3 alone is no sign of a system header: gcc sets it inside a user's file, where the text comes from

@@ -1,0 +1,45 @@
+#include "cppcheck/CppcheckCommand.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Orvanta {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::Not;
+using testing::StartsWith;
+
+UnitSettings UnitOf(std::string platform, std::string preprocessor) {
+    UnitSettings unit;
+    unit.platform = std::move(platform);
+    unit.preprocessor = std::move(preprocessor);
+    return unit;
+}
+
+TEST(CppcheckCommand, PlatformFollowsTheUnit) {
+    EXPECT_EQ(CppcheckPlatform(UnitOf("linux64", "gcc")), "unix64");
+    EXPECT_EQ(CppcheckPlatform(UnitOf("linux32", "clang")), "unix32");
+    EXPECT_EQ(CppcheckPlatform(UnitOf("x64", "visualcpp")), "win64");
+    EXPECT_EQ(CppcheckPlatform(UnitOf("Win32", "visualcpp")), "win32W");
+    EXPECT_EQ(CppcheckPlatform(UnitOf("brain16", "gcc")), "unspecified");
+    UnitSettings arm = UnitOf("arm", "gcc");
+    arm.isPlainCharUnsigned = true;
+    EXPECT_EQ(CppcheckPlatform(arm), "unix32-unsigned");
+}
+
+TEST(CppcheckCommand, UnknownStandardIsLeftToCppcheck) {
+    UnitSettings unit = UnitOf("linux64", "gcc");
+    unit.language = UnitLanguage::C;
+    unit.standard = "c17";
+    EXPECT_THAT(CppcheckCommand("cppcheck", unit, "/t/u.i.cut.c"),
+                AllOf(Contains("--language=c"), Contains("--std=c11"), Contains("/t/u.i.cut.c")));
+    for (const char* standard : {"", "c2y"}) {
+        unit.standard = standard;
+        EXPECT_THAT(CppcheckCommand("cppcheck", unit, "/t/u.i.cut.c"), Not(Contains(StartsWith("--std"))));
+    }
+}
+
+} // namespace
+} // namespace Orvanta

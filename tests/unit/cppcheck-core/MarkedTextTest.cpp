@@ -1,0 +1,34 @@
+#include "cppcheck/MarkedText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Orvanta {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(ListDependencies, NamesEachFileOnceInOrderOfAppearance) {
+    const char* const text = "# 0 \"src/../u.cpp\"\n"
+                             "# 0 \"<built-in>\"\n"
+                             "# 0 \"<command-line>\"\n"
+                             "# 1 \"/work dir//\"\n"
+                             "# 1 \"/usr/include/stdc-predef.h\" 1 3 4\n"
+                             "# 0 \"<command-line>\" 2\n"
+                             "# 1 \"u.cpp\"\n"
+                             "# 1 \"/usr/bin/../include/b.h\" 1 3\n"
+                             "int b;\n"
+                             "# 2 \"u.cpp\" 2\n"
+                             "# 1 \"./a.h\" 1\n"
+                             "# 3 \"u.cpp\" 2\n"
+                             "# 1 \"/usr/include/b.h\" 1 3\n";
+    EXPECT_THAT(ListDependencies(text, "/p/u.cpp", "/p"),
+                ElementsAre("/p/u.cpp", "/usr/include/stdc-predef.h", "/usr/include/b.h", "/p/a.h"));
+}
+
+TEST(ListDependencies, WithoutMarkersThereAreNone) {
+    EXPECT_THAT(ListDependencies("int a;\n", "/p/u.cpp", "/p"), ElementsAre());
+}
+
+} // namespace
+} // namespace Orvanta

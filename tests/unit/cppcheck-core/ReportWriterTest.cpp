@@ -1,0 +1,94 @@
+#include "cppcheck/ReportWriter.h"
+
+#include "platform/Exceptions.h"
+#include "support/TestFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Orvanta {
+namespace {
+
+using testing::ElementsAre;
+
+const MarkedFile Files[] = {
+    {"/p/u.cpp",     false, true},
+    {"/p/a.h",       false, true},
+    {"/opt/x/sys.h", true,  true},
+};
+
+CppcheckFinding Finding(CppcheckLocation location, std::string severity, std::string id) {
+    return {std::move(location), std::move(severity), std::move(id), 7, "text", {}};
+}
+
+std::vector<std::string> Summaries(std::span<const CppcheckFinding> findings) {
+    std::vector<std::string> summaries;
+    for (const OrvlogConverter::ReportMessage& message : MakeReportMessages(findings, Files)) {
+        summaries.push_back(message.positions.front().file + ":" + std::to_string(message.positions.front().line) +
+                            " " + std::to_string(message.level) + " " + message.message);
+    }
+    return summaries;
+}
+
+TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
+    const std::vector<CppcheckFinding> findings = {
+        Finding({"f0.cpp", 10}, "style", "b"),
+        Finding({"f0.cpp", 9}, "warning", "c"),
+        Finding({"f0.cpp", 10}, "performance", "a"),
+        Finding({"f1.h", 70}, "error", "d"),
+        Finding({"f1.h", 70}, "error", "d"),
+        Finding({"f2.h", 1}, "error", "inSystemHeader"),
+        Finding({"f0.cpp", 1}, "information", "aboutCppcheck"),
+        Finding({"nofile", 0}, "portability", "e"),
+    };
+    EXPECT_THAT(Summaries(findings),
+                ElementsAre("/p/a.h:70 1 [d] text", "/p/u.cpp:1 3 [e] text", "/p/u.cpp:9 2 [c] text",
+                            "/p/u.cpp:10 3 [a] text", "/p/u.cpp:10 3 [b] text"));
+}
+
+TEST(ReportMessages, CarryThePathAndTheSourceLines) {
+    const TestFolder folder;
+    const std::string path = folder.Write("u.c", "one\r\ntwo\r\nthree");
+    const MarkedFile files[] = {
+        {path, false, true}
+    };
+    CppcheckFinding finding = Finding({"f0.c", 3}, "error", "nullPointer");
+    finding.path = {
+        {"f0.c", 1},
+        {"f0.c", 3},
+        {"f0.c", 1}
+    };
+    const auto messages = MakeReportMessages({&finding, 1}, files);
+
+    OrvlogConverter::ReportMessage expected;
+    expected.code = "External";
+    expected.message = "[nullPointer] text";
+    expected.cwe = 7;
+    expected.level = 1;
+    expected.positions.resize(2);
+    expected.positions[0].file = path;
+    expected.positions[0].line = 3;
+    expected.positions[0].prevLine = "two";
+    expected.positions[0].currLine = "three";
+    expected.positions[1].file = path;
+    expected.positions[1].line = 1;
+    expected.positions[1].currLine = "one";
+    expected.positions[1].nextLine = "two";
+    EXPECT_THAT(messages, ElementsAre(expected));
+}
+
+TEST(ReportMessages, AUnitThatCppcheckCantReadIsNoCleanOne) {
+    CppcheckFinding finding = Finding({"f1.h", 4}, "error", "syntaxError");
+    finding.message = "Unmatched '{'. Configuration: '__null=NULL'.";
+    try {
+        ThrowIfNotAnalyzed({&finding, 1}, Files);
+        FAIL() << "nothing was thrown";
+    } catch (const ZelmException& error) {
+        EXPECT_STREQ(error.what(), "Cppcheck can't read this unit: /p/a.h, line 4: [syntaxError] Unmatched '{'.");
+    }
+    finding.id = "nullPointer";
+    EXPECT_NO_THROW(ThrowIfNotAnalyzed({&finding, 1}, Files));
+}
+
+} // namespace
+} // namespace Orvanta

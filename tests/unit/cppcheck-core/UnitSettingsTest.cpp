@@ -1,0 +1,59 @@
+#include "cppcheck/UnitSettings.h"
+
+#include "platform/Exceptions.h"
+
+#include <gtest/gtest.h>
+
+namespace Orvanta {
+namespace {
+
+SettingsMap CompleteSettings() {
+    return {
+        {"i-file",      "t/u.i"        },
+        {"source-file", "../src/u.c"   },
+        {"language",    "C"            },
+        {"output-file", "/t/u.findings"},
+        {"std",         ""             },
+        {"platform",    "linux64"      },
+    };
+}
+
+TEST(UnitSettings, PathsAreTakenFromTheCurrentDirectory) {
+    const UnitSettings unit = ReadUnitSettings(CompleteSettings(), "/t/u.cfg", "/p/build");
+    EXPECT_EQ(unit.preprocessedPath, "/p/build/t/u.i");
+    EXPECT_EQ(unit.sourcePath, "/p/src/u.c");
+    EXPECT_EQ(unit.outputPath, "/t/u.findings");
+    EXPECT_EQ(unit.outputFormat, OrvlogConverter::LineFormat::Json);
+}
+
+TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
+    struct {
+        const char* key;
+        const char* value; // null: the key is left out
+        const char* message;
+    } const cases[] = {
+        {"i-file",            nullptr,     "u.cfg: the key \"i-file\" is missing or empty"                       },
+        {"source-file",       "",          "u.cfg: the key \"source-file\" is missing or empty"                  },
+        {"language",          "c",         R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"           },
+        {"new-output-format", "on",        R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
+        {"intermodular",      "first-run",
+         R"(u.cfg: "intermodular" is "first-run", but this core has no intermodular stages)"                     },
+    };
+
+    for (const auto& row : cases) {
+        SettingsMap settings = CompleteSettings();
+        settings.erase(row.key);
+        if (row.value != nullptr) {
+            settings.emplace(row.key, row.value);
+        }
+        try {
+            static_cast<void>(ReadUnitSettings(settings, "u.cfg", "/p"));
+            ADD_FAILURE() << row.key << " was accepted";
+        } catch (const ZelmException& error) {
+            EXPECT_STREQ(error.what(), row.message);
+        }
+    }
+}
+
+} // namespace
+} // namespace Orvanta
