@@ -136,7 +136,8 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"},
                                    [] { throw VersionRequest(); });
     const args::CompletionFlag completion(parser, {"complete"});
-    const args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
+    args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
+    analyze.Epilog(Epilog);
     const args::Command suppress(parser, "suppress",
                                  "Add analyzer messages to suppression file which can be used to hide analyzer "
                                  "messages on subsequent analyzer runs",
