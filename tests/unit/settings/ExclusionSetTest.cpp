@@ -59,20 +59,20 @@ TEST(ExclusionSet, WindowsPrefixesRegardNeitherCaseNorSeparator) {
 
 TEST(ExclusionSet, MasksMatchTheWholePathUnderBothRules) {
     const ExclusionCase cases[] = {
-        {"*/generated/*",                            "/p/generated/a.c",                          true },
-        {"*/generated/*",                            "/generated/x/a.c",                          true },
-        {"*/generated/*",                            "/p/my-generated/a.c",                       false},
-        {R"(*\generated\*)",                         "/p/generated/a.c",                          true },
-        {"*/generated/*",                            R"(C:\p\Generated\a.c)",                     true },
-        {"*.PB.cc",                                  "/p/x.pb.CC",                                true },
-        {"*.pb.cc",                                  "/p/x.pb.ccx",                               false},
-        {"/p/a?.c",                                  "/p/ab.c",                                   true },
-        {"/p/a?.c",                                  "/p/a.c",                                    false},
-        {"/p/?.c",                                   "/p/\xC3\xA9.c",                             true }, // one character
-        {"/p/??.c",                                  "/p/\xC3\xA9.c",                             false},
-        {"p/*",                                      "/p/a.c",                                    false},
-        {"*",                                        "/a.c",                                      true },
-        {R"(?:\program files (x86)\windows kits\*)", R"(C:\Program Files (x86)\Windows Kits\10)", true },
+        {"*/generated/*",               "/p/generated/a.c",              true },
+        {"*/generated/*",               "/generated/x/a.c",              true },
+        {"*/generated/*",               "/p/my-generated/a.c",           false},
+        {R"(*\generated\*)",            "/p/generated/a.c",              true },
+        {"*/generated/*",               R"(C:\p\Generated\a.c)",         true },
+        {"*.PB.cc",                     "/p/x.pb.CC",                    true },
+        {"*.pb.cc",                     "/p/x.pb.ccx",                   false},
+        {"/p/a?.c",                     "/p/ab.c",                       true },
+        {"/p/a?.c",                     "/p/a.c",                        false},
+        {"/p/?.c",                      "/p/\xC3\xA9.c",                 true }, // one character
+        {"/p/??.c",                     "/p/\xC3\xA9.c",                 false},
+        {"p/*",                         "/p/a.c",                        false},
+        {"*",                           "/a.c",                          true },
+        {R"(?:\program files (x86)\*)", R"(C:\Program Files (x86)\x.c)", true },
     };
     for (const ExclusionCase& row : cases) {
         ExpectMatches(row, PathRules::Posix);
