@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace OrvlogConverter {
 
@@ -83,14 +84,23 @@ std::optional<std::uint32_t> CweOf(std::string_view item) {
     return isNumber ? std::optional(ParseNumber(item)) : std::nullopt;
 }
 
-// The identifier of the further standard is all that is not the CWE number: it may hold commas of its own.
+// The first CWE number counts; all else is the identifier of the further standard, which may hold commas of its own.
 void ReadStandards(ReportMessage& message, std::string_view standards) {
-    std::string_view rest = standards;
-    if (const std::optional<std::uint32_t> cwe = CweOf(TakeItem(rest))) {
-        message.cwe = *cwe;
-        standards = rest;
+    bool hasCwe = false;
+    bool hasIdentifier = false;
+    while (!standards.empty()) {
+        const std::string_view item = TakeItem(standards);
+        const std::optional<std::uint32_t> cwe = hasCwe ? std::nullopt : CweOf(item);
+        if (cwe) {
+            message.cwe = *cwe;
+            hasCwe = true;
+            continue;
+        }
+        if (std::exchange(hasIdentifier, true)) {
+            message.sastId += ',';
+        }
+        message.sastId += item;
     }
-    message.sastId = standards;
 }
 
 void AppendField(std::string& line, std::string_view text) {
