@@ -18,14 +18,16 @@ bool StandsBefore(const FlagRow& left, const FlagRow& right) {
     return left.name.size() > right.name.size();
 }
 
-bool FitsBeforeRest(const FlagRow& row, std::string_view rest) {
-    if (rest.empty()) {
-        return true;
+// Cheap tests first: only a row that could fit by its length and kind is compared byte by byte.
+bool Fits(const FlagRow& row, std::string_view argument) {
+    const std::size_t size = row.name.size();
+    if (size == argument.size()) {
+        return row.name == argument;
     }
-    if (row.kind == FlagKind::Preprocessor) {
-        return rest.front() == ',';
+    if (size > argument.size() || !(TakesValue(row.kind) || row.name.back() == '=')) {
+        return false;
     }
-    return TakesValue(row.kind) || row.name.back() == '=';
+    return argument.starts_with(row.name) && (row.kind != FlagKind::Preprocessor || argument[size] == ',');
 }
 
 } // namespace
@@ -55,11 +57,8 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
     const std::size_t end = firstOf_[first + std::size_t{1}];
     for (std::size_t i = firstOf_[first]; i < end && rows_[i].name.size() >= shortest; ++i) {
         const FlagRow& row = rows_[i];
-        if (!argument.starts_with(row.name)) {
-            continue;
-        }
-        const std::string_view rest = argument.substr(row.name.size());
-        if (FitsBeforeRest(row, rest)) {
+        if (Fits(row, argument)) {
+            const std::string_view rest = argument.substr(row.name.size());
             const bool takesNext = rest.empty() && TakesValue(row.kind) && row.name.back() != '=';
             return {row.kind, row.effect, takesNext, row.name, rest};
         }

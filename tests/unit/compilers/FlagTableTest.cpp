@@ -1,0 +1,73 @@
+#include "compilers/FlagTable.h"
+
+#include "unit/compilers/Reading.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr FlagRow Rows[] = {
+    {"I",           FlagKind::UserInclude  },
+    {"include",     FlagKind::ForcedInclude},
+    {"include-pch", FlagKind::DropWithValue},
+    {"include=",    FlagKind::ForcedInclude},
+    {"O",           FlagKind::Drop         },
+    {"O1",          FlagKind::Drop         },
+    {"help=",       FlagKind::NoCompilation},
+    {"Wp",          FlagKind::Preprocessor },
+    {"std=c99",     FlagKind::StandardC99  },
+};
+constexpr FlagRow Extension[] = {
+    {"imsvc", FlagKind::SystemInclude},
+};
+
+struct FindCase {
+    const char* name;
+    std::string_view argument; // with its introducer
+    FlagKind kind;
+    std::string_view row;
+    std::string_view gluedValue;
+    bool takesNext;
+};
+
+const FindCase FindCases[] = {
+    {"ValueGlued",                 "-Ifoo",        FlagKind::UserInclude,   "I",           "foo",  false},
+    {"ValueFollows",               "-I",           FlagKind::UserInclude,   "I",           "",     true },
+    {"LongestNameWins",            "-include-pch", FlagKind::DropWithValue, "include-pch", "",     true },
+    {"ShorterNameFitsTheRest",     "-include-p.h", FlagKind::ForcedInclude, "include",     "-p.h", false},
+    {"EqualSignTakesNoNext",       "--include=",   FlagKind::ForcedInclude, "include=",    "",     false},
+    {"NoValueFitsAsAWhole",        "-O1",          FlagKind::Drop,          "O1",          "",     false},
+    {"NoValueIsNoBeginning",       "-O2",          FlagKind::Keep,          "",            "",     false},
+    {"StandardIsNoBeginning",      "-std=c99x",    FlagKind::Keep,          "",            "",     false},
+    {"EqualSignFitsAsABeginning",  "--help=all",   FlagKind::NoCompilation, "help=",       "all",  false},
+    {"OneLetterNotAfterTwoDashes", "--Ifoo",       FlagKind::Keep,          "",            "",     false},
+    {"ListBeginsWithAComma",       "-Wp,-DA",      FlagKind::Preprocessor,  "Wp",          ",-DA", false},
+    {"WarningIsNoList",            "-Wpedantic",   FlagKind::Keep,          "",            "",     false},
+    {"ExtensionCounts",            "-imsvcdir",    FlagKind::SystemInclude, "imsvc",       "dir",  false},
+    {"CaseCounts",                 "-ifoo",        FlagKind::Keep,          "",            "",     false},
+    {"IntroducerAlone",            "--",           FlagKind::Keep,          "",            "",     false},
+    {"BytesAbove127",              "-\xc3\xa9",    FlagKind::Keep,          "",            "",     false},
+};
+
+class FlagTableFind : public testing::TestWithParam<FindCase> {};
+
+} // namespace
+
+TEST_P(FlagTableFind, FindsTheRowThatFits) {
+    const FlagTable table(Rows, Extension);
+    const FindCase& row = GetParam();
+    const std::string_view introducer = row.argument.starts_with("--") ? "--" : "-";
+    const FlagMatch match = table.Find(row.argument.substr(introducer.size()), introducer);
+    EXPECT_EQ(match.kind, row.kind);
+    EXPECT_EQ(match.name, row.row);
+    EXPECT_EQ(match.gluedValue, row.gluedValue);
+    EXPECT_EQ(match.takesNext, row.takesNext);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, FlagTableFind, testing::ValuesIn(FindCases), CaseName<FindCase>);
+
+} // namespace Orvanta

@@ -1,0 +1,219 @@
+#include "compilers/Gcc.h"
+
+#include "platform/Process.h"
+#include "support/TestFolder.h"
+#include "unit/compilers/Reading.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+namespace {
+
+struct KeptCase {
+    const char* name;
+    std::string_view command;
+    std::string_view kept;
+};
+
+// clang-format off
+const KeptCase KeptCases[] = {
+    {"OptimisationDebugAndDependencies", "gcc -O2 -g3 -MD -MF deps.d -c a.c", ""},
+    {"CMake",
+     "/usr/bin/c++ -DQ=1 -I/src/inc -isystem /ext -O2 -g -DNDEBUG -std=gnu++17 -MD -MT o/a.o -MF o/a.o.d -o o/a.o "
+     "-c a.cpp",
+     "-DQ=1 -I/src/inc -isystem /ext -g -DNDEBUG -std=gnu++17"},
+    {"Kbuild",
+     "gcc -Wp,-MMD,kernel/.fork.o.d -nostdinc -I./inc -include ./inc/k.h -D__KERNEL__ -std=gnu11 -m64 -mno-sse -O2 "
+     "--param=allow-store-data-races=0 -Wno-main -DKBUILD_BASENAME='\"fork\"' -c -o kernel/fork.o kernel/fork.c",
+     "-nostdinc -I./inc -include ./inc/k.h -D__KERNEL__ -std=gnu11 -m64 -mno-sse --param=allow-store-data-races=0 "
+     "-Wno-main -DKBUILD_BASENAME='\"fork\"'"},
+    {"Libtool",
+     "gcc -DHAVE_CONFIG_H -I. -g -O2 -MT a.lo -MD -MP -MF .deps/a.Tpo -c a.c -fPIC -DPIC -o .libs/a.o",
+     "-DHAVE_CONFIG_H -I. -g -fPIC -DPIC"},
+    {"Meson",
+     "cc -Ilib/x.p -Ilib -fdiagnostics-color=always -D_FILE_OFFSET_BITS=64 -Wall -O0 -g -fPIC -MD -MQ x.o -MF x.o.d "
+     "-o x.o -c ../x.c",
+     "-Ilib/x.p -Ilib -fdiagnostics-color=always -D_FILE_OFFSET_BITS=64 -Wall -O0 -g -fPIC"},
+    {"Bazel",
+     "/usr/bin/gcc -U_FORTIFY_SOURCE -MD -MF b/a.d -frandom-seed=b/a.o -iquote . -iquote b/bin "
+     "-fno-canonical-system-headers -D__DATE__=\"redacted\" -c a.cc -o b/a.o",
+     "-U_FORTIFY_SOURCE -frandom-seed=b/a.o -iquote . -iquote b/bin -fno-canonical-system-headers "
+     "-D__DATE__=\"redacted\""},
+    {"CMakePrecompiledHeader",
+     "g++ -Winvalid-pch -include /b/cmake_pch.hxx -o a.o -c a.cpp",
+     "-Winvalid-pch -include /b/cmake_pch.hxx"},
+    {"LinkInputs", "gcc a.c b.o libx.a -lm -L. -Wl,-z,now -o prog", "-lm -L. -Wl,-z,now"},
+    {"OtherSources", "gcc -c -Ia a.c b.c -Ib c.c", "-Ia -Ib"},
+    {"LaterLanguage", "gcc -c -x c++ a.inc -x c b.inc -DA", "-x c++ -DA"},
+    {"StageFlags", "gcc -E -c -S -P -C -v -H -save-temps=obj a.c", ""},
+    {"LongForms",
+     "gcc --include-directory=i --define-macro A --undefine-macro=B --output=x.o --std=c11 --compile a.c",
+     "--include-directory=i --define-macro A --undefine-macro=B --std=c11"},
+    {"TwoDashes", "gcc -c -DA -- a.c", "-DA"},
+    {"ListWithOneKept", "gcc -Wp,-MD,x.d,-DA,-I,inc,-MT,t -c a.c", "-Wp,-DA -Wp,-I,inc"},
+    {"ListKeptWhole", "gcc -Wp,-D_FORTIFY_SOURCE=2 -Wpedantic -c a.c", "-Wp,-D_FORTIFY_SOURCE=2 -Wpedantic"},
+    {"HandedOn", "gcc -Xpreprocessor -MD -Xpreprocessor x.d -Xpreprocessor -DA -c a.c", "-Xpreprocessor -DA"},
+    {"PreprocessedC", "gcc -c a.i", "-x c"},
+    {"PreprocessedByStatedLanguage", "gcc -x c++-cpp-output -c a.txt", "-x c++-cpp-output -x c++"},
+    {"PreprocessedByCppDriver", "/usr/bin/x86_64-linux-gnu-g++-12 -c a.i", "-x c++"},
+};
+
+// clang-format on
+
+class GccKept : public testing::TestWithParam<KeptCase> {};
+
+} // namespace
+
+TEST_P(GccKept, HoldsWhatPreprocessingNeeds) {
+    EXPECT_EQ(Join(ReadAs<Gcc>(GetParam().command).keptArguments), GetParam().kept);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, GccKept, testing::ValuesIn(KeptCases), CaseName<KeptCase>);
+
+TEST(Gcc, ReadsValuesGluedSeparateAndOutOfLists) {
+    const ParsedCommand command =
+        ReadAs<Gcc>("gcc -Ia -I b -iquote q -isystem s -isystemt -idirafter u --sysroot=/x --sysroot /y -isysroot /z "
+                    "-DA -D B=1 -Wp,-DC,-Ip,-isystem,v -include f.h -includeg.h -o first.o -olast.o -c a.c");
+    EXPECT_EQ(Join(command.userIncludes), "a b q p");
+    EXPECT_EQ(Join(command.systemIncludes), "s t u /x /y /z v");
+    EXPECT_EQ(Join(command.defines), "A B=1 C");
+    EXPECT_EQ(Join(command.forcedIncludes), "f.h g.h");
+    EXPECT_EQ(command.outputFile, "last.o");
+    EXPECT_EQ(command.sourceFile, "a.c");
+    EXPECT_EQ(command.compilerPath, "gcc");
+    EXPECT_EQ(command.compilerType, CompilerType::Gcc);
+}
+
+namespace {
+
+struct StandardCase {
+    const char* name;
+    std::string_view command;
+    std::string_view c; // the core's words, "" when the command gives none
+    std::string_view cpp;
+};
+
+const StandardCase StandardCases[] = {
+    {"None",                "gcc -c a.c",                           "",    ""     },
+    {"Gnu17",               "gcc -std=gnu17 -c a.c",                "c17", ""     },
+    {"Gnu18Unknown",        "gcc -std=gnu18 -c a.c",                "",    ""     },
+    {"Gnu1xUnknown",        "gcc -std=gnu1x -c a.c",                "",    ""     },
+    {"UnknownHidesEarlier", "g++ -std=c++17 -std=gnu++23 -c a.cpp", "",    ""     },
+    {"C2x",                 "gcc -std=c2x -c a.c",                  "c20", ""     },
+    {"Amendment1",          "gcc -std=iso9899:199409 -c a.c",       "c90", ""     },
+    {"LastWins",            "gcc -std=c99 -std=c11 -c a.c",         "c11", ""     },
+    {"OneOfEach",           "gcc -std=c99 --std=c++14 -c a.c",      "c99", "c++14"},
+    {"Ansi",                "gcc -ansi -c a.c",                     "c90", "c++98"},
+    {"AnsiThenC11",         "gcc -ansi -std=c11 -c a.c",            "c11", "c++98"},
+    {"Concepts",            "g++ -std=c++17 -fconcepts -c a.cpp",   "",    "c++20"},
+};
+
+class GccStandard : public testing::TestWithParam<StandardCase> {};
+
+std::string_view WordOf(std::optional<FlagKind> standard, Language language) {
+    return standard ? StandardWord(*standard, language) : std::string_view();
+}
+
+} // namespace
+
+TEST_P(GccStandard, IsOneForEachLanguage) {
+    const ParsedCommand command = ReadAs<Gcc>(GetParam().command);
+    EXPECT_EQ(WordOf(command.cStandard, Language::C), GetParam().c);
+    EXPECT_EQ(WordOf(command.cppStandard, Language::Cpp), GetParam().cpp);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, GccStandard, testing::ValuesIn(StandardCases), CaseName<StandardCase>);
+
+TEST(Gcc, StatesALanguageOnlyWhenTheCommandDoes) {
+    EXPECT_EQ(ReadAs<Gcc>("g++ -c a.c").language, std::nullopt);
+    EXPECT_EQ(ReadAs<Gcc>("gcc -x c++ -c a.c").language, Language::Cpp);
+    EXPECT_EQ(ReadAs<Gcc>("gcc -xc -c a.cpp").language, Language::C);
+    EXPECT_EQ(ReadAs<Gcc>("gcc -x c++ -x none -c a.c -x c++").language, std::nullopt);
+}
+
+TEST(Gcc, TakesTargetAndCharacterSignFromTheirFlags) {
+    EXPECT_EQ(ReadAs<Gcc>("gcc -c a.c").platformWord, "");
+    EXPECT_EQ(ReadAs<Gcc>("gcc -m64 -m32 -c a.c").platformWord, "linux32");
+    EXPECT_EQ(ReadAs<Gcc>("gcc -m64 -c a.c").platformWord, "linux64");
+    EXPECT_TRUE(ReadAs<Gcc>("gcc -funsigned-char -fsigned-char -c a.c").unsignedChar);
+    EXPECT_FALSE(ReadAs<Gcc>("gcc -fno-signed-char -c a.c").unsignedChar);
+}
+
+TEST(Gcc, ReadsEachOfSeveralSourcesByItself) {
+    const Gcc model;
+    const Words words = Split("gcc -DA -c a.c -x c++ b.txt");
+    const InvocationOutline outline = OutlineInvocation(model, words);
+    ASSERT_EQ(outline.sources.size(), 2U);
+    const ParsedCommand second = ReadCommandLine(model, words, outline.sources[1]);
+    EXPECT_EQ(second.sourceFile, "b.txt");
+    EXPECT_EQ(Join(second.keptArguments), "-DA -x c++");
+    EXPECT_EQ(second.language, Language::Cpp);
+}
+
+TEST(Gcc, BuildsThePreprocessingCommandInItsOrder) {
+    ParsedCommand command = ReadAs<Gcc>("gcc -DA -O2 -c a.c -Ib -o a.o");
+    command.invocationPrefix = {"env", "-i"};
+    command.compilerPath = "/usr/bin/gcc";
+    EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
+              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-Ib", "-w", "-E", "-o", "/t/a.i", "a.c"}));
+
+    command.compilerType = CompilerType::Qcc;
+    EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
+              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-Ib", "-w", "-P", "-o", "/t/a.i", "a.c"}));
+}
+
+TEST(Gcc, GivesASourceThatLooksLikeAnOptionWithItsFolder) {
+    EXPECT_EQ(Gcc().BuildPreprocessCommand(ReadAs<Gcc>("gcc -c -- -a.c"), "a.i").back(), "./-a.c");
+    EXPECT_EQ(Gcc().BuildPreprocessCommand(ReadAs<Gcc>("gcc -c @a.c"), "a.i").back(), "./@a.c");
+}
+
+namespace {
+
+struct AcceptedCase {
+    const char* name;
+    std::string_view arguments;
+};
+
+// Each command compiles `a.c`, or a file of another name with the same text.
+const AcceptedCase AcceptedCases[] = {
+    {"Lists",        "-Wp,-MMD,a.d,-DVALUE=1,-I,. -c a.c"                 },
+    {"HandedOn",     "-Xpreprocessor -DVALUE=1 -c a.c"                    },
+    {"Linking",      "-DVALUE=1 a.c -L. -lm -Wl,-z,now -Xlinker x -u f"   },
+    {"LongForms",    "--define-macro=VALUE=1 --include-directory=. -c a.c"},
+    {"Preprocessed", "-c ready.i"                                         },
+    {"Stated",       "-DVALUE=1 -x c -c odd.txt -x none"                  },
+    {"Dashes",       "-DVALUE=1 -c -- -a.c"                               },
+};
+
+class GccAcceptance : public testing::TestWithParam<AcceptedCase> {};
+
+} // namespace
+
+// What the reader keeps must leave a command that real compilers carry out, with the unit's text as the result.
+TEST_P(GccAcceptance, RealCompilersPreprocessWhatWasRead) {
+    const TestFolder folder;
+    for (const char* name : {"a.c", "odd.txt", "-a.c"}) {
+        (void)folder.Write(name, "int value = VALUE;\n");
+    }
+    (void)folder.Write("ready.i", "# 1 \"a.c\"\nint value = 1;\n");
+    for (const char* compiler : {"gcc", "clang"}) {
+        const ParsedCommand read = ReadAs<Gcc>(std::string(compiler) + " " + std::string(GetParam().arguments));
+        const Words command = Gcc().BuildPreprocessCommand(read, folder / "out.i");
+        CapturedOutput output;
+        Process process(command, folder.Path(), OwnEnvironmentBlock(),
+                        MakeRedirectToStringProcessor(output.standardOutput),
+                        MakeRedirectToStringProcessor(output.standardError));
+        ASSERT_EQ(process.get_exit_status(), 0) << CommandLineText(command) << '\n' << output.standardError;
+        EXPECT_NE(folder.Read("out.i").find("int value = 1;"), std::string::npos) << CommandLineText(command);
+        EXPECT_EQ(output.standardError, "") << CommandLineText(command);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, GccAcceptance, testing::ValuesIn(AcceptedCases), CaseName<AcceptedCase>);
+
+} // namespace Orvanta
