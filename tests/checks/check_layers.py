@@ -26,17 +26,18 @@ def room_of(name):
 
 
 def included_file(name, target, known):
-    """The repository's file that an include names: by its path from src/, or beside the including file."""
-    for candidate in ("src/" + target, posixpath.normpath(posixpath.join(posixpath.dirname(name), target))):
-        if candidate in known:
-            return candidate
-    return None
+    """The repository's file that an include names: by its path from src/ or cores/, or beside the including file."""
+    beside = posixpath.normpath(posixpath.join(posixpath.dirname(name), target))
+    return next((path for path in ("src/" + target, "cores/" + target, beside) if path in known), None)
 
 
 def read_includes(folder):
-    known = set(repository.code_files(folder))
-    graph, faults = {}, []
-    for name in sorted(known):
+    sources = repository.code_files(folder)
+    # A header that the build makes counts as where its template stands.
+    generated = [name.removesuffix(".in") for name in repository.files(folder, ".h.in")]
+    known = set(sources + generated)
+    graph, faults = {name: [] for name in generated}, []
+    for name in sources:
         room = room_of(name)
         graph[name] = []
         for number, line in repository.lines(folder, name):

@@ -17,7 +17,7 @@ CASES = [
     ("platform_conditionals", "src/app/A.cpp", "#if defined(_WIN32)\n", "tests for the system"),
     ("platform_conditionals", "src/app/A.cpp", "#include <unistd.h>\n", "includes a header of the system"),
     ("platform_conditionals", "src/platform/posix/A.cpp", "#include <windows.h>\n", "includes windows.h outside"),
-    ("text", "src/app/A.cpp", "//" + "x" * 119 + "\n", "121 columns"),
+    ("text", "docs/a.md", "x" * 121 + "\n", "121 columns"),
     ("text", "src/app/A.cpp", "int x; \n", "blanks at the end"),
     ("text", "src/app/A.cpp", "\n" * 501, "501 lines"),
     ("links", "docs/a.md", "[b](gone.md)\n", "docs/gone.md, which does not exist"),
@@ -25,7 +25,8 @@ CASES = [
 ]
 GOOD = {
     "README.md": "# The project\n\n[itself](#the-project), [elsewhere](https://elsewhere.example/)\n",
-    "src/app/Run.h": '#include "settings/S.h"\n',
+    "src/app/Run.h": '#include "settings/S.h"\n#include "app/Version.h"\n',
+    "src/app/Version.h.in": "#define VERSION @VERSION@\n",
     "src/settings/S.h": "#include <string>\n",
     "src/settings/T.h": '#include "settings/S.h"\n',
     "src/platform/posix/P.cpp": "#include <unistd.h>\n",
