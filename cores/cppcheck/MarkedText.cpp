@@ -50,7 +50,7 @@ bool MarkedText::ReadLine(MarkedLine& line) {
             }
         }
         NoteRawString(text);
-        line = {text, currentFile_, nextNumber_++};
+        line = {text, currentFile_, nextNumber_++, origin_};
         return true;
     }
     return false;
@@ -64,6 +64,9 @@ void MarkedText::Follow(const LineMarker& marker) {
     if (!marker.quotedName.empty()) {
         currentFile_ = FindOrAddFile(marker);
     }
+    // Within a user's file, gcc sets flag 3 where the text comes from a macro of a system header.
+    const bool isUsersFile = currentFile_ && !files_[*currentFile_].isSystem;
+    origin_ = isUsersFile && marker.isSystemHeader ? TextOrigin::SystemMacro : TextOrigin::File;
 }
 
 std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
@@ -75,8 +78,7 @@ std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
         const std::string path = AbsolutePathOf(UnquotedName(marker.quotedName), currentDirectory_);
         const auto [entry, isNew] = indexByPath_.emplace(path, files_.size());
         if (isNew) {
-            // Flag 3 alone is no sign of a system header: gcc sets it inside a user's file, where the text comes from
-            // a macro of a system header.
+            // Flag 3 alone is no sign of a system header: see TextOrigin.
             const bool isSystem =
                 (marker.entersFile && marker.isSystemHeader) || IsInSystemFolder(path, files_.front().path);
             files_.push_back({path, isSystem, true});

@@ -20,11 +20,18 @@ struct MarkedFile {
     bool isNamed = false;  ///< a line marker names it
 };
 
+/// Who wrote the text of a line.
+enum class TextOrigin {
+    File,        ///< whoever wrote the file that it stands in
+    SystemMacro, ///< a macro of a system header, used in that file
+};
+
 /// One line of a unit's preprocessed text.
 struct MarkedLine {
     std::string_view text;           ///< without its line end
     std::optional<std::size_t> file; ///< index into `Files()`; none for text that no file holds
     std::uint32_t number = 0;        ///< the line's number in that file
+    TextOrigin origin = TextOrigin::File;
 };
 
 /// Reads preprocessed text line by line and follows its line markers. The text must outlive the object.
@@ -52,6 +59,7 @@ private:
     std::map<std::string, std::size_t, std::less<>> indexByPath_;
     std::optional<std::size_t> currentFile_ = 0;
     std::uint32_t nextNumber_ = 1;
+    TextOrigin origin_ = TextOrigin::File;
     std::string rawStringEnd_; // what ends the raw string that the next line begins in; empty outside of one
 };
 

@@ -30,25 +30,35 @@ bool Contains(const std::string_view (&table)[Count], std::string_view word) {
     return std::find(std::begin(table), std::end(table), word) != std::end(table);
 }
 
+constexpr std::uint32_t LowLevel = 3;
+
 std::uint32_t LevelOf(std::string_view severity) {
     if (severity == "error") {
         return 1;
     }
-    return severity == "warning" ? 2 : 3;
+    return severity == "warning" ? 2 : LowLevel;
 }
 
 struct Place {
     const MarkedFile* file;
     std::uint32_t line;
+    TextOrigin origin;
 };
 
 // A finding without a place, or with one outside of the unit's files, is laid to the first line of the source.
 Place ResolvePlace(const CppcheckLocation& location, std::span<const MarkedFile> files) {
-    const auto index = IndexOfAlias(location.file);
-    if (!index || *index >= files.size() || location.line == 0) {
-        return {&files.front(), 1};
+    const auto file = ReadAlias(location.file);
+    if (!file || file->index >= files.size() || location.line == 0) {
+        return {&files.front(), 1, TextOrigin::File};
     }
-    return {&files[*index], location.line};
+    return {&files[file->index], location.line, file->origin};
+}
+
+// Not those in system headers, and of those in the text of their macros only faults: its style is not the user's.
+bool IsForTheUser(const CppcheckFinding& finding, std::span<const MarkedFile> files) {
+    const Place place = ResolvePlace(finding.location, files);
+    return !Contains(DroppedSeverities, finding.severity) && !place.file->isSystem &&
+           (place.origin == TextOrigin::File || LevelOf(finding.severity) < LowLevel);
 }
 
 ReportMessage MakeMessage(const CppcheckFinding& finding, std::span<const MarkedFile> files, SourceLines& lines) {
@@ -86,7 +96,7 @@ std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> f
     std::vector<ReportMessage> messages;
     SourceLines lines;
     for (const CppcheckFinding& finding : findings) {
-        if (!Contains(DroppedSeverities, finding.severity) && !ResolvePlace(finding.location, files).file->isSystem) {
+        if (IsForTheUser(finding, files)) {
             messages.push_back(MakeMessage(finding, files, lines));
         }
     }

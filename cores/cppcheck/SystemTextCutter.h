@@ -16,11 +16,20 @@ struct CutText {
     std::vector<MarkedFile> files;
 };
 
-/// The name under which the text of file number `index` stands in a cut text: "f", the number and the file's extension.
-[[nodiscard]] std::string AliasOf(std::size_t index, std::string_view path);
+/// What a file's name in a cut text stands for.
+struct AliasedFile {
+    std::size_t index = 0; ///< into `CutText::files`
+    TextOrigin origin = TextOrigin::File;
 
-/// The number in such a name; nullopt for any other name.
-[[nodiscard]] std::optional<std::size_t> IndexOfAlias(std::string_view alias);
+    bool operator==(const AliasedFile&) const = default;
+};
+
+/// The name of a file in a cut text: "f" (or "s", for text of system macros in it), the file's number and its
+/// extension.
+[[nodiscard]] std::string AliasOf(AliasedFile file, std::string_view path);
+
+/// What such a name stands for; nullopt for any other name.
+[[nodiscard]] std::optional<AliasedFile> ReadAlias(std::string_view alias);
 
 /// Cuts the text of system headers out of a unit's preprocessed text; every line that is left keeps its file and line.
 /// The parameters are those of MarkedText.

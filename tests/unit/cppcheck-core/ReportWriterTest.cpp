@@ -39,11 +39,13 @@ TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
         Finding({"f1.h", 70}, "error", "d"),
         Finding({"f2.h", 1}, "error", "inSystemHeader"),
         Finding({"f0.cpp", 1}, "information", "aboutCppcheck"),
+        Finding({"s0.cpp", 2}, "style", "styleOfASystemMacro"),
+        Finding({"s0.cpp", 2}, "warning", "f"),
         Finding({"nofile", 0}, "portability", "e"),
     };
     EXPECT_THAT(Summaries(findings),
-                ElementsAre("/p/a.h:70 1 [d] text", "/p/u.cpp:1 3 [e] text", "/p/u.cpp:9 2 [c] text",
-                            "/p/u.cpp:10 3 [a] text", "/p/u.cpp:10 3 [b] text"));
+                ElementsAre("/p/a.h:70 1 [d] text", "/p/u.cpp:1 3 [e] text", "/p/u.cpp:2 2 [f] text",
+                            "/p/u.cpp:9 2 [c] text", "/p/u.cpp:10 3 [a] text", "/p/u.cpp:10 3 [b] text"));
 }
 
 TEST(ReportMessages, CarryThePathAndTheSourceLines) {
