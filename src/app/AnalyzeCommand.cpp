@@ -49,7 +49,7 @@ public:
         }
         if (commands_.units.empty()) {
             log_.Text(FailureList(commands_, outcome_));
-            progress_.Finish(SummaryText(commands_, outcome_, Elapsed(), reportPath_));
+            progress_.Finish(SummaryText(commands_, outcome_, Elapsed(), "")); // there is no report
             throw ZelmException("No source file to analyze");
         }
         const int code = Analyze();
