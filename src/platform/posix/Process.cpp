@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstdio>
 #include <optional>
-#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -24,6 +23,11 @@
 namespace Orvanta {
 
 namespace {
+
+// A step of the start has failed. Never leaves this file: it becomes the exception that names the program.
+struct SystemFault {
+    int error; // of errno
+};
 
 [[noreturn]] void FailToStart(const std::string& program, const std::string& reason) {
     throw ProcessStartException("Couldn't start \"" + program + "\": " + reason);
@@ -145,7 +149,7 @@ public:
 private:
     static void Check(int error) {
         if (error != 0) {
-            throw std::system_error(error, std::generic_category());
+            throw SystemFault{error};
         }
     }
 
@@ -157,7 +161,7 @@ int EmptyInput() {
     static const Descriptor input = [] {
         Descriptor device = OpenFile("/dev/null", O_RDONLY);
         if (!device.IsOpen()) {
-            throw std::system_error(errno, std::generic_category(), "/dev/null");
+            throw SystemFault{errno};
         }
         return device;
     }();
@@ -171,7 +175,7 @@ struct Pipe {
     Pipe() {
         std::array<int, 2> ends{};
         if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-            throw std::system_error(errno, std::generic_category());
+            throw SystemFault{errno};
         }
         read = Descriptor(ends[0]);
         write = Descriptor(ends[1]);
@@ -282,7 +286,7 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
     error.write.Reset();
     end = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0))); // not every C library has a function for it
     if (!end.IsOpen()) {
-        throw std::system_error(errno, std::generic_category());
+        throw SystemFault{errno};
     }
     standardOutput.pipe = std::move(output.read);
     standardError.pipe = std::move(error.read);
@@ -349,8 +353,8 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
     handles_->standardError.receiver = std::move(standardError);
     try {
         handles_->Start(command, conditions);
-    } catch (const std::system_error& error) {
-        FailToStart(command.front(), error.code().message());
+    } catch (const SystemFault& fault) {
+        FailToStart(command.front(), SystemReason(fault.error));
     }
 }
 

@@ -133,8 +133,29 @@ TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironment) {
     }
 }
 
-std::string StartError(const Arguments& command, const std::string& directory) {
+// Leaves room for so many more descriptors while it lives.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(rlim_t room) {
+        ::getrlimit(RLIMIT_NOFILE, &before_);
+        const int lowestFree = ::dup(STDIN_FILENO);
+        ::close(lowestFree);
+        const rlimit tight = {.rlim_cur = static_cast<rlim_t>(lowestFree) + room, .rlim_max = before_.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &tight);
+    }
+
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+std::string StartError(const Arguments& command, const std::string& directory, rlim_t descriptors = 100) {
     try {
+        const DescriptorLimit limit(descriptors);
         const Process process(command, directory, OwnEnvironmentBlock(), nullptr, nullptr);
         return "it started";
     } catch (const ProcessStartException& error) {
@@ -165,17 +186,10 @@ TEST(ChildThatCannotStart, SaysWhatWasMissing) {
 TEST(ChildThatCannotStart, LeavesNoDescriptorWhenTheyRunOut) {
     EXPECT_EQ(Script("exit 3").process.get_exit_status(), 3);
     const std::ptrdiff_t before = OpenDescriptors();
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    const int lowestFree = ::dup(STDIN_FILENO);
-    ::close(lowestFree);
     std::vector<std::string> errors;
     for (rlim_t room = 0; room < 4; ++room) {
-        const rlimit tight = {.rlim_cur = static_cast<rlim_t>(lowestFree) + room, .rlim_max = limit.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &tight);
-        errors.push_back(StartError({"/bin/true"}, ""));
+        errors.push_back(StartError({"/bin/true"}, "", room));
     }
-    ::setrlimit(RLIMIT_NOFILE, &limit);
     EXPECT_THAT(errors, testing::Each("Couldn't start \"/bin/true\": Too many open files"));
     EXPECT_EQ(OpenDescriptors(), before);
 }
