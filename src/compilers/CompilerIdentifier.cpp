@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::string_view LauncherName = "ccache";
 constexpr std::chrono::seconds VersionQueryTimeout{10};
-// What a program prints beyond this is no version text.
-constexpr std::size_t LongestVersionText = 64 * 1024;
+// Bytes of each output; what a program prints beyond them is no version text.
+constexpr std::size_t LongestVersionText = 65536;
 
 struct NameRule {
     std::string_view name;
@@ -40,10 +40,11 @@ constexpr NameRule FileNameRules[] = {
     {"armcl",  CompilerType::TiArmCGT},
 };
 
+constexpr std::string_view WhiteSpace = " \t\n\r\v\f";
+
 std::string_view TakeWord(std::string_view& text) {
-    constexpr std::string_view whiteSpace = " \t\n\r\v\f";
-    text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
-    const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+    text.remove_prefix(std::min(text.find_first_not_of(WhiteSpace), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(WhiteSpace));
     text.remove_prefix(word.size());
     return word;
 }

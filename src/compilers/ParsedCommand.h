@@ -21,7 +21,7 @@ struct ParsedCommand {
     std::vector<std::string> systemIncludes; ///< and system roots
     std::vector<std::string> defines;        ///< "NAME" or "NAME=VALUE"
     std::vector<std::string> forcedIncludes;
-    std::optional<Language> language;    ///< when a flag states it
+    std::optional<Language> language;    ///< when a flag states it, or the source is preprocessed already
     std::optional<FlagKind> cStandard;   ///< the last C standard flag (StandardAnsi counts for both languages)
     std::optional<FlagKind> cppStandard; ///< the last C++ standard flag
     std::string platformWord;            ///< empty when the command names no target
