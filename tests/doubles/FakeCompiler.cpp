@@ -1,0 +1,148 @@
+// Stands in for a compiler under whatever name it is copied to. Beside the copy stand
+//   NAME.version   what "--version" prints
+//   NAME.calls     gets one line per call: the arguments
+//   NAME.script    steps; more may stand in SOURCE.compiler beside a source, for that unit alone
+//
+//   version-exit N / version-hang / version-remove-self     what "--version" does
+//   accept-only SWITCH...      fails for a switch that begins with none of these
+//   std-number N / hang-on-probe      what probing for the language standard comes to
+//   show-variable NAME         writes the variable into the preprocessed text
+//   stdout TEXT / stderr TEXT / touch FILE / wait-for FILE / hang / exit N
+
+#include "doubles/Script.h"
+#include "platform/Environment.h"
+#include "platform/Executable.h"
+#include "platform/Paths.h"
+#include "platform/Process.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace Orvanta;
+
+struct Call {
+    std::string program; // the path of this copy
+    std::vector<std::string> arguments;
+    std::string source;
+    std::string output;
+    std::vector<ScriptLine> script;
+};
+
+Call ReadCall(int argc, char** argv) {
+    Call call;
+    call.program = JoinPath(ProgramDirectory(), FileNameOf(argv[0]));
+    call.arguments.assign(argv + 1, argv + argc);
+    for (std::size_t index = 0; index < call.arguments.size(); ++index) {
+        if (call.arguments[index] == "-o" && index + 1 < call.arguments.size()) {
+            call.output = call.arguments[++index];
+        } else if (!call.arguments[index].starts_with('-')) {
+            call.source = call.arguments[index];
+        }
+    }
+    call.script = ReadScript(call.program + ".script");
+    for (ScriptLine& step : ReadScript(call.source + ".compiler")) {
+        call.script.push_back(std::move(step));
+    }
+    return call;
+}
+
+bool IsProbe(const Call& call) {
+    return call.source.find("__std_test__") != std::string::npos;
+}
+
+int PrintVersion(const Call& call) {
+    std::cout << ReadText(call.program + ".version") << std::flush;
+    for (const ScriptLine& step : call.script) {
+        if (step.word == "version-exit") {
+            return std::stoi(step.rest);
+        }
+        if (step.word == "version-hang") {
+            Hang(ProgramDirectory(), "version-query");
+        }
+        if (step.word == "version-remove-self") {
+            std::filesystem::remove(call.program);
+        }
+    }
+    return EXIT_SUCCESS;
+}
+
+void RejectUnknownSwitches(const Call& call, const std::string& acceptedSwitches) {
+    std::istringstream words(acceptedSwitches);
+    const std::vector<std::string> accepted{std::istream_iterator<std::string>(words), {}};
+    for (const std::string& argument : call.arguments) {
+        const bool isKnown = std::any_of(accepted.begin(), accepted.end(),
+                                         [&](const std::string& begin) { return argument.starts_with(begin); });
+        if (argument.starts_with('-') && !isKnown) {
+            std::cerr << "fake-compiler: unknown switch " << argument << std::endl;
+            std::exit(EXIT_FAILURE);
+        }
+    }
+}
+
+void Preprocess(const Call& call) {
+    std::ofstream output(call.output, std::ios::binary);
+    output << "// " << CommandLineText(call.arguments) << "\n# 1 \"" << call.source << "\"\n";
+    std::string text = ReadText(call.source);
+    for (const ScriptLine& step : call.script) {
+        if (step.word == "std-number" && IsProbe(call)) {
+            text = step.rest + "\n";
+        } else if (step.word == "show-variable") {
+            output << "// " << step.rest << '=' << EnvironmentVariable(step.rest).value_or("(not set)") << '\n';
+        }
+    }
+    output << text << std::flush;
+    if (!output) {
+        std::cerr << "fake-compiler: can't write to " << call.output << std::endl;
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+void PlayLine(const Call& call, const ScriptLine& step) {
+    if (step.word == "accept-only") {
+        RejectUnknownSwitches(call, step.rest);
+    } else if (step.word == "stdout") {
+        std::cout << step.rest << std::endl;
+    } else if (step.word == "stderr") {
+        std::cerr << step.rest << std::endl;
+    } else if (step.word == "touch") {
+        TouchFile(step.rest);
+    } else if (step.word == "wait-for") {
+        WaitForFile(step.rest);
+    } else if (step.word == "hang-on-probe" && IsProbe(call)) {
+        Hang(ProgramDirectory(), "probe");
+    } else if (step.word == "hang") {
+        Hang(ProgramDirectory(), "compiler-of-" + std::string(FileNameOf(call.source)));
+    } else if (step.word == "exit") {
+        std::exit(std::stoi(step.rest));
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Call call = ReadCall(argc, argv);
+    AppendLine(call.program + ".calls", CommandLineText(call.arguments));
+    if (call.arguments.size() == 1 && call.arguments.front() == "--version") {
+        return PrintVersion(call);
+    }
+    for (const ScriptLine& step : call.script) {
+        PlayLine(call, step);
+    }
+    if (!std::filesystem::exists(call.source)) {
+        std::cerr << "fake-compiler: no such file: " << call.source << std::endl;
+        return EXIT_FAILURE;
+    }
+    if (!call.output.empty()) {
+        Preprocess(call);
+    }
+    return EXIT_SUCCESS;
+}
