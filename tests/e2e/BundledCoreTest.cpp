@@ -1,0 +1,85 @@
+// Guards against a first run, with real compilers and the bundled core, that finds nothing, finds it in the wrong
+// place, or buries the user in findings of system headers.
+
+#include "e2e/support/SandboxTest.h"
+
+#include <algorithm>
+
+namespace Orvanta {
+
+namespace {
+
+class BundledCoreTest : public SandboxTest {
+protected:
+    void WriteProject() {
+        sandbox.Write("include/shared.h", "#pragma once\n"
+                                          "inline int FromHeader() {\n"
+                                          "    int values[2] = {0, 1};\n"
+                                          "    return values[2];\n"
+                                          "}\n");
+        sandbox.Write("src/main.cpp", "#include \"shared.h\"\n"
+                                      "#include <algorithm>\n"
+                                      "#include <map>\n"
+                                      "#include <string>\n"
+                                      "#include <vector>\n"
+                                      "int main() {\n"
+                                      "    std::map<std::string, std::vector<int>> all;\n"
+                                      "    int values[3] = {0, 1, 2};\n"
+                                      "    return values[3] + FromHeader() + static_cast<int>(all.size());\n"
+                                      "}\n");
+        sandbox.Write("src/plain.c", "#include <stdio.h>\n"
+                                     "#include <stdlib.h>\n"
+                                     "int Plain(void);\n"
+                                     "int Plain(void) {\n"
+                                     "    char text[4];\n"
+                                     "    text[4] = 'x';\n"
+                                     "    printf(\"%s\", text);\n"
+                                     "    return 0;\n"
+                                     "}\n");
+    }
+
+    /// The error of the array index in a file: where it must be, and once.
+    static void ExpectOneAt(const std::vector<Finding>& findings, const std::string& file, unsigned line) {
+        EXPECT_EQ(std::count_if(findings.begin(), findings.end(),
+                                [&](const Finding& finding) {
+                                    return finding.file == file && finding.line == line && finding.level == 1 &&
+                                           finding.code == "External" &&
+                                           finding.message.find("[arrayIndexOutOfBounds]") != std::string::npos;
+                                }),
+                  1)
+            << file << ':' << line;
+    }
+};
+
+TEST_F(BundledCoreTest, FindsTheUsersErrorsWhereTheyAre) {
+    WriteProject();
+    for (const auto& [c, cpp] : {
+             std::pair{"gcc",   "g++"    },
+             std::pair{"clang", "clang++"}
+    }) {
+        sandbox.ForgetEntries();
+        sandbox.AddEntry({
+            {cpp, "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"},
+            sandbox.Path("src")
+        });
+        sandbox.AddEntry({
+            {c, "-O2", "-c", sandbox.Path("src/plain.c")}
+        });
+        sandbox.WriteDatabase();
+        const RunResult result = sandbox.Run({"analyze", "-o", "report.json"});
+        EXPECT_EQ(result.exitCode, 0) << result;
+        EXPECT_TRUE(result.Says("Using the bundled core: ")) << result;
+        const std::vector<Finding> findings = Report();
+        ExpectOneAt(findings, sandbox.Path("include/shared.h"), 4);
+        ExpectOneAt(findings, sandbox.Path("src/main.cpp"), 9);
+        ExpectOneAt(findings, sandbox.Path("src/plain.c"), 6);
+        for (const Finding& finding : findings) {
+            EXPECT_TRUE(finding.file.starts_with(sandbox.Path())) << finding;
+        }
+        EXPECT_TRUE(sandbox.Leftovers().empty());
+    }
+}
+
+} // namespace
+
+} // namespace Orvanta

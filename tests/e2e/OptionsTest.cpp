@@ -1,0 +1,258 @@
+// Guards against options that are accepted and then do nothing, that lose against the settings file, or whose errors
+// come too late or name the wrong thing.
+
+#include "e2e/support/SandboxTest.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace Orvanta {
+
+namespace {
+
+class OptionsTest : public SandboxTest {
+protected:
+    /// The settings that the core got for the only unit.
+    CoreCall OnlyCall() const {
+        const std::vector<CoreCall> calls = sandbox.CoreCalls();
+        EXPECT_EQ(calls.size(), 1U);
+        return calls.empty() ? CoreCall{} : calls.front();
+    }
+};
+
+struct OptionError {
+    Arguments options;
+    const char* message;
+};
+
+TEST_F(OptionsTest, FirstFaultEndsTheRunWithItsText) {
+    sandbox.AddUnit("a.c");
+    sandbox.Write("list.txt", "a.c\n");
+    const OptionError cases[] = {
+        {{"-c", "no.cfg", "-S", "no.txt"},                      "Config file doesn't exist: "                                               },
+        {{"-c", "no.cfg", "-i", "-S", "list.txt"},              "Config file doesn't exist: "                                               },
+        {{"-S", "no.txt", "-i"},                                "List of files to analyze doesn't exist: "                                  },
+        {{"--orvanta-path", "no-core", "-i", "-S", "list.txt"}, "Specified path to Orvanta doesn't exist: "                                 },
+        {{"-i", "--intermodular", "-S", "list.txt"},            "Flags --incremental and --source-files cannot be used together"            },
+        {{"--intermodular", "-S", "list.txt"},                  "Flags --source-files and --intermodular cannot be used together"           },
+        {{"-i", "--intermodular"},                              "Flags --incremental and --intermodular cannot be used together"            },
+        {{"-a", "ga"},                                          "Wrong diagnostic group name: 'ga'"                                         },
+        {{"-a", ""},                                            "Diagnostic group name is empty!"                                           },
+        {{"-a", "256"},                                         "Diagnostic group parameter was entered as number and was greater than 255."},
+        {{"-f", "no.json"},                                     "Couldn't open file "                                                       },
+        {{"-C", "othercc"},                                     "No source file to analyze"                                                 },
+    };
+    for (const OptionError& bad : cases) {
+        Arguments options{"analyze"};
+        options.insert(options.end(), bad.options.begin(), bad.options.end());
+        sandbox.WriteDatabase();
+        const RunResult result = sandbox.Run(options);
+        EXPECT_EQ(result.exitCode, 1) << result;
+        EXPECT_TRUE(result.Says(std::string("Error: ") + bad.message)) << bad.message << result;
+    }
+    EXPECT_TRUE(sandbox.CoreCalls().empty());
+}
+
+TEST_F(OptionsTest, NumberOfThreadsMustBePositive) {
+    sandbox.AddUnit("a.c");
+    for (const char* const number : {"0", "-1", "x", "2x", ""}) {
+        const RunResult result = sandbox.Analyze({std::string("--threads=") + number});
+        EXPECT_EQ(result.exitCode, 1) << number << result;
+    }
+    EXPECT_TRUE(sandbox.CoreCalls().empty());
+}
+
+TEST_F(OptionsTest, OptionsOfLaterWorkAreRefusedNotIgnored) {
+    sandbox.AddUnit("a.c");
+    sandbox.Write("list.txt", "a.c\n");
+    const std::pair<const char*, Arguments> cases[] = {
+        {"incremental",            {"-i"}                                       },
+        {"source-files",           {"-S", "list.txt"}                           },
+        {"intermodular",           {"--intermodular"}                           },
+        {"regenerate-depend-info", {"--regenerate-depend-info", "skip-analysis"}},
+        {"suppress-file",          {"-s", "base.json"}                          },
+        {"sourcetree-root",        {"-r", "src"}                                },
+        {"dep-file",               {"--dep-file", "deps.mk"}                    },
+    };
+    for (const auto& [name, options] : cases) {
+        const RunResult result = sandbox.Analyze(options);
+        EXPECT_EQ(result.exitCode, 1) << result;
+        EXPECT_TRUE(result.Says("Error: ")) << result;
+        EXPECT_TRUE(result.Says(name)) << name << result;
+    }
+    EXPECT_TRUE(sandbox.CoreCalls().empty());
+}
+
+struct Precedence {
+    const char* key;
+    const char* byDefault;
+    const char* fileLine;
+    const char* fromFile;
+    Arguments option;
+    const char* fromOption;
+};
+
+TEST_F(OptionsTest, OptionBeatsSettingsFileBeatsDefault) {
+    const Precedence cases[] = {
+        {"analysis-mode", "4",        "analysis-mode = GA;OP", "12",      {"-a", "MISRA"},       "32"   },
+        {"platform",      "x64",      "platform=linux32",      "linux32", {"--platform", "arm"}, "arm"  },
+        {"preprocessor",  "gcc",      "preprocessor=clang",    "clang",   {"-p", "other"},       "other"},
+        {"no-noise",      "(absent)", "no-noise=a = b",        "a = b",   {},                    "a = b"},
+    };
+    for (const Precedence& row : cases) {
+        Sandbox own;
+        own.AddUnit("a.c");
+        own.Write("my.cfg", std::string("# mine\n") + row.fileLine + "\n");
+        const auto value = [&](Arguments options) {
+            options.emplace_back("-q");
+            const RunResult result = own.Analyze(options);
+            EXPECT_EQ(result.exitCode, 0) << result;
+            const std::string found = own.CoreCalls().at(0).Setting(row.key);
+            own.ForgetCoreCalls();
+            return found;
+        };
+        EXPECT_EQ(value({}), row.byDefault);
+        EXPECT_EQ(value({"-c", "my.cfg"}), row.fromFile);
+        Arguments both = row.option;
+        both.insert(both.end(), {"--cfg", "my.cfg"});
+        EXPECT_EQ(value(both), row.fromOption);
+    }
+}
+
+TEST_F(OptionsTest, RelativePathsBelongToWhereTheyWereWritten) {
+    sandbox.AddUnit("a.c");
+    sandbox.Write("conf/my.cfg", "rules-config=my.orvconfig\nexclude-path=generated\n");
+    sandbox.Analyze({"-c", "conf/my.cfg"});
+    const CoreCall fromFile = OnlyCall();
+    EXPECT_EQ(fromFile.Setting("rules-config"), sandbox.Path("conf/my.orvconfig"));
+    EXPECT_EQ(fromFile.Setting("exclude-path"), sandbox.Path("conf/generated"));
+
+    sandbox.ForgetCoreCalls();
+    sandbox.Analyze({"-c", "conf/my.cfg", "-R", "my.orvconfig"});
+    EXPECT_EQ(OnlyCall().Setting("rules-config"), sandbox.Path("my.orvconfig"));
+}
+
+TEST_F(OptionsTest, ExcludedPathsAreLeftOutAndToldToTheCore) {
+    sandbox.AddUnit("src/a.c");
+    sandbox.AddUnit("src/generated/b.c");
+    sandbox.AddUnit("src/generated-not/c.c");
+    sandbox.AddUnit("src/d_Test.c");
+    sandbox.Write("my.cfg", "exclude-path=*_test.c\n");
+    const RunResult result =
+        sandbox.Analyze({"-e", "src/none", "-e", "src/../src/generated/", "-c", "my.cfg", "--verbose"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("  Exclusion by setting: '" + sandbox.Path("src/generated/b.c") + "'")) << result;
+    EXPECT_TRUE(result.Says("  Exclusion by setting: '" + sandbox.Path("src/d_Test.c") + "'")) << result;
+
+    EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("src/a.c"), sandbox.Path("src/generated-not/c.c")}))
+        << result;
+    ASSERT_FALSE(sandbox.CoreCalls().empty());
+    const std::vector<std::string> keys = sandbox.CoreCalls().front().Keys();
+    EXPECT_GE(std::count(keys.begin(), keys.end(), "exclude-path"), 2) << result;
+}
+
+TEST_F(OptionsTest, RunThatExcludesEverythingIsNoSuccess) {
+    sandbox.AddUnit("a.c");
+    const RunResult result = sandbox.Analyze({"-e", sandbox.Path()});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(sandbox.CoreCalls().empty());
+}
+
+TEST_F(OptionsTest, AnalyzeOnlyLeavesTheOthersOut) {
+    sandbox.AddUnit("src/a.c");
+    sandbox.AddUnit("lib/b.c");
+    const RunResult result = sandbox.Analyze({"--analyze-only", "*/lib/*"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(OnlyCall().Setting("source-file"), sandbox.Path("lib/b.c")) << result;
+}
+
+TEST_F(OptionsTest, CompilerFilterIgnoresCaseAndSuffix) {
+    const std::string other = sandbox.AddCompiler("other-gcc", "gcc 12\n");
+    sandbox.Write("b.c", "int b;\n");
+    sandbox.AddUnit("a.c");
+    sandbox.AddEntry({
+        {other, "-c", sandbox.Path("b.c")}
+    });
+    for (const char* const name : {"FAKE-gcc", "fake-gcc.exe"}) {
+        sandbox.ForgetCoreCalls();
+        const RunResult result = sandbox.Analyze({"-C", name});
+        EXPECT_EQ(result.exitCode, 0) << result;
+        EXPECT_EQ(OnlyCall().Setting("source-file"), sandbox.Path("a.c")) << result;
+    }
+    EXPECT_EQ(sandbox.Analyze({"-C", "fake-gcc", "-C", "other-gcc"}).exitCode, 0);
+    EXPECT_EQ(sandbox.CoreCalls().size(), 3U);
+}
+
+TEST_F(OptionsTest, GivenVariablesGoOverTheEntrysGoOverTheDriversOwn) {
+    sandbox.AddCompiler("fake-gcc", "gcc 12\n",
+                        "show-variable FROM_DRIVER\nshow-variable FROM_ENTRY\nshow-variable FROM_OPTION\n");
+    sandbox.Write("a.c", "int a;\n");
+    sandbox.AddEntry({
+        {sandbox.Path("tools/fake-gcc"), "-std=c17", "-c", "a.c"},
+        "",
+        {{"FROM_ENTRY", "entry"},                         {"FROM_OPTION", "entry"}                                  }
+    });
+    for (const char* const name : {"FROM_DRIVER", "FROM_ENTRY", "FROM_OPTION"}) {
+        sandbox.SetVariable(name, "driver");
+    }
+    const RunResult result = sandbox.Analyze({"--env", "FROM_OPTION=a=b c", "-E", "FURTHER=1"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    const std::string text = OnlyCall().preprocessed;
+    for (const char* const line : {"// FROM_DRIVER=driver\n", "// FROM_ENTRY=entry\n", "// FROM_OPTION=a=b c\n"}) {
+        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+    }
+    EXPECT_EQ(sandbox.Analyze({"--env", "no-equals-sign"}).exitCode, 1);
+}
+
+TEST_F(OptionsTest, DumpedDatabaseGivesTheSameReport) {
+    sandbox.Write("args.rsp", "-DX=\"1\" -c b.c");
+    sandbox.AddUnit("a.c", {}, {"-DQUOTED=\"a b\""});
+    sandbox.Write("b.c", "int b;\n");
+    sandbox.AddEntry({
+        {sandbox.Path("tools/fake-gcc"), "@args.rsp"},
+        "", {{"NAME", "value"}                             }
+    });
+    EXPECT_EQ(sandbox.Analyze({"-o", "first.json", "--dump-json", "dumped.json"}).exitCode, 0);
+    EXPECT_EQ(sandbox.Analyze({"-o", "second.json", "-f", "dumped.json"}).exitCode, 0);
+    EXPECT_EQ(Report("first.json").size(), 2U);
+    EXPECT_EQ(sandbox.Read("first.json"), sandbox.Read("second.json"));
+}
+
+TEST_F(OptionsTest, LogFileHoldsTheVerboseLinesOfAQuietRun) {
+    sandbox.AddUnit("a.c");
+    sandbox.AddUnit("b.c");
+    const RunResult result = sandbox.Analyze({"-q", "-e", sandbox.Path("b.c"), "--dump-log", "run.log"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_FALSE(result.Says("Exclusion by setting")) << result;
+    EXPECT_NE(sandbox.Read("run.log").find("Exclusion by setting: '" + sandbox.Path("b.c")), std::string::npos);
+}
+
+TEST_F(OptionsTest, DumpedFilesStayAndAreTheUnits) {
+    sandbox.AddUnit("a.c");
+    const RunResult result = sandbox.Analyze({"--dump-files", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    const CoreCall call = OnlyCall();
+    EXPECT_TRUE(std::filesystem::exists(call.arguments.at(2))) << call.arguments.at(2);
+    EXPECT_TRUE(std::filesystem::exists(call.Setting("i-file"))) << call.Setting("i-file");
+}
+
+TEST_F(OptionsTest, ExtraIncludeFolderReachesTheCompiler) {
+    sandbox.AddUnit("a.c");
+    EXPECT_EQ(sandbox.Analyze({"-I", "extra"}).exitCode, 0);
+    EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("extra")), 1U);
+}
+
+TEST_F(OptionsTest, OneFileIsAnalyzedWithoutABuildInput) {
+    sandbox.AddCompiler("cc", "gcc 12\n");
+    sandbox.Write("a b.c", "int a;\n");
+    sandbox.SetVariable("PATH", sandbox.Path("tools"));
+    const RunResult result = sandbox.Analyze({"--source-file", "a b.c", "--cl-params", "-std=c11 -D'X=1 2'"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(OnlyCall().Setting("source-file"), "a b.c");
+    EXPECT_EQ(OnlyCall().Setting("std"), "c11");
+    EXPECT_EQ(sandbox.CompilerCalls("cc", "-DX=1 2"), 1U);
+}
+
+} // namespace
+
+} // namespace Orvanta
