@@ -29,11 +29,11 @@ public:
     enum class Cause {
         Program,   ///< the program is missing or can't be run: no start of it will succeed
         Directory, ///< the working directory can't be entered
+        Command,   ///< its words can't be handed on: too long, or with a zero byte inside
         Resources, ///< the system had no room (open files, processes, memory): a later start may succeed
     };
 
-    explicit ProcessStartException(std::string message, Cause cause = Cause::Program)
-        : ProcessException(std::move(message)), cause_(cause) {}
+    ProcessStartException(std::string message, Cause cause) : ProcessException(std::move(message)), cause_(cause) {}
 
     [[nodiscard]] Cause WhatFailed() const noexcept { return cause_; }
 

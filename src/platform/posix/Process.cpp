@@ -29,8 +29,25 @@ struct SystemFault {
     int error; // of errno
 };
 
-[[noreturn]] void FailToStart(const std::string& program, const std::string& reason) {
-    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason);
+using Cause = ProcessStartException::Cause;
+
+Cause CauseOf(int error) {
+    switch (error) {
+    case EAGAIN:
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+    case ETXTBSY:
+        return Cause::Resources;
+    case E2BIG:
+        return Cause::Command;
+    default:
+        return Cause::Program;
+    }
+}
+
+[[noreturn]] void FailToStart(const std::string& program, const std::string& reason, Cause cause) {
+    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason, cause);
 }
 
 // What keeps a child from working in `directory`, as a value of errno; 0 when nothing does.
@@ -51,16 +68,17 @@ int FaultOfDirectory(const std::string& directory) {
     if (!directory.empty()) {
         if (const int fault = FaultOfDirectory(directory); fault != 0) {
             throw ProcessStartException("Couldn't start \"" + program + "\" in \"" + directory +
-                                        "\": " + SystemReason(fault));
+                                            "\": " + SystemReason(fault),
+                                        Cause::Directory);
         }
     }
-    FailToStart(program, SystemReason(error));
+    FailToStart(program, SystemReason(error), CauseOf(error));
 }
 
 void CheckForZeroBytes(const Arguments& command) {
     for (const std::string& argument : command) {
         if (argument.find('\0') != std::string::npos) {
-            FailToStart(command.front().c_str(), "an argument holds a zero byte");
+            FailToStart(command.front().c_str(), "an argument holds a zero byte", Cause::Command);
         }
     }
 }
@@ -346,7 +364,7 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
                  OutputReceiver standardError)
     : handles_(std::make_unique<Handles>()) {
     if (command.empty()) {
-        FailToStart("", "the command is empty");
+        FailToStart("", "the command is empty", Cause::Program);
     }
     CheckForZeroBytes(command);
     handles_->standardOutput.receiver = std::move(standardOutput);
@@ -354,7 +372,7 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
     try {
         handles_->Start(command, conditions);
     } catch (const SystemFault& fault) {
-        FailToStart(command.front(), SystemReason(fault.error));
+        FailToStart(command.front(), SystemReason(fault.error), Cause::Resources);
     }
 }
 

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <poll.h>
@@ -153,13 +154,16 @@ private:
     rlimit before_{};
 };
 
-std::string StartError(const Arguments& command, const std::string& directory, rlim_t descriptors = 100) {
+using Cause = ProcessStartException::Cause;
+using StartError = std::pair<std::string, Cause>;
+
+StartError TryToStart(const Arguments& command, const std::string& directory, rlim_t descriptors = 100) {
     try {
         const DescriptorLimit limit(descriptors);
         const Process process(command, directory, OwnEnvironmentBlock(), nullptr, nullptr);
-        return "it started";
+        return {"it started", Cause::Program};
     } catch (const ProcessStartException& error) {
-        return error.what();
+        return {error.what(), error.WhatFailed()};
     }
 }
 
@@ -168,29 +172,41 @@ TEST(ChildThatCannotStart, SaysWhatWasMissing) {
     const std::string text = folder.Write("text", "no program\n");
     const std::string broken = folder.Write("broken", "no program\n");
     std::filesystem::permissions(broken, std::filesystem::perms::owner_all);
+    const std::string zero("a\0b", 3);
+    const std::string huge(4'000'000, 'x');
+
+    struct Row {
+        Arguments command;
+        std::string directory;
+        StartError error; // its text behind "Couldn't start "
+    };
+
+    const Row rows[] = {
+        {{"/nowhere/cc"},     "",            {"\"/nowhere/cc\": No such file or directory", Cause::Program}                },
+        {{"no-such-cc"},      folder.Path(), {"\"no-such-cc\": No such file or directory", Cause::Program}                 },
+        {{text},              "",            {"\"" + text + "\": Permission denied", Cause::Program}                       },
+        {{broken},            "",            {"\"" + broken + "\": Exec format error", Cause::Program}                     },
+        {{},                  "",            {"\"\": the command is empty", Cause::Program}                                },
+        {{"/bin/true"},       "/nowhere",    {"\"/bin/true\" in \"/nowhere\": No such file or directory", Cause::Directory}},
+        {{"/bin/true"},       text,          {"\"/bin/true\" in \"" + text + "\": Not a directory", Cause::Directory}      },
+        {{"/bin/true", zero}, "",            {"\"/bin/true\": an argument holds a zero byte", Cause::Command}              },
+        {{"/bin/true", huge}, "",            {"\"/bin/true\": Argument list too long", Cause::Command}                     },
+    };
     const std::ptrdiff_t before = OpenDescriptors();
-    EXPECT_EQ(StartError({"/nowhere/cc"}, ""), "Couldn't start \"/nowhere/cc\": No such file or directory");
-    EXPECT_EQ(StartError({"no-such-program"}, folder.Path()),
-              "Couldn't start \"no-such-program\": No such file or directory");
-    EXPECT_EQ(StartError({text}, ""), "Couldn't start \"" + text + "\": Permission denied");
-    EXPECT_EQ(StartError({broken}, ""), "Couldn't start \"" + broken + "\": Exec format error");
-    EXPECT_EQ(StartError({"/bin/true"}, "/nowhere/x"),
-              "Couldn't start \"/bin/true\" in \"/nowhere/x\": No such file or directory");
-    EXPECT_EQ(StartError({"/bin/true"}, text), "Couldn't start \"/bin/true\" in \"" + text + "\": Not a directory");
-    EXPECT_EQ(StartError({"/bin/true", std::string("a\0b", 3)}, ""),
-              "Couldn't start \"/bin/true\": an argument holds a zero byte");
-    EXPECT_EQ(StartError({}, ""), "Couldn't start \"\": the command is empty");
+    for (const Row& row : rows) {
+        EXPECT_EQ(TryToStart(row.command, row.directory),
+                  StartError("Couldn't start " + row.error.first, row.error.second));
+    }
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
 TEST(ChildThatCannotStart, LeavesNoDescriptorWhenTheyRunOut) {
     EXPECT_EQ(Script("exit 3").process.get_exit_status(), 3);
     const std::ptrdiff_t before = OpenDescriptors();
-    std::vector<std::string> errors;
     for (rlim_t room = 0; room < 4; ++room) {
-        errors.push_back(StartError({"/bin/true"}, "", room));
+        EXPECT_EQ(TryToStart({"/bin/true"}, "", room),
+                  StartError("Couldn't start \"/bin/true\": Too many open files", Cause::Resources));
     }
-    EXPECT_THAT(errors, testing::Each("Couldn't start \"/bin/true\": Too many open files"));
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
