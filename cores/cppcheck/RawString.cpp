@@ -33,6 +33,12 @@ std::size_t EndOfWord(std::string_view line, std::size_t begin) {
     return i;
 }
 
+// What ends the raw string whose quote stands at `quote`; empty when it is none after all.
+std::string RawStringEnd(std::string_view line, std::size_t quote) {
+    const std::size_t open = line.find('(', quote);
+    return open == std::string_view::npos ? "" : ")" + std::string(line.substr(quote + 1, open - quote - 1)) + "\"";
+}
+
 } // namespace
 
 std::string EndOfOpenRawString(std::string_view line) {
@@ -43,22 +49,23 @@ std::string EndOfOpenRawString(std::string_view line) {
     while (i < line.size()) {
         if (line[i] == '"' || line[i] == '\'') {
             i = EndOfLiteral(line, i);
-        } else if (!IsWordCharacter(line[i])) {
-            ++i;
-        } else {
-            const std::size_t end = EndOfWord(line, i);
-            const bool isRaw = IsRawPrefix(line.substr(i, end - i)) && line.substr(end).starts_with('"');
-            const std::size_t open = isRaw ? line.find('(', end) : std::string_view::npos;
-            i = end;
-            if (open != std::string_view::npos) {
-                const std::string terminator = ")" + std::string(line.substr(end + 1, open - end - 1)) + "\"";
-                const std::size_t close = line.find(terminator, open);
-                if (close == std::string_view::npos) {
-                    return terminator;
-                }
-                i = close + terminator.size();
-            }
+            continue;
         }
+        if (!IsWordCharacter(line[i])) {
+            ++i;
+            continue;
+        }
+        const std::size_t begin = i;
+        i = EndOfWord(line, begin);
+        if (!IsRawPrefix(line.substr(begin, i - begin)) || !line.substr(i).starts_with('"')) {
+            continue;
+        }
+        std::string end = RawStringEnd(line, i);
+        const std::size_t close = line.find(end, i);
+        if (close == std::string_view::npos) {
+            return end;
+        }
+        i = end.empty() ? EndOfLiteral(line, i) : close + end.size();
     }
     return {};
 }

@@ -34,7 +34,7 @@ bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, st
                 std::string_view defaultWord) {
     const std::string word = LastValue(settings, key).value_or(std::string(defaultWord));
     if (word != "yes" && word != "no") {
-        Fail(settingsPath, "\"" + std::string(key) + "\" is \"" + word + "\", but \"yes\" or \"no\" is expected");
+        Fail(settingsPath, '"' + std::string(key) + R"(" is ")" + word + R"(", but "yes" or "no" is expected)");
     }
     return word == "yes";
 }
