@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 namespace OrvlogConverter {
 namespace {
 
@@ -99,6 +97,14 @@ TEST(RawLine, NamesTheCweBeforeTheFurtherStandard) {
     }
 }
 
+std::string WithSeparators(std::string_view fields) {
+    std::string line;
+    for (const char character : fields) {
+        line += character == '|' ? "<#~>" : std::string(1, character);
+    }
+    return line;
+}
+
 struct RawFaultCase {
     std::string_view fields; // with "|" for the separator
     std::string_view error;
@@ -121,7 +127,7 @@ TEST(RawLine, IsRejectedWithItsFault) {
     };
     for (const RawFaultCase& row : cases) {
         try {
-            static_cast<void>(ReadRawLine(std::regex_replace(std::string(row.fields), std::regex("\\|"), "<#~>")));
+            static_cast<void>(ReadRawLine(WithSeparators(row.fields)));
             ADD_FAILURE() << row.fields << " was taken";
         } catch (const ParseException& error) {
             EXPECT_EQ(error.what(), row.error) << row.fields;

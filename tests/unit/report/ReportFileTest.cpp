@@ -1,5 +1,6 @@
 #include "report/ReportFile.h"
 
+#include "platform/Files.h"
 #include "report/Exceptions.h"
 #include "report/ReportOutputs.h"
 #include "support/TestFolder.h"
@@ -149,11 +150,11 @@ TEST(ReportFile, IsCompleteForAReaderAtAnyMoment) {
     std::jthread reader([&] {
         for (std::size_t number = 0; number < Rounds; ++number) {
             round.arrive_and_wait();
-            const auto document = nlohmann::json::parse(folder.Read("report.json"), nullptr, false);
+            const auto document = nlohmann::json::parse(Orvanta::ReadWholeFile(folder / "report.json"), nullptr, false);
             seen.push_back(document.is_discarded() ? std::nullopt : std::optional(document["warnings"].size()));
         }
     });
-    const ReportMessage message = {"V1", std::string(1000, 'x'), "", {}, 0, 1, false};
+    const ReportMessage message = {"V1", std::string(200, 'x'), "", {}, 0, 1, false};
     for (std::size_t number = 0; number < Rounds; ++number) {
         output.Write(message);
         round.arrive_and_wait();
