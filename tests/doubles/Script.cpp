@@ -77,7 +77,10 @@ void Hang(const std::string& directory, const std::string& key) {
         std::exit(GaveUp);
     }
     TouchFile((std::filesystem::path(directory) / (key + ".hangs")).string());
-    std::this_thread::sleep_for(LongestHang);
+    const auto end = std::chrono::steady_clock::now() + LongestHang;
+    while (std::filesystem::exists(directory) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
     std::exit(GaveUp);
 }
 

@@ -30,8 +30,8 @@ void TouchFile(const std::string& path);
 /// process ends with a code of its own.
 void WaitForFile(const std::string& path);
 
-/// Holds the lock of `key` in `directory` for as long as the process lives, and does nothing else for a minute: whoever
-/// gets that lock knows that the process is gone.
+/// Holds the lock of `key` in `directory` for as long as the process lives, and does nothing else for a minute or until
+/// the folder is gone: whoever gets that lock knows that the process has ended.
 [[noreturn]] void Hang(const std::string& directory, const std::string& key);
 
 } // namespace Orvanta

@@ -134,6 +134,24 @@ TEST_F(CompilersTest, CompilerIsAskedOncePerPathAndStandard) {
     }
 }
 
+TEST_F(CompilersTest, CompilerIsFoundAsTheCommandWouldFindIt) {
+    sandbox.AddCompiler("my-gcc", "gcc 12\n");
+    sandbox.Write("a.c", "int a;\n");
+    sandbox.Write("b.c", "int b;\n");
+    sandbox.AddEntry({
+        {"my-gcc", "-std=c11", "-c", "a.c"},
+        "", {{"PATH", sandbox.Path("tools")}   }
+    });
+    sandbox.AddEntry({
+        {"../tools/my-gcc", "-std=c11", "-c", sandbox.Path("b.c")},
+        sandbox.Path("records")
+    });
+    const RunResult result = sandbox.Analyze();
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(sandbox.CoreCalls().size(), 2U) << result;
+    EXPECT_EQ(sandbox.CompilerCalls("my-gcc", "-E"), 2U);
+}
+
 TEST_F(CompilersTest, FailedVersionQueryAndFailedProbeAreNoErrors) {
     sandbox.AddCompiler("fake-gcc", "clang version 14\n", "version-exit 7\naccept-only -c -E -w -o -D\n");
     sandbox.Write("a.cpp", "int a;\n");

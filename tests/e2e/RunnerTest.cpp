@@ -109,6 +109,15 @@ TEST_F(RunnerTest, FailedUnitIsNamedAndHarmsNoOther) {
     EXPECT_TRUE(sandbox.Leftovers().empty());
 }
 
+// A compiler cache may start its server from any call; the server keeps the outputs that it was given.
+TEST_F(RunnerTest, ServerThatACoreLeavesBehindDoesNotHoldTheRun) {
+    sandbox.AddUnit("a.c", {"spawn-hanging-child", "stdout said before", "finding V501 1 1 found"});
+    const RunResult result = sandbox.Analyze({"-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("said before\n")) << result;
+    EXPECT_EQ(MessagesOf(Report()), std::vector<std::string>{"found"});
+}
+
 TEST_F(RunnerTest, PreprocessingFailureIsShownWholeWhenVerbose) {
     sandbox.AddUnit("a.c");
     sandbox.Write("a.c.compiler", "stdout from the output\nstderr from the errors\nexit 1\n");

@@ -91,6 +91,13 @@ TEST_F(ResourcesTest, ReaderThatGoesAwayDoesNotEndTheRun) {
     EXPECT_TRUE(sandbox.Leftovers().empty());
 }
 
+TEST_F(ResourcesTest, ClosedStandardStreamsHarmNoReport) {
+    sandbox.AddUnit("a.c", {"stdout from the core", "finding V501 1 1 one"});
+    sandbox.AddUnit("b.c", {"finding V501 1 1 two"});
+    EXPECT_EQ(AnalyzeWithin("\"$@\" <&- >&- 2>&-", {"-o", "report.json"}).exitCode, 0);
+    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"one", "two"}));
+}
+
 TEST_F(ResourcesTest, ReportGoesThroughAPipe) {
     sandbox.AddUnit("a.c");
     sandbox.AddUnit("b.c");
