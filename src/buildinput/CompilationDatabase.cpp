@@ -97,6 +97,29 @@ struct TextMember {
     }
 };
 
+enum class Member { Other, Directory, Command, Arguments, Environment };
+
+struct MemberName {
+    std::string_view name;
+    Member member;
+};
+
+constexpr MemberName MemberNames[] = {
+    {"directory",   Member::Directory  },
+    {"command",     Member::Command    },
+    {"arguments",   Member::Arguments  },
+    {"environment", Member::Environment},
+};
+
+Member MemberOf(std::string_view name) {
+    for (const MemberName& row : MemberNames) {
+        if (row.name == name) {
+            return row.member;
+        }
+    }
+    return Member::Other;
+}
+
 /// An entry as far as it is read. Used again for the next one, so that its strings keep their memory.
 struct Entry {
     TextMember directory;
@@ -193,7 +216,6 @@ public:
 
 private:
     enum class Place { Document, Entries, Entry, Arguments, Environment, Skipped };
-    enum class Member { Other, Directory, Command, Arguments, Environment };
 
     bool TakeScalar(std::string_view type, const std::string* text = nullptr);
     bool Open(std::string_view type);
@@ -223,11 +245,7 @@ bool DatabaseHandler::key(std::string& name) {
     if (place_ == Place::Environment) {
         variable_ = &entry_.environment[name];
     } else if (place_ == Place::Entry) {
-        member_ = name == "directory"     ? Member::Directory
-                  : name == "command"     ? Member::Command
-                  : name == "arguments"   ? Member::Arguments
-                  : name == "environment" ? Member::Environment
-                                          : Member::Other;
+        member_ = MemberOf(name);
     }
     return true;
 }

@@ -43,20 +43,20 @@ struct ExpectedFate {
 TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
     (void)folder_.Write("bad.rsp", "-c 'a.c");
     (void)folder_.Write("zero.rsp", std::string("-DA=\0b", 6));
+    const std::string zero("a\0.c", 4);
+    using enum InvocationFate;
     const ExpectedFate rows[] = {
-        {{},                                         InvocationFate::Unreadable, "",                                                "the command string can't be split"       },
-        {{"", "-c", "a.c"},                          InvocationFate::Unreadable, "a.c",                                             "the command names no compiler"           },
-        {{"%/clang", "-c", std::string("a\0.c", 4)}, InvocationFate::Unreadable, std::string("a\0.c",                               4),                                         "zero byte"},
-        {{"%/clang", "-c", "a.c", "@zero.rsp"},                                          InvocationFate::Unreadable,                                "a.c",              "zero byte"                   },
-        {{"%/clang", "@bad.rsp", "-o", "a.o"},
-         InvocationFate::Unreadable,
-         "a.o",                                                                                                "Unmatched quote in response file \"bad.rsp\": 'a.c"                                                                                                                                                                },
-        {{"%/none", "-c", "a.c"},                                          InvocationFate::CompilerMissing,                                              "a.c",                       "%/none"},
-        {{"%/broken", "-c", "a.c"},                                          InvocationFate::UnknownCompiler,                                            "a.c",                     "%/broken"                                                                                                                                                                },
-        {{"%/qcc", "-c", "a.c"},                                          InvocationFate::UnknownCompiler,                                               "a.c",                        "not supported yet: QCC"},
-        {{"%/ccache", "%/clang", "-c", "a.c", "-oa.o"},                                          InvocationFate::SkippedLauncher,                        "a.o", "--ignore-ccache"                                                                                                                                                                },
-        {{"%/clang", "a.o", "-o", "program"},                                          InvocationFate::NotACompilation,                                  "program",           ""},
-        {{"%/clang", "--version"},                                          InvocationFate::NotACompilation,                                             "%/clang --version",                      ""                                                                                                                                                      },
+        {{},                                   Unreadable,      "",                  "command string can't be split"  },
+        {{"", "-c", "a.c"},                    Unreadable,      "a.c",               "names no compiler"              },
+        {{"%/clang", "-c", zero},              Unreadable,      zero,                "zero byte"                      },
+        {{"%/clang", "a.c", "@zero.rsp"},      Unreadable,      "a.c",               "zero byte"                      },
+        {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable,      "a.o",               "response file \"bad.rsp\": 'a.c"},
+        {{"%/none", "-c", "a.c"},              CompilerMissing, "a.c",               "%/none"                         },
+        {{"%/broken", "-c", "a.c"},            UnknownCompiler, "a.c",               "%/broken"                       },
+        {{"%/qcc", "-c", "a.c"},               UnknownCompiler, "a.c",               "not supported yet: QCC"         },
+        {{"%/ccache", "%/clang", "-oa.o"},     SkippedLauncher, "a.o",               "--ignore-ccache"                },
+        {{"%/clang", "a.o", "-o", "x"},        NotACompilation, "x",                 ""                               },
+        {{"%/clang", "--version"},             NotACompilation, "%/clang --version", ""                               },
     };
     const auto inFolder = [this](std::string text) {
         return text.starts_with('%') ? folder_.Path() + text.substr(1) : text;
@@ -68,12 +68,12 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
         }
         Add(arguments, folder_.Path());
     }
-    Add({Program("clang"), "-c", "a.c"}, std::string("/\0a", 3));
-    Add(
-        {
-            Program("clang"), "-c", "a.c"
-    },
-        "/", {{"A", std::string("\0", 1)}});
+    const Words command = {Program("clang"), "-c", "a.c"};
+    const Environment zeroValue = {
+        {"A", zero}
+    };
+    Add(command, zero);
+    Add(command, "/", zeroValue);
     const CollectedCommands collected = collecting_.collector.Take();
 
     EXPECT_TRUE(collected.units.empty());
