@@ -20,7 +20,9 @@ Environment WithChanges(const Environment& changes) {
 EnvironmentBlock::EnvironmentBlock(const Environment& variables) {
     entries_.reserve(variables.size());
     for (const auto& [name, value] : variables) {
-        entries_.push_back(name + '=' + value);
+        std::string& entry = entries_.emplace_back();
+        entry.reserve(name.size() + 1 + value.size());
+        entry.append(name).append(1, '=').append(value);
     }
 }
 

@@ -98,14 +98,14 @@ public:
     Process& operator=(const Process&) = delete;
 
     /// Looks without waiting: true, with the code, when the child has ended and its output has been received whole.
-    /// A child ended by signal N has the code 128 + N.
+    /// A child ended by signal N has the code 128 + N, a killed one 1 where there are no signals.
     [[nodiscard]] bool try_get_exit_status(int& exitStatus);
 
     /// Waits without limit for the end of the child and returns its code.
     int get_exit_status();
 
-    /// Asks the child and what it started to end; with `force`, ends them. Nothing is done to a child whose end has
-    /// been seen.
+    /// Asks the child and what it started to end; with `force`, and on a system that knows no such question, ends them.
+    /// Nothing is done to a child whose end has been seen.
     void kill(bool force = false);
 
     /// Blocks until the child has ended, has written something, or `longest` has passed, and receives what was written.

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::string operator/(std::string_view name) const { return (path_ / name).string(); }
 
     /// Writes a file, making the folders on its way, and returns its absolute path.
-    std::string Write(std::string_view name, std::string_view text) const {
+    std::string Write(std::string_view name, std::string_view text) const { // NOLINT(modernize-use-nodiscard)
         const std::filesystem::path file = path_ / name;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream stream(file, std::ios::binary);
@@ -55,7 +55,7 @@ public:
     }
 
     /// Makes a folder with those on its way and returns its absolute path.
-    std::string MakeFolder(std::string_view name) const {
+    std::string MakeFolder(std::string_view name) const { // NOLINT(modernize-use-nodiscard)
         std::filesystem::create_directories(path_ / name);
         return (path_ / name).string();
     }

@@ -69,7 +69,7 @@ unsigned ProcessorsOfQuota(const std::string& text) {
 
 // The tightest processor quota of our control group (version 2) and those around it.
 unsigned ProcessorsOfControlGroup() {
-    const std::string Root = "/sys/fs/cgroup";
+    constexpr std::string_view Root = "/sys/fs/cgroup";
     unsigned fewest = std::numeric_limits<unsigned>::max();
     try {
         const std::string groups = ReadWholeFile("/proc/self/cgroup"); // "0::/GROUP", among lines of version 1
@@ -80,7 +80,7 @@ unsigned ProcessorsOfControlGroup() {
         const std::size_t begin = line + 3;
         std::string group = groups.substr(begin, groups.find('\n', begin) - begin);
         while (!group.empty()) {
-            const std::string quota = Root + group + "/cpu.max";
+            const std::string quota = std::string(Root).append(group).append("/cpu.max");
             if (PathExists(quota)) {
                 fewest = std::min(fewest, ProcessorsOfQuota(ReadWholeFile(quota)));
             }

@@ -28,7 +28,7 @@ constexpr std::size_t LongestTrace = 64;
 // Printing allocates, and the crash may have happened inside the allocator: longer than this nobody waits for a trace.
 constexpr std::time_t LongestReportSeconds = 30;
 
-constexpr std::size_t SignalStackSize = 128 * 1024; // resident only when used
+constexpr std::size_t SignalStackSize = std::size_t(128) * 1024; // resident only when used
 
 // Decides where the stack of a crash goes.
 struct WriteCrashReport {
@@ -72,9 +72,11 @@ void WaitForReport(sem_t& semaphore) {
 // Where the thread was when the signal came; null where we can't tell: the trace then starts at the handler.
 void* CrashedInstruction([[maybe_unused]] void* context) {
 #if defined(REG_RIP)
-    return reinterpret_cast<void*>(static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP]);
+    const auto address = static_cast<ucontext_t*>(context)->uc_mcontext.gregs[REG_RIP];
+    return reinterpret_cast<void*>(address); // NOLINT(performance-no-int-to-ptr)
 #elif defined(__aarch64__)
-    return reinterpret_cast<void*>(static_cast<ucontext_t*>(context)->uc_mcontext.pc);
+    const auto address = static_cast<ucontext_t*>(context)->uc_mcontext.pc;
+    return reinterpret_cast<void*>(address); // NOLINT(performance-no-int-to-ptr)
 #else
     return nullptr;
 #endif

@@ -78,7 +78,8 @@ int FaultOfDirectory(const std::string& directory) {
 void CheckForZeroBytes(const Arguments& command) {
     for (const std::string& argument : command) {
         if (argument.find('\0') != std::string::npos) {
-            FailToStart(command.front().c_str(), "an argument holds a zero byte", Cause::Command);
+            FailToStart(command.front().substr(0, command.front().find('\0')), "an argument holds a zero byte",
+                        Cause::Command);
         }
     }
 }
@@ -239,7 +240,7 @@ struct Output {
         if (!pipe.IsOpen() || ::ioctl(pipe.Number(), FIONREAD, &waiting) != 0) {
             return;
         }
-        std::size_t left = static_cast<std::size_t>(waiting);
+        auto left = static_cast<std::size_t>(waiting);
         while (left > 0 && pipe.IsOpen()) {
             left -= ReadBlock(left);
         }

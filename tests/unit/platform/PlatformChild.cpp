@@ -79,8 +79,8 @@ extern "C" [[gnu::noinline]] void OverflowOnPurpose(volatile char* outer) {
 
 extern "C" void CrashOnPurpose(std::string_view way) {
     if (way == "segv") {
-        const volatile std::uintptr_t nowhere = 64; // in the first page, which nobody has
-        *reinterpret_cast<volatile int*>(nowhere) = 1;
+        const volatile std::uintptr_t nowhere = 64;    // in the first page, which nobody has
+        *reinterpret_cast<volatile int*>(nowhere) = 1; // NOLINT(performance-no-int-to-ptr)
     } else if (way == "abort") {
         std::abort();
     } else if (way == "exception") {

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -182,15 +183,15 @@ TEST(ChildThatCannotStart, SaysWhatWasMissing) {
     };
 
     const Row rows[] = {
-        {{"/nowhere/cc"},     "",            {"\"/nowhere/cc\": No such file or directory", Cause::Program}                },
-        {{"no-such-cc"},      folder.Path(), {"\"no-such-cc\": No such file or directory", Cause::Program}                 },
-        {{text},              "",            {"\"" + text + "\": Permission denied", Cause::Program}                       },
-        {{broken},            "",            {"\"" + broken + "\": Exec format error", Cause::Program}                     },
-        {{},                  "",            {"\"\": the command is empty", Cause::Program}                                },
-        {{"/bin/true"},       "/nowhere",    {"\"/bin/true\" in \"/nowhere\": No such file or directory", Cause::Directory}},
-        {{"/bin/true"},       text,          {"\"/bin/true\" in \"" + text + "\": Not a directory", Cause::Directory}      },
-        {{"/bin/true", zero}, "",            {"\"/bin/true\": an argument holds a zero byte", Cause::Command}              },
-        {{"/bin/true", huge}, "",            {"\"/bin/true\": Argument list too long", Cause::Command}                     },
+        {{"/nowhere/cc"},     "",            {R"("/nowhere/cc": No such file or directory)", Cause::Program}              },
+        {{"no-such-cc"},      folder.Path(), {R"("no-such-cc": No such file or directory)", Cause::Program}               },
+        {{text},              "",            {"\"" + text + "\": Permission denied", Cause::Program}                      },
+        {{broken},            "",            {"\"" + broken + "\": Exec format error", Cause::Program}                    },
+        {{},                  "",            {R"("": the command is empty)", Cause::Program}                              },
+        {{"/bin/true"},       "/nowhere",    {R"("/bin/true" in "/nowhere": No such file or directory)", Cause::Directory}},
+        {{"/bin/true"},       text,          {"\"/bin/true\" in \"" + text + "\": Not a directory", Cause::Directory}     },
+        {{"/bin/true", zero}, "",            {R"("/bin/true": an argument holds a zero byte)", Cause::Command}            },
+        {{"/bin/true", huge}, "",            {R"("/bin/true": Argument list too long)", Cause::Command}                   },
     };
     const std::ptrdiff_t before = OpenDescriptors();
     for (const Row& row : rows) {
@@ -277,11 +278,9 @@ TEST(JudgedEnd, OfAFailedChildShowsBothOutputs) {
 }
 
 TEST(Kill, EndsTheTreeWhenTheObjectGoes) {
-    pid_t grandchild = 0;
-    {
-        Script script("sleep 1000 & echo $!; wait");
-        grandchild = script.ReadPid();
-    }
+    auto script = std::make_unique<Script>("sleep 1000 & echo $!; wait");
+    const pid_t grandchild = script->ReadPid();
+    script.reset();
     EXPECT_TRUE(Ends(grandchild));
 }
 
@@ -293,6 +292,19 @@ TEST(Kill, WithoutForceLetsTheChildSayGoodbyeAndLeavesNothingOfItsTree) {
     EXPECT_EQ(script.process.get_exit_status(), 9);
     EXPECT_THAT(script.standardOutput, testing::EndsWith("\nbye\n"));
     EXPECT_TRUE(Ends(grandchild));
+}
+
+// The outputs of some children, one after the other.
+std::string OutputsOf(std::size_t thread, int children) {
+    const StopFlag stop;
+    std::string outputs;
+    for (int child = 0; child < children; ++child) {
+        Script script("echo " + std::to_string(thread) + "." + std::to_string(child));
+        if (WaitUntilEndOrStop(script.process, stop).finished) {
+            outputs += script.standardOutput;
+        }
+    }
+    return outputs;
 }
 
 TEST(Children, OfManyThreadsDoNotMixAndLeaveNoDescriptors) {
@@ -307,15 +319,7 @@ TEST(Children, OfManyThreadsDoNotMixAndLeaveNoDescriptors) {
         for (int child = 0; child < ChildrenOfEach; ++child) {
             expected[thread] += std::to_string(thread) + "." + std::to_string(child) + "\n";
         }
-        threads.emplace_back([thread, &output = outputs[thread]] {
-            const StopFlag stop;
-            for (int child = 0; child < ChildrenOfEach; ++child) {
-                Script script("echo " + std::to_string(thread) + "." + std::to_string(child));
-                if (WaitUntilEndOrStop(script.process, stop).finished) {
-                    output += script.standardOutput;
-                }
-            }
-        });
+        threads.emplace_back([thread, &output = outputs[thread]] { output = OutputsOf(thread, ChildrenOfEach); });
     }
     for (std::thread& thread : threads) {
         thread.join();
