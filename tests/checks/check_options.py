@@ -11,15 +11,15 @@ import sys
 
 import repository
 
-HELP_LINE = re.compile(r"^\s+(?:(-[A-Za-z])\S*,\s+)?(--[a-z][a-z-]*)")
+# A long form stands behind the short one, or in the next line when both are too wide for one.
+HELP_OPTION = re.compile(r"^\s+(?:(-[A-Za-z])\S*,\s+)?(--[a-z][a-z-]*)", re.MULTILINE)
 CELL_OPTION = re.compile(r"`(-[A-Za-z]|--[a-z][a-z-]*)((?: [^`]+)?)`")
 
 
 def options_of_help(program):
     """Every option of the help, short and long."""
     run = subprocess.run([program, "analyze", "--help"], capture_output=True, text=True, stdin=subprocess.DEVNULL)
-    matches = [HELP_LINE.match(line) for line in run.stdout.splitlines()]
-    return {option for match in matches if match for option in match.groups() if option}
+    return {option for forms in HELP_OPTION.findall(run.stdout) for option in forms if option}
 
 
 def options_of_page(folder, name):

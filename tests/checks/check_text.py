@@ -26,8 +26,12 @@ for name in repository.files(folder, ""):
     if in_data or not (name.endswith(TEXT_FILES) or has_script_line(folder, name)):
         continue
     content = repository.lines(folder, name)
+    shows_output = False
     for number, line in content:
-        may_be_wide = name.endswith((".h", ".cpp")) or name.endswith(".md") and line.lstrip().startswith("|")
+        if name.endswith(".md") and line.startswith("```"):
+            shows_output = line.startswith("```text")
+        is_table = name.endswith(".md") and line.startswith("|")
+        may_be_wide = name.endswith((".h", ".cpp")) or is_table or shows_output
         if len(line) > LONGEST_LINE and not may_be_wide:
             faults.append(f"{name}:{number}: {len(line)} columns, more than {LONGEST_LINE}")
         if line != line.rstrip():
