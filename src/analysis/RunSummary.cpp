@@ -90,6 +90,9 @@ std::string FindingsText(const RunOutcome& outcome) {
     if (levels[0] > 0) {
         text += ", " + std::to_string(levels[0]) + " without a level";
     }
+    if (outcome.hiddenFindings) {
+        text += "; " + std::to_string(*outcome.hiddenFindings) + " more are hidden by the suppress file";
+    }
     return text + "\n";
 }
 
@@ -107,7 +110,7 @@ void AppendFailure(std::string& text, const std::string& what, std::string_view 
 } // namespace
 
 bool IsFailure(InvocationFate fate) noexcept {
-    return fate == InvocationFate::CompilerMissing || fate == InvocationFate::Unreadable;
+    return fate == InvocationFate::CompilerUnusable || fate == InvocationFate::Unreadable;
 }
 
 InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome) {

@@ -27,8 +27,8 @@ enum class InvocationFate {
     UnknownCompiler,
     OtherCompiler, ///< left out by the compiler filter
     SkippedLauncher,
-    CompilerMissing,
-    Unreadable, ///< its command string or a response file can't be read
+    CompilerUnusable, ///< there is no such program, or it can't be started
+    Unreadable,       ///< its command string or a response file can't be read
 };
 
 /// An invocation that gave no unit.

@@ -170,15 +170,16 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Refuse(const st
 }
 
 std::optional<InvocationCollector::Refusal>
-InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified) {
+InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified, const std::string& program) {
     switch (identified.verdict) {
     case IdentificationVerdict::Known:
         break;
     case IdentificationVerdict::Launcher:
-        return Refusal{InvocationFate::SkippedLauncher, "ccache commands are not looked into without --ignore-ccache"};
+        return Refusal{InvocationFate::SkippedLauncher, "ccache command"};
     case IdentificationVerdict::Missing:
-        return Refusal{InvocationFate::CompilerMissing,
-                       "the compiler " + Quoted(identified.compiler->path) + " doesn't exist"};
+        return Refusal{InvocationFate::CompilerUnusable, "the compiler " + Quoted(program) + " was not found"};
+    case IdentificationVerdict::Unusable:
+        return Refusal{InvocationFate::CompilerUnusable, identified.compiler->fault};
     case IdentificationVerdict::Unknown:
         return Refusal{InvocationFate::UnknownCompiler,
                        "the compiler " + Quoted(identified.compiler->path) + " can't be identified"};
@@ -204,7 +205,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     }
     const Directories directories = Share(workingDirectory);
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
-    if (std::optional<Refusal> refusal = RefuseCompiler(identified)) {
+    if (std::optional<Refusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
     }
     ExpandResponseFiles(arguments, *directories.absolute);
@@ -212,6 +213,11 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
     const InvocationOutline outline = OutlineInvocation(*ModelOf(identified.compiler->type), arguments);
+    if (outline.missingResponseFile) {
+        return Refusal{InvocationFate::Unreadable, "the response file " +
+                                                       Quoted(arguments[*outline.missingResponseFile].substr(1)) +
+                                                       " doesn't exist"};
+    }
     if (outline.sources.empty()) {
         return Refusal{InvocationFate::NotACompilation, std::string(outline.reason)};
     }

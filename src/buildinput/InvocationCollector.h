@@ -64,7 +64,8 @@ private:
     [[nodiscard]] std::optional<Refusal> Refuse(const std::vector<std::string>& arguments,
                                                 const std::string& workingDirectory,
                                                 const Environment& environment) const;
-    [[nodiscard]] std::optional<Refusal> RefuseCompiler(const CompilerIdentifier::Result& identified);
+    [[nodiscard]] std::optional<Refusal> RefuseCompiler(const CompilerIdentifier::Result& identified,
+                                                        const std::string& program);
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
                                                  const std::string& workingDirectory, const Environment& environment);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;

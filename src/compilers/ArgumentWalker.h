@@ -125,8 +125,17 @@ private:
 
     void ReadInput(std::size_t index, std::size_t offset, std::optional<InputKind> stated) {
         const std::string_view name = std::string_view(arguments_[index]).substr(offset);
-        const InputKind kind = name == "-" ? InputKind::StandardInput : stated ? *stated : InputKindByExtension(name);
-        visitor_.Input(InputFile{index, offset, kind, stated.has_value()});
+        visitor_.Input(InputFile{index, offset, KindOf(name, stated), stated.has_value()});
+    }
+
+    static InputKind KindOf(std::string_view name, std::optional<InputKind> stated) {
+        if (name == "-") {
+            return InputKind::StandardInput;
+        }
+        if (name.size() > 1 && name.front() == '@') {
+            return InputKind::MissingResponseFile; // those that are there have been expanded
+        }
+        return stated ? *stated : InputKindByExtension(name);
     }
 
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {

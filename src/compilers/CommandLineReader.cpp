@@ -3,6 +3,8 @@
 #include "compilers/ArgumentWalker.h"
 #include "platform/Paths.h"
 
+#include <optional>
+
 namespace Orvanta {
 
 namespace {
@@ -19,10 +21,15 @@ public:
 
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
+        if (input.kind == InputKind::MissingResponseFile && !missingResponseFile_) {
+            missingResponseFile_ = input.index;
+        }
         if (IsSource(input.kind)) {
             sources_.push_back({input.index, input.offset});
         }
     }
+
+    [[nodiscard]] std::optional<std::size_t> MissingResponseFile() const { return missingResponseFile_; }
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
@@ -69,6 +76,7 @@ private:
     }
 
     std::vector<SourceArgument>& sources_;
+    std::optional<std::size_t> missingResponseFile_;
     unsigned effects_ = 0; // one bit for each effect met
     unsigned inputs_ = 0;  // one bit for each kind of input met
     bool printsInformation_ = false;
@@ -221,6 +229,7 @@ InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::
     InvocationOutline outline;
     OutlineVisitor visitor(outline.sources);
     ArgumentWalker<OutlineVisitor>(model, arguments, visitor).Walk();
+    outline.missingResponseFile = visitor.MissingResponseFile();
     outline.reason = visitor.Reason();
     if (!outline.reason.empty()) {
         outline.sources.clear();

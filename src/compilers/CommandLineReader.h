@@ -3,6 +3,7 @@
 #include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +21,7 @@ struct SourceArgument {
 struct InvocationOutline {
     std::vector<SourceArgument> sources; ///< C and C++ sources, in the order of the command
     std::string_view reason;             ///< why there are none ("link only", ...); empty when there are some
+    std::optional<std::size_t> missingResponseFile; ///< the first argument that names one, whatever else there is
 };
 
 /// Finds the sources of an invocation, or why it compiles none. `arguments` has the compiler first and no response

@@ -118,6 +118,8 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
     result.compiler = lookUp.compiler;
     if (lookUp.compiler->type != CompilerType::Unknown) {
         result.verdict = IdentificationVerdict::Known;
+    } else if (!lookUp.compiler->fault.empty()) {
+        result.verdict = IdentificationVerdict::Unusable;
     }
     return result;
 }
@@ -189,19 +191,18 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     info->path = path;
     if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
         info->type = *type;
-    } else if (std::optional<std::string> version = AskForVersion(path, workingDirectory, environment)) {
-        info->type = CompilerTypeByVersionText(*version);
-        info->version = std::move(*version);
+    } else {
+        AskForVersion(*info, workingDirectory, environment);
     }
     judged_.emplace(path, info);
     return info;
 }
 
-// What the compiler prints for "--version"; nothing when it can't be started, doesn't end, or the user wants to stop.
-std::optional<std::string> CompilerIdentifier::AskForVersion(const std::string& path,
-                                                             const std::string& workingDirectory,
-                                                             const Environment& environment) {
-    const Arguments command = {path, "--version"};
+// Decides by what the compiler prints for "--version". The type stays unknown when it can't be started, doesn't end, or
+// the user wants to stop.
+void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
+                                       const Environment& environment) {
+    const Arguments command = {compiler.path, "--version"};
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
     CapturedOutput output;
     try {
@@ -216,18 +217,17 @@ std::optional<std::string> CompilerIdentifier::AskForVersion(const std::string& 
                     "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
                     {CommandLineText(command), VariableLines(variables)}));
             }
-            return std::nullopt;
+            return;
         }
-        std::string text = output.standardOutput + output.standardError;
+        compiler.version = output.standardOutput + output.standardError;
+        compiler.type = CompilerTypeByVersionText(compiler.version);
         if (end.exitCode != 0) {
             log_.VerboseLine(
                 FillPlaceholders("Compiler version output command returned code %1%.\nCommand: %2%\nOutput:\n%3%",
-                                 {std::to_string(end.exitCode), CommandLineText(command), text}));
+                                 {std::to_string(end.exitCode), CommandLineText(command), compiler.version}));
         }
-        return text;
     } catch (const ProcessStartException& error) {
-        log_.VerboseLine(error.what());
-        return std::nullopt;
+        compiler.fault = error.what();
     }
 }
 

@@ -23,6 +23,7 @@ struct CompilerInfo {
     CompilerType type = CompilerType::Unknown;
     std::string path;    ///< absolute
     std::string version; ///< the text that "--version" printed; empty when the name alone decided
+    std::string fault;   ///< why it can't be started; empty when it can, as far as is known
 };
 
 /// How identification of one invocation ended.
@@ -30,7 +31,8 @@ enum class IdentificationVerdict {
     Known,
     Launcher, ///< a ccache command, and ccache commands are not to be unwrapped
     Missing,  ///< there is no such program
-    Unknown,  ///< it did not answer, or can't be started
+    Unusable, ///< it can't be started
+    Unknown,  ///< it did not answer
 };
 
 /// Decides which family a compiler belongs to, by its name or by what it prints for "--version". A path is looked up,
@@ -75,8 +77,7 @@ private:
     const std::string& SearchPath(const Environment& environment) const;
     std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
                                               const Environment& environment);
-    std::optional<std::string> AskForVersion(const std::string& path, const std::string& workingDirectory,
-                                             const Environment& environment);
+    void AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
 
     const RunSettings& settings_;
     Log& log_;

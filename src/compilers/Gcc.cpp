@@ -101,10 +101,10 @@ constexpr FlagRow GccFlags[] = {
     // Every standard that has no row of its own.
     {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
 
-    // What the driver does with the sources.
-    {"c", FlagKind::Drop, FlagEffect::Compiles},
+    // What the driver does with the sources. "-E" wins over the first two.
+    {"c", FlagKind::Keep, FlagEffect::Compiles},
     {"compile", FlagKind::Drop, FlagEffect::Compiles},
-    {"S", FlagKind::Drop, FlagEffect::Compiles},
+    {"S", FlagKind::Keep, FlagEffect::Compiles},
     {"assemble", FlagKind::Drop, FlagEffect::Compiles},
     {"preprocess", FlagKind::Drop, FlagEffect::PreprocessesOnly},
     {"M", FlagKind::Drop, FlagEffect::ListsDependencies},

@@ -17,6 +17,7 @@ enum class InputKind : std::uint8_t {
     OtherLanguage, ///< Objective-C, Fortran and others that the driver hands to other compilers
     LinkInput,     ///< objects, libraries, and all that no extension tells apart
     StandardInput,
+    MissingResponseFile, ///< "@" and the name of a file that isn't there: the driver fails on it
 };
 
 /// Whether the system analyzes such inputs.

@@ -27,7 +27,7 @@ CollectedCommands SomeCommands() {
     commands.units = {UnitOf(1, "a.c"), UnitOf(2, "b.c"), UnitOf(3, "c.c"), UnitOf(3, "d.c"), UnitOf(4, "e.c")};
     commands.skipped = {
         {5, InvocationFate::NotACompilation, "app", "link only"                     },
-        {6, InvocationFate::CompilerMissing, "foo", "compiler \"foo\" was not found"},
+        {6, InvocationFate::CompilerUnusable, "foo", "compiler \"foo\" was not found"},
         {7, InvocationFate::NotACompilation, "lib", "link only"                     },
     };
     commands.invocations = 7;

@@ -46,17 +46,17 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
     const std::string zero("a\0.c", 4);
     using enum InvocationFate;
     const ExpectedFate rows[] = {
-        {{},                                   Unreadable,      "",                  "command string can't be split"  },
-        {{"", "-c", "a.c"},                    Unreadable,      "a.c",               "names no compiler"              },
-        {{"%/clang", "-c", zero},              Unreadable,      zero,                "zero byte"                      },
-        {{"%/clang", "a.c", "@zero.rsp"},      Unreadable,      "a.c",               "zero byte"                      },
-        {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable,      "a.o",               "response file \"bad.rsp\": 'a.c"},
-        {{"%/none", "-c", "a.c"},              CompilerMissing, "a.c",               "%/none"                         },
-        {{"%/broken", "-c", "a.c"},            UnknownCompiler, "a.c",               "%/broken"                       },
-        {{"%/qcc", "-c", "a.c"},               UnknownCompiler, "a.c",               "not supported yet: QCC"         },
-        {{"%/ccache", "%/clang", "-oa.o"},     SkippedLauncher, "a.o",               "--ignore-ccache"                },
-        {{"%/clang", "a.o", "-o", "x"},        NotACompilation, "x",                 ""                               },
-        {{"%/clang", "--version"},             NotACompilation, "%/clang --version", ""                               },
+        {{},                                   Unreadable,       "",                  "command string can't be split"  },
+        {{"", "-c", "a.c"},                    Unreadable,       "a.c",               "names no compiler"              },
+        {{"%/clang", "-c", zero},              Unreadable,       zero,                "zero byte"                      },
+        {{"%/clang", "a.c", "@zero.rsp"},      Unreadable,       "a.c",               "zero byte"                      },
+        {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable,       "a.o",               "response file \"bad.rsp\": 'a.c"},
+        {{"%/none", "-c", "a.c"},              CompilerUnusable, "a.c",               "%/none"                         },
+        {{"%/broken", "-c", "a.c"},            CompilerUnusable, "a.c",               "%/broken"                       },
+        {{"%/qcc", "-c", "a.c"},               UnknownCompiler,  "a.c",               "not supported yet: QCC"         },
+        {{"%/ccache", "%/clang", "-oa.o"},     SkippedLauncher,  "a.o",               "ccache command"                 },
+        {{"%/clang", "a.o", "-o", "x"},        NotACompilation,  "x",                 ""                               },
+        {{"%/clang", "--version"},             NotACompilation,  "%/clang --version", ""                               },
     };
     const auto inFolder = [this](std::string text) {
         return text.starts_with('%') ? folder_.Path() + text.substr(1) : text;

@@ -181,4 +181,13 @@ TEST(ReadCommandLine, TakesTheLanguageOfASourceNamedByAFlag) {
     EXPECT_EQ(second.language, Language::Cpp);
 }
 
+// Compilers fail on them; a flag's value may begin with the same sign.
+TEST(OutlineInvocation, TellsOfAResponseFileThatIsNotThere) {
+    const Gcc model;
+    const Words missing = Split("gcc -c a.c -install_name @rpath/x @gone.rsp");
+    EXPECT_EQ(OutlineInvocation(model, missing).missingResponseFile, 5U);
+    EXPECT_EQ(OutlineInvocation(model, Split("gcc -c a@b.c -Wl,-rpath,@loader_path")).missingResponseFile,
+              std::nullopt);
+}
+
 } // namespace Orvanta

@@ -209,14 +209,16 @@ TEST_F(IdentifierTest, DoesNotAskAMissingCompilerUnlessToldTo) {
     }
     EXPECT_EQ(LogText(), "Compiler at path: '" + (folder / "no-such-compiler") + "' exists=false\n");
     EXPECT_EQ(Identify("no-such-compiler -c a.c", {}, CompilerIdentifier::Query::Always).verdict,
-              IdentificationVerdict::Unknown);
+              IdentificationVerdict::Unusable);
     EXPECT_EQ(Identify("/nowhere/clang -c a.c", {}, CompilerIdentifier::Query::Always).verdict,
               IdentificationVerdict::Known);
 }
 
-TEST_F(IdentifierTest, CallsAProgramThatCannotBeStartedUnknown) {
+TEST_F(IdentifierTest, SaysWhyAProgramCannotBeStarted) {
     const std::string path = folder.Write("mycc", "no program");
-    EXPECT_EQ(Identify(path + " -c a.c").verdict, IdentificationVerdict::Unknown);
+    const CompilerIdentifier::Result result = Identify(path + " -c a.c");
+    EXPECT_EQ(result.verdict, IdentificationVerdict::Unusable);
+    EXPECT_EQ(result.compiler->fault, "Couldn't start \"" + path + "\": Permission denied");
     (void)folder.MakeFolder("folder");
     EXPECT_EQ(Identify(folder / "folder").verdict, IdentificationVerdict::Missing);
 }
@@ -235,7 +237,7 @@ TEST_F(IdentifierTest, UnwrapsTheLauncherOnlyWhereTheSettingsSaySo) {
 
     EXPECT_EQ(Identify("ccache.exe " + path).wrapped, false);
     EXPECT_EQ(Identify("ccache").verdict, IdentificationVerdict::Launcher);
-    EXPECT_EQ(Identify("ccache no-such-compiler").verdict, IdentificationVerdict::Unknown);
+    EXPECT_EQ(Identify("ccache no-such-compiler").verdict, IdentificationVerdict::Unusable);
 }
 
 // The compiler's start opens the gate: the stop comes while the query waits for an answer that never comes.

@@ -22,45 +22,45 @@ struct KeptCase {
 
 // clang-format off
 const KeptCase KeptCases[] = {
-    {"OptimisationDebugAndDependencies", "gcc -O2 -g3 -MD -MF deps.d -c a.c", ""},
+    {"OptimisationDebugAndDependencies", "gcc -O2 -g3 -MD -MF deps.d -c a.c", "-c"},
     {"CMake",
      "/usr/bin/c++ -DQ=1 -I/src/inc -isystem /ext -O2 -g -DNDEBUG -std=gnu++17 -MD -MT o/a.o -MF o/a.o.d -o o/a.o "
      "-c a.cpp",
-     "-DQ=1 -I/src/inc -isystem /ext -g -DNDEBUG -std=gnu++17"},
+     "-DQ=1 -I/src/inc -isystem /ext -g -DNDEBUG -std=gnu++17 -c"},
     {"Kbuild",
      "gcc -Wp,-MMD,kernel/.fork.o.d -nostdinc -I./inc -include ./inc/k.h -D__KERNEL__ -std=gnu11 -m64 -mno-sse -O2 "
      "--param=allow-store-data-races=0 -Wno-main -DKBUILD_BASENAME='\"fork\"' -c -o kernel/fork.o kernel/fork.c",
      "-nostdinc -I./inc -include ./inc/k.h -D__KERNEL__ -std=gnu11 -m64 -mno-sse --param=allow-store-data-races=0 "
-     "-Wno-main -DKBUILD_BASENAME='\"fork\"'"},
+     "-Wno-main -DKBUILD_BASENAME='\"fork\"' -c"},
     {"Libtool",
      "gcc -DHAVE_CONFIG_H -I. -g -O2 -MT a.lo -MD -MP -MF .deps/a.Tpo -c a.c -fPIC -DPIC -o .libs/a.o",
-     "-DHAVE_CONFIG_H -I. -g -fPIC -DPIC"},
+     "-DHAVE_CONFIG_H -I. -g -c -fPIC -DPIC"},
     {"Meson",
      "cc -Ilib/x.p -Ilib -fdiagnostics-color=always -D_FILE_OFFSET_BITS=64 -Wall -O0 -g -fPIC -MD -MQ x.o -MF x.o.d "
      "-o x.o -c ../x.c",
-     "-Ilib/x.p -Ilib -fdiagnostics-color=always -D_FILE_OFFSET_BITS=64 -Wall -O0 -g -fPIC"},
+     "-Ilib/x.p -Ilib -fdiagnostics-color=always -D_FILE_OFFSET_BITS=64 -Wall -O0 -g -fPIC -c"},
     {"Bazel",
      "/usr/bin/gcc -U_FORTIFY_SOURCE -MD -MF b/a.d -frandom-seed=b/a.o -iquote . -iquote b/bin "
      "-fno-canonical-system-headers -D__DATE__=\"redacted\" -c a.cc -o b/a.o",
      "-U_FORTIFY_SOURCE -frandom-seed=b/a.o -iquote . -iquote b/bin -fno-canonical-system-headers "
-     "-D__DATE__=\"redacted\""},
+     "-D__DATE__=\"redacted\" -c"},
     {"CMakePrecompiledHeader",
      "g++ -Winvalid-pch -include /b/cmake_pch.hxx -o a.o -c a.cpp",
-     "-Winvalid-pch -include /b/cmake_pch.hxx"},
+     "-Winvalid-pch -include /b/cmake_pch.hxx -c"},
     {"LinkInputs", "gcc a.c b.o libx.a -lm -L. -Wl,-z,now -o prog", "-lm -L. -Wl,-z,now"},
-    {"OtherSources", "gcc -c -Ia a.c b.c -Ib c.c", "-Ia -Ib"},
-    {"LaterLanguage", "gcc -c -x c++ a.inc -x c b.inc -DA", "-x c++ -DA"},
-    {"StageFlags", "gcc -E -c -S -P -C -v -H -save-temps=obj a.c", ""},
+    {"OtherSources", "gcc -c -Ia a.c b.c -Ib c.c", "-c -Ia -Ib"},
+    {"LaterLanguage", "gcc -c -x c++ a.inc -x c b.inc -DA", "-c -x c++ -DA"},
+    {"StageFlags", "gcc -E -c -S -P -C -v -H -save-temps=obj a.c", "-c -S"},
     {"LongForms",
      "gcc --include-directory=i --define-macro A --undefine-macro=B --output=x.o --std=c11 --compile a.c",
      "--include-directory=i --define-macro A --undefine-macro=B --std=c11"},
-    {"TwoDashes", "gcc -c -DA -- a.c", "-DA"},
-    {"ListWithOneKept", "gcc -Wp,-MD,x.d,-DA,-I,inc,-MT,t -c a.c", "-Wp,-DA -Wp,-I,inc"},
-    {"ListKeptWhole", "gcc -Wp,-D_FORTIFY_SOURCE=2 -Wpedantic -c a.c", "-Wp,-D_FORTIFY_SOURCE=2 -Wpedantic"},
-    {"HandedOn", "gcc -Xpreprocessor -MD -Xpreprocessor x.d -Xpreprocessor -DA -c a.c", "-Xpreprocessor -DA"},
-    {"PreprocessedC", "gcc -c a.i", "-x c"},
-    {"PreprocessedByStatedLanguage", "gcc -x c++-cpp-output -c a.txt", "-x c++-cpp-output -x c++"},
-    {"PreprocessedByCppDriver", "/usr/bin/x86_64-linux-gnu-g++-12 -c a.i", "-x c++"},
+    {"TwoDashes", "gcc -c -DA -- a.c", "-c -DA"},
+    {"ListWithOneKept", "gcc -Wp,-MD,x.d,-DA,-I,inc,-MT,t -c a.c", "-Wp,-DA -Wp,-I,inc -c"},
+    {"ListKeptWhole", "gcc -Wp,-D_FORTIFY_SOURCE=2 -Wpedantic -c a.c", "-Wp,-D_FORTIFY_SOURCE=2 -Wpedantic -c"},
+    {"HandedOn", "gcc -Xpreprocessor -MD -Xpreprocessor x.d -Xpreprocessor -DA -c a.c", "-Xpreprocessor -DA -c"},
+    {"PreprocessedC", "gcc -c a.i", "-c -x c"},
+    {"PreprocessedByStatedLanguage", "gcc -x c++-cpp-output -c a.txt", "-x c++-cpp-output -c -x c++"},
+    {"PreprocessedByCppDriver", "/usr/bin/x86_64-linux-gnu-g++-12 -c a.i", "-c -x c++"},
 };
 
 // clang-format on
@@ -151,7 +151,7 @@ TEST(Gcc, ReadsEachOfSeveralSourcesByItself) {
     ASSERT_EQ(outline.sources.size(), 2U);
     const ParsedCommand second = ReadCommandLine(model, words, outline.sources[1]);
     EXPECT_EQ(second.sourceFile, "b.txt");
-    EXPECT_EQ(Join(second.keptArguments), "-DA -x c++");
+    EXPECT_EQ(Join(second.keptArguments), "-DA -c -x c++");
     EXPECT_EQ(second.language, Language::Cpp);
 }
 
@@ -160,16 +160,15 @@ TEST(Gcc, BuildsThePreprocessingCommandInItsOrder) {
     command.invocationPrefix = {"env", "-i"};
     command.compilerPath = "/usr/bin/gcc";
     EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
-              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-Ib", "-w", "-E", "-o", "/t/a.i", "a.c"}));
+              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-E", "-o", "/t/a.i", "a.c"}));
 
     command.compilerType = CompilerType::Qcc;
     EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
-              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-Ib", "-w", "-P", "-o", "/t/a.i", "a.c"}));
+              Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-P", "-o", "/t/a.i", "a.c"}));
 }
 
 TEST(Gcc, GivesASourceThatLooksLikeAnOptionWithItsFolder) {
     EXPECT_EQ(Gcc().BuildPreprocessCommand(ReadAs<Gcc>("gcc -c -- -a.c"), "a.i").back(), "./-a.c");
-    EXPECT_EQ(Gcc().BuildPreprocessCommand(ReadAs<Gcc>("gcc -c @a.c"), "a.i").back(), "./@a.c");
 }
 
 namespace {
