@@ -4,22 +4,34 @@
 
 namespace OrvlogConverter {
 
-/// A setting of the report side is wrong. Caught at the entry.
-class ConfigException : public std::runtime_error {
+/// Base of the report side's errors. Caught at the entry, which prints the text after "Error: ".
+class ReportException : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
+};
+
+/// A setting of the report side is wrong. Caught at the entry.
+class ConfigException : public ReportException {
+public:
+    using ReportException::ReportException;
 };
 
 /// A report or base can't be read or written. Caught at the entry, which prints it as the program's own error.
-class FilesystemException : public std::runtime_error {
+class FilesystemException : public ReportException {
 public:
-    using std::runtime_error::runtime_error;
+    using ReportException::ReportException;
 };
 
 /// A report holds text that is no message. Caught by whoever knows the file and the line, or at the entry.
-class ParseException : public std::runtime_error {
+class ParseException : public ReportException {
 public:
-    using std::runtime_error::runtime_error;
+    using ReportException::ReportException;
+};
+
+/// The user has asked the program to stop in the middle of a report. Caught at the entry, which prints nothing.
+class StoppedException : public ReportException {
+public:
+    StoppedException() : ReportException("stopped") {}
 };
 
 } // namespace OrvlogConverter

@@ -1,10 +1,12 @@
 #include "report/JsonMessage.h"
 
 #include "report/Exceptions.h"
+#include "report/JsonMessageScanner.h"
+#include "report/JsonText.h"
+#include "report/Utf8.h"
 
 #include <nlohmann/json.hpp>
 
-#include <cstddef>
 #include <limits>
 
 namespace OrvlogConverter {
@@ -25,43 +27,11 @@ void ReadIfPresent(const nlohmann::json& object, const char* key, std::string& t
     }
 }
 
-bool IsPlain(char character) {
-    return character >= ' ' && character <= '~' && character != '"' && character != '\\';
-}
-
-// Appends the text with its quotes. Most texts are printable ASCII; what is not is left to the JSON library.
-void AppendString(std::string& json, std::string_view text) {
-    const std::size_t start = json.size();
-    json += '"';
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        std::size_t end = at;
-        while (end < text.size() && IsPlain(text[end])) {
-            ++end;
-        }
-        json += text.substr(at, end - at);
-        at = end;
-        if (at == text.size()) {
-            break;
-        }
-        if (text[at] == '\t') {
-            json += "\\t";
-        } else if (text[at] == '"' || text[at] == '\\') {
-            json += '\\';
-            json += text[at];
-        } else {
-            json.resize(start);
-            json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-            return;
-        }
-    }
-    json += '"';
-}
-
 void AppendPositions(std::string& json, const std::vector<MessagePosition>& positions) {
     json += '[';
     for (const MessagePosition& position : positions) {
         json += &position == &positions.front() ? "{\"file\":" : ",{\"file\":";
-        AppendString(json, position.file);
+        AppendJsonString(json, position.file);
         json += ",\"line\":";
         json += std::to_string(position.line);
         json += '}';
@@ -77,7 +47,7 @@ static void from_json(const nlohmann::json& object, MessagePosition& position) {
     position.line = NumberOf(object.at("line"));
 }
 
-ReportMessage ReadJsonMessage(std::string_view text) {
+static ReportMessage ReadAnyJsonMessage(std::string_view text) {
     const nlohmann::json object = nlohmann::json::parse(text);
     ReportMessage message;
     object.at("falseAlarm").get_to(message.falseAlarm);
@@ -97,27 +67,40 @@ ReportMessage ReadJsonMessage(std::string_view text) {
     return message;
 }
 
+ReportMessage ReadJsonMessage(std::string_view text) {
+    ReportMessage message;
+    if (JsonMessageScanner().Scan(text, message)) {
+        return message;
+    }
+    if (IsValidUtf8(text)) {
+        return ReadAnyJsonMessage(text);
+    }
+    std::string valid;
+    AppendValidUtf8(valid, text);
+    return ReadAnyJsonMessage(valid);
+}
+
 void AppendJsonMessage(std::string& text, const ReportMessage& message) {
     static const MessagePosition Nowhere;
     const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
     text += message.falseAlarm ? "{\"falseAlarm\":true,\"level\":" : "{\"falseAlarm\":false,\"level\":";
     text += std::to_string(message.level);
     text += ",\"code\":";
-    AppendString(text, message.code);
+    AppendJsonString(text, message.code);
     text += ",\"message\":";
-    AppendString(text, message.message);
+    AppendJsonString(text, message.message);
     text += ",\"positions\":";
     AppendPositions(text, message.positions);
     text += ",\"cwe\":";
     text += std::to_string(message.cwe);
     text += ",\"sastId\":";
-    AppendString(text, message.sastId);
+    AppendJsonString(text, message.sastId);
     text += ",\"prevLine\":";
-    AppendString(text, first.prevLine);
+    AppendJsonString(text, first.prevLine);
     text += ",\"currLine\":";
-    AppendString(text, first.currLine);
+    AppendJsonString(text, first.currLine);
     text += ",\"nextLine\":";
-    AppendString(text, first.nextLine);
+    AppendJsonString(text, first.nextLine);
     text += '}';
 }
 

@@ -7,7 +7,7 @@
 
 namespace OrvlogConverter {
 
-/// Reads one message from its JSON object.
+/// Reads one message from its JSON object. Invalid UTF-8 in its texts is replaced by U+FFFD.
 /// \throws ParseException for a number that the record can't hold, or the JSON library's exceptions
 [[nodiscard]] ReportMessage ReadJsonMessage(std::string_view text);
 

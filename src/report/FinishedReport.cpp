@@ -1,0 +1,66 @@
+#include "report/FinishedReport.h"
+
+#include "report/JsonText.h"
+#include "report/MessageLine.h"
+
+#include <utility>
+
+namespace OrvlogConverter {
+
+FinishedReport::FinishedReport(const std::string& path, ReportForm form) : file_(path), form_(form) {}
+
+bool FinishedReport::Write(const ReportMessage& message) {
+    if (IsDocument()) {
+        OpenArray();
+        file_.Append(count_ == 0 ? "\n" : ",\n");
+    }
+    AppendText(message);
+    ++count_;
+    return true;
+}
+
+void FinishedReport::AppendText(const ReportMessage& message) {
+    if (origin_ != nullptr && origin_->message == &message) {
+        file_.Append(origin_->text);
+        // The last line of a report may have no end.
+        if (!IsDocument() && !origin_->text.ends_with('\n')) {
+            file_.Append("\n");
+        }
+        return;
+    }
+    line_.clear();
+    AppendMessageLine(line_, message, form_ == ReportForm::RawLines ? LineFormat::Raw : LineFormat::Json);
+    if (!IsDocument()) {
+        line_ += '\n';
+    }
+    file_.Append(line_);
+}
+
+void FinishedReport::AddMember(const std::string& key, std::string_view value) {
+    std::string& members = isArrayOpen_ ? membersBehind_ : membersBefore_;
+    if (isArrayOpen_) {
+        members += ", ";
+    }
+    AppendJsonString(members, key);
+    members += ": ";
+    members += value;
+    if (!isArrayOpen_) {
+        members += ", ";
+    }
+}
+
+void FinishedReport::OpenArray() {
+    if (!std::exchange(isArrayOpen_, true)) {
+        file_.Append("{" + membersBefore_ + "\"warnings\": [");
+    }
+}
+
+void FinishedReport::End() {
+    if (IsDocument()) {
+        OpenArray();
+        file_.Append("\n]" + membersBehind_ + "}\n");
+    }
+    file_.Commit();
+}
+
+} // namespace OrvlogConverter

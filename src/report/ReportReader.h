@@ -1,0 +1,61 @@
+#pragma once
+
+#include "report/JsonMessageScanner.h"
+#include "report/ReportMessage.h"
+
+#include <cstddef>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace OrvlogConverter {
+
+/// How a whole report is written.
+enum class ReportForm {
+    JsonDocument, ///< one object whose "warnings" holds the messages
+    JsonLines,
+    RawLines,
+};
+
+/// Takes the parts of a report in their order. What it is handed lasts until it returns.
+struct ReportReceiver {
+    /// A message, with the text that it was read from: a line with its end, or the object of a document.
+    std::function<void(const ReportMessage& message, std::string_view text)> takeMessage;
+    /// A member of a document beside "warnings": its key and its value as JSON. May be empty.
+    std::function<void(const std::string& key, const std::string& value)> takeMember = {};
+};
+
+/// Reads a report: one JSON document when its name ends in ".json", else a message a line, in any of the line forms
+/// side by side. Lines are read as a stream; of a document, one message is held at a time.
+class ReportReader {
+public:
+    /// \throws FilesystemException when it can't be opened
+    explicit ReportReader(std::string path);
+
+    /// \throws ParseException: the path, the line or entry (from 1), and what is wrong with it. What `receiver` throws
+    /// passes through.
+    void Read(const ReportReceiver& receiver);
+
+private:
+    void ReadDocument(const ReportReceiver& receiver);
+    void ReadLines(const ReportReceiver& receiver);
+    void ReadLine(std::string_view line);
+    [[nodiscard]] bool NextLine(std::string_view& line);
+
+    std::string path_;
+    std::ifstream file_;
+    std::string buffer_;
+    std::size_t begin_ = 0; // of what was not yet handed on
+    ReportMessage message_; // kept for its memory
+    JsonMessageScanner scanner_;
+};
+
+/// Whether the name is that of a JSON document.
+[[nodiscard]] bool IsJsonDocumentName(std::string_view path);
+
+/// The form of a report: by its name, then by its first line. A report without lines counts as JSON lines, as does one
+/// that is no regular file and could be read only once.
+[[nodiscard]] ReportForm DetectReportForm(const std::string& path);
+
+} // namespace OrvlogConverter

@@ -1,0 +1,75 @@
+#include "report/WholeFile.h"
+
+#include "platform/Exceptions.h"
+#include "report/Exceptions.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace OrvlogConverter {
+
+namespace {
+
+constexpr std::size_t BlockSize = 262144;
+
+// Errors of files name the path that failed, which may be that of a file beside; the user knows the one given.
+template <class Work>
+void NamingFile(const std::string& path, const Work& work) {
+    try {
+        work();
+    } catch (const Orvanta::ZelmException& error) {
+        const std::string text = error.what();
+        const std::size_t colon = text.rfind(": ");
+        throw FilesystemException("Can't write to file: " + path + ": " +
+                                  (colon == std::string::npos ? text : text.substr(colon + 2)));
+    }
+}
+
+// A file that its owner protects stays, although the folder would let us put another in its place.
+void ProbeExisting(const std::string& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored)) {
+        const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
+    }
+}
+
+} // namespace
+
+WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
+    if (path_.empty()) {
+        throw FilesystemException("Empty filepath");
+    }
+    NamingFile(path_, [this] {
+        ProbeExisting(path_);
+        file_.emplace(path_);
+    });
+}
+
+void WholeFile::RequireReplaceable(const std::string& path) {
+    std::error_code ignored;
+    if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored)) {
+        throw FilesystemException("Can't write to file: " + path + ": it is no regular file");
+    }
+    NamingFile(path, [&path] { ProbeExisting(path); });
+}
+
+void WholeFile::Append(std::string_view text) {
+    buffer_ += text;
+    if (buffer_.size() >= BlockSize) {
+        WriteBuffer();
+    }
+}
+
+void WholeFile::WriteBuffer() {
+    NamingFile(path_, [this] { file_->Append(buffer_); });
+    buffer_.clear();
+}
+
+void WholeFile::Commit() {
+    WriteBuffer();
+    NamingFile(path_, [this] { file_->Commit(); });
+}
+
+} // namespace OrvlogConverter
