@@ -1,0 +1,109 @@
+#include "suppress/FilterWorker.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "report/Exceptions.h"
+#include "report/ReportReader.h"
+#include "report/WholeFile.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace Orvanta {
+
+using namespace OrvlogConverter;
+
+namespace {
+
+LogParserSettings SettingsFor(const std::string& reportPath) {
+    LogParserSettings settings;
+    settings.reports = {reportPath};
+    settings.documentationLink = LogParserSettings::DocumentationLink::LeaveOut;
+    return settings;
+}
+
+bool IsSameFile(const std::string& left, const std::string& right) {
+    std::error_code error;
+    return AbsolutePath(left) == AbsolutePath(right) || std::filesystem::equivalent(left, right, error);
+}
+
+std::string ResolveLinks(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    return error ? path : resolved.string();
+}
+
+// Only a document can have other members, and only lines can be copied among lines.
+ReportForm FormOfOutput(ReportForm input, const std::string& outputPath) {
+    if (IsJsonDocumentName(outputPath)) {
+        return ReportForm::JsonDocument;
+    }
+    return input == ReportForm::JsonDocument ? ReportForm::JsonLines : input;
+}
+
+} // namespace
+
+FilterWorker::FilterWorker(std::string basePath, std::string reportPath, const std::optional<std::string>& outputPath,
+                           const StopFlag& stop)
+    : LogParserWorker(SettingsFor(reportPath), stop), basePath_(std::move(basePath)),
+      reportPath_(std::move(reportPath)), isInPlace_(!outputPath || IsSameFile(*outputPath, reportPath_)) {
+    if (isInPlace_) {
+        reportPath_ = ResolveLinks(reportPath_);
+        outputPath_ = reportPath_ + ".new";
+    } else {
+        outputPath_ = *outputPath;
+    }
+}
+
+FilterWorker::~FilterWorker() {
+    if (isInPlace_ && output_) {
+        RemoveFile(outputPath_); // of a run that failed
+    }
+}
+
+IOutput& FilterWorker::BuildChain() {
+    base_ = SuppressBase::Read(basePath_);
+    if (isInPlace_) {
+        WholeFile::RequireReplaceable(reportPath_);
+    }
+    const ReportForm input = DetectReportForm(reportPath_);
+    const ReportForm form = isInPlace_ ? input : FormOfOutput(input, outputPath_);
+    output_.emplace(outputPath_, form);
+    if ((form == ReportForm::JsonDocument) == (input == ReportForm::JsonDocument)) {
+        output_->CopyFrom(Origin());
+    } else if (form == ReportForm::JsonDocument) {
+        output_->AddMember("version", "1");
+    }
+    filter_.emplace(&*output_, &base_);
+    return root_.emplace(&*filter_, "");
+}
+
+void FilterWorker::TakeMember(const std::string& key, const std::string& value) {
+    output_->AddMember(key, value);
+}
+
+void FilterWorker::Finish(const Counts& counts) {
+    if (isInPlace_) {
+        ReplaceReport();
+    }
+    PrintLine("Suppress file: " + basePath_);
+    PrintLine("Total messages: " + std::to_string(counts.total));
+    PrintLine("Filtered messages: " + std::to_string(output_->Count()));
+}
+
+// One renaming: at every moment the report's name leads to the old report or to the new one.
+void FilterWorker::ReplaceReport() {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(reportPath_, error);
+    if (!error) {
+        std::filesystem::permissions(outputPath_, status.permissions(), error);
+    }
+    std::filesystem::rename(outputPath_, reportPath_, error);
+    if (error) {
+        throw FilesystemException("Can't write to file: " + reportPath_ + ": " + error.message());
+    }
+}
+
+} // namespace Orvanta

@@ -1,0 +1,32 @@
+#include "suppress/SuppressBaseFilter.h"
+
+namespace OrvlogConverter {
+
+namespace {
+
+ReportMessage OutdatedBaseNotice() {
+    ReportMessage notice;
+    notice.code = "V014";
+    notice.message = OutdatedBaseText;
+    notice.level = 1;
+    notice.positions.resize(1);
+    notice.positions.front().file = " ";
+    return notice;
+}
+
+} // namespace
+
+void SuppressBaseFilter::Begin() {
+    IFilter::Begin();
+    if (base_ != nullptr && base_->IsOutdated() && next_ != nullptr) {
+        next_->Write(OutdatedBaseNotice());
+    }
+}
+
+bool SuppressBaseFilter::Accept(const ReportMessage& message) {
+    const bool isHidden = base_ != nullptr && base_->Contains(MakeSuppressEntry(message, base_->Version()));
+    hidden_ += isHidden ? 1U : 0U;
+    return !isHidden;
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,93 @@
+#include "suppress/SuppressFilter.h"
+
+#include "report/Exceptions.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <system_error>
+#include <utility>
+
+namespace OrvlogConverter {
+
+namespace {
+
+std::uint32_t ParseLine(std::string_view text) {
+    std::uint32_t line = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, line);
+    if (error == std::errc::invalid_argument || stop != end) {
+        throw ConfigException("invalid stoul argument");
+    }
+    if (error != std::errc{}) {
+        throw ConfigException("stoul argument out of range");
+    }
+    return line;
+}
+
+} // namespace
+
+std::vector<SuppressedFile> ParseSuppressedFiles(const std::vector<std::string>& values) {
+    std::vector<SuppressedFile> files;
+    for (const std::string& value : values) {
+        SuppressedFile file = {value};
+        if (const std::size_t colon = value.rfind(':'); colon != std::string::npos) {
+            file = {value.substr(0, colon), ParseLine(std::string_view(value).substr(colon + 1))};
+        }
+        files.push_back(std::move(file));
+    }
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        if (values[index].empty()) { // as an unset variable of a script gives it; it would match every file
+            throw ConfigException("The value of the '--file' argument is empty.");
+        }
+        if (files[index].name.empty()) {
+            throw ConfigException("Specifying only the line number without file name is not supported for the '--file' "
+                                  "argument.");
+        }
+    }
+    for (const SuppressedFile& file : files) {
+        if (file.name.find_first_of("/\\") != std::string::npos) {
+            throw ConfigException("You can only use name of the file in the '--file' argument. Specifying file path is "
+                                  "not supported.");
+        }
+    }
+    return files;
+}
+
+std::uint32_t ParseCodeNumber(std::string_view value) {
+    const std::string_view digits = value.starts_with('V') ? value.substr(1) : value;
+    std::uint32_t number = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (error != std::errc{} || stop != end) {
+        throw ConfigException("Wrong value of --warning: \"" + std::string(value) +
+                              "\", expected a code such as V501 or its number");
+    }
+    return number;
+}
+
+SuppressFilter::SuppressFilter(IOutput* next, SuppressFilterSettings settings)
+    : IFilter(next), settings_(std::move(settings)), levels_(settings_.analyzers) {}
+
+bool SuppressFilter::Accept(const ReportMessage& message) {
+    if (settings_.disabledCodes.contains(message.code)) {
+        return false;
+    }
+    if (!settings_.files.empty() && !IsInFiles(message)) {
+        return false;
+    }
+    if (!levels_.Passes(message.code, message.level)) {
+        return false;
+    }
+    return settings_.codeNumbers.empty() || settings_.codeNumbers.contains(CodeNumber(message.code));
+}
+
+bool SuppressFilter::IsInFiles(const ReportMessage& message) const {
+    static const MessagePosition Nowhere;
+    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    return std::any_of(settings_.files.begin(), settings_.files.end(), [&first](const SuppressedFile& file) {
+        return first.file.find(file.name) != std::string::npos && (file.line == 0 || file.line == first.line);
+    });
+}
+
+} // namespace OrvlogConverter
