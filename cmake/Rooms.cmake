@@ -19,5 +19,5 @@ function(orvanta_room_tests name)
     target_link_libraries(${name}_tests PRIVATE
         orvanta_${name} orvanta_warnings GTest::gtest GTest::gmock GTest::gtest_main)
     set_target_properties(${name}_tests PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    gtest_discover_tests(${name}_tests TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST)
+    orvanta_register_tests(${name}_tests PREFIX ${name})
 endfunction()

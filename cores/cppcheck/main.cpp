@@ -3,10 +3,12 @@
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
+#include "platform/ProgramArguments.h"
 #include "settings/SettingsFile.h"
 
 #include <exception>
 #include <iostream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -33,7 +35,8 @@ void Run(const Orvanta::CoreOptions& options) {
 
 int main(int argc, char** argv) {
     try {
-        Run(Orvanta::ReadCoreOptions(std::vector<std::string_view>(argv + 1, argv + argc)));
+        const std::vector<std::string> words = Orvanta::ProgramArguments(argc, argv);
+        Run(Orvanta::ReadCoreOptions(std::vector<std::string_view>(words.begin() + 1, words.end())));
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';

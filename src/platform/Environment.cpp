@@ -1,10 +1,15 @@
 #include "platform/Environment.h"
 
+#include "platform/EnvironmentNames.h"
+
+#include <algorithm>
+
 namespace Orvanta {
 
 std::optional<std::string> EnvironmentVariable(std::string_view name) {
     const Environment& environment = OwnEnvironment();
-    const auto found = environment.find(std::string(name));
+    const auto found = std::find_if(environment.begin(), environment.end(),
+                                    [name](const auto& variable) { return IsSameVariable(variable.first, name); });
     if (found == environment.end()) {
         return std::nullopt;
     }
@@ -13,7 +18,14 @@ std::optional<std::string> EnvironmentVariable(std::string_view name) {
 
 Environment WithChanges(const Environment& changes) {
     Environment changed = changes;
-    changed.insert(OwnEnvironment().begin(), OwnEnvironment().end());
+    for (const auto& own : OwnEnvironment()) {
+        const bool isChanged = std::any_of(changes.begin(), changes.end(), [&own](const auto& change) {
+            return IsSameVariable(change.first, own.first);
+        });
+        if (!isChanged) {
+            changed.insert(own);
+        }
+    }
     return changed;
 }
 

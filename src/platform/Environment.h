@@ -14,10 +14,10 @@ using Environment = std::map<std::string, std::string>;
 /// The driver's own environment, as it was when the program asked first.
 const Environment& OwnEnvironment();
 
-/// The value of a variable of the driver's own environment.
+/// The value of a variable of the driver's own environment; its name is compared as the system compares names.
 std::optional<std::string> EnvironmentVariable(std::string_view name);
 
-/// The driver's own environment with `changes` laid over it.
+/// The driver's own environment with `changes` laid over it: a name that is the same to the system stands once.
 [[nodiscard]] Environment WithChanges(const Environment& changes);
 
 /// An environment in the form in which children are started with it: made once, shared by any number of starts.

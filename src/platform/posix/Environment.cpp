@@ -1,5 +1,7 @@
 #include "platform/Environment.h"
 
+#include "platform/EnvironmentNames.h"
+
 #include <unistd.h>
 
 namespace Orvanta {
@@ -24,6 +26,10 @@ Environment ReadOwnEnvironment() {
 const Environment& OwnEnvironment() {
     static const Environment environment = ReadOwnEnvironment();
     return environment;
+}
+
+bool IsSameVariable(std::string_view left, std::string_view right) noexcept {
+    return left == right;
 }
 
 } // namespace Orvanta

@@ -1,20 +1,15 @@
 #include "platform/TemporaryFolder.h"
 
-#include "platform/Environment.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
-#include "platform/posix/Descriptor.h"
+#include "platform/TemporaryPlace.h"
 
-#include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string_view>
 #include <system_error>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace Orvanta {
 
@@ -22,16 +17,6 @@ namespace {
 
 constexpr std::string_view NamePrefix = "orvanta-analyzer-";
 constexpr const char* LockKey = "temporary folder";
-constexpr mode_t FolderMode = 0700;
-
-// A folder without a lock file belongs to a run that is just starting, or died there: this old, it is no longer
-// starting.
-constexpr std::chrono::hours LongestStart{24};
-
-std::string ParentFolder() {
-    const std::string folder = EnvironmentVariable("TMPDIR").value_or("");
-    return AbsolutePath(folder.empty() ? "/tmp" : folder);
-}
 
 std::string RandomName() {
     constexpr std::string_view Digits = "0123456789abcdefghijklmnopqrstuvwxyz";
@@ -45,34 +30,39 @@ std::string RandomName() {
     return name;
 }
 
+// A folder without a lock file belongs to a run that is just starting, or died there: a day old, it is no longer
+// starting.
 bool MayBeAbandoned(const std::string& folder) {
-    struct stat status {};
-
-    if (::lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid()) {
+    switch (LookAtFolder(folder)) {
+    case FolderState::NotOurs:
         return false;
+    case FolderState::Fresh:
+        return PathExists(JoinPath(folder, LockFile::FileName(LockKey)));
+    case FolderState::Old:
+        return true;
     }
-    const auto changed = std::chrono::system_clock::from_time_t(status.st_mtime);
-    return PathExists(JoinPath(folder, LockFile::FileName(LockKey))) ||
-           std::chrono::system_clock::now() - changed > LongestStart;
+    return false;
 }
 
-void RemoveTree(const std::string& folder) noexcept {
-    std::error_code ignored; // what can't be removed now, the next run tries again
-    std::filesystem::remove_all(folder, ignored);
+// Where an open file can't be removed, the lock's goes last.
+void RemoveLocked(const std::string& folder, LockFile& lock) {
+    RemoveTree(folder);
+    lock = LockFile();
+    RemoveTree(folder);
 }
 
 // Removes what killed runs have left. A run that starts meanwhile and loses its lock to us takes another folder.
 void Sweep(const std::string& parent) {
     std::error_code error;
-    std::filesystem::directory_iterator entry(parent, error);
+    std::filesystem::directory_iterator entry(NativePath(parent), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string folder = entry->path().string();
+        const std::string folder = JoinPath(parent, entry->path().filename().string());
         if (!FileNameOf(folder).starts_with(NamePrefix) || !MayBeAbandoned(folder)) {
             continue;
         }
         LockFile lock;
         if (lock.Take(folder, LockKey) == LockFile::State::Held) {
-            RemoveTree(folder);
+            RemoveLocked(folder, lock);
         }
     }
 }
@@ -80,16 +70,13 @@ void Sweep(const std::string& parent) {
 } // namespace
 
 TemporaryFolder::TemporaryFolder() {
-    const std::string parent = ParentFolder();
+    const std::string parent = SystemTemporaryFolder();
     Sweep(parent);
     constexpr int MostAttempts = 100;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         path_ = JoinPath(parent, RandomName());
-        if (::mkdir(path_.c_str(), FolderMode) != 0) {
-            if (errno == EEXIST) {
-                continue;
-            }
-            throw ZelmException("Couldn't make the temporary folder " + path_ + ": " + SystemReason(errno));
+        if (!MakePrivateFolder(path_)) {
+            continue;
         }
         if (lock_.Take(path_, LockKey) == LockFile::State::Held) {
             return;
@@ -100,7 +87,7 @@ TemporaryFolder::TemporaryFolder() {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    RemoveTree(path_);
+    RemoveLocked(path_, lock_);
 }
 
 } // namespace Orvanta

@@ -1,0 +1,28 @@
+# The libraries that we use: threads, and headers of nlohmann/json, args and backward-cpp.
+find_package(Threads REQUIRED)
+
+if(CMAKE_CROSSCOMPILING)
+    # Headers alone serve every system, but beside them in the system's folder lie those of its own C library. So the
+    # cross compiler gets to see copies, in a folder that holds nothing else.
+    set(ORVANTA_HEADERS ${CMAKE_BINARY_DIR}/isolated-headers)
+    foreach(header nlohmann/json.hpp args.hxx backward.hpp)
+        string(MAKE_C_IDENTIFIER HOST_FOLDER_OF_${header} variable)
+        find_path(${variable} ${header} PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+        mark_as_advanced(${variable})
+        set(folder ${${variable}})
+        get_filename_component(first ${header} DIRECTORY)
+        if(first)
+            file(COPY ${folder}/${first} DESTINATION ${ORVANTA_HEADERS})
+        else()
+            file(COPY ${folder}/${header} DESTINATION ${ORVANTA_HEADERS})
+        endif()
+    endforeach()
+    add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)
+    target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${ORVANTA_HEADERS})
+    set(ARGS_INCLUDE_DIR ${ORVANTA_HEADERS})
+    set(BACKWARD_INCLUDE_DIR ${ORVANTA_HEADERS})
+else()
+    find_package(nlohmann_json 3.11 REQUIRED)
+    find_path(ARGS_INCLUDE_DIR args.hxx REQUIRED)
+    find_path(BACKWARD_INCLUDE_DIR backward.hpp REQUIRED)
+endif()

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+
+namespace Orvanta {
+
+// What TemporaryFolder asks of the system.
+
+/// The absolute path of the system's folder for temporary files.
+[[nodiscard]] std::string SystemTemporaryFolder();
+
+/// Makes a folder that only this user can look into; false when the name is taken.
+/// \throws ZelmException when it can't be made
+[[nodiscard]] bool MakePrivateFolder(const std::string& path);
+
+/// What a folder looks like from outside.
+enum class FolderState {
+    NotOurs, ///< no folder, or another user's
+    Fresh,   ///< changed within the last day
+    Old,
+};
+
+[[nodiscard]] FolderState LookAtFolder(const std::string& path);
+
+/// Removes a folder with all it holds, as far as that is possible now.
+void RemoveTree(const std::string& folder) noexcept;
+
+} // namespace Orvanta

@@ -1,0 +1,55 @@
+#include "platform/TemporaryPlace.h"
+
+#include "platform/Environment.h"
+#include "platform/Exceptions.h"
+#include "platform/Paths.h"
+#include "platform/posix/Descriptor.h"
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr mode_t FolderMode = 0700;
+constexpr std::chrono::hours OldAge{24};
+
+} // namespace
+
+std::string SystemTemporaryFolder() {
+    const std::string folder = EnvironmentVariable("TMPDIR").value_or("");
+    return AbsolutePath(folder.empty() ? "/tmp" : folder);
+}
+
+bool MakePrivateFolder(const std::string& path) {
+    if (::mkdir(path.c_str(), FolderMode) == 0) {
+        return true;
+    }
+    if (errno != EEXIST) {
+        throw ZelmException("Couldn't make the temporary folder " + path + ": " + SystemReason(errno));
+    }
+    return false;
+}
+
+FolderState LookAtFolder(const std::string& path) {
+    struct stat status {};
+
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid()) {
+        return FolderState::NotOurs;
+    }
+    const auto changed = std::chrono::system_clock::from_time_t(status.st_mtime);
+    return std::chrono::system_clock::now() - changed > OldAge ? FolderState::Old : FolderState::Fresh;
+}
+
+void RemoveTree(const std::string& folder) noexcept {
+    std::error_code ignored; // what can't be removed now, the next run tries again
+    std::filesystem::remove_all(folder, ignored);
+}
+
+} // namespace Orvanta

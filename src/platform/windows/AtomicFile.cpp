@@ -1,0 +1,113 @@
+#include "platform/Files.h"
+#include "platform/Hash.h"
+#include "platform/Paths.h"
+#include "platform/windows/FileAccess.h"
+#include "platform/windows/SystemReason.h"
+#include "platform/windows/WideText.h"
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// The file that the links of `path` end at; `path` itself where there are none.
+std::string LinkTarget(const std::string& path) {
+    const std::wstring wide = WidePath(path);
+    const DWORD attributes = ::GetFileAttributesW(wide.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return path;
+    }
+    const Handle file(::CreateFileW(wide.c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    if (!file.IsOpen()) {
+        FailFile(path, ::GetLastError());
+    }
+    std::wstring target(::GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
+    target.resize(::GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0));
+    return FromWide(target);
+}
+
+// While its writer lives, a file for writing can be opened for nothing but a rename: whoever gets more of it knows
+// that the writer is gone.
+Handle MakeLocked(const std::string& path) {
+    return Handle(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                                FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void RemoveAbandoned(const std::string& path) {
+    const Handle removed(::CreateFileW(WidePath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                                       FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+}
+
+// A console, a pipe or the like, which can't be replaced; not open for anything else.
+Handle OpenDevice(const std::string& path) {
+    if (PathExists(path) && !IsDirectory(path)) {
+        Handle file(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, AnySharing, nullptr, OPEN_EXISTING,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+        if (file.IsOpen() && !IsOnDisk(file)) {
+            return file;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+struct AtomicFile::Handle {
+    std::string target;        // where the links of the given path end
+    std::string temporaryPath; // empty for what can't be replaced: a device or a pipe
+    Orvanta::Handle file;
+};
+
+AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
+    handle_->target = LinkTarget(path_);
+    if (IsDirectory(handle_->target)) {
+        FailFile(path_, ERROR_ACCESS_DENIED);
+    }
+    handle_->file = OpenDevice(handle_->target);
+
+    // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
+    // at the same time need further names.
+    const std::string stem = ".orvtmp-" + std::to_string(Fnv1a(handle_->target)) + "-";
+    for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
+        constexpr int MostWriters = 1000;
+        const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
+        RemoveAbandoned(candidate);
+        handle_->file = MakeLocked(candidate);
+        const DWORD error = ::GetLastError();
+        if (!handle_->file.IsOpen() && (error != ERROR_FILE_EXISTS || attempt == MostWriters)) {
+            FailFile(path_, error);
+        }
+        handle_->temporaryPath = candidate;
+    }
+}
+
+AtomicFile::~AtomicFile() {
+    handle_->file.Reset();
+    if (!handle_->temporaryPath.empty()) {
+        RemoveFile(handle_->temporaryPath);
+    }
+}
+
+void AtomicFile::Append(std::string_view bytes) {
+    if (!WriteAll(handle_->file, bytes)) {
+        FailFile(path_, ::GetLastError());
+    }
+}
+
+void AtomicFile::Commit() {
+    if (!handle_->temporaryPath.empty()) {
+        try {
+            RenameOver(handle_->temporaryPath, handle_->target);
+        } catch (const SystemFault& fault) {
+            FailFile(path_, fault.error);
+        }
+    }
+    handle_->temporaryPath.clear();
+    handle_->file.Reset();
+}
+
+} // namespace Orvanta

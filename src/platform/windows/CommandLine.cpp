@@ -1,0 +1,46 @@
+#include "platform/windows/CommandLine.h"
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view SpecialToPrograms = " \t\n\v\"";
+constexpr std::string_view SpecialToInterpreter = " \t\n\v\"&()[]{}^=;!'+,`~<>|@%";
+
+std::string Quoted(std::string_view argument) {
+    std::string quoted = "\"";
+    std::size_t backslashes = 0;
+    for (const char character : argument) {
+        if (character == '"') {
+            quoted.append(backslashes + 1, '\\'); // each of those before it twice, and one for the quote
+        }
+        backslashes = character == '\\' ? backslashes + 1 : 0;
+        quoted += character;
+    }
+    quoted.append(backslashes, '\\');
+    return quoted += '"';
+}
+
+std::string QuoteWhere(std::string_view argument, std::string_view special) {
+    const bool isPlain = !argument.empty() && argument.find_first_of(special) == std::string_view::npos;
+    return isPlain ? std::string(argument) : Quoted(argument);
+}
+
+} // namespace
+
+std::string QuoteArgument(std::string_view argument) {
+    return QuoteWhere(argument, SpecialToPrograms);
+}
+
+std::string MakeCommandLine(const std::vector<std::string>& words, CommandLineReader reader) {
+    const std::string_view special =
+        reader == CommandLineReader::Interpreter ? SpecialToInterpreter : SpecialToPrograms;
+    std::string line;
+    for (const std::string& word : words) {
+        // The first word is split by rules of its own: no backslash is special in it.
+        line += line.empty() ? '"' + word + '"' : ' ' + QuoteWhere(word, special);
+    }
+    return line;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,102 @@
+#include "platform/Console.h"
+
+#include "platform/windows/WideText.h"
+
+#include <algorithm>
+#include <atomic>
+#include <bitset>
+#include <mutex>
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
+
+std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
+
+// Runs on a thread that the system makes for the event.
+BOOL WINAPI HandleConsoleEvent(DWORD event) {
+    if (event != CTRL_C_EVENT) {
+        return FALSE;
+    }
+    flagToSet.load()->Set();
+    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
+        return TRUE;
+    }
+    static const bool isWritten = [output] {
+        DWORD count = 0;
+        ::WriteFile(output, StopMessage.data(), static_cast<DWORD>(StopMessage.size()), &count, nullptr);
+        return true;
+    }();
+    return isWritten ? TRUE : FALSE;
+}
+
+bool IsConsole(void* output) {
+    DWORD mode = 0;
+    return ::GetConsoleMode(output, &mode) != FALSE;
+}
+
+// A console shows bytes by a code page of its own, which may be another than ours.
+void WriteToConsole(void* output, std::string_view text) {
+    constexpr std::size_t LargestPiece = 8192; // one call takes no more than some 64 KB
+    const std::wstring wide = ToWide(text);
+    for (std::wstring_view left = wide; !left.empty();) {
+        DWORD count = 0;
+        const auto size = static_cast<DWORD>(std::min(left.size(), LargestPiece));
+        if (::WriteConsoleW(output, left.data(), size, &count, nullptr) == FALSE || count == 0) {
+            return;
+        }
+        left.remove_prefix(count);
+    }
+}
+
+void WriteBytes(void* output, std::string_view bytes) {
+    constexpr std::size_t LargestPiece = 1U << 20U;
+    while (!bytes.empty()) {
+        DWORD count = 0;
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), LargestPiece));
+        if (::WriteFile(output, bytes.data(), size, &count, nullptr) == FALSE || count == 0) {
+            return;
+        }
+        bytes.remove_prefix(count);
+    }
+}
+
+} // namespace
+
+void InstallInterruptHandler(StopFlag& stop) {
+    flagToSet.store(&stop);
+    ::SetConsoleCtrlHandler(&HandleConsoleEvent, TRUE);
+}
+
+void WriteToStandardOutput(std::string_view bytes) noexcept {
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
+    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    if (IsConsole(output)) {
+        WriteToConsole(output, bytes);
+    } else {
+        WriteBytes(output, bytes);
+    }
+}
+
+unsigned AvailableProcessors() noexcept {
+    const DWORD all = ::GetActiveProcessorCount(ALL_PROCESSOR_GROUPS);
+    DWORD_PTR allowed = 0;
+    DWORD_PTR present = 0;
+    // With more than one group of processors the mask speaks of one of them only, or is empty.
+    if (::GetActiveProcessorGroupCount() == 1 &&
+        ::GetProcessAffinityMask(::GetCurrentProcess(), &allowed, &present) != FALSE && allowed != 0) {
+        return static_cast<unsigned>(std::bitset<64>(allowed).count());
+    }
+    return std::max(1U, static_cast<unsigned>(all));
+}
+
+} // namespace Orvanta

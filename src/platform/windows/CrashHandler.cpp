@@ -1,0 +1,167 @@
+#include "platform/CrashHandler.h"
+
+#include "platform/windows/Handle.h"
+
+#include <backward.hpp>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* SupportAddress = "support@orvanta.example";
+constexpr std::size_t LongestTrace = 64;
+
+// Printing allocates, and the crash may have happened inside the allocator: longer than this nobody waits for a trace.
+constexpr DWORD LongestReportMilliseconds = 30'000;
+
+constexpr ULONG StackForHandling = 64 * 1024; // what an overflow leaves for the handler
+
+// Decides where the stack of a crash goes.
+struct WriteCrashReport {
+    void operator()(backward::Printer& printer, const backward::StackTrace& trace) const {
+        std::FILE* const file = std::fopen(CrashReportFileName, "wb");
+        if (file == nullptr) {
+            printer.print(trace, stdout);
+            std::fflush(stdout);
+            return;
+        }
+        std::fprintf(stderr, "Application has crashed. Please send file %s to %s\n", CrashReportFileName,
+                     SupportAddress);
+        std::fflush(stderr);
+        printer.print(trace, file);
+        std::fclose(file);
+    }
+};
+
+// What the handlers and the crash thread share. Never destroyed: a crash may come at the very end.
+struct CrashState {
+    CONTEXT context{};
+    Handle thread; // the crashed one
+    Handle captured;
+    Handle reported;
+    std::atomic<bool> isClaimed = false; // by the first thread that crashes
+};
+
+std::atomic<CrashState*> crashState = nullptr; // set once, before the handlers are there
+
+DWORD WINAPI ReportCrash(void* /*parameter*/) {
+    CrashState& state = *crashState.load();
+    ::WaitForSingleObject(state.captured.Get(), INFINITE);
+    backward::Printer printer;
+    printer.address = true;
+    backward::StackTrace trace;
+    trace.set_machine_type(printer.resolver().machine_type());
+    trace.set_thread_handle(state.thread.Get());
+    trace.load_here(LongestTrace, &state.context);
+    WriteCrashReport()(printer, trace);
+    ::SetEvent(state.reported.Get());
+    return 0;
+}
+
+// Runs on the crashed thread.
+void Report(const CONTEXT& context) {
+    CrashState& state = *crashState.load();
+    if (state.isClaimed.exchange(true)) {
+        ::Sleep(INFINITE); // another thread has crashed before and is about to end the process
+    }
+    state.context = context;
+    HANDLE thread = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), ::GetCurrentThread(), ::GetCurrentProcess(), &thread, 0, FALSE,
+                      DUPLICATE_SAME_ACCESS);
+    state.thread = Handle(thread);
+    ::SetEvent(state.captured.Get());
+    ::WaitForSingleObject(state.reported.Get(), LongestReportMilliseconds);
+}
+
+void ReportHere() {
+    CONTEXT context{};
+    ::RtlCaptureContext(&context);
+    Report(context);
+}
+
+LONG WINAPI HandleException(EXCEPTION_POINTERS* information) {
+    Report(*information->ContextRecord);
+    return EXCEPTION_EXECUTE_HANDLER; // ends the process with the exception as its code
+}
+
+// The terminate handler of the C++ library comes here too, by way of abort.
+void HandleAbort(int /*signal*/) {
+    ReportHere();
+}
+
+[[noreturn]] void AbortReported() {
+    ReportHere();
+    std::signal(SIGABRT, SIG_DFL);
+    std::abort();
+}
+
+void HandleInvalidParameter(const wchar_t* /*expression*/, const wchar_t* /*function*/, const wchar_t* /*file*/,
+                            unsigned /*line*/, std::uintptr_t /*reserved*/) {
+    AbortReported();
+}
+
+// Functions of the runtime that its import library lacks.
+template <class Function>
+Function RuntimeFunction(const char* name) {
+    const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
+    return runtime == nullptr ? nullptr
+                              : reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(runtime, name)));
+}
+
+// Nobody may be there to close a message box.
+void ShowNoMessageBoxes() {
+    using SetAbortBehavior = unsigned (*)(unsigned flags, unsigned mask);
+    constexpr unsigned WriteAbortMessage = 1;
+    constexpr unsigned CallReportFault = 2;
+    if (const auto setAbortBehavior = RuntimeFunction<SetAbortBehavior>("_set_abort_behavior")) {
+        setAbortBehavior(0, WriteAbortMessage | CallReportFault);
+    }
+    ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+}
+
+void HandlePureCalls() {
+    using PureCallHandler = void (*)();
+    using SetPureCallHandler = PureCallHandler (*)(PureCallHandler);
+    if (const auto setHandler = RuntimeFunction<SetPureCallHandler>("_set_purecall_handler")) {
+        setHandler([] { AbortReported(); });
+    }
+}
+
+void HandleInvalidParameters() {
+    using Handler = decltype(&HandleInvalidParameter);
+    using SetHandler = Handler (*)(Handler);
+    if (const auto setHandler = RuntimeFunction<SetHandler>("_set_invalid_parameter_handler")) {
+        setHandler(&HandleInvalidParameter);
+    }
+}
+
+} // namespace
+
+void InstallCrashHandler() {
+    CrashState& state = *std::make_unique<CrashState>().release();
+    state.captured = Handle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    state.reported = Handle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    crashState.store(&state);
+    const Handle thread(::CreateThread(nullptr, 0, &ReportCrash, nullptr, 0, nullptr));
+    if (!thread.IsOpen()) {
+        std::abort();
+    }
+    ULONG guarantee = StackForHandling;
+    ::SetThreadStackGuarantee(&guarantee);
+
+    ShowNoMessageBoxes();
+    ::SetUnhandledExceptionFilter(&HandleException);
+    std::signal(SIGABRT, &HandleAbort);
+    HandlePureCalls();
+    HandleInvalidParameters();
+}
+
+} // namespace Orvanta

@@ -1,0 +1,115 @@
+#include "platform/Executable.h"
+
+#include "platform/Environment.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/windows/SearchPath.h"
+#include "platform/windows/SystemReason.h"
+#include "platform/windows/WideText.h"
+
+#include <algorithm>
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+using Test = bool (*)(const std::string& path);
+
+bool IsFile(const std::string& path) {
+    return PathExists(path) && !IsDirectory(path);
+}
+
+// Cuts the text up to the next ";" off `list` and returns it.
+std::string_view TakePart(std::string_view& list) {
+    const std::string_view part = list.substr(0, list.find(';'));
+    list.remove_prefix(std::min(part.size() + 1, list.size()));
+    return part;
+}
+
+std::string FirstThatPasses(const std::string& path, std::string_view extensions, Test test) {
+    if (test(path)) {
+        return path;
+    }
+    while (!extensions.empty()) {
+        const std::string_view extension = TakePart(extensions);
+        if (!extension.empty() && test(path + std::string(extension))) {
+            return path + std::string(extension);
+        }
+    }
+    return {};
+}
+
+struct Search {
+    std::string_view program;
+    std::string_view extensions;
+    std::string directory;
+    Test test;
+};
+
+std::string Walk(const Search& search, std::string_view searchPath) {
+    if (search.program.empty()) {
+        return {};
+    }
+    while (!searchPath.empty()) {
+        const std::string_view folder = TakePart(searchPath);
+        if (folder.empty()) {
+            continue;
+        }
+        std::string candidate = JoinPath(folder, search.program);
+        if (!IsAbsolutePath(candidate)) {
+            candidate = JoinPath(AbsolutePath(search.directory), candidate);
+        }
+        const std::string found = FirstThatPasses(candidate, search.extensions, search.test);
+        if (!found.empty()) {
+            return found;
+        }
+    }
+    return {};
+}
+
+std::string OwnExtensions() {
+    return EnvironmentVariable("PATHEXT").value_or("");
+}
+
+} // namespace
+
+std::string WithExtension(const std::string& path, std::string_view extensions) {
+    return FirstThatPasses(path, extensions, &IsFile);
+}
+
+std::string FindAlong(std::string_view program, std::string_view searchPath, std::string_view extensions,
+                      const std::string& directory) {
+    return Walk({program, extensions, directory, &IsFile}, searchPath);
+}
+
+std::string FindExecutable(const std::string& program) {
+    const auto searchPath = EnvironmentVariable("PATH");
+    return searchPath ? FindExecutableIn(program, *searchPath) : std::string();
+}
+
+std::string FindExecutableIn(const std::string& program, const std::string& searchPath) {
+    return Walk({program, OwnExtensions(), {}, &PathExists}, searchPath);
+}
+
+bool IsExecutableFile(const std::string& path) {
+    return !WithExtension(path, OwnExtensions()).empty();
+}
+
+std::string ProgramDirectory() {
+    std::string program(MAX_PATH, '\0');
+    DWORD length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    while (length == program.size()) { // cut off
+        program.resize(2 * program.size());
+        length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    }
+    if (length == 0) {
+        throw ZelmException("Couldn't ask for the program's path: " + SystemReason(::GetLastError()));
+    }
+    program.resize(length);
+    return std::string(DirectoryOf(FromActiveCodePage(program)));
+}
+
+} // namespace Orvanta

@@ -1,0 +1,76 @@
+#include "platform/windows/FileAccess.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/windows/SystemReason.h"
+#include "platform/windows/WideText.h"
+
+#include <algorithm>
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// The system tells no event for the moment when another program lets a file go.
+constexpr DWORD PauseMilliseconds = 10;
+constexpr int MostPauses = 200;
+
+// A file open in another program answers so; so does one that may not be touched at all.
+bool MayPass(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+}
+
+bool IsReadOnly(const std::wstring& path) {
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) != 0;
+}
+
+} // namespace
+
+void FailFile(const std::string& path, unsigned long error) {
+    // The system has the same answer for a folder and for a file that may not be opened.
+    const bool isFolder = error == ERROR_ACCESS_DENIED && IsDirectory(path);
+    throw ZelmException(path + ": " +
+                        (isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error)));
+}
+
+Handle OpenForWriting(const std::string& path) {
+    return Handle(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, AnySharing, nullptr, OPEN_ALWAYS,
+                                FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+bool IsOnDisk(const Handle& file) {
+    return ::GetFileType(file.Get()) == FILE_TYPE_DISK;
+}
+
+bool WriteAll(const Handle& file, std::string_view bytes) {
+    constexpr std::size_t LargestPiece = 1U << 30U;
+    while (!bytes.empty()) {
+        DWORD count = 0;
+        const auto size = static_cast<DWORD>(std::min(bytes.size(), LargestPiece));
+        if (::WriteFile(file.Get(), bytes.data(), size, &count, nullptr) == FALSE) {
+            return false;
+        }
+        bytes.remove_prefix(count);
+    }
+    return true;
+}
+
+void RenameOver(const std::string& from, const std::string& to) {
+    const std::wstring source = WidePath(from);
+    const std::wstring target = WidePath(to);
+    for (int pauses = 0; ::MoveFileExW(source.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) == FALSE; ++pauses) {
+        const DWORD error = ::GetLastError();
+        if (!MayPass(error) || IsReadOnly(target) || pauses == MostPauses) {
+            throw SystemFault{error};
+        }
+        ::Sleep(PauseMilliseconds);
+    }
+}
+
+} // namespace Orvanta

@@ -1,0 +1,185 @@
+#include "platform/Process.h"
+
+#include "platform/windows/ChildStart.h"
+#include "platform/windows/OutputPipe.h"
+#include "platform/windows/SystemReason.h"
+#include "platform/windows/WideText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+using Cause = ProcessStartException::Cause;
+
+[[noreturn]] void FailToStart(const std::string& program, const std::string& reason, Cause cause) {
+    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason, cause);
+}
+
+void CheckForZeroBytes(const Arguments& command) {
+    for (const std::string& argument : command) {
+        if (argument.find('\0') != std::string::npos) {
+            FailToStart(command.front().c_str(), "an argument holds a zero byte", Cause::Command);
+        }
+    }
+}
+
+} // namespace
+
+struct Process::Handles {
+    Handles(OutputReceiver output, OutputReceiver error)
+        : standardOutput(std::move(output)), standardError(std::move(error)) {}
+
+    Handles(const Handles&) = delete;
+    Handles& operator=(const Handles&) = delete;
+
+    ~Handles() {
+        if (child.process.IsOpen() && !exitStatus) {
+            EndTree();
+            ::WaitForSingleObject(child.process.Get(), INFINITE);
+        }
+    }
+
+    void Start(const Arguments& command, const StartConditions& conditions);
+    bool Look(DWORD milliseconds);
+    void EndTree() noexcept;
+    void TakeStatus();
+
+    OutputPipe standardOutput;
+    OutputPipe standardError;
+    StartedChild child;
+    std::optional<int> exitStatus;
+    bool isToBeKilled = false;
+    ProcessGroup group = ProcessGroup::Own;
+};
+
+void Process::Handles::Start(const Arguments& command, const StartConditions& conditions) {
+    group = conditions.group;
+    child = StartChild(command, conditions, {standardOutput.ChildEnd(), standardError.ChildEnd()});
+    standardOutput.StartReading();
+    standardError.StartReading();
+}
+
+// Waits, at most for the given time, for something to happen, and deals with it. True when the child has ended.
+bool Process::Handles::Look(DWORD milliseconds) {
+    if (exitStatus) {
+        return true;
+    }
+    std::array<HANDLE, 3> events{child.process.Get()};
+    DWORD count = 1;
+    for (const OutputPipe* const output : {&standardOutput, &standardError}) {
+        if (output->IsOpen()) {
+            events[count++] = output->Event();
+        }
+    }
+    const DWORD event = ::WaitForMultipleObjects(count, events.data(), FALSE, milliseconds);
+    if (event == WAIT_FAILED) {
+        throw ProcessException("Couldn't wait for a child process: " + SystemReason(::GetLastError()));
+    }
+    if (event == WAIT_TIMEOUT) {
+        return false;
+    }
+    standardOutput.Receive();
+    standardError.Receive();
+    if (event != WAIT_OBJECT_0) {
+        return false;
+    }
+    standardOutput.Drain();
+    standardError.Drain();
+    TakeStatus();
+    return true;
+}
+
+void Process::Handles::EndTree() noexcept {
+    if (child.job.IsOpen()) {
+        child.job.Terminate();
+    } else if (group == ProcessGroup::Own) {
+        TerminateTree(child.process.Get());
+    } else {
+        ::TerminateProcess(child.process.Get(), 1);
+    }
+}
+
+void Process::Handles::TakeStatus() {
+    DWORD code = 0;
+    ::GetExitCodeProcess(child.process.Get(), &code);
+    exitStatus = static_cast<int>(code);
+    if (!isToBeKilled && child.job.IsOpen()) {
+        child.job.LetGo();
+    }
+    child = {};
+}
+
+Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
+                 OutputReceiver standardOutput, OutputReceiver standardError)
+    : Process(command, StartConditions{workingDirectory, environment}, std::move(standardOutput),
+              std::move(standardError)) {}
+
+Process::Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
+                 OutputReceiver standardError) {
+    if (command.empty()) {
+        FailToStart("", "the command is empty", Cause::Program);
+    }
+    CheckForZeroBytes(command);
+    try {
+        handles_ = std::make_unique<Handles>(std::move(standardOutput), std::move(standardError));
+        handles_->Start(command, conditions);
+    } catch (const SystemFault& fault) {
+        FailToStart(command.front(), SystemReason(fault.error), Cause::Resources);
+    }
+}
+
+Process::~Process() = default;
+
+bool Process::try_get_exit_status(int& exitStatus) {
+    if (!handles_->Look(0)) {
+        return false;
+    }
+    exitStatus = *handles_->exitStatus;
+    return true;
+}
+
+int Process::get_exit_status() {
+    while (!handles_->Look(INFINITE)) {
+    }
+    return *handles_->exitStatus;
+}
+
+// A program without a window of its own can't be asked to end.
+void Process::kill(bool /*force*/) {
+    if (!handles_->exitStatus) {
+        handles_->isToBeKilled = true;
+        handles_->EndTree();
+    }
+}
+
+bool Process::WaitForChange(std::chrono::milliseconds longest) {
+    constexpr std::chrono::milliseconds::rep Longest = INFINITE - 1;
+    return handles_->Look(static_cast<DWORD>(std::clamp<std::chrono::milliseconds::rep>(longest.count(), 0, Longest)));
+}
+
+bool Process::HasEnded() const noexcept {
+    return handles_->exitStatus.has_value();
+}
+
+std::string RunAndRead(const std::string& commandLine) {
+    std::FILE* const pipe = ::_wpopen(ToWide(commandLine).c_str(), L"r");
+    if (pipe == nullptr) {
+        throw ProcessException("Couldn't run process: " + commandLine);
+    }
+    std::string output;
+    std::array<char, 1024> block{};
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe)) {
+        output.append(block.data(), count);
+    }
+    ::_pclose(pipe);
+    return output;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,118 @@
+#include "platform/windows/ProcessTree.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <tlhelp32.h>
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr UINT KilledCode = 1;
+constexpr DWORD LongestDying = 10'000; // milliseconds; a process caught in a driver may never go
+
+bool SetKillOnClose(void* job, bool isOn) noexcept {
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = isOn ? JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE : 0;
+    return ::SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits) != FALSE;
+}
+
+std::vector<DWORD> ProcessesOf(void* job) {
+    constexpr std::size_t MostProcesses = 4096;
+    std::vector<std::byte> memory(sizeof(JOBOBJECT_BASIC_PROCESS_ID_LIST) + MostProcesses * sizeof(ULONG_PTR));
+    auto* const list = reinterpret_cast<JOBOBJECT_BASIC_PROCESS_ID_LIST*>(memory.data());
+    if (::QueryInformationJobObject(job, JobObjectBasicProcessIdList, list, static_cast<DWORD>(memory.size()),
+                                    nullptr) == FALSE) {
+        return {};
+    }
+    std::vector<DWORD> ids;
+    for (DWORD i = 0; i < list->NumberOfProcessIdsInList; ++i) {
+        ids.push_back(static_cast<DWORD>(list->ProcessIdList[i]));
+    }
+    return ids;
+}
+
+std::uint64_t BirthOf(void* process) {
+    FILETIME created{};
+    FILETIME ignored{};
+    ::GetProcessTimes(process, &created, &ignored, &ignored, &ignored);
+    return (static_cast<std::uint64_t>(created.dwHighDateTime) << 32U) | created.dwLowDateTime;
+}
+
+std::vector<DWORD> ChildrenOf(DWORD parent) {
+    std::vector<DWORD> children;
+    const Handle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL isThere = ::Process32FirstW(snapshot.Get(), &entry); isThere != FALSE;
+         isThere = ::Process32NextW(snapshot.Get(), &entry)) {
+        if (entry.th32ParentProcessID == parent) {
+            children.push_back(entry.th32ProcessID);
+        }
+    }
+    return children;
+}
+
+void EndTree(void* root) {
+    std::vector<Handle> found; // below the root; an open handle keeps a number from being given to another process
+    for (std::size_t next = 0; next <= found.size(); ++next) {
+        void* const process = next == 0 ? root : found[next - 1].Get();
+        ::TerminateProcess(process, KilledCode); // first, so that it starts no more
+        for (const DWORD id : ChildrenOf(::GetProcessId(process))) {
+            Handle child(::OpenProcess(PROCESS_TERMINATE | PROCESS_QUERY_LIMITED_INFORMATION | SYNCHRONIZE, FALSE, id));
+            // An older process has only had a parent of the same number.
+            if (child.IsOpen() && BirthOf(child.Get()) >= BirthOf(process)) {
+                found.push_back(std::move(child));
+            }
+        }
+    }
+    for (const Handle& process : found) {
+        ::WaitForSingleObject(process.Get(), LongestDying);
+    }
+}
+
+} // namespace
+
+Job Job::Around(void* process) noexcept {
+    Job made;
+    made.job_ = Handle(::CreateJobObjectW(nullptr, nullptr));
+    if (made.IsOpen() &&
+        (!SetKillOnClose(made.job_.Get(), true) || ::AssignProcessToJobObject(made.job_.Get(), process) == FALSE)) {
+        made.job_.Reset();
+    }
+    return made;
+}
+
+void Job::Terminate() noexcept {
+    std::vector<Handle> processes;
+    try {
+        for (const DWORD id : ProcessesOf(job_.Get())) {
+            processes.emplace_back(::OpenProcess(SYNCHRONIZE, FALSE, id));
+        }
+    } catch (...) {
+        processes.clear(); // no memory for the list: then they are not waited for
+    }
+    ::TerminateJobObject(job_.Get(), KilledCode);
+    for (const Handle& process : processes) {
+        if (process.IsOpen()) {
+            ::WaitForSingleObject(process.Get(), LongestDying);
+        }
+    }
+}
+
+void Job::LetGo() noexcept {
+    SetKillOnClose(job_.Get(), false);
+}
+
+void TerminateTree(void* process) noexcept {
+    try {
+        EndTree(process);
+    } catch (...) {
+        ::TerminateProcess(process, KilledCode); // no memory for the rest
+    }
+}
+
+} // namespace Orvanta

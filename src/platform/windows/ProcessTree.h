@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/windows/Handle.h"
+
+namespace Orvanta {
+
+/// The job that a child and all it starts belong to. Not open where the system allows none. A job that goes away with
+/// its child still running ends all of it, also when this program itself is killed.
+class Job {
+public:
+    /// Puts a process that has not run yet into a job of its own.
+    static Job Around(void* process) noexcept;
+
+    [[nodiscard]] bool IsOpen() const noexcept { return job_.IsOpen(); }
+
+    /// Ends every process of the job and waits until they are gone: until then they hold their files.
+    void Terminate() noexcept;
+
+    /// From now on, what is left in the job outlives it.
+    void LetGo() noexcept;
+
+private:
+    Handle job_;
+};
+
+/// Ends a process and all that it started, found from the system's list of processes.
+void TerminateTree(void* process) noexcept;
+
+} // namespace Orvanta

@@ -1,0 +1,89 @@
+#include "platform/windows/WideText.h"
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+// Where a folder's name must end, so that a file of the old short form fits behind it.
+constexpr std::size_t LongestPlainPath = MAX_PATH - 12;
+
+std::wstring Widen(unsigned codePage, std::string_view text) {
+    std::wstring wide;
+    if (text.empty()) {
+        return wide;
+    }
+    const int size = static_cast<int>(text.size());
+    const int length = ::MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0);
+    wide.resize(static_cast<std::size_t>(length));
+    ::MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), length);
+    return wide;
+}
+
+std::string Narrow(unsigned codePage, unsigned long flags, std::wstring_view text, BOOL* usedDefault) {
+    std::string narrow;
+    if (text.empty()) {
+        return narrow;
+    }
+    const int length = static_cast<int>(text.size());
+    const int size = ::WideCharToMultiByte(codePage, flags, text.data(), length, nullptr, 0, nullptr, nullptr);
+    narrow.resize(static_cast<std::size_t>(size));
+    ::WideCharToMultiByte(codePage, flags, text.data(), length, narrow.data(), size, nullptr, usedDefault);
+    return narrow;
+}
+
+bool IsSeparator(wchar_t character) {
+    return character == L'\\' || character == L'/';
+}
+
+// "\\?\" and "\\.\": taken as they are.
+bool IsVerbatim(std::wstring_view path) {
+    return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
+}
+
+std::size_t LengthOfFullPath(std::wstring_view path) {
+    const bool isFull = path.size() >= 2 && (path[1] == L':' || (IsSeparator(path[0]) && IsSeparator(path[1])));
+    return path.size() + (isFull ? 0 : ::GetCurrentDirectoryW(0, nullptr));
+}
+
+} // namespace
+
+std::wstring ToWide(std::string_view text) {
+    return Widen(CP_UTF8, text);
+}
+
+std::string FromWide(std::wstring_view text) {
+    return Narrow(CP_UTF8, 0, text, nullptr);
+}
+
+std::string FromActiveCodePage(std::string_view text) {
+    return ::GetACP() == CP_UTF8 ? std::string(text) : FromWide(Widen(CP_ACP, text));
+}
+
+std::optional<std::string> ToActiveCodePage(std::string_view text) {
+    if (::GetACP() == CP_UTF8) {
+        return std::string(text);
+    }
+    BOOL usedDefault = FALSE;
+    std::string narrow = Narrow(CP_ACP, WC_NO_BEST_FIT_CHARS, ToWide(text), &usedDefault);
+    if (usedDefault != FALSE) {
+        return std::nullopt;
+    }
+    return narrow;
+}
+
+std::wstring WidePath(std::string_view path) {
+    std::wstring wide = ToWide(path);
+    if (IsVerbatim(wide) || LengthOfFullPath(wide) < LongestPlainPath) {
+        return wide;
+    }
+    std::wstring full(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    if (full.empty() || IsVerbatim(full)) {
+        return wide;
+    }
+    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC\\" + full.substr(2) : L"\\\\?\\" + full;
+}
+
+} // namespace Orvanta
