@@ -20,8 +20,9 @@ void MarkFailed(UnitResult& result, std::string reason) {
 
 } // namespace
 
-ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output)
-    : output_(output), chain_(&output) {
+ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output,
+                                 OrvlogConverter::IOutput& chain)
+    : output_(output), chain_(&chain) {
     outcome_.statuses.assign(units, AnalyzerStatus::Stopped);
 }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,14 +19,19 @@ struct RunOutcome {
     std::vector<AnalyzerStatus> statuses;            ///< by unit
     std::map<std::size_t, std::string> failures;     ///< by unit: why it failed
     std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
+    std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
 };
 
 /// Puts the findings of the units into the report in input order, whatever order the units end in, and makes them
 /// readable there as soon as their turn has come. A unit that waits for a slower one keeps its findings on disk.
 class ReportCommitter {
 public:
-    /// `output` must outlive the committer.
-    ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output);
+    /// `chain` leads to `output`; findings go in there. Both must outlive the committer.
+    ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output, OrvlogConverter::IOutput& chain);
+
+    /// The output itself is the chain.
+    ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output)
+        : ReportCommitter(units, output, output) {}
 
     /// Takes the result of a unit, once per unit, and commits every unit whose turn has come. Any thread may call it.
     /// Findings that can't be read, or a report that can't be written, make the unit a failed one.

@@ -4,6 +4,7 @@
 #include "analysis/CoreLocator.h"
 #include "analysis/RunSummary.h"
 #include "app/AnalyzeOptions.h"
+#include "app/FindingChain.h"
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
@@ -14,6 +15,7 @@
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
 #include "platform/TemporaryFolder.h"
+#include "suppress/SuppressBase.h"
 
 #include <chrono>
 #include <filesystem>
@@ -39,6 +41,9 @@ public:
     void Run() {
         if (options_.dumpLog) {
             log_.OpenFile(AbsolutePath(*options_.dumpLog));
+        }
+        if (options_.suppressFile) { // before the work of which a broken base would take the report
+            base_ = OrvlogConverter::SuppressBase::Read(*options_.suppressFile);
         }
         commands_ = ReadInput(options_, settings_, registry_, log_, stop_);
         if (stop_.IsSet()) {
@@ -81,7 +86,10 @@ private:
         const TemporaryFolder temporaryFolder;
         const RunPlaces places = MakePlaces(temporaryFolder.Path());
         const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(reportPath_, settings_);
-        ReportCommitter committer(commands_.units.size(), *report);
+        FindingChain chain(*report, base_, SourceTreeRoot(settings_));
+        chain.Front().Begin();
+        report->Commit();
+        ReportCommitter committer(commands_.units.size(), *report, chain.Front());
         AnalyzerRunner runner(settings_, registry_, places, log_, progress_, stop_);
         std::vector<const CompileCommand*> units;
         units.reserve(commands_.units.size());
@@ -89,8 +97,9 @@ private:
             units.push_back(&unit);
         }
         const int code = runner.RunParallel(units, threads_, IntermodularAnalysisMode::None, committer);
-        report->End();
+        chain.Front().End();
         outcome_ = committer.Outcome();
+        AddBaseCounts(chain);
         ReportEnd();
         return code == 0 && HasFailedInvocation(commands_) ? 1 : code;
     }
@@ -120,6 +129,13 @@ private:
         return core.path;
     }
 
+    void AddBaseCounts(const FindingChain& chain) {
+        if (base_) {
+            outcome_.hiddenFindings = chain.HiddenCount();
+            outcome_.findingsByLevel[1] += base_->IsOutdated() ? 1U : 0U; // the notice of that is a finding
+        }
+    }
+
     void ReportEnd() {
         log_.Text(FailureList(commands_, outcome_));
         const InvocationCounts counts = CountInvocations(commands_, outcome_);
@@ -138,6 +154,7 @@ private:
     std::string reportPath_;
     Log log_;
     StdOutProgress progress_;
+    std::optional<OrvlogConverter::SuppressBase> base_; // of --suppress-file
     CollectedCommands commands_;
     RunOutcome outcome_;
 };

@@ -178,8 +178,6 @@ void RefuseUnavailable(const AnalyzeOptions& options) {
         {options.sourceList.has_value(),           "--source-files"          },
         {options.intermodular,                     "--intermodular"          },
         {options.regenerateDependInfo.has_value(), "--regenerate-depend-info"},
-        {options.suppressFile.has_value(),         "--suppress-file"         },
-        {options.sourceTreeRoot.has_value(),       "--sourcetree-root"       },
         {options.dependencyFile.has_value(),       "--dep-file"              },
     };
     for (const auto& [isGiven, name] : unavailable) {

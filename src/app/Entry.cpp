@@ -1,22 +1,18 @@
 #include "app/Entry.h"
 
-#include "analysis/AnalyzerRunner.h"
 #include "app/AnalyzeCommand.h"
-#include "app/ReportCommands.h"
+#include "app/FilterSuppressedCommand.h"
+#include "app/SuppressCommand.h"
+#include "app/TopLevel.h"
 #include "app/Version.h"
-#include "buildinput/BuildInput.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
-#include "platform/Exceptions.h"
 #include "platform/StopFlag.h"
-#include "report/Exceptions.h"
 
 #include <args.hxx>
 
-#include <sstream>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace Orvanta {
 
@@ -40,9 +36,6 @@ constexpr const char* Epilog = "\n"
                                "  1 - Error (crash) during analysis of some source file(s);\n"
                                "\n";
 
-/// The user asks for the version; only RunProgram catches it.
-class VersionRequest : public std::exception {};
-
 std::string WithoutRemovedWords(std::string text) {
     for (std::size_t at = text.find(RemovedWords); at != std::string::npos; at = text.find(RemovedWords, at)) {
         text.erase(at, RemovedWords.size());
@@ -50,78 +43,11 @@ std::string WithoutRemovedWords(std::string text) {
     return text;
 }
 
-void Print(std::string_view text) {
-    WriteToStandardOutput(text);
-}
-
-void PrintLine(std::string text) {
-    Print(text += '\n');
-}
-
-void PrintHelp(const args::ArgumentParser& parser) {
-    std::ostringstream text;
-    text << parser;
-    Print(text.str());
-}
-
 void SetUpParser(args::ArgumentParser& parser) {
     parser.Prog(WithoutRemovedWords(ProgramName));
     parser.Description(WithoutRemovedWords(Description));
     parser.Epilog(Epilog);
-    parser.helpParams.usageString = "Usage:";
-    parser.helpParams.optionsString = "Options:";
-    parser.helpParams.proglineOptions = "{OPTIONS}";
-    parser.helpParams.addDefault = true;
-    parser.helpParams.addChoices = true;
-}
-
-void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* arguments) {
-    if (argumentCount < 1) {
-        parser.ParseArgs(std::vector<std::string>{});
-    } else {
-        parser.ParseArgs(std::vector<std::string>(arguments + 1, arguments + argumentCount));
-    }
-}
-
-void PrintNoInvocations(const NoCompilerInvocationsFound& error) {
-    std::string text = "No compiler invocations were detected.";
-    if (error.HintForUser() == NoCompilerInvocationsFound::Hint::NameTheCompiler) {
-        text += " Consider specifying the compiler name with the '-C' argument.";
-    }
-    PrintLine(text);
-}
-
-// A more derived type stands before its base.
-int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* const* arguments) {
-    try {
-        Parse(parser, argumentCount, arguments);
-        return 0;
-    } catch (const args::Completion& completion) {
-        Print(completion.what());
-        return 0;
-    } catch (const args::Help&) {
-        PrintHelp(parser);
-        return 0;
-    } catch (const VersionRequest&) {
-        PrintLine(std::string(ProgramName) + " " + Version);
-        return 0;
-    } catch (const args::Error& error) {
-        PrintLine(error.what());
-        PrintHelp(parser);
-    } catch (const OrvlogConverter::FilesystemException& error) {
-        PrintLine(std::string("Error: ") + error.what());
-    } catch (const NoCompilationCommandsToRun& error) {
-        PrintLine(error.what());
-    } catch (const NoCompilerInvocationsFound& error) {
-        PrintNoInvocations(error);
-    } catch (const ZelmRcException& error) {
-        return error.ReturnCode();
-    } catch (const ZelmException& error) {
-        PrintLine(std::string("Error: ") + error.what());
-    } catch (const std::exception& error) {
-        PrintLine(std::string("Unexpected exception was thrown: ") + error.what());
-    }
-    return 1;
+    SetHelpWords(parser);
 }
 
 } // namespace
@@ -134,7 +60,7 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     SetUpParser(parser);
     const args::HelpFlag help(parser, "help", "Show help page", {'h', "help"}, args::Options::Global);
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"},
-                                   [] { throw VersionRequest(); });
+                                   [] { throw VersionRequest(std::string(ProgramName) + " " + Version); });
     const args::CompletionFlag completion(parser, {"complete"});
     args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
     analyze.Epilog(Epilog);

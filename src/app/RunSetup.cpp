@@ -15,18 +15,22 @@ namespace Orvanta {
 
 namespace {
 
+constexpr const char* SourceTreeRootKey = "sourcetree-root";
+
 // Options count from the current directory, unless they are masks.
 std::string PathOrMask(const std::string& value) {
     return HasWildcard(value) ? value : AbsolutePath(value);
 }
 
-// The report's path is no path that the settings reader knows, so it is still as written.
-void MakeReportPathAbsolute(SettingsMap& settings, const std::string& settingsFile) {
+// The settings reader does not know these keys as paths, so they are still as written.
+void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile) {
     const std::string folder(DirectoryOf(settingsFile));
-    const auto [first, last] = settings.equal_range("output-file");
-    for (auto entry = first; entry != last; ++entry) {
-        if (!entry->second.empty()) {
-            entry->second = NormalizePath(JoinPath(folder, entry->second));
+    for (const char* const key : {"output-file", SourceTreeRootKey}) {
+        const auto [first, last] = settings.equal_range(key);
+        for (auto entry = first; entry != last; ++entry) {
+            if (!entry->second.empty()) {
+                entry->second = NormalizePath(JoinPath(folder, entry->second));
+            }
         }
     }
 }
@@ -53,6 +57,9 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     OverrideIfGiven(settings, "platform", options.platform);
     if (options.rulesConfig) {
         OverrideSetting(settings, "rules-config", AbsolutePath(*options.rulesConfig));
+    }
+    if (options.sourceTreeRoot) {
+        OverrideSetting(settings, SourceTreeRootKey, AbsolutePath(*options.sourceTreeRoot));
     }
     SettingsMap excluded;
     for (const std::string& value : options.excludePaths) {
@@ -84,7 +91,7 @@ RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     if (options.settingsFile) {
         const std::string path = AbsolutePath(*options.settingsFile);
         SettingsMap fromFile = ReadSettingsFile(path);
-        MakeReportPathAbsolute(fromFile, path);
+        MakeOwnPathsAbsolute(fromFile, path);
         ApplySettings(settings, fromFile);
     }
     ApplyOptions(settings, options);
@@ -112,6 +119,10 @@ std::string ReportPath(const AnalyzeOptions& options, const RunSettings& setting
         return AbsolutePath(*options.outputFile);
     }
     return LastValue(settings.userSettings, "output-file").value_or("");
+}
+
+std::string SourceTreeRoot(const RunSettings& settings) {
+    return LastValue(settings.userSettings, SourceTreeRootKey).value_or("");
 }
 
 std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath, const RunSettings& settings) {

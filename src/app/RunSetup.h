@@ -21,6 +21,9 @@ namespace Orvanta {
 /// The absolute path of the run's report; empty when the findings go to standard output.
 [[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
 
+/// The folder that the report writes as "|?|"; empty when paths stay as they are.
+[[nodiscard]] std::string SourceTreeRoot(const RunSettings& settings);
+
 /// The output for a report: one JSON document for a name in ".json", else lines in the form that the settings ask for.
 /// \throws OrvlogConverter::FilesystemException when it can't be written
 [[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath,

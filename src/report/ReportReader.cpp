@@ -1,6 +1,7 @@
 #include "report/ReportReader.h"
 
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "report/CompilerLine.h"
 #include "report/Exceptions.h"
@@ -124,7 +125,7 @@ ReportReader::ReportReader(std::string path) : path_(std::move(path)) {
     if (Orvanta::IsDirectory(path_)) {
         throw FilesystemException(path_ + " is a directory");
     }
-    file_.open(std::filesystem::path(path_), std::ios::binary);
+    file_.open(Orvanta::NativePath(path_), std::ios::binary);
     if (!file_.is_open()) {
         throw FilesystemException("Couldn't open file " + path_);
     }
@@ -221,10 +222,10 @@ ReportForm DetectReportForm(const std::string& path) {
         return ReportForm::JsonDocument;
     }
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(path, ignored)) {
+    if (!std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
         return ReportForm::JsonLines;
     }
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    std::ifstream file(Orvanta::NativePath(path), std::ios::binary);
     std::string start(BlockSize, '\0');
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<std::size_t>(file.gcount()));

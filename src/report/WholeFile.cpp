@@ -1,6 +1,7 @@
 #include "report/WholeFile.h"
 
 #include "platform/Exceptions.h"
+#include "platform/NativePath.h"
 #include "report/Exceptions.h"
 
 #include <cstddef>
@@ -30,7 +31,7 @@ void NamingFile(const std::string& path, const Work& work) {
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
     std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored)) {
+    if (std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
 }
@@ -49,7 +50,8 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
 
 void WholeFile::RequireReplaceable(const std::string& path) {
     std::error_code ignored;
-    if (std::filesystem::exists(path, ignored) && !std::filesystem::is_regular_file(path, ignored)) {
+    if (std::filesystem::exists(Orvanta::NativePath(path), ignored) &&
+        !std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
         throw FilesystemException("Can't write to file: " + path + ": it is no regular file");
     }
     NamingFile(path, [&path] { ProbeExisting(path); });

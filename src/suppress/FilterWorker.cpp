@@ -2,6 +2,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "report/Exceptions.h"
 #include "report/ReportReader.h"
@@ -26,12 +27,13 @@ LogParserSettings SettingsFor(const std::string& reportPath) {
 
 bool IsSameFile(const std::string& left, const std::string& right) {
     std::error_code error;
-    return AbsolutePath(left) == AbsolutePath(right) || std::filesystem::equivalent(left, right, error);
+    return AbsolutePath(left) == AbsolutePath(right) ||
+           std::filesystem::equivalent(NativePath(left), NativePath(right), error);
 }
 
 std::string ResolveLinks(const std::string& path) {
     std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
+    const std::filesystem::path resolved = std::filesystem::canonical(NativePath(path), error);
     return error ? path : resolved.string();
 }
 
@@ -96,11 +98,11 @@ void FilterWorker::Finish(const Counts& counts) {
 // One renaming: at every moment the report's name leads to the old report or to the new one.
 void FilterWorker::ReplaceReport() {
     std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(reportPath_, error);
+    const std::filesystem::file_status status = std::filesystem::status(NativePath(reportPath_), error);
     if (!error) {
-        std::filesystem::permissions(outputPath_, status.permissions(), error);
+        std::filesystem::permissions(NativePath(outputPath_), status.permissions(), error);
     }
-    std::filesystem::rename(outputPath_, reportPath_, error);
+    std::filesystem::rename(NativePath(outputPath_), NativePath(reportPath_), error);
     if (error) {
         throw FilesystemException("Can't write to file: " + reportPath_ + ": " + error.message());
     }

@@ -1,6 +1,7 @@
 #include "suppress/SuppressBase.h"
 
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "report/Exceptions.h"
 #include "report/JsonText.h"
 #include "report/Utf8.h"
@@ -9,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -242,7 +242,7 @@ SuppressBase SuppressBase::Read(const std::string& path) {
     if (Orvanta::IsDirectory(path)) {
         throw FilesystemException(path + " is a directory");
     }
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    std::ifstream file(Orvanta::NativePath(path), std::ios::binary);
     if (!file.is_open()) {
         throw FilesystemException("Couldn't open file " + path);
     }

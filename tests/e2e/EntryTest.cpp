@@ -77,15 +77,6 @@ TEST_F(EntryTest, CompletionOffersWhatMayFollow) {
     EXPECT_EQ(options.output, "--exclude-path") << options;
 }
 
-TEST_F(EntryTest, SubcommandsWithoutTheirWorkSaySo) {
-    for (const char* const command : {"suppress", "filter-suppressed"}) {
-        const RunResult result = sandbox.Run({command});
-        EXPECT_EQ(result.exitCode, 1) << result;
-        EXPECT_EQ(result.output.find("Error: "), 0U) << result;
-        EXPECT_TRUE(result.Says(command)) << result;
-    }
-}
-
 } // namespace
 
 } // namespace Orvanta

@@ -70,8 +70,6 @@ TEST_F(OptionsTest, OptionsOfLaterWorkAreRefusedNotIgnored) {
         {"source-files",           {"-S", "list.txt"}                           },
         {"intermodular",           {"--intermodular"}                           },
         {"regenerate-depend-info", {"--regenerate-depend-info", "skip-analysis"}},
-        {"suppress-file",          {"-s", "base.json"}                          },
-        {"sourcetree-root",        {"-r", "src"}                                },
         {"dep-file",               {"--dep-file", "deps.mk"}                    },
     };
     for (const auto& [name, options] : cases) {

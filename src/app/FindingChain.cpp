@@ -1,0 +1,11 @@
+#include "app/FindingChain.h"
+
+namespace Orvanta {
+
+FindingChain::FindingChain(OrvlogConverter::ReportOutput& report,
+                           const std::optional<OrvlogConverter::SuppressBase>& base, const std::string& sourceRoot)
+    : root_(sourceRoot.empty() ? std::nullopt
+                               : std::make_optional<OrvlogConverter::SourceRootHider>(&report, sourceRoot)),
+      filter_(root_ ? static_cast<OrvlogConverter::IOutput*>(&*root_) : &report, base ? &*base : nullptr) {}
+
+} // namespace Orvanta

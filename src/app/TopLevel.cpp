@@ -1,0 +1,100 @@
+#include "app/TopLevel.h"
+
+#include "analysis/AnalyzerRunner.h"
+#include "buildinput/BuildInput.h"
+#include "platform/Console.h"
+#include "platform/Exceptions.h"
+#include "platform/ProgramArguments.h"
+#include "report/Exceptions.h"
+
+#include <args.hxx>
+
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+namespace {
+
+void Print(std::string_view text) {
+    WriteToStandardOutput(text);
+}
+
+void PrintLine(std::string text) {
+    Print(text += '\n');
+}
+
+void PrintHelp(const args::ArgumentParser& parser) {
+    std::ostringstream text;
+    text << parser;
+    Print(text.str());
+}
+
+void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* arguments) {
+    std::vector<std::string> words;
+    if (argumentCount >= 1) {
+        words = ProgramArguments(argumentCount, arguments);
+        words.erase(words.begin()); // the program's own name
+    }
+    parser.ParseArgs(words);
+}
+
+void PrintNoInvocations(const NoCompilerInvocationsFound& error) {
+    std::string text = "No compiler invocations were detected.";
+    if (error.HintForUser() == NoCompilerInvocationsFound::Hint::NameTheCompiler) {
+        text += " Consider specifying the compiler name with the '-C' argument.";
+    }
+    PrintLine(text);
+}
+
+} // namespace
+
+void SetHelpWords(args::ArgumentParser& parser) {
+    parser.helpParams.usageString = "Usage:";
+    parser.helpParams.optionsString = "Options:";
+    parser.helpParams.proglineOptions = "{OPTIONS}";
+    parser.helpParams.addDefault = true;
+    parser.helpParams.addChoices = true;
+}
+
+// A more derived type stands before its base.
+int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* const* arguments,
+                const std::function<void()>& work) {
+    try {
+        Parse(parser, argumentCount, arguments);
+        if (work) {
+            work();
+        }
+        return 0;
+    } catch (const args::Completion& completion) {
+        Print(completion.what());
+        return 0;
+    } catch (const args::Help&) {
+        PrintHelp(parser);
+        return 0;
+    } catch (const VersionRequest& version) {
+        PrintLine(version.what());
+        return 0;
+    } catch (const args::Error& error) {
+        PrintLine(error.what());
+        PrintHelp(parser);
+    } catch (const OrvlogConverter::StoppedException&) {
+        return InterruptedExitCode;
+    } catch (const OrvlogConverter::ReportException& error) {
+        PrintLine(std::string("Error: ") + error.what());
+    } catch (const NoCompilationCommandsToRun& error) {
+        PrintLine(error.what());
+    } catch (const NoCompilerInvocationsFound& error) {
+        PrintNoInvocations(error);
+    } catch (const ZelmRcException& error) {
+        return error.ReturnCode();
+    } catch (const ZelmException& error) {
+        PrintLine(std::string("Error: ") + error.what());
+    } catch (const std::exception& error) {
+        PrintLine(std::string("Unexpected exception was thrown: ") + error.what());
+    }
+    return 1;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <string>
+#include <utility>
+
+namespace args {
+class ArgumentParser;
+}
+
+namespace Orvanta {
+
+/// The user asks for a program's version; thrown by a flag's action, caught by ParseAndRun only.
+class VersionRequest : public std::exception {
+public:
+    /// `text` names the program and its version.
+    explicit VersionRequest(std::string text) : text_(std::move(text)) {}
+
+    [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+
+private:
+    std::string text_;
+};
+
+/// Gives a parser the words that all our programs' help uses.
+void SetHelpWords(args::ArgumentParser& parser);
+
+/// Parses the command line, which runs the chosen subcommand where there are some, then does `work`, and turns every
+/// way in which that can end into a message on standard output and an exit code. No exception leaves it.
+int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* const* arguments,
+                const std::function<void()>& work = {});
+
+} // namespace Orvanta
