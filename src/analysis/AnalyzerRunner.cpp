@@ -125,6 +125,7 @@ UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
     const Unit unit = PrepareUnit(task);
     UnitResult result;
     if (!settings_.analyzeSystemPaths && IsInSystemFolder(unit)) {
+        log_.VerboseLine("  Exclusion by system folder: '" + unit.sourcePath + "'");
         result.status = AnalyzerStatus::Excluded;
         return result;
     }
