@@ -2,6 +2,7 @@
 
 #include "buildinput/CompilationDatabase.h"
 #include "buildinput/InvocationCollector.h"
+#include "buildinput/TraceReader.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 
@@ -9,30 +10,25 @@
 
 namespace Orvanta {
 
-namespace {
-
-void ReadTrace(const std::string& path) {
-    throw ZelmException("Couldn't parse " + path +
-                        ": process traces can't be read yet, use a compilation database (compile_commands.json)");
-}
-
-} // namespace
-
 NoCompilerInvocationsFound::NoCompilerInvocationsFound(Hint hint)
     : ZelmException("No compiler invocations were detected."), hint_(hint) {}
 
 void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
-    // Some systems open a folder for reading like a file.
-    if (IsDirectory(path) || !std::ifstream(path).is_open()) {
+    std::ifstream input;
+    if (!IsDirectory(path)) { // some systems open a folder for reading like a file
+        input.open(path, std::ios::binary);
+    }
+    if (!input.is_open()) {
         throw ZelmException("Couldn't open file " + path);
     }
     if (ExtensionOf(path) == ".json") {
+        input.close();
         collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
         if (!ReadCompilationDatabase(path, collector)) {
             throw ZelmException("Couldn't parse compile commands database " + path);
         }
-    } else {
-        ReadTrace(path);
+    } else if (!ReadTrace(input, path, collector)) {
+        throw ZelmException("Couldn't parse " + path);
     }
     collector.MessageLog().Line("Using tracing file: " + path);
 }

@@ -1,5 +1,6 @@
 #include "buildinput/CompilationDatabase.h"
 
+#include "buildinput/VariableName.h"
 #include "platform/Files.h"
 
 #include <nlohmann/json.hpp>
@@ -147,13 +148,6 @@ const std::string& RequireText(const TextMember& member) {
         throw TypeError(String, member.type);
     }
     return member.text;
-}
-
-bool IsVariableName(std::string_view name) {
-    const auto isNameCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    };
-    return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
 }
 
 /// The variables of an entry. Names that no shell could set are left out.
@@ -396,7 +390,7 @@ void DatabaseHandler::HandOver() {
     } else {
         entry_.arguments.resize(entry_.argumentCount);
     }
-    collector_.AddInvocationFrom(entry_.arguments, directory, environment);
+    collector_.AddInvocationFrom(entry_.arguments, directory, environment, EnvironmentScope::Changes);
 }
 
 void DatabaseHandler::Finish() const {

@@ -6,11 +6,18 @@
 #include "platform/Environment.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace Orvanta {
+
+/// How the variables that a build input gives for an invocation stand to those of the driver.
+enum class EnvironmentScope : std::uint8_t {
+    Changes, ///< they go over the driver's own
+    Whole,   ///< they are all that the invocation had
+};
 
 /// One source file of one compiler invocation of the build: the unit of analysis. Read-only once collected.
 /// What many units share is held once.
@@ -23,6 +30,7 @@ struct CompileCommand {
     SourceArgument source;
     std::size_t invocation = 0; ///< number of the invocation in the input, from 1
     bool wrapped = false;       ///< a launcher stood before the compiler
+    EnvironmentScope environmentScope = EnvironmentScope::Changes;
 
     /// The source file as the command names it.
     [[nodiscard]] std::string_view SourceFile() const { return arguments[source.index].substr(source.offset); }

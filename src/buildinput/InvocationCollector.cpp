@@ -1,6 +1,7 @@
 #include "buildinput/InvocationCollector.h"
-
+#include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
 #include "platform/Text.h"
@@ -53,7 +54,8 @@ std::string_view FamilyTitle(CompilerType type) {
     return "unknown";
 }
 
-/// The command as text, cut to a length that fits a message; not within a character.
+/// The command as text, cut to a length that fits a message; not within a
+/// character.
 std::string ShortCommandText(const std::vector<std::string>& arguments) {
     std::string text = CommandLineText(arguments);
     if (text.size() <= LongestCommandText) {
@@ -84,17 +86,8 @@ std::string NameOfCommand(const std::vector<std::string>& arguments) {
     return input != nullptr ? *input : ShortCommandText(arguments);
 }
 
-std::string_view WithoutExe(std::string_view name) {
-    constexpr std::string_view exe = ".exe";
-    const bool ends = name.size() > exe.size() && EqualsIgnoringCase(name.substr(name.size() - exe.size()), exe);
-    return ends ? name.substr(0, name.size() - exe.size()) : name;
-}
-
-bool IsNamed(std::string_view program, std::string_view name) {
-    return EqualsIgnoringCase(WithoutExe(FileNameOf(program)), WithoutExe(name));
-}
-
-/// Whether a text holds a zero byte. No path, argument or variable can, and the system would cut it there in silence.
+/// Whether a text holds a zero byte. No path, argument or variable can, and the
+/// system would cut it there in silence.
 bool HoldsZeroByte(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
@@ -102,6 +95,14 @@ bool HoldsZeroByte(std::string_view text) {
 bool HoldsZeroByte(const Environment& environment) {
     return std::any_of(environment.begin(), environment.end(),
                        [](const auto& variable) { return HoldsZeroByte(std::string_view(variable.second)); });
+}
+
+/// Whether all sources of a command have vanished.
+bool NoneExists(const std::vector<SourceArgument>& sources, const std::vector<std::string>& arguments,
+                const std::string& directory) {
+    return std::none_of(sources.begin(), sources.end(), [&](const SourceArgument& source) {
+        return PathExists(JoinPath(directory, std::string_view(arguments[source.index]).substr(source.offset)));
+    });
 }
 
 } // namespace
@@ -118,22 +119,32 @@ void InvocationCollector::SetBaseDirectory(std::string directory) {
 
 void InvocationCollector::AddInvocation(std::vector<std::string> arguments, const std::string& workingDirectory,
                                         const Environment& environment) {
-    AddInvocationFrom(arguments, workingDirectory, environment);
+    AddInvocationFrom(arguments, workingDirectory, environment, EnvironmentScope::Changes);
 }
 
 void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
-                                            const Environment& environment) {
+                                            const Environment& environment, EnvironmentScope scope) {
     ++collected_.invocations;
     std::optional<Refusal> refusal;
     try {
-        refusal = Collect(arguments, workingDirectory, environment);
+        refusal = Collect(arguments, workingDirectory, environment, scope);
     } catch (const ZelmException& error) {
         refusal = Refusal{InvocationFate::Unreadable, error.what()};
     }
     if (refusal) {
-        collected_.skipped.push_back(
-            {collected_.invocations, refusal->fate, NameOfCommand(arguments), std::move(refusal->reason)});
+        Skip(arguments, *std::move(refusal));
     }
+}
+
+void InvocationCollector::AddUnreadable(const std::vector<std::string>& arguments, std::string reason) {
+    ++collected_.invocations;
+    Skip(arguments, {InvocationFate::Unreadable, std::move(reason)});
+}
+
+void InvocationCollector::Skip(const std::vector<std::string>& arguments, Refusal refusal) {
+    collected_.skipped.push_back({collected_.invocations, refusal.fate,
+                                  refusal.what.empty() ? NameOfCommand(arguments) : std::move(refusal.what),
+                                  std::move(refusal.reason)});
 }
 
 CollectedCommands InvocationCollector::Take() {
@@ -144,7 +155,7 @@ bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments
     const std::vector<std::string>& filter = settings_.compilerFilter;
     const auto passes = [&filter](std::string_view program) {
         return std::any_of(filter.begin(), filter.end(),
-                           [program](std::string_view name) { return IsNamed(program, name); });
+                           [program](std::string_view name) { return IsProgramNamed(program, name); });
     };
     return filter.empty() || passes(arguments[0]) ||
            (arguments.size() > 1 && FileNameOf(arguments[0]) == Ccache && passes(arguments[1]));
@@ -199,7 +210,8 @@ InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified
 
 std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::vector<std::string>& arguments,
                                                                          const std::string& workingDirectory,
-                                                                         const Environment& environment) {
+                                                                         const Environment& environment,
+                                                                         EnvironmentScope scope) {
     if (std::optional<Refusal> refusal = Refuse(arguments, workingDirectory, environment)) {
         return refusal;
     }
@@ -221,11 +233,16 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     if (outline.sources.empty()) {
         return Refusal{InvocationFate::NotACompilation, std::string(outline.reason)};
     }
+    if (leavesOutDeleted_ && NoneExists(outline.sources, arguments, *directories.absolute)) {
+        const SourceArgument& first = outline.sources.front();
+        return Refusal{InvocationFate::DeletedSinceTrace, "source deleted since the trace",
+                       arguments[first.index].substr(first.offset)};
+    }
     const std::shared_ptr<const Environment> sharedEnvironment = Share(environment);
     for (const SourceArgument& source : outline.sources) {
         collected_.units.push_back({directories.written, directories.absolute, ArgumentList(arguments),
                                     sharedEnvironment, identified.compiler, source, collected_.invocations,
-                                    identified.wrapped});
+                                    identified.wrapped, scope});
     }
     return std::nullopt;
 }

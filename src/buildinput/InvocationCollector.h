@@ -34,7 +34,19 @@ public:
 
     /// The same for a caller that fills one vector again and again; what it holds afterwards is unspecified.
     void AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
-                           const Environment& environment);
+                           const Environment& environment, EnvironmentScope scope);
+
+    /// Takes an invocation of which the input does not tell enough.
+    void AddUnreadable(const std::vector<std::string>& arguments, std::string reason);
+
+    /// From now on an invocation none of whose sources exists is left out: a build that ended long ago may have removed
+    /// them.
+    void LeaveOutDeletedSources() noexcept { leavesOutDeleted_ = true; }
+
+    /// The number of invocations taken so far.
+    [[nodiscard]] std::size_t Invocations() const noexcept { return collected_.invocations; }
+
+    [[nodiscard]] const RunSettings& Settings() const noexcept { return settings_; }
 
     /// Hands over what was collected.
     [[nodiscard]] CollectedCommands Take();
@@ -52,6 +64,7 @@ private:
     struct Refusal {
         InvocationFate fate;
         std::string reason;
+        std::string what = {}; // empty: what the command's words say
     };
 
     struct ContentLess {
@@ -67,7 +80,9 @@ private:
     [[nodiscard]] std::optional<Refusal> RefuseCompiler(const CompilerIdentifier::Result& identified,
                                                         const std::string& program);
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
-                                                 const std::string& workingDirectory, const Environment& environment);
+                                                 const std::string& workingDirectory, const Environment& environment,
+                                                 EnvironmentScope scope);
+    void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
     [[nodiscard]] const Compiler* ModelOf(CompilerType type);
     [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
@@ -84,6 +99,7 @@ private:
     const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again
     std::shared_ptr<const Environment> lastEnvironment_;
     CollectedCommands collected_;
+    bool leavesOutDeleted_ = false;
 };
 
 } // namespace Orvanta

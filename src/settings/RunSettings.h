@@ -23,6 +23,7 @@ struct RunSettings {
     std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
+    std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
     bool showCoreOutputOfMsvc = false; ///< show what the core prints for units of cl and clang-cl too

@@ -1,0 +1,75 @@
+#include "buildinput/TraceEnvironment.h"
+
+#include "buildinput/VariableName.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+
+namespace Orvanta {
+
+namespace {
+
+/// The text of the whole array, which is one piece of the trace's line.
+std::string_view TextOf(const TraceArray& texts) {
+    if (texts.items.empty()) {
+        return {};
+    }
+    const char* const begin = texts.items.front().raw.data();
+    const std::string_view last = texts.items.back().raw;
+    return {begin, static_cast<std::size_t>(last.data() + last.size() - begin)};
+}
+
+Environment MakeEnvironment(const TraceArray& texts) {
+    Environment environment;
+    for (const TraceLiteral& literal : texts.items) {
+        const std::string text = literal.Decode();
+        const std::size_t equalsSign = std::min(text.find('='), text.size());
+        const std::string_view name = std::string_view(text).substr(0, equalsSign);
+        if (equalsSign < text.size() && IsVariableName(name)) {
+            environment.emplace(name, text.substr(equalsSign + 1));
+        }
+    }
+    return environment;
+}
+
+} // namespace
+
+std::shared_ptr<const Environment> TraceEnvironments::Get(const TraceArray& texts) {
+    const auto isCut = [](const TraceLiteral& literal) {
+        return literal.isCut;
+    };
+    if (!texts.isWhole || std::any_of(texts.items.begin(), texts.items.end(), isCut)) {
+        return nullptr;
+    }
+    const std::string_view text = TextOf(texts);
+    for (const Entry& entry : recent_) {
+        if (entry.environment != nullptr && entry.text == text) {
+            return entry.environment;
+        }
+    }
+    Entry& entry = recent_[next_];
+    next_ = (next_ + 1) % Remembered;
+    entry.text = text;
+    entry.environment = std::make_shared<const Environment>(MakeEnvironment(texts));
+    return entry.environment;
+}
+
+std::optional<std::string> DirectoryVariable(const TraceArray& texts) {
+    for (const TraceLiteral& literal : texts.items) {
+        if (literal.isCut) {
+            continue;
+        }
+        constexpr std::string_view name = "PWD=";
+        // Quick: the form with every character escaped is rare.
+        if (!literal.raw.starts_with(name) && !literal.raw.starts_with('\\')) {
+            continue;
+        }
+        const std::string text = literal.Decode();
+        if (text.starts_with(name) && IsAbsolutePath(std::string_view(text).substr(name.size()), PathRules::Posix)) {
+            return text.substr(name.size());
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace Orvanta
