@@ -2,6 +2,8 @@
 
 #include "analysis/ScopedFile.h"
 #include "analysis/WorkerPool.h"
+#include "buildinput/CompilerVariables.h"
+#include "platform/EnvironmentNames.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
@@ -17,10 +19,16 @@ constexpr const char* PredefinedMacro = "ORVANTA";
 constexpr std::size_t LongestSourceNamePart = 100; // of a unit's file names: file systems end names at 255 bytes
 constexpr std::size_t LongestFailureText = 2000;   // of a core's own words in the list of failures
 
-Environment InvocationEnvironment(const Environment& ownVariables, const Environment& changes) {
-    Environment variables = WithChanges(ownVariables);
-    for (const auto& [name, value] : changes) {
-        variables[name] = value;
+void RemoveVariable(Environment& variables, std::string_view name) {
+    std::erase_if(variables, [name](const auto& variable) { return IsSameVariable(variable.first, name); });
+}
+
+Environment InvocationEnvironment(Environment variables, const Environment& ownVariables, const Environment& changes) {
+    for (const Environment* const layer : {&ownVariables, &changes}) {
+        for (const auto& [name, value] : *layer) {
+            RemoveVariable(variables, name);
+            variables.emplace(name, value);
+        }
     }
     return variables;
 }
@@ -101,8 +109,9 @@ int CombinedResult(const RunOutcome& outcome) noexcept {
 AnalyzerRunner::AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, RunPlaces places,
                                Log& log, AnalyzerProgress& progress, const StopFlag& stop)
     : settings_(settings), registry_(registry), places_(std::move(places)), log_(log), progress_(progress), stop_(stop),
-      probe_(places_.probeFolder, stop),
-      commonEnvironment_(std::make_shared<EnvironmentBlock>(InvocationEnvironment({}, settings.environmentChanges))) {}
+      probe_(places_.probeFolder, stop), visualStudio_(log),
+      commonEnvironment_(std::make_shared<EnvironmentBlock>(
+          InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
 UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
     UnitResult result;
@@ -144,23 +153,42 @@ std::shared_ptr<const Compiler> AnalyzerRunner::GetPreprocessor(CompilerType typ
     return registry_.Get(type);
 }
 
-AnalyzerRunner::Unit AnalyzerRunner::PrepareUnit(const AnalysisTask& task) const {
+AnalyzerRunner::Unit AnalyzerRunner::PrepareUnit(const AnalysisTask& task) {
     const CompileCommand& invocation = *task.command;
     std::shared_ptr<const Compiler> model = GetPreprocessor(invocation.compiler->type);
-    const std::vector<std::string> arguments = invocation.arguments.ToVector();
+    std::vector<std::string> arguments = invocation.arguments.ToVector();
+    arguments.front() = invocation.compiler->path;
     ParsedCommand command = ReadCommandLine(*model, arguments, invocation.source);
-    command.compilerPath = invocation.compiler->path;
     for (const std::string& directory : settings_.extraIncludes) {
         AddArgument(command, command.userIncludes, "-I", directory);
     }
     AddArgument(command, command.defines, "-D", PredefinedMacro);
-    std::shared_ptr<const EnvironmentBlock> environment = commonEnvironment_;
-    if (!invocation.environment->empty()) {
-        environment = std::make_shared<EnvironmentBlock>(
-            InvocationEnvironment(*invocation.environment, settings_.environmentChanges));
-    }
+    std::shared_ptr<const EnvironmentBlock> environment = EnvironmentOf(invocation, command);
     return {invocation,         SourcePath(invocation), std::move(model),
             std::move(command), std::move(environment), NameFiles(task)};
+}
+
+std::shared_ptr<const EnvironmentBlock> AnalyzerRunner::EnvironmentOf(const CompileCommand& invocation,
+                                                                      const ParsedCommand& command) {
+    const bool isMsvc = IsMsvcFamily(invocation.compiler->type);
+    const bool isWhole = invocation.environmentScope == EnvironmentScope::Whole;
+    if (!isMsvc && !isWhole && invocation.environment->empty()) {
+        return commonEnvironment_;
+    }
+    Environment base = isWhole ? Environment() : OwnEnvironment();
+    if (isMsvc) {
+        if (const auto setUp = visualStudio_.VariablesFor(*invocation.compiler, command.platformWord)) {
+            base = *setUp;
+        }
+    }
+    Environment variables =
+        InvocationEnvironment(std::move(base), *invocation.environment, settings_.environmentChanges);
+    if (isMsvc) {
+        // Their words stand among the arguments already.
+        RemoveVariable(variables, FrontArgumentsVariable);
+        RemoveVariable(variables, BackArgumentsVariable);
+    }
+    return std::make_shared<const EnvironmentBlock>(variables);
 }
 
 UnitFiles AnalyzerRunner::NameFiles(const AnalysisTask& task) const {

@@ -6,6 +6,7 @@
 #include "analysis/StandardProbe.h"
 #include "analysis/UnitResult.h"
 #include "analysis/UnitSettings.h"
+#include "analysis/VisualStudioEnvironment.h"
 #include "buildinput/CompileCommand.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Exceptions.h"
@@ -65,7 +66,9 @@ private:
     struct Unit;
 
     [[nodiscard]] std::shared_ptr<const Compiler> GetPreprocessor(CompilerType type) const;
-    [[nodiscard]] Unit PrepareUnit(const AnalysisTask& task) const;
+    [[nodiscard]] Unit PrepareUnit(const AnalysisTask& task);
+    [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
+                                                                        const ParsedCommand& command);
     [[nodiscard]] UnitFiles NameFiles(const AnalysisTask& task) const;
     UnitResult RunUnit(const AnalysisTask& task);
     bool PreprocessUnit(const Unit& unit, UnitResult& result);
@@ -83,6 +86,7 @@ private:
     AnalyzerProgress& progress_;
     const StopFlag& stop_;
     StandardProbe probe_;
+    VisualStudioEnvironment visualStudio_;
     std::shared_ptr<const EnvironmentBlock> commonEnvironment_; // of invocations without variables of their own
     std::atomic<bool> coreIsUnusable_ = false;
 };

@@ -41,19 +41,46 @@ constexpr VersionRow CppVersions[] = {
     {201799, "c++17"},
 };
 
+struct NeutralFlag {
+    std::string_view name;
+    bool takesValue;
+};
+
 // Arguments that say where text comes from or what to warn about: they leave the default standard as it is, and most
-// projects have many sets of them.
-constexpr std::string_view NeutralFlags[] = {"-include", "-isystem", "-iquote", "-idirafter", "-I", "-D", "-U", "-W"};
+// projects have many sets of them. The rows with "/" are those of cl and clang-cl.
+constexpr NeutralFlag NeutralFlags[] = {
+    {"-include",    true },
+    {"-isystem",    true },
+    {"-iquote",     true },
+    {"-idirafter",  true },
+    {"-I",          true },
+    {"-D",          true },
+    {"-U",          true },
+    {"-W",          false},
+    {"/I",          true },
+    {"/D",          true },
+    {"/U",          true },
+    {"/FI",         true },
+    {"/W",          false},
+    {"/w",          false},
+    {"/external:I", true },
+    {"/imsvc",      true },
+    {"-FI",         true },
+    {"-wd",         false},
+    {"-external:I", true },
+    {"-imsvc",      true },
+};
 
 void AppendDecisiveArguments(std::string& key, std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        const auto* const neutral = std::find_if(std::begin(NeutralFlags), std::end(NeutralFlags),
-                                                 [&](std::string_view flag) { return argument.starts_with(flag); });
+        const auto* const neutral =
+            std::find_if(std::begin(NeutralFlags), std::end(NeutralFlags),
+                         [&](const NeutralFlag& flag) { return argument.starts_with(flag.name); });
         if (neutral == std::end(NeutralFlags)) {
             key += '\0';
             key += argument;
-        } else if (argument == *neutral && argument != "-W") {
+        } else if (argument == neutral->name && neutral->takesValue) {
             ++i; // its value
         }
     }
@@ -108,28 +135,13 @@ StandardProbe::StandardProbe(std::string folder, const StopFlag& stop) : folder_
 
 std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command, Language language,
                                                  ProcessPlace place, const Environment& ownVariables) {
-    std::promise<std::string> promise;
-    std::shared_future<std::string> answer;
-    bool isOurs = false;
-    {
-        const std::lock_guard lock(mutex_);
-        auto [entry, isNew] = answers_.try_emplace(AnswerKey(command, language, ownVariables));
-        if (isNew) {
-            entry->second = promise.get_future().share();
-        }
-        isOurs = isNew;
-        answer = entry->second;
-    }
-    if (isOurs) {
-        std::string standard;
+    return answers_.Get(AnswerKey(command, language, ownVariables), [&] {
         try {
-            standard = Ask(model, command, language, place);
+            return Ask(model, command, language, place);
         } catch (const ZelmException&) {
-            standard = FallbackStandard(language); // not an error: a compiler need not answer
+            return FallbackStandard(language); // not an error: a compiler need not answer
         }
-        promise.set_value(std::move(standard));
-    }
-    return answer.get();
+    });
 }
 
 std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,

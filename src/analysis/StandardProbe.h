@@ -3,13 +3,11 @@
 #include "analysis/ProcessRun.h"
 #include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
+#include "platform/OnceMap.h"
 
-#include <future>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace Orvanta {
 
@@ -32,8 +30,7 @@ private:
 
     std::string folder_;
     const StopFlag& stop_;
-    std::mutex mutex_;
-    std::unordered_map<std::string, std::shared_future<std::string>> answers_; // guarded by mutex_
+    OnceMap<std::string> answers_;
 };
 
 /// The word for the value of __STDC_VERSION__ or __cplusplus.

@@ -51,10 +51,16 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
         {"std",               standard                                                             },
         {"new-output-format", "yes"                                                                },
     };
-    for (const auto& [key, value] : defaults) {
+    const auto addDefault = [&settings](const char* key, const std::string& value) {
         if (!settings.contains(key)) {
             settings.emplace(key, value);
         }
+    };
+    for (const auto& [key, value] : defaults) {
+        addDefault(key, value);
+    }
+    if (IsMsvcFamily(command.compilerType)) {
+        addDefault("msvc-await", YesOrNo(command.msvcAwait));
     }
 
     Replace(settings, "source-file", command.sourceFile);

@@ -1,4 +1,6 @@
 #include "buildinput/InvocationCollector.h"
+
+#include "buildinput/CompilerVariables.h"
 #include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
 #include "platform/Files.h"
@@ -54,8 +56,7 @@ std::string_view FamilyTitle(CompilerType type) {
     return "unknown";
 }
 
-/// The command as text, cut to a length that fits a message; not within a
-/// character.
+/// The command as text, cut to a length that fits a message; not within a character.
 std::string ShortCommandText(const std::vector<std::string>& arguments) {
     std::string text = CommandLineText(arguments);
     if (text.size() <= LongestCommandText) {
@@ -86,8 +87,7 @@ std::string NameOfCommand(const std::vector<std::string>& arguments) {
     return input != nullptr ? *input : ShortCommandText(arguments);
 }
 
-/// Whether a text holds a zero byte. No path, argument or variable can, and the
-/// system would cut it there in silence.
+/// Whether a text holds a zero byte. No path, argument or variable can, and the system would cut it there in silence.
 bool HoldsZeroByte(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
@@ -219,6 +219,13 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
     if (std::optional<Refusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
+    }
+    if (IsMsvcFamily(identified.compiler->type)) {
+        std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
+        if (scope == EnvironmentScope::Changes) {
+            layers.push_back(&OwnEnvironment());
+        }
+        AddArgumentsOfVariables(arguments, layers);
     }
     ExpandResponseFiles(arguments, *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {

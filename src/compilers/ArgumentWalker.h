@@ -15,9 +15,10 @@ namespace Orvanta {
 
 /// How a flag came to the compiler.
 enum class FlagRoute {
-    Direct, ///< as an argument
-    Listed, ///< in a list of arguments for the preprocessor: "-Wp,FLAG,VALUE"
-    Paired, ///< each word as the value of a flag that hands it on: "-Xclang FLAG -Xclang VALUE"
+    Direct,   ///< as an argument
+    Listed,   ///< in a list of arguments for the preprocessor: "-Wp,FLAG,VALUE"
+    Paired,   ///< each word as the value of a flag that hands it on: "-Xclang FLAG -Xclang VALUE"
+    Prefixed, ///< each word glued to a flag that hands it on: "/clang:FLAG /clang:VALUE"
 };
 
 /// One flag of a command line, with the value that belongs to it.
@@ -26,7 +27,7 @@ struct FlagUse {
     std::string_view value;
     std::size_t index = 0; ///< of the argument that holds it
     FlagRoute route = FlagRoute::Direct;
-    std::string_view handedOnBy;           ///< the flag that hands it on: "-Wp", "-Xclang"; empty when direct
+    std::string_view handedOnBy;           ///< the flag that hands it on: "-Wp", "/clang:"; empty when direct
     std::array<std::string_view, 2> words; ///< as written
     std::size_t wordCount = 0;
 };
@@ -49,6 +50,7 @@ public:
         : model_(model), arguments_(arguments), visitor_(visitor) {}
 
     void Walk() {
+        stated_ = model_.KindOfAllInputs(arguments_);
         while (next_ < arguments_.size()) {
             const std::size_t index = next_++;
             ReadArgument(index, arguments_[index]);
@@ -86,6 +88,22 @@ private:
         void Advance() { next += 2; }
     };
 
+    // The words of "/clang:A /clang:B", as long as they follow each other.
+    struct Prefixed {
+        std::span<const std::string> arguments;
+        std::size_t& next;
+        std::string_view flag;
+
+        [[nodiscard]] std::optional<std::string_view> Peek() const {
+            if (next >= arguments.size() || !arguments[next].starts_with(flag)) {
+                return std::nullopt;
+            }
+            return std::string_view(arguments[next]).substr(flag.size());
+        }
+
+        void Advance() { ++next; }
+    };
+
     void ReadArgument(std::size_t index, std::string_view argument) {
         std::string_view introducer;
         if (onlyInputs_ || argument == "-" || !model_.MatchLongestPrefixFlag(argument, introducer)) {
@@ -105,6 +123,8 @@ private:
             ReadSourceOfLanguage(index, argument, use.match);
         } else if (use.match.kind == FlagKind::LinkerPart) {
             next_ = arguments_.size();
+        } else if (use.match.name.empty() && introducer == "/" && IsSource(KindOf(argument, std::nullopt))) {
+            ReadInput(index, 0, stated_); // an absolute path, no flag
         } else {
             ReadFlag(use, argument);
         }
@@ -125,17 +145,21 @@ private:
 
     void ReadInput(std::size_t index, std::size_t offset, std::optional<InputKind> stated) {
         const std::string_view name = std::string_view(arguments_[index]).substr(offset);
-        visitor_.Input(InputFile{index, offset, KindOf(name, stated), stated.has_value()});
+        const InputKind kind = KindOf(name, stated);
+        visitor_.Input(InputFile{index, offset, kind, stated == kind});
     }
 
-    static InputKind KindOf(std::string_view name, std::optional<InputKind> stated) {
+    [[nodiscard]] InputKind KindOf(std::string_view name, std::optional<InputKind> stated) const {
         if (name == "-") {
             return InputKind::StandardInput;
         }
         if (name.size() > 1 && name.front() == '@') {
             return InputKind::MissingResponseFile; // those that are there have been expanded
         }
-        return stated ? *stated : InputKindByExtension(name);
+        if (!IsMsvcFamily(model_.Type())) {
+            return stated ? *stated : InputKindByExtension(name);
+        }
+        return stated && !IsWindowsLinkerFile(name) ? *stated : InputKindByWindowsExtension(name);
     }
 
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
@@ -166,10 +190,17 @@ private:
             use.handedOnBy = argument;
             ReadPieces(pairs, use);
             next_ = std::max(next_, index + 1); // the flag stands last and has no value
+            return;
+        }
+        use.handedOnBy = argument.substr(0, argument.size() - match.gluedValue.size());
+        if (use.handedOnBy.ends_with(':')) {
+            Prefixed words{arguments_, next_, use.handedOnBy};
+            next_ = index;
+            use.route = FlagRoute::Prefixed;
+            ReadPieces(words, use);
         } else {
             List list{match.gluedValue};
             use.route = FlagRoute::Listed;
-            use.handedOnBy = argument.substr(0, argument.size() - match.gluedValue.size());
             ReadPieces(list, use);
         }
     }
@@ -180,9 +211,10 @@ private:
             pieces.Advance();
             FlagUse use = form;
             AddWord(use, *piece);
+            const Compiler& model = model_.ModelOfHandedOn();
             std::string_view introducer;
-            if (model_.MatchLongestPrefixFlag(*piece, introducer)) {
-                use.match = model_.Flags().Find(piece->substr(introducer.size()), introducer);
+            if (model.MatchLongestPrefixFlag(*piece, introducer)) {
+                use.match = model.Flags().Find(piece->substr(introducer.size()), introducer);
                 ReadValueOfPiece(pieces, use);
             }
             visitor_.Flag(use);
@@ -199,7 +231,7 @@ private:
             return;
         }
         std::string_view introducer;
-        const bool isBare = !model_.MatchLongestPrefixFlag(*following, introducer);
+        const bool isBare = !model_.ModelOfHandedOn().MatchLongestPrefixFlag(*following, introducer);
         if (use.match.takesNext || (use.match.kind == FlagKind::Drop && isBare)) {
             pieces.Advance();
             use.value = *following;

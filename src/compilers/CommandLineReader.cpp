@@ -196,6 +196,9 @@ void CommandVisitor::Keep(const FlagUse& use) {
         case FlagRoute::Listed:
             listed.append(1, ',').append(use.words[i]);
             continue;
+        case FlagRoute::Prefixed:
+            command_.keptArguments.push_back(std::string(use.handedOnBy).append(use.words[i]));
+            continue;
         case FlagRoute::Paired:
             command_.keptArguments.emplace_back(use.handedOnBy);
             break;
@@ -210,17 +213,23 @@ void CommandVisitor::Keep(const FlagUse& use) {
 }
 
 // Drivers skip the preprocessing of a file that is preprocessed already, and write no output then. Taken for a plain
-// source, it comes out as it is.
-void StateLanguageOfPreprocessedSource(InputKind kind, std::string_view driver, ParsedCommand& command) {
-    if (kind != InputKind::PreprocessedC && kind != InputKind::PreprocessedCpp) {
-        return;
-    }
-    if (!command.language) {
+// source, it comes out as it is. In cl's family the source stands bare in the preprocessing command, whatever flag
+// named it, so that a stated language is said again.
+void StateLanguageOfSource(InputKind kind, std::string_view driver, ParsedCommand& command) {
+    const bool isPreprocessed = kind == InputKind::PreprocessedC || kind == InputKind::PreprocessedCpp;
+    if (isPreprocessed && !command.language) {
         const bool isCppDriver = FileNameOf(driver).find("++") != std::string_view::npos;
         command.language = kind == InputKind::PreprocessedC && !isCppDriver ? Language::C : Language::Cpp;
     }
-    command.keptArguments.emplace_back("-x");
-    command.keptArguments.emplace_back(command.language == Language::C ? "c" : "c++");
+    const bool isC = command.language == Language::C;
+    if (IsMsvcFamily(command.compilerType)) {
+        if (command.language) {
+            command.keptArguments.emplace_back(isC ? "/TC" : "/TP");
+        }
+    } else if (isPreprocessed) {
+        command.keptArguments.emplace_back("-x");
+        command.keptArguments.emplace_back(isC ? "c" : "c++");
+    }
 }
 
 } // namespace
@@ -245,7 +254,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source);
     ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
-    StateLanguageOfPreprocessedSource(visitor.KindOfSource(), arguments.front(), command);
+    StateLanguageOfSource(visitor.KindOfSource(), arguments.front(), command);
     model.FinishParse(arguments, command);
     return command;
 }

@@ -20,4 +20,12 @@ bool Compiler::MatchLongestPrefixFlag(std::string_view argument, std::string_vie
 
 void Compiler::FinishParse(std::span<const std::string> /*arguments*/, ParsedCommand& /*command*/) const {}
 
+std::optional<InputKind> Compiler::KindOfAllInputs(std::span<const std::string> /*arguments*/) const {
+    return std::nullopt;
+}
+
+const Compiler& Compiler::ModelOfHandedOn() const {
+    return *this;
+}
+
 } // namespace Orvanta

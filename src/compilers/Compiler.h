@@ -2,8 +2,10 @@
 
 #include "compilers/CompilerType.h"
 #include "compilers/FlagTable.h"
+#include "compilers/InputKind.h"
 #include "compilers/ParsedCommand.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +31,12 @@ public:
 
     /// The family's last adjustment of what was read, made when all `arguments` have been seen.
     virtual void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const;
+
+    /// What a flag makes of every input file, before and behind it; no value when there is no such flag.
+    [[nodiscard]] virtual std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
+
+    /// The model that reads what flags such as "-Xclang" hand on.
+    [[nodiscard]] virtual const Compiler& ModelOfHandedOn() const;
 
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
 

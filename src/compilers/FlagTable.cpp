@@ -24,10 +24,11 @@ bool Fits(const FlagRow& row, std::string_view argument) {
     if (size == argument.size()) {
         return row.name == argument;
     }
-    if (size > argument.size() || !(TakesValue(row.kind) || row.name.back() == '=')) {
+    const bool isGlued = row.value == FlagValue::Glued;
+    if (size > argument.size() || !(TakesValue(row.kind) || isGlued || row.name.back() == '=')) {
         return false;
     }
-    return argument.starts_with(row.name) && (row.kind != FlagKind::Preprocessor || argument[size] == ',');
+    return argument.starts_with(row.name) && (row.kind != FlagKind::Preprocessor || isGlued || argument[size] == ',');
 }
 
 } // namespace
@@ -59,7 +60,8 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
         const FlagRow& row = rows_[i];
         if (Fits(row, argument)) {
             const std::string_view rest = argument.substr(row.name.size());
-            const bool takesNext = rest.empty() && TakesValue(row.kind) && row.name.back() != '=';
+            const bool takesNext =
+                rest.empty() && TakesValue(row.kind) && row.value == FlagValue::OfKind && row.name.back() != '=';
             return {row.kind, row.effect, takesNext, row.name, rest};
         }
     }

@@ -21,11 +21,18 @@ enum class FlagEffect : std::uint8_t {
     UnknownStandard, ///< a language standard that no row names: standards before it no longer hold
 };
 
+/// How a flag comes by its value.
+enum class FlagValue : std::uint8_t {
+    OfKind, ///< as its kind says: none at all, or glued or the next argument
+    Glued,  ///< the rest of the argument, however long; never the next argument
+};
+
 /// One fact about a family's command line. The name stands without its introducer.
 struct FlagRow {
     std::string_view name;
     FlagKind kind;
     FlagEffect effect = FlagEffect::None;
+    FlagValue value = FlagValue::OfKind;
 };
 
 /// What a table says about one argument.
@@ -43,10 +50,10 @@ public:
     /// Later rows of `extension` are added after those of `rows`. The names must outlive the table.
     explicit FlagTable(std::span<const FlagRow> rows, std::span<const FlagRow> extension = {});
 
-    /// The row that fits `argument`, an argument without its introducer. A row whose kind takes a value, or whose name
-    /// ends in "=", fits also as a beginning; a row of the kind Preprocessor only when a "," follows it; every other
-    /// row fits as a whole only. The longest name that fits wins. Names of one letter never fit after "--". No row:
-    /// FlagKind::Keep and an empty name.
+    /// The row that fits `argument`, an argument without its introducer. A row whose kind takes a value, whose value is
+    /// glued, or whose name ends in "=", fits also as a beginning; a row of the kind Preprocessor without glued value
+    /// only when a "," follows it; every other row fits as a whole only. The longest name that fits wins. Names of one
+    /// letter never fit after "--". No row: FlagKind::Keep and an empty name.
     [[nodiscard]] FlagMatch Find(std::string_view argument, std::string_view introducer) const;
 
 private:

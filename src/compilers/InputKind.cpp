@@ -1,6 +1,10 @@
 #include "compilers/InputKind.h"
 
 #include "platform/Paths.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <string>
 
 namespace Orvanta {
 
@@ -101,16 +105,31 @@ constexpr InputKindRow LanguageWords[] = {
     {"objective-c-cpp-output", InputKind::OtherLanguage  },
 };
 
-} // namespace
+constexpr std::string_view WindowsLinkerExtensions[] = {".obj", ".lib", ".res", ".def", ".exp", ".dll", ".pdb"};
 
-InputKind InputKindByExtension(std::string_view path) noexcept {
-    const std::string_view extension = ExtensionOf(path);
+InputKind KindOfExtension(std::string_view extension) noexcept {
     for (const InputKindRow& row : Extensions) {
         if (row.name == extension) {
             return row.kind;
         }
     }
     return InputKind::LinkInput;
+}
+
+} // namespace
+
+InputKind InputKindByExtension(std::string_view path) noexcept {
+    return KindOfExtension(ExtensionOf(path));
+}
+
+InputKind InputKindByWindowsExtension(std::string_view path) {
+    return KindOfExtension(ToLowerAscii(ExtensionOf(path)));
+}
+
+bool IsWindowsLinkerFile(std::string_view path) noexcept {
+    const std::string_view extension = ExtensionOf(path);
+    return std::any_of(std::begin(WindowsLinkerExtensions), std::end(WindowsLinkerExtensions),
+                       [extension](std::string_view name) { return EqualsIgnoringCase(extension, name); });
 }
 
 std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept {

@@ -28,6 +28,12 @@ enum class InputKind : std::uint8_t {
 /// The kind that a GNU driver sees in a file's extension. ".c" and ".C" differ.
 [[nodiscard]] InputKind InputKindByExtension(std::string_view path) noexcept;
 
+/// The kind that cl and clang-cl see in a file's extension: upper and lower case are the same.
+[[nodiscard]] InputKind InputKindByWindowsExtension(std::string_view path);
+
+/// Whether the extension is one that only the linker of Windows takes, such as ".obj".
+[[nodiscard]] bool IsWindowsLinkerFile(std::string_view path) noexcept;
+
 /// The kind that a GNU driver's language word ("c++", "assembler", ...) gives to the files after it; no value for words
 /// that name no language, "none" among them.
 [[nodiscard]] std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept;

@@ -28,6 +28,7 @@ struct ParsedCommand {
     bool unsignedChar = false;
     bool shortFloat = false;
     bool shortDouble = false;
+    bool msvcAwait = false; ///< cl's first form of coroutines is on
 };
 
 } // namespace Orvanta

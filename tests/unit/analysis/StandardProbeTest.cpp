@@ -95,6 +95,7 @@ TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
     ScriptedCompiler compiler(AnswersByLanguage);
     EXPECT_EQ(compiler.Probe(Language::C), "c11");
     EXPECT_EQ(compiler.Probe(Language::C, {"-Ione", "-D", "X", "-include", "a.h", "-Wall"}), "c11");
+    EXPECT_EQ(compiler.Probe(Language::C, {"/Ione", "/D", "X", "/FI", "a.h", "/W4", "/external:I", "s"}), "c11");
     EXPECT_EQ(compiler.Calls(), 1U);
     EXPECT_EQ(compiler.Probe(Language::Cpp), "c++14");
     EXPECT_EQ(compiler.Calls(), 2U);

@@ -1,5 +1,6 @@
 #include "analysis/UnitSettings.h"
 
+#include "compilers/Cl.h"
 #include "compilers/Gcc.h"
 
 #include <gtest/gtest.h>
@@ -93,6 +94,20 @@ TEST(BuildUnitSettings, PutsTheUsersKeysOverTheDefaultsAndTheUnitsFactsOverBoth)
     }
     EXPECT_EQ(LastValue(settings, "output-file"), Files.fragmentPath);
     EXPECT_EQ(settings.count("exclude-path"), 2U);
+}
+
+TEST(BuildUnitSettings, TellsOfCoroutinesInTheMsvcFamilyOnly) {
+    const Cl model;
+    ParsedCommand command = CommandFor("cl", "a.cpp");
+    command.compilerType = CompilerType::Cl;
+    EXPECT_EQ(LastValue(BuildUnitSettings({}, model, command, "", Files), "msvc-await"), "no");
+    command.msvcAwait = true;
+    EXPECT_EQ(LastValue(BuildUnitSettings({}, model, command, "", Files), "msvc-await"), "yes");
+    const SettingsMap user = {
+        {"msvc-await", "no"}
+    };
+    EXPECT_EQ(LastValue(BuildUnitSettings(user, model, command, "", Files), "msvc-await"), "no");
+    EXPECT_FALSE(BuildUnitSettings({}, Gcc(), CommandFor("gcc", "a.c"), "", Files).contains("msvc-await"));
 }
 
 } // namespace

@@ -13,6 +13,8 @@ TEST(CompilerRegistry, SharesOneModelPerFamily) {
     const CompilerRegistry registry;
     EXPECT_EQ(registry.Get(CompilerType::Gcc)->Name(), "gcc");
     EXPECT_EQ(registry.Get(CompilerType::Clang)->Name(), "clang");
+    EXPECT_EQ(registry.Get(CompilerType::Cl)->Name(), "visualcpp");
+    EXPECT_EQ(registry.Get(CompilerType::ClangCl)->Name(), "visualcpp");
     EXPECT_EQ(registry.Get(CompilerType::Clang), registry.Get(CompilerType::Clang));
 }
 

@@ -22,7 +22,9 @@ constexpr FlagRow Rows[] = {
     {"std=c99",     FlagKind::StandardC99  },
 };
 constexpr FlagRow Extension[] = {
-    {"imsvc", FlagKind::SystemInclude},
+    {"imsvc",  FlagKind::SystemInclude, FlagEffect::None, FlagValue::OfKind},
+    {"Fo",     FlagKind::Output,        FlagEffect::None, FlagValue::Glued },
+    {"clang:", FlagKind::Preprocessor,  FlagEffect::None, FlagValue::Glued },
 };
 
 struct FindCase {
@@ -47,6 +49,9 @@ const FindCase FindCases[] = {
     {"OneLetterNotAfterTwoDashes", "--Ifoo",       FlagKind::Keep,          "",            "",     false},
     {"ListBeginsWithAComma",       "-Wp,-DA",      FlagKind::Preprocessor,  "Wp",          ",-DA", false},
     {"WarningIsNoList",            "-Wpedantic",   FlagKind::Keep,          "",            "",     false},
+    {"GluedValue",                 "-Foa.o",       FlagKind::Output,        "Fo",          "a.o",  false},
+    {"GluedValueTakesNoNext",      "-Fo",          FlagKind::Output,        "Fo",          "",     false},
+    {"GluedWordIsNoList",          "-clang:-c",    FlagKind::Preprocessor,  "clang:",      "-c",   false},
     {"ExtensionCounts",            "-imsvcdir",    FlagKind::SystemInclude, "imsvc",       "dir",  false},
     {"CaseCounts",                 "-ifoo",        FlagKind::Keep,          "",            "",     false},
     {"IntroducerAlone",            "--",           FlagKind::Keep,          "",            "",     false},

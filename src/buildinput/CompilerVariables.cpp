@@ -1,0 +1,53 @@
+#include "buildinput/CompilerVariables.h"
+
+#include "buildinput/CommandStringSplitter.h"
+#include "platform/EnvironmentNames.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace Orvanta {
+
+namespace {
+
+std::string_view ValueOf(std::string_view name, std::span<const Environment* const> layers) {
+    for (const Environment* const layer : layers) {
+        const auto variable = std::find_if(layer->begin(), layer->end(),
+                                           [name](const auto& entry) { return IsSameVariable(entry.first, name); });
+        if (variable != layer->end()) {
+            return variable->second;
+        }
+    }
+    return {};
+}
+
+// A variable can't be set to text with a "=" by every shell: in a definition, "#" may stand for it.
+void RestoreEqualsSign(std::string& word) {
+    const std::size_t sign = word.find_first_of("#=");
+    if ((word.starts_with("/D") || word.starts_with("-D")) && sign != std::string::npos) {
+        word[sign] = '=';
+    }
+}
+
+// By the rules of Windows on every system, as the compilers do.
+std::vector<std::string> WordsOf(std::string_view value) {
+    if (value.empty()) {
+        return {};
+    }
+    std::vector<std::string> words = SplitCommandString("cl " + std::string(value), CommandStringRules::Windows);
+    words.erase(words.begin());
+    std::for_each(words.begin(), words.end(), RestoreEqualsSign);
+    return words;
+}
+
+} // namespace
+
+void AddArgumentsOfVariables(std::vector<std::string>& arguments, std::span<const Environment* const> layers) {
+    std::vector<std::string> front = WordsOf(ValueOf(FrontArgumentsVariable, layers));
+    arguments.insert(arguments.begin() + 1, std::make_move_iterator(front.begin()),
+                     std::make_move_iterator(front.end()));
+    std::vector<std::string> back = WordsOf(ValueOf(BackArgumentsVariable, layers));
+    std::move(back.begin(), back.end(), std::back_inserter(arguments));
+}
+
+} // namespace Orvanta

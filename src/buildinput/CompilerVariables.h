@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/Environment.h"
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+/// The variables in which cl and clang-cl look for further arguments: in front of the command's, and behind them.
+inline constexpr std::string_view FrontArgumentsVariable = "CL";
+inline constexpr std::string_view BackArgumentsVariable = "_CL_";
+
+/// Puts the words that both variables hold where the compiler takes them from. `arguments` has the compiler first.
+/// `layers` are the environments in which a variable may stand, the one that counts most first.
+void AddArgumentsOfVariables(std::vector<std::string>& arguments, std::span<const Environment* const> layers);
+
+} // namespace Orvanta

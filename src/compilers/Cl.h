@@ -1,0 +1,35 @@
+#pragma once
+
+#include "compilers/Compiler.h"
+#include "compilers/CompilerTarget.h"
+
+namespace Orvanta {
+
+/// Microsoft's compiler driver, and the base of those that speak its argument language. Its flags begin with "/" or
+/// "-". Safe to share: what it learns about the compilers themselves has a lock of its own.
+class Cl : public Compiler {
+public:
+    Cl();
+    [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
+                                                                  const std::string& outputPath) const override;
+    /// Sets the platform word, by the compiler's path as it stands first in `arguments`: it should be absolute.
+    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const override;
+
+protected:
+    /// A compiler with more flags than cl's.
+    Cl(CompilerType type, std::span<const FlagRow> extension);
+
+    /// Whether the unit is compiled for 64 bits.
+    [[nodiscard]] virtual TargetBits TargetOf(const ParsedCommand& command) const;
+
+    /// Adds the source, which stands last, in a form that the compiler takes for no flag.
+    virtual void AddSource(const std::string& source, std::vector<std::string>& words) const;
+
+    [[nodiscard]] CompilerTargets& Targets() const noexcept { return targets_; }
+
+private:
+    mutable CompilerTargets targets_;
+};
+
+} // namespace Orvanta

@@ -1,0 +1,135 @@
+#include "compilers/CompilerTarget.h"
+
+#include "platform/Process.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <chrono>
+#include <span>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::chrono::seconds VersionQueryTimeout{10};
+// Bytes of each output; what a program prints beyond them is no version text.
+constexpr std::size_t LongestVersionText = 65536;
+
+struct TargetRow {
+    std::string_view word;
+    TargetBits bits;
+};
+
+// Names of the folders that hold cl, in old and new Visual Studios: the target alone, or behind the host.
+constexpr TargetRow Folders[] = {
+    {"x64",         TargetBits::Bits64},
+    {"x86",         TargetBits::Bits32},
+    {"amd64",       TargetBits::Bits64},
+    {"x86_amd64",   TargetBits::Bits64},
+    {"amd64_x86",   TargetBits::Bits32},
+    {"arm64",       TargetBits::Bits64},
+    {"x86_arm64",   TargetBits::Bits64},
+    {"amd64_arm64", TargetBits::Bits64},
+    {"arm",         TargetBits::Bits32},
+    {"x86_arm",     TargetBits::Bits32},
+    {"amd64_arm",   TargetBits::Bits32},
+    {"ia64",        TargetBits::Bits64},
+    {"x86_ia64",    TargetBits::Bits64},
+};
+
+// Processors, as banners and triples name them.
+constexpr TargetRow Processors[] = {
+    {"x64",     TargetBits::Bits64},
+    {"x86",     TargetBits::Bits32},
+    {"x86_64",  TargetBits::Bits64},
+    {"amd64",   TargetBits::Bits64},
+    {"arm64",   TargetBits::Bits64},
+    {"arm64ec", TargetBits::Bits64},
+    {"aarch64", TargetBits::Bits64},
+    {"ia64",    TargetBits::Bits64},
+    {"80x86",   TargetBits::Bits32},
+    {"i386",    TargetBits::Bits32},
+    {"i486",    TargetBits::Bits32},
+    {"i586",    TargetBits::Bits32},
+    {"i686",    TargetBits::Bits32},
+    {"arm",     TargetBits::Bits32},
+    {"armv7",   TargetBits::Bits32},
+    {"thumbv7", TargetBits::Bits32},
+};
+
+std::optional<TargetBits> Find(std::span<const TargetRow> rows, std::string_view word) {
+    const auto found = std::find_if(rows.begin(), rows.end(),
+                                    [word](const TargetRow& row) { return EqualsIgnoringCase(row.word, word); });
+    return found == rows.end() ? std::nullopt : std::optional<TargetBits>(found->bits);
+}
+
+// Cuts the last component off a path, whatever its separators.
+std::string_view TakeLastComponent(std::string_view& path) {
+    const std::size_t separator = path.find_last_of("/\\");
+    const std::string_view component = path.substr(separator == std::string_view::npos ? 0 : separator + 1);
+    path = path.substr(0, separator == std::string_view::npos ? 0 : separator);
+    return component;
+}
+
+OutputReceiver ReceiveUpToLimit(std::string& target) {
+    return [&target](std::string_view bytes) {
+        target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
+    };
+}
+
+// cl takes the question for an unknown option, and prints its banner all the same.
+std::optional<TargetBits> AskForTarget(const std::string& path) {
+    CapturedOutput output;
+    try {
+        Process process({path, "--version"}, std::string(), OwnEnvironmentBlock(),
+                        ReceiveUpToLimit(output.standardOutput), ReceiveUpToLimit(output.standardError));
+        if (!WaitWithTimeout(process, VersionQueryTimeout, PollInterval, ProcessStopFlag()).finished) {
+            process.kill(true);
+        }
+    } catch (const ProcessException&) {
+        return std::nullopt; // the preprocessing that follows will say why it can't be started
+    }
+    return TargetByVersionText(output.standardOutput + '\n' + output.standardError);
+}
+
+} // namespace
+
+std::optional<TargetBits> TargetByCompilerPath(std::string_view path) {
+    TakeLastComponent(path); // the compiler itself
+    const std::string_view folder = TakeLastComponent(path);
+    if (EqualsIgnoringCase(folder, "bin") && EqualsIgnoringCase(TakeLastComponent(path), "VC")) {
+        return TargetBits::Bits32; // of an old Visual Studio, whose other compilers lie in folders below
+    }
+    return Find(Folders, folder);
+}
+
+std::optional<TargetBits> TargetByTriple(std::string_view triple) {
+    return Find(Processors, triple.substr(0, triple.find('-')));
+}
+
+std::optional<TargetBits> TargetByVersionText(std::string_view text) {
+    constexpr std::string_view whiteSpace = " \t\n\r\v\f";
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+        if (const std::optional<TargetBits> bits = TargetByTriple(word)) {
+            return bits;
+        }
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
+    }
+    return std::nullopt;
+}
+
+TargetBits CompilerTargets::TargetOf(const std::string& path, PathMeaning meaning) {
+    return targets_.Get(path, [&] {
+        std::optional<TargetBits> bits;
+        if (meaning == PathMeaning::Target) {
+            bits = TargetByCompilerPath(path);
+        }
+        if (!bits) {
+            bits = AskForTarget(path);
+        }
+        return bits.value_or(TargetBits::Bits64);
+    });
+}
+
+} // namespace Orvanta

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/OnceMap.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// What programs a compiler makes.
+enum class TargetBits { Bits32, Bits64 };
+
+/// The target that a compiler's place in Visual Studio tells, such as "Hostx64\x86"; both separators count.
+[[nodiscard]] std::optional<TargetBits> TargetByCompilerPath(std::string_view path);
+
+/// The target of a triple such as "i686-pc-windows-msvc", or of its first part alone.
+[[nodiscard]] std::optional<TargetBits> TargetByTriple(std::string_view triple);
+
+/// The target that a banner or version text names: its first word that is one.
+[[nodiscard]] std::optional<TargetBits> TargetByVersionText(std::string_view text);
+
+/// Knows the targets of compilers, each learnt once per path. Any thread may use it.
+class CompilerTargets {
+public:
+    enum class PathMeaning {
+        Target, ///< the compiler's folder is named after its target
+        Host,   ///< after the system that the compiler runs on: it has to be asked
+    };
+
+    /// The target of the compiler at `path`; of one that doesn't tell, 64 bits. May start the compiler and wait for it.
+    [[nodiscard]] TargetBits TargetOf(const std::string& path, PathMeaning meaning);
+
+private:
+    OnceMap<TargetBits> targets_; // by path
+};
+
+} // namespace Orvanta
