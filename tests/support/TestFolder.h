@@ -40,11 +40,13 @@ public:
     [[nodiscard]] std::string Path() const { return path_.string(); }
 
     /// The absolute path of `name` in this folder, whether it exists or not.
-    [[nodiscard]] std::string operator/(std::string_view name) const { return (path_ / name).string(); }
+    [[nodiscard]] std::string operator/(std::string_view name) const {
+        return (path_ / name).make_preferred().string();
+    }
 
     /// Writes a file, making the folders on its way, and returns its absolute path.
     std::string Write(std::string_view name, std::string_view text) const { // NOLINT(modernize-use-nodiscard)
-        const std::filesystem::path file = path_ / name;
+        const std::filesystem::path file = (path_ / name).make_preferred();
         std::filesystem::create_directories(file.parent_path());
         std::ofstream stream(file, std::ios::binary);
         stream << text << std::flush;
@@ -57,7 +59,7 @@ public:
     /// Makes a folder with those on its way and returns its absolute path.
     std::string MakeFolder(std::string_view name) const { // NOLINT(modernize-use-nodiscard)
         std::filesystem::create_directories(path_ / name);
-        return (path_ / name).string();
+        return *this / name;
     }
 
     /// The bytes of a file.

@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/windows/ConsoleHandler.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -16,24 +17,6 @@ namespace {
 constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
 
 std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
-
-// Runs on a thread that the system makes for the event.
-BOOL WINAPI HandleConsoleEvent(DWORD event) {
-    if (event != CTRL_C_EVENT) {
-        return FALSE;
-    }
-    flagToSet.load()->Set();
-    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
-    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
-        return TRUE;
-    }
-    static const bool isWritten = [output] {
-        DWORD count = 0;
-        ::WriteFile(output, StopMessage.data(), static_cast<DWORD>(StopMessage.size()), &count, nullptr);
-        return true;
-    }();
-    return isWritten ? TRUE : FALSE;
-}
 
 bool IsConsole(void* output) {
     DWORD mode = 0;
@@ -67,6 +50,24 @@ void WriteBytes(void* output, std::string_view bytes) {
 }
 
 } // namespace
+
+// Runs on a thread that the system makes for the event.
+int __stdcall HandleConsoleEvent(unsigned long event) {
+    if (event != CTRL_C_EVENT) {
+        return FALSE;
+    }
+    flagToSet.load()->Set();
+    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
+        return TRUE;
+    }
+    static const bool isWritten = [output] {
+        DWORD count = 0;
+        ::WriteFile(output, StopMessage.data(), static_cast<DWORD>(StopMessage.size()), &count, nullptr);
+        return true;
+    }();
+    return isWritten ? TRUE : FALSE;
+}
 
 void InstallInterruptHandler(StopFlag& stop) {
     flagToSet.store(&stop);

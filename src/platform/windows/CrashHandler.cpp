@@ -37,14 +37,15 @@ struct WriteCrashReport {
                      SupportAddress);
         std::fflush(stderr);
         printer.print(trace, file);
+        // With it, a tool that reads our debug information finds the places of the addresses.
+        std::fprintf(file, "The program is loaded at %p\n", static_cast<void*>(::GetModuleHandleW(nullptr)));
         std::fclose(file);
     }
 };
 
 // What the handlers and the crash thread share. Never destroyed: a crash may come at the very end.
 struct CrashState {
-    CONTEXT context{};
-    Handle thread; // the crashed one
+    CONTEXT context{}; // of the crashed thread
     Handle captured;
     Handle reported;
     std::atomic<bool> isClaimed = false; // by the first thread that crashes
@@ -52,16 +53,38 @@ struct CrashState {
 
 std::atomic<CrashState*> crashState = nullptr; // set once, before the handlers are there
 
+// A stack found by the tables that the compiler leaves for exceptions: unlike the walk of dbghelp, these are there for
+// every function, whatever compiler it comes from.
+class UnwoundTrace : public backward::StackTrace {
+public:
+    explicit UnwoundTrace(CONTEXT context) {
+        while (context.Rip != 0 && _stacktrace.size() < LongestTrace) {
+            _stacktrace.push_back(reinterpret_cast<void*>(context.Rip)); // NOLINT(performance-no-int-to-ptr)
+            StepOut(context);
+        }
+    }
+
+private:
+    static void StepOut(CONTEXT& context) {
+        DWORD64 base = 0;
+        RUNTIME_FUNCTION* const function = ::RtlLookupFunctionEntry(context.Rip, &base, nullptr);
+        if (function != nullptr) {
+            void* handlerData = nullptr;
+            DWORD64 frame = 0;
+            ::RtlVirtualUnwind(UNW_FLAG_NHANDLER, base, context.Rip, function, &context, &handlerData, &frame, nullptr);
+        } else { // one that calls no other: nothing stands above the address that it returns to
+            context.Rip = *reinterpret_cast<const DWORD64*>(context.Rsp); // NOLINT(performance-no-int-to-ptr)
+            context.Rsp += sizeof(DWORD64);
+        }
+    }
+};
+
 DWORD WINAPI ReportCrash(void* /*parameter*/) {
     CrashState& state = *crashState.load();
     ::WaitForSingleObject(state.captured.Get(), INFINITE);
     backward::Printer printer;
     printer.address = true;
-    backward::StackTrace trace;
-    trace.set_machine_type(printer.resolver().machine_type());
-    trace.set_thread_handle(state.thread.Get());
-    trace.load_here(LongestTrace, &state.context);
-    WriteCrashReport()(printer, trace);
+    WriteCrashReport()(printer, UnwoundTrace(state.context));
     ::SetEvent(state.reported.Get());
     return 0;
 }
@@ -73,10 +96,6 @@ void Report(const CONTEXT& context) {
         ::Sleep(INFINITE); // another thread has crashed before and is about to end the process
     }
     state.context = context;
-    HANDLE thread = nullptr;
-    ::DuplicateHandle(::GetCurrentProcess(), ::GetCurrentThread(), ::GetCurrentProcess(), &thread, 0, FALSE,
-                      DUPLICATE_SAME_ACCESS);
-    state.thread = Handle(thread);
     ::SetEvent(state.captured.Get());
     ::WaitForSingleObject(state.reported.Get(), LongestReportMilliseconds);
 }

@@ -5,8 +5,8 @@
 
 #include <memory>
 
-#include <shellapi.h>
 #include <windows.h>
+#include <shellapi.h>
 
 namespace Orvanta {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include <tlhelp32.h>
 #include <windows.h>
+#include <tlhelp32.h>
 
 namespace Orvanta {
 

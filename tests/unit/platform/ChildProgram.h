@@ -29,6 +29,9 @@ public:
         return process_.get_exit_status();
     }
 
+    /// The child itself, for a test of what supervises it.
+    [[nodiscard]] Process& ItsProcess() { return process_; }
+
     [[nodiscard]] const std::string& StandardOutput() const { return standardOutput_; }
 
     [[nodiscard]] const std::string& StandardError() const { return standardError_; }

@@ -1,21 +1,28 @@
 // What a test of the platform can't do in its own process: crash, be interrupted, be killed while it holds something.
 // The first argument names what to do.
 
+#include "doubles/Script.h"
+#include "doubles/SiblingProcess.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
+#include "platform/Environment.h"
 #include "platform/LockFile.h"
+#include "platform/Paths.h"
+#include "platform/ProgramArguments.h"
 #include "platform/TemporaryFolder.h"
+#include "unit/platform/Interruption.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -32,34 +39,69 @@ int HoldLock(const std::string& directory, const std::string& key) {
     if (lock.Take(directory, key) != LockFile::State::Held) {
         return EXIT_FAILURE;
     }
-    std::cout << "held" << std::endl;
+    WriteToStandardOutput("held\n");
     WaitToBeKilled();
 }
 
 int UseTemporaryFolder(bool isToBeKilled) {
     const TemporaryFolder folder;
     std::ofstream(folder.Path() + "/fragment") << "findings";
-    std::cout << folder.Path() << std::endl;
+    WriteToStandardOutput(folder.Path() + '\n');
     if (isToBeKilled) {
         WaitToBeKilled();
     }
     return EXIT_SUCCESS;
 }
 
-int BeInterrupted() {
-    StopFlag stop;
-    InstallInterruptHandler(stop);
-    std::raise(SIGPIPE);
-    if (stop.IsSet()) {
+int Print(std::size_t size) {
+    WriteToStandardOutput(std::string(size, 'o'));
+    std::cerr << std::string(size, 'e') << std::flush;
+    WriteToStandardOutput("end");
+    return EXIT_SUCCESS;
+}
+
+int ShowArguments(const std::vector<std::string>& arguments) {
+    std::string text;
+    for (const std::string& argument : arguments) {
+        text += std::to_string(argument.size()) + ':' + argument;
+    }
+    WriteToStandardOutput(text);
+    return EXIT_SUCCESS;
+}
+
+int ShowConditions(const std::vector<std::string>& variables) {
+    std::string text;
+    for (const std::string& name : variables) {
+        const auto value = EnvironmentVariable(name);
+        text += name + (value ? '=' + *value : " is not set") + '\n';
+    }
+    const std::string input{std::istreambuf_iterator<char>(std::cin), {}};
+    WriteToStandardOutput(text + CurrentDirectory() + '\n' + std::to_string(input.size()) + " bytes\n");
+    return EXIT_SUCCESS;
+}
+
+int Fail() {
+    WriteToStandardOutput("out");
+    std::cerr << "err" << std::flush;
+    return 2;
+}
+
+// The next two tasks belong together: the second is the first one's child, which outlives it.
+int LeaveGrandchild(const std::string& program, const std::string& directory, const std::string& key,
+                    const std::string& endSign) {
+    StartSibling({program, "hold-lock-until", directory, key, endSign});
+    WaitForFile(JoinPath(directory, "held"));
+    return EXIT_SUCCESS;
+}
+
+int HoldLockUntil(const std::string& directory, const std::string& key, const std::string& endSign) {
+    LockFile lock;
+    if (lock.Take(directory, key) != LockFile::State::Held) {
         return EXIT_FAILURE;
     }
-    for (const int signal : {SIGINT, SIGINT, SIGTERM}) {
-        std::raise(signal);
-        if (!stop.IsSet()) {
-            return EXIT_FAILURE;
-        }
-    }
-    WriteToStandardOutput("stopped\n");
+    WriteToStandardOutput("held\n");
+    TouchFile(JoinPath(directory, "held"));
+    WaitForFile(endSign);
     return EXIT_SUCCESS;
 }
 
@@ -94,20 +136,87 @@ extern "C" void CrashOnPurpose(std::string_view way) {
     std::cerr << "still alive after " << way << '\n';
 }
 
+namespace {
+
+using Task = int (*)(const std::vector<std::string>& arguments);
+
+struct TaskRow {
+    std::string_view name;
+    Task task; // gets the program's path, then what follows the name
+};
+
+const TaskRow Tasks[] = {
+    {"print",
+     [](const auto& words) {
+         return Print(std::stoul(words.at(1)));
+     }},
+    {"exit",
+     [](const auto& words) {
+         return std::stoi(words.at(1));
+     }},
+    {"fail",
+     [](const auto& /*words*/) {
+         return Fail();
+     }},
+    {"show-arguments",
+     [](const auto& words) {
+         return ShowArguments({words.begin() + 1, words.end()});
+     }},
+    {"show-conditions",
+     [](const auto& words) {
+         return ShowConditions({words.begin() + 1, words.end()});
+     }},
+    {"hold-lock",
+     [](const auto& words) {
+         return HoldLock(words.at(1), words.at(2));
+     }},
+    {"hold-lock-in-grandchild",
+     [](const auto& words) -> int {
+         if (words.size() > 3) {
+             WriteToStandardOutput(std::to_string(OwnProcessId()) + '\n');
+         }
+         StartSibling({words.at(0), "hold-lock", words.at(1), words.at(2)});
+         WaitToBeKilled();
+     }},
+    {"leave-grandchild",
+     [](const auto& words) {
+         return LeaveGrandchild(words.at(0), words.at(1), words.at(2), words.at(3));
+     }},
+    {"hold-lock-until",
+     [](const auto& words) {
+         return HoldLockUntil(words.at(1), words.at(2), words.at(3));
+     }},
+    {"hold-folder",
+     [](const auto& /*words*/) {
+         return UseTemporaryFolder(true);
+     }},
+    {"use-folder",
+     [](const auto& /*words*/) {
+         return UseTemporaryFolder(false);
+     }},
+    {"interrupt",
+     [](const auto& /*words*/) {
+         return BeInterrupted();
+     }},
+    {"crash",
+     [](const auto& words) {
+         InstallCrashHandler();
+         CrashOnPurpose(words.at(1));
+         return EXIT_FAILURE;
+     }},
+};
+
+} // namespace
+
 int main(int count, char** arguments) {
-    const std::string task = count > 1 ? arguments[1] : "";
-    if (task == "hold-lock" && count == 4) {
-        return HoldLock(arguments[2], arguments[3]);
+    std::vector<std::string> words = ProgramArguments(count, arguments);
+    const std::string name = words.at(1);
+    words.erase(words.begin() + 1);
+    for (const TaskRow& row : Tasks) {
+        if (row.name == name) {
+            return row.task(words);
+        }
     }
-    if (task == "hold-folder" || task == "use-folder") {
-        return UseTemporaryFolder(task == "hold-folder");
-    }
-    if (task == "interrupt") {
-        return BeInterrupted();
-    }
-    if (task == "crash" && count == 3) {
-        InstallCrashHandler();
-        CrashOnPurpose(arguments[2]);
-    }
+    std::cerr << "no task " << name << '\n';
     return EXIT_FAILURE;
 }

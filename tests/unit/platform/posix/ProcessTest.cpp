@@ -92,6 +92,27 @@ TEST(Child, EndsWithItsCodeOrItsSignalAndStartsWithFreshSignals) {
     std::signal(SIGPIPE, handler);
 }
 
+TEST(Child, SeesNothingButItsEnvironment) {
+    std::string output;
+    Process variables(
+        {
+            "/usr/bin/env"
+    },
+        "", EnvironmentBlock({{"B", ""}, {"A", "x=y z"}}), MakeRedirectToStringProcessor(output), nullptr);
+    EXPECT_EQ(variables.get_exit_status(), 0);
+    EXPECT_EQ(output, "A=x=y z\nB=\n");
+}
+
+TEST(Child, LeavesNoDescriptors) {
+    EXPECT_EQ(Script("exit 0").process.get_exit_status(), 0);
+    const std::ptrdiff_t before = OpenDescriptors();
+    for (int child = 0; child < 3; ++child) {
+        Script script("echo out; echo err >&2");
+        EXPECT_EQ(script.process.get_exit_status(), 0);
+    }
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
 TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironment) {
     const TestFolder folder;
     const std::string program = folder.Write("bin/tool", "#!/bin/sh\necho found\n");
@@ -184,16 +205,6 @@ TEST(ChildThatCannotStart, LeavesNoDescriptorWhenTheyRunOut) {
                   StartError("Couldn't start \"/bin/true\": Too many open files", Cause::Resources));
     }
     EXPECT_EQ(OpenDescriptors(), before);
-}
-
-TEST(Wait, SeesTheEndThoughAGrandchildHoldsTheOutputs) {
-    Script script("sleep 1000 & echo $!; printf late >&2");
-    const WaitResult result = WaitWithTimeout(script.process, LongTime, PollInterval, StopFlag());
-    const pid_t grandchild = script.ReadPid();
-    EXPECT_TRUE(result.finished);
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(script.standardError, "late");
-    EXPECT_EQ(::kill(grandchild, SIGKILL), 0) << "a child that ended by itself leaves others alone";
 }
 
 TEST(Kill, WithoutForceLetsTheChildSayGoodbyeAndLeavesNothingOfItsTree) {

@@ -1,0 +1,48 @@
+#include "unit/platform/Interruption.h"
+
+#include "platform/Console.h"
+#include "platform/windows/ConsoleEvents.h"
+#include "platform/windows/ConsoleHandler.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <thread>
+
+#include <process.h>
+
+namespace Orvanta {
+
+int BeInterrupted() {
+    StopFlag stop;
+    InstallInterruptHandler(stop);
+    ReceiveCtrlC();
+    for (int press = 0; press < 2; ++press) {
+        // The event goes to every program of the console: this one has a console of its own.
+        if (!SendConsoleEvent(ConsoleEvent::CtrlC)) {
+            return EXIT_FAILURE;
+        }
+        // The handler runs on a thread that the system makes.
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!stop.IsSet() && std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::yield();
+        }
+    }
+    if (!stop.IsSet()) {
+        return EXIT_FAILURE;
+    }
+    // The other events are left to the system. Asked directly: not every system sends all of them.
+    constexpr unsigned long OtherEvents[] = {1, 2, 5, 6}; // Ctrl+Break, close, log-off, shutdown
+    for (const unsigned long event : OtherEvents) {
+        if (HandleConsoleEvent(event) != 0) {
+            return EXIT_FAILURE;
+        }
+    }
+    WriteToStandardOutput("stopped\n");
+    return EXIT_SUCCESS;
+}
+
+unsigned long OwnProcessId() {
+    return static_cast<unsigned long>(::_getpid());
+}
+
+} // namespace Orvanta

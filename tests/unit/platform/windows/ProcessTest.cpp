@@ -1,0 +1,121 @@
+#include "platform/Process.h"
+
+#include "platform/Files.h"
+#include "platform/LockFile.h"
+#include "platform/Paths.h"
+#include "platform/windows/ConsoleEvents.h"
+#include "support/TestFolder.h"
+#include "unit/platform/ChildProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+namespace Orvanta {
+namespace {
+
+using Cause = ProcessStartException::Cause;
+using StartError = std::pair<std::string, Cause>;
+
+StartError TryToStart(const Arguments& command, const std::string& directory) {
+    try {
+        const Process process(command, directory, OwnEnvironmentBlock(), nullptr, nullptr);
+        return {"it started", Cause::Program};
+    } catch (const ProcessStartException& error) {
+        return {error.what(), error.WhatFailed()};
+    }
+}
+
+TEST(ChildThatCannotStart, SaysWhatWasMissing) {
+    const TestFolder folder;
+    const std::string text = folder.Write("text.exe", "no program\n");
+    const std::string child = ORVANTA_PLATFORM_CHILD;
+    const std::string zero("a\0b", 3);
+    const std::string huge(40'000, 'x');
+
+    struct Row {
+        Arguments command;
+        std::string directory;
+        StartError error; // its text behind "Couldn't start "
+    };
+
+    const Row rows[] = {
+        {{"C:\\nowhere\\cc"}, "",            {R"("C:\nowhere\cc": No such file or directory)", Cause::Program}                   },
+        {{"no-such-cc"},      folder.Path(), {R"("no-such-cc": No such file or directory)", Cause::Program}                      },
+        {{folder.Path()},     "",            {"\"" + folder.Path() + "\": No such file or directory", Cause::Program}            },
+        {{text},              "",            {"\"" + text + "\": Exec format error", Cause::Program}                             },
+        {{},                  "",            {R"("": the command is empty)", Cause::Program}                                     },
+        {{child},             "C:\\nowhere", {"\"" + child + R"(" in "C:\nowhere": No such file or directory)", Cause::Directory}},
+        {{child},             text,          {"\"" + child + "\" in \"" + text + "\": Not a directory", Cause::Directory}        },
+        {{child, zero},       "",            {"\"" + child + "\": an argument holds a zero byte", Cause::Command}                },
+        {{child, huge},       "",            {"\"" + child + "\": Argument list too long", Cause::Command}                       },
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(TryToStart(row.command, row.directory),
+                  StartError("Couldn't start " + row.error.first, row.error.second));
+    }
+}
+
+TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironmentWithTheExtensionsOfIt) {
+    const TestFolder folder;
+    const std::string program = folder / "bin\\tool.exe";
+    folder.MakeFolder("bin\\other\\tool.exe");
+    std::filesystem::copy_file(ORVANTA_PLATFORM_CHILD, program);
+    for (const std::string& path : {folder / "bin", std::string("bin")}) {
+        std::string output;
+        Process process(
+            {
+                "tool", "show-arguments", "found"
+        },
+            folder.Path(),
+            EnvironmentBlock(
+                {{"Path", "C:\\nowhere;" + (folder / "bin\\other") + ";" + path}, {"PathExt", ".com;.exe"}}),
+            MakeRedirectToStringProcessor(output), nullptr);
+        EXPECT_EQ(process.get_exit_status(), 0);
+        EXPECT_EQ(output, "5:found") << path;
+    }
+}
+
+TEST(Child, IsFoundFromItsOwnFolderWithoutItsExtension) {
+    const TestFolder folder;
+    folder.MakeFolder("sub");
+    std::filesystem::copy_file(ORVANTA_PLATFORM_CHILD, folder / "tool.exe");
+    std::string output;
+    Process process({"..\\tool", "show-arguments", "found"}, folder / "sub", OwnEnvironmentBlock(),
+                    MakeRedirectToStringProcessor(output), nullptr);
+    EXPECT_EQ(process.get_exit_status(), 0);
+    EXPECT_EQ(output, "5:found");
+}
+
+TEST(Child, MayBeABatchFile) {
+    const TestFolder folder;
+    const std::string script = folder.Write("a b.bat", "@echo off\r\necho [%1][%2]\r\nexit /b 7\r\n");
+    std::string output;
+    Process process({script, "x & y", "z"}, "", OwnEnvironmentBlock(), MakeRedirectToStringProcessor(output), nullptr);
+    EXPECT_EQ(process.get_exit_status(), 7);
+    EXPECT_EQ(output, "[\"x & y\"][z]\r\n");
+}
+
+// How a child outside a job is ended.
+TEST(TreeOfProcesses, IsFoundInTheListOfTheSystem) {
+    const TestFolder folder;
+    ChildProgram child({"hold-lock-in-grandchild", folder.Path(), "key", "tell-id"});
+    const unsigned long id = std::stoul(child.FirstLine());
+    while (child.StandardOutput().find("held") == std::string::npos && !child.ItsProcess().HasEnded()) {
+        child.ItsProcess().WaitForChange(PollInterval);
+    }
+    ASSERT_TRUE(TerminateTreeOf(id));
+    EXPECT_EQ(child.End(), 1);
+    LockFile lock;
+    EXPECT_EQ(lock.Take(folder.Path(), "key"), LockFile::State::Held);
+}
+
+TEST(RunAndReadOf, AnInterpretersCommandIsItsStandardOutput) {
+    EXPECT_EQ(RunAndRead("echo a& echo b"), "a\nb\n");
+    EXPECT_EQ(RunAndRead("exit 1"), "");
+}
+
+} // namespace
+} // namespace Orvanta
