@@ -13,6 +13,15 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The ASCII characters that stand for themselves in a string.
+constexpr std::array<bool, 256> IsPlain = [] {
+    std::array<bool, 256> isPlain = {};
+    for (std::size_t character = ' '; character < 0x80; ++character) {
+        isPlain[character] = character != '"' && character != '\\';
+    }
+    return isPlain;
+}();
+
 /// Takes parts off the front of a JSON text. Every function is false when the text goes on in another way.
 class Cursor {
 public:
@@ -100,19 +109,18 @@ private:
 
     // Stops at the closing quote, an escape, and what must not stand in a string.
     void SkipPlain() {
-        while (at_ < text_.size()) {
-            const char character = text_[at_];
-            if (static_cast<unsigned char>(character) >= 0x80) {
-                const Utf8Step step = NextUtf8(text_, at_);
-                if (!step.isValid) {
-                    return;
-                }
-                at_ += step.length;
-            } else if (character == '"' || character == '\\' || character < ' ') {
-                return;
-            } else {
+        while (true) {
+            while (at_ < text_.size() && IsPlain[static_cast<unsigned char>(text_[at_])]) {
                 ++at_;
             }
+            if (at_ == text_.size() || static_cast<unsigned char>(text_[at_]) < 0x80) {
+                return;
+            }
+            const Utf8Step step = NextUtf8(text_, at_);
+            if (!step.isValid) {
+                return;
+            }
+            at_ += step.length;
         }
     }
 

@@ -3,12 +3,28 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 
 namespace OrvlogConverter {
 
 namespace {
+
+/// What a character is to the normal form of a text.
+enum class Kind : std::uint8_t { Plain, Digit, Space };
+
+// Every byte of every message is looked up here.
+constexpr std::array<Kind, 256> Kinds = [] {
+    std::array<Kind, 256> kinds = {};
+    for (unsigned char digit = '0'; digit <= '9'; ++digit) {
+        kinds[digit] = Kind::Digit;
+    }
+    for (const char space : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        kinds[static_cast<unsigned char>(space)] = Kind::Space;
+    }
+    return kinds;
+}();
 
 std::uint32_t HashBytes(std::string_view line) {
     std::uint32_t hash = 0;
@@ -34,6 +50,11 @@ bool IsMark(std::string_view text) {
 
 std::string_view WithoutMarks(std::string_view line) {
     constexpr std::string_view Introducer = "//-";
+    // Few lines end in a digit, so few are searched.
+    const std::string_view trimmed = Orvanta::Trim(line);
+    if (trimmed.empty() || !Orvanta::IsDigit(trimmed.back())) {
+        return line;
+    }
     for (std::size_t at = line.rfind(Introducer);
          at != std::string_view::npos && IsMark(line.substr(at + Introducer.size())); at = line.rfind(Introducer)) {
         line = line.substr(0, at);
@@ -49,21 +70,20 @@ std::string NormalizeText(std::string_view text) {
     normal.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t begin = at;
-        if (Orvanta::IsDigit(text[at])) {
-            while (at < text.size() && Orvanta::IsDigit(text[at])) {
-                ++at;
-            }
-            normal += '_';
-        } else if (Orvanta::IsWhiteSpace(text[at])) {
-            while (at < text.size() && Orvanta::IsWhiteSpace(text[at])) {
-                ++at;
-            }
-            normal += ' ';
-        } else {
-            while (at < text.size() && !Orvanta::IsDigit(text[at]) && !Orvanta::IsWhiteSpace(text[at])) {
-                ++at;
-            }
+        const Kind kind = Kinds[static_cast<unsigned char>(text[at])];
+        while (at < text.size() && Kinds[static_cast<unsigned char>(text[at])] == kind) {
+            ++at;
+        }
+        switch (kind) {
+        case Kind::Plain:
             normal.append(text, begin, at - begin);
+            break;
+        case Kind::Digit:
+            normal += '_';
+            break;
+        case Kind::Space:
+            normal += ' ';
+            break;
         }
     }
     return normal;

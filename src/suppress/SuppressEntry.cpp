@@ -23,7 +23,7 @@ std::string ValidText(std::string_view text) {
 
 } // namespace
 
-std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const noexcept {
+std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const {
     constexpr std::uint64_t Spread = 0x9e3779b97f4a7c15U;
     std::uint64_t hash = std::hash<std::string>()(entry.message);
     for (const std::uint64_t part :

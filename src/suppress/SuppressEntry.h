@@ -23,8 +23,9 @@ struct SuppressEntry {
     auto operator<=>(const SuppressEntry&) const = default;
 };
 
+/// Not declared `noexcept`: the standard library then keeps each entry's hash beside it and need not take it again.
 struct SuppressEntryHash {
-    [[nodiscard]] std::size_t operator()(const SuppressEntry& entry) const noexcept;
+    [[nodiscard]] std::size_t operator()(const SuppressEntry& entry) const;
 };
 
 /// The entry of a message by the rules of a base's version. Its texts are valid UTF-8, as they come back from a base.

@@ -1,0 +1,308 @@
+#include "report/ReportReader.h"
+
+#include "report/Exceptions.h"
+#include "report/FinishedReport.h"
+#include "report/JsonMessage.h"
+#include "report/MessageLine.h"
+#include "report/Utf8.h"
+#include "support/TestFolder.h"
+#include "unit/report/RandomMessages.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <functional>
+
+namespace OrvlogConverter {
+namespace {
+
+using Orvanta::TestFolder;
+
+struct ReadReport {
+    std::vector<ReportMessage> messages;
+    std::string texts;
+    std::string members;
+};
+
+ReadReport Read(const std::string& path) {
+    ReadReport report;
+    ReportReader(path).Read({[&](const ReportMessage& message, std::string_view text) {
+                                 report.messages.push_back(message);
+                                 report.texts += text;
+                             },
+                             [&](const std::string& key, const std::string& value) {
+                                 report.members += key + "=" + value + ";";
+                             }});
+    return report;
+}
+
+std::string FaultOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const ReportException& error) {
+        return error.what();
+    }
+    return "none";
+}
+
+std::string LineOf(const ReportMessage& message, LineFormat format) {
+    std::string line;
+    AppendMessageLine(line, message, format);
+    return line;
+}
+
+void Write(const std::string& path, ReportForm form, const std::vector<ReportMessage>& messages) {
+    FinishedReport report(path, form);
+    report.Begin();
+    for (const ReportMessage& message : messages) {
+        report.Write(message);
+    }
+    report.End();
+}
+
+TEST(ReportReader, ReadsBackWhatWasWrittenInEveryForm) {
+    const TestFolder folder;
+    RandomMessages random(1);
+    std::vector<ReportMessage> messages;
+    for (int count = 0; count < 2000; ++count) {
+        messages.push_back(random.Message());
+    }
+    for (const auto& [name, form] :
+         {std::pair("r.json", ReportForm::JsonDocument), std::pair("r.jsonl", ReportForm::JsonLines),
+          std::pair("r.log", ReportForm::RawLines)}) {
+        Write(folder / name, form, messages);
+        EXPECT_EQ(DetectReportForm(folder / name), form);
+        const ReadReport report = Read(folder / name);
+        ASSERT_EQ(report.messages.size(), messages.size()) << name;
+        for (std::size_t index = 0; index < messages.size(); ++index) {
+            ASSERT_EQ(report.messages[index], messages[index])
+                << name << ", " << LineOf(messages[index], LineFormat::Raw);
+        }
+    }
+}
+
+TEST(ReportReader, KeepsInvalidTextReadable) {
+    RandomMessages random(2);
+    for (int count = 0; count < 2000; ++count) {
+        ReportMessage message = random.Message();
+        const std::string text = random.AnyText();
+        message.message = text;
+        message.positions.front().currLine = text;
+        const std::string json = LineOf(message, LineFormat::Json);
+        ASSERT_TRUE(nlohmann::json::accept(json)) << json;
+        std::string valid;
+        AppendValidUtf8(valid, text);
+        ASSERT_TRUE(IsValidUtf8(valid));
+        EXPECT_EQ(ReadJsonMessage(json).message, valid);
+        EXPECT_EQ(LineOf(ReadMessageLine(LineOf(message, LineFormat::Raw)), LineFormat::Raw),
+                  LineOf(message, LineFormat::Raw));
+    }
+    const std::string broken = R"({"falseAlarm":false,"level":1,"code":"V1","message":")"
+                               "\xFF\xE2\x82"
+                               R"(","positions":[]})";
+    EXPECT_EQ(ReadMessageLine(broken).message, "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(ReportReader, TellsTheFormsOfLinesApart) {
+    const TestFolder folder;
+    const ReportMessage message = {"V1", "m", "", {{"a.c", 3, "", "", "", 0, 0, 0}}, 0, 2, false};
+    const std::string raw = LineOf(message, LineFormat::Raw);
+    const std::string json = LineOf(message, LineFormat::Json);
+    const std::string text = "\xEF\xBB\xBF" + raw + "\r\n\n" + json + "\nx.c:3:7: warning: text\r\n" + json;
+    const ReadReport report = Read(folder.Write("r.log", text));
+    ASSERT_EQ(report.messages.size(), 4U);
+    EXPECT_EQ(report.messages[0], message);
+    EXPECT_EQ(report.messages[1], message);
+    EXPECT_EQ(report.messages[2],
+              ReportMessage({"External", "text", "", {{"x.c", 3, "", "", "", 0, 0, 0}}, 0, 2, false}));
+    EXPECT_EQ(report.messages[3], message);
+    EXPECT_EQ(report.texts, "\xEF\xBB\xBF" + raw + "\r\n" + json + "\nx.c:3:7: warning: text\r\n" + json);
+}
+
+TEST(ReportReader, ReadsLinesLongerThanItsBlocks) {
+    const TestFolder folder;
+    ReportMessage message = {"V1", std::string(3000000, 'x'), "", {}, 0, 2, false};
+    const std::string line = LineOf(message, LineFormat::Json);
+    EXPECT_EQ(Read(folder.Write("r", line + "\n" + line)).messages, std::vector(2, message));
+    message.message = std::string(65535, 'x') + "\xE2\x82\xAC\xF0\x9F\x98\x80\xFF"; // across the blocks of a document
+    const std::string document = "{\"warnings\":[" + LineOf(message, LineFormat::Json) + "]}";
+    message.message.replace(message.message.size() - 1, 1, "\xEF\xBF\xBD");
+    for (std::size_t shift = 0; shift < 8; ++shift) {
+        EXPECT_EQ(Read(folder.Write("r.json", std::string(shift, ' ') + document)).messages, std::vector(1, message));
+    }
+}
+
+TEST(ReportReader, HandsOnTheOtherMembersOfADocument) {
+    const TestFolder folder;
+    const std::string path = folder.Write("r.json", R"({"version": 1, "a": {"warnings": [1]}, "warnings": [
+{"falseAlarm":false,"level":1,"code":"V1","message":"m","positions":[],"more":{"x":[1,2]}}], "b": [[{}], null]})");
+    const ReadReport report = Read(path);
+    EXPECT_EQ(report.messages, std::vector({
+                                   ReportMessage{"V1", "m", "", {}, 0, 1, false}
+    }));
+    EXPECT_EQ(report.members, R"(version=1;a={"warnings":[1]};b=[[{}],null];)");
+    EXPECT_NE(report.texts.find(R"("more":{"x":[1,2]})"), std::string::npos);
+}
+
+struct FaultCase {
+    const char* name;
+    std::string_view text;
+    std::string fault; // behind the path
+};
+
+TEST(ReportReader, NamesThePlaceOfAFault) {
+    const std::string good = LineOf({}, LineFormat::Json);
+    const std::string twoLines = good + "\n\nnonsense\n";
+    const std::string badNumber =
+        good + "\nZelm64-EM<#~>full<#~>x<#~>a.c<#~>error<#~>V1<#~>m<#~>false<#~>1<#~><#~><#~><#~>";
+    const std::string noKey = "{\"level\":1}\n";
+    const std::string badEntry = "{\"warnings\":[" + good + "," + good + ",{\"falseAlarm\":true}]}";
+    const FaultCase cases[] = {
+        {"r.log",  twoLines,                      ", line 3: error parsing old format message"                            },
+        {"r.log",  badNumber,                     ", line 2: invalid stoi argument"                                       },
+        {"r.log",  noKey,                         ", line 1: [json.exception.out_of_range.403] key 'falseAlarm' not found"},
+        {"r.log",  "a.c:99999999999:1: error: x", ", line 1: stoi argument out of range"                                  },
+        {"r.json", badEntry,                      ", entry 3: [json.exception.out_of_range.403] key 'level' not found"    },
+        {"r.json", "{\"warnings\":[7]}",          ", entry 1: [json.exception.type_error.304] cannot use at() with number"},
+        {"r.json", "{}",                          ": field warnings is not found"                                         },
+        {"r.json", "{\"other\":[{}]}",            ": field warnings is not found"                                         },
+        {"r.json", "{\"warnings\":{}}",           ": type must be array, but is object"                                   },
+        {"r.json", "{\"warnings\":null}",         ": type must be array, but is null"                                     },
+        {"r.json", "[]",                          ": type must be object, but is array"                                   },
+    };
+    const TestFolder folder;
+    for (const FaultCase& row : cases) {
+        const std::string path = folder.Write(row.name, row.text);
+        EXPECT_EQ(FaultOf([&] { Read(path); }), path + row.fault);
+    }
+    const std::string cut = folder.Write("r.json", "{\"warnings\":[");
+    EXPECT_EQ(FaultOf([&] { Read(cut); }).find(cut + ": [json.exception.parse_error.101]"), 0U);
+    EXPECT_EQ(FaultOf([&] { Read(folder / "none.log"); }), "Couldn't open file " + (folder / "none.log"));
+    EXPECT_EQ(FaultOf([&] { Read(folder.Path()); }), folder.Path() + " is a directory");
+    EXPECT_EQ(FaultOf([&] { Read(""); }), "Empty filepath");
+}
+
+// A reader either takes a damaged report or names the fault; nothing else may come of it.
+TEST(ReportReader, SurvivesDamage) {
+    const TestFolder folder;
+    RandomMessages random(3);
+    for (int round = 0; round < 300; ++round) {
+        const char* const name = round % 3 == 0 ? "r.json" : "r.log";
+        const ReportForm form = round % 3 == 0   ? ReportForm::JsonDocument
+                                : round % 3 == 1 ? ReportForm::JsonLines
+                                                 : ReportForm::RawLines;
+        Write(folder / name, form, {random.Message(), random.Message(), random.Message()});
+        std::string text = folder.Read(name);
+        for (std::size_t count = random.Below(4) + 1; count > 0; --count) {
+            const std::size_t at = random.Below(text.size());
+            switch (random.Below(3)) {
+            case 0:
+                text[at] = static_cast<char>(random.Below(256));
+                break;
+            case 1:
+                text.erase(at, random.Below(20));
+                break;
+            default:
+                text.insert(at, text.substr(random.Below(text.size()), random.Below(20)));
+                break;
+            }
+        }
+        const std::string path = folder.Write(name, text);
+        try {
+            Read(path);
+        } catch (const ParseException& error) {
+            EXPECT_EQ(std::string(error.what()).find(path), 0U) << error.what();
+        }
+    }
+}
+
+// The scanner is a quicker way to what the library reads.
+TEST(JsonMessageScanner, AgreesWithTheLibrary) {
+    RandomMessages random(4);
+    JsonMessageScanner scanner;
+    ReportMessage scanned;
+    for (int count = 0; count < 3000; ++count) {
+        std::string line = LineOf(random.Message(), LineFormat::Json);
+        if (count % 3 == 0) { // as other writers set it
+            line = nlohmann::json::parse(line).dump(static_cast<int>(random.Below(3)), ' ');
+        }
+        ASSERT_TRUE(count % 3 == 1 || line.find("\\u") != std::string::npos || scanner.Scan(line, scanned)) << line;
+        if (count % 3 == 1) {
+            line[random.Below(line.size())] = static_cast<char>(random.Below(256));
+        }
+        if (!scanner.Scan(line, scanned)) {
+            continue;
+        }
+        const nlohmann::json object = nlohmann::json::parse(line);
+        EXPECT_EQ(scanned.code, object.at("code").get<std::string>());
+        EXPECT_EQ(scanned.message, object.at("message").get<std::string>());
+        EXPECT_EQ(scanned.falseAlarm, object.at("falseAlarm").get<bool>());
+        EXPECT_EQ(scanned.level, object.at("level").get<std::uint32_t>());
+        EXPECT_EQ(scanned.cwe, object.value("cwe", 0U));
+        EXPECT_EQ(scanned.sastId, object.value("sastId", ""));
+        ASSERT_EQ(scanned.positions.size(), object.at("positions").size());
+        for (std::size_t index = 0; index < scanned.positions.size(); ++index) {
+            EXPECT_EQ(scanned.positions[index].file, object.at("positions")[index].at("file").get<std::string>());
+            EXPECT_EQ(scanned.positions[index].line, object.at("positions")[index].at("line").get<std::uint32_t>());
+        }
+        if (!scanned.positions.empty()) {
+            EXPECT_EQ(scanned.positions.front().prevLine, object.value("prevLine", ""));
+            EXPECT_EQ(scanned.positions.front().currLine, object.value("currLine", ""));
+            EXPECT_EQ(scanned.positions.front().nextLine, object.value("nextLine", ""));
+        }
+    }
+}
+
+TEST(JsonMessageScanner, LeavesWhatItDoesNotKnowToTheLibrary) {
+    const std::string_view cases[] = {
+        "",
+        "{}",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m"})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m","positions":[]} x)",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m","positions":[],})",
+        R"({"falseAlarm":true,"level":01,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":true,"level":1.5,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":true,"level":-1,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":true,"level":4294967296,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":1,"level":1,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"\u0041","positions":[]})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"\x","positions":[]})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m","positions":[],"other":1})",
+        R"({"falseAlarm":true,"level":1,"level":2,"code":"V1","message":"m","positions":[]})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m","positions":[{"file":"a"}]})",
+        R"({"falseAlarm":true,"level":1,"code":"V1","message":"m","positions":[{"file":"a","line":1,"x":2}]})",
+        "{\"falseAlarm\":true,\"level\":1,\"code\":\"V1\",\"message\":\"\xFF\",\"positions\":[]}",
+        "{\"falseAlarm\":true,\"level\":1,\"code\":\"V1\",\"message\":\"\t\",\"positions\":[]}",
+    };
+    JsonMessageScanner scanner;
+    ReportMessage message;
+    for (const std::string_view text : cases) {
+        EXPECT_FALSE(scanner.Scan(text, message)) << text;
+    }
+}
+
+TEST(FinishedReport, TakesItsPlaceOnlyWhenItIsWhole) {
+    const TestFolder folder;
+    const std::string path = folder.Write("r.log", "old");
+    {
+        FinishedReport report(path, ReportForm::RawLines);
+        report.Write({});
+    }
+    EXPECT_EQ(folder.Read("r.log"), "old");
+    FinishedReport document(folder / "r.json", ReportForm::JsonDocument);
+    document.AddMember("version", "1");
+    document.AddMember("a\"b", "[2]");
+    document.Write({});
+    document.AddMember("c", "{}");
+    document.End();
+    const auto read = nlohmann::ordered_json::parse(folder.Read("r.json"));
+    EXPECT_EQ(read.size(), 4U);
+    EXPECT_EQ(read.at("version"), 1);
+    EXPECT_EQ(read.at("a\"b").dump(), "[2]");
+    EXPECT_EQ(read.at("warnings").size(), 1U);
+    EXPECT_EQ(read.begin().key(), "version");
+    EXPECT_EQ(document.Count(), 1U);
+}
+
+} // namespace
+} // namespace OrvlogConverter
