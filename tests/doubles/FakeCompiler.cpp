@@ -2,6 +2,7 @@
 //   NAME.version   what "--version" prints
 //   NAME.calls     gets one line per call: the arguments
 //   NAME.script    steps; more may stand in SOURCE.compiler beside a source, for that unit alone
+// It understands how GCC's family is asked to preprocess, and how cl's family is.
 //
 //   version-exit N / version-hang / version-remove-self     what "--version" does
 //   accept-only SWITCH...      fails for a switch that begins with none of these
@@ -37,16 +38,36 @@ struct Call {
     std::vector<ScriptLine> script;
 };
 
-Call ReadCall(int argc, char** argv) {
-    Call call;
-    call.program = JoinPath(ProgramDirectory(), FileNameOf(argv[0]));
-    call.arguments.assign(argv + 1, argv + argc);
+// "-o OUTPUT", and the source where no flag stands.
+void ReadAsGcc(Call& call) {
     for (std::size_t index = 0; index < call.arguments.size(); ++index) {
         if (call.arguments[index] == "-o" && index + 1 < call.arguments.size()) {
             call.output = call.arguments[++index];
         } else if (!call.arguments[index].starts_with('-')) {
             call.source = call.arguments[index];
         }
+    }
+}
+
+// "/FiOUTPUT", and the source at the end, where a path from the root is no flag.
+void ReadAsCl(Call& call) {
+    constexpr std::string_view outputFlag = "/Fi";
+    for (const std::string& argument : call.arguments) {
+        if (argument.starts_with(outputFlag)) {
+            call.output = argument.substr(outputFlag.size());
+        }
+    }
+    call.source = call.arguments.back();
+}
+
+Call ReadCall(int argc, char** argv) {
+    Call call;
+    call.program = JoinPath(ProgramDirectory(), FileNameOf(argv[0]));
+    call.arguments.assign(argv + 1, argv + argc);
+    if (std::find(call.arguments.begin(), call.arguments.end(), "/P") != call.arguments.end()) {
+        ReadAsCl(call);
+    } else {
+        ReadAsGcc(call);
     }
     call.script = ReadScript(call.program + ".script");
     for (ScriptLine& step : ReadScript(call.source + ".compiler")) {

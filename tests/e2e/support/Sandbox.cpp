@@ -144,7 +144,7 @@ bool Sandbox::Exists(std::string_view relative) const {
 
 std::string Sandbox::AddCompiler(const std::string& name, std::string_view versionText, std::string_view script) const {
     const std::string relative = "tools/" + name;
-    fs::create_directories(Path("tools"));
+    fs::create_directories(fs::path(Path(relative)).parent_path());
     fs::copy_file(ORVANTA_FAKE_COMPILER, Path(relative), fs::copy_options::overwrite_existing);
     Write(relative + ".version", versionText);
     Write(relative + ".script", script);
