@@ -1,5 +1,6 @@
 #include "analysis/AnalyzerRunner.h"
 
+#include "analysis/PrecompiledHeader.h"
 #include "analysis/ScopedFile.h"
 #include "analysis/WorkerPool.h"
 #include "buildinput/CompilerVariables.h"
@@ -138,6 +139,9 @@ UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
         result.status = AnalyzerStatus::Excluded;
         return result;
     }
+    if (log_.IsVerbose()) {
+        TellPrecompiledForms(unit);
+    }
     std::optional<ScopedFile> preprocessedFile;
     if (places_.unitFiles == SettingsFile::Lifetime::Remove) {
         preprocessedFile.emplace(unit.files.preprocessedPath);
@@ -147,6 +151,16 @@ UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
         RunCore(unit, settings.Path(), result);
     }
     return result;
+}
+
+// A forced include is always preprocessed from its header: a precompiled form holds no text, and may be out of date.
+void AnalyzerRunner::TellPrecompiledForms(const Unit& unit) const {
+    for (const std::string& header : unit.command.forcedIncludes) {
+        if (const std::optional<std::string> form =
+                FindPrecompiledForm(JoinPath(*unit.invocation.absoluteDirectory, header), log_)) {
+            log_.VerboseLine("  The header is preprocessed in place of '" + *form + "'");
+        }
+    }
 }
 
 std::shared_ptr<const Compiler> AnalyzerRunner::GetPreprocessor(CompilerType type) const {
@@ -252,9 +266,12 @@ SettingsMap AnalyzerRunner::SettingsOf(const Unit& unit) {
 void AnalyzerRunner::RunCore(const Unit& unit, const std::string& settingsPath, UnitResult& result) {
     const Arguments command = {places_.corePath, "--cfg", settingsPath};
     CapturedOutput output;
+    // The whole environment of a build is the compiler's business; the core belongs to this run.
+    const bool isBuilds = unit.invocation.environmentScope == EnvironmentScope::Whole;
+    const ProcessPlace place = {*unit.invocation.absoluteDirectory, isBuilds ? *commonEnvironment_ : *unit.environment};
     try {
         result.fragmentPath = unit.files.fragmentPath;
-        if (RunSupervised(command, unit.Place(), stop_, output) == ProcessOutcome::Stopped) {
+        if (RunSupervised(command, place, stop_, output) == ProcessOutcome::Stopped) {
             result.status = AnalyzerStatus::Stopped;
             return;
         }

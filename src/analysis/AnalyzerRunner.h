@@ -71,6 +71,7 @@ private:
                                                                         const ParsedCommand& command);
     [[nodiscard]] UnitFiles NameFiles(const AnalysisTask& task) const;
     UnitResult RunUnit(const AnalysisTask& task);
+    void TellPrecompiledForms(const Unit& unit) const;
     bool PreprocessUnit(const Unit& unit, UnitResult& result);
     void ReportPreprocessingFailure(const Unit& unit, const CapturedOutput& output, UnitResult& result);
     [[nodiscard]] SettingsMap SettingsOf(const Unit& unit);

@@ -26,9 +26,9 @@ CollectedCommands SomeCommands() {
     CollectedCommands commands;
     commands.units = {UnitOf(1, "a.c"), UnitOf(2, "b.c"), UnitOf(3, "c.c"), UnitOf(3, "d.c"), UnitOf(4, "e.c")};
     commands.skipped = {
-        {5, InvocationFate::NotACompilation, "app", "link only"                     },
+        {5, InvocationFate::NotACompilation,  "app", "link only"                     },
         {6, InvocationFate::CompilerUnusable, "foo", "compiler \"foo\" was not found"},
-        {7, InvocationFate::NotACompilation, "lib", "link only"                     },
+        {7, InvocationFate::NotACompilation,  "lib", "link only"                     },
     };
     commands.invocations = 7;
     return commands;
