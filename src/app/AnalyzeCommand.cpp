@@ -55,6 +55,10 @@ public:
         if (commands_.units.empty()) {
             log_.Text(FailureList(commands_, outcome_));
             progress_.Finish(SummaryText(commands_, outcome_, Elapsed(), "")); // there is no report
+            if (IsNothingListed(commands_)) {
+                log_.Line("Nothing to analyze - no files from source files list were found.");
+                throw ZelmRcException(1);
+            }
             throw ZelmException("No source file to analyze");
         }
         const int code = Analyze();

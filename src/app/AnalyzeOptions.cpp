@@ -94,6 +94,7 @@ const OptionRow HiddenOptions[] = {
     {0,   "analyze-only", "MASK",       "", nullptr, nullptr, &A::analyzeOnly       },
     {0,   "dep-file",     "FILE",       "", nullptr, nullptr, &A::dependencyFile    },
     {0,   "print-stdout", "",           "", nullptr, nullptr, &A::printStdout       },
+    {0,   "trace-dir",    "DIR",        "", nullptr, nullptr, &A::traceDirectory    },
 };
 
 args::Matcher MatcherOf(const OptionRow& row) {
@@ -175,7 +176,6 @@ void CheckRegenerationWord(const AnalyzeOptions& options) {
 void RefuseUnavailable(const AnalyzeOptions& options) {
     const std::pair<bool, const char*> unavailable[] = {
         {options.incremental,                      "--incremental"           },
-        {options.sourceList.has_value(),           "--source-files"          },
         {options.intermodular,                     "--intermodular"          },
         {options.regenerateDependInfo.has_value(), "--regenerate-depend-info"},
         {options.dependencyFile.has_value(),       "--dep-file"              },

@@ -45,6 +45,7 @@ struct AnalyzeOptions {
     std::vector<std::string> analyzeOnly;
     std::optional<std::string> dependencyFile;
     bool printStdout = false;
+    std::optional<std::string> traceDirectory;
 };
 
 /// Declares the options of `analyze` on its parser and parses the rest of the command line.

@@ -1,12 +1,16 @@
 #include "app/InputReading.h"
 
 #include "analysis/RunSummary.h"
+#include "analysis/SourceSelection.h"
 #include "buildinput/CommandStringSplitter.h"
 #include "buildinput/InvocationCollector.h"
+#include "buildinput/SourceList.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvanta {
@@ -33,6 +37,22 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     return command;
 }
 
+/// The files that the user wants analyzed; no value: all.
+std::optional<std::vector<std::string>> ReadListedSources(const AnalyzeOptions& options, Log& log) {
+    if (!options.sourceList) {
+        return std::nullopt;
+    }
+    log.Line("Using source list file: " + *options.sourceList);
+    SourceList list = ReadSourceList(*options.sourceList);
+    if (list.isEmpty) {
+        throw ZelmException("The list of source files is empty.");
+    }
+    if (list.paths.empty()) {
+        throw ZelmException("The list of source files does not contain valid paths.");
+    }
+    return std::move(list.paths);
+}
+
 void TellSkipped(const CollectedCommands& commands, Log& log) {
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
         return skipped.fate == InvocationFate::SkippedLauncher;
@@ -55,6 +75,7 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
 
 CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
                             const CompilerRegistry& registry, Log& log, const StopFlag& stop) {
+    const std::optional<std::vector<std::string>> listed = ReadListedSources(options, log);
     CompilerIdentifier identifier(settings, log, stop);
     InvocationCollector collector(settings, registry, identifier, log);
     if (options.sourceFile) {
@@ -63,8 +84,17 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
         ReadBuildInput(options.inputFile.value_or(DefaultInput), collector);
     }
     CollectedCommands commands = collector.Take();
+    if (listed) {
+        KeepListedSources(commands, *listed);
+    }
     TellSkipped(commands, log);
     return commands;
+}
+
+bool IsNothingListed(const CollectedCommands& commands) {
+    return commands.units.empty() &&
+           std::any_of(commands.skipped.begin(), commands.skipped.end(),
+                       [](const SkippedInvocation& skipped) { return skipped.fate == InvocationFate::NotListed; });
 }
 
 bool HasFailedInvocation(const CollectedCommands& commands) {

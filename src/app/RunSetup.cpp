@@ -79,6 +79,9 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     for (const std::string& directory : options.includeDirectories) {
         settings.extraIncludes.push_back(AbsolutePath(directory));
     }
+    if (options.traceDirectory) {
+        settings.traceDirectory = AbsolutePath(*options.traceDirectory);
+    }
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;

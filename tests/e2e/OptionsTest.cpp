@@ -64,10 +64,8 @@ TEST_F(OptionsTest, NumberOfThreadsMustBePositive) {
 
 TEST_F(OptionsTest, OptionsOfLaterWorkAreRefusedNotIgnored) {
     sandbox.AddUnit("a.c");
-    sandbox.Write("list.txt", "a.c\n");
     const std::pair<const char*, Arguments> cases[] = {
         {"incremental",            {"-i"}                                       },
-        {"source-files",           {"-S", "list.txt"}                           },
         {"intermodular",           {"--intermodular"}                           },
         {"regenerate-depend-info", {"--regenerate-depend-info", "skip-analysis"}},
         {"dep-file",               {"--dep-file", "deps.mk"}                    },
