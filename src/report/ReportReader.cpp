@@ -143,7 +143,7 @@ void ReportReader::Read(const ReportReceiver& receiver) {
 }
 
 void ReportReader::ReadDocument(const ReportReceiver& receiver) {
-    Utf8FileBuffer buffer(file_);
+    Utf8Buffer buffer(file_);
     std::istream stream(&buffer);
     DocumentCutter cutter(path_, receiver);
     try {

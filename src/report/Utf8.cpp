@@ -86,11 +86,11 @@ void AppendValidUtf8(std::string& target, std::string_view text) {
     target += text.substr(begin);
 }
 
-Utf8FileBuffer::int_type Utf8FileBuffer::underflow() {
+Utf8Buffer::int_type Utf8Buffer::underflow() {
     const std::size_t kept = raw_.size();
     raw_.resize(kept + BlockSize);
-    file_.read(raw_.data() + kept, static_cast<std::streamsize>(BlockSize));
-    const auto count = static_cast<std::size_t>(file_.gcount());
+    bytes_.read(raw_.data() + kept, static_cast<std::streamsize>(BlockSize));
+    const auto count = static_cast<std::size_t>(bytes_.gcount());
     raw_.resize(kept + count);
     if (raw_.empty()) {
         return traits_type::eof();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <fstream>
+#include <istream>
 #include <streambuf>
 #include <string>
 #include <string_view>
@@ -22,17 +22,17 @@ struct Utf8Step {
 /// Appends the text, with U+FFFD for each sequence that is no UTF-8, as the JSON library replaces them.
 void AppendValidUtf8(std::string& target, std::string_view text);
 
-/// The bytes of a file as UTF-8: what is none is replaced by U+FFFD. Memory does not grow with the file.
-class Utf8FileBuffer : public std::streambuf {
+/// The bytes of a stream as UTF-8: what is none is replaced by U+FFFD. Memory does not grow with the stream.
+class Utf8Buffer : public std::streambuf {
 public:
-    /// The file is open for reading in binary mode, and outlives the buffer.
-    explicit Utf8FileBuffer(std::ifstream& file) : file_(file) {}
+    /// The stream is in binary mode, and outlives the buffer.
+    explicit Utf8Buffer(std::istream& bytes) : bytes_(bytes) {}
 
 protected:
     int_type underflow() override;
 
 private:
-    std::ifstream& file_;
+    std::istream& bytes_;
     std::string raw_;  // read, not yet handed on
     std::string text_; // what is handed on
 };

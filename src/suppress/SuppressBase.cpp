@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <istream>
 #include <iterator>
 #include <limits>
 #include <optional>
@@ -246,19 +247,24 @@ SuppressBase SuppressBase::Read(const std::string& path) {
     if (!file.is_open()) {
         throw FilesystemException("Couldn't open file " + path);
     }
+    SuppressBase base = Parse(file, path);
+    if (file.bad()) {
+        throw FilesystemException("Couldn't read file " + path);
+    }
+    return base;
+}
+
+SuppressBase SuppressBase::Parse(std::istream& text, const std::string& name) {
     SuppressBase base;
     BaseHandler handler([&base](SuppressEntry entry) { base.Add(std::move(entry)); });
     try {
-        Utf8FileBuffer buffer(file);
+        Utf8Buffer buffer(text);
         std::istream stream(&buffer);
         Json::sax_parse(stream, &handler);
         handler.RequireWarnings();
     } catch (const ParseException& error) {
         const std::string entry = handler.Entry() == 0 ? "" : ", entry " + std::to_string(handler.Entry());
-        throw ParseException(path + entry + ": " + error.what());
-    }
-    if (file.bad()) {
-        throw FilesystemException("Couldn't read file " + path);
+        throw ParseException(name + entry + ": " + error.what());
     }
     base.version_ = handler.Version();
     return base;

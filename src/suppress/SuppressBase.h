@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -26,6 +27,10 @@ public:
     /// \throws FilesystemException when it can't be read
     /// \throws ParseException: the path, the entry (from 1) and what is wrong with it
     [[nodiscard]] static SuppressBase Read(const std::string& path);
+
+    /// Reads the text of a base; `name` stands for it in messages.
+    /// \throws ParseException
+    [[nodiscard]] static SuppressBase Parse(std::istream& text, const std::string& name);
 
     [[nodiscard]] std::uint32_t Version() const noexcept { return version_; }
 
