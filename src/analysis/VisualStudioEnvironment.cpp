@@ -1,5 +1,6 @@
 #include "analysis/VisualStudioEnvironment.h"
 
+#include "platform/EnvironmentNames.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -19,6 +20,12 @@ std::string_view TakeLine(std::string_view& text) {
         line.remove_suffix(1);
     }
     return line;
+}
+
+// The interpreter may go on behind a script that has failed: only one that has done its work names folders of headers.
+bool NamesHeaders(const Environment& variables) {
+    return std::any_of(variables.begin(), variables.end(),
+                       [](const auto& variable) { return IsSameVariable(variable.first, "INCLUDE"); });
 }
 
 } // namespace
@@ -80,7 +87,8 @@ std::shared_ptr<const Environment> VisualStudioEnvironment::Find(const CompilerI
         return nullptr;
     }
     try {
-        if (std::optional<Environment> variables = PrintedVariables(host_.run(SetUpCommand(*script, platformWord)))) {
+        std::optional<Environment> variables = PrintedVariables(host_.run(SetUpCommand(*script, platformWord)));
+        if (variables && NamesHeaders(*variables)) {
             return std::make_shared<const Environment>(*std::move(variables));
         }
     } catch (const ProcessException&) {

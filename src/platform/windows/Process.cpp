@@ -169,7 +169,8 @@ bool Process::HasEnded() const noexcept {
 }
 
 std::string RunAndRead(const std::string& commandLine) {
-    std::FILE* const pipe = ::_wpopen(ToWide(commandLine).c_str(), L"r");
+    // The interpreter takes the first and the last quote off what it is given, whatever stands between them.
+    std::FILE* const pipe = ::_wpopen(ToWide('"' + commandLine + '"').c_str(), L"r");
     if (pipe == nullptr) {
         throw ProcessException("Couldn't run process: " + commandLine);
     }
@@ -179,7 +180,7 @@ std::string RunAndRead(const std::string& commandLine) {
         output.append(block.data(), count);
     }
     ::_pclose(pipe);
-    return output;
+    return FromConsoleCodePage(output);
 }
 
 } // namespace Orvanta

@@ -1,5 +1,8 @@
 #include "platform/windows/WideText.h"
 
+#include <array>
+#include <cwchar>
+
 #include <windows.h>
 
 namespace Orvanta {
@@ -47,6 +50,15 @@ std::size_t LengthOfFullPath(std::wstring_view path) {
     return path.size() + (isFull ? 0 : ::GetCurrentDirectoryW(0, nullptr));
 }
 
+// The program's own manifest makes UTF-8 of it for this process alone.
+unsigned CodePageOfNewConsoles() {
+    std::array<wchar_t, 8> digits{};
+    const int length = ::GetLocaleInfoEx(LOCALE_NAME_SYSTEM_DEFAULT, LOCALE_IDEFAULTCODEPAGE, digits.data(),
+                                         static_cast<int>(digits.size()));
+    const unsigned codePage = length > 0 ? static_cast<unsigned>(std::wcstoul(digits.data(), nullptr, 10)) : 0;
+    return codePage != 0 ? codePage : CP_OEMCP;
+}
+
 } // namespace
 
 std::wstring ToWide(std::string_view text) {
@@ -59,6 +71,15 @@ std::string FromWide(std::wstring_view text) {
 
 std::string FromActiveCodePage(std::string_view text) {
     return ::GetACP() == CP_UTF8 ? std::string(text) : FromWide(Widen(CP_ACP, text));
+}
+
+std::string FromConsoleCodePage(std::string_view text) {
+    if (text.empty() || ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), static_cast<int>(text.size()),
+                                              nullptr, 0) != 0) {
+        return std::string(text);
+    }
+    const unsigned codePage = ::GetConsoleOutputCP();
+    return FromWide(Widen(codePage != 0 ? codePage : CodePageOfNewConsoles(), text));
 }
 
 std::optional<std::string> ToActiveCodePage(std::string_view text) {

@@ -15,6 +15,9 @@ namespace Orvanta {
 /// Text as the system's narrow functions give it, in the active code page, to UTF-8.
 [[nodiscard]] std::string FromActiveCodePage(std::string_view text);
 
+/// Text as console programs write it to a pipe, to UTF-8: it is that already, or in the code page of the console.
+[[nodiscard]] std::string FromConsoleCodePage(std::string_view text);
+
 /// UTF-8 to the active code page; absent when it has no such characters.
 [[nodiscard]] std::optional<std::string> ToActiveCodePage(std::string_view text);
 

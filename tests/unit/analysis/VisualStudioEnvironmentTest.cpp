@@ -129,6 +129,12 @@ TEST_F(VisualStudioEnvironmentTest, TellsOfAFailedScriptOncePerCompiler) {
     EXPECT_EQ(machine.runs, 2) << "once for each target";
 }
 
+TEST_F(VisualStudioEnvironmentTest, TakesAnEnvironmentWithoutHeadersForAFailure) {
+    machine.output = "[ERROR] something is missing\r\norvanta-environment \r\nPATH=C:\\\r\n";
+    EXPECT_NE(Said([&] { EXPECT_EQ(environment.VariablesFor(Cl, "x64"), nullptr); }).find("vcvarsall.bat failed"),
+              std::string::npos);
+}
+
 TEST_F(VisualStudioEnvironmentTest, TellsOfAMissingScriptWhereOneIsNeeded) {
     machine.script = "";
     EXPECT_EQ(Said([&] { (void)environment.VariablesFor(Cl, "x64"); }),

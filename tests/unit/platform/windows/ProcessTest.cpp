@@ -117,5 +117,11 @@ TEST(RunAndReadOf, AnInterpretersCommandIsItsStandardOutput) {
     EXPECT_EQ(RunAndRead("exit 1"), "");
 }
 
+TEST(RunAndReadOf, KeepsTheQuotesOfABatchFile) {
+    const TestFolder folder;
+    const std::string script = folder.Write("Program Files (x86)/to.bat", "@echo off\r\nset RESULT=%~1\r\n");
+    EXPECT_EQ(RunAndRead('"' + script + "\" word && echo marker && set RESULT"), "marker \nRESULT=word\n");
+}
+
 } // namespace
 } // namespace Orvanta
