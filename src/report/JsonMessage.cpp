@@ -81,8 +81,7 @@ ReportMessage ReadJsonMessage(std::string_view text) {
 }
 
 void AppendJsonMessage(std::string& text, const ReportMessage& message) {
-    static const MessagePosition Nowhere;
-    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    const MessagePosition& first = FirstPosition(message);
     text += message.falseAlarm ? "{\"falseAlarm\":true,\"level\":" : "{\"falseAlarm\":false,\"level\":";
     text += std::to_string(message.level);
     text += ",\"code\":";

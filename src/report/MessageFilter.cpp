@@ -37,8 +37,7 @@ MessageFilter::MessageFilter(IOutput* next, MessageFilterSettings settings)
     : IFilter(next), settings_(std::move(settings)), levels_(settings_.analyzers) {}
 
 bool MessageFilter::Accept(const ReportMessage& message) {
-    static const MessagePosition Nowhere;
-    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    const MessagePosition& first = FirstPosition(message);
     if (settings_.disabledCodes.contains(message.code)) {
         return false;
     }

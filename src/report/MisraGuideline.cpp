@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <iterator>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -166,6 +167,10 @@ void ReadPlanLine(std::string_view line, MisraCategoryPlan& plan) {
 
 std::string_view NameOf(MisraCategory category) noexcept {
     return CategoryNames[static_cast<std::size_t>(category)].second;
+}
+
+bool MisraGuideline::operator<(const MisraGuideline& other) const noexcept {
+    return std::tie(standard, isRule, numbers) < std::tie(other.standard, other.isRule, other.numbers);
 }
 
 std::string MisraGuideline::Name() const {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -37,7 +36,8 @@ struct MisraGuideline {
     bool isRule = true;                        ///< false for a directive, of which MISRA C has some
     std::array<std::uint32_t, 3> numbers = {}; ///< unused ones are 0
 
-    auto operator<=>(const MisraGuideline&) const = default;
+    bool operator==(const MisraGuideline&) const = default;
+    [[nodiscard]] bool operator<(const MisraGuideline& other) const noexcept;
 
     /// How reports name it: "MISRA-C-8.13", "MISRA-C-DIR-4.1", "MISRA-CPP-5-0-1", "V2501".
     [[nodiscard]] std::string Name() const;

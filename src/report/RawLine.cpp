@@ -167,8 +167,7 @@ ReportMessage ReadRawLine(std::string_view line) {
 }
 
 void AppendRawLine(std::string& text, const ReportMessage& message) {
-    static const MessagePosition Nowhere;
-    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    const MessagePosition& first = FirstPosition(message);
     text += "Zelm64-EM<#~>full<#~>";
     text += std::to_string(first.line);
     text += Separator;

@@ -33,4 +33,7 @@ struct ReportMessage {
     bool operator==(const ReportMessage&) const = default;
 };
 
+/// The primary position of a message; an empty one when it has none.
+[[nodiscard]] const MessagePosition& FirstPosition(const ReportMessage& message) noexcept;
+
 } // namespace OrvlogConverter

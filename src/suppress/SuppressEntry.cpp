@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string_view>
+#include <tuple>
 
 namespace OrvlogConverter {
 
@@ -23,6 +24,14 @@ std::string ValidText(std::string_view text) {
 
 } // namespace
 
+bool SuppressEntry::operator<(const SuppressEntry& other) const noexcept {
+    const auto fields = [](const SuppressEntry& entry) {
+        return std::tie(entry.fileName, entry.errorCode, entry.message, entry.codePrev, entry.codeCurrent,
+                        entry.codeNext);
+    };
+    return fields(*this) < fields(other);
+}
+
 std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const {
     constexpr std::uint64_t Spread = 0x9e3779b97f4a7c15U;
     std::uint64_t hash = std::hash<std::string>()(entry.message);
@@ -36,8 +45,7 @@ std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const {
 }
 
 SuppressEntry MakeSuppressEntry(const ReportMessage& message, std::uint32_t version) {
-    static const MessagePosition Nowhere;
-    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    const MessagePosition& first = FirstPosition(message);
     SuppressEntry entry;
     entry.fileName = ValidText(FileNameOf(first.file));
     entry.errorCode = ValidText(message.code);

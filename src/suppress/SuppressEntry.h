@@ -2,7 +2,6 @@
 
 #include "report/ReportMessage.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -19,8 +18,9 @@ struct SuppressEntry {
     std::uint32_t codeCurrent = 0;
     std::uint32_t codeNext = 0;
 
+    bool operator==(const SuppressEntry&) const = default;
     /// By all fields, texts byte for byte: the order in which a base is written.
-    auto operator<=>(const SuppressEntry&) const = default;
+    [[nodiscard]] bool operator<(const SuppressEntry& other) const noexcept;
 };
 
 /// Not declared `noexcept`: the standard library then keeps each entry's hash beside it and need not take it again.

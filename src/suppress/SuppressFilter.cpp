@@ -83,8 +83,7 @@ bool SuppressFilter::Accept(const ReportMessage& message) {
 }
 
 bool SuppressFilter::IsInFiles(const ReportMessage& message) const {
-    static const MessagePosition Nowhere;
-    const MessagePosition& first = message.positions.empty() ? Nowhere : message.positions.front();
+    const MessagePosition& first = FirstPosition(message);
     return std::any_of(settings_.files.begin(), settings_.files.end(), [&first](const SuppressedFile& file) {
         return first.file.find(file.name) != std::string::npos && (file.line == 0 || file.line == first.line);
     });
