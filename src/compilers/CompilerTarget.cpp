@@ -108,9 +108,9 @@ std::optional<TargetBits> TargetByTriple(std::string_view triple) {
 }
 
 std::optional<TargetBits> TargetByVersionText(std::string_view text) {
-    constexpr std::string_view whiteSpace = " \t\n\r\v\f";
+    constexpr std::string_view WhiteSpace = " \t\n\r\v\f";
     while (!text.empty()) {
-        const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+        const std::string_view word = text.substr(0, text.find_first_of(WhiteSpace));
         if (const std::optional<TargetBits> bits = TargetByTriple(word)) {
             return bits;
         }

@@ -51,10 +51,10 @@ void ReadAsGcc(Call& call) {
 
 // "/FiOUTPUT", and the source at the end, where a path from the root is no flag.
 void ReadAsCl(Call& call) {
-    constexpr std::string_view outputFlag = "/Fi";
+    constexpr std::string_view OutputFlag = "/Fi";
     for (const std::string& argument : call.arguments) {
-        if (argument.starts_with(outputFlag)) {
-            call.output = argument.substr(outputFlag.size());
+        if (argument.starts_with(OutputFlag)) {
+            call.output = argument.substr(OutputFlag.size());
         }
     }
     call.source = call.arguments.back();

@@ -15,7 +15,7 @@ class ClangClTest : public SandboxTest {
 protected:
     ClangClTest() {
         sandbox.Write("tools/note", "");
-        std::filesystem::create_symlink(FindExecutable("clang"), compiler);
+        std::filesystem::create_symlink(FindExecutable("clang"), compiler_);
         sandbox.Write("include/shared.h", "#pragma once\n"
                                           "#include <stddef.h>\n"
                                           "static inline size_t FromHeader(void) {\n"
@@ -34,10 +34,10 @@ protected:
                                       "    return values[3] + static_cast<int>(FromHeader());\n"
                                       "}\n");
         sandbox.AddEntry({
-            {compiler, "/nologo", "/O2", "/WX", "-clang:-MD", "-clang:-MFplain.d", "/Foplain.obj", "-Iinclude", "/c",
+            {compiler_, "/nologo", "/O2", "/WX", "-clang:-MD", "-clang:-MFplain.d", "/Foplain.obj", "-Iinclude", "/c",
              "--", sandbox.Path("src/plain.c")},
             "",
-            {{"CL", "/DFROM_VARIABLE#1"}  }
+            {{"CL", "/DFROM_VARIABLE#1"}   }
         });
         sandbox.AddEntry({
             {"../tools/clang-cl", "-m32", "/std:c++17", "/Yushared.h", "/FIshared.h", "/I", "../include",
@@ -53,7 +53,7 @@ protected:
         }));
     }
 
-    std::string compiler = sandbox.Path("tools/clang-cl");
+    std::string compiler_ = sandbox.Path("tools/clang-cl");
 };
 
 TEST_F(ClangClTest, BundledCoreFindsTheUsersErrorsWhereTheyAre) {
@@ -105,7 +105,7 @@ TEST_F(ClangClTest, FailureSaysWhatTheCompilerSaid) {
     sandbox.ForgetEntries();
     sandbox.Write("src/broken.c", "#include \"missing.h\"\n");
     sandbox.AddEntry({
-        {compiler, "/c", sandbox.Path("src/broken.c")}
+        {compiler_, "/c", sandbox.Path("src/broken.c")}
     });
     const RunResult result = sandbox.Analyze();
     EXPECT_EQ(result.exitCode, 1) << result;

@@ -65,9 +65,9 @@ protected:
         return testing::internal::GetCapturedStdout();
     }
 
-    Machine machine;
-    Log log;
-    VisualStudioEnvironment environment{log, machine.Host()};
+    Machine machine_;
+    Log log_;
+    VisualStudioEnvironment environment_{log_, machine_.Host()};
 };
 
 } // namespace
@@ -93,15 +93,15 @@ TEST(PrintedVariables, StandBehindTheMarker) {
 }
 
 TEST_F(VisualStudioEnvironmentTest, RunsTheScriptForTheTarget) {
-    const auto variables = environment.VariablesFor(Cl, "x64");
+    const auto variables = environment_.VariablesFor(Cl, "x64");
     ASSERT_NE(variables, nullptr);
     EXPECT_EQ(variables->at("INCLUDE"), "C:\\inc");
-    EXPECT_EQ(machine.lastCommand,
+    EXPECT_EQ(machine_.lastCommand,
               "\"C:\\VS\\VC\\Auxiliary\\Build\\vcvarsall.bat\" amd64 && echo orvanta-environment && set");
-    (void)environment.VariablesFor(Cl, "Win32");
-    EXPECT_EQ(machine.lastCommand,
+    (void)environment_.VariablesFor(Cl, "Win32");
+    EXPECT_EQ(machine_.lastCommand,
               "\"C:\\VS\\VC\\Auxiliary\\Build\\vcvarsall.bat\" x86 && echo orvanta-environment && set");
-    EXPECT_EQ(machine.runs, 2);
+    EXPECT_EQ(machine_.runs, 2);
 }
 
 TEST_F(VisualStudioEnvironmentTest, RunsTheScriptOnceForManyThreads) {
@@ -109,41 +109,41 @@ TEST_F(VisualStudioEnvironmentTest, RunsTheScriptOnceForManyThreads) {
     {
         std::vector<std::jthread> threads;
         for (int i = 0; i < 8; ++i) {
-            threads.emplace_back([&] { served += environment.VariablesFor(Cl, "x64") != nullptr ? 1 : 0; });
+            threads.emplace_back([&] { served += environment_.VariablesFor(Cl, "x64") != nullptr ? 1 : 0; });
         }
     }
     EXPECT_EQ(served, 8);
-    EXPECT_EQ(machine.runs, 1);
+    EXPECT_EQ(machine_.runs, 1);
 }
 
 TEST_F(VisualStudioEnvironmentTest, TellsOfAFailedScriptOncePerCompiler) {
-    machine.output = "[ERROR] something is missing\r\n";
+    machine_.output = "[ERROR] something is missing\r\n";
     const std::string said = Said([&] {
         for (const char* const platform : {"x64", "Win32", "x64"}) {
-            EXPECT_EQ(environment.VariablesFor(Cl, platform), nullptr);
+            EXPECT_EQ(environment_.VariablesFor(Cl, platform), nullptr);
         }
     });
     EXPECT_EQ(said, "The compiler \"" + Cl.path +
                         "\" is run in the environment that there is: its set-up script vcvarsall.bat failed: "
                         "\"C:\\VS\\VC\\Auxiliary\\Build\\vcvarsall.bat\"\n");
-    EXPECT_EQ(machine.runs, 2) << "once for each target";
+    EXPECT_EQ(machine_.runs, 2) << "once for each target";
 }
 
 TEST_F(VisualStudioEnvironmentTest, TakesAnEnvironmentWithoutHeadersForAFailure) {
-    machine.output = "[ERROR] something is missing\r\norvanta-environment \r\nPATH=C:\\\r\n";
-    EXPECT_NE(Said([&] { EXPECT_EQ(environment.VariablesFor(Cl, "x64"), nullptr); }).find("vcvarsall.bat failed"),
+    machine_.output = "[ERROR] something is missing\r\norvanta-environment \r\nPATH=C:\\\r\n";
+    EXPECT_NE(Said([&] { EXPECT_EQ(environment_.VariablesFor(Cl, "x64"), nullptr); }).find("vcvarsall.bat failed"),
               std::string::npos);
 }
 
 TEST_F(VisualStudioEnvironmentTest, TellsOfAMissingScriptWhereOneIsNeeded) {
-    machine.script = "";
-    EXPECT_EQ(Said([&] { (void)environment.VariablesFor(Cl, "x64"); }),
+    machine_.script = "";
+    EXPECT_EQ(Said([&] { (void)environment_.VariablesFor(Cl, "x64"); }),
               "The compiler \"" + Cl.path +
                   "\" is run in the environment that there is: its set-up script vcvarsall.bat was not found\n");
     const CompilerInfo ownClangCl = CompilerAt(R"(C:\LLVM\bin\clang-cl.exe)", CompilerType::ClangCl);
-    EXPECT_EQ(Said([&] { (void)environment.VariablesFor(ownClangCl, "x64"); }), "")
+    EXPECT_EQ(Said([&] { (void)environment_.VariablesFor(ownClangCl, "x64"); }), "")
         << "it looks for Visual Studio itself";
-    EXPECT_EQ(machine.runs, 0);
+    EXPECT_EQ(machine_.runs, 0);
 }
 
 TEST(VisualStudioEnvironment, AsksForNothingWhereThereAreNoScripts) {
