@@ -10,6 +10,7 @@ namespace Orvanta {
 
 namespace {
 
+constexpr std::size_t MostAnswers = 10000;
 constexpr std::string_view Ccache = "ccache";
 constexpr std::string_view Distcc = "distcc";
 
@@ -96,8 +97,17 @@ bool TracedCommandFinder::IsCompiler(std::string_view path) const {
                        [path](std::string_view name) { return IsProgramNamed(path, name); });
 }
 
-bool TracedCommandFinder::MayCompile(std::string_view path) const {
-    return IsCompiler(path) || IsLauncher(path) || IsLoader(path);
+bool TracedCommandFinder::MayCompile(const std::string& path) {
+    const auto known = answers_.find(path);
+    if (known != answers_.end()) {
+        return known->second;
+    }
+    if (answers_.size() == MostAnswers) {
+        answers_.clear(); // programs that the build makes itself, each under its own name
+    }
+    const bool answer = IsCompiler(path) || IsLauncher(path) || IsLoader(path);
+    answers_.emplace(path, answer);
+    return answer;
 }
 
 std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& program) const {

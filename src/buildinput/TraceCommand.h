@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvanta {
@@ -32,7 +33,7 @@ public:
 
     /// Whether a program with this path may be a compiler or start one in its own process; spares the reading of
     /// the arguments of all others.
-    [[nodiscard]] bool MayCompile(std::string_view path) const;
+    [[nodiscard]] bool MayCompile(const std::string& path);
 
     /// The compiler's command; no value when the program is none.
     [[nodiscard]] std::optional<TracedCommand> Find(const ExecutedProgram& program) const;
@@ -42,6 +43,8 @@ private:
     [[nodiscard]] std::optional<TracedCommand> Unwrap(std::vector<std::string> words) const;
 
     const RunSettings& settings_;
+    std::unordered_map<std::string, bool>
+        answers_; // of MayCompile: a build executes the same few programs over and over
 };
 
 } // namespace Orvanta

@@ -54,22 +54,20 @@ std::shared_ptr<const Environment> TraceEnvironments::Get(const TraceArray& text
     return entry.environment;
 }
 
-std::optional<std::string> DirectoryVariable(const TraceArray& texts) {
-    for (const TraceLiteral& literal : texts.items) {
-        if (literal.isCut) {
+std::string DirectoryVariable(std::string_view text) {
+    // The second form is that of strace -xx.
+    for (const std::string_view name : {"\"PWD=", R"("\x50\x57\x44\x3d)"}) {
+        const std::size_t begin = text.find(name);
+        TraceLiteral literal;
+        if (begin == std::string_view::npos || !TraceTextReader(text.substr(begin)).TakeLiteral(literal)) {
             continue;
         }
-        constexpr std::string_view name = "PWD=";
-        // Quick: the form with every character escaped is rare.
-        if (!literal.raw.starts_with(name) && !literal.raw.starts_with('\\')) {
-            continue;
-        }
-        const std::string text = literal.Decode();
-        if (text.starts_with(name) && IsAbsolutePath(std::string_view(text).substr(name.size()), PathRules::Posix)) {
-            return text.substr(name.size());
+        const std::string value = literal.Decode().substr(std::string_view("PWD=").size());
+        if (!literal.isCut && IsAbsolutePath(value, PathRules::Posix)) {
+            return value;
         }
     }
-    return std::nullopt;
+    return "";
 }
 
 } // namespace Orvanta

@@ -6,8 +6,8 @@
 #include <array>
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace Orvanta {
@@ -31,7 +31,7 @@ private:
     std::size_t next_ = 0; // of `recent_`, the one to be replaced
 };
 
-/// What an environment says about the directory ("PWD"), when that is an absolute path.
-[[nodiscard]] std::optional<std::string> DirectoryVariable(const TraceArray& texts);
+/// What an environment, as the trace writes it, says about the directory ("PWD"); empty when it names no absolute path.
+[[nodiscard]] std::string DirectoryVariable(std::string_view text);
 
 } // namespace Orvanta

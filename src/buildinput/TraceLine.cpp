@@ -3,7 +3,6 @@
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace Orvanta {
 
@@ -46,7 +45,9 @@ TraceCall CallByName(std::string_view name) {
 }
 
 void SkipBlanks(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+        text.remove_prefix(1);
+    }
 }
 
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
@@ -58,12 +59,16 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
 }
 
 std::optional<ProcessId> TakeNumber(std::string_view& text) {
+    constexpr std::size_t mostDigits = 9; // processes have smaller numbers
     ProcessId number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc()) {
+    std::size_t length = 0;
+    for (; length < text.size() && IsDigit(text[length]); ++length) {
+        number = number * 10 + static_cast<ProcessId>(text[length] - '0');
+    }
+    if (length == 0 || length > mostDigits) {
         return std::nullopt;
     }
-    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    text.remove_prefix(length);
     return number;
 }
 
@@ -128,6 +133,9 @@ std::size_t NameLength(std::string_view text) {
 
 /// Cuts off what says that the call goes on in a later line.
 bool TakeUnfinishedMark(std::string_view& text) {
+    if (text.empty() || (text.back() != '>' && text.back() != 'd')) {
+        return false;
+    }
     std::size_t end = std::string_view::npos;
     if (text.ends_with(Unfinished)) {
         end = text.size() - Unfinished.size();

@@ -6,9 +6,10 @@
 #include "buildinput/TraceCommand.h"
 #include "buildinput/TraceEnvironment.h"
 #include "buildinput/TraceText.h"
+#include "buildinput/TraceWarnings.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 
-#include <array>
 #include <utility>
 
 namespace Orvanta {
@@ -18,57 +19,45 @@ namespace {
 constexpr const char* AdviceForCutTexts =
     "the trace shows its arguments only in part (\"...\"): trace with strace -f -v -s 1048576";
 constexpr ProcessId UnnamedProcess = 0; // the number of no process
-constexpr std::size_t MostWarnings = 5; // of one kind
 
-/// Whether the text of a call that has ended says that it failed. What the call was given stands before the last quote.
-bool HasFailed(std::string_view text) {
+/// What follows the last text in quotes of a call: its result among other things.
+std::string_view TailOf(std::string_view text) {
     const std::size_t quote = text.rfind('"');
-    const std::string_view tail = quote == std::string_view::npos ? text : text.substr(quote + 1);
-    return tail.find("= -1 ") != std::string_view::npos;
+    return quote == std::string_view::npos ? text : text.substr(quote + 1);
+}
+
+/// Whether the text of a call that has ended says that it failed.
+bool HasFailed(std::string_view text) {
+    if (text.empty() || IsDigit(text.back())) {
+        return false; // the most frequent end: "= 3"
+    }
+    return TailOf(text).find("= -1 ") != std::string_view::npos;
+}
+
+/// Whether a whole call changes what is known. Most don't: failed ones, and files opened only to be read. Who opens a
+/// directory does not ask that it should not become the terminal, unless the call takes nothing but directories.
+bool CanMatter(TraceCall call, std::string_view text) {
+    if (HasFailed(text)) {
+        return false;
+    }
+    if ((call != TraceCall::Open && call != TraceCall::OpenAt) || text.starts_with("AT_FDCWD<")) {
+        return true;
+    }
+    const std::string_view flags = TailOf(text);
+    return flags.find("O_NOCTTY") == std::string_view::npos || flags.find("O_DIRECTORY") != std::string_view::npos;
 }
 
 /// Whether the text of a call holds its result, even one that says nothing ("= ?").
 bool HasResult(std::string_view text) {
-    const std::size_t quote = text.rfind('"');
-    return text.find(" = ", quote == std::string_view::npos ? 0 : quote) != std::string_view::npos;
+    return TailOf(text).find(" = ") != std::string_view::npos;
 }
 
-/// Says what is wrong with a trace, but not a thousand times.
-class TraceWarnings {
-public:
-    TraceWarnings(std::string path, Log& log) : path_(std::move(path)), log_(log) {}
-
-    void NeverStarted(ProcessId process, std::size_t line) {
-        if (CountNeverStarted()) {
-            log_.Line("Process " + std::to_string(process) + " at line " + std::to_string(line) + " was never started");
-        }
-    }
-
-    void Malformed(std::size_t line, const std::string& what) {
-        if (++malformed_ <= MostWarnings) {
-            log_.Line(path_ + ", line " + std::to_string(line) + ": " + what);
-        }
-    }
-
-    void Finish() {
-        TellRest(neverStarted_, " more processes were never started: trace with -f and with the calls of -e "
-                                "trace=process, so that every folder is right");
-        TellRest(malformed_, " more lines of " + path_ + " can't be read");
-    }
-
-private:
-    bool CountNeverStarted() { return ++neverStarted_ <= MostWarnings; }
-
-    void TellRest(std::size_t count, const std::string& text) {
-        if (count > MostWarnings) {
-            log_.Line(std::to_string(count - MostWarnings) + text);
-        }
-    }
-
-    std::string path_;
-    Log& log_;
-    std::size_t neverStarted_ = 0;
-    std::size_t malformed_ = 0;
+/// How a trace names what a call has opened.
+struct OpenedPath {
+    const TraceLiteral& literal;
+    const std::optional<std::int64_t>& folder;    // from which a relative path counts; none: the working directory
+    const std::optional<std::string>& folderPath; // of it, where the trace shows that
+    std::optional<std::string> shown;             // the whole path, where the trace shows that
 };
 
 /// Follows a trace from its first line to its last.
@@ -93,10 +82,13 @@ private:
     void Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
     bool CompleteStart(TraceProcess& process, std::string_view text, std::size_t callLine);
     bool CompleteExecution(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
+    bool TakeProgramPath(TraceProcess& process, TraceCall call, TraceTextReader& reader);
     bool CompleteChange(TraceProcess& process, std::string_view text);
     bool CompleteFileChange(TraceProcess& process, std::string_view text);
     bool CompleteQuestion(TraceProcess& process, std::string_view text);
     bool CompleteOpening(TraceProcess& process, TraceCall call, std::string_view text);
+    static void RememberOpened(TraceProcess& process, std::int64_t number, std::string_view flags,
+                               const OpenedPath& opened);
     void Execute(TraceProcess& process, TracedCommand command, std::size_t line);
     void Locate(TraceProcess& process, const std::string& path);
     void LocateByFile(TraceProcess& process, const std::optional<std::string>& path);
@@ -128,7 +120,7 @@ void TraceReader::ReadLine(std::string_view text, std::size_t number) {
         break;
     case TraceLine::Kind::Call:
         isTrace_ = true;
-        if (line.call != TraceCall::Other) {
+        if (line.call != TraceCall::Other && (line.isUnfinished || CanMatter(line.call, line.text))) {
             ReadCall(line);
         }
         break;
@@ -195,7 +187,9 @@ void TraceReader::ReadResumption(TraceProcess& process, std::string_view text, b
     const TraceCall call = process.pendingCall;
     const std::string whole = std::exchange(process.pendingText, {});
     const ProcessId id = process.id;
-    Complete(process, call, whole, process.pendingLine);
+    if (!HasFailed(whole)) {
+        Complete(process, call, whole, process.pendingLine);
+    }
     if (TraceProcess* const still = tree_.Find(id)) {
         tree_.EndCall(*still);
         queue_.Flush();
@@ -232,10 +226,8 @@ void TraceReader::AddLaunchers(const TraceProcess& process) {
     }
 }
 
+/// Follows a call that has ended and did not fail.
 void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine) {
-    if (HasFailed(text)) {
-        return;
-    }
     bool isRead = true;
     switch (call) {
     case TraceCall::Other:
@@ -281,46 +273,61 @@ bool TraceReader::CompleteStart(TraceProcess& process, std::string_view text, st
 
 bool TraceReader::CompleteExecution(TraceProcess& process, TraceCall call, std::string_view text,
                                     std::size_t callLine) {
+    const std::optional<TraceResult> result = TraceTextReader(TailOf(text)).TakeResult();
+    if (!result || result->value != 0) {
+        return result || HasResult(text);
+    }
     TraceTextReader reader(text);
+    if (!TakeProgramPath(process, call, reader) || !reader.Take(", ")) {
+        return false;
+    }
+    const bool mayCompile = finder_.MayCompile(program_.path);
+    const bool needsGuess = process.origin->guessedDirectory.empty() && process.directory->IsStartOf(process.origin);
+    if (mayCompile || needsGuess) {
+        if (!reader.TakeArray(program_.arguments) || !reader.Take(", ")) {
+            return false;
+        }
+        if (needsGuess) {
+            process.origin->guessedDirectory = DirectoryVariable(reader.Rest());
+        }
+    }
+    if (process.files != nullptr) {
+        process.files = std::make_shared<OpenDirectories>(*process.files);
+        std::erase_if(*process.files, [](const auto& opened) { return opened.second.closesOnExecute; });
+    }
+    if (mayCompile) {
+        if (!reader.TakeArray(program_.environment)) {
+            program_.environment.isWhole = false;
+        }
+        if (std::optional<TracedCommand> command = finder_.Find(program_)) {
+            Execute(process, *std::move(command), callLine);
+        }
+    }
+    return true;
+}
+
+/// Reads the path of a program that is executed, by its name or by a file that is open.
+bool TraceReader::TakeProgramPath(TraceProcess& process, TraceCall call, TraceTextReader& reader) {
     std::optional<std::int64_t> file;
     std::optional<std::string> filePath;
     TraceLiteral path;
     if (call == TraceCall::ExecuteAt && (!reader.TakeFile(file, filePath) || !reader.Take(", "))) {
         return false;
     }
-    if (!reader.TakeLiteral(path) || !reader.Take(", ") || !reader.TakeArray(program_.arguments) ||
-        !reader.Take(", ")) {
+    if (!reader.TakeLiteral(path)) {
         return false;
     }
-    if (!reader.TakeArray(program_.environment)) {
-        program_.environment.isWhole = false;
+    path.DecodeInto(program_.path);
+    if (call == TraceCall::Execute) {
+        return true;
     }
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (!result || result->value != 0) {
-        return result || HasResult(text);
+    if (!file) {
+        LocateByFile(process, filePath);
+        filePath.reset();
+    } else if (!filePath && process.files != nullptr && process.files->contains(*file)) {
+        filePath = AbsoluteDirectory(process.files->at(*file).directory);
     }
-    program_.path = path.Decode();
-    if (call == TraceCall::ExecuteAt) {
-        LocateByFile(process, file ? std::nullopt : filePath);
-        if (!file) {
-            filePath.reset();
-        } else if (!filePath && process.files != nullptr && process.files->contains(*file)) {
-            filePath = AbsoluteDirectory(process.files->at(*file).directory);
-        }
-        program_.path = JoinTracePath(filePath.value_or(""), program_.path);
-    }
-    if (process.origin->guessedDirectory.empty() && process.directory->IsStartOf(process.origin)) {
-        process.origin->guessedDirectory = DirectoryVariable(program_.environment).value_or("");
-    }
-    if (process.files != nullptr) {
-        process.files = std::make_shared<OpenDirectories>(*process.files);
-        std::erase_if(*process.files, [](const auto& opened) { return opened.second.closesOnExecute; });
-    }
-    if (finder_.MayCompile(program_.path)) {
-        if (std::optional<TracedCommand> command = finder_.Find(program_)) {
-            Execute(process, *std::move(command), callLine);
-        }
-    }
+    program_.path = JoinTracePath(filePath.value_or(""), program_.path);
     return true;
 }
 
@@ -432,24 +439,33 @@ bool TraceReader::CompleteOpening(TraceProcess& process, TraceCall call, std::st
     if (flags.find("O_RDONLY") == std::string_view::npos || flags.find("O_CREAT") != std::string_view::npos) {
         return true; // no directory
     }
-    OpenDirectory opened;
-    opened.closesOnExecute = flags.find("O_CLOEXEC") != std::string_view::npos;
-    if (std::optional<std::string> shown = TracePath(result->comment)) {
-        opened.directory.Set(*std::move(shown));
-    } else {
-        opened.directory = *process.directory;
-        if (filePath) {
-            opened.directory.Set(*std::move(filePath));
-        } else if (file && process.files != nullptr && process.files->contains(*file)) {
-            opened.directory = process.files->at(*file).directory;
-        }
-        opened.directory.Change(path.Decode());
-    }
+    RememberOpened(process, result->value, flags, {path, file, filePath, TracePath(result->comment)});
+    return true;
+}
+
+/// Keeps a file that may be a directory, in the place of one that had the same number.
+void TraceReader::RememberOpened(TraceProcess& process, std::int64_t number, std::string_view flags,
+                                 const OpenedPath& opened) {
     if (process.files == nullptr) {
         process.files = std::make_shared<OpenDirectories>();
     }
-    (*process.files)[result->value] = std::move(opened);
-    return true;
+    OpenDirectory& entry = (*process.files)[number];
+    entry.closesOnExecute = flags.find("O_CLOEXEC") != std::string_view::npos;
+    if (opened.shown) {
+        entry.directory.Set(*opened.shown);
+    } else if (opened.literal.raw.starts_with('/')) {
+        entry.directory.base.reset();
+        opened.literal.DecodeInto(entry.directory.path); // keeps the memory of the one before
+    } else {
+        if (opened.folderPath) {
+            entry.directory.Set(*opened.folderPath);
+        } else if (!opened.folder) {
+            entry.directory = *process.directory;
+        } else if (process.files->contains(*opened.folder)) {
+            entry.directory = TraceDirectory(process.files->at(*opened.folder).directory);
+        }
+        entry.directory.Change(opened.literal.Decode());
+    }
 }
 
 bool TraceReader::Finish() {

@@ -55,14 +55,13 @@ char TakeEscape(std::string_view& text) {
     return letter;
 }
 
-std::string DecodeEscapes(std::string_view raw) {
-    std::string text;
-    text.reserve(raw.size());
+void DecodeEscapes(std::string_view raw, std::string& text) {
+    text.clear();
     while (true) {
         const std::size_t plain = std::min(raw.find('\\'), raw.size());
         text += raw.substr(0, plain);
         if (plain + 1 >= raw.size()) {
-            return text;
+            return;
         }
         raw.remove_prefix(plain + 1);
         text += TakeEscape(raw);
@@ -91,7 +90,13 @@ std::size_t FindEndOfLiteral(std::string_view text) {
 } // namespace
 
 std::string TraceLiteral::Decode() const {
-    return DecodeEscapes(raw);
+    std::string text;
+    DecodeEscapes(raw, text);
+    return text;
+}
+
+void TraceLiteral::DecodeInto(std::string& text) const {
+    DecodeEscapes(raw, text);
 }
 
 bool TraceTextReader::Take(std::string_view token) {
@@ -183,7 +188,7 @@ std::optional<std::string> TracePath(std::string_view text) {
     if (!text.starts_with("</") || end == std::string_view::npos) {
         return std::nullopt;
     }
-    return DecodeEscapes(text.substr(1, end - 1));
+    return TraceLiteral{text.substr(1, end - 1)}.Decode();
 }
 
 } // namespace Orvanta

@@ -15,6 +15,7 @@ struct TraceLiteral {
 
     /// The text itself.
     [[nodiscard]] std::string Decode() const;
+    void DecodeInto(std::string& text) const;
 };
 
 /// Texts of an array in the form that a trace writes: ["a", "b"].

@@ -10,10 +10,6 @@ bool IsWhiteSpace(char character) noexcept {
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-bool IsDigit(char character) noexcept {
-    return character >= '0' && character <= '9';
-}
-
 std::string_view Trim(std::string_view text) noexcept {
     while (!text.empty() && IsWhiteSpace(text.front())) {
         text.remove_prefix(1);

@@ -8,7 +8,10 @@ namespace Orvanta {
 
 /// Space, tab, line feed, vertical tab, form feed and carriage return.
 [[nodiscard]] bool IsWhiteSpace(char character) noexcept;
-[[nodiscard]] bool IsDigit(char character) noexcept;
+
+[[nodiscard]] constexpr bool IsDigit(char character) noexcept {
+    return character >= '0' && character <= '9';
+}
 
 /// `text` without white space at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text) noexcept;
