@@ -34,7 +34,7 @@ public:
         const std::string compiler = folder_.Path() + "/c++";
         std::ofstream(compiler) << "#!/bin/sh\necho 'c++ (GCC) 12.2.0'\n";
         std::filesystem::permissions(compiler, std::filesystem::perms::owner_all);
-        std::ofstream(folder_.Path() + "/Source.cpp");
+        const std::ofstream source(folder_.Path() + "/Source.cpp");
         std::ofstream file(Path(), std::ios::binary);
         file << "1000  execve(\"/usr/bin/make\", [\"make\", \"-j8\"], [" << Variables(0) << "]) = 0\n"
              << "1000  getcwd(\"" << folder_.Path() << "\", 4096) = 20\n";

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t MostAnswers = 10000;
 constexpr std::string_view Ccache = "ccache";
+// With it Clang's driver starts itself for a single step.
+constexpr std::string_view InnerPass = "-cc1";
 constexpr std::string_view Distcc = "distcc";
 
 // Programs that take a whole compiler command as their arguments. Their compilation may happen elsewhere, out of the
@@ -139,6 +141,9 @@ std::optional<TracedCommand> TracedCommandFinder::Unwrap(std::vector<std::string
         words[--compiler] = "cc"; // what distcc compiles with when it is not told
     } else if (isOption || IsLauncher(words[compiler]) || (!ccache && !IsCompiler(words[compiler]))) {
         return std::nullopt;
+    }
+    if (compiler + 1 < words.size() && words[compiler + 1].starts_with(InnerPass)) {
+        return std::nullopt; // part of the command of a driver, which counts when its name is listed
     }
     TracedCommand command;
     if (ccache) {

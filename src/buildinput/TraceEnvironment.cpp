@@ -62,7 +62,7 @@ std::string DirectoryVariable(std::string_view text) {
         if (begin == std::string_view::npos || !TraceTextReader(text.substr(begin)).TakeLiteral(literal)) {
             continue;
         }
-        const std::string value = literal.Decode().substr(std::string_view("PWD=").size());
+        std::string value = literal.Decode().substr(std::string_view("PWD=").size());
         if (!literal.isCut && IsAbsolutePath(value, PathRules::Posix)) {
             return value;
         }

@@ -29,6 +29,7 @@ constexpr CallName CallNames[] = {
     {"openat2",  TraceCall::OpenAt             },
 };
 
+constexpr std::size_t MostDigits = 9; // processes have smaller numbers
 constexpr std::string_view Unfinished = "<unfinished ...>";
 constexpr std::string_view Detached = "<detached ...>";
 constexpr std::string_view ProcessChanged = "<pid changed to ";
@@ -59,13 +60,12 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
 }
 
 std::optional<ProcessId> TakeNumber(std::string_view& text) {
-    constexpr std::size_t mostDigits = 9; // processes have smaller numbers
     ProcessId number = 0;
     std::size_t length = 0;
     for (; length < text.size() && IsDigit(text[length]); ++length) {
         number = number * 10 + static_cast<ProcessId>(text[length] - '0');
     }
-    if (length == 0 || length > mostDigits) {
+    if (length == 0 || length > MostDigits) {
         return std::nullopt;
     }
     text.remove_prefix(length);

@@ -67,7 +67,7 @@ public:
         : warnings_(path, collector.MessageLog()), finder_(collector.Settings()), queue_(collector),
           tree_([this](const ProcessOrigin& origin) { warnings_.NeverStarted(origin.process, origin.line); }) {}
 
-    void ReadLine(std::string_view line, std::size_t number);
+    void ReadLine(std::string_view text, std::size_t number);
     /// To be called behind the last line. False when no line is a trace's.
     /// \throws ZelmException "No roots found", "No pwd"
     bool Finish();

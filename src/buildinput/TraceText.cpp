@@ -10,6 +10,8 @@ namespace Orvanta {
 namespace {
 
 constexpr std::string_view CutMark = "...";
+constexpr std::size_t HexadecimalDigits = 2; // at most, of an escape
+constexpr std::size_t OctalDigits = 3;
 
 struct Escape {
     char letter;
@@ -37,15 +39,13 @@ std::optional<char> TakeCode(std::string_view& text, std::size_t most, int base)
 
 /// Takes an escape off the text, which follows its backslash.
 char TakeEscape(std::string_view& text) {
-    constexpr std::size_t hexadecimalDigits = 2;
-    constexpr std::size_t octalDigits = 3;
-    if (const std::optional<char> character = TakeCode(text, octalDigits, 8)) {
+    if (const std::optional<char> character = TakeCode(text, OctalDigits, 8)) {
         return *character;
     }
     const char letter = text.front();
     text.remove_prefix(1);
     if (letter == 'x') {
-        return TakeCode(text, hexadecimalDigits, 16).value_or('x');
+        return TakeCode(text, HexadecimalDigits, 16).value_or('x');
     }
     for (const Escape& escape : Escapes) {
         if (escape.letter == letter) {

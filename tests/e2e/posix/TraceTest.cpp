@@ -54,7 +54,7 @@ TEST_F(TraceTest, UnitsAreThoseOfTheBuild) {
     for (const char* const options : {Recommended, "-f -tt -T -y -s 4096", "-ff -ttt -v -s 4096 -e trace=process,chdir",
                                       "-f -r -xx -v -s 1048576 -e trace=process,chdir,getcwd"}) {
         Trace(options);
-        if (sandbox.Exists("strace_out") == false) { // a file for each process
+        if (!sandbox.Exists("strace_out")) { // a file for each process
             const std::string merge = "cd '" + sandbox.Path() + "' && strace-log-merge strace_out >strace_out";
             ASSERT_EQ(std::system(merge.c_str()), 0);
         }
