@@ -20,20 +20,6 @@ constexpr const char* AdviceForCutTexts =
     "the trace shows its arguments only in part (\"...\"): trace with strace -f -v -s 1048576";
 constexpr ProcessId UnnamedProcess = 0; // the number of no process
 
-/// What follows the last text in quotes of a call: its result among other things.
-std::string_view TailOf(std::string_view text) {
-    const std::size_t quote = text.rfind('"');
-    return quote == std::string_view::npos ? text : text.substr(quote + 1);
-}
-
-/// Whether the text of a call that has ended says that it failed.
-bool HasFailed(std::string_view text) {
-    if (text.empty() || IsDigit(text.back())) {
-        return false; // the most frequent end: "= 3"
-    }
-    return TailOf(text).find("= -1 ") != std::string_view::npos;
-}
-
 /// Whether a whole call changes what is known. Most don't: failed ones, and files opened only to be read. Who opens a
 /// directory does not ask that it should not become the terminal, unless the call takes nothing but directories.
 bool CanMatter(TraceCall call, std::string_view text) {
@@ -45,11 +31,6 @@ bool CanMatter(TraceCall call, std::string_view text) {
     }
     const std::string_view flags = TailOf(text);
     return flags.find("O_NOCTTY") == std::string_view::npos || flags.find("O_DIRECTORY") != std::string_view::npos;
-}
-
-/// Whether the text of a call holds its result, even one that says nothing ("= ?").
-bool HasResult(std::string_view text) {
-    return TailOf(text).find(" = ") != std::string_view::npos;
 }
 
 /// How a trace names what a call has opened.

@@ -191,4 +191,20 @@ std::optional<std::string> TracePath(std::string_view text) {
     return TraceLiteral{text.substr(1, end - 1)}.Decode();
 }
 
+std::string_view TailOf(std::string_view text) {
+    const std::size_t quote = text.rfind('"');
+    return quote == std::string_view::npos ? text : text.substr(quote + 1);
+}
+
+bool HasFailed(std::string_view text) {
+    if (text.empty() || IsDigit(text.back())) {
+        return false; // the most frequent end: "= 3"
+    }
+    return TailOf(text).find("= -1 ") != std::string_view::npos;
+}
+
+bool HasResult(std::string_view text) {
+    return TailOf(text).find(" = ") != std::string_view::npos;
+}
+
 } // namespace Orvanta

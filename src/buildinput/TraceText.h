@@ -59,4 +59,13 @@ private:
 /// The path that a trace shows behind a file's number: "</tmp/a>". No value when there is none.
 [[nodiscard]] std::optional<std::string> TracePath(std::string_view text);
 
+/// What follows the last text in quotes of a call: its result among other things.
+[[nodiscard]] std::string_view TailOf(std::string_view text);
+
+/// Whether the text of a call that has ended says that it failed.
+[[nodiscard]] bool HasFailed(std::string_view text);
+
+/// Whether the text of a call holds its result, even one that says nothing ("= ?").
+[[nodiscard]] bool HasResult(std::string_view text);
+
 } // namespace Orvanta

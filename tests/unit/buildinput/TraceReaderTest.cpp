@@ -388,23 +388,23 @@ TEST_F(TraceReaderTest, NamesWhatIsCutOrDeleted) {
 struct FailureCase {
     const char* trace;
     const char* failure;
-    const char* message = "";
+    const char* message;
 };
 
 TEST_F(TraceReaderTest, EndsWithAClearErrorWhenThereIsNothingToRead) {
     const FailureCase rows[] = {
-        {"",                                               "No roots found"                                                               },
-        {                                                                   "1  <... wait4 resumed>) = 3\n",                                "No roots found"                                                                               },
-        {                                        "1  +++ exited with 0 +++\n",       "No roots found",                                                                                      "Process 1 at line 1 was never started\n"},
-        {                                        "[{\"directory\": \"/\"}]\n",                                                "no trace"                                                                                                                           },
-        {                                                         "\n", "no trace"},
-        { "1  execve(\"/bin/true\", [\"true\"], []) = 0\n",                                        "No compiler invocations were detected."                                                                  },
-        {                                                 R"(1  execve("%/clang", ["clang", "-c", "a.c"], 0x7f) = 0)",                                        "No pwd",                                                                                     "--trace-dir"},
-        {                                                                    R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=x"]) = 0)",        "No pwd",                                                                                    "process 1 ran at line 1: "},
-        {                                                                                                                                                      R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"])",        "No compiler invocations were detected.",
-         "strace_out, line 1: this call is cut short\n"},
-        {                                                                                                                                                     R"(1  execve("%/clang", ["clang", "-c" "a.c"], ["PWD=%"]) = 0)",                                                          "No compiler invocations were detected.",
-         "strace_out, line 1: this call can't be read\n"},
+        {"",                                                               "No roots found",                         ""                                       },
+        {"1  <... wait4 resumed>) = 3\n",                                  "No roots found",                         ""                                       },
+        {"1  +++ exited with 0 +++\n",                                     "No roots found",                         "Process 1 at line 1 was never started\n"},
+        {"[{\"directory\": \"/\"}]\n",                                     "no trace",                               ""                                       },
+        {"\n",                                                             "no trace",                               ""                                       },
+        {R"(1  execve("/bin/true", ["true"], []) = 0)",                    "No compiler invocations were detected.", ""                                       },
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], 0x7f) = 0)",      "No pwd",                                 "--trace-dir"                            },
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=x"]) = 0)", "No pwd",                                 "process 1 ran at line 1: "              },
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"])",      "No compiler invocations were detected.",
+         "strace_out, line 1: this call is cut short\n"                                                                                                       },
+        {R"(1  execve("%/clang", ["clang", "-c" "a.c"], ["PWD=%"]) = 0)",  "No compiler invocations were detected.",
+         "strace_out, line 1: this call can't be read\n"                                                                                                      },
     };
     for (const FailureCase& row : rows) {
         EXPECT_THAT(UnitsOf(row.trace), IsEmpty()) << row.trace;
