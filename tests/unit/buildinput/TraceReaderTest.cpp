@@ -87,18 +87,18 @@ void ExpectUnits(const TraceCase& row, const std::vector<std::string>& units, co
 const std::vector<std::string> AInFolder = {"%: %/clang -c a.c"};
 const std::vector<std::string> AInSub = {"%/sub: %/clang -c a.c"};
 
+// Texts of several lines can't be aligned.
+// clang-format off
 const TraceCase Directories[] = {
-    {"VariableOfTheFirstProcess",                  R"(1  execve("/bin/make", ["make"], ["A=1", "PWD=%/sub"]) = 0
+    {"VariableOfTheFirstProcess", R"(1  execve("/bin/make", ["make"], ["A=1", "PWD=%/sub"]) = 0
 1  vfork() = 2
 2  execve("%/clang", ["clang", "-c", "a.c"], 0x7f /* 3 vars */) = 0
-)",
-     AInSub                                                                                                                                                     },
-    {"WhatTheSystemSaysWinsOverTheVariable",       R"(1  execve("/bin/make", ["make"], ["PWD=/gone"]) = 0
+)", AInSub},
+    {"WhatTheSystemSaysWinsOverTheVariable", R"(1  execve("/bin/make", ["make"], ["PWD=/gone"]) = 0
 1  vfork() = 2
 2  execve("%/clang", ["clang", "-c", "a.c"], 0x7f /* 3 vars */) = 0
 2  getcwd("%/sub", 4096) = 9
-)",
-     AInSub                                                                                                                                                     },
+)", AInSub},
     {"FollowsRelativeChangesAndIgnoresFailedOnes", R"(1  execve("/bin/sh", ["sh"], ["PWD=/"]) = 0
 1  chdir("%") = 0
 1  chdir("none") = -1 ENOENT (No such file or directory)
@@ -107,18 +107,16 @@ const TraceCase Directories[] = {
 2  chdir("..") = 0
 2  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
 1  <... vfork resumed>) = 2
-)",
-     AInSub                                                                                                                                                     },
-    {"ChildIsSeenBeforeItsStart",                  R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", AInSub},
+    {"ChildIsSeenBeforeItsStart", R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1  chdir("sub") = 0
 1  clone3({flags=CLONE_VM|CLONE_VFORK, exit_signal=SIGCHLD}, 88 <unfinished ...>
 2  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=/stale"] <unfinished ...>
 2  <... execve resumed>) = 0
 2  +++ exited with 0 +++
 1  <... clone3 resumed>) = 2
-)",
-     AInSub                                                                                                                                                     },
-    {"ChildOfAChildThatIsSeenBeforeItsStart",      R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", AInSub},
+    {"ChildOfAChildThatIsSeenBeforeItsStart", R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1  clone(child_stack=NULL, flags=SIGCHLD <unfinished ...>
 2  chdir("sub") = 0
 2  vfork( <unfinished ...>
@@ -127,14 +125,12 @@ const TraceCase Directories[] = {
 3  +++ exited with 0 +++
 2  +++ exited with 0 +++
 1  <... clone resumed>, child_tidptr=0x7f) = 2
-)",
-     AInSub                                                                                                                                                     },
-    {"ChangeByAFileWithItsPath",                   R"(1  execve("/bin/sh", ["sh"], []) = 0
+)", AInSub},
+    {"ChangeByAFileWithItsPath", R"(1  execve("/bin/sh", ["sh"], []) = 0
 1  fchdir(3<%/sub>) = 0
 1  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInSub                                                                                                                                                     },
-    {"ChangeByAnOpenedFile",                       R"(1  execve("/bin/sh", ["sh"], ["PWD=%"]) = 0
+)", AInSub},
+    {"ChangeByAnOpenedFile", R"(1  execve("/bin/sh", ["sh"], ["PWD=%"]) = 0
 1  openat(AT_FDCWD, "sub", O_RDONLY|O_DIRECTORY) = 3
 1  openat(3, "deep", O_RDONLY|O_CLOEXEC) = 4
 1  open("a.c", O_WRONLY|O_CREAT, 0666) = 3
@@ -145,24 +141,20 @@ const TraceCase Directories[] = {
 2  fchdir(4) = 0
 2  fchdir(5) = 0
 2  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInSub                                                                                                                                                     },
-    {"PathOfTheDirectoryInAnyCall",                R"(1  execve("/bin/sh", ["sh"], 0x7f /* 9 vars */) = 0
+)", AInSub},
+    {"PathOfTheDirectoryInAnyCall", R"(1  execve("/bin/sh", ["sh"], 0x7f /* 9 vars */) = 0
 1  openat(AT_FDCWD<%/sub>, "/etc/ld.so.cache", O_RDONLY|O_CLOEXEC) = 3</etc/ld.so.cache>
 1  execve("%/clang", ["clang", "-c", "a.c"], 0x7f /* 9 vars */) = 0
-)",
-     AInSub                                                                                                                                                     },
-    {"ThreadsShareIt",                             R"(1  execve("/bin/ninja", ["ninja"], ["PWD=/"]) = 0
+)", AInSub},
+    {"ThreadsShareIt", R"(1  execve("/bin/ninja", ["ninja"], ["PWD=/"]) = 0
 1  clone3({flags=CLONE_VM|CLONE_FS|CLONE_FILES|CLONE_THREAD}, 88 <unfinished ...>
 2  openat(AT_FDCWD, "/etc/x", O_RDONLY) = 3
 1  <... clone3 resumed>) = 2
 2  chdir("%/sub") = 0
 1  vfork() = 3
 3  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInSub                                                                                                                                                     },
-    {"NumbersAreUsedAgain",
-     R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", AInSub},
+    {"NumbersAreUsedAgain", R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1  vfork() = 2
 2  chdir("/") = 0
 2  +++ exited with 0 +++
@@ -173,16 +165,16 @@ const TraceCase Directories[] = {
 2  chdir("sub") = 0
 2  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
 1  <... vfork resumed>) = 2
-)",                                                          {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
-    {"ThreadThatExecutesBecomesItsProcess",        R"(1  execve("/bin/x", ["x"], ["PWD=%"]) = 0
+)", {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
+    {"ThreadThatExecutesBecomesItsProcess", R"(1  execve("/bin/x", ["x"], ["PWD=%"]) = 0
 1  clone3({flags=CLONE_VM|CLONE_FS|CLONE_FILES|CLONE_THREAD}, 88) = 2
 2  chdir("sub") = 0
 2  execve("%/clang", ["clang", "-c", "a.c"], [] <pid changed to 1 ...>
 1  +++ superseded by execve in pid 2 +++
 1  <... execve resumed>) = 0
-)",
-     AInSub                                                                                                                                                     },
+)", AInSub},
 };
+// clang-format on
 
 TEST_F(TraceReaderTest, FindsTheDirectoryOfACompiler) {
     for (const TraceCase& row : Directories) {
@@ -191,9 +183,10 @@ TEST_F(TraceReaderTest, FindsTheDirectoryOfACompiler) {
     }
 }
 
+// Texts of several lines can't be aligned.
+// clang-format off
 const TraceCase Forms[] = {
-    {"LogOfATerminal",
-     R"(execve("/bin/make", ["make"], ["PWD=%"]) = 0
+    {"LogOfATerminal", R"(execve("/bin/make", ["make"], ["PWD=%"]) = 0
 clone3({flags=CLONE_VM|CLONE_VFORK}, 88strace: Process 2 attached
  <unfinished ...>
 [pid     2] execve("%/clang", ["clang", "-c", "a.c"], 0x7f /* 9 vars */ <unfinished ...>
@@ -209,33 +202,29 @@ clone(child_stack=NULL, flags=SIGCHLDstrace: Process 3 attached
 [pid     3] +++ exited with 0 +++
 <... wait4 resumed>) = 3
 +++ exited with 0 +++
-)",                                                       {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
-    {"NumberIsToldLate",
-     R"(10:20:30 execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
+    {"NumberIsToldLate", R"(10:20:30 execve("/bin/make", ["make"], ["PWD=%"]) = 0
 10:20:30 vfork() = 2
 [pid     2] 10:20:31 execve("%/clang", ["clang", "-c", "a.c"], []) = 0
 [pid     1] 10:20:31 chdir("sub") = 0
 [pid     1] 10:20:31 vfork() = 3
 [pid     3] 10:20:31 execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",                                              {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
-    {"OnlyOneProcess",    R"(execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"]) = 0 <0.000123>
+)", {"%: %/clang -c a.c", "%/sub: %/clang -c a.c"}},
+    {"OnlyOneProcess", R"(execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"]) = 0 <0.000123>
 +++ exited with 0 +++
-)",
-     AInFolder                                                                                                                                            },
-    {"MergedFiles",       R"(1 10:20:30.000001 execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", AInFolder},
+    {"MergedFiles", R"(1 10:20:30.000001 execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1 10:20:30.000002 vfork() = 2
 1 10:20:30.000003 chdir("sub") = 0
 2 10:20:30.000003 execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInFolder                                                                                                                                            },
-    {"EscapesAndNames",
-     R"(1<\x> (+     0.01) execve("%/\x63\154ang", ["cl"..., "-c", "\141.c", "-DX=\"\t\\"], ["PWD=%"]) = 0
-)", {"%: %/clang -c a.c -DX=\"\t\\"}              },
+)", AInFolder},
+    {"EscapesAndNames", R"(1<\x> (+     0.01) execve("%/\x63\154ang", ["cl"..., "-c", "\141.c", "-DX=\"\t\\"], ["PWD=%"]) = 0
+)", {"%: %/clang -c a.c -DX=\"\t\\"}},
     {"ByAFolderAndAName", R"(1  execve("/bin/sh", ["sh"], ["PWD=%/sub"]) = 0
 1  execveat(5<%>, "clang", ["clang", "-c", "a.c"], [], 0) = 0
-)",
-     AInSub                                                                                                                                               },
+)", AInSub},
 };
+// clang-format on
 
 TEST_F(TraceReaderTest, ReadsEveryFormOfATrace) {
     for (const TraceCase& row : Forms) {
@@ -255,50 +244,46 @@ constexpr const char* CacheMiss = R"(1  execve("%/ccache", ["ccache", "clang", "
 1  +++ exited with 0 +++
 )";
 
+// Texts of several lines can't be aligned.
+// clang-format off
 const TraceCase Commands[] = {
-    {"CompilerWithinACompiler",       R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"]) = 0
+    {"CompilerWithinACompiler", R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"]) = 0
 1  vfork( <unfinished ...>
 2  execve("%/clang", ["clang", "-cc1", "a.c"], []) = 0
 2  vfork() = 3
 3  execve("%/clang", ["clang", "-c", "sub/a.c"], []) = 0
 1  <... vfork resumed>) = 2
-)",
-     AInFolder                                                                                                                                        },
-    {"PassOfADriverThatIsNotListed",  R"(1  execve("%/clang-14", ["clang-14", "-c", "a.c"], ["PWD=%"]) = 0
+)", AInFolder},
+    {"PassOfADriverThatIsNotListed", R"(1  execve("%/clang-14", ["clang-14", "-c", "a.c"], ["PWD=%"]) = 0
 1  vfork() = 2
 2  execve("%/clang", ["clang", "-cc1", "-emit-obj", "sub/a.c"], []) = 0
 1  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInFolder                                                                                                                                        },
-    {"CompilerThatGoesOnAsAnother",
-     R"(1  execve("%/clang++", ["clang++", "-c", "a.c"], ["PWD=%"]) = 0
+)", AInFolder},
+    {"CompilerThatGoesOnAsAnother", R"(1  execve("%/clang++", ["clang++", "-c", "a.c"], ["PWD=%"]) = 0
 1  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",                                              {"%: %/clang++ -c a.c"}         },
-    {"FailedTriesAlongTheSearchPath",
-     R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
+)", {"%: %/clang++ -c a.c"}},
+    {"FailedTriesAlongTheSearchPath", R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1  execve("/none/clang", ["clang", "-c", "a.c"], []) = -1 ENOENT (No such file or directory)
 1  execve("%/clang", ["clang", "-c", "a.c", "-DX== -1 E"], []) = 0
-)",                                                              {"%: %/clang -c a.c -DX== -1 E"}},
-    {"DynamicLoader",
-     R"(1  execve("/lib64/ld-linux-x86-64.so.2", ["ld.so", "--library-path", "/x", "--argv0", "y", "--inhibit-cache", )"
+)", {"%: %/clang -c a.c -DX== -1 E"}},
+    {"DynamicLoader", R"(1  execve("/lib64/ld-linux-x86-64.so.2", ["ld.so", "--library-path", "/x", "--argv0", "y", "--inhibit-cache", )"
      R"("--preload=z", "--list", "--verify", "--inhibit-rpath", "1", "--audit", "2", "--rpath-prefix", "3", )"
      R"("--nodefaultdirs", "%/clang", "-c", "a.c"], ["PWD=%"]) = 0
 1  vfork() = 2
 2  execve("/lib/ld.so", ["ld.so", "--list"], []) = 0
 2  execve("/lib/ld-musl-x86_64.so.1", ["ld.so", "/bin/true"], []) = 0
-)",                                                   AInFolder                       },
-    {"LauncherOfCompilations",        R"(1  execve("/bin/distcc", ["distcc", "%/clang", "-c", "a.c"], ["PWD=%"]) = 0
+)", AInFolder},
+    {"LauncherOfCompilations", R"(1  execve("/bin/distcc", ["distcc", "%/clang", "-c", "a.c"], ["PWD=%"]) = 0
 1  vfork() = 2
 2  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
-)",
-     AInFolder                                                                                                                                        },
-    {"CacheMissCountsOnce",           CacheMiss,                                                                      AInFolder                       },
-    {"CacheThatGoesOnAsTheCompiler",  R"(1  execve("%/ccache", ["ccache", "clang", "-c", "a.c"], ["PWD=%"]) = 0
+)", AInFolder},
+    {"CacheMissCountsOnce", CacheMiss, AInFolder},
+    {"CacheThatGoesOnAsTheCompiler", R"(1  execve("%/ccache", ["ccache", "clang", "-c", "a.c"], ["PWD=%"]) = 0
 1  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
 1  +++ exited with 0 +++
-)",
-     AInFolder                                                                                                                                        },
+)", AInFolder},
 };
+// clang-format on
 
 TEST_F(TraceReaderTest, FindsEveryCompilationOnce) {
     for (const TraceCase& row : Commands) {
