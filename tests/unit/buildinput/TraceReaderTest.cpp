@@ -174,6 +174,7 @@ const TraceCase Directories[] = {
 1  <... execve resumed>) = 0
 )", AInSub},
 };
+
 // clang-format on
 
 TEST_F(TraceReaderTest, FindsTheDirectoryOfACompiler) {
@@ -224,6 +225,7 @@ clone(child_stack=NULL, flags=SIGCHLDstrace: Process 3 attached
 1  execveat(5<%>, "clang", ["clang", "-c", "a.c"], [], 0) = 0
 )", AInSub},
 };
+
 // clang-format on
 
 TEST_F(TraceReaderTest, ReadsEveryFormOfATrace) {
@@ -283,6 +285,7 @@ const TraceCase Commands[] = {
 1  +++ exited with 0 +++
 )", AInFolder},
 };
+
 // clang-format on
 
 TEST_F(TraceReaderTest, FindsEveryCompilationOnce) {
