@@ -2,7 +2,8 @@
 
 if(CMAKE_CROSSCOMPILING)
     # No package has GoogleTest built for the other system; one has its sources.
-    find_path(GOOGLETEST_SOURCE_DIR googlemock/CMakeLists.txt PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+    find_path(GOOGLETEST_SOURCE_DIR googlemock/CMakeLists.txt
+        PATHS /usr/src/googletest NO_CMAKE_FIND_ROOT_PATH REQUIRED)
     mark_as_advanced(GOOGLETEST_SOURCE_DIR)
     set(INSTALL_GTEST OFF CACHE INTERNAL "")
     add_subdirectory(${GOOGLETEST_SOURCE_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
