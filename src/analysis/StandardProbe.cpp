@@ -71,6 +71,9 @@ constexpr NeutralFlag NeutralFlags[] = {
     {"-imsvc",      true },
 };
 
+// Variables in which shells and make keep their own books: a traced build gives another value to nearly every command.
+constexpr std::string_view NeutralVariables[] = {"MAKEFLAGS", "MAKELEVEL", "MFLAGS", "OLDPWD", "PWD", "SHLVL", "_"};
+
 void AppendDecisiveArguments(std::string& key, std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -92,10 +95,12 @@ std::string AnswerKey(const ParsedCommand& command, Language language, const Env
     key += language == Language::C ? "C" : "C++";
     AppendDecisiveArguments(key, command.keptArguments);
     for (const auto& [name, value] : ownVariables) {
-        key += '\0';
-        key += name;
-        key += '=';
-        key += value;
+        if (std::find(std::begin(NeutralVariables), std::end(NeutralVariables), name) == std::end(NeutralVariables)) {
+            key += '\0';
+            key += name;
+            key += '=';
+            key += value;
+        }
     }
     return key;
 }
