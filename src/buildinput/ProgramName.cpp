@@ -8,9 +8,9 @@ namespace Orvanta {
 namespace {
 
 std::string_view WithoutExe(std::string_view name) {
-    constexpr std::string_view exe = ".exe";
-    const bool ends = name.size() > exe.size() && EqualsIgnoringCase(name.substr(name.size() - exe.size()), exe);
-    return ends ? name.substr(0, name.size() - exe.size()) : name;
+    constexpr std::string_view Exe = ".exe";
+    const bool ends = name.size() > Exe.size() && EqualsIgnoringCase(name.substr(name.size() - Exe.size()), Exe);
+    return ends ? name.substr(0, name.size() - Exe.size()) : name;
 }
 
 } // namespace
