@@ -1,6 +1,7 @@
 #include "analysis/ReportCommitter.h"
 
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "report/MessageLine.h"
 
 #include <exception>
@@ -67,7 +68,7 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
 
 // A core that failed may have left half a line; every whole finding is kept all the same.
 void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
-    std::ifstream fragment(result.fragmentPath, std::ios::binary);
+    std::ifstream fragment(NativePath(result.fragmentPath), std::ios::binary);
     std::string line;
     for (std::size_t number = 1; std::getline(fragment, line); ++number) {
         if (line.ends_with('\r')) {

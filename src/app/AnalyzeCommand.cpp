@@ -10,6 +10,7 @@
 #include "buildinput/CompilationDatabase.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Executable.h"
+#include "platform/Files.h"
 #include "platform/LockFile.h"
 #include "platform/Log.h"
 #include "platform/Paths.h"
@@ -18,7 +19,6 @@
 #include "suppress/SuppressBase.h"
 
 #include <chrono>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -116,7 +116,7 @@ private:
         if (options_.dumpFiles) {
             places.unitFolder = JoinPath(OutputFolder(), ".Orvanta");
             places.unitFiles = SettingsFile::Lifetime::Keep;
-            std::filesystem::create_directories(places.unitFolder);
+            MakeFolders(places.unitFolder);
             log_.Line("The files of the units are kept in " + places.unitFolder);
         }
         return places;

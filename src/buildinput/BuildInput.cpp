@@ -4,6 +4,7 @@
 #include "buildinput/InvocationCollector.h"
 #include "buildinput/TraceReader.h"
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
 
 #include <fstream>
@@ -16,7 +17,7 @@ NoCompilerInvocationsFound::NoCompilerInvocationsFound(Hint hint)
 void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     std::ifstream input;
     if (!IsDirectory(path)) { // some systems open a folder for reading like a file
-        input.open(path, std::ios::binary);
+        input.open(NativePath(path), std::ios::binary);
     }
     if (!input.is_open()) {
         throw ZelmException("Couldn't open file " + path);

@@ -2,6 +2,7 @@
 
 #include "buildinput/VariableName.h"
 #include "platform/Files.h"
+#include "platform/NativePath.h"
 
 #include <nlohmann/json.hpp>
 
@@ -427,7 +428,7 @@ void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, Inv
 }
 
 bool ReadCompilationDatabase(const std::string& path, InvocationCollector& collector) {
-    std::ifstream input(path, std::ios::binary);
+    std::ifstream input(NativePath(path), std::ios::binary);
     if (!input.is_open()) {
         return false;
     }

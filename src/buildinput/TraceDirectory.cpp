@@ -1,9 +1,7 @@
 #include "buildinput/TraceDirectory.h"
 
+#include "platform/Files.h"
 #include "platform/Paths.h"
-
-#include <filesystem>
-#include <system_error>
 
 namespace Orvanta {
 
@@ -33,10 +31,9 @@ std::string JoinTracePath(std::string_view base, std::string_view path) {
 
 std::string ResolveTracePath(const std::string& path) {
     if (GoesUp(path)) {
-        std::error_code error;
-        const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-        if (!error) {
-            return resolved.string();
+        std::string resolved = ResolveLinks(path);
+        if (resolved != path) {
+            return resolved;
         }
     }
     return NormalizePath(path, Rules);

@@ -125,12 +125,10 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
 }
 
 const std::string& CompilerIdentifier::SearchPath(const Environment& environment) const {
-    static const std::string pathName = "PATH";
     static const std::string none;
     for (const Environment* layer : {&settings_.environmentChanges, &environment, &OwnEnvironment()}) {
-        const auto variable = layer->find(pathName);
-        if (variable != layer->end()) {
-            return variable->second;
+        if (const std::string* const value = FindVariable(*layer, "PATH")) {
+            return *value;
         }
     }
     return none;
@@ -160,7 +158,7 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
     if (remembered != lookUps_.end()) {
         return remembered->second;
     }
-    std::string path = JoinPath(workingDirectory, program);
+    std::string path = ProgramFileOf(JoinPath(workingDirectory, program));
     if (isBareName && !IsExecutableFile(path)) {
         const std::string found = FindExecutableIn(program, *searchPath);
         if (!found.empty()) {

@@ -6,14 +6,15 @@
 
 namespace Orvanta {
 
-std::optional<std::string> EnvironmentVariable(std::string_view name) {
-    const Environment& environment = OwnEnvironment();
+const std::string* FindVariable(const Environment& environment, std::string_view name) {
     const auto found = std::find_if(environment.begin(), environment.end(),
                                     [name](const auto& variable) { return IsSameVariable(variable.first, name); });
-    if (found == environment.end()) {
-        return std::nullopt;
-    }
-    return found->second;
+    return found == environment.end() ? nullptr : &found->second;
+}
+
+std::optional<std::string> EnvironmentVariable(std::string_view name) {
+    const std::string* const value = FindVariable(OwnEnvironment(), name);
+    return value == nullptr ? std::nullopt : std::optional(*value);
 }
 
 Environment WithChanges(const Environment& changes) {

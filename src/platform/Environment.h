@@ -14,7 +14,10 @@ using Environment = std::map<std::string, std::string>;
 /// The driver's own environment, as it was when the program asked first.
 const Environment& OwnEnvironment();
 
-/// The value of a variable of the driver's own environment; its name is compared as the system compares names.
+/// The value of the variable with this name, as the system compares names; null when there is none. Not copied.
+[[nodiscard]] const std::string* FindVariable(const Environment& environment, std::string_view name);
+
+/// The value of a variable of the driver's own environment.
 std::optional<std::string> EnvironmentVariable(std::string_view name);
 
 /// The driver's own environment with `changes` laid over it: a name that is the same to the system stands once.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,30 @@ namespace Orvanta {
 
 /// Whether `path` names a folder.
 [[nodiscard]] bool IsDirectory(const std::string& path);
+
+/// Whether `path`, links followed, names a file on a disk: no folder, device or pipe.
+[[nodiscard]] bool IsRegularFile(const std::string& path);
+
+/// The size of the file at `path`; absent when there is none.
+[[nodiscard]] std::optional<std::uint64_t> FileSize(const std::string& path);
+
+/// The absolute path of what `path` names, with all links resolved; `path` itself when it names nothing.
+[[nodiscard]] std::string ResolveLinks(const std::string& path);
+
+/// Whether both paths lead to one file.
+[[nodiscard]] bool IsSameFile(const std::string& left, const std::string& right);
+
+/// Makes a folder with those on its way; one that is there is no fault.
+/// \throws ZelmException: `path`, then the system's reason
+void MakeFolders(const std::string& path);
+
+/// Copies a file, over one that is there.
+/// \throws ZelmException: `to`, then the system's reason
+void CopyContents(const std::string& from, const std::string& to);
+
+/// Puts a finished file in the place of another, in one step and with the permissions that it had.
+/// \throws ZelmException: `to`, then the system's reason
+void PutInPlaceOf(const std::string& from, const std::string& to);
 
 /// Removes a file; one that is not there is no fault.
 void RemoveFile(const std::string& path) noexcept;

@@ -24,6 +24,10 @@ public:
     /// Gives up what is held and tries to take the lock of `key` in `directory`, without waiting and without throwing.
     State Take(const std::string& directory, const std::string& key);
 
+    /// Gives up what is held and removes its file, for a lock that leaves nothing behind. Whoever waits for the lock
+    /// gets it all the same.
+    void ReleaseAndRemove() noexcept;
+
     [[nodiscard]] State CurrentState() const noexcept { return state_; }
 
     /// The name of the lock file of a key.

@@ -56,7 +56,7 @@ void Sweep(const std::string& parent) {
     std::error_code error;
     std::filesystem::directory_iterator entry(NativePath(parent), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string folder = JoinPath(parent, entry->path().filename().string());
+        const std::string folder = JoinPath(parent, PathText(entry->path().filename()));
         if (!FileNameOf(folder).starts_with(NamePrefix) || !MayBeAbandoned(folder)) {
             continue;
         }

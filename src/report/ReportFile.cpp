@@ -6,9 +6,7 @@
 #include "report/Exceptions.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -20,13 +18,6 @@ std::string ReasonOf(const Orvanta::ZelmException& error) {
     const std::string text = error.what();
     const std::size_t colon = text.rfind(": ");
     return colon == std::string::npos ? text : text.substr(colon + 2);
-}
-
-// The file behind links, so that a link stays one.
-std::string ResolveLinks(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::canonical(path, error);
-    return error ? path : resolved.string();
 }
 
 std::string SparePathOf(const std::string& path) {
@@ -69,15 +60,13 @@ void ReportFile::State::NamingReport(const Work& work) const {
 }
 
 void ReportFile::State::Create() {
-    std::error_code unknown;
-    const std::filesystem::file_status status = std::filesystem::status(givenPath, unknown);
-    const bool exists = std::filesystem::exists(status);
-    if (exists && !std::filesystem::is_regular_file(status)) {
+    const bool exists = Orvanta::PathExists(givenPath);
+    if (exists && !Orvanta::IsRegularFile(givenPath)) {
         stream.emplace(givenPath, Orvanta::OutputFile::Mode::Keep);
         stream->Append(frame.head);
         return;
     }
-    path = ResolveLinks(givenPath);
+    path = Orvanta::ResolveLinks(givenPath); // so that a link stays one
     if (exists) {
         // A file that its owner protects stays, although the folder would let us put another in its place.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
@@ -92,15 +81,11 @@ void ReportFile::State::Create() {
 // Makes the second copy from the report when there is none of the right size: at first, after a failed write that could
 // not be taken back, and when somebody else has touched it.
 void ReportFile::State::EnsureSpare() {
-    std::error_code error;
-    if (spareSize && std::filesystem::file_size(sparePath, error) == *spareSize && !error) {
+    if (spareSize && Orvanta::FileSize(sparePath) == spareSize) {
         return;
     }
     Orvanta::RemoveFile(sparePath);
-    std::filesystem::copy_file(path, sparePath, error);
-    if (error) {
-        throw Orvanta::ZelmException(sparePath + ": " + error.message());
-    }
+    Orvanta::CopyContents(path, sparePath);
     spareEnd = end;
     spareSize = end + frame.tail.size();
     lag.clear();

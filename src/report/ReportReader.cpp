@@ -12,10 +12,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <istream>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -221,8 +219,7 @@ ReportForm DetectReportForm(const std::string& path) {
     if (IsJsonDocumentName(path)) {
         return ReportForm::JsonDocument;
     }
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
+    if (!Orvanta::IsRegularFile(path)) {
         return ReportForm::JsonLines;
     }
     std::ifstream file(Orvanta::NativePath(path), std::ios::binary);

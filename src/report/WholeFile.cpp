@@ -1,12 +1,10 @@
 #include "report/WholeFile.h"
 
 #include "platform/Exceptions.h"
-#include "platform/NativePath.h"
+#include "platform/Files.h"
 #include "report/Exceptions.h"
 
 #include <cstddef>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -30,8 +28,7 @@ void NamingFile(const std::string& path, const Work& work) {
 
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
+    if (Orvanta::IsRegularFile(path)) {
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
 }
@@ -49,9 +46,7 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
 }
 
 void WholeFile::RequireReplaceable(const std::string& path) {
-    std::error_code ignored;
-    if (std::filesystem::exists(Orvanta::NativePath(path), ignored) &&
-        !std::filesystem::is_regular_file(Orvanta::NativePath(path), ignored)) {
+    if (Orvanta::PathExists(path) && !Orvanta::IsRegularFile(path)) {
         throw FilesystemException("Can't write to file: " + path + ": it is no regular file");
     }
     NamingFile(path, [&path] { ProbeExisting(path); });

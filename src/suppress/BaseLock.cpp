@@ -6,8 +6,6 @@
 #include "report/Exceptions.h"
 
 #include <chrono>
-#include <filesystem>
-#include <system_error>
 #include <thread>
 
 namespace Orvanta {
@@ -19,9 +17,9 @@ constexpr std::chrono::milliseconds LookInterval(20);
 
 // The base behind links, whether it exists yet or not.
 std::string ResolvedPath(const std::string& basePath) {
-    std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::weakly_canonical(basePath, error);
-    return error ? AbsolutePath(basePath) : resolved.string();
+    const std::string path = AbsolutePath(basePath);
+    return PathExists(path) ? ResolveLinks(path)
+                            : JoinPath(ResolveLinks(std::string(DirectoryOf(path))), FileNameOf(path));
 }
 
 } // namespace
@@ -29,7 +27,6 @@ std::string ResolvedPath(const std::string& basePath) {
 BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
     const std::string base = ResolvedPath(basePath);
     const std::string folder(DirectoryOf(base));
-    path_ = JoinPath(folder, LockFile::FileName(base));
     const auto end = std::chrono::steady_clock::now() + LongestWait;
     while (lock_.Take(folder, base) == LockFile::State::HeldByOther) {
         if (stop.IsSet()) {
@@ -43,9 +40,7 @@ BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
 }
 
 BaseLock::~BaseLock() {
-    if (lock_.CurrentState() == LockFile::State::Held) {
-        RemoveFile(path_);
-    }
+    lock_.ReleaseAndRemove();
 }
 
 } // namespace Orvanta

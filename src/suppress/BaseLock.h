@@ -20,7 +20,6 @@ public:
     BaseLock& operator=(const BaseLock&) = delete;
 
 private:
-    std::string path_; // of the lock's own file
     LockFile lock_;
 };
 

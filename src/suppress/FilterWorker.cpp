@@ -2,14 +2,11 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
-#include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "report/Exceptions.h"
 #include "report/ReportReader.h"
 #include "report/WholeFile.h"
 
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace Orvanta {
@@ -25,16 +22,8 @@ LogParserSettings SettingsFor(const std::string& reportPath) {
     return settings;
 }
 
-bool IsSameFile(const std::string& left, const std::string& right) {
-    std::error_code error;
-    return AbsolutePath(left) == AbsolutePath(right) ||
-           std::filesystem::equivalent(NativePath(left), NativePath(right), error);
-}
-
-std::string ResolveLinks(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path resolved = std::filesystem::canonical(NativePath(path), error);
-    return error ? path : resolved.string();
+bool IsSamePlace(const std::string& left, const std::string& right) {
+    return AbsolutePath(left) == AbsolutePath(right) || IsSameFile(left, right);
 }
 
 // Only a document can have other members, and only lines can be copied among lines.
@@ -50,7 +39,7 @@ ReportForm FormOfOutput(ReportForm input, const std::string& outputPath) {
 FilterWorker::FilterWorker(std::string basePath, std::string reportPath, const std::optional<std::string>& outputPath,
                            const StopFlag& stop)
     : LogParserWorker(SettingsFor(reportPath), stop), basePath_(std::move(basePath)),
-      reportPath_(std::move(reportPath)), isInPlace_(!outputPath || IsSameFile(*outputPath, reportPath_)) {
+      reportPath_(std::move(reportPath)), isInPlace_(!outputPath || IsSamePlace(*outputPath, reportPath_)) {
     if (isInPlace_) {
         reportPath_ = ResolveLinks(reportPath_);
         outputPath_ = reportPath_ + ".new";
@@ -97,14 +86,10 @@ void FilterWorker::Finish(const Counts& counts) {
 
 // One renaming: at every moment the report's name leads to the old report or to the new one.
 void FilterWorker::ReplaceReport() {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(NativePath(reportPath_), error);
-    if (!error) {
-        std::filesystem::permissions(NativePath(outputPath_), status.permissions(), error);
-    }
-    std::filesystem::rename(NativePath(outputPath_), NativePath(reportPath_), error);
-    if (error) {
-        throw FilesystemException("Can't write to file: " + reportPath_ + ": " + error.message());
+    try {
+        PutInPlaceOf(outputPath_, reportPath_);
+    } catch (const ZelmException& error) {
+        throw FilesystemException(std::string("Can't write to file: ") + error.what());
     }
 }
 

@@ -5,16 +5,21 @@
 // It understands how GCC's family is asked to preprocess, and how cl's family is.
 //
 //   version-exit N / version-hang / version-remove-self     what "--version" does
+//   version-stderr TEXT / version-show-variable NAME        what else it prints
 //   accept-only SWITCH...      fails for a switch that begins with none of these
-//   std-number N / hang-on-probe      what probing for the language standard comes to
+//   std-number N / std-number-c++ N / hang-on-probe      what probing for the language standard comes to
+//   empty-output               leaves the preprocessed text empty
 //   show-variable NAME         writes the variable into the preprocessed text
 //   stdout TEXT / stderr TEXT / touch FILE / wait-for FILE / hang / exit N
 
 #include "doubles/Script.h"
 #include "platform/Environment.h"
 #include "platform/Executable.h"
+#include "platform/Files.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
+#include "platform/ProgramArguments.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -60,10 +65,10 @@ void ReadAsCl(Call& call) {
     call.source = call.arguments.back();
 }
 
-Call ReadCall(int argc, char** argv) {
+Call ReadCall(const std::vector<std::string>& words) {
     Call call;
-    call.program = JoinPath(ProgramDirectory(), FileNameOf(argv[0]));
-    call.arguments.assign(argv + 1, argv + argc);
+    call.program = JoinPath(ProgramDirectory(), FileNameOf(words.front()));
+    call.arguments.assign(words.begin() + 1, words.end());
     if (std::find(call.arguments.begin(), call.arguments.end(), "/P") != call.arguments.end()) {
         ReadAsCl(call);
     } else {
@@ -83,6 +88,12 @@ bool IsProbe(const Call& call) {
 int PrintVersion(const Call& call) {
     std::cout << ReadText(call.program + ".version") << std::flush;
     for (const ScriptLine& step : call.script) {
+        if (step.word == "version-stderr") {
+            std::cerr << step.rest << std::endl;
+        }
+        if (step.word == "version-show-variable") {
+            std::cout << EnvironmentVariable(step.rest).value_or("(not set)") << std::endl;
+        }
         if (step.word == "version-exit") {
             return std::stoi(step.rest);
         }
@@ -110,11 +121,16 @@ void RejectUnknownSwitches(const Call& call, const std::string& acceptedSwitches
 }
 
 void Preprocess(const Call& call) {
-    std::ofstream output(call.output, std::ios::binary);
+    std::ofstream output(NativePath(call.output), std::ios::binary);
+    if (std::any_of(call.script.begin(), call.script.end(),
+                    [](const ScriptLine& step) { return step.word == "empty-output"; })) {
+        return;
+    }
     output << "// " << CommandLineText(call.arguments) << "\n# 1 \"" << call.source << "\"\n";
     std::string text = ReadText(call.source);
     for (const ScriptLine& step : call.script) {
-        if (step.word == "std-number" && IsProbe(call)) {
+        const bool isForCpp = step.word == "std-number-c++" && !call.source.ends_with(".c");
+        if (IsProbe(call) && (step.word == "std-number" || isForCpp)) {
             text = step.rest + "\n";
         } else if (step.word == "show-variable") {
             output << "// " << step.rest << '=' << EnvironmentVariable(step.rest).value_or("(not set)") << '\n';
@@ -150,7 +166,7 @@ void PlayLine(const Call& call, const ScriptLine& step) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const Call call = ReadCall(argc, argv);
+    const Call call = ReadCall(ProgramArguments(argc, argv));
     AppendLine(call.program + ".calls", CommandLineText(call.arguments));
     if (call.arguments.size() == 1 && call.arguments.front() == "--version") {
         return PrintVersion(call);
@@ -158,7 +174,7 @@ int main(int argc, char** argv) {
     for (const ScriptLine& step : call.script) {
         PlayLine(call, step);
     }
-    if (!std::filesystem::exists(call.source)) {
+    if (!PathExists(call.source)) {
         std::cerr << "fake-compiler: no such file: " << call.source << std::endl;
         return EXIT_FAILURE;
     }

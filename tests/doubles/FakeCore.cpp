@@ -16,7 +16,9 @@
 #include "platform/Environment.h"
 #include "platform/Executable.h"
 #include "platform/Hash.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
+#include "platform/ProgramArguments.h"
 
 #include <nlohmann/json.hpp>
 
@@ -92,13 +94,13 @@ void Record(const Unit& unit, const std::vector<std::string>& arguments) {
     }
     nlohmann::ordered_json record;
     record["arguments"] = arguments;
-    record["directory"] = std::filesystem::current_path().string();
+    record["directory"] = CurrentDirectory();
     record["settings"] = unit.settingsText;
     record["preprocessed"] = ReadText(Value(unit, "i-file"));
     const auto now = std::chrono::system_clock::now().time_since_epoch().count();
     const std::string name = std::to_string(now) + '-' + std::to_string(std::random_device()());
-    const std::filesystem::path path = std::filesystem::path(unit.recordFolder) / (name + ".json");
-    const std::filesystem::path draft = std::filesystem::path(unit.recordFolder) / (name + ".draft");
+    const std::filesystem::path path = NativePath(JoinPath(unit.recordFolder, name + ".json"));
+    const std::filesystem::path draft = NativePath(JoinPath(unit.recordFolder, name + ".draft"));
     using Json = nlohmann::ordered_json;
     std::ofstream(draft, std::ios::binary) << record.dump(1, ' ', false, Json::error_handler_t::replace);
     std::filesystem::rename(draft, path);
@@ -125,7 +127,7 @@ std::string FindingLine(const Unit& unit, const std::string& file, std::string r
 }
 
 void AppendText(const Unit& unit, const std::string& text) {
-    std::ofstream file(Value(unit, "output-file"), std::ios::binary | std::ios::app);
+    std::ofstream file(NativePath(Value(unit, "output-file")), std::ios::binary | std::ios::app);
     if (!(file << text << std::flush)) {
         Fail("can't write to " + Value(unit, "output-file"));
     }
@@ -138,7 +140,7 @@ std::string UnitName(const Unit& unit) {
 void SpawnHangingChild(const Unit& unit, const std::string& program) {
     const std::string key = "child-of-" + UnitName(unit);
     StartSibling({program, "--hang", unit.recordFolder, key});
-    WaitForFile((std::filesystem::path(unit.recordFolder) / (key + ".hangs")).string());
+    WaitForFile(JoinPath(unit.recordFolder, key + ".hangs"));
 }
 
 bool PlayOutputLine(const Unit& unit, const ScriptLine& step) {
@@ -203,7 +205,7 @@ void Play(const Unit& unit, const std::string& program) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> arguments(argv, argv + argc);
+    const std::vector<std::string> arguments = ProgramArguments(argc, argv);
     if (arguments.size() == 4 && arguments[1] == "--hang") {
         Hang(arguments[2], arguments[3]);
     }

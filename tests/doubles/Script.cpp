@@ -1,10 +1,12 @@
 #include "doubles/Script.h"
 
+#include "platform/Files.h"
 #include "platform/LockFile.h"
+#include "platform/NativePath.h"
+#include "platform/Paths.h"
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -22,7 +24,7 @@ constexpr auto LongestHang = std::chrono::seconds(60);
 
 std::vector<ScriptLine> ReadScript(const std::string& path) {
     std::vector<ScriptLine> lines;
-    std::ifstream input(path, std::ios::binary);
+    std::ifstream input(NativePath(path), std::ios::binary);
     for (std::string line; std::getline(input, line);) {
         if (line.empty() || line.front() == '#') {
             continue;
@@ -41,18 +43,23 @@ std::string TakeWord(std::string& rest) {
 }
 
 std::string ReadText(const std::string& path) {
-    std::ifstream input(path, std::ios::binary);
+    std::ifstream input(NativePath(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
 }
 
 void AppendLine(const std::string& path, std::string_view line) {
     std::string text(line);
     text += '\n';
-    std::ofstream(path, std::ios::binary | std::ios::app).write(text.data(), static_cast<std::streamsize>(text.size()));
+    LockFile writer; // not every system appends what several programs write in one piece
+    while (writer.Take(std::string(DirectoryOf(path)), path) == LockFile::State::HeldByOther) {
+        std::this_thread::yield();
+    }
+    std::ofstream(NativePath(path), std::ios::binary | std::ios::app)
+        .write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 void TouchFile(const std::string& path) {
-    const std::ofstream file(path, std::ios::app);
+    const std::ofstream file(NativePath(path), std::ios::app);
     if (!file) {
         std::cerr << "can't touch " << path << std::endl;
         std::exit(GaveUp);
@@ -61,7 +68,7 @@ void TouchFile(const std::string& path) {
 
 void WaitForFile(const std::string& path) {
     const auto end = std::chrono::steady_clock::now() + LongestWait;
-    while (!std::filesystem::exists(path)) {
+    while (!PathExists(path)) {
         if (std::chrono::steady_clock::now() > end) {
             std::cerr << "gave up waiting for " << path << std::endl;
             std::exit(GaveUp);
@@ -76,7 +83,7 @@ void Hang(const std::string& directory, const std::string& key) {
         std::cerr << "can't take the lock of " << key << " in " << directory << std::endl;
         std::exit(GaveUp);
     }
-    TouchFile((std::filesystem::path(directory) / (key + ".hangs")).string());
+    TouchFile(JoinPath(directory, key + ".hangs"));
     const auto end = std::chrono::steady_clock::now() + LongestHang;
     while (std::filesystem::exists(directory) && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

@@ -2,6 +2,8 @@
 
 #include "e2e/support/SandboxTest.h"
 
+#include <nlohmann/json.hpp>
+
 #include <iterator>
 #include <numeric>
 #include <regex>
@@ -74,15 +76,19 @@ TEST_F(DatabaseTest, FaultInALaterEntryAnalyzesNothing) {
     EXPECT_TRUE(sandbox.CoreCalls().empty()) << result;
 }
 
+/// A text as a string of JSON.
+std::string Quoted(const std::string& text) {
+    return nlohmann::json(text).dump();
+}
+
 TEST_F(DatabaseTest, BothFormsOfAnEntryMeanTheSame) {
     const std::string compiler = sandbox.AddCompiler("fake-gcc", "gcc 12\n");
     sandbox.Write("sub/a b.c", "int a;\n");
-    sandbox.Write("compile_commands.json", R"([{"directory": ")" + sandbox.Path("sub") +
-                                               R"(", "file": "ignored.c", "command": ")" + compiler +
-                                               R"( -std=c11 -DNAME=\"x y\" -c 'a b.c'"},
-                         {"directory": ")" + sandbox.Path("sub") +
-                                               R"(", "command": "never read", "arguments": [")" + compiler +
-                                               R"(", "-std=c11", "-DNAME=x y", "-c", "a b.c"]}])");
+    const std::string entryStart = R"({"directory": )" + Quoted(sandbox.Path("sub"));
+    sandbox.Write("compile_commands.json", "[" + entryStart + R"(, "file": "ignored.c", "command": )" +
+                                               Quoted(compiler + R"( -std=c11 -DNAME="x y" -c "a b.c")") + "}, " +
+                                               entryStart + R"(, "command": "never read", "arguments": [)" +
+                                               Quoted(compiler) + R"(, "-std=c11", "-DNAME=x y", "-c", "a b.c"]}])");
     const RunResult result = sandbox.Analyze({"-j", "1"});
     EXPECT_EQ(result.exitCode, 0) << result;
     const std::vector<CoreCall> calls = sandbox.CoreCalls();
@@ -97,8 +103,9 @@ TEST_F(DatabaseTest, BothFormsOfAnEntryMeanTheSame) {
 TEST_F(DatabaseTest, RelativeFolderBelongsToTheDatabase) {
     sandbox.AddUnit("unused.c");
     sandbox.Write("out/sub/a.c", "int a;\n");
-    sandbox.Write("out/compile_commands.json", R"([{"directory": "sub", "arguments": [")" +
-                                                   sandbox.Path("tools/fake-gcc") + R"(", "-std=c11", "-c", "a.c"]}])");
+    sandbox.Write("out/compile_commands.json", R"([{"directory": "sub", "arguments": [)" +
+                                                   Quoted(sandbox.Path("tools/fake-gcc")) +
+                                                   R"(, "-std=c11", "-c", "a.c"]}])");
     const RunResult result = sandbox.Analyze({"-f", "out/compile_commands.json", "-o", "report.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
     ASSERT_EQ(sandbox.CoreCalls().size(), 1U) << result;

@@ -23,7 +23,9 @@ TEST_F(FaultsTest, VanishedFolderFailsItsUnitAlone) {
 
 TEST_F(FaultsTest, UnusableTemporaryFolderIsNamed) {
     sandbox.AddUnit("a.c");
-    sandbox.SetVariable("TMPDIR", sandbox.Path("no-such-folder"));
+    for (const char* const name : {"TMPDIR", "TMP", "TEMP"}) {
+        sandbox.SetVariable(name, sandbox.Path("no-such-folder"));
+    }
     const RunResult result = sandbox.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("Error: ")) << result;

@@ -242,7 +242,7 @@ TEST_F(OptionsTest, OneFileIsAnalyzedWithoutABuildInput) {
     sandbox.AddCompiler("cc", "gcc 12\n");
     sandbox.Write("a b.c", "int a;\n");
     sandbox.SetVariable("PATH", sandbox.Path("tools"));
-    const RunResult result = sandbox.Analyze({"--source-file", "a b.c", "--cl-params", "-std=c11 -D'X=1 2'"});
+    const RunResult result = sandbox.Analyze({"--source-file", "a b.c", "--cl-params", "-std=c11 \"-DX=1 2\""});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(OnlyCall().Setting("source-file"), "a b.c");
     EXPECT_EQ(OnlyCall().Setting("std"), "c11");

@@ -141,7 +141,7 @@ TEST_F(ReportTest, UnwritableReportIsAnErrorBeforeTheFirstUnit) {
         const RunResult result = sandbox.Analyze({"-o", name});
         EXPECT_EQ(result.exitCode, 1) << result;
         EXPECT_TRUE(result.Says("Error: ")) << result;
-        EXPECT_TRUE(result.Says(name)) << result;
+        EXPECT_TRUE(result.Says(sandbox.Path(name))) << result;
     }
     EXPECT_TRUE(sandbox.CoreCalls().empty());
     EXPECT_TRUE(sandbox.Leftovers().empty());

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "platform/NativePath.h"
+#include "platform/Paths.h"
+#include "support/HostPath.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -37,36 +41,34 @@ public:
     TestFolder& operator=(const TestFolder&) = delete;
 
     /// Absolute, without links and without a separator at its end.
-    [[nodiscard]] std::string Path() const { return path_.string(); }
+    [[nodiscard]] std::string Path() const { return PathText(path_); }
 
     /// The absolute path of `name` in this folder, whether it exists or not.
-    [[nodiscard]] std::string operator/(std::string_view name) const {
-        return (path_ / name).make_preferred().string();
-    }
+    [[nodiscard]] std::string operator/(std::string_view name) const { return HostPath(JoinPath(Path(), name)); }
 
     /// Writes a file, making the folders on its way, and returns its absolute path.
     std::string Write(std::string_view name, std::string_view text) const { // NOLINT(modernize-use-nodiscard)
-        const std::filesystem::path file = (path_ / name).make_preferred();
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream stream(file, std::ios::binary);
+        std::string path = *this / name;
+        std::filesystem::create_directories(NativePath(path).parent_path());
+        std::ofstream stream(NativePath(path), std::ios::binary);
         stream << text << std::flush;
         if (!stream) {
-            throw std::runtime_error("the test can't write " + file.string());
+            throw std::runtime_error("the test can't write " + path);
         }
-        return file.string();
+        return path;
     }
 
     /// Makes a folder with those on its way and returns its absolute path.
     std::string MakeFolder(std::string_view name) const { // NOLINT(modernize-use-nodiscard)
-        std::filesystem::create_directories(path_ / name);
+        std::filesystem::create_directories(NativePath(*this / name));
         return *this / name;
     }
 
     /// The bytes of a file.
     [[nodiscard]] std::string Read(std::string_view name) const {
-        std::ifstream stream(path_ / name, std::ios::binary);
+        std::ifstream stream(NativePath(*this / name), std::ios::binary);
         if (!stream) {
-            throw std::runtime_error("the test can't read " + (path_ / name).string());
+            throw std::runtime_error("the test can't read " + (*this / name));
         }
         return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     }

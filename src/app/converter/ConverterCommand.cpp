@@ -13,11 +13,9 @@
 #include <args.hxx>
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -99,8 +97,7 @@ void RequireFolder(const std::string& folder) {
 
 void RequireNoReport(const std::string& path, const std::vector<std::string>& reports) {
     for (const std::string& report : reports) {
-        std::error_code error;
-        if (std::filesystem::equivalent(path, report, error) && std::filesystem::is_regular_file(path, error)) {
+        if (Orvanta::IsSameFile(path, report) && Orvanta::IsRegularFile(path)) {
             throw ConfigException("The output would replace the report it is made from: " + report);
         }
     }

@@ -41,6 +41,10 @@ std::string FindExecutableIn(const std::string& program, const std::string& sear
     return FindAlong(program, searchPath, {});
 }
 
+std::string ProgramFileOf(const std::string& path) {
+    return path;
+}
+
 bool IsExecutableFile(const std::string& path) {
     struct stat status {};
 

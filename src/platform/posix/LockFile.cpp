@@ -33,6 +33,7 @@ bool IsRemoved(int descriptor) {
 } // namespace
 
 struct LockFile::Handle {
+    std::string path;
     Descriptor file;
 };
 
@@ -62,10 +63,18 @@ LockFile::State LockFile::Take(const std::string& directory, const std::string& 
         }
         // Its last holder may have removed it between the two calls: then the lock is worth nothing.
         if (!IsRemoved(file.Number())) {
-            handle_ = std::make_unique<Handle>(Handle{std::move(file)});
+            handle_ = std::make_unique<Handle>(Handle{path, std::move(file)});
             return state_ = State::Held;
         }
     }
+}
+
+void LockFile::ReleaseAndRemove() noexcept {
+    if (handle_ != nullptr) {
+        ::unlink(handle_->path.c_str()); // first: once given up, it may be another's
+        handle_.reset();
+    }
+    state_ = State::None;
 }
 
 } // namespace Orvanta

@@ -20,14 +20,7 @@ std::string LinkTarget(const std::string& path) {
     if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
         return path;
     }
-    const Handle file(::CreateFileW(wide.c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-    if (!file.IsOpen()) {
-        FailFile(path, ::GetLastError());
-    }
-    std::wstring target(::GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
-    target.resize(::GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0));
-    return FromWide(target);
+    return ResolveLinks(path);
 }
 
 // While its writer lives, a file for writing can be opened for nothing but a rename: whoever gets more of it knows

@@ -94,6 +94,12 @@ std::string FindExecutableIn(const std::string& program, const std::string& sear
     return Walk({program, OwnExtensions(), {}, &PathExists}, searchPath);
 }
 
+std::string ProgramFileOf(const std::string& path) {
+    const std::string normal = NormalizePath(path); // one program, however its separators are written
+    std::string file = WithExtension(normal, OwnExtensions());
+    return file.empty() ? normal : file;
+}
+
 bool IsExecutableFile(const std::string& path) {
     return !WithExtension(path, OwnExtensions()).empty();
 }

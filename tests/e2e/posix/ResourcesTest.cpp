@@ -107,6 +107,19 @@ TEST_F(ResourcesTest, ReportGoesThroughAPipe) {
     EXPECT_EQ(Report("copy.json").size(), 2U);
 }
 
+// Only this system has such names.
+TEST_F(ResourcesTest, ValueThatTheSettingsFormatCannotHoldFailsItsUnit) {
+    sandbox.AddUnit("a.c");
+    sandbox.AddUnit("line\nbreak.c");
+    sandbox.AddUnit("b.c");
+    const RunResult result = sandbox.Analyze({"-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(result.Says(sandbox.Path("line\nbreak.c") + ": The settings format can't hold the value")) << result;
+    EXPECT_TRUE(result.Says("line break")) << result;
+    EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("a.c"), sandbox.Path("b.c")})) << result;
+    EXPECT_TRUE(sandbox.Leftovers().empty());
+}
+
 } // namespace
 
 } // namespace Orvanta

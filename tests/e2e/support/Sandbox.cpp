@@ -1,7 +1,11 @@
 #include "e2e/support/Sandbox.h"
 
+#include "platform/Files.h"
 #include "platform/LockFile.h"
+#include "platform/NativePath.h"
+#include "platform/Paths.h"
 #include "platform/StopFlag.h"
+#include "support/HostPath.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -33,7 +37,7 @@ std::string NewRoot() {
     const fs::path root =
         fs::temp_directory_path() / ("orvanta-" + name + '-' + std::to_string(std::random_device()()));
     fs::create_directories(root);
-    return fs::canonical(root).string();
+    return PathText(fs::canonical(root));
 }
 
 CoreCall ReadCoreCall(const fs::path& path) {
@@ -105,12 +109,15 @@ RunResult RunningDriver::Wait() {
         ADD_FAILURE() << "the driver did not end" << result_;
     }
     result_.exitCode = end.exitCode;
+    // What the driver passes on ends its lines as programs of the system do.
+    std::erase(result_.output, '\r');
+    std::erase(result_.errors, '\r');
     return result_;
 }
 
 Sandbox::Sandbox() : root_(NewRoot()) {
-    fs::create_directories(Path(RecordFolder));
-    fs::create_directories(Path(TemporaryFolderName));
+    fs::create_directories(NativePath(Path(RecordFolder)));
+    fs::create_directories(NativePath(Path(TemporaryFolderName)));
 }
 
 Sandbox::~Sandbox() {
@@ -119,40 +126,44 @@ Sandbox::~Sandbox() {
         return;
     }
     std::error_code ignored;
-    fs::remove_all(root_, ignored);
+    fs::remove_all(NativePath(root_), ignored);
 }
 
 std::string Sandbox::Path(std::string_view relative) const {
-    return relative.empty() ? root_ : (fs::path(root_) / relative).string();
+    return relative.empty() ? root_ : HostPath(JoinPath(root_, relative));
 }
 
 void Sandbox::Write(std::string_view relative, std::string_view text) const {
-    const fs::path path = Path(relative);
+    const fs::path path = NativePath(Path(relative));
     fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << text;
 }
 
 std::string Sandbox::Read(std::string_view relative) const {
-    std::ifstream file(Path(relative), std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << "no file " << relative;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    try {
+        return ReadWholeFile(Path(relative));
+    } catch (const ZelmException& error) {
+        ADD_FAILURE() << "can't read " << error.what();
+        return {};
+    }
 }
 
 bool Sandbox::Exists(std::string_view relative) const {
-    return fs::exists(Path(relative));
+    return PathExists(Path(relative));
 }
 
 std::string Sandbox::AddCompiler(const std::string& name, std::string_view versionText, std::string_view script) const {
     const std::string relative = "tools/" + name;
-    fs::create_directories(fs::path(Path(relative)).parent_path());
-    fs::copy_file(ORVANTA_FAKE_COMPILER, Path(relative), fs::copy_options::overwrite_existing);
+    const fs::path path = NativePath(Path(relative));
+    fs::create_directories(path.parent_path());
+    fs::copy_file(NativePath(ORVANTA_FAKE_COMPILER), path, fs::copy_options::overwrite_existing);
     Write(relative + ".version", versionText);
     Write(relative + ".script", script);
     return Path(relative);
 }
 
 std::size_t Sandbox::CompilerCalls(const std::string& name, std::string_view text) const {
-    std::ifstream file(Path("tools/" + name + ".calls"));
+    std::ifstream file(NativePath(Path("tools/" + name + ".calls")));
     std::size_t count = 0;
     for (std::string line; std::getline(file, line);) {
         count += line.find(text) != std::string::npos ? 1U : 0U;
@@ -233,7 +244,7 @@ Environment Sandbox::DriverEnvironment() const {
 
 std::vector<CoreCall> Sandbox::CoreCalls() const {
     std::vector<CoreCall> calls;
-    for (const fs::directory_entry& file : fs::directory_iterator(Path(RecordFolder))) {
+    for (const fs::directory_entry& file : fs::directory_iterator(NativePath(Path(RecordFolder)))) {
         if (file.path().extension() == ".json") {
             calls.push_back(ReadCoreCall(file.path()));
         }
@@ -253,14 +264,14 @@ std::vector<std::string> Sandbox::AnalyzedSources() const {
 }
 
 void Sandbox::ForgetCoreCalls() const {
-    fs::remove_all(Path(RecordFolder));
-    fs::create_directories(Path(RecordFolder));
+    fs::remove_all(NativePath(Path(RecordFolder)));
+    fs::create_directories(NativePath(Path(RecordFolder)));
 }
 
 std::vector<std::string> Sandbox::Leftovers() const {
     std::vector<std::string> names;
-    for (const fs::directory_entry& file : fs::directory_iterator(Path(TemporaryFolderName))) {
-        const std::string name = file.path().filename().string();
+    for (const fs::directory_entry& file : fs::directory_iterator(NativePath(Path(TemporaryFolderName)))) {
+        const std::string name = PathText(file.path().filename());
         if (!name.starts_with(".orvlock-")) {
             names.push_back(name);
         }

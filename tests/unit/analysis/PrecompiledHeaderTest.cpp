@@ -13,14 +13,15 @@ TEST(FindPrecompiledForm, PrefersTheFormForCppAndTellsWhereItLooked) {
     Log log(Log::Verbosity::Verbose);
     EXPECT_EQ(FindPrecompiledForm(header, log), std::nullopt);
 
-    const std::string forC = folder.Write("pch.h.gch/c", "");
+    const std::string forC = header + ".gch/c";
+    folder.Write("pch.h.gch/c", "");
     testing::internal::CaptureStdout();
     EXPECT_EQ(FindPrecompiledForm(header, log), forC);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "  Source file at path: '" + header + ".gch/c++' exists=false\n" +
                                                           "  Source file at path: '" + forC + "' exists=true\n");
 
-    const std::string forCpp = folder.Write("pch.h.gch/c++", "");
-    EXPECT_EQ(FindPrecompiledForm(header, log), forCpp);
+    folder.Write("pch.h.gch/c++", "");
+    EXPECT_EQ(FindPrecompiledForm(header, log), header + ".gch/c++");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "analysis/RunSummary.h"
 
 #include "analysis/AnalyzerRunner.h"
+#include "support/HostPath.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,7 @@ namespace {
 
 CompileCommand UnitOf(std::size_t invocation, const std::string& source) {
     CompileCommand command;
-    command.absoluteDirectory = std::make_shared<std::string>("/p");
+    command.absoluteDirectory = std::make_shared<std::string>(HostPath("/p"));
     const std::vector<std::string> words = {"gcc", source};
     command.arguments = ArgumentList(words);
     command.source = {1, 0};
@@ -68,8 +69,10 @@ TEST(RunSummary, ShowsTimeCountsFindingsAndReport) {
 TEST(RunSummary, NamesEveryFailureWithItsReason) {
     EXPECT_EQ(FailureList(SomeCommands(), SomeOutcome()), "These could not be analyzed:\n"
                                                           "  invocation 6 (foo): compiler \"foo\" was not found\n"
-                                                          "  /p/d.c: Command \"core\" returned code 3.\n"
-                                                          "    it broke\n");
+                                                          "  " +
+                                                              HostPath("/p/d.c") +
+                                                              ": Command \"core\" returned code 3.\n"
+                                                              "    it broke\n");
     EXPECT_EQ(FailureList({}, {}), "");
 }
 

@@ -51,13 +51,15 @@ TEST(LastNumber, IsReadFromTheEnd) {
     EXPECT_EQ(LastNumber("99999999999999999999999"), std::nullopt);
 }
 
-/// A compiler made of a shell script that counts its calls.
+/// A copy of the fake compiler, which notes its calls.
 class ScriptedCompiler {
 public:
-    explicit ScriptedCompiler(const std::string& body) {
+    explicit ScriptedCompiler(const std::string& script) {
         command_.compilerType = CompilerType::Gcc;
-        command_.compilerPath = folder_.Write("compiler", "#!/bin/sh\necho call >> calls\n" + body + "\n");
-        std::filesystem::permissions(command_.compilerPath, std::filesystem::perms::owner_all);
+        command_.compilerPath = folder_.Write("compiler", "");
+        std::filesystem::copy_file(ORVANTA_FAKE_COMPILER, command_.compilerPath,
+                                   std::filesystem::copy_options::overwrite_existing);
+        folder_.Write("compiler.script", script);
         folder_.MakeFolder("probe");
     }
 
@@ -68,7 +70,7 @@ public:
     }
 
     [[nodiscard]] std::size_t Calls() const {
-        const std::string calls = folder_.Read("calls");
+        const std::string calls = folder_.Read("compiler.calls");
         return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), '\n'));
     }
 
@@ -83,13 +85,7 @@ private:
     StandardProbe probe_{folder_ / "probe", stop_};
 };
 
-// The output path stands before the source, which is the last argument.
-constexpr const char* AnswersByLanguage = R"(
-while [ $# -gt 2 ]; do shift; done
-case "$2" in
-*.c) echo 201112L > "$1" ;;
-*) echo 201402L > "$1" ;;
-esac)";
+constexpr const char* AnswersByLanguage = "std-number 201112L\nstd-number-c++ 201402L\n";
 
 TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
     ScriptedCompiler compiler(AnswersByLanguage);
@@ -123,10 +119,10 @@ TEST(StandardProbe, LetsThreadsShareOneAnswer) {
 }
 
 TEST(StandardProbe, FallsBackWhenTheCompilerFailsOrSaysNothing) {
-    ScriptedCompiler failing("exit 3");
+    ScriptedCompiler failing("exit 3\n");
     EXPECT_EQ(failing.Probe(Language::C), "c99");
     EXPECT_EQ(failing.Probe(Language::Cpp), "c++14");
-    ScriptedCompiler silent("while [ $# -gt 2 ]; do shift; done; echo nothing > \"$1\"");
+    ScriptedCompiler silent("empty-output\n");
     EXPECT_EQ(silent.Probe(Language::Cpp), "c++14");
     EXPECT_TRUE(silent.LeftNothing());
 }

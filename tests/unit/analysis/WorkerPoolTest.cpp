@@ -1,9 +1,10 @@
 #include "analysis/WorkerPool.h"
 
+#include "support/Meeting.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <latch>
 #include <stdexcept>
 
 namespace Orvanta {
@@ -22,27 +23,27 @@ TEST(WorkerPool, RunsEveryTaskOnce) {
 
 TEST(WorkerPool, RunsAsManyTasksAtOnceAsItHasThreads) {
     constexpr unsigned Threads = 3;
-    std::latch allRunning(Threads); // opens only when every thread is inside a task
+    Meeting allRunning(Threads); // ends only when every thread is inside a task
     WorkerPool pool(Threads);
     for (unsigned i = 0; i < Threads; ++i) {
-        pool.push_task([&allRunning] { allRunning.arrive_and_wait(); });
+        pool.push_task([&allRunning] { allRunning.Come(); });
     }
     pool.WaitForTasks();
 }
 
 TEST(WorkerPool, HasNoRoomWhileItsBacklogIsFull) {
-    std::latch release(1);
-    std::latch started(1);
+    Meeting start(2);
+    Meeting end(2);
     WorkerPool pool(1);
     pool.push_task([&] {
-        started.count_down();
-        release.wait();
+        start.Come();
+        end.Come();
     });
-    started.wait();
+    start.Come();
     EXPECT_TRUE(pool.WaitForRoom(std::chrono::milliseconds(0)));
     pool.push_task([] {});
     EXPECT_FALSE(pool.WaitForRoom(std::chrono::milliseconds(0)));
-    release.count_down();
+    end.Come();
     pool.WaitForTasks();
     EXPECT_TRUE(pool.WaitForRoom(std::chrono::milliseconds(0)));
 }

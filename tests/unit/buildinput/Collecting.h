@@ -20,11 +20,12 @@ struct Collecting {
     InvocationCollector collector{settings, registry, identifier, log};
 };
 
-/// Puts a program into the folder. Its name tells its family, or it is never asked: what it holds does not matter.
+/// Puts a program into the folder. Its name tells its family, or it is never asked: what it holds does not matter. The
+/// path has "/" alone, which every system takes and JSON texts can hold as it is.
 inline std::string MakeProgram(const TestFolder& folder, std::string_view name, std::string_view text = "") {
-    std::string path = folder.Write(name, text);
+    const std::filesystem::path path = folder.Write(name, text);
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    return path;
+    return path.generic_string();
 }
 
 } // namespace Orvanta

@@ -50,9 +50,7 @@ std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
 /// Reads databases whose compiler is always "clang" of this folder and compiles something.
 class Reader {
 public:
-    Reader() { (void)MakeProgram(folder_, "clang"); }
-
-    [[nodiscard]] std::string Clang() const { return folder_ / "clang"; }
+    [[nodiscard]] const std::string& Clang() const { return clang_; }
 
     [[nodiscard]] Outcome Read(const std::string& text) const {
         Collecting collecting;
@@ -72,6 +70,7 @@ public:
 
 private:
     TestFolder folder_;
+    std::string clang_ = MakeProgram(folder_, "clang");
 };
 
 bool IsVariableName(const std::string& name) {

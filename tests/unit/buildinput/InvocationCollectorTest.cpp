@@ -59,7 +59,7 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
         {{"%/clang", "--version"},             NotACompilation,  "%/clang --version", ""                               },
     };
     const auto inFolder = [this](std::string text) {
-        return text.starts_with('%') ? folder_.Path() + text.substr(1) : text;
+        return text.starts_with("%/") ? folder_ / text.substr(2) : text;
     };
     for (const ExpectedFate& row : rows) {
         Words arguments;

@@ -11,7 +11,8 @@ namespace Orvanta {
 namespace {
 
 TEST(SourceList, NamesOnePathALine) {
-    const std::vector<std::string> expected = {AbsolutePath("a b.c"), AbsolutePath("#c.c"), "/x/y.c", "/x/y.c"};
+    const std::vector<std::string> expected = {AbsolutePath("a b.c"), AbsolutePath("#c.c"), AbsolutePath("/x/y.c"),
+                                               AbsolutePath("/x/y.c")};
     EXPECT_EQ(ParseSourceList("\xEF\xBB\xBF\n  a b.c \t\r\n\r\n#c.c\n/x/./z/../y.c\n\n/x//y.c"), expected);
     EXPECT_TRUE(ParseSourceList(" \n\t\r\n").empty());
 }

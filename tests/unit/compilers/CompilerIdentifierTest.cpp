@@ -1,15 +1,12 @@
 #include "compilers/CompilerIdentifier.h"
 
-#include "platform/Executable.h"
+#include "support/HostPath.h"
 #include "support/TestFolder.h"
 #include "unit/compilers/Reading.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -89,19 +86,25 @@ INSTANTIATE_TEST_SUITE_P(Cases, VersionRules, testing::ValuesIn(VersionCases), C
 
 namespace {
 
+// Text as a program means it: on Windows it writes line ends of two bytes.
+std::string WithoutReturns(std::string text) {
+    std::erase(text, '\r');
+    return text;
+}
+
 class IdentifierTest : public testing::Test {
 protected:
-    // A program that notes each of its starts in "calls" beside it.
-    std::string MakeCompiler(const std::string& name, const std::string& body) {
-        const std::string path =
-            folder.Write(name, "#!/bin/sh\necho \"$0 $*\" >> '" + (folder / "calls") + "'\n" + body + "\n");
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    // A copy of the fake compiler, which notes each of its calls beside itself.
+    std::string MakeCompiler(const std::string& name, const std::string& version, const std::string& script = "") {
+        const std::string path = folder.Write(name, "");
+        std::filesystem::copy_file(ORVANTA_FAKE_COMPILER, path, std::filesystem::copy_options::overwrite_existing);
+        folder.Write(name + ".version", version);
+        folder.Write(name + ".script", script);
         return path;
     }
 
-    std::size_t Calls() const {
-        const std::string calls = std::filesystem::exists(folder / "calls") ? folder.Read("calls") : "";
-        return static_cast<std::size_t>(std::count(calls.begin(), calls.end(), '\n'));
+    std::string Calls(const std::string& name) const {
+        return std::filesystem::exists(folder / (name + ".calls")) ? folder.Read(name + ".calls") : "";
     }
 
     CompilerIdentifier::Result Identify(std::string_view command, const Environment& environment = {},
@@ -123,20 +126,8 @@ protected:
 
 } // namespace
 
-TEST_F(IdentifierTest, TellsTheInstalledCompilers) {
-    const CompilerIdentifier::Result gcc = Identify("gcc -c a.c");
-    EXPECT_EQ(gcc.verdict, IdentificationVerdict::Known);
-    EXPECT_EQ(gcc.compiler->type, CompilerType::Gcc);
-    EXPECT_EQ(gcc.compiler->path, FindExecutable("gcc"));
-    EXPECT_NE(gcc.compiler->version.find("Free Software Foundation"), std::string::npos);
-
-    const CompilerIdentifier::Result clang = Identify("clang++ -c a.cpp");
-    EXPECT_EQ(clang.compiler->type, CompilerType::Clang);
-    EXPECT_EQ(clang.compiler->version, "");
-}
-
 TEST_F(IdentifierTest, AsksACompilerOnceHoweverItIsNamed) {
-    const std::string path = MakeCompiler("bin/mycc", "echo 'clang version 99'");
+    const std::string path = MakeCompiler("bin/mycc", "clang version 99\n");
     const CompilerIdentifier::Result first = Identify(path + " -c a.c");
     const CompilerIdentifier::Result again = Identify(path + " -c b.c");
     const CompilerIdentifier::Result relative = Identify("bin/mycc -c c.c");
@@ -147,12 +138,12 @@ TEST_F(IdentifierTest, AsksACompilerOnceHoweverItIsNamed) {
     EXPECT_EQ(again.compiler, first.compiler);
     EXPECT_EQ(relative.compiler, first.compiler);
     EXPECT_EQ(searched.compiler, first.compiler);
-    EXPECT_EQ(folder.Read("calls"), path + " --version\n");
+    EXPECT_EQ(Calls("bin/mycc"), "--version\n");
 }
 
 TEST_F(IdentifierTest, LooksInTheWorkingDirectoryBeforeTheSearchPath) {
-    const std::string here = MakeCompiler("mycc", "echo here");
-    (void)MakeCompiler("bin/mycc", "echo there");
+    const std::string here = MakeCompiler("mycc", "here\n");
+    (void)MakeCompiler("bin/mycc", "there\n");
     EXPECT_EQ(Identify("mycc -c a.c",
                        {
                            {"PATH", folder / "bin"}
@@ -162,10 +153,10 @@ TEST_F(IdentifierTest, LooksInTheWorkingDirectoryBeforeTheSearchPath) {
 }
 
 TEST_F(IdentifierTest, TakesTheSearchPathOfTheRunBeforeThatOfTheInvocation) {
-    (void)MakeCompiler("one/mycc", "echo one");
-    const std::string two = MakeCompiler("two/mycc", "echo two");
+    (void)MakeCompiler("one/mycc", "one\n");
+    const std::string two = MakeCompiler("two/mycc", "two\n");
     settings.environmentChanges = {
-        {"PATH", (folder / "two") + ":/usr/bin:/bin"}
+        {"PATH", folder / "two"}
     };
     EXPECT_EQ(Identify("mycc -c a.c",
                        {
@@ -177,27 +168,26 @@ TEST_F(IdentifierTest, TakesTheSearchPathOfTheRunBeforeThatOfTheInvocation) {
 
 TEST_F(IdentifierTest, ReadsTheAnswerOfAFailedQueryFromBothOutputs) {
     log.OpenFile(folder / "log.txt");
-    const std::string path = MakeCompiler("mycc", "echo 'IAR Compiler'; echo 'V7.1' >&2; exit 3");
+    const std::string path = MakeCompiler("mycc", "IAR Compiler\n", "version-stderr V7.1\nversion-exit 3\n");
     const CompilerIdentifier::Result result = Identify(path + " -c a.c");
     EXPECT_EQ(result.compiler->type, CompilerType::IARArm_v7_OrOlder);
-    EXPECT_EQ(result.compiler->version, "IAR Compiler\nV7.1\n");
-    EXPECT_EQ(LogText(), "Compiler at path: '" + path + "' exists=true\n" +
-                             "Compiler version output command returned code 3.\nCommand: " + path +
-                             " --version\nOutput:\nIAR Compiler\nV7.1\n\n");
+    const std::string version = WithoutReturns(result.compiler->version);
+    EXPECT_EQ(version, "IAR Compiler\nV7.1\n");
+    EXPECT_EQ(WithoutReturns(LogText()), "Compiler at path: '" + path + "' exists=true\n" +
+                                             "Compiler version output command returned code 3.\nCommand: " + path +
+                                             " --version\nOutput:\n" + version + "\n");
 }
 
 TEST_F(IdentifierTest, RunsTheQueryInTheInvocationsEnvironmentWithTheRunsChanges) {
     settings.environmentChanges = {
         {"SECOND", "run"}
     };
-    const std::string path = MakeCompiler("mycc", "echo \"$FIRST $SECOND ${HOME:+own}\"");
-    const CompilerIdentifier::Result result =
-        Identify(path, {
-                           {"FIRST",  "entry"},
-                           {"SECOND", "entry"},
-                           {"HOME",   "x"    }
+    const std::string path = MakeCompiler("mycc", "", "version-show-variable FIRST\nversion-show-variable SECOND\n");
+    const CompilerIdentifier::Result result = Identify(path, {
+                                                                 {"FIRST",  "entry"},
+                                                                 {"SECOND", "entry"}
     });
-    EXPECT_EQ(result.compiler->version, "entry run own\n");
+    EXPECT_EQ(WithoutReturns(result.compiler->version), "entry\nrun\n");
 }
 
 TEST_F(IdentifierTest, DoesNotAskAMissingCompilerUnlessToldTo) {
@@ -210,7 +200,7 @@ TEST_F(IdentifierTest, DoesNotAskAMissingCompilerUnlessToldTo) {
     EXPECT_EQ(LogText(), "Compiler at path: '" + (folder / "no-such-compiler") + "' exists=false\n");
     EXPECT_EQ(Identify("no-such-compiler -c a.c", {}, CompilerIdentifier::Query::Always).verdict,
               IdentificationVerdict::Unusable);
-    EXPECT_EQ(Identify("/nowhere/clang -c a.c", {}, CompilerIdentifier::Query::Always).verdict,
+    EXPECT_EQ(Identify(HostPath("/nowhere/clang") + " -c a.c", {}, CompilerIdentifier::Query::Always).verdict,
               IdentificationVerdict::Known);
 }
 
@@ -218,15 +208,15 @@ TEST_F(IdentifierTest, SaysWhyAProgramCannotBeStarted) {
     const std::string path = folder.Write("mycc", "no program");
     const CompilerIdentifier::Result result = Identify(path + " -c a.c");
     EXPECT_EQ(result.verdict, IdentificationVerdict::Unusable);
-    EXPECT_EQ(result.compiler->fault, "Couldn't start \"" + path + "\": Permission denied");
+    EXPECT_TRUE(result.compiler->fault.starts_with("Couldn't start \"" + path + "\": ")) << result.compiler->fault;
     (void)folder.MakeFolder("folder");
     EXPECT_EQ(Identify(folder / "folder").verdict, IdentificationVerdict::Missing);
 }
 
 TEST_F(IdentifierTest, UnwrapsTheLauncherOnlyWhereTheSettingsSaySo) {
-    const std::string path = MakeCompiler("mycc", "echo gcc");
+    const std::string path = MakeCompiler("mycc", "gcc\n");
     EXPECT_EQ(Identify("/usr/bin/ccache " + path + " -c a.c").verdict, IdentificationVerdict::Launcher);
-    EXPECT_EQ(Calls(), 0U);
+    EXPECT_EQ(Calls("mycc"), "");
 
     settings.ignoreCcache = true;
     const CompilerIdentifier::Result result = Identify("/usr/bin/ccache " + path + " -c a.c");
@@ -240,11 +230,11 @@ TEST_F(IdentifierTest, UnwrapsTheLauncherOnlyWhereTheSettingsSaySo) {
     EXPECT_EQ(Identify("ccache no-such-compiler").verdict, IdentificationVerdict::Unusable);
 }
 
-// The compiler's start opens the gate: the stop comes while the query waits for an answer that never comes.
+// The hanging compiler opens the gate: the stop comes while the query waits for an answer that never comes.
 TEST_F(IdentifierTest, GivesUpAQueryWhenTheUserWantsToStop) {
-    const std::string path = MakeCompiler("mycc", "exec sleep 1000");
+    const std::string path = MakeCompiler("mycc", "", "version-hang\n");
     std::thread user([this] {
-        while (Calls() == 0) {
+        while (!std::filesystem::exists(folder / "version-query.hangs")) {
             std::this_thread::yield();
         }
         stop.Set();

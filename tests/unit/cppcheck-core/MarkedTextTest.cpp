@@ -1,5 +1,7 @@
 #include "cppcheck/MarkedText.h"
 
+#include "support/HostPath.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,8 +24,9 @@ TEST(ListDependencies, NamesEachFileOnceInOrderOfAppearance) {
                              "# 1 \"./a.h\" 1\n"
                              "# 3 \"u.cpp\" 2\n"
                              "# 1 \"/usr/include/b.h\" 1 3\n";
-    EXPECT_THAT(ListDependencies(text, "/p/u.cpp", "/p"),
-                ElementsAre("/p/u.cpp", "/usr/include/stdc-predef.h", "/usr/include/b.h", "/p/a.h"));
+    EXPECT_THAT(ListDependencies(text, HostPath("/p/u.cpp"), HostPath("/p")),
+                ElementsAre(HostPath("/p/u.cpp"), HostPath("/usr/include/stdc-predef.h"), HostPath("/usr/include/b.h"),
+                            HostPath("/p/a.h")));
 }
 
 TEST(ListDependencies, WithoutMarkersThereAreNone) {

@@ -1,6 +1,7 @@
 #include "cppcheck/UnitSettings.h"
 
 #include "platform/Exceptions.h"
+#include "support/HostPath.h"
 
 #include <gtest/gtest.h>
 
@@ -9,20 +10,20 @@ namespace {
 
 SettingsMap CompleteSettings() {
     return {
-        {"i-file",      "t/u.i"        },
-        {"source-file", "../src/u.c"   },
-        {"language",    "C"            },
-        {"output-file", "/t/u.findings"},
-        {"std",         ""             },
-        {"platform",    "linux64"      },
+        {"i-file",      "t/u.i"                  },
+        {"source-file", "../src/u.c"             },
+        {"language",    "C"                      },
+        {"output-file", HostPath("/t/u.findings")},
+        {"std",         ""                       },
+        {"platform",    "linux64"                },
     };
 }
 
 TEST(UnitSettings, PathsAreTakenFromTheCurrentDirectory) {
-    const UnitSettings unit = ReadUnitSettings(CompleteSettings(), "/t/u.cfg", "/p/build");
-    EXPECT_EQ(unit.preprocessedPath, "/p/build/t/u.i");
-    EXPECT_EQ(unit.sourcePath, "/p/src/u.c");
-    EXPECT_EQ(unit.outputPath, "/t/u.findings");
+    const UnitSettings unit = ReadUnitSettings(CompleteSettings(), "u.cfg", HostPath("/p/build"));
+    EXPECT_EQ(unit.preprocessedPath, HostPath("/p/build/t/u.i"));
+    EXPECT_EQ(unit.sourcePath, HostPath("/p/src/u.c"));
+    EXPECT_EQ(unit.outputPath, HostPath("/t/u.findings"));
     EXPECT_EQ(unit.outputFormat, OrvlogConverter::LineFormat::Json);
 }
 

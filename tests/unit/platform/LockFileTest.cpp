@@ -45,6 +45,19 @@ TEST(Lock, IsNamedByAHashOfItsKey) {
     EXPECT_EQ(LockFile::FileName("a"), ".orvlock-12638187200555641996");
 }
 
+TEST(Lock, ThatIsRemovedGoesToTheNextWithoutAFileLeft) {
+    const TestFolder folder;
+    LockFile first;
+    LockFile second;
+    EXPECT_EQ(first.Take(folder.Path(), "base"), State::Held);
+    EXPECT_EQ(second.Take(folder.Path(), "base"), State::HeldByOther);
+    second.ReleaseAndRemove();
+    EXPECT_TRUE(std::filesystem::exists(folder / LockFile::FileName("base"))) << "it holds nothing to remove";
+    first.ReleaseAndRemove();
+    EXPECT_FALSE(std::filesystem::exists(folder / LockFile::FileName("base")));
+    EXPECT_EQ(second.Take(folder.Path(), "base"), State::Held);
+}
+
 TEST(Lock, DiesWithItsHolder) {
     const TestFolder folder;
     ChildProgram holder({"hold-lock", folder.Path(), "key"});

@@ -1,5 +1,7 @@
 #include "settings/RunSettings.h"
 
+#include "support/HostPath.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -21,13 +23,13 @@ TEST(RunSettings, TakeOverExclusionsAndCompilerNames) {
     RunSettings run;
     const std::size_t defaultNames = run.compilerNames.size();
     ApplySettings(run, {
-                           {"exclude-path", "/src/lib"},
-                           {"exclude-path", "*/gen/*" },
-                           {"compiler",     "mycc"    },
-                           {"compiler",     "mycxx"   },
+                           {"exclude-path", HostPath("/src/lib")},
+                           {"exclude-path", "*/gen/*"           },
+                           {"compiler",     "mycc"              },
+                           {"compiler",     "mycxx"             },
     });
-    EXPECT_TRUE(run.exclusions.Matches("/src/lib/a.c"));
-    EXPECT_TRUE(run.exclusions.Matches("/src/gen/a.c"));
+    EXPECT_TRUE(run.exclusions.Matches(HostPath("/src/lib/a.c")));
+    EXPECT_TRUE(run.exclusions.Matches(HostPath("/src/gen/a.c")));
     ASSERT_EQ(run.compilerNames.size(), defaultNames + 2);
     EXPECT_EQ(run.compilerNames[defaultNames], "mycc");
     EXPECT_EQ(run.compilerNames.back(), "mycxx");

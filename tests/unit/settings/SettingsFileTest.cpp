@@ -2,6 +2,8 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Paths.h"
+#include "support/HostPath.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -48,23 +50,34 @@ struct PathCase {
 };
 
 TEST(SettingsFile, TakesRelativePathsFromItsFolder) {
+    const std::string base = HostPath("/base");
     const PathCase cases[] = {
-        {"exclude-path=lib",          "/base/lib"         },
-        {"rules-config=x/rules.json", "/base/x/rules.json"},
-        {"intermodular-file=a b.dfo", "/base/a b.dfo"     },
-        {"vcprojectdir=.",            "/base/."           },
-        {"exclude-path=/lib",         "/lib"              },
-        {"exclude-path=c:/lib",       "c:/lib"            },
-        {R"(exclude-path=Z:\lib)",    R"(Z:\lib)"         },
-        {"exclude-path=c:lib",        "/base/c:lib"       },
-        {"exclude-path=1:/lib",       "/base/1:/lib"      },
-        {"exclude-path=*/gen/*",      "*/gen/*"           },
-        {"exclude-path=lib?",         "lib?"              },
-        {"exclude-path=",             ""                  },
-        {"output-file=report.json",   "report.json"       }, // no path key
+        {"exclude-path=lib",          "lib"         },
+        {"rules-config=x/rules.json", "x/rules.json"},
+        {"intermodular-file=a b.dfo", "a b.dfo"     },
+        {"vcprojectdir=.",            "."           },
+        {"exclude-path=/lib",         "/lib"        },
+        {"exclude-path=c:lib",        "c:lib"       },
+        {"exclude-path=1:/lib",       "1:/lib"      },
     };
     for (const PathCase& row : cases) {
-        const SettingsMap settings = ParseSettings(row.line, "/base");
+        const SettingsMap settings = ParseSettings(row.line, base);
+        ASSERT_EQ(settings.size(), 1U) << row.line;
+        EXPECT_EQ(settings.begin()->second, JoinPath(base, row.value)) << row.line;
+    }
+}
+
+TEST(SettingsFile, LeavesOtherValuesAlone) {
+    const PathCase cases[] = {
+        {"exclude-path=c:/lib",     "c:/lib"     }, // absolute on the other system, at least
+        {R"(exclude-path=Z:\lib)",  R"(Z:\lib)"  },
+        {"exclude-path=*/gen/*",    "*/gen/*"    },
+        {"exclude-path=lib?",       "lib?"       },
+        {"exclude-path=",           ""           },
+        {"output-file=report.json", "report.json"}, // no path key
+    };
+    for (const PathCase& row : cases) {
+        const SettingsMap settings = ParseSettings(row.line, HostPath("/base"));
         ASSERT_EQ(settings.size(), 1U) << row.line;
         EXPECT_EQ(settings.begin()->second, row.value) << row.line;
     }
@@ -94,14 +107,14 @@ TEST(SettingsFile, IsReadBackAsWritten) {
     const SettingsMap settings = {
         {"source-file",   "/p q/\"a\"=#\xC3\xA9.c"},
         {"exclude-path",  "*/b/*"                 },
-        {"exclude-path",  "/a"                    },
+        {"exclude-path",  HostPath("/a")          },
         {"analysis-mode", "4"                     },
         {"std",           ""                      },
     };
     const SettingsFile file(settings, folder / "a.c", SettingsFile::Lifetime::Keep);
     EXPECT_EQ(file.Path(), folder / "a.c.cfg");
-    EXPECT_EQ(folder.Read("a.c.cfg"), "analysis-mode=4\nexclude-path=*/b/*\nexclude-path=/a\n"
-                                      "source-file=/p q/\"a\"=#\xC3\xA9.c\nstd=\n");
+    EXPECT_EQ(folder.Read("a.c.cfg"), "analysis-mode=4\nexclude-path=*/b/*\nexclude-path=" + HostPath("/a") +
+                                          "\nsource-file=/p q/\"a\"=#\xC3\xA9.c\nstd=\n");
     EXPECT_EQ(ReadSettingsFile(file.Path()), settings);
 }
 

@@ -174,18 +174,6 @@ TEST_F(Workers, AStopLeavesEverythingAsItWas) {
     EXPECT_EQ(Names(), names);
 }
 
-TEST_F(Workers, ReportThatIsALinkStaysOne) {
-    folder.Write("none.log", "");
-    Suppress("base.json", "none.log");
-    folder.Write("d/r.log", JsonLine("x"));
-    std::filesystem::create_symlink(folder / "d/r.log", folder / "link.log");
-    Filter("base.json", "link.log");
-    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.log"));
-    EXPECT_EQ(folder.Read("d/r.log"), JsonLine("x"));
-    Filter("base.json", "link.log", "d/r.log"); // the report under another name
-    EXPECT_EQ(folder.Read("d/r.log"), JsonLine("x"));
-}
-
 TEST_F(Workers, ManyAtOnceLoseNoEntry) {
     constexpr std::size_t Runs = 12;
     for (std::size_t run = 0; run < Runs; ++run) {

@@ -1,9 +1,7 @@
 // Guards against a Ctrl+C that hangs with a hanging child, leaves processes or files behind, or loses finished units.
 
-#include "e2e/posix/SignalledRun.h"
+#include "e2e/support/InterruptibleRun.h"
 #include "e2e/support/SandboxTest.h"
-
-#include <csignal>
 
 namespace Orvanta {
 
@@ -22,12 +20,12 @@ TEST_F(InterruptTest, EndsAHangingCoreAndAllThatItStarted) {
     sandbox.AddUnit("c.c", {"finding V501 1 1 finished behind it", "touch " + sandbox.Path("c-done")});
     sandbox.AddUnit("d.c", {"hang"});
     sandbox.AddUnit("e.c");
-    SignalledRun run(sandbox, {"-j", "2", "-o", "report.json"});
+    InterruptibleRun run(sandbox, {"-j", "2", "-o", "report.json"});
     ASSERT_TRUE(
         HoldsSoon([&] { return IsReady("records/core-of-b.c.hangs") && IsReady("records/core-of-d.c.hangs"); }));
     ASSERT_TRUE(sandbox.IsAlive("child-of-b.c"));
 
-    run.Signal(SIGINT);
+    run.Interrupt();
     const RunResult result = run.Wait();
     EXPECT_EQ(result.exitCode, 130) << result;
     EXPECT_EQ(result.Count(StopMessage), 1U) << result;
@@ -40,14 +38,14 @@ TEST_F(InterruptTest, EndsAHangingCoreAndAllThatItStarted) {
     EXPECT_FALSE(result.Says("These could not be analyzed")) << result;
 }
 
-TEST_F(InterruptTest, SecondSignalChangesNothing) {
+TEST_F(InterruptTest, SecondOneChangesNothing) {
     sandbox.AddUnit("a.c", {"hang"});
-    SignalledRun run(sandbox, {"-q", "-o", "report.json"});
+    InterruptibleRun run(sandbox, {"-q", "-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return IsReady("records/core-of-a.c.hangs"); }));
-    run.Signal(SIGINT);
+    run.Interrupt();
     ASSERT_TRUE(HoldsSoon([&] { return run.OutputSoFar().find(StopMessage) != std::string::npos; }));
-    run.Signal(SIGINT);
-    run.Signal(SIGTERM);
+    run.Interrupt();
+    run.Interrupt();
     const RunResult result = run.Wait();
     EXPECT_EQ(result.exitCode, 130) << result;
     EXPECT_EQ(result.Count(StopMessage), 1U) << result;
@@ -58,9 +56,9 @@ TEST_F(InterruptTest, SecondSignalChangesNothing) {
 TEST_F(InterruptTest, EndsAHangingCompiler) {
     sandbox.AddUnit("a.c");
     sandbox.Write("a.c.compiler", "hang\n");
-    SignalledRun run(sandbox, {"-o", "report.json"});
+    InterruptibleRun run(sandbox, {"-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return IsReady("tools/compiler-of-a.c.hangs"); }));
-    run.Signal(SIGTERM);
+    run.Interrupt();
     const RunResult result = run.Wait();
     EXPECT_EQ(result.exitCode, 130) << result;
     EXPECT_TRUE(Report().empty()) << "a stopped unit is no finding";
@@ -74,9 +72,9 @@ TEST_F(InterruptTest, EndsAHangingVersionQueryAndProbe) {
     sandbox.AddEntry({
         {silent, "-c", "a.c"}
     });
-    SignalledRun query(sandbox, {"-o", "report.json"});
+    InterruptibleRun query(sandbox, {"-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return IsReady("tools/version-query.hangs"); }));
-    query.Signal(SIGINT);
+    query.Interrupt();
     EXPECT_EQ(query.Wait().exitCode, 130);
 
     Sandbox own;
@@ -86,9 +84,9 @@ TEST_F(InterruptTest, EndsAHangingVersionQueryAndProbe) {
     own.AddEntry({
         {own.Path("tools/fake-clang"), "-c", "a.cpp"}
     });
-    SignalledRun probe(own, {"-o", "report.json"});
+    InterruptibleRun probe(own, {"-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return own.Exists("tools/probe.hangs"); }));
-    probe.Signal(SIGINT);
+    probe.Interrupt();
     EXPECT_EQ(probe.Wait().exitCode, 130);
     EXPECT_TRUE(own.Leftovers().empty());
 }

@@ -1,0 +1,97 @@
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/windows/FileAccess.h"
+#include "platform/windows/SystemReason.h"
+#include "platform/windows/WideText.h"
+
+#include <windows.h>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A file or folder, for questions about it: links are followed.
+Handle OpenForLooking(const std::string& path) {
+    return Handle(::CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
+                                FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+// A path as people write it, made from the form without a limit.
+std::wstring PlainForm(std::wstring path) {
+    constexpr std::wstring_view Unc = L"\\\\?\\UNC\\";
+    constexpr std::wstring_view Local = L"\\\\?\\";
+    if (path.starts_with(Unc)) {
+        return path.replace(0, Unc.size(), L"\\\\");
+    }
+    return path.starts_with(Local) ? path.substr(Local.size()) : path;
+}
+
+} // namespace
+
+bool IsRegularFile(const std::string& path) {
+    if (!PathExists(path) || IsDirectory(path)) {
+        return false;
+    }
+    const Handle file = OpenForLooking(path);
+    return file.IsOpen() && IsOnDisk(file);
+}
+
+std::optional<std::uint64_t> FileSize(const std::string& path) {
+    const Handle file = OpenForLooking(path);
+    LARGE_INTEGER size{};
+    if (!file.IsOpen() || ::GetFileSizeEx(file.Get(), &size) == FALSE) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+std::string ResolveLinks(const std::string& path) {
+    const Handle file = OpenForLooking(path);
+    if (!file.IsOpen()) {
+        return path;
+    }
+    std::wstring target(::GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
+    target.resize(::GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0));
+    return target.empty() ? path : FromWide(PlainForm(std::move(target)));
+}
+
+bool IsSameFile(const std::string& left, const std::string& right) {
+    const Handle files[] = {OpenForLooking(left), OpenForLooking(right)};
+    BY_HANDLE_FILE_INFORMATION one{};
+    BY_HANDLE_FILE_INFORMATION other{};
+    return files[0].IsOpen() && files[1].IsOpen() && ::GetFileInformationByHandle(files[0].Get(), &one) != FALSE &&
+           ::GetFileInformationByHandle(files[1].Get(), &other) != FALSE &&
+           one.dwVolumeSerialNumber == other.dwVolumeSerialNumber && one.nFileIndexHigh == other.nFileIndexHigh &&
+           one.nFileIndexLow == other.nFileIndexLow;
+}
+
+void MakeFolders(const std::string& path) {
+    const std::string folder = AbsolutePath(path);
+    if (IsDirectory(folder)) {
+        return;
+    }
+    if (const std::string_view parent = DirectoryOf(folder); parent.size() < folder.size()) {
+        MakeFolders(std::string(parent));
+    }
+    if (::CreateDirectoryW(WidePath(folder).c_str(), nullptr) == FALSE && !IsDirectory(folder)) {
+        FailFile(path, ::GetLastError());
+    }
+}
+
+void CopyContents(const std::string& from, const std::string& to) {
+    if (::CopyFileW(WidePath(from).c_str(), WidePath(to).c_str(), FALSE) == FALSE) {
+        FailFile(to, ::GetLastError());
+    }
+}
+
+void PutInPlaceOf(const std::string& from, const std::string& to) {
+    try {
+        RenameOver(from, to);
+    } catch (const SystemFault& fault) {
+        FailFile(to, fault.error);
+    }
+}
+
+} // namespace Orvanta

@@ -1,0 +1,96 @@
+#include "platform/Files.h"
+#include "unit/cppcheck-core/CoreRun.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+namespace {
+
+using testing::HasSubstr;
+
+using OrvlogConverter::ReportMessage;
+
+class CoreWithCppcheck : public Core {
+protected:
+    // A program that is found as Cppcheck.
+    Environment WithCppcheck(const std::string& script) {
+        const std::string program = folder_.Write("fake/cppcheck", "#!/bin/sh\n" + script);
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return {
+            {"PATH", folder_ / "fake:/usr/bin:/bin"}
+        };
+    }
+};
+
+TEST_F(CoreWithCppcheck, FindsFaultsAtTheirPlacesOutsideOfSystemHeaders) {
+    folder_.Write("pro ject \303\244/u.cpp", "#include <sys.h>\n\nint f() {\n    return *p;\n}\n");
+    const CoreEnd end = Run(WriteUnit(Faulty));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    EXPECT_EQ(end.standardOutput, "");
+    const std::vector<ReportMessage> findings = Findings();
+    ASSERT_EQ(findings.size(), 2U) << folder_.Read(Fragment);
+    EXPECT_EQ(findings[0].positions[0].file, project_ + "/in c.h");
+    EXPECT_EQ(findings[0].positions[0].line, 3U);
+    EXPECT_THAT(findings[0].message, HasSubstr("[arrayIndexOutOfBounds] "));
+    EXPECT_EQ(findings[1].positions[0].file, project_ + "/u.cpp");
+    EXPECT_EQ(findings[1].positions[0].line, 4U);
+    EXPECT_EQ(findings[1].positions[0].currLine, "    return *p;");
+    EXPECT_EQ(findings[1].message, "[nullPointer] Null pointer dereference: p");
+    EXPECT_EQ(findings[1].code, "External");
+    EXPECT_EQ(findings[1].level, 1U);
+    EXPECT_EQ(findings[1].cwe, 476U);
+}
+
+TEST_F(CoreWithCppcheck, WritesRawLinesWhenAskedTo) {
+    const CoreEnd end = Run(WriteUnit(Faulty, "new-output-format=no\n"));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    EXPECT_THAT(folder_.Read(Fragment), testing::StartsWith("Zelm64-EM<#~>full<#~>3<#~>" + project_ + "/in c.h<#~>"));
+}
+
+TEST_F(CoreWithCppcheck, UnitWithoutFindingsLeavesAnEmptyFragmentAndNothingElse) {
+    folder_.Write(Fragment, "from before");
+    const CoreEnd end = Run(WriteUnit("# 1 \"u.cpp\"\nint a;\n"));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    EXPECT_EQ(folder_.Read(Fragment), "");
+    EXPECT_FALSE(PathExists(folder_ / "temp \303\244/u.i.cut.cpp"));
+}
+
+TEST_F(CoreWithCppcheck, UnitThatCppcheckCantReadFailsWithTheReason) {
+    const CoreEnd end = Run(WriteUnit("# 7 \"u.cpp\"\nint f( {\n"));
+    EXPECT_NE(end.exitCode, 0);
+    EXPECT_THAT(end.standardError, HasSubstr(project_ + "/u.cpp, line 7: [syntaxError]"));
+    EXPECT_FALSE(PathExists(folder_ / Fragment));
+    EXPECT_FALSE(PathExists(folder_ / "temp \303\244/u.i.cut.cpp"));
+}
+
+TEST_F(CoreWithCppcheck, FailsWhenCppcheckFails) {
+    for (const char* script : {"echo 'no such library' >&2; exit 1\n", "echo 'no such library'; kill -9 $$\n"}) {
+        const CoreEnd end = Run(WriteUnit(Faulty), WithCppcheck(script));
+        EXPECT_NE(end.exitCode, 0);
+        EXPECT_THAT(end.standardError, testing::MatchesRegex("Cppcheck ended with code [0-9]+: no such library\n"));
+    }
+}
+
+TEST_F(CoreWithCppcheck, CppcheckEndsWithTheCoresProcessGroup) {
+    // The fifth word of these files is the process group.
+    const std::string groups = folder_ / "groups";
+    const CoreEnd end = Run(WriteUnit(Faulty), WithCppcheck("for pid in $$ $PPID; do cut -d ' ' -f 5 /proc/$pid/stat; "
+                                                            "done > '" +
+                                                            groups + "'\n"));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    std::istringstream text(folder_.Read("groups"));
+    std::string cppcheckGroup;
+    std::string coreGroup;
+    text >> cppcheckGroup >> coreGroup;
+    EXPECT_NE(coreGroup, "");
+    EXPECT_EQ(cppcheckGroup, coreGroup);
+}
+
+} // namespace
+} // namespace Orvanta

@@ -1,0 +1,34 @@
+#include "platform/StopFlag.h"
+#include "report/JsonMessage.h"
+#include "support/TestFolder.h"
+#include "suppress/FilterWorker.h"
+#include "suppress/SuppressWorker.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace Orvanta {
+namespace {
+
+TEST(FilteredReport, ThatIsALinkStaysOne) {
+    const TestFolder folder;
+    const StopFlag stop;
+    std::string finding;
+    OrvlogConverter::AppendJsonMessage(
+        finding, {"V501", "x", "", {{"/p/a.c", 3, "before", "x", "after", 0, 0, 0}}, 0, 1, false});
+    finding += '\n';
+    folder.Write("none.log", "");
+    SuppressWorker(folder / "base.json", folder / "none.log", {}, stop).Run();
+    folder.Write("d/r.log", finding);
+    std::filesystem::create_symlink(folder / "d/r.log", folder / "link.log");
+    FilterWorker(folder / "base.json", folder / "link.log", std::nullopt, stop).Run();
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.log"));
+    EXPECT_EQ(folder.Read("d/r.log"), finding);
+    FilterWorker(folder / "base.json", folder / "link.log", folder / "d/r.log", stop).Run(); // under another name
+    EXPECT_EQ(folder.Read("d/r.log"), finding);
+}
+
+} // namespace
+} // namespace Orvanta
