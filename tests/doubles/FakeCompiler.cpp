@@ -23,7 +23,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -101,7 +100,7 @@ int PrintVersion(const Call& call) {
             Hang(ProgramDirectory(), "version-query");
         }
         if (step.word == "version-remove-self") {
-            std::filesystem::remove(call.program);
+            RemoveFile(call.program);
         }
     }
     return EXIT_SUCCESS;

@@ -15,6 +15,7 @@
 #include "doubles/SiblingProcess.h"
 #include "platform/Environment.h"
 #include "platform/Executable.h"
+#include "platform/Files.h"
 #include "platform/Hash.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
@@ -155,7 +156,7 @@ bool PlayOutputLine(const Unit& unit, const ScriptLine& step) {
     } else if (step.word == "partial-line") {
         AppendText(unit, R"({"falseAlarm":false,"level":1,"code":"V5)");
     } else if (step.word == "no-output-file") {
-        std::filesystem::remove(Value(unit, "output-file"));
+        RemoveFile(Value(unit, "output-file"));
     } else {
         return false;
     }
@@ -189,7 +190,7 @@ void PlayLine(const Unit& unit, const ScriptLine& step, const std::string& progr
 
 void Play(const Unit& unit, const std::string& program) {
     const std::string script = Value(unit, "source-file") + ".script";
-    if (!std::filesystem::exists(script)) {
+    if (!PathExists(script)) {
         const std::string text = StableText(Value(unit, "i-file"));
         AppendText(unit, FindingLine(unit, Value(unit, "source-file"),
                                      "V501 1 1 Text with hash " + std::to_string(Fnv1a(text))) +

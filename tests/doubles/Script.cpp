@@ -85,7 +85,7 @@ void Hang(const std::string& directory, const std::string& key) {
     }
     TouchFile(JoinPath(directory, key + ".hangs"));
     const auto end = std::chrono::steady_clock::now() + LongestHang;
-    while (std::filesystem::exists(directory) && std::chrono::steady_clock::now() < end) {
+    while (PathExists(directory) && std::chrono::steady_clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     std::exit(GaveUp);
