@@ -2,6 +2,7 @@
 
 #include "e2e/support/OddNames.h"
 #include "e2e/support/SandboxTest.h"
+#include "platform/Paths.h"
 
 namespace Orvanta {
 
@@ -24,10 +25,10 @@ TEST_F(OddPathsTest, SurviveFromTheDatabaseToTheReport) {
         sandbox.Write(name + ".c", "int x;\n");
         sandbox.WriteScript(name + ".c", {"finding V501 1 2 found"});
         sandbox.AddEntry({
-            {compiler, "-std=c11", "-c", folder + "/" + file},
+            {compiler, "-std=c11", "-c", JoinPath(folder, file)},
             folder
         });
-        expected.push_back({"V501", 1, folder + "/" + file, 2, "found"});
+        expected.push_back({"V501", 1, JoinPath(folder, file), 2, "found"});
     }
     const std::string report = "re port #1=\xC3\xA4'.json";
     const RunResult result = sandbox.Analyze({"-o", report});

@@ -22,6 +22,9 @@ namespace {
 
 using Cause = ProcessStartException::Cause;
 
+// Where the system has failed in itself, another try may succeed.
+constexpr int MostAttempts = 3;
+
 constexpr std::size_t LongestCommandLine = 32766; // without the zero at its end
 
 Cause CauseOf(DWORD error) {
@@ -200,11 +203,18 @@ StartedChild StartChild(const Arguments& command, const StartConditions& conditi
     STARTUPINFOEXW startup = inherited.StartupInformation();
     std::wstring variables = WideBlock(conditions.environment);
     const std::wstring directory = WorkingDirectory(conditions.workingDirectory);
+    const std::wstring path = WidePath(program);
     PROCESS_INFORMATION started{};
-    if (::CreateProcessW(WidePath(program).c_str(), line.data(), nullptr, nullptr, TRUE,
-                         CreationFlags(conditions.group), variables.data(),
-                         directory.empty() ? nullptr : directory.c_str(), &startup.StartupInfo, &started) == FALSE) {
-        FailToStart(name, conditions.workingDirectory, ::GetLastError());
+    const auto create = [&] {
+        return ::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CreationFlags(conditions.group),
+                                variables.data(), directory.empty() ? nullptr : directory.c_str(), &startup.StartupInfo,
+                                &started) != FALSE;
+    };
+    for (int attempt = 1; !create(); ++attempt) {
+        const DWORD error = ::GetLastError();
+        if (error != ERROR_INTERNAL_ERROR || attempt == MostAttempts) {
+            FailToStart(name, conditions.workingDirectory, error);
+        }
     }
     StartedChild child{.process = Handle(started.hProcess), .job = {}};
     const Handle thread(started.hThread);
