@@ -2,6 +2,7 @@
 
 #include "analysis/PrecompiledHeader.h"
 #include "analysis/ScopedFile.h"
+#include "analysis/StartableCommand.h"
 #include "analysis/WorkerPool.h"
 #include "buildinput/CompilerVariables.h"
 #include "platform/EnvironmentNames.h"
@@ -216,10 +217,11 @@ UnitFiles AnalyzerRunner::NameFiles(const AnalysisTask& task) const {
 }
 
 bool AnalyzerRunner::PreprocessUnit(const Unit& unit, UnitResult& result) {
-    const Arguments command = unit.model->BuildPreprocessCommand(unit.command, unit.files.preprocessedPath);
     CapturedOutput output;
     try {
-        if (RunSupervised(command, unit.Place(), stop_, output) == ProcessOutcome::Stopped) {
+        const StartableCommand command(unit.model->BuildPreprocessCommand(unit.command, unit.files.preprocessedPath),
+                                       unit.command, unit.files.basePath + ".rsp");
+        if (RunSupervised(command.Words(), unit.Place(), stop_, output) == ProcessOutcome::Stopped) {
             result.status = AnalyzerStatus::Stopped;
             return false;
         }

@@ -1,6 +1,7 @@
 #include "analysis/StandardProbe.h"
 
 #include "analysis/ScopedFile.h"
+#include "analysis/StartableCommand.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
@@ -163,7 +164,9 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
         // Without them the macro has a fixed old value, and a banner stands in the output.
         probe.keptArguments.insert(probe.keptArguments.end(), {"/Zc:__cplusplus", "/nologo"});
     }
-    const Arguments words = model.BuildPreprocessCommand(probe, result.Path());
+    const StartableCommand startable(model.BuildPreprocessCommand(probe, result.Path()), probe,
+                                     JoinPath(folder_, number + "__std_test__.rsp"));
+    const Arguments& words = startable.Words();
     CapturedOutput output;
     Process process(words, place.workingDirectory, place.environment,
                     MakeRedirectToStringProcessor(output.standardOutput),

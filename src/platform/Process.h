@@ -66,6 +66,10 @@ using OutputReceiver = std::function<void(std::string_view bytes)>;
 /// The words of a command joined by single blanks, unquoted: how messages show it.
 [[nodiscard]] std::string CommandLineText(const Arguments& command);
 
+/// Whether a command has more words than the system takes in one command line. False where that can't be told
+/// beforehand: the start then fails.
+[[nodiscard]] bool IsTooLongToStart(const Arguments& command);
+
 /// Which processes are killed together with a child.
 enum class ProcessGroup {
     Own,       ///< all that it started

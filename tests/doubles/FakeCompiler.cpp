@@ -64,10 +64,31 @@ void ReadAsCl(Call& call) {
     call.source = call.arguments.back();
 }
 
+// "@FILE" stands for the words of a file, one a line, in which a backslash takes the meaning from any character.
+std::vector<std::string> WithResponseFiles(const std::vector<std::string>& words) {
+    std::vector<std::string> expanded;
+    for (const std::string& word : words) {
+        if (!word.starts_with('@') || !PathExists(word.substr(1))) {
+            expanded.push_back(word);
+            continue;
+        }
+        std::istringstream lines(ReadText(word.substr(1)));
+        for (std::string line; std::getline(lines, line);) {
+            std::string plain;
+            for (std::size_t at = 0; at < line.size(); ++at) {
+                at += line[at] == '\\' && at + 1 < line.size() ? 1U : 0U;
+                plain += line[at];
+            }
+            expanded.push_back(plain);
+        }
+    }
+    return expanded;
+}
+
 Call ReadCall(const std::vector<std::string>& words) {
     Call call;
     call.program = JoinPath(ProgramDirectory(), FileNameOf(words.front()));
-    call.arguments.assign(words.begin() + 1, words.end());
+    call.arguments = WithResponseFiles({words.begin() + 1, words.end()});
     if (std::find(call.arguments.begin(), call.arguments.end(), "/P") != call.arguments.end()) {
         ReadAsCl(call);
     } else {

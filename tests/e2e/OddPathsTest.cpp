@@ -48,6 +48,9 @@ TEST_F(OddPathsTest, VeryLongCommandIsNoProblem) {
     const RunResult result = sandbox.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(Report().size(), 1U);
+    EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", "-DMACRO_WITH_A_LONG_NAME_0=1 "), 1U);
+    EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", "-DMACRO_WITH_A_LONG_NAME_2999=1 "), 1U);
+    EXPECT_TRUE(sandbox.Leftovers().empty());
 }
 
 } // namespace

@@ -189,6 +189,10 @@ std::wstring WorkingDirectory(const std::string& directory) {
 
 } // namespace
 
+bool IsTooLongToStart(const Arguments& command) {
+    return ToWide(MakeCommandLine(command, CommandLineReader::Interpreter)).size() > LongestCommandLine;
+}
+
 StartedChild StartChild(const Arguments& command, const StartConditions& conditions, const ChildOutputs& outputs) {
     const std::string& name = command.front();
     const std::string program = ResolveProgram(name, conditions);

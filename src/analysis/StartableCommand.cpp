@@ -1,0 +1,26 @@
+#include "analysis/StartableCommand.h"
+
+#include "compilers/ResponseFileText.h"
+
+#include <span>
+#include <utility>
+
+namespace Orvanta {
+
+StartableCommand::StartableCommand(Arguments words, const ParsedCommand& parsed, const std::string& responsePath)
+    : words_(std::move(words)) {
+    const std::size_t fixedWords = parsed.invocationPrefix.size() + 1; // up to the compiler
+    if (!IsTooLongToStart(words_) || words_.size() <= fixedWords) {
+        return;
+    }
+    const auto text = ResponseFileText(parsed.compilerType, std::span(words_).subspan(fixedWords));
+    if (!text) {
+        return; // the start will tell
+    }
+    responseFile_.emplace(responsePath);
+    OutputFile(responsePath, OutputFile::Mode::Replace).Append(*text);
+    words_.resize(fixedWords);
+    words_.push_back('@' + responsePath);
+}
+
+} // namespace Orvanta

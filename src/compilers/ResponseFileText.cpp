@@ -1,0 +1,82 @@
+#include "compilers/ResponseFileText.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
+
+// A backslash takes the meaning from any character.
+std::string QuotedForGcc(std::string_view word) {
+    if (word.empty()) {
+        return "\"\"";
+    }
+    std::string quoted;
+    for (const char character : word) {
+        if (std::string_view(" \t\n\v\f\r\\\"'").find(character) != std::string_view::npos) {
+            quoted += '\\';
+        }
+        quoted += character;
+    }
+    return quoted;
+}
+
+// A backslash means something before a double quote only.
+std::string QuotedForCl(std::string_view word) {
+    std::string quoted = "\"";
+    std::size_t backslashes = 0;
+    for (const char character : word) {
+        if (character == '"') {
+            quoted.append(backslashes + 1, '\\');
+        }
+        backslashes = character == '\\' ? backslashes + 1 : 0;
+        quoted += character;
+    }
+    return quoted.append(backslashes, '\\') += '"';
+}
+
+template <class Quote>
+std::string Lines(std::span<const std::string> words, Quote quote) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += quote(word);
+        text += '\n';
+    }
+    return text;
+}
+
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80U; });
+}
+
+} // namespace
+
+std::optional<std::string> ResponseFileText(CompilerType type, std::span<const std::string> words) {
+    switch (type) {
+    case CompilerType::Gcc:
+    case CompilerType::Clang:
+    case CompilerType::Keil6:
+    case CompilerType::GccARM:
+    case CompilerType::Qcc:
+    case CompilerType::XC8:
+        return Lines(words, &QuotedForGcc);
+    case CompilerType::Cl:
+    case CompilerType::ClangCl: {
+        std::string text = Lines(words, &QuotedForCl);
+        return IsAscii(text) ? text : text.insert(0, ByteOrderMark);
+    }
+    case CompilerType::Unknown:
+    case CompilerType::Keil5:
+    case CompilerType::Keil5Gnu:
+    case CompilerType::TiArmCGT:
+    case CompilerType::IARArm_v7_OrOlder:
+    case CompilerType::IARArm:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace Orvanta
