@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace Orvanta {
+
+/// 128 bits that tell one content from another. Not for defence against somebody who wants two to be alike.
+struct Fingerprint {
+    std::uint64_t low = 0;
+    std::uint64_t high = 0;
+
+    auto operator<=>(const Fingerprint&) const = default;
+};
+
+/// Makes a fingerprint of a sequence of parts.
+class FingerprintBuilder {
+public:
+    /// Adds a text with its length, so that no other split of the same bytes looks the same.
+    FingerprintBuilder& Add(std::string_view text);
+    FingerprintBuilder& Add(std::uint64_t number);
+    FingerprintBuilder& Add(const Fingerprint& part);
+
+    [[nodiscard]] Fingerprint Value() const noexcept;
+
+private:
+    std::uint64_t low_ = 0;
+    std::uint64_t high_ = 0;
+};
+
+/// The fingerprint of a block of bytes; fast for long ones.
+[[nodiscard]] Fingerprint FingerprintOf(std::string_view bytes);
+
+} // namespace Orvanta
