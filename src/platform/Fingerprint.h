@@ -1,7 +1,10 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace Orvanta {
@@ -31,5 +34,29 @@ private:
 
 /// The fingerprint of a block of bytes; fast for long ones.
 [[nodiscard]] Fingerprint FingerprintOf(std::string_view bytes);
+
+/// What a file holds, told from the bytes alone.
+struct ContentFingerprint {
+    std::uint64_t size = 0;
+    Fingerprint bytes;
+
+    auto operator<=>(const ContentFingerprint&) const = default;
+};
+
+/// Makes the fingerprint of a content that is never whole in memory: however it is cut into pieces, it is the same.
+class ContentFingerprinter {
+public:
+    void Add(std::string_view piece);
+
+    [[nodiscard]] ContentFingerprint Value() const;
+
+private:
+    FingerprintBuilder blocks_;
+    std::string open_; // the last block, while it is not complete
+    std::uint64_t size_ = 0;
+};
+
+/// Reads a file to its end; absent when that is not possible.
+[[nodiscard]] std::optional<ContentFingerprint> FingerprintOfFile(const std::string& path);
 
 } // namespace Orvanta

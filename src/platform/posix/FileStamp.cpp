@@ -1,0 +1,27 @@
+#include "platform/FileStamp.h"
+
+#include <sys/stat.h>
+
+namespace Orvanta {
+
+namespace {
+
+std::int64_t Nanoseconds(const timespec& time) {
+    constexpr std::int64_t PerSecond = 1'000'000'000;
+    return std::int64_t{time.tv_sec} * PerSecond + time.tv_nsec;
+}
+
+} // namespace
+
+std::optional<FileStamp> StampOf(const std::string& path) {
+    struct stat status {};
+
+    // A text with a zero byte in it can't be a path; its beginning might be one.
+    if (path.find('\0') != std::string::npos || ::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    return FileStamp{static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim),
+                     Nanoseconds(status.st_ctim)};
+}
+
+} // namespace Orvanta
