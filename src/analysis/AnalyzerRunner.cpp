@@ -174,6 +174,9 @@ AnalyzerRunner::Unit AnalyzerRunner::PrepareUnit(const AnalysisTask& task) {
     std::vector<std::string> arguments = invocation.arguments.ToVector();
     arguments.front() = invocation.compiler->path;
     ParsedCommand command = ReadCommandLine(*model, arguments, invocation.source);
+    if (command.compilerType != model->Type()) {
+        model = GetPreprocessor(command.compilerType); // a flag makes it one of a sibling family
+    }
     for (const std::string& directory : settings_.extraIncludes) {
         AddArgument(command, command.userIncludes, "-I", directory);
     }

@@ -1,6 +1,7 @@
 #include "buildinput/InvocationCollector.h"
 
 #include "buildinput/CompilerVariables.h"
+#include "buildinput/OptionFile.h"
 #include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
 #include "platform/Files.h"
@@ -22,38 +23,6 @@ constexpr const char* ZeroByteReason = "it holds a zero byte";
 
 std::string Quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
-}
-
-std::string_view FamilyTitle(CompilerType type) {
-    switch (type) {
-    case CompilerType::Unknown:
-        return "unknown";
-    case CompilerType::Gcc:
-        return "GCC";
-    case CompilerType::Clang:
-        return "Clang";
-    case CompilerType::Keil5:
-    case CompilerType::Keil5Gnu:
-        return "Keil 5";
-    case CompilerType::Keil6:
-        return "Keil 6";
-    case CompilerType::TiArmCGT:
-        return "TI ARM";
-    case CompilerType::Cl:
-        return "cl";
-    case CompilerType::ClangCl:
-        return "clang-cl";
-    case CompilerType::GccARM:
-        return "GCC for ARM";
-    case CompilerType::IARArm_v7_OrOlder:
-    case CompilerType::IARArm:
-        return "IAR for ARM";
-    case CompilerType::Qcc:
-        return "QCC";
-    case CompilerType::XC8:
-        return "XC8";
-    }
-    return "unknown";
 }
 
 /// The command as text, cut to a length that fits a message; not within a character.
@@ -200,11 +169,6 @@ InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified
         return Refusal{InvocationFate::UnknownCompiler,
                        "the compiler " + Quoted(compiler.path) + " is of no known family"};
     }
-    if (ModelOf(compiler.type) == nullptr) {
-        return Refusal{InvocationFate::UnknownCompiler,
-                       "the compiler " + Quoted(compiler.path) +
-                           " is of a family that is not supported yet: " + std::string(FamilyTitle(compiler.type))};
-    }
     return std::nullopt;
 }
 
@@ -228,10 +192,12 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         AddArgumentsOfVariables(arguments, layers);
     }
     ExpandResponseFiles(arguments, *directories.absolute);
+    const Compiler& model = ModelOf(identified.compiler->type);
+    ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
-    const InvocationOutline outline = OutlineInvocation(*ModelOf(identified.compiler->type), arguments);
+    const InvocationOutline outline = OutlineInvocation(model, arguments);
     if (outline.missingResponseFile) {
         return Refusal{InvocationFate::Unreadable, "the response file " +
                                                        Quoted(arguments[*outline.missingResponseFile].substr(1)) +
@@ -254,16 +220,12 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     return std::nullopt;
 }
 
-const Compiler* InvocationCollector::ModelOf(CompilerType type) {
+const Compiler& InvocationCollector::ModelOf(CompilerType type) {
     const auto [place, isNew] = models_.try_emplace(type);
     if (isNew) {
-        try {
-            place->second = registry_.Get(type);
-        } catch (const ZelmException&) {
-            // The type has no model: what is kept says so too.
-        }
+        place->second = registry_.Get(type);
     }
-    return place->second.get();
+    return *place->second;
 }
 
 const InvocationCollector::Directories& InvocationCollector::Share(const std::string& workingDirectory) {

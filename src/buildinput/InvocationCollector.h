@@ -84,7 +84,7 @@ private:
                                                  EnvironmentScope scope);
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
-    [[nodiscard]] const Compiler* ModelOf(CompilerType type);
+    [[nodiscard]] const Compiler& ModelOf(CompilerType type);
     [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
     [[nodiscard]] const std::shared_ptr<const Environment>& Share(const Environment& environment);
 
@@ -92,9 +92,9 @@ private:
     const CompilerRegistry& registry_;
     CompilerIdentifier& identifier_;
     Log& log_;
-    std::string baseDirectory_;                                      // empty: not set
-    std::map<CompilerType, std::shared_ptr<const Compiler>> models_; // null for a type without one
-    std::unordered_map<std::string, Directories> directories_;       // by the directory as written
+    std::string baseDirectory_; // empty: not set
+    std::map<CompilerType, std::shared_ptr<const Compiler>> models_;
+    std::unordered_map<std::string, Directories> directories_; // by the directory as written
     std::set<std::shared_ptr<const Environment>, ContentLess> environments_;
     const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again
     std::shared_ptr<const Environment> lastEnvironment_;

@@ -50,7 +50,7 @@ public:
         : model_(model), arguments_(arguments), visitor_(visitor) {}
 
     void Walk() {
-        stated_ = model_.KindOfAllInputs(arguments_);
+        ofAll_ = model_.KindOfAllInputs(arguments_);
         while (next_ < arguments_.size()) {
             const std::size_t index = next_++;
             ReadArgument(index, arguments_[index]);
@@ -107,7 +107,7 @@ private:
     void ReadArgument(std::size_t index, std::string_view argument) {
         std::string_view introducer;
         if (onlyInputs_ || argument == "-" || !model_.MatchLongestPrefixFlag(argument, introducer)) {
-            ReadInput(index, 0, stated_);
+            ReadInput(index);
             return;
         }
         if (argument == "--") {
@@ -123,8 +123,10 @@ private:
             ReadSourceOfLanguage(index, argument, use.match);
         } else if (use.match.kind == FlagKind::LinkerPart) {
             next_ = arguments_.size();
-        } else if (use.match.name.empty() && introducer == "/" && IsSource(KindOf(argument, std::nullopt))) {
-            ReadInput(index, 0, stated_); // an absolute path, no flag
+            visitor_.Flag(use);
+        } else if (use.match.name.empty() && introducer == "/" &&
+                   IsSource(model_.KindOfInput(argument, std::nullopt))) {
+            ReadInput(index); // an absolute path, no flag
         } else {
             ReadFlag(use, argument);
         }
@@ -143,31 +145,28 @@ private:
         visitor_.Flag(use);
     }
 
-    void ReadInput(std::size_t index, std::size_t offset, std::optional<InputKind> stated) {
-        const std::string_view name = std::string_view(arguments_[index]).substr(offset);
-        const InputKind kind = KindOf(name, stated);
-        visitor_.Input(InputFile{index, offset, kind, stated == kind});
+    void ReadInput(std::size_t index) {
+        const std::string_view name = arguments_[index];
+        const InputKind kind = KindOf(name);
+        visitor_.Input(InputFile{index, 0, kind, (stated_ ? stated_ : ofAll_) == kind});
     }
 
-    [[nodiscard]] InputKind KindOf(std::string_view name, std::optional<InputKind> stated) const {
+    [[nodiscard]] InputKind KindOf(std::string_view name) const {
         if (name == "-") {
             return InputKind::StandardInput;
         }
         if (name.size() > 1 && name.front() == '@') {
             return InputKind::MissingResponseFile; // those that are there have been expanded
         }
-        if (!IsMsvcFamily(model_.Type())) {
-            return stated ? *stated : InputKindByExtension(name);
-        }
-        return stated && !IsWindowsLinkerFile(name) ? *stated : InputKindByWindowsExtension(name);
+        return stated_ ? *stated_ : model_.KindOfInput(name, ofAll_);
     }
 
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
-        const InputKind kind = match.name == "Tc" ? InputKind::C : InputKind::Cpp;
+        const InputKind kind = KindNamedBy(match.effect).value_or(InputKind::LinkInput);
         if (!match.takesNext) {
-            ReadInput(index, argument.size() - match.gluedValue.size(), kind);
+            visitor_.Input(InputFile{index, argument.size() - match.gluedValue.size(), kind, true});
         } else if (next_ < arguments_.size()) {
-            ReadInput(next_++, 0, kind);
+            visitor_.Input(InputFile{next_++, 0, kind, true});
         }
     }
 
@@ -246,7 +245,8 @@ private:
     Visitor& visitor_;
     std::size_t next_ = 1;
     bool onlyInputs_ = false;         // after "--"
-    std::optional<InputKind> stated_; // by the last language flag
+    std::optional<InputKind> ofAll_;  // what a flag makes of every source
+    std::optional<InputKind> stated_; // by the last language flag for the files after it
 };
 
 } // namespace Orvanta

@@ -26,8 +26,8 @@ constexpr FlagRow ClFlags[] = {
     {"std:", FlagKind::Keep, FlagEffect::UnknownStandard, Glued},
     {"FD", FlagKind::Drop},
     {"WX", FlagKind::Drop},
-    {"Tc", FlagKind::SourceOfLanguage},
-    {"Tp", FlagKind::SourceOfLanguage},
+    {"Tc", FlagKind::SourceOfLanguage, FlagEffect::NamesC},
+    {"Tp", FlagKind::SourceOfLanguage, FlagEffect::NamesCpp},
     {"link", FlagKind::LinkerPart},
 
     // Said again beside the source.
@@ -165,11 +165,7 @@ Cl::Cl(CompilerType type, std::span<const FlagRow> extension)
     : Compiler(type, ClName, ClIntroducers, FlagTable(ClFlags, extension)) {}
 
 std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command, const std::string& outputPath) const {
-    std::vector<std::string> words;
-    words.reserve(command.invocationPrefix.size() + command.keptArguments.size() + 5);
-    words = command.invocationPrefix;
-    words.push_back(command.compilerPath);
-    words.insert(words.end(), command.keptArguments.begin(), command.keptArguments.end());
+    std::vector<std::string> words = BeginPreprocessCommand(command, 4);
     words.emplace_back("/P");
     words.push_back("/Fi" + outputPath);
     AddSource(command.sourceFile, words);
@@ -177,8 +173,7 @@ std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command
 }
 
 void Cl::AddSource(const std::string& source, std::vector<std::string>& words) const {
-    const bool needsFolder = source.starts_with('-') || source.starts_with('@');
-    words.push_back(needsFolder ? "./" + source : source);
+    words.push_back(WithFolder(source));
 }
 
 void Cl::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
@@ -199,6 +194,17 @@ std::optional<InputKind> Cl::KindOfAllInputs(std::span<const std::string> argume
         }
     }
     return kind;
+}
+
+InputKind Cl::KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const {
+    return ofAll && !IsWindowsLinkerFile(path) ? *ofAll : InputKindByWindowsExtension(path);
+}
+
+// The source stands bare in the preprocessing command, whatever flag named it.
+void Cl::StateKindOfSource(InputKind /*kind*/, ParsedCommand& command) const {
+    if (command.language) {
+        command.keptArguments.emplace_back(command.language == Language::C ? "/TC" : "/TP");
+    }
 }
 
 TargetBits Cl::TargetOf(const ParsedCommand& command) const {

@@ -15,6 +15,8 @@ public:
     /// Sets the platform word, by the compiler's path as it stands first in `arguments`: it should be absolute.
     void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
     [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const override;
+    [[nodiscard]] InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const override;
+    void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
 
 protected:
     /// A compiler with more flags than cl's.

@@ -10,6 +10,8 @@ constexpr FlagRow ClangFlags[] = {
 
 } // namespace
 
-Clang::Clang() : Gcc(CompilerType::Clang, "clang", ClangFlags) {}
+Clang::Clang() : Clang(CompilerType::Clang) {}
+
+Clang::Clang(CompilerType type) : Gcc(type, "clang", ClangFlags) {}
 
 } // namespace Orvanta

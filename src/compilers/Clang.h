@@ -8,6 +8,10 @@ namespace Orvanta {
 class Clang : public Gcc {
 public:
     Clang();
+
+protected:
+    /// A compiler with clang's flags.
+    explicit Clang(CompilerType type);
 };
 
 } // namespace Orvanta

@@ -17,6 +17,7 @@ public:
     void Flag(const FlagUse& use) {
         effects_ |= Bit(use.match.effect);
         printsInformation_ = printsInformation_ || use.match.kind == FlagKind::NoCompilation;
+        links_ = links_ || use.match.kind == FlagKind::LinkerPart;
     }
 
     void Input(const InputFile& input) {
@@ -72,7 +73,7 @@ private:
         if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::Compiles))) {
             return "no C or C++ source";
         }
-        return Has(InputKind::LinkInput) ? "link only" : "no input";
+        return Has(InputKind::LinkInput) || links_ ? "link only" : "no input";
     }
 
     std::vector<SourceArgument>& sources_;
@@ -80,6 +81,7 @@ private:
     unsigned effects_ = 0; // one bit for each effect met
     unsigned inputs_ = 0;  // one bit for each kind of input met
     bool printsInformation_ = false;
+    bool links_ = false; // a part for the linker was met
 };
 
 // Fills a ParsedCommand for one source of the invocation.
@@ -95,6 +97,8 @@ public:
 
 private:
     void RecordStandard(const FlagMatch& match);
+    void RecordCharSign(FlagEffect effect);
+    static void AddFolders(const FlagUse& use, std::vector<std::string>& folders);
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
@@ -104,7 +108,9 @@ private:
 
 void CommandVisitor::Flag(const FlagUse& use) {
     RecordStandard(use.match);
+    RecordCharSign(use.match.effect);
     switch (use.match.kind) {
+    case FlagKind::LinkerPart:
     case FlagKind::Drop:
     case FlagKind::DropWithValue:
     case FlagKind::NoCompilation:
@@ -121,10 +127,10 @@ void CommandVisitor::Flag(const FlagUse& use) {
         }
         return;
     case FlagKind::UserInclude:
-        command_.userIncludes.emplace_back(use.value);
+        AddFolders(use, command_.userIncludes);
         break;
     case FlagKind::SystemInclude:
-        command_.systemIncludes.emplace_back(use.value);
+        AddFolders(use, command_.systemIncludes);
         break;
     case FlagKind::Define:
         command_.defines.emplace_back(use.value);
@@ -143,7 +149,6 @@ void CommandVisitor::Flag(const FlagUse& use) {
     case FlagKind::Undefine:
     case FlagKind::SourceOfLanguage:
     case FlagKind::Preprocessor:
-    case FlagKind::LinkerPart:
     case FlagKind::MainFileName:
     case FlagKind::StandardAnsi:
     case FlagKind::StandardC90:
@@ -189,6 +194,21 @@ void CommandVisitor::RecordStandard(const FlagMatch& match) {
     }
 }
 
+void CommandVisitor::RecordCharSign(FlagEffect effect) {
+    if (effect == FlagEffect::SignedChar || effect == FlagEffect::UnsignedChar) {
+        command_.unsignedChar = effect == FlagEffect::UnsignedChar;
+    }
+}
+
+void CommandVisitor::AddFolders(const FlagUse& use, std::vector<std::string>& folders) {
+    std::string_view rest = use.value;
+    while (use.match.isList && rest.find(',') != std::string_view::npos) {
+        folders.emplace_back(rest.substr(0, rest.find(',')));
+        rest.remove_prefix(rest.find(',') + 1);
+    }
+    folders.emplace_back(rest);
+}
+
 void CommandVisitor::Keep(const FlagUse& use) {
     std::string listed(use.handedOnBy);
     for (std::size_t i = 0; i < use.wordCount; ++i) {
@@ -212,23 +232,11 @@ void CommandVisitor::Keep(const FlagUse& use) {
     }
 }
 
-// Drivers skip the preprocessing of a file that is preprocessed already, and write no output then. Taken for a plain
-// source, it comes out as it is. In cl's family the source stands bare in the preprocessing command, whatever flag
-// named it, so that a stated language is said again.
-void StateLanguageOfSource(InputKind kind, std::string_view driver, ParsedCommand& command) {
-    const bool isPreprocessed = kind == InputKind::PreprocessedC || kind == InputKind::PreprocessedCpp;
-    if (isPreprocessed && !command.language) {
+// The text of a file that is preprocessed already has a language, too.
+void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
+    if (IsPreprocessed(kind) && !command.language) {
         const bool isCppDriver = FileNameOf(driver).find("++") != std::string_view::npos;
         command.language = kind == InputKind::PreprocessedC && !isCppDriver ? Language::C : Language::Cpp;
-    }
-    const bool isC = command.language == Language::C;
-    if (IsMsvcFamily(command.compilerType)) {
-        if (command.language) {
-            command.keptArguments.emplace_back(isC ? "/TC" : "/TP");
-        }
-    } else if (isPreprocessed) {
-        command.keptArguments.emplace_back("-x");
-        command.keptArguments.emplace_back(isC ? "c" : "c++");
     }
 }
 
@@ -251,10 +259,12 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.compilerType = model.Type();
     command.compilerPath = arguments.front();
     command.sourceFile = arguments[source.index].substr(source.offset);
+    command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source);
     ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
-    StateLanguageOfSource(visitor.KindOfSource(), arguments.front(), command);
+    StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
+    model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(arguments, command);
     return command;
 }

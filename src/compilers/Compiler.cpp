@@ -20,12 +20,47 @@ bool Compiler::MatchLongestPrefixFlag(std::string_view argument, std::string_vie
 
 void Compiler::FinishParse(std::span<const std::string> /*arguments*/, ParsedCommand& /*command*/) const {}
 
-std::optional<InputKind> Compiler::KindOfAllInputs(std::span<const std::string> /*arguments*/) const {
-    return std::nullopt;
+std::optional<InputKind> Compiler::KindOfAllInputs(std::span<const std::string> arguments) const {
+    std::optional<InputKind> kind;
+    if (!flags_.StatesLanguage()) {
+        return kind;
+    }
+    for (const std::string& argument : arguments) {
+        std::string_view introducer;
+        if (!MatchLongestPrefixFlag(argument, introducer)) {
+            continue;
+        }
+        const FlagMatch match = flags_.Find(std::string_view(argument).substr(introducer.size()), introducer);
+        if (match.kind != FlagKind::SourceOfLanguage) {
+            const std::optional<InputKind> named = KindNamedBy(match.effect);
+            kind = named ? named : kind;
+        }
+    }
+    return kind;
 }
+
+InputKind Compiler::KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const {
+    const InputKind kind = InputKindByExtension(path);
+    return ofAll && IsSource(kind) ? *ofAll : kind;
+}
+
+void Compiler::StateKindOfSource(InputKind /*kind*/, ParsedCommand& /*command*/) const {}
 
 const Compiler& Compiler::ModelOfHandedOn() const {
     return *this;
+}
+
+std::vector<std::string> Compiler::BeginPreprocessCommand(const ParsedCommand& command, std::size_t more) {
+    std::vector<std::string> words;
+    words.reserve(command.invocationPrefix.size() + 1 + command.keptArguments.size() + more);
+    words = command.invocationPrefix;
+    words.push_back(command.compilerPath);
+    words.insert(words.end(), command.keptArguments.begin(), command.keptArguments.end());
+    return words;
+}
+
+std::string Compiler::WithFolder(const std::string& source) {
+    return source.starts_with('-') || source.starts_with('@') ? "./" + source : source;
 }
 
 } // namespace Orvanta

@@ -5,6 +5,7 @@
 #include "compilers/InputKind.h"
 #include "compilers/ParsedCommand.h"
 
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,6 +13,28 @@
 #include <vector>
 
 namespace Orvanta {
+
+/// A flag that names a file with further arguments.
+struct OptionFileFlag {
+    enum class Value {
+        Glued,        ///< "-@FILE"
+        Next,         ///< "--f FILE"
+        GluedOrNext,  ///< "-fFILE" or "-f FILE"
+        EqualsOrNext, ///< "--via=FILE" or "--via FILE"
+    };
+
+    std::string_view flag; ///< with its introducer
+    Value value;
+};
+
+/// How a family's command names files with further arguments, and how their text is read: words with white space
+/// between them, in which double quotes hold blanks together and a backslash takes the meaning from a quote.
+struct OptionFileSyntax {
+    std::span<const OptionFileFlag> flags; ///< beside "@FILE"; the first that fits counts
+    bool lineComments = false;             ///< a line that begins with ";" or "#" is none
+    bool cComments = false;                ///< "//" and "/*" at a word's beginning open comments
+    bool viaQuotes = false; ///< apostrophes are quotes, too, and a backslash inside quotes takes a second one's meaning
+};
 
 /// The model of a compiler family: reads its command lines by a flag table and builds its preprocessing command.
 /// Immutable after construction; shared by all threads.
@@ -32,8 +55,21 @@ public:
     /// The family's last adjustment of what was read, made when all `arguments` have been seen.
     virtual void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const;
 
-    /// What a flag makes of every input file, before and behind it; no value when there is no such flag.
+    /// What a flag makes of every source, before and behind it; no value when there is no such flag.
     [[nodiscard]] virtual std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
+
+    /// What the compiler takes a file for by its name, when a flag makes `ofAll` of every source.
+    [[nodiscard]] virtual InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const;
+
+    /// Adds to the kept arguments what makes the compiler take the source for `kind` where it stands without the flag
+    /// that said so.
+    virtual void StateKindOfSource(InputKind kind, ParsedCommand& command) const;
+
+    /// Whether plain char is unsigned when no flag states it.
+    [[nodiscard]] virtual bool IsPlainCharUnsigned() const noexcept { return false; }
+
+    /// The files with further arguments that are not written "@FILE".
+    [[nodiscard]] virtual OptionFileSyntax OptionFiles() const noexcept { return {}; }
 
     /// The model that reads what flags such as "-Xclang" hand on.
     [[nodiscard]] virtual const Compiler& ModelOfHandedOn() const;
@@ -47,6 +83,15 @@ public:
 
 protected:
     Compiler(CompilerType type, std::string_view name, std::span<const std::string_view> introducers, FlagTable flags);
+
+    /// What every preprocessing command begins with: the words that stand before the compiler, the compiler, and the
+    /// kept arguments. `more` is the number of words that will follow.
+    [[nodiscard]] static std::vector<std::string> BeginPreprocessCommand(const ParsedCommand& command,
+                                                                         std::size_t more);
+
+    /// The source as it stands in a command: a name that a compiler would take for an option or a file with options is
+    /// written with its folder.
+    [[nodiscard]] static std::string WithFolder(const std::string& source);
 
 private:
     CompilerType type_;

@@ -192,6 +192,9 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     } else {
         AskForVersion(*info, workingDirectory, environment);
     }
+    if (log_.IsVerbose()) {
+        log_.VerboseLine("Compiler family: '" + path + "' is " + std::string(FamilyTitle(info->type)));
+    }
     judged_.emplace(path, info);
     return info;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace Orvanta {
 
@@ -26,5 +27,8 @@ enum class CompilerType : std::uint8_t {
 [[nodiscard]] constexpr bool IsMsvcFamily(CompilerType type) noexcept {
     return type == CompilerType::Cl || type == CompilerType::ClangCl;
 }
+
+/// What people call the family, such as "Keil 5".
+[[nodiscard]] std::string_view FamilyTitle(CompilerType type) noexcept;
 
 } // namespace Orvanta

@@ -18,25 +18,62 @@ bool StandsBefore(const FlagRow& left, const FlagRow& right) {
     return left.name.size() > right.name.size();
 }
 
-// Cheap tests first: only a row that could fit by its length and kind is compared byte by byte.
-bool Fits(const FlagRow& row, std::string_view argument) {
+// Whether an argument longer than the row's name, which begins with it, can be this flag.
+bool FitsAsBeginning(const FlagRow& row, std::string_view argument, std::string_view introducer) {
+    const char next = argument[row.name.size()];
+    switch (row.value) {
+    case FlagValue::OfKind:
+        return (TakesValue(row.kind) || row.name.back() == '=') && (row.kind != FlagKind::Preprocessor || next == ',');
+    case FlagValue::ShortGlued:
+        return introducer != "--";
+    case FlagValue::Long:
+        return next == '=';
+    case FlagValue::Glued:
+    case FlagValue::List:
+    case FlagValue::GluedAndNext:
+        return true;
+    }
+    return false;
+}
+
+// Cheap tests first: only a row that could fit by its length is compared byte by byte.
+bool Fits(const FlagRow& row, std::string_view argument, std::string_view introducer) {
     const std::size_t size = row.name.size();
     if (size == argument.size()) {
         return row.name == argument;
     }
-    const bool isGlued = row.value == FlagValue::Glued;
-    if (size > argument.size() || !(TakesValue(row.kind) || isGlued || row.name.back() == '=')) {
+    return size < argument.size() && FitsAsBeginning(row, argument, introducer) && argument.starts_with(row.name);
+}
+
+// Whether the value of the flag is the argument after it.
+bool TakesNext(const FlagRow& row, std::string_view rest) {
+    switch (row.value) {
+    case FlagValue::OfKind:
+        return rest.empty() && TakesValue(row.kind) && row.name.back() != '=';
+    case FlagValue::Long:
+    case FlagValue::List:
+        return rest.empty();
+    case FlagValue::GluedAndNext:
+        return true;
+    case FlagValue::Glued:
+    case FlagValue::ShortGlued:
         return false;
     }
-    return argument.starts_with(row.name) && (row.kind != FlagKind::Preprocessor || isGlued || argument[size] == ',');
+    return false;
+}
+
+bool StatesLanguageOfAll(const FlagRow& row) {
+    return row.kind != FlagKind::SourceOfLanguage &&
+           (row.effect == FlagEffect::NamesC || row.effect == FlagEffect::NamesCpp);
 }
 
 } // namespace
 
 FlagTable::FlagTable(std::span<const FlagRow> rows, std::span<const FlagRow> extension) {
     rows_.reserve(rows.size() + extension.size());
-    rows_.assign(rows.begin(), rows.end());
-    rows_.insert(rows_.end(), extension.begin(), extension.end());
+    rows_.assign(extension.begin(), extension.end());
+    rows_.insert(rows_.end(), rows.begin(), rows.end());
+    statesLanguage_ = std::any_of(rows_.begin(), rows_.end(), StatesLanguageOfAll);
     std::stable_sort(rows_.begin(), rows_.end(), StandsBefore);
 
     std::uint16_t row = 0;
@@ -58,11 +95,13 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
     const std::size_t end = firstOf_[first + std::size_t{1}];
     for (std::size_t i = firstOf_[first]; i < end && rows_[i].name.size() >= shortest; ++i) {
         const FlagRow& row = rows_[i];
-        if (Fits(row, argument)) {
-            const std::string_view rest = argument.substr(row.name.size());
-            const bool takesNext =
-                rest.empty() && TakesValue(row.kind) && row.value == FlagValue::OfKind && row.name.back() != '=';
-            return {row.kind, row.effect, takesNext, row.name, rest};
+        if (Fits(row, argument, introducer)) {
+            std::string_view rest = argument.substr(row.name.size());
+            const bool takesNext = TakesNext(row, rest);
+            if (row.value == FlagValue::Long && !rest.empty()) {
+                rest.remove_prefix(1);
+            }
+            return {row.kind, row.effect, takesNext, row.value == FlagValue::List, row.name, rest};
         }
     }
     return {};

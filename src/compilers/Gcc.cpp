@@ -98,6 +98,12 @@ constexpr FlagRow GccFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
 
+    // Where FinishParse does not decide itself, the last of these does.
+    {"fsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    {"funsigned-char", FlagKind::Keep, FlagEffect::UnsignedChar},
+    {"fno-signed-char", FlagKind::Keep, FlagEffect::UnsignedChar},
+
     // Every standard that has no row of its own.
     {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
 
@@ -269,11 +275,6 @@ constexpr FlagRow GccFlags[] = {
 // clang-format on
 static_assert(NamesAreUnique(GccFlags), "a name stands twice: its second row would never be read");
 
-// A name that a driver would take for an option or a response file.
-bool NeedsFolder(const std::string& source) {
-    return source.starts_with('-') || source.starts_with('@');
-}
-
 } // namespace
 
 Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}) {}
@@ -283,21 +284,26 @@ Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> exte
 
 std::vector<std::string> Gcc::BuildPreprocessCommand(const ParsedCommand& command,
                                                      const std::string& outputPath) const {
-    std::vector<std::string> words;
-    words.reserve(command.invocationPrefix.size() + command.keptArguments.size() + 6);
-    words = command.invocationPrefix;
-    words.push_back(command.compilerPath);
-    words.insert(words.end(), command.keptArguments.begin(), command.keptArguments.end());
+    std::vector<std::string> words = BeginPreprocessCommand(command, 5);
     words.emplace_back("-w");
     words.emplace_back(command.compilerType == CompilerType::Qcc ? "-P" : "-E");
     words.emplace_back("-o");
     words.push_back(outputPath);
-    words.push_back(NeedsFolder(command.sourceFile) ? "./" + command.sourceFile : command.sourceFile);
+    words.push_back(WithFolder(command.sourceFile));
     return words;
 }
 
 void Gcc::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
     command.unsignedChar = std::find(arguments.begin(), arguments.end(), "-funsigned-char") != arguments.end();
+}
+
+// Drivers skip the preprocessing of a file that is preprocessed already, and write no output then. Taken for a plain
+// source, it comes out as it is.
+void Gcc::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
+    if (IsPreprocessed(kind)) {
+        command.keptArguments.emplace_back("-x");
+        command.keptArguments.emplace_back(command.language == Language::C ? "c" : "c++");
+    }
 }
 
 } // namespace Orvanta

@@ -11,6 +11,7 @@ public:
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
     void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
 
 protected:
     /// A family with more flags than GCC's.

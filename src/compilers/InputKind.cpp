@@ -141,4 +141,14 @@ std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept
     return std::nullopt;
 }
 
+std::optional<InputKind> KindNamedBy(FlagEffect effect) noexcept {
+    if (effect == FlagEffect::NamesC) {
+        return InputKind::C;
+    }
+    if (effect == FlagEffect::NamesCpp) {
+        return InputKind::Cpp;
+    }
+    return effect == FlagEffect::NamesAssembly ? std::optional<InputKind>(InputKind::Assembly) : std::nullopt;
+}
+
 } // namespace Orvanta

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "compilers/FlagTable.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -25,6 +27,11 @@ enum class InputKind : std::uint8_t {
     return kind <= InputKind::PreprocessedCpp;
 }
 
+/// Whether the file is the text of a source that has been preprocessed.
+[[nodiscard]] constexpr bool IsPreprocessed(InputKind kind) noexcept {
+    return kind == InputKind::PreprocessedC || kind == InputKind::PreprocessedCpp;
+}
+
 /// The kind that a GNU driver sees in a file's extension. ".c" and ".C" differ.
 [[nodiscard]] InputKind InputKindByExtension(std::string_view path) noexcept;
 
@@ -37,5 +44,8 @@ enum class InputKind : std::uint8_t {
 /// The kind that a GNU driver's language word ("c++", "assembler", ...) gives to the files after it; no value for words
 /// that name no language, "none" among them.
 [[nodiscard]] std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept;
+
+/// The kind that a flag with this effect names; no value for the other effects.
+[[nodiscard]] std::optional<InputKind> KindNamedBy(FlagEffect effect) noexcept;
 
 } // namespace Orvanta

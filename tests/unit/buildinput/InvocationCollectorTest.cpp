@@ -17,7 +17,7 @@ using testing::HasSubstr;
 class InvocationCollectorTest : public testing::Test {
 protected:
     InvocationCollectorTest() {
-        for (const char* name : {"clang", "clang++", "qcc", "ccache"}) {
+        for (const char* name : {"clang", "clang++", "armcc", "ccache"}) {
             (void)MakeProgram(folder_, name);
         }
         (void)MakeProgram(folder_, "broken", "neither a script nor a program");
@@ -53,7 +53,7 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
         {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable,       "a.o",               "response file \"bad.rsp\": 'a.c"},
         {{"%/none", "-c", "a.c"},              CompilerUnusable, "a.c",               "%/none"                         },
         {{"%/broken", "-c", "a.c"},            CompilerUnusable, "a.c",               "%/broken"                       },
-        {{"%/qcc", "-c", "a.c"},               UnknownCompiler,  "a.c",               "not supported yet: QCC"         },
+        {{"%/armcc", "--via", "none.via"},     Unreadable,       "none.via",          "none.via"                       },
         {{"%/ccache", "%/clang", "-oa.o"},     SkippedLauncher,  "a.o",               "ccache command"                 },
         {{"%/clang", "a.o", "-o", "x"},        NotACompilation,  "x",                 ""                               },
         {{"%/clang", "--version"},             NotACompilation,  "%/clang --version", ""                               },

@@ -156,9 +156,9 @@ public:
 private:
     static constexpr std::string_view Introducers[] = {"-", "/"};
     static constexpr FlagRow Rows[] = {
-        {"Tc",   FlagKind::SourceOfLanguage},
-        {"Tp",   FlagKind::SourceOfLanguage},
-        {"link", FlagKind::LinkerPart      },
+        {"Tc",                  FlagKind::SourceOfLanguage, FlagEffect::NamesC},
+        {"Tp",                     FlagKind::SourceOfLanguage,                                            FlagEffect::NamesCpp},
+        {"link", FlagKind::LinkerPart},
     };
 };
 

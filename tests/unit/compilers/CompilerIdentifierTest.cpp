@@ -175,7 +175,8 @@ TEST_F(IdentifierTest, ReadsTheAnswerOfAFailedQueryFromBothOutputs) {
     EXPECT_EQ(version, "IAR Compiler\nV7.1\n");
     EXPECT_EQ(WithoutReturns(LogText()), "Compiler at path: '" + path + "' exists=true\n" +
                                              "Compiler version output command returned code 3.\nCommand: " + path +
-                                             " --version\nOutput:\n" + version + "\n");
+                                             " --version\nOutput:\n" + version + "\nCompiler family: '" + path +
+                                             "' is IAR for ARM before 8\n");
 }
 
 TEST_F(IdentifierTest, RunsTheQueryInTheInvocationsEnvironmentWithTheRunsChanges) {

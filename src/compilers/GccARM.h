@@ -1,0 +1,16 @@
+#pragma once
+
+#include "compilers/Gcc.h"
+
+namespace Orvanta {
+
+/// GCC for ARM as the processor's maker delivers it.
+class GccARM : public Gcc {
+public:
+    GccARM();
+    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+
+    [[nodiscard]] bool IsPlainCharUnsigned() const noexcept override { return true; }
+};
+
+} // namespace Orvanta

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "compilers/Gcc.h"
+
+namespace Orvanta {
+
+/// The compiler driver of QNX, in front of GCC.
+class Qcc : public Gcc {
+public:
+    Qcc();
+};
+
+} // namespace Orvanta
