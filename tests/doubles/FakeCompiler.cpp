@@ -140,6 +140,29 @@ void RejectUnknownSwitches(const Call& call, const std::string& acceptedSwitches
     }
 }
 
+// Copies the text of a file, with that of the files that it includes by quoted names in their places.
+void WriteText(std::ostream& output, const std::string& path, const std::string& text) {
+    constexpr std::string_view Include = "#include \"";
+    std::istringstream lines(text);
+    std::size_t number = 0;
+    for (std::string line; std::getline(lines, line);) {
+        ++number;
+        if (!line.starts_with(Include)) {
+            output << line << '\n';
+            continue;
+        }
+        const std::string name = line.substr(Include.size(), line.rfind('"') - Include.size());
+        const std::string header = JoinPath(DirectoryOf(path), name);
+        if (!PathExists(header)) {
+            std::cerr << "fake-compiler: no such file: " << header << std::endl;
+            std::exit(EXIT_FAILURE);
+        }
+        output << "# 1 \"" << header << "\" 1\n";
+        WriteText(output, header, ReadText(header));
+        output << "# " << number + 1 << " \"" << path << "\" 2\n";
+    }
+}
+
 void Preprocess(const Call& call) {
     std::ofstream output(NativePath(call.output), std::ios::binary);
     if (std::any_of(call.script.begin(), call.script.end(),
@@ -156,7 +179,8 @@ void Preprocess(const Call& call) {
             output << "// " << step.rest << '=' << EnvironmentVariable(step.rest).value_or("(not set)") << '\n';
         }
     }
-    output << text << std::flush;
+    WriteText(output, call.source, text);
+    output << std::flush;
     if (!output) {
         std::cerr << "fake-compiler: can't write to " << call.output << std::endl;
         std::exit(EXIT_FAILURE);

@@ -10,6 +10,12 @@
 //   hang                              goes on until it is killed
 //   spawn-hanging-child               the same for a child, which then hangs beside this process
 //   crash / exit N
+//   listing STEP / first-run STEP     a step of the listing of dependencies, or of the collecting stage; the steps
+//                                     without such a word are those of an analysis
+//
+// It lists the files that the line markers of the preprocessed text name. In the collecting stage it leaves the unit's
+// source as the unit's information, in the linking stage it gathers that of all units (or plays the step in
+// FAKE_CORE_MERGE), and in the performing stage it reports what was gathered as one more finding.
 
 #include "doubles/Script.h"
 #include "doubles/SiblingProcess.h"
@@ -30,6 +36,7 @@
 #include <iostream>
 #include <map>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -97,7 +104,7 @@ void Record(const Unit& unit, const std::vector<std::string>& arguments) {
     record["arguments"] = arguments;
     record["directory"] = CurrentDirectory();
     record["settings"] = unit.settingsText;
-    record["preprocessed"] = ReadText(Value(unit, "i-file"));
+    record["preprocessed"] = Value(unit, "i-file").empty() ? "" : ReadText(Value(unit, "i-file"));
     const auto now = std::chrono::system_clock::now().time_since_epoch().count();
     const std::string name = std::to_string(now) + '-' + std::to_string(std::random_device()());
     const std::filesystem::path path = NativePath(JoinPath(unit.recordFolder, name + ".json"));
@@ -188,7 +195,76 @@ void PlayLine(const Unit& unit, const ScriptLine& step, const std::string& progr
     }
 }
 
+// The steps of the unit's script that begin with `prefix`, a word and a blank, without it; those without such a word
+// for an empty prefix.
+std::vector<ScriptLine> StepsOf(const Unit& unit, std::string_view prefix) {
+    std::vector<ScriptLine> steps;
+    for (ScriptLine& step : ReadScript(Value(unit, "source-file") + ".script")) {
+        const bool hasPrefix = step.word == "listing" || step.word == "first-run";
+        if (hasPrefix && step.word == prefix) {
+            std::string rest = step.rest;
+            std::string word = TakeWord(rest);
+            steps.push_back({std::move(word), std::move(rest)});
+        } else if (!hasPrefix && prefix.empty()) {
+            steps.push_back(std::move(step));
+        }
+    }
+    return steps;
+}
+
+void PlayAll(const Unit& unit, std::string_view prefix, const std::string& program) {
+    for (const ScriptLine& step : StepsOf(unit, prefix)) {
+        PlayLine(unit, step, program);
+    }
+}
+
+void ListDependencies(const Unit& unit) {
+    std::set<std::string> listed;
+    std::istringstream lines(ReadText(Value(unit, "i-file")));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t begin = line.find(" \"");
+        const std::size_t end = line.rfind('"');
+        if (!line.starts_with("# ") || begin == std::string::npos || end <= begin + 2 || line[begin + 2] == '<') {
+            continue;
+        }
+        const std::string path = line.substr(begin + 2, end - begin - 2);
+        if (!path.ends_with("//") && listed.insert(path).second) {
+            std::cout << "<}include{>" << path << "\r\n";
+        }
+    }
+}
+
+void Merge(const Unit& unit, const std::string& program) {
+    std::istringstream step(EnvironmentVariable("FAKE_CORE_MERGE").value_or(""));
+    std::string word;
+    std::string rest;
+    if (step >> word && (std::getline(step >> std::ws, rest) || true)) {
+        PlayLine(unit, {word, rest}, program);
+    }
+    std::istringstream list(ReadText(Value(unit, "intermodular-unit-list")));
+    std::ofstream merged(NativePath(Value(unit, "intermodular-file")), std::ios::binary);
+    for (std::string path; std::getline(list, path);) {
+        merged << ReadText(path);
+    }
+}
+
+void PlayStage(const Unit& unit) {
+    const std::string stage = Value(unit, "intermodular");
+    if (stage == "first-run") {
+        std::ofstream(NativePath(Value(unit, "intermodular-unit-file")), std::ios::binary) << UnitName(unit) << ' ';
+    } else if (stage == "second-run") {
+        AppendText(unit, FindingLine(unit, Value(unit, "source-file"),
+                                     "V1071 2 1 Linked: " + ReadText(Value(unit, "intermodular-file"))) +
+                             '\n');
+    }
+}
+
 void Play(const Unit& unit, const std::string& program) {
+    PlayStage(unit);
+    if (Value(unit, "intermodular") == "first-run") {
+        PlayAll(unit, "first-run", program);
+        return;
+    }
     const std::string script = Value(unit, "source-file") + ".script";
     if (!PathExists(script)) {
         const std::string text = StableText(Value(unit, "i-file"));
@@ -198,9 +274,7 @@ void Play(const Unit& unit, const std::string& program) {
         return;
     }
     AppendText(unit, "");
-    for (const ScriptLine& step : ReadScript(script)) {
-        PlayLine(unit, step, program);
-    }
+    PlayAll(unit, "", program);
 }
 
 } // namespace
@@ -215,6 +289,14 @@ int main(int argc, char** argv) {
     unit.settings = ParseLines(unit.settingsText);
     unit.recordFolder = EnvironmentVariable("FAKE_CORE_RECORD").value_or("");
     Record(unit, arguments);
-    Play(unit, JoinPath(ProgramDirectory(), FileNameOf(arguments.front())));
+    const std::string program = JoinPath(ProgramDirectory(), FileNameOf(arguments.front()));
+    if (arguments.back() == "--skip-analysis") {
+        PlayAll(unit, "listing", program);
+        ListDependencies(unit);
+    } else if (Value(unit, "intermodular") == "merge-info") {
+        Merge(unit, program);
+    } else {
+        Play(unit, program);
+    }
     return EXIT_SUCCESS;
 }

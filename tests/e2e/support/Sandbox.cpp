@@ -258,7 +258,11 @@ std::vector<CoreCall> Sandbox::CoreCalls() const {
 std::vector<std::string> Sandbox::AnalyzedSources() const {
     std::vector<std::string> sources;
     for (const CoreCall& call : CoreCalls()) {
-        sources.push_back(call.Setting("source-file"));
+        const bool isListing = call.arguments.back() == "--skip-analysis";
+        const std::string stage = call.Setting("intermodular");
+        if (!isListing && stage != "first-run" && stage != "merge-info") {
+            sources.push_back(call.Setting("source-file"));
+        }
     }
     return sources;
 }

@@ -113,7 +113,7 @@ public:
 
     /// The calls of the fake core in all runs so far, by the name of the unit's source.
     [[nodiscard]] std::vector<CoreCall> CoreCalls() const;
-    /// The sources of these calls.
+    /// The sources of those calls that analyzed a unit: not the listings, nor the stages before the last.
     [[nodiscard]] std::vector<std::string> AnalyzedSources() const;
     void ForgetCoreCalls() const;
     /// What runs have left in the folder for temporary files, lock files excepted.
