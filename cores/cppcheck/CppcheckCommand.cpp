@@ -84,6 +84,34 @@ void AddLibraries(Arguments& command, std::string_view platform) {
     }
 }
 
+constexpr std::string_view AllChecks = "--enable=warning,style,performance,portability";
+constexpr std::string_view BuildFolder = "--cppcheck-build-dir=.";
+
+Arguments CommonWords(const std::string& program) {
+    return {program,
+            "--quiet",
+            "-j",
+            "1",
+            "--template=" + CppcheckTemplate(),
+            "--template-location=" + CppcheckLocationTemplate()};
+}
+
+void AddUnitWords(Arguments& command, const UnitSettings& unit) {
+    command.emplace_back(unit.language == UnitLanguage::C ? "--language=c" : "--language=c++");
+    if (const std::string_view standard = CppcheckStandard(unit.standard); !standard.empty()) {
+        command.push_back("--std=" + std::string(standard));
+    }
+    const std::string platform = CppcheckPlatform(unit);
+    command.push_back("--platform=" + platform);
+    AddLibraries(command, platform);
+    for (const std::string_view definition : Definitions) {
+        command.push_back("-D" + std::string(definition));
+    }
+    for (const std::string_view check : SuppressedChecks) {
+        command.push_back("--suppress=" + std::string(check));
+    }
+}
+
 } // namespace
 
 std::string_view CppcheckStandard(std::string_view standard) {
@@ -102,23 +130,26 @@ std::string CppcheckPlatform(const UnitSettings& unit) {
 }
 
 Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit, const std::string& textPath) {
-    Arguments command = {program, "--quiet", "-j", "1", "--enable=warning,style,performance,portability"};
-    command.emplace_back(unit.language == UnitLanguage::C ? "--language=c" : "--language=c++");
-    if (const std::string_view standard = CppcheckStandard(unit.standard); !standard.empty()) {
-        command.push_back("--std=" + std::string(standard));
-    }
-    const std::string platform = CppcheckPlatform(unit);
-    command.push_back("--platform=" + platform);
-    AddLibraries(command, platform);
-    for (const std::string_view definition : Definitions) {
-        command.push_back("-D" + std::string(definition));
-    }
-    for (const std::string_view check : SuppressedChecks) {
-        command.push_back("--suppress=" + std::string(check));
-    }
-    command.push_back("--template=" + CppcheckTemplate());
-    command.push_back("--template-location=" + CppcheckLocationTemplate());
+    Arguments command = CommonWords(program);
+    command.emplace_back(AllChecks);
+    AddUnitWords(command, unit);
     command.push_back(textPath);
+    return command;
+}
+
+Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings& unit, const std::string& textName) {
+    Arguments command = CommonWords(program);
+    command.emplace_back(BuildFolder);
+    AddUnitWords(command, unit);
+    command.push_back(textName);
+    return command;
+}
+
+Arguments CppcheckLinkCommand(const std::string& program, const Arguments& textNames) {
+    Arguments command = CommonWords(program);
+    command.emplace_back(AllChecks);
+    command.emplace_back(BuildFolder);
+    command.insert(command.end(), textNames.begin(), textNames.end());
     return command;
 }
 

@@ -18,4 +18,13 @@ namespace Orvanta {
 [[nodiscard]] Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit,
                                         const std::string& textPath);
 
+/// The command that lets `program` leave the facts of the unit's cut text in the current directory, where that text is
+/// the file `textName`. Of findings, it writes only errors.
+[[nodiscard]] Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings& unit,
+                                               const std::string& textName);
+
+/// The command that lets `program` run its whole-program step over the current directory as its build folder. It looks
+/// at the files `textNames` again unless what is there belongs to them.
+[[nodiscard]] Arguments CppcheckLinkCommand(const std::string& program, const Arguments& textNames);
+
 } // namespace Orvanta

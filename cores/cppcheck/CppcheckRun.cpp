@@ -1,11 +1,11 @@
 #include "cppcheck/CppcheckRun.h"
 
 #include "cppcheck/CppcheckCommand.h"
+#include "cppcheck/ScopedFolder.h"
 #include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "platform/Process.h"
 #include "platform/Text.h"
 
 namespace Orvanta {
@@ -33,6 +33,12 @@ private:
     std::string path_;
 };
 
+std::string_view ExtensionFor(UnitLanguage language) {
+    return language == UnitLanguage::C ? ".c" : ".cpp";
+}
+
+} // namespace
+
 std::string FindCppcheck() {
     std::string program = FindExecutable("cppcheck");
     if (program.empty()) {
@@ -42,18 +48,11 @@ std::string FindCppcheck() {
     return program;
 }
 
-} // namespace
-
-CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
-    const std::string program = FindCppcheck();
-    const std::string textPath = unit.preprocessedPath + (unit.language == UnitLanguage::C ? ".cut.c" : ".cut.cpp");
-    const ScopedFile textFile(textPath, cutText);
+CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& workingDirectory) {
     std::string standardOutput;
     std::string standardError;
-    // Cppcheck looks for its libraries in the current directory first: in the unit's own, any file could be one.
-    const StartConditions conditions{std::string(DirectoryOf(unit.preprocessedPath)), OwnEnvironmentBlock(),
-                                     ProcessGroup::Inherited};
-    Process process(CppcheckCommand(program, unit, textPath), conditions, MakeRedirectToStringProcessor(standardOutput),
+    const StartConditions conditions{workingDirectory, OwnEnvironmentBlock(), ProcessGroup::Inherited};
+    Process process(command, conditions, MakeRedirectToStringProcessor(standardOutput),
                     MakeRedirectToStringProcessor(standardError));
     const int exitCode = process.get_exit_status();
     CppcheckOutput output = ReadCppcheckOutput(standardError);
@@ -62,6 +61,26 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
                             std::string(Trim(output.otherText + standardOutput)));
     }
     return output;
+}
+
+CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
+    const std::string program = FindCppcheck();
+    const std::string textPath = unit.preprocessedPath + ".cut" + std::string(ExtensionFor(unit.language));
+    const ScopedFile textFile(textPath, cutText);
+    // Cppcheck looks for its libraries in the current directory first: in the unit's own, any file could be one.
+    return RunCppcheckCommand(CppcheckCommand(program, unit, textPath),
+                              std::string(DirectoryOf(unit.preprocessedPath)));
+}
+
+CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText) {
+    const std::string program = FindCppcheck();
+    const ScopedFolder folder(unit.preprocessedPath + ".facts");
+    const std::string textName = "unit" + std::string(ExtensionFor(unit.language));
+    OutputFile(JoinPath(folder.Path(), textName), OutputFile::Mode::Replace).Append(cutText);
+    CppcheckCollection collection;
+    collection.output = RunCppcheckCommand(CppcheckCollectCommand(program, unit, textName), folder.Path());
+    collection.analyzerInformation = ReadWholeFile(JoinPath(folder.Path(), "unit.a1"));
+    return collection;
 }
 
 } // namespace Orvanta

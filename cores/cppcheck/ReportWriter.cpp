@@ -1,13 +1,15 @@
 #include "cppcheck/ReportWriter.h"
 
+#include "cppcheck/FileAlias.h"
 #include "cppcheck/SourceLines.h"
-#include "cppcheck/SystemTextCutter.h"
 #include "platform/Exceptions.h"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
+#include <utility>
 
 namespace Orvanta {
 
@@ -45,32 +47,47 @@ struct Place {
     TextOrigin origin;
 };
 
-// A finding without a place, or with one outside of the unit's files, is laid to the first line of the source.
-Place ResolvePlace(const CppcheckLocation& location, std::span<const MarkedFile> files) {
-    const auto file = ReadAlias(location.file);
-    if (!file || file->index >= files.size() || location.line == 0) {
-        return {&files.front(), 1, TextOrigin::File};
+/// The places that Cppcheck names in a unit's files, which must outlive the object.
+class Places {
+public:
+    explicit Places(std::span<const MarkedFile> files) : source_(files.front()) {
+        for (const MarkedFile& file : files) {
+            fileByKey_.emplace(FileKey(file.path), &file);
+        }
     }
-    return {&files[file->index], location.line, file->origin};
-}
+
+    // A finding without a place, or with one outside of the unit's files, is laid to the first line of the source.
+    [[nodiscard]] Place Resolve(const CppcheckLocation& location) const {
+        const auto alias = ReadAlias(location.file);
+        const auto file = alias ? fileByKey_.find(alias->key) : fileByKey_.end();
+        if (file == fileByKey_.end() || location.line == 0) {
+            return {&source_, 1, TextOrigin::File};
+        }
+        return {file->second, location.line, alias->origin};
+    }
+
+private:
+    const MarkedFile& source_;
+    std::unordered_map<std::uint64_t, const MarkedFile*> fileByKey_;
+};
 
 // Not those in system headers, and of those in the text of their macros only faults: its style is not the user's.
-bool IsForTheUser(const CppcheckFinding& finding, std::span<const MarkedFile> files) {
-    const Place place = ResolvePlace(finding.location, files);
+bool IsForTheUser(const CppcheckFinding& finding, const Places& places) {
+    const Place place = places.Resolve(finding.location);
     return !Contains(DroppedSeverities, finding.severity) && !place.file->isSystem &&
            (place.origin == TextOrigin::File || LevelOf(finding.severity) < LowLevel);
 }
 
-ReportMessage MakeMessage(const CppcheckFinding& finding, std::span<const MarkedFile> files, SourceLines& lines) {
+ReportMessage MakeMessage(const CppcheckFinding& finding, const Places& places, SourceLines& lines) {
     ReportMessage message;
     message.code = "External";
     message.level = LevelOf(finding.severity);
     message.cwe = finding.cwe;
     message.message = "[" + finding.id + "] " + finding.message;
-    const Place primary = ResolvePlace(finding.location, files);
+    const Place primary = places.Resolve(finding.location);
     message.positions.push_back(lines.At(primary.file->path, primary.line));
     for (const CppcheckLocation& location : finding.path) {
-        const Place place = ResolvePlace(location, files);
+        const Place place = places.Resolve(location);
         const bool isKnown = std::any_of(message.positions.begin(), message.positions.end(), [&](const auto& known) {
             return known.line == place.line && known.file == place.file->path;
         });
@@ -94,10 +111,14 @@ bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
 std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> findings,
                                               std::span<const MarkedFile> files) {
     std::vector<ReportMessage> messages;
+    if (findings.empty()) {
+        return messages;
+    }
+    const Places places(files);
     SourceLines lines;
     for (const CppcheckFinding& finding : findings) {
-        if (IsForTheUser(finding, files)) {
-            messages.push_back(MakeMessage(finding, files, lines));
+        if (IsForTheUser(finding, places)) {
+            messages.push_back(MakeMessage(finding, places, lines));
         }
     }
     std::stable_sort(messages.begin(), messages.end(), IsBefore);
@@ -105,10 +126,19 @@ std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> f
     return messages;
 }
 
+void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage> others) {
+    for (ReportMessage& other : others) {
+        const auto place = std::lower_bound(messages.begin(), messages.end(), other, IsBefore);
+        if (place == messages.end() || IsBefore(other, *place)) {
+            messages.insert(place, std::move(other));
+        }
+    }
+}
+
 void ThrowIfNotAnalyzed(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files) {
     for (const CppcheckFinding& finding : findings) {
         if (Contains(FailureIds, finding.id)) {
-            const Place place = ResolvePlace(finding.location, files);
+            const Place place = Places(files).Resolve(finding.location);
             // The rest of the text shows the definitions that this core hands to Cppcheck.
             const std::string_view text = finding.message;
             throw ZelmException("Cppcheck can't read this unit: " + place.file->path + ", line " +

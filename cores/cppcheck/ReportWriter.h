@@ -10,10 +10,14 @@
 namespace Orvanta {
 
 /// The findings in a user's own files as report messages, in order of file, line and Cppcheck's identifier, each once.
-/// `files` are those of the unit's cut text, by whose aliases Cppcheck names places; any other name stands for the
-/// unit's source.
+/// `files` are those of the unit, whose aliases Cppcheck names places by, its source first; any other name stands for
+/// the source.
 [[nodiscard]] std::vector<OrvlogConverter::ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> findings,
                                                                              std::span<const MarkedFile> files);
+
+/// Adds those of the `others` that say something new of a place. The order of the messages is kept.
+void AddFindings(std::vector<OrvlogConverter::ReportMessage>& messages,
+                 std::vector<OrvlogConverter::ReportMessage> others);
 
 /// Makes sure that Cppcheck has looked at the unit: it tells by a finding when it could not read the text.
 /// \throws ZelmException with the place and the reason

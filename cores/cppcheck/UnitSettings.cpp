@@ -39,22 +39,49 @@ bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, st
     return word == "yes";
 }
 
+struct StageWord {
+    std::string_view word;
+    IntermodularStage stage;
+};
+
+constexpr StageWord StageWords[] = {
+    {"first-run",  IntermodularStage::Collecting},
+    {"merge-info", IntermodularStage::Linking   },
+    {"second-run", IntermodularStage::Performing},
+};
+
+std::string RequiredPath(const SettingsMap& settings, const std::string& settingsPath, std::string_view key,
+                         std::string_view currentDirectory) {
+    return NormalizePath(JoinPath(currentDirectory, RequiredValue(settings, settingsPath, key)));
+}
+
 } // namespace
+
+IntermodularStage ReadIntermodularStage(const SettingsMap& settings, const std::string& settingsPath) {
+    const auto word = LastValue(settings, "intermodular");
+    if (!word) {
+        return IntermodularStage::None;
+    }
+    for (const StageWord& row : StageWords) {
+        if (row.word == *word) {
+            return row.stage;
+        }
+    }
+    Fail(settingsPath,
+         R"("intermodular" is ")" + *word + R"(", but "first-run", "merge-info" or "second-run" is )" + "expected");
+}
 
 UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& settingsPath,
                               std::string_view currentDirectory) {
-    if (const auto stage = LastValue(settings, "intermodular")) {
-        Fail(settingsPath, R"("intermodular" is ")" + *stage + R"(", but this core has no intermodular stages)");
-    }
-    const auto absolute = [&](const std::string& path) {
-        return NormalizePath(JoinPath(currentDirectory, path));
+    const auto requiredPath = [&](std::string_view key) {
+        return RequiredPath(settings, settingsPath, key, currentDirectory);
     };
 
     UnitSettings unit;
-    unit.preprocessedPath = absolute(RequiredValue(settings, settingsPath, "i-file"));
-    unit.sourcePath = absolute(RequiredValue(settings, settingsPath, "source-file"));
+    unit.preprocessedPath = requiredPath("i-file");
+    unit.sourcePath = requiredPath("source-file");
     if (const std::string path = LastValue(settings, "output-file").value_or(""); !path.empty()) {
-        unit.outputPath = absolute(path);
+        unit.outputPath = NormalizePath(JoinPath(currentDirectory, path));
     }
     unit.language = ReadLanguage(settings, settingsPath);
     unit.standard = LastValue(settings, "std").value_or("");
@@ -64,7 +91,22 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     unit.outputFormat = ReadSwitch(settings, settingsPath, "new-output-format", "yes")
                             ? OrvlogConverter::LineFormat::Json
                             : OrvlogConverter::LineFormat::Raw;
+    unit.stage = ReadIntermodularStage(settings, settingsPath);
+    if (unit.stage == IntermodularStage::Collecting) {
+        unit.informationPath = requiredPath("intermodular-unit-file");
+    } else if (unit.stage == IntermodularStage::Performing) {
+        unit.mergedPath = requiredPath("intermodular-file");
+    }
     return unit;
+}
+
+LinkSettings ReadLinkSettings(const SettingsMap& settings, const std::string& settingsPath,
+                              std::string_view currentDirectory) {
+    LinkSettings link;
+    link.listPath = RequiredPath(settings, settingsPath, "intermodular-unit-list", currentDirectory);
+    link.mergedPath = RequiredPath(settings, settingsPath, "intermodular-file", currentDirectory);
+    link.workFolder = NormalizePath(JoinPath(currentDirectory, settingsPath)) + ".link";
+    return link;
 }
 
 } // namespace Orvanta

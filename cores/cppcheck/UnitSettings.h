@@ -10,6 +10,14 @@ namespace Orvanta {
 
 enum class UnitLanguage { C, Cpp };
 
+/// What a run of the core is in an analysis across units.
+enum class IntermodularStage {
+    None,       ///< no part of one
+    Collecting, ///< leaves a unit's information behind
+    Linking,    ///< looks at the information of all units
+    Performing, ///< analyzes a unit, with what the linking found
+};
+
 /// What the core needs to know of one unit. Paths are absolute and normalised.
 struct UnitSettings {
     std::string preprocessedPath;
@@ -21,11 +29,29 @@ struct UnitSettings {
     bool isPlainCharUnsigned = false;
     std::string preprocessor; ///< the name of the compiler's family, such as "gcc"
     OrvlogConverter::LineFormat outputFormat = OrvlogConverter::LineFormat::Json;
+    IntermodularStage stage = IntermodularStage::None; ///< never Linking
+    std::string informationPath;                       ///< when collecting: the file for the unit's information
+    std::string mergedPath;                            ///< when performing: the file that the linking wrote
 };
+
+/// What the linking is told. Paths are absolute and normalised.
+struct LinkSettings {
+    std::string listPath;   ///< lists the files with the units' information
+    std::string mergedPath; ///< to be written
+    std::string workFolder; ///< of this run's own; does not exist yet
+};
+
+/// The stage that the settings ask for.
+/// \throws ZelmException naming `settingsPath` and the key when its word is not known
+[[nodiscard]] IntermodularStage ReadIntermodularStage(const SettingsMap& settings, const std::string& settingsPath);
 
 /// Takes the unit's record out of its settings; relative paths are taken from `currentDirectory`.
 /// \throws ZelmException naming `settingsPath` and the key that is missing, wrong or not supported
 [[nodiscard]] UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& settingsPath,
+                                            std::string_view currentDirectory);
+
+/// The same for the linking, which has no unit.
+[[nodiscard]] LinkSettings ReadLinkSettings(const SettingsMap& settings, const std::string& settingsPath,
                                             std::string_view currentDirectory);
 
 } // namespace Orvanta

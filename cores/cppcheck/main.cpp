@@ -1,4 +1,5 @@
 #include "cppcheck/CoreOptions.h"
+#include "cppcheck/Linking.h"
 #include "cppcheck/Unit.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -16,13 +17,22 @@ namespace {
 
 void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
-    const Orvanta::UnitSettings unit = Orvanta::ReadUnitSettings(Orvanta::ReadSettingsFile(options.settingsPath),
-                                                                 options.settingsPath, currentDirectory);
+    const Orvanta::SettingsMap settings = Orvanta::ReadSettingsFile(options.settingsPath);
+    if (options.task == Orvanta::CoreTask::Analyze &&
+        Orvanta::ReadIntermodularStage(settings, options.settingsPath) == Orvanta::IntermodularStage::Linking) {
+        std::cerr << Orvanta::LinkUnits(Orvanta::ReadLinkSettings(settings, options.settingsPath, currentDirectory));
+        return;
+    }
+    const Orvanta::UnitSettings unit = Orvanta::ReadUnitSettings(settings, options.settingsPath, currentDirectory);
     switch (options.task) {
     case Orvanta::CoreTask::ListDependencies:
         Orvanta::WriteToStandardOutput(Orvanta::DependencyLines(unit, currentDirectory));
         break;
     case Orvanta::CoreTask::Analyze:
+        if (unit.stage == Orvanta::IntermodularStage::Collecting) {
+            std::cerr << Orvanta::CollectFacts(unit, currentDirectory);
+            break;
+        }
         if (unit.outputPath.empty()) {
             throw Orvanta::ZelmException(options.settingsPath + ": the key \"output-file\" is missing or empty");
         }

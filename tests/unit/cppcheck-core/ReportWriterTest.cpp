@@ -1,5 +1,6 @@
 #include "cppcheck/ReportWriter.h"
 
+#include "cppcheck/FileAlias.h"
 #include "platform/Exceptions.h"
 #include "support/TestFolder.h"
 
@@ -17,6 +18,11 @@ const MarkedFile Files[] = {
     {"/opt/x/sys.h", true,  true},
 };
 
+const std::string Source = AliasOf("/p/u.cpp", TextOrigin::File);
+const std::string SourceMacro = AliasOf("/p/u.cpp", TextOrigin::SystemMacro);
+const std::string Header = AliasOf("/p/a.h", TextOrigin::File);
+const std::string SystemHeader = AliasOf("/opt/x/sys.h", TextOrigin::File);
+
 CppcheckFinding Finding(CppcheckLocation location, std::string severity, std::string id) {
     return {std::move(location), std::move(severity), std::move(id), 7, "text", {}};
 }
@@ -32,15 +38,15 @@ std::vector<std::string> Summaries(std::span<const CppcheckFinding> findings) {
 
 TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
     const std::vector<CppcheckFinding> findings = {
-        Finding({"f0.cpp", 10}, "style", "b"),
-        Finding({"f0.cpp", 9}, "warning", "c"),
-        Finding({"f0.cpp", 10}, "performance", "a"),
-        Finding({"f1.h", 70}, "error", "d"),
-        Finding({"f1.h", 70}, "error", "d"),
-        Finding({"f2.h", 1}, "error", "inSystemHeader"),
-        Finding({"f0.cpp", 1}, "information", "aboutCppcheck"),
-        Finding({"s0.cpp", 2}, "style", "styleOfASystemMacro"),
-        Finding({"s0.cpp", 2}, "warning", "f"),
+        Finding({Source, 10}, "style", "b"),
+        Finding({Source, 9}, "warning", "c"),
+        Finding({Source, 10}, "performance", "a"),
+        Finding({Header, 70}, "error", "d"),
+        Finding({Header, 70}, "error", "d"),
+        Finding({SystemHeader, 1}, "error", "inSystemHeader"),
+        Finding({Source, 1}, "information", "aboutCppcheck"),
+        Finding({SourceMacro, 2}, "style", "styleOfASystemMacro"),
+        Finding({SourceMacro, 2}, "warning", "f"),
         Finding({"nofile", 0}, "portability", "e"),
     };
     EXPECT_THAT(Summaries(findings),
@@ -54,11 +60,12 @@ TEST(ReportMessages, CarryThePathAndTheSourceLines) {
     const MarkedFile files[] = {
         {path, false, true}
     };
-    CppcheckFinding finding = Finding({"f0.c", 3}, "error", "nullPointer");
+    const std::string alias = AliasOf(path, TextOrigin::File);
+    CppcheckFinding finding = Finding({alias, 3}, "error", "nullPointer");
     finding.path = {
-        {"f0.c", 1},
-        {"f0.c", 3},
-        {"f0.c", 1}
+        {alias, 1},
+        {alias, 3},
+        {alias, 1}
     };
     const auto messages = MakeReportMessages({&finding, 1}, files);
 
@@ -79,8 +86,26 @@ TEST(ReportMessages, CarryThePathAndTheSourceLines) {
     EXPECT_THAT(messages, ElementsAre(expected));
 }
 
+TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
+    const std::vector<CppcheckFinding> own = {Finding({Source, 9}, "error", "b"), Finding({Header, 5}, "error", "b")};
+    std::vector<CppcheckFinding> others = {Finding({Source, 9}, "error", "b"), Finding({Source, 9}, "error", "a"),
+                                           Finding({Source, 7}, "error", "b")};
+    others.front().path = {
+        {Header, 1}
+    };
+    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, Files);
+    AddFindings(messages, MakeReportMessages(others, Files));
+    std::vector<std::pair<std::uint32_t, std::string>> summaries;
+    for (const OrvlogConverter::ReportMessage& message : messages) {
+        summaries.emplace_back(message.positions.front().line, message.message);
+        EXPECT_EQ(message.positions.size(), 1U);
+    }
+    EXPECT_THAT(summaries, ElementsAre(testing::Pair(5, "[b] text"), testing::Pair(7, "[b] text"),
+                                       testing::Pair(9, "[a] text"), testing::Pair(9, "[b] text")));
+}
+
 TEST(ReportMessages, AUnitThatCppcheckCantReadIsNoCleanOne) {
-    CppcheckFinding finding = Finding({"f1.h", 4}, "error", "syntaxError");
+    CppcheckFinding finding = Finding({Header, 4}, "error", "syntaxError");
     finding.message = "Unmatched '{'. Configuration: '__null=NULL'.";
     try {
         ThrowIfNotAnalyzed({&finding, 1}, Files);

@@ -1,5 +1,6 @@
 #include "cppcheck/SystemTextCutter.h"
 
+#include "cppcheck/FileAlias.h"
 #include "support/HostPath.h"
 
 #include <gtest/gtest.h>
@@ -52,23 +53,23 @@ const CutCase CutCases[] = {
 
 class SystemTextCutter : public testing::TestWithParam<CutCase> {};
 
+// The rows number the files of a unit; their keys are not for readers.
+std::string WithNumbersForKeys(CutText cut) {
+    for (std::size_t i = 0; i < cut.files.size(); ++i) {
+        const std::string key = std::to_string(FileKey(cut.files[i].path));
+        for (std::size_t at = cut.text.find(key); at != std::string::npos; at = cut.text.find(key, at)) {
+            cut.text.replace(at, key.size(), std::to_string(i));
+        }
+    }
+    return cut.text;
+}
+
 TEST_P(SystemTextCutter, LeavesUsersTextAtItsPlace) {
-    EXPECT_EQ(CutSystemText(GetParam().text, HostPath("/p/u.cpp"), HostPath("/p")).text, GetParam().cut);
+    EXPECT_EQ(WithNumbersForKeys(CutSystemText(GetParam().text, HostPath("/p/u.cpp"), HostPath("/p"))), GetParam().cut);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, SystemTextCutter, testing::ValuesIn(CutCases),
                          [](const auto& row) { return std::string(row.param.name); });
-
-TEST(SystemTextCutterFiles, AliasesLeadBackToTheirFiles) {
-    const AliasedFile written = {12, TextOrigin::File};
-    const AliasedFile expanded = {0, TextOrigin::SystemMacro};
-    EXPECT_EQ(ReadAlias(AliasOf(written, "/p/a.b/u.cpp")), written);
-    EXPECT_EQ(ReadAlias(AliasOf(expanded, "/p/u")), expanded);
-    EXPECT_EQ(AliasOf(written, "/p/u.c\"x"), "f12");
-    for (const char* name : {"", "f", "s.c", "nofile", "/p/f1.c", "f1x.c"}) {
-        EXPECT_FALSE(ReadAlias(name).has_value()) << name;
-    }
-}
 
 } // namespace
 } // namespace Orvanta

@@ -33,12 +33,14 @@ TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
         const char* value; // null: the key is left out
         const char* message;
     } const cases[] = {
-        {"i-file",            nullptr,     "u.cfg: the key \"i-file\" is missing or empty"                       },
-        {"source-file",       "",          "u.cfg: the key \"source-file\" is missing or empty"                  },
-        {"language",          "c",         R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"           },
-        {"new-output-format", "on",        R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
-        {"intermodular",      "first-run",
-         R"(u.cfg: "intermodular" is "first-run", but this core has no intermodular stages)"                     },
+        {"i-file",            nullptr,      "u.cfg: the key \"i-file\" is missing or empty"                       },
+        {"source-file",       "",           "u.cfg: the key \"source-file\" is missing or empty"                  },
+        {"language",          "c",          R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"           },
+        {"new-output-format", "on",         R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
+        {"intermodular",      "third-run",
+         R"(u.cfg: "intermodular" is "third-run", but "first-run", "merge-info" or "second-run" is expected)"     },
+        {"intermodular",      "first-run",  "u.cfg: the key \"intermodular-unit-file\" is missing or empty"       },
+        {"intermodular",      "second-run", "u.cfg: the key \"intermodular-file\" is missing or empty"            },
     };
 
     for (const auto& row : cases) {
@@ -54,6 +56,21 @@ TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
             EXPECT_STREQ(error.what(), row.message);
         }
     }
+}
+
+TEST(UnitSettings, LinkingNeedsNoUnit) {
+    SettingsMap settings = {
+        {"intermodular",           "merge-info"},
+        {"intermodular-file",      "m.dfo"     },
+        {"intermodular-unit-list", "t/list"    },
+    };
+    EXPECT_EQ(ReadIntermodularStage(settings, "t/m.cfg"), IntermodularStage::Linking);
+    const LinkSettings link = ReadLinkSettings(settings, "t/m.cfg", HostPath("/p"));
+    EXPECT_EQ(link.mergedPath, HostPath("/p/m.dfo"));
+    EXPECT_EQ(link.listPath, HostPath("/p/t/list"));
+    EXPECT_EQ(link.workFolder, HostPath("/p/t/m.cfg.link"));
+    settings.erase("intermodular-unit-list");
+    EXPECT_THROW(static_cast<void>(ReadLinkSettings(settings, "t/m.cfg", HostPath("/p"))), ZelmException);
 }
 
 } // namespace

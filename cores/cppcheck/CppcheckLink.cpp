@@ -1,0 +1,85 @@
+#include "cppcheck/CppcheckLink.h"
+
+#include "cppcheck/CppcheckCommand.h"
+#include "cppcheck/CppcheckRun.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::string_view EndTag = "</analyzerinfo>";
+
+// Cppcheck builds a tree of a whole part, many times its size.
+constexpr std::size_t PartSize = std::size_t{4} << 20;
+
+std::string TextName(std::size_t part) {
+    return std::to_string(part) + ".c";
+}
+
+std::string InformationName(std::size_t part) {
+    return std::to_string(part) + ".a1";
+}
+
+void WriteFile(const std::string& path, std::string_view text) {
+    OutputFile(path, OutputFile::Mode::Replace).Append(text);
+}
+
+} // namespace
+
+CppcheckLink::CppcheckLink(std::string folder) : folder_(std::move(folder)), program_(FindCppcheck()) {
+    WriteFile(JoinPath(folder_, TextName(0)), "");
+    static_cast<void>(RunCppcheckCommand(CppcheckLinkCommand(program_, {TextName(0)}), folder_));
+    frame_ = ReadWholeFile(JoinPath(folder_, InformationName(0)));
+    const std::size_t end = frame_.rfind(EndTag);
+    if (end == std::string::npos) {
+        throw ZelmException("Cppcheck's build folder has a form that is not understood");
+    }
+    frame_.resize(end);
+}
+
+void CppcheckLink::Add(std::span<const FactGroup> facts) {
+    for (const FactGroup& group : facts) {
+        FactGroup unknown{group.check, group.kind, {}};
+        for (const std::string& fact : group.facts) {
+            if (known_.insert(FingerprintBuilder().Add(group.check).Add(group.kind).Add(fact).Value()).second) {
+                unknown.facts.push_back(fact);
+            }
+        }
+        if (!unknown.facts.empty()) {
+            AppendFactGroup(part_, unknown);
+        }
+    }
+    if (part_.size() >= PartSize) {
+        WritePart();
+    }
+}
+
+void CppcheckLink::WritePart() {
+    WriteFile(JoinPath(folder_, TextName(partCount_)), "");
+    WriteFile(JoinPath(folder_, InformationName(partCount_)), frame_ + part_ + std::string(EndTag) + "\n");
+    ++partCount_;
+    part_.clear();
+}
+
+CppcheckOutput CppcheckLink::Run() {
+    WritePart();
+    known_.clear();
+    Arguments textNames;
+    for (std::size_t part = 0; part < partCount_; ++part) {
+        textNames.push_back(TextName(part));
+    }
+    const std::string last = JoinPath(folder_, InformationName(partCount_ - 1));
+    const auto sizeBefore = FileSize(last);
+    CppcheckOutput output = RunCppcheckCommand(CppcheckLinkCommand(program_, textNames), folder_);
+    if (FileSize(last) != sizeBefore) {
+        throw ZelmException("this version of Cppcheck does not take over what it is told of analyzed units");
+    }
+    return output;
+}
+
+} // namespace Orvanta

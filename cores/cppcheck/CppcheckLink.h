@@ -1,0 +1,45 @@
+#pragma once
+
+#include "cppcheck/AnalyzerInformation.h"
+#include "cppcheck/CppcheckOutput.h"
+#include "platform/Fingerprint.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <unordered_set>
+
+namespace Orvanta {
+
+/// Runs Cppcheck's whole-program step over the facts of many units, none of which is analyzed again: Cppcheck finds a
+/// build folder that already holds all facts, as those of a few empty files, and believes it.
+class CppcheckLink {
+public:
+    /// Works in `folder`, which is empty.
+    /// \throws ZelmException when Cppcheck is missing or fails
+    explicit CppcheckLink(std::string folder);
+
+    /// Facts that were added before, such as those of a header, are not added again.
+    /// \throws ZelmException when they can't be written
+    void Add(std::span<const FactGroup> facts);
+
+    /// The last call.
+    /// \throws ZelmException when Cppcheck fails, or does not believe
+    [[nodiscard]] CppcheckOutput Run();
+
+private:
+    struct FingerprintHash {
+        std::size_t operator()(const Fingerprint& value) const noexcept { return static_cast<std::size_t>(value.low); }
+    };
+
+    void WritePart();
+
+    std::string folder_;
+    std::string program_;
+    std::string frame_; // what Cppcheck writes for an empty file, up to its end tag
+    std::string part_;  // the facts that are not written yet
+    std::size_t partCount_ = 0;
+    std::unordered_set<Fingerprint, FingerprintHash> known_;
+};
+
+} // namespace Orvanta

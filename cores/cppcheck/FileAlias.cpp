@@ -1,0 +1,58 @@
+#include "cppcheck/FileAlias.h"
+
+#include "platform/Hash.h"
+#include "platform/Paths.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace Orvanta {
+
+namespace {
+
+bool IsPlainExtension(std::string_view extension) {
+    return std::all_of(extension.begin(), extension.end(), [](char character) {
+        const char lower = ToLowerAscii(character);
+        return (lower >= 'a' && lower <= 'z') || IsDigit(character) || character == '.' || character == '+';
+    });
+}
+
+// Compilers of Windows do not agree on the case of letters.
+std::string OneSpelling(std::string_view path) {
+    return HostPathRules() == PathRules::Windows ? ToLowerAscii(path) : std::string(path);
+}
+
+constexpr char FilePrefix = 'f';
+constexpr char MacroPrefix = 's';
+
+} // namespace
+
+std::uint64_t FileKey(std::string_view path) {
+    return Fnv1a(OneSpelling(path));
+}
+
+std::string AliasOf(std::string_view path, TextOrigin origin) {
+    std::string alias(1, origin == TextOrigin::SystemMacro ? MacroPrefix : FilePrefix);
+    alias += std::to_string(FileKey(path));
+    if (const std::string extension = OneSpelling(ExtensionOf(path)); IsPlainExtension(extension)) {
+        alias += extension;
+    }
+    return alias;
+}
+
+std::optional<AliasedFile> ReadAlias(std::string_view alias) {
+    if (!alias.starts_with(FilePrefix) && !alias.starts_with(MacroPrefix)) {
+        return std::nullopt;
+    }
+    AliasedFile file;
+    file.origin = alias.front() == MacroPrefix ? TextOrigin::SystemMacro : TextOrigin::File;
+    const char* const end = alias.data() + alias.size();
+    const auto [rest, error] = std::from_chars(alias.data() + 1, end, file.key);
+    if (error != std::errc() || (rest != end && *rest != '.')) {
+        return std::nullopt;
+    }
+    return file;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,95 @@
+#include "cppcheck/Linking.h"
+
+#include "cppcheck/CppcheckLink.h"
+#include "cppcheck/FileAlias.h"
+#include "cppcheck/MergedFindings.h"
+#include "cppcheck/ReportWriter.h"
+#include "cppcheck/ScopedFolder.h"
+#include "cppcheck/UnitInformation.h"
+#include "platform/Files.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Orvanta {
+
+namespace {
+
+std::vector<std::string> ReadList(const std::string& path) {
+    const std::string text = ReadWholeFile(path);
+    std::vector<std::string> lines;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t end = rest.find('\n');
+        std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+        if (line.ends_with('\r')) {
+            line.remove_suffix(1);
+        }
+        if (!line.empty()) {
+            lines.emplace_back(line);
+        }
+    }
+    return lines;
+}
+
+/// The files that facts stand in, and the units that hold facts of each.
+class FactFiles {
+public:
+    void Add(std::uint32_t unit, const std::vector<std::string>& paths) {
+        for (const std::string& path : paths) {
+            std::vector<std::uint32_t>& units = unitsByFile_[FileKey(path)];
+            if (units.empty()) {
+                files_.push_back({path, false, true});
+            }
+            units.push_back(unit);
+        }
+    }
+
+    [[nodiscard]] const std::vector<MarkedFile>& Files() const noexcept { return files_; }
+
+    // A fault whose places one unit holds alone is found when that unit is analyzed.
+    [[nodiscard]] bool IsSeenByOneUnit(const CppcheckFinding& finding) const {
+        std::vector<std::uint32_t> units = UnitsWith(finding.location);
+        for (const CppcheckLocation& location : finding.path) {
+            const std::vector<std::uint32_t> others = UnitsWith(location);
+            std::vector<std::uint32_t> both;
+            std::set_intersection(units.begin(), units.end(), others.begin(), others.end(), std::back_inserter(both));
+            units = std::move(both);
+        }
+        return !units.empty();
+    }
+
+private:
+    [[nodiscard]] std::vector<std::uint32_t> UnitsWith(const CppcheckLocation& location) const {
+        const auto alias = ReadAlias(location.file);
+        const auto units = alias ? unitsByFile_.find(alias->key) : unitsByFile_.end();
+        return units == unitsByFile_.end() ? std::vector<std::uint32_t>() : units->second;
+    }
+
+    std::vector<MarkedFile> files_;
+    std::unordered_map<std::uint64_t, std::vector<std::uint32_t>> unitsByFile_; // in ascending order
+};
+
+} // namespace
+
+std::string LinkUnits(const LinkSettings& settings) {
+    const std::vector<std::string> unitPaths = ReadList(settings.listPath);
+    const ScopedFolder folder(settings.workFolder);
+    CppcheckLink link(folder.Path());
+    FactFiles factFiles;
+    for (std::uint32_t unit = 0; unit < unitPaths.size(); ++unit) {
+        const UnitInformation information = ReadUnitInformation(unitPaths[unit]);
+        factFiles.Add(unit, information.files);
+        link.Add(information.facts);
+    }
+    CppcheckOutput output = link.Run();
+    std::erase_if(output.findings, [&](const CppcheckFinding& finding) { return factFiles.IsSeenByOneUnit(finding); });
+    WriteMergedFindings(settings.mergedPath, MakeReportMessages(output.findings, factFiles.Files()));
+    return std::move(output.otherText);
+}
+
+} // namespace Orvanta
