@@ -6,6 +6,8 @@
 //
 //   version-exit N / version-hang / version-remove-self     what "--version" does
 //   version-stderr TEXT / version-show-variable NAME        what else it prints
+//   strict COMPILER            reads every command as that compiler does, refuses what it would refuse, and writes
+//                              what it has understood into the preprocessed text
 //   accept-only SWITCH...      fails for a switch that begins with none of these
 //   std-number N / std-number-c++ N / hang-on-probe      what probing for the language standard comes to
 //   empty-output               leaves the preprocessed text empty
@@ -13,6 +15,7 @@
 //   stdout TEXT / stderr TEXT / touch FILE / wait-for FILE / hang / exit N
 
 #include "doubles/Script.h"
+#include "doubles/StrictCompiler.h"
 #include "platform/Environment.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
@@ -26,6 +29,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -40,6 +44,7 @@ struct Call {
     std::string source;
     std::string output;
     std::vector<ScriptLine> script;
+    std::optional<Understanding> understanding; // of a strict compiler
 };
 
 // "-o OUTPUT", and the source where no flag stands.
@@ -85,6 +90,17 @@ std::vector<std::string> WithResponseFiles(const std::vector<std::string>& words
     return expanded;
 }
 
+void ReadAsStrict(Call& call, const std::string& compiler) {
+    try {
+        call.understanding = ReadStrictly(compiler, call.program, call.arguments);
+        call.source = call.understanding->source;
+        call.output = call.understanding->output;
+    } catch (const Refusal& refusal) {
+        std::cerr << FileNameOf(call.program) << ": " << refusal.what() << std::endl;
+        std::exit(EXIT_FAILURE);
+    }
+}
+
 Call ReadCall(const std::vector<std::string>& words) {
     Call call;
     call.program = JoinPath(ProgramDirectory(), FileNameOf(words.front()));
@@ -125,6 +141,20 @@ int PrintVersion(const Call& call) {
         }
     }
     return EXIT_SUCCESS;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : "|") + word;
+    }
+    return text;
+}
+
+std::string UnderstandingLines(const Understanding& understanding) {
+    return "// language: " + understanding.language + "\n// standard: " + understanding.standard +
+           "\n// plain char: " + (understanding.isPlainCharUnsigned ? "unsigned" : "signed") +
+           "\n// includes: " + Joined(understanding.includes) + "\n// defines: " + Joined(understanding.defines) + '\n';
 }
 
 void RejectUnknownSwitches(const Call& call, const std::string& acceptedSwitches) {
@@ -171,6 +201,10 @@ void Preprocess(const Call& call) {
     }
     output << "// " << CommandLineText(call.arguments) << "\n# 1 \"" << call.source << "\"\n";
     std::string text = ReadText(call.source);
+    if (call.understanding) {
+        output << UnderstandingLines(*call.understanding);
+        text = IsProbe(call) ? VersionOfStandard(call.understanding->standard) + "\n" : text;
+    }
     for (const ScriptLine& step : call.script) {
         const bool isForCpp = step.word == "std-number-c++" && !call.source.ends_with(".c");
         if (IsProbe(call) && (step.word == "std-number" || isForCpp)) {
@@ -210,10 +244,15 @@ void PlayLine(const Call& call, const ScriptLine& step) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const Call call = ReadCall(ProgramArguments(argc, argv));
+    Call call = ReadCall(ProgramArguments(argc, argv));
     AppendLine(call.program + ".calls", CommandLineText(call.arguments));
     if (call.arguments.size() == 1 && call.arguments.front() == "--version") {
         return PrintVersion(call);
+    }
+    for (const ScriptLine& step : call.script) {
+        if (step.word == "strict") {
+            ReadAsStrict(call, step.rest);
+        }
     }
     for (const ScriptLine& step : call.script) {
         PlayLine(call, step);
