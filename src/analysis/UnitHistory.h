@@ -47,6 +47,9 @@ public:
     /// \throws ZelmException when a file that is there can't be opened
     [[nodiscard]] ReadResult Read();
 
+    /// Why the last `Read` found the file unreadable; empty when it did not.
+    [[nodiscard]] const std::string& Fault() const;
+
     /// Whether the files that the unit is made of are known, and none of them, nor the unit's inputs, has changed
     /// since.
     [[nodiscard]] bool KnowsDependencies(std::size_t unit);

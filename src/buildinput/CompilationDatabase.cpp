@@ -1,6 +1,7 @@
 #include "buildinput/CompilationDatabase.h"
 
 #include "buildinput/VariableName.h"
+#include "platform/BlockReader.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 
@@ -9,7 +10,6 @@
 #include <algorithm>
 #include <exception>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string_view>
 #include <vector>
@@ -29,62 +29,6 @@ constexpr std::string_view Number = "number";
 constexpr std::string_view String = "string";
 constexpr std::string_view Array = "array";
 constexpr std::string_view Object = "object";
-
-/// Hands out a stream's bytes from blocks: much faster than the stream's own iterators.
-class BlockReader {
-public:
-    explicit BlockReader(std::istream& input) : input_(input), block_(BlockSize) {}
-
-    [[nodiscard]] bool IsAtEnd() { return next_ == end_ && !ReadBlock(); }
-
-    [[nodiscard]] const char& Current() const { return *next_; }
-
-    void Advance() { ++next_; }
-
-private:
-    bool ReadBlock() {
-        input_.read(block_.data(), static_cast<std::streamsize>(block_.size()));
-        if (input_.bad()) {
-            throw ZelmException("Couldn't read the compilation database to its end");
-        }
-        next_ = block_.data();
-        end_ = next_ + input_.gcount();
-        return next_ != end_;
-    }
-
-    std::istream& input_;
-    std::vector<char> block_;
-    const char* next_ = nullptr;
-    const char* end_ = nullptr;
-};
-
-/// The reader's place as an iterator, as the JSON library takes its input. Without a reader: the end.
-class BlockIterator {
-public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = char;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const char*;
-    using reference = const char&;
-
-    BlockIterator() = default;
-
-    explicit BlockIterator(BlockReader& reader) : reader_(&reader) {}
-
-    reference operator*() const { return reader_->Current(); }
-
-    BlockIterator& operator++() {
-        reader_->Advance();
-        return *this;
-    }
-
-    bool operator==(const BlockIterator& end) const {
-        return reader_ == end.reader_ || (end.reader_ == nullptr && reader_->IsAtEnd());
-    }
-
-private:
-    BlockReader* reader_ = nullptr;
-};
 
 /// A member that is to be a text: the type that it has (empty: it is absent) and, if that is right, the text.
 struct TextMember {

@@ -1,0 +1,281 @@
+#include "analysis/DependencyInfo.h"
+
+#include "platform/BlockReader.h"
+#include "platform/Exceptions.h"
+#include "report/JsonText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+using nlohmann::json;
+using OrvlogConverter::AppendJsonString;
+
+enum class Member { Other, Id, Arguments, Dependencies };
+
+struct MemberName {
+    std::string_view name;
+    Member member;
+};
+
+constexpr MemberName MemberNames[] = {
+    {"arguments",    Member::Arguments   },
+    {"dependencies", Member::Dependencies},
+    {"id",           Member::Id          },
+};
+
+Member MemberOf(std::string_view name) {
+    for (const MemberName& row : MemberNames) {
+        if (row.name == name) {
+            return row.member;
+        }
+    }
+    return Member::Other;
+}
+
+[[noreturn]] void FailField(std::string_view name, const std::string& fault) {
+    throw ZelmException("field " + std::string(name) + " " + fault);
+}
+
+/// A field that is an array of texts. Used again for the next entry, so that its strings keep their memory.
+struct TextArray {
+    std::vector<std::string>* texts;
+    std::size_t count = 0;
+    bool isFound = false;
+
+    void Begin() {
+        count = 0;
+        isFound = true;
+    }
+
+    void Add(const std::string& text) {
+        if (count == texts->size()) {
+            texts->emplace_back();
+        }
+        (*texts)[count++] = text;
+    }
+
+    void Finish(std::string_view name) const {
+        if (!isFound) {
+            FailField(name, "is not found");
+        }
+        texts->resize(count);
+    }
+};
+
+/// Takes the parser's events. Every fault ends the reading: a file that is not of this form is of no use.
+class EntryHandler {
+public:
+    explicit EntryHandler(const std::function<void(const DependencyInfoEntry&)>& take) : take_(take) {}
+
+    // The names and results of these functions are the JSON library's: true means to go on.
+    bool null() { return member_ == Member::Id && place_ == Place::Entry ? true : TakeOther(); }
+
+    bool boolean(bool) { return TakeOther(); }
+
+    bool number_integer(json::number_integer_t) { return TakeOther(); }
+
+    bool number_unsigned(json::number_unsigned_t) { return TakeOther(); }
+
+    bool number_float(json::number_float_t, const std::string&) { return TakeOther(); }
+
+    bool binary(json::binary_t&) { return TakeOther(); }
+
+    bool string(std::string& text);
+
+    bool start_object(std::size_t);
+
+    bool start_array(std::size_t);
+
+    bool end_object();
+
+    bool end_array();
+
+    bool key(std::string& name) {
+        if (place_ == Place::Entry) {
+            member_ = MemberOf(name);
+        }
+        return true;
+    }
+
+    template <typename Exception>
+    bool parse_error(std::size_t, const std::string&, const Exception& error) {
+        throw error;
+    }
+
+private:
+    enum class Place { Document, Entries, Entry, Texts, Skipped };
+
+    bool TakeOther();
+    bool Skip();
+    bool EndSkipped();
+    void FinishEntry();
+
+    const std::function<void(const DependencyInfoEntry&)>& take_;
+    Place place_ = Place::Document;
+    std::size_t skippedDepth_ = 0;
+    Member member_ = Member::Other;
+    DependencyInfoEntry entry_;
+    TextArray arguments_{&entry_.arguments};
+    TextArray dependencies_{&entry_.dependencies};
+    TextArray* texts_ = nullptr; // the one that is being read
+};
+
+/// A value that is none of those that are read: right only where nothing is read.
+bool EntryHandler::TakeOther() {
+    switch (place_) {
+    case Place::Document:
+        throw ZelmException("an array of entries is expected");
+    case Place::Entries:
+        throw ZelmException("an entry is no object");
+    case Place::Entry:
+        if (member_ == Member::Id) {
+            FailField("id", "is no text");
+        }
+        if (member_ != Member::Other) {
+            FailField(member_ == Member::Arguments ? "arguments" : "dependencies", "is no array");
+        }
+        break;
+    case Place::Texts:
+        FailField(texts_ == &arguments_ ? "arguments" : "dependencies", "holds something other than texts");
+    case Place::Skipped:
+        break;
+    }
+    return true;
+}
+
+bool EntryHandler::string(std::string& text) {
+    if (place_ == Place::Texts) {
+        texts_->Add(text);
+        return true;
+    }
+    if (place_ == Place::Entry && member_ == Member::Id) {
+        entry_.id = text;
+        return true;
+    }
+    return TakeOther();
+}
+
+bool EntryHandler::start_object(std::size_t) {
+    if (place_ != Place::Entries) {
+        return Skip();
+    }
+    place_ = Place::Entry;
+    entry_.id.reset();
+    arguments_.isFound = dependencies_.isFound = false;
+    return true;
+}
+
+bool EntryHandler::start_array(std::size_t) {
+    if (place_ == Place::Document) {
+        place_ = Place::Entries;
+        return true;
+    }
+    if (place_ != Place::Entry || (member_ != Member::Arguments && member_ != Member::Dependencies)) {
+        return Skip();
+    }
+    texts_ = member_ == Member::Arguments ? &arguments_ : &dependencies_;
+    texts_->Begin();
+    place_ = Place::Texts;
+    return true;
+}
+
+// An array or object of which nothing is read.
+bool EntryHandler::Skip() {
+    TakeOther();
+    place_ = Place::Skipped;
+    ++skippedDepth_;
+    return true;
+}
+
+bool EntryHandler::EndSkipped() {
+    if (--skippedDepth_ == 0) {
+        place_ = Place::Entry;
+    }
+    return true;
+}
+
+bool EntryHandler::end_object() {
+    if (place_ == Place::Skipped) {
+        return EndSkipped();
+    }
+    FinishEntry();
+    place_ = Place::Entries;
+    return true;
+}
+
+bool EntryHandler::end_array() {
+    if (place_ == Place::Skipped) {
+        return EndSkipped();
+    }
+    place_ = place_ == Place::Texts ? Place::Entry : Place::Document;
+    return true;
+}
+
+void EntryHandler::FinishEntry() {
+    arguments_.Finish("arguments");
+    dependencies_.Finish("dependencies");
+    take_(entry_);
+}
+
+} // namespace
+
+void ReadDependencyInfo(std::istream& input, const std::function<void(const DependencyInfoEntry&)>& take) {
+    BlockReader reader(input);
+    EntryHandler handler(take);
+    try {
+        json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
+    } catch (const json::exception& error) {
+        throw ZelmException(error.what());
+    }
+}
+
+DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path), text_("[") {}
+
+void DependencyInfoWriter::Add(std::string_view id, const ArgumentList& arguments, const PathTable& paths,
+                               std::span<const std::uint32_t> dependencies) {
+    for (auto number = static_cast<std::uint32_t>(pathTexts_.size()); number < paths.Size(); ++number) {
+        AppendJsonString(pathTexts_.emplace_back(), paths.Reported(number));
+    }
+    text_ += std::exchange(isFirst_, false) ? "\n{\"arguments\":[" : ",\n{\"arguments\":[";
+    std::string_view separator;
+    for (const std::string& argument : arguments.ToVector()) {
+        text_ += separator;
+        AppendJsonString(text_, argument);
+        separator = ",";
+    }
+    text_ += "],\"dependencies\":[";
+    separator = {};
+    for (const std::uint32_t number : dependencies) {
+        text_ += separator;
+        text_ += pathTexts_[number];
+        separator = ",";
+    }
+    text_ += "],\"id\":";
+    AppendJsonString(text_, id);
+    text_ += '}';
+    constexpr std::size_t BlockSize = std::size_t{64} << 10U;
+    if (text_.size() >= BlockSize) {
+        WriteText();
+    }
+}
+
+ContentFingerprint DependencyInfoWriter::Commit() {
+    text_ += "\n]\n";
+    WriteText();
+    file_.Commit();
+    return content_.Value();
+}
+
+void DependencyInfoWriter::WriteText() {
+    file_.Append(text_);
+    content_.Add(text_);
+    text_.clear();
+}
+
+} // namespace Orvanta

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "analysis/HistoryFile.h"
+#include "platform/FileStamp.h"
+#include "platform/FileSystemClock.h"
+#include "platform/Fingerprint.h"
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvanta {
+
+/// The form in which the names of one file are the same text: normalised and, where the system's names don't regard
+/// case, in lower case.
+[[nodiscard]] std::string ComparablePath(std::string_view path);
+
+/// The files that units are made of, in all versions that some unit saw. Each file is looked up on disk once in a run,
+/// and read only where its stamp does not tell whether it is a known version.
+///
+/// Any thread may call any function but `Adopt`.
+class FileVersions {
+public:
+    using Moment = std::chrono::steady_clock::time_point;
+
+    /// `folder` is where the clock of the file system is read, and made for that if need be.
+    explicit FileVersions(std::string folder);
+
+    /// Takes over what an earlier run knew. To be called before any other function.
+    void Adopt(PathTable paths, std::vector<FileVersion> versions);
+
+    /// The number of the file that a core has reported for a unit which runs in `directory`.
+    [[nodiscard]] std::uint32_t NumberOf(std::string_view reported, const std::string& directory);
+
+    /// Looks at a file, unless that has been done. Waits for another thread that is doing it.
+    void LookAt(std::uint32_t file);
+
+    /// The version of a file of which it is not known how a unit saw it.
+    [[nodiscard]] std::uint32_t UnseenVersion(std::uint32_t file);
+
+    /// The version that a unit saw which was begun at `begin` and has ended: UnseenVersion where that can't be told.
+    [[nodiscard]] std::uint32_t VersionSeenBy(std::uint32_t file, Moment begin);
+
+    /// Whether the file has this version now.
+    [[nodiscard]] bool IsCurrent(std::uint32_t version);
+
+    /// The file that it is a version of.
+    [[nodiscard]] std::uint32_t FileOf(std::uint32_t version) const;
+
+    /// How many versions there are.
+    [[nodiscard]] std::uint32_t Count() const;
+
+    /// Looks once more at the files whose versions VersionSeenBy has given out: where one has changed since, units may
+    /// have seen it one way or the other, and what was given out becomes a version that is not known.
+    void DoubtChanged();
+
+    /// Whether more is known of a version than was adopted: worth saving.
+    [[nodiscard]] bool HasLearned() const;
+
+    /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
+    void CopyUsed(std::span<std::uint32_t> lists, PathTable& paths, std::vector<FileVersion>& versions);
+
+    /// By file: its path in the comparable form.
+    [[nodiscard]] std::vector<std::string> ComparablePaths() const;
+
+private:
+    static constexpr std::uint32_t None = 0xFFFFFFFFU;
+
+    /// What is known of a file in this run.
+    struct File {
+        std::once_flag once;
+        Moment looked;                  // set by the look, as all up to `isSteady`
+        std::optional<FileStamp> stamp; // absent: no file
+        Fingerprint content;            // when it is no known version
+        bool isKnown = false;           // whether the content could be read
+        std::uint32_t current = None;   // the version that it is, guarded by mutex_, as all that follows
+        std::uint32_t firstVersion = None;
+        bool isGivenOut = false;
+        bool isDoubted = false;
+    };
+
+    using Lock = std::lock_guard<std::mutex>;
+
+    void Look(std::uint32_t number, File& file);
+    void ReadContent(File& file, const std::string& path);
+    void FindCurrent(File& file, const Lock& lock);
+    [[nodiscard]] bool IsProven(const FileStamp& stamp, Moment looked);
+    [[nodiscard]] const FileSystemClock* Clock();
+    [[nodiscard]] std::uint32_t FindVersion(const File& file, Sight sight, const Lock& lock) const;
+    std::uint32_t AddVersion(File& file, const FileVersion& version, const Lock& lock);
+    std::uint32_t FindOrAddVersion(std::uint32_t number, Sight sight, const Lock& lock);
+    void AddFiles(const Lock& lock);
+
+    std::string folder_;
+    std::once_flag clockOnce_;
+    std::optional<FileSystemClock> clock_; // absent where the file system gives none
+
+    mutable std::mutex mutex_;
+    PathTable paths_;                        // guarded by mutex_, as all that follows
+    std::vector<FileVersion> versions_;      //
+    std::vector<std::uint32_t> nextVersion_; // of the same file, by version
+    std::deque<File> files_;                 // by path; its elements stay where they are
+    bool hasLearned_ = false;
+};
+
+} // namespace Orvanta

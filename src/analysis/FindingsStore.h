@@ -1,0 +1,59 @@
+#pragma once
+
+#include "analysis/HistoryFile.h"
+#include "platform/Files.h"
+
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// The findings of many units, in one file that only grows: what a kept range tells of is never written over. Any
+/// thread may call any function of it.
+class FindingsStore {
+public:
+    /// A file of its own in `folder`, under a new number, made when there is something to write.
+    explicit FindingsStore(std::string folder);
+
+    /// Goes on with the first `end` bytes of the file `number`; false when they are not there.
+    [[nodiscard]] bool Continue(std::uint64_t number, std::uint64_t end);
+
+    /// \throws ZelmException: the path, then the system's reason
+    [[nodiscard]] FindingsRange Append(std::string_view text);
+
+    /// \throws ZelmException when the text can't be read or is not what was appended
+    [[nodiscard]] std::string Read(const FindingsRange& range) const;
+
+    /// 0: there is no file.
+    [[nodiscard]] std::uint64_t Number() const;
+
+    /// How many bytes of the file count.
+    [[nodiscard]] std::uint64_t End() const;
+
+    /// Removes the files of all other stores from the folder, as far as that is possible now.
+    void RemoveOthers() const noexcept;
+
+private:
+    [[nodiscard]] std::string FileName(std::uint64_t number) const;
+
+    std::string folder_;
+    mutable std::mutex mutex_;
+    std::uint64_t number_ = 0;         // guarded by mutex_, as all that follows
+    std::uint64_t end_ = 0;            //
+    std::optional<OutputFile> output_; // once something is written
+    mutable std::ifstream input_;      // once something is read
+};
+
+/// Moves the findings of `units` into a new store when most of what is in this one belongs to no unit any more; null
+/// otherwise. What can't be read is not moved, and the unit has no result then.
+/// \throws ZelmException when the new file can't be written; the units are as before then
+[[nodiscard]] std::unique_ptr<FindingsStore> CompactFindings(const FindingsStore& store, const std::string& folder,
+                                                             std::span<KnownUnit> units);
+
+} // namespace Orvanta
