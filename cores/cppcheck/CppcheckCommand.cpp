@@ -84,7 +84,6 @@ void AddLibraries(Arguments& command, std::string_view platform) {
     }
 }
 
-constexpr std::string_view AllChecks = "--enable=warning,style,performance,portability";
 constexpr std::string_view BuildFolder = "--cppcheck-build-dir=.";
 
 Arguments CommonWords(const std::string& program) {
@@ -92,6 +91,7 @@ Arguments CommonWords(const std::string& program) {
             "--quiet",
             "-j",
             "1",
+            "--enable=warning,style,performance,portability",
             "--template=" + CppcheckTemplate(),
             "--template-location=" + CppcheckLocationTemplate()};
 }
@@ -131,23 +131,19 @@ std::string CppcheckPlatform(const UnitSettings& unit) {
 
 Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit, const std::string& textPath) {
     Arguments command = CommonWords(program);
-    command.emplace_back(AllChecks);
     AddUnitWords(command, unit);
     command.push_back(textPath);
     return command;
 }
 
 Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings& unit, const std::string& textName) {
-    Arguments command = CommonWords(program);
+    Arguments command = CppcheckCommand(program, unit, textName);
     command.emplace_back(BuildFolder);
-    AddUnitWords(command, unit);
-    command.push_back(textName);
     return command;
 }
 
 Arguments CppcheckLinkCommand(const std::string& program, const Arguments& textNames) {
     Arguments command = CommonWords(program);
-    command.emplace_back(AllChecks);
     command.emplace_back(BuildFolder);
     command.insert(command.end(), textNames.begin(), textNames.end());
     return command;

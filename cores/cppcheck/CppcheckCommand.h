@@ -18,8 +18,7 @@ namespace Orvanta {
 [[nodiscard]] Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit,
                                         const std::string& textPath);
 
-/// The command that lets `program` leave the facts of the unit's cut text in the current directory, where that text is
-/// the file `textName`. Of findings, it writes only errors.
+/// The same for a text that is the file `textName` in the current directory, where its facts are left as well.
 [[nodiscard]] Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings& unit,
                                                const std::string& textName);
 

@@ -60,24 +60,26 @@ void CppcheckLink::Add(std::span<const FactGroup> facts) {
 }
 
 void CppcheckLink::WritePart() {
-    WriteFile(JoinPath(folder_, TextName(partCount_)), "");
-    WriteFile(JoinPath(folder_, InformationName(partCount_)), frame_ + part_ + std::string(EndTag) + "\n");
-    ++partCount_;
+    const std::string information = frame_ + part_ + std::string(EndTag) + "\n";
+    WriteFile(JoinPath(folder_, TextName(partSizes_.size())), "");
+    WriteFile(JoinPath(folder_, InformationName(partSizes_.size())), information);
+    partSizes_.push_back(information.size());
     part_.clear();
 }
 
 CppcheckOutput CppcheckLink::Run() {
     WritePart();
-    known_.clear();
+    known_ = {};
     Arguments textNames;
-    for (std::size_t part = 0; part < partCount_; ++part) {
+    for (std::size_t part = 0; part < partSizes_.size(); ++part) {
         textNames.push_back(TextName(part));
     }
-    const std::string last = JoinPath(folder_, InformationName(partCount_ - 1));
-    const auto sizeBefore = FileSize(last);
     CppcheckOutput output = RunCppcheckCommand(CppcheckLinkCommand(program_, textNames), folder_);
-    if (FileSize(last) != sizeBefore) {
-        throw ZelmException("this version of Cppcheck does not take over what it is told of analyzed units");
+    // What it does not believe, it writes anew.
+    for (std::size_t part = 0; part < partSizes_.size(); ++part) {
+        if (FileSize(JoinPath(folder_, InformationName(part))) != partSizes_[part]) {
+            throw ZelmException("this version of Cppcheck does not take over what it is told of analyzed units");
+        }
     }
     return output;
 }

@@ -5,9 +5,11 @@
 #include "platform/Fingerprint.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <unordered_set>
+#include <vector>
 
 namespace Orvanta {
 
@@ -36,9 +38,9 @@ private:
 
     std::string folder_;
     std::string program_;
-    std::string frame_; // what Cppcheck writes for an empty file, up to its end tag
-    std::string part_;  // the facts that are not written yet
-    std::size_t partCount_ = 0;
+    std::string frame_;                    // what Cppcheck writes for an empty file, up to its end tag
+    std::string part_;                     // the facts that are not written yet
+    std::vector<std::uint64_t> partSizes_; // of those that are
     std::unordered_set<Fingerprint, FingerprintHash> known_;
 };
 

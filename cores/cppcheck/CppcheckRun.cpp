@@ -8,6 +8,11 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <cstdint>
+#include <set>
+#include <tuple>
+#include <vector>
+
 namespace Orvanta {
 
 namespace {
@@ -35,6 +40,16 @@ private:
 
 std::string_view ExtensionFor(UnitLanguage language) {
     return language == UnitLanguage::C ? ".c" : ".cpp";
+}
+
+// With a build folder, Cppcheck runs its whole-program step over the one unit twice, the second time without knowing
+// where values come from.
+void DropRepeated(std::vector<CppcheckFinding>& findings) {
+    std::set<std::tuple<std::string, std::uint32_t, std::string>> seen;
+    std::erase_if(findings, [&](const CppcheckFinding& finding) {
+        return finding.id.starts_with("ctu") &&
+               !seen.emplace(finding.location.file, finding.location.line, finding.id + finding.message).second;
+    });
 }
 
 } // namespace
@@ -80,7 +95,16 @@ CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_vie
     CppcheckCollection collection;
     collection.output = RunCppcheckCommand(CppcheckCollectCommand(program, unit, textName), folder.Path());
     collection.analyzerInformation = ReadWholeFile(JoinPath(folder.Path(), "unit.a1"));
+    DropRepeated(collection.output.findings);
     return collection;
+}
+
+Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cutText) {
+    FingerprintBuilder builder;
+    for (const std::string& word : CppcheckCommand(FindCppcheck(), unit, "")) {
+        builder.Add(word);
+    }
+    return builder.Add(cutText).Value();
 }
 
 } // namespace Orvanta

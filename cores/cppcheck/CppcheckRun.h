@@ -2,6 +2,7 @@
 
 #include "cppcheck/CppcheckOutput.h"
 #include "cppcheck/UnitSettings.h"
+#include "platform/Fingerprint.h"
 #include "platform/Process.h"
 
 #include <string>
@@ -22,13 +23,18 @@ namespace Orvanta {
 /// \throws ZelmException when Cppcheck is missing, can't be started or fails
 [[nodiscard]] CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText);
 
-/// What Cppcheck leaves of a unit for its whole-program step.
+/// What Cppcheck tells of a unit that is to be looked at beside others.
 struct CppcheckCollection {
-    CppcheckOutput output;           ///< only its errors: they tell whether it could read the unit
+    CppcheckOutput output;           ///< the same as RunCppcheck's
     std::string analyzerInformation; ///< what AnalyzerInformation reads
 };
 
-/// The same, for the facts. They pass through a folder beside the preprocessed text.
+/// RunCppcheck, and what it leaves for the whole-program step. That passes through a folder beside the preprocessed
+/// text.
 [[nodiscard]] CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText);
+
+/// Stands for all that the findings of RunCppcheck depend on.
+/// \throws ZelmException when Cppcheck is missing
+[[nodiscard]] Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cutText);
 
 } // namespace Orvanta

@@ -12,8 +12,8 @@ void AppendField(std::string& text, std::string_view field) {
     text.append(field) += '\0';
 }
 
-void AppendCount(std::string& text, std::size_t count) {
-    AppendField(text, std::to_string(count));
+void AppendNumber(std::string& text, std::uint64_t number) {
+    AppendField(text, std::to_string(number));
 }
 
 FieldReader::FieldReader(std::string path, std::string_view kind)
@@ -33,15 +33,15 @@ std::string_view FieldReader::Next() {
     return field;
 }
 
-std::size_t FieldReader::NextCount() {
+std::uint64_t FieldReader::NextNumber() {
     const std::string_view field = Next();
-    std::size_t count = 0;
+    std::uint64_t number = 0;
     const char* const end = field.data() + field.size();
-    const auto [rest, error] = std::from_chars(field.data(), end, count);
+    const auto [rest, error] = std::from_chars(field.data(), end, number);
     if (error != std::errc() || rest != end) {
         Fail();
     }
-    return count;
+    return number;
 }
 
 void FieldReader::ExpectEnd() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -10,7 +11,7 @@ namespace Orvanta {
 // finding holds. The first one is the file's kind with its version.
 
 void AppendField(std::string& text, std::string_view field);
-void AppendCount(std::string& text, std::size_t count);
+void AppendNumber(std::string& text, std::uint64_t number);
 
 /// Reads such a file field by field.
 class FieldReader {
@@ -25,7 +26,7 @@ public:
 
     /// The next field, a number.
     /// \throws ZelmException when the file ends before it or it is none
-    [[nodiscard]] std::size_t NextCount();
+    [[nodiscard]] std::uint64_t NextNumber();
 
     /// \throws ZelmException when there are fields left
     void ExpectEnd() const;

@@ -22,7 +22,7 @@ constexpr std::string_view Kind = "orvanta-cppcheck-merged 1";
 void WriteMergedFindings(const std::string& path, std::span<const ReportMessage> findings) {
     std::string text;
     AppendField(text, Kind);
-    AppendCount(text, findings.size());
+    AppendNumber(text, findings.size());
     for (const ReportMessage& finding : findings) {
         // Most units have few of them: the place stands in front, so that the others need not be taken apart.
         AppendField(text, OrvlogConverter::FirstPosition(finding).file);
@@ -43,7 +43,7 @@ std::vector<ReportMessage> ReadMergedFindings(const std::string& path, std::span
     }
     FieldReader reader(path, Kind);
     std::vector<ReportMessage> findings;
-    for (std::size_t left = reader.NextCount(); left > 0; --left) {
+    for (std::uint64_t left = reader.NextNumber(); left > 0; --left) {
         const bool isWanted = keys.contains(FileKey(reader.Next()));
         const std::string_view line = reader.Next();
         if (isWanted) {

@@ -9,35 +9,75 @@
 #include "platform/Files.h"
 #include "report/MessageLine.h"
 
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace Orvanta {
 
-std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
-    const CutText cut = CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
-    CppcheckOutput output = RunCppcheck(unit, cut.text);
-    ThrowIfNotAnalyzed(output.findings, cut.files);
+namespace {
 
-    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(output.findings, cut.files);
+using OrvlogConverter::ReportMessage;
+
+// What collecting has found in the unit; nullopt when it has not, or in another text.
+std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& unit, std::string_view cutText) {
+    if (unit.stage != IntermodularStage::Performing || !PathExists(unit.informationPath)) {
+        return std::nullopt;
+    }
+    const UnitInformation information = ReadUnitInformation(unit.informationPath);
+    if (information.analysis != FingerprintOfAnalysis(unit, cutText)) {
+        return std::nullopt;
+    }
+    std::vector<ReportMessage> findings;
+    for (const std::string& line : information.findings) {
+        findings.push_back(OrvlogConverter::ReadMessageLine(line));
+    }
+    return findings;
+}
+
+CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirectory) {
+    return CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
+}
+
+} // namespace
+
+std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
+    const CutText cut = ReadCutText(unit, currentDirectory);
+    std::string otherText;
+    std::optional<std::vector<ReportMessage>> messages = CollectedFindings(unit, cut.text);
+    if (!messages) {
+        CppcheckOutput output = RunCppcheck(unit, cut.text);
+        ThrowIfNotAnalyzed(output.findings, cut.files);
+        messages = MakeReportMessages(output.findings, cut.files);
+        otherText = std::move(output.otherText);
+    }
     if (unit.stage == IntermodularStage::Performing) {
-        AddFindings(messages, ReadMergedFindings(unit.mergedPath, cut.files));
+        AddFindings(*messages, ReadMergedFindings(unit.mergedPath, cut.files));
     }
     std::string text;
-    for (const OrvlogConverter::ReportMessage& message : messages) {
+    for (const ReportMessage& message : *messages) {
         OrvlogConverter::AppendMessageLine(text, message, unit.outputFormat);
         text += '\n';
     }
     OutputFile(unit.outputPath, OutputFile::Mode::Replace).Append(text);
-    return std::move(output.otherText);
+    return otherText;
 }
 
 std::string CollectFacts(const UnitSettings& unit, const std::string& currentDirectory) {
-    const CutText cut = CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
+    const CutText cut = ReadCutText(unit, currentDirectory);
     CppcheckCollection collection = CollectWithCppcheck(unit, cut.text);
     ThrowIfNotAnalyzed(collection.output.findings, cut.files);
-    WriteUnitInformation(unit.informationPath,
-                         MakeUnitInformation(ReadAnalyzerInformation(collection.analyzerInformation), cut.files));
+
+    UnitInformation information;
+    information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
+    information.files = FilesOfFacts(information.facts, cut.files);
+    information.analysis = FingerprintOfAnalysis(unit, cut.text);
+    for (const ReportMessage& message : MakeReportMessages(collection.output.findings, cut.files)) {
+        OrvlogConverter::AppendMessageLine(information.findings.emplace_back(), message,
+                                           OrvlogConverter::LineFormat::Json);
+    }
+    WriteUnitInformation(unit.informationPath, information);
     return std::move(collection.output.otherText);
 }
 

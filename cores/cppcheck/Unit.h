@@ -12,9 +12,9 @@ namespace Orvanta {
 /// analyzed
 [[nodiscard]] std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory);
 
-/// Lets Cppcheck look at the unit for what concerns other units and writes that to the unit's information file. What
-/// Cppcheck wrote besides findings is returned.
-/// \throws ZelmException when the unit could not be read
+/// Analyzes the unit and writes its findings, with what concerns other units, to its information file, from which the
+/// performing stage takes them. What Cppcheck wrote besides findings is returned.
+/// \throws ZelmException when the unit could not be analyzed
 [[nodiscard]] std::string CollectFacts(const UnitSettings& unit, const std::string& currentDirectory);
 
 /// The files that the unit is made of, as the lines that the driver reads.

@@ -14,9 +14,24 @@ namespace {
 
 constexpr std::string_view Kind = "orvanta-cppcheck-unit 1";
 
+void AppendList(std::string& text, std::span<const std::string> list) {
+    AppendNumber(text, list.size());
+    for (const std::string& entry : list) {
+        AppendField(text, entry);
+    }
+}
+
+std::vector<std::string> ReadList(FieldReader& reader) {
+    std::vector<std::string> list;
+    for (std::uint64_t left = reader.NextNumber(); left > 0; --left) {
+        list.emplace_back(reader.Next());
+    }
+    return list;
+}
+
 } // namespace
 
-UnitInformation MakeUnitInformation(std::vector<FactGroup> facts, std::span<const MarkedFile> files) {
+std::vector<std::string> FilesOfFacts(std::span<const FactGroup> facts, std::span<const MarkedFile> files) {
     std::unordered_set<std::uint64_t> keys;
     for (const FactGroup& group : facts) {
         for (const std::string& fact : group.facts) {
@@ -27,50 +42,45 @@ UnitInformation MakeUnitInformation(std::vector<FactGroup> facts, std::span<cons
             }
         }
     }
-    UnitInformation unit;
+    std::vector<std::string> paths;
     for (const MarkedFile& file : files) {
         if (keys.contains(FileKey(file.path))) {
-            unit.files.push_back(file.path);
+            paths.push_back(file.path);
         }
     }
-    unit.facts = std::move(facts);
-    return unit;
+    return paths;
 }
 
 void WriteUnitInformation(const std::string& path, const UnitInformation& unit) {
     std::string text;
     AppendField(text, Kind);
-    AppendCount(text, unit.files.size());
-    for (const std::string& file : unit.files) {
-        AppendField(text, file);
-    }
-    AppendCount(text, unit.facts.size());
+    AppendList(text, unit.files);
+    AppendNumber(text, unit.facts.size());
     for (const FactGroup& group : unit.facts) {
         AppendField(text, group.check);
         AppendField(text, group.kind);
-        AppendCount(text, group.facts.size());
-        for (const std::string& fact : group.facts) {
-            AppendField(text, fact);
-        }
+        AppendList(text, group.facts);
     }
+    AppendNumber(text, unit.analysis.low);
+    AppendNumber(text, unit.analysis.high);
+    AppendList(text, unit.findings);
     OutputFile(path, OutputFile::Mode::Replace).Append(text);
 }
 
 UnitInformation ReadUnitInformation(const std::string& path) {
     FieldReader reader(path, Kind);
     UnitInformation unit;
-    for (std::size_t left = reader.NextCount(); left > 0; --left) {
-        unit.files.emplace_back(reader.Next());
-    }
-    for (std::size_t left = reader.NextCount(); left > 0; --left) {
+    unit.files = ReadList(reader);
+    for (std::uint64_t left = reader.NextNumber(); left > 0; --left) {
         FactGroup group;
         group.check = reader.Next();
         group.kind = reader.Next();
-        for (std::size_t factsLeft = reader.NextCount(); factsLeft > 0; --factsLeft) {
-            group.facts.emplace_back(reader.Next());
-        }
+        group.facts = ReadList(reader);
         unit.facts.push_back(std::move(group));
     }
+    unit.analysis.low = reader.NextNumber();
+    unit.analysis.high = reader.NextNumber();
+    unit.findings = ReadList(reader);
     reader.ExpectEnd();
     return unit;
 }

@@ -2,6 +2,7 @@
 
 #include "cppcheck/AnalyzerInformation.h"
 #include "cppcheck/MarkedText.h"
+#include "platform/Fingerprint.h"
 
 #include <span>
 #include <string>
@@ -11,14 +12,17 @@ namespace Orvanta {
 
 /// What the collecting stage leaves of a unit.
 struct UnitInformation {
-    std::vector<std::string> files; ///< those that the facts stand in
-    std::vector<FactGroup> facts;   ///< naming files by their aliases
+    std::vector<std::string> files;    ///< those that the facts stand in
+    std::vector<FactGroup> facts;      ///< naming files by their aliases
+    Fingerprint analysis;              ///< what the findings depend on
+    std::vector<std::string> findings; ///< of the unit by itself, as JSON lines
 
     bool operator==(const UnitInformation&) const = default;
 };
 
-/// Puts together what Cppcheck wrote of a unit and the paths of its files.
-[[nodiscard]] UnitInformation MakeUnitInformation(std::vector<FactGroup> facts, std::span<const MarkedFile> files);
+/// The paths of those of a unit's files that its facts stand in.
+[[nodiscard]] std::vector<std::string> FilesOfFacts(std::span<const FactGroup> facts,
+                                                    std::span<const MarkedFile> files);
 
 /// Writes the information to `path`, over what is there.
 /// \throws ZelmException with the path and the system's reason

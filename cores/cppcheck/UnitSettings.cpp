@@ -76,13 +76,15 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     const auto requiredPath = [&](std::string_view key) {
         return RequiredPath(settings, settingsPath, key, currentDirectory);
     };
+    const auto optionalPath = [&](std::string_view key) {
+        const std::string path = LastValue(settings, key).value_or("");
+        return path.empty() ? path : NormalizePath(JoinPath(currentDirectory, path));
+    };
 
     UnitSettings unit;
     unit.preprocessedPath = requiredPath("i-file");
     unit.sourcePath = requiredPath("source-file");
-    if (const std::string path = LastValue(settings, "output-file").value_or(""); !path.empty()) {
-        unit.outputPath = NormalizePath(JoinPath(currentDirectory, path));
-    }
+    unit.outputPath = optionalPath("output-file");
     unit.language = ReadLanguage(settings, settingsPath);
     unit.standard = LastValue(settings, "std").value_or("");
     unit.platform = LastValue(settings, "platform").value_or("");
@@ -96,6 +98,7 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
         unit.informationPath = requiredPath("intermodular-unit-file");
     } else if (unit.stage == IntermodularStage::Performing) {
         unit.mergedPath = requiredPath("intermodular-file");
+        unit.informationPath = optionalPath("intermodular-unit-file");
     }
     return unit;
 }

@@ -30,7 +30,8 @@ struct UnitSettings {
     std::string preprocessor; ///< the name of the compiler's family, such as "gcc"
     OrvlogConverter::LineFormat outputFormat = OrvlogConverter::LineFormat::Json;
     IntermodularStage stage = IntermodularStage::None; ///< never Linking
-    std::string informationPath;                       ///< when collecting: the file for the unit's information
+    std::string informationPath;                       ///< the unit's information: written when collecting, known when
+                                                       ///< performing, unless it is empty or names no file
     std::string mergedPath;                            ///< when performing: the file that the linking wrote
 };
 

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 
 namespace Orvanta {
@@ -49,11 +50,12 @@ TEST(UnitInformationFile, ComesBackAsItWasWritten) {
         {"<u file=\"" + AliasOf(source, TextOrigin::File) + "\"/>",
           "<u file=\"" + AliasOf("/p/b.h", TextOrigin::SystemMacro) + "\"/>"}
     };
-    const UnitInformation unit = MakeUnitInformation(
-        {
-            group, {"ctu", "k", {"<c/>"}}
-    },
-        files);
+    const FactGroup other = {"ctu", "k", {"<c/>"}};
+    UnitInformation unit;
+    unit.facts = {group, other};
+    unit.files = FilesOfFacts(unit.facts, files);
+    unit.analysis = {7, ~std::uint64_t{0}};
+    unit.findings = {"{}", ""};
     EXPECT_THAT(unit.files, ElementsAre(source, "/p/b.h"));
 
     WriteUnitInformation(folder / "file", unit);

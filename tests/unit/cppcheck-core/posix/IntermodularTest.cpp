@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
 namespace Orvanta {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -131,6 +131,21 @@ TEST_F(CoreAcrossUnits, FaultsOfTwoFilesAreFoundByTheStagesAlone) {
     EXPECT_EQ(Findings().front().positions.front().currLine, "    *p = 1;");
     EXPECT_EQ(Findings().front().level, 1U);
     EXPECT_THAT(LeftFolders(), ElementsAre());
+}
+
+TEST_F(CoreAcrossUnits, PerformingAnalyzesAgainOnlyWhatHasChanged) {
+    CollectAll();
+    ASSERT_EQ(RunStage("merge", "merge-info").exitCode, 0);
+    const std::string information = "temp \303\244/caller.unit";
+    std::string text = folder_.Read(information);
+    text.replace(text.find("[nullPointer]"), 13, "[asCollected]");
+    folder_.Write(information, text);
+    EXPECT_THAT(Found("caller", "second-run"), Contains(HasSubstr("[asCollected]")));
+
+    folder_.Write("temp \303\244/caller.i", folder_.Read("temp \303\244/caller.i") + "int more;\n");
+    EXPECT_THAT(Found("caller", "second-run"), Contains(HasSubstr("[nullPointer]")));
+    std::filesystem::remove(folder_ / information);
+    EXPECT_THAT(Found("caller", "second-run"), Contains(HasSubstr("[nullPointer]")));
 }
 
 TEST_F(CoreAcrossUnits, LinkingNamesTheFileThatItCantUse) {
