@@ -48,28 +48,33 @@ struct NeutralFlag {
 };
 
 // Arguments that say where text comes from or what to warn about: they leave the default standard as it is, and most
-// projects have many sets of them. The rows with "/" are those of cl and clang-cl.
+// projects have many sets of them. The rows with "/" are those of cl and clang-cl, those with "--" of embedded
+// compilers.
 constexpr NeutralFlag NeutralFlags[] = {
-    {"-include",    true },
-    {"-isystem",    true },
-    {"-iquote",     true },
-    {"-idirafter",  true },
-    {"-I",          true },
-    {"-D",          true },
-    {"-U",          true },
-    {"-W",          false},
-    {"/I",          true },
-    {"/D",          true },
-    {"/U",          true },
-    {"/FI",         true },
-    {"/W",          false},
-    {"/w",          false},
-    {"/external:I", true },
-    {"/imsvc",      true },
-    {"-FI",         true },
-    {"-wd",         false},
-    {"-external:I", true },
-    {"-imsvc",      true },
+    {"-include",             true },
+    {"-isystem",             true },
+    {"-iquote",              true },
+    {"-idirafter",           true },
+    {"-I",                   true },
+    {"-D",                   true },
+    {"-U",                   true },
+    {"-W",                   false},
+    {"/I",                   true },
+    {"/D",                   true },
+    {"/U",                   true },
+    {"/FI",                  true },
+    {"/W",                   false},
+    {"/w",                   false},
+    {"/external:I",          true },
+    {"/imsvc",               true },
+    {"-FI",                  true },
+    {"-wd",                  false},
+    {"-external:I",          true },
+    {"-imsvc",               true },
+    {"--include_path=",      false},
+    {"--define=",            false},
+    {"--preinclude",         true },
+    {"--system_include_dir", true },
 };
 
 // Variables in which shells and make keep their own books: a traced build gives another value to nearly every command.
