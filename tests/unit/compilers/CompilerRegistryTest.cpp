@@ -5,17 +5,21 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 
 namespace Orvanta {
 
 TEST(CompilerRegistry, SharesOneModelPerFamily) {
     const CompilerRegistry registry;
-    EXPECT_EQ(registry.Get(CompilerType::Gcc)->Name(), "gcc");
-    EXPECT_EQ(registry.Get(CompilerType::Clang)->Name(), "clang");
-    EXPECT_EQ(registry.Get(CompilerType::Cl)->Name(), "visualcpp");
-    EXPECT_EQ(registry.Get(CompilerType::ClangCl)->Name(), "visualcpp");
-    EXPECT_EQ(registry.Get(CompilerType::Clang), registry.Get(CompilerType::Clang));
+    const char* const names[] = {"gcc",       "clang", "keil5", "keil5_gnu", "clang", "ti_arm_cgt", "visualcpp",
+                                 "visualcpp", "gcc",   "iar",   "iar",       "gcc",   "gcc"};
+    for (std::size_t type = 1; type <= std::size(names); ++type) {
+        const auto model = registry.Get(static_cast<CompilerType>(type));
+        EXPECT_EQ(static_cast<std::size_t>(model->Type()), type);
+        EXPECT_EQ(model->Name(), names[type - 1]);
+        EXPECT_EQ(model, registry.Get(model->Type()));
+    }
 }
 
 TEST(CompilerRegistry, NamesTheNumberOfATypeWithoutModel) {
