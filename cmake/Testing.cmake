@@ -17,15 +17,20 @@ if(CMAKE_CROSSCOMPILING)
         list(APPEND wine_folders ${folder})
     endforeach()
     find_program(WINE NAMES wine64 wine HINTS ${wine_folders} REQUIRED)
-    set(CMAKE_CROSSCOMPILING_EMULATOR
+    find_program(WINESERVER NAMES wineserver64 wineserver HINTS ${wine_folders} REQUIRED)
+    set(wine_environment
         ${CMAKE_COMMAND} -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY
         LC_ALL=C.UTF-8 WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEDEBUG=-all
-        "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe="
-        ${WINE})
+        "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=")
+    set(CMAKE_CROSSCOMPILING_EMULATOR ${wine_environment} ${PROJECT_SOURCE_DIR}/tests/wine/run ${WINE})
     # Wine shows the whole file system as a drive; paths compiled into tests begin with it.
     set(ORVANTA_RUN_ROOT Z:)
-    add_test(NAME wine.prefix COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} wineboot --init)
-    set_tests_properties(wine.prefix PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
+    foreach(step begin end)
+        add_test(NAME wine.${step}
+            COMMAND ${wine_environment} ${PROJECT_SOURCE_DIR}/tests/wine/session ${step} ${WINE} ${WINESERVER})
+    endforeach()
+    set_tests_properties(wine.begin PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
+    set_tests_properties(wine.end PROPERTIES FIXTURES_CLEANUP wine TIMEOUT 60)
 else()
     find_package(GTest REQUIRED)
     set(ORVANTA_RUN_ROOT)
