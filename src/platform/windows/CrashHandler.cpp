@@ -108,7 +108,9 @@ void ReportHere() {
 
 LONG WINAPI HandleException(EXCEPTION_POINTERS* information) {
     Report(*information->ContextRecord);
-    return EXCEPTION_EXECUTE_HANDLER; // ends the process with the exception as its code
+    // Ended here and now: what the system would do next goes through a stack that may have no room left.
+    ::TerminateProcess(::GetCurrentProcess(), information->ExceptionRecord->ExceptionCode);
+    return EXCEPTION_EXECUTE_HANDLER;
 }
 
 // The terminate handler of the C++ library comes here too, by way of abort.
