@@ -29,17 +29,21 @@ std::vector<std::string> ReadList(FieldReader& reader) {
     return list;
 }
 
+void AddFilesOf(std::string_view fact, std::unordered_set<std::uint64_t>& keys) {
+    for (const std::string_view name : FilesOfFact(fact)) {
+        if (const auto file = ReadAlias(name)) {
+            keys.insert(file->key);
+        }
+    }
+}
+
 } // namespace
 
 std::vector<std::string> FilesOfFacts(std::span<const FactGroup> facts, std::span<const MarkedFile> files) {
     std::unordered_set<std::uint64_t> keys;
     for (const FactGroup& group : facts) {
         for (const std::string& fact : group.facts) {
-            for (const std::string_view name : FilesOfFact(fact)) {
-                if (const auto file = ReadAlias(name)) {
-                    keys.insert(file->key);
-                }
-            }
+            AddFilesOf(fact, keys);
         }
     }
     std::vector<std::string> paths;

@@ -95,12 +95,12 @@ protected:
 
     void WriteList(const std::string& text) { folder_.Write("temp \303\244/units", text); }
 
-    std::string Merged() const { return folder_ / "merged.dfo"; }
+    [[nodiscard]] std::string Merged() const { return folder_ / "merged.dfo"; }
 
-    std::string List() const { return folder_ / "temp \303\244/units"; }
+    [[nodiscard]] std::string List() const { return folder_ / "temp \303\244/units"; }
 
     // The names of folders that the core has left behind.
-    std::vector<std::string> LeftFolders() const {
+    [[nodiscard]] std::vector<std::string> LeftFolders() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(folder_ / "temp \303\244")) {
             if (entry.is_directory()) {
