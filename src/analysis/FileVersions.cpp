@@ -107,11 +107,11 @@ void FileVersions::FindCurrent(File& file, const Lock& lock) {
 }
 
 bool FileVersions::IsProven(const FileStamp& stamp, Moment looked) {
-    const FileSystemClock* const clock = Clock();
-    return clock != nullptr && clock->IsOlder(stamp, looked);
+    ReadClock();
+    return clock_ && clock_->IsOlder(stamp, looked);
 }
 
-const FileSystemClock* FileVersions::Clock() {
+void FileVersions::ReadClock() {
     std::call_once(clockOnce_, [this] {
         try {
             MakeFolders(folder_);
@@ -120,7 +120,6 @@ const FileSystemClock* FileVersions::Clock() {
             clock_.reset(); // nothing counts as old then: files are read once more, units run once more
         }
     });
-    return clock_ ? &*clock_ : nullptr;
 }
 
 std::uint32_t FileVersions::FindVersion(const File& file, Sight sight, const Lock&) const {
@@ -157,7 +156,7 @@ std::uint32_t FileVersions::UnseenVersion(std::uint32_t file) {
 
 std::uint32_t FileVersions::VersionSeenBy(std::uint32_t number, Moment begin) {
     LookAt(number);
-    const FileSystemClock* const clock = Clock();
+    ReadClock();
     const Lock lock(mutex_);
     File& file = files_[number];
     const bool isEarly = file.looked <= begin;
@@ -168,11 +167,11 @@ std::uint32_t FileVersions::VersionSeenBy(std::uint32_t number, Moment begin) {
         return FindOrAddVersion(number, isTold ? Sight::Absent : Sight::Unseen, lock);
     }
     const bool isTold = (file.current != None || file.isKnown) && !file.isDoubted;
-    if (!isTold || (!isEarly && !(clock != nullptr && clock->IsOlder(*file.stamp, begin)))) {
+    if (!isTold || (!isEarly && !(clock_ && clock_->IsOlder(*file.stamp, begin)))) {
         return FindOrAddVersion(number, Sight::Unseen, lock);
     }
     if (file.current == None) {
-        const bool isProven = clock != nullptr && clock->IsOlder(*file.stamp, file.looked);
+        const bool isProven = clock_ && clock_->IsOlder(*file.stamp, file.looked);
         file.current =
             AddVersion(file, {number, isProven ? Sight::Proven : Sight::Young, *file.stamp, file.content}, lock);
     }
@@ -191,9 +190,14 @@ std::uint32_t FileVersions::FileOf(std::uint32_t version) const {
     return versions_[version].path;
 }
 
-std::uint32_t FileVersions::Count() const {
+std::vector<std::uint32_t> FileVersions::Files() const {
     const Lock lock(mutex_);
-    return static_cast<std::uint32_t>(versions_.size());
+    std::vector<std::uint32_t> files;
+    files.reserve(versions_.size());
+    for (const FileVersion& version : versions_) {
+        files.push_back(version.path);
+    }
+    return files;
 }
 
 void FileVersions::DoubtChanged() {

@@ -35,6 +35,10 @@ public:
     /// Takes over what an earlier run knew. To be called before any other function.
     void Adopt(PathTable paths, std::vector<FileVersion> versions);
 
+    /// Reads the clock of the file system, unless that has been done. To be called before a unit begins, so that what
+    /// happens to this machine's clock meanwhile, as when it sleeps, makes no new file look old.
+    void ReadClock();
+
     /// The number of the file that a core has reported for a unit which runs in `directory`.
     [[nodiscard]] std::uint32_t NumberOf(std::string_view reported, const std::string& directory);
 
@@ -53,8 +57,8 @@ public:
     /// The file that it is a version of.
     [[nodiscard]] std::uint32_t FileOf(std::uint32_t version) const;
 
-    /// How many versions there are.
-    [[nodiscard]] std::uint32_t Count() const;
+    /// By version: the file that it is a version of.
+    [[nodiscard]] std::vector<std::uint32_t> Files() const;
 
     /// Looks once more at the files whose versions VersionSeenBy has given out: where one has changed since, units may
     /// have seen it one way or the other, and what was given out becomes a version that is not known.
@@ -91,7 +95,7 @@ private:
     void ReadContent(File& file, const std::string& path);
     void FindCurrent(File& file, const Lock& lock);
     [[nodiscard]] bool IsProven(const FileStamp& stamp, Moment looked);
-    [[nodiscard]] const FileSystemClock* Clock();
+
     [[nodiscard]] std::uint32_t FindVersion(const File& file, Sight sight, const Lock& lock) const;
     std::uint32_t AddVersion(File& file, const FileVersion& version, const Lock& lock);
     std::uint32_t FindOrAddVersion(std::uint32_t number, Sight sight, const Lock& lock);

@@ -59,6 +59,7 @@ bool FindingsStore::Continue(std::uint64_t number, std::uint64_t end) {
     }
     const std::optional<std::uint64_t> size = FileSize(FileName(number));
     if (!size || *size < end) {
+        greatestUsed_ = number;
         return false;
     }
     number_ = number;
@@ -74,10 +75,10 @@ FindingsRange FindingsStore::Append(std::string_view text) {
     }
     if (number_ == 0) {
         MakeFolders(folder_);
-        std::uint64_t greatest = 0;
-        VisitFindingsFiles(
-            folder_, [&greatest](const std::string&, std::uint64_t number) { greatest = std::max(greatest, number); });
-        number_ = greatest + 1;
+        VisitFindingsFiles(folder_, [this](const std::string&, std::uint64_t number) {
+            greatestUsed_ = std::max(greatestUsed_, number);
+        });
+        number_ = greatestUsed_ + 1;
     }
     if (!output_) {
         output_.emplace(FileName(number_), OutputFile::Mode::Keep);

@@ -46,6 +46,7 @@ private:
     mutable std::mutex mutex_;
     std::uint64_t number_ = 0;         // guarded by mutex_, as all that follows
     std::uint64_t end_ = 0;            //
+    std::uint64_t greatestUsed_ = 0;   // of the numbers that are taken
     std::optional<OutputFile> output_; // once something is written
     mutable std::ifstream input_;      // once something is read
 };

@@ -89,9 +89,14 @@ public:
     /// Any thread may call it.
     void ForgetResult(std::size_t unit);
 
+    /// Writes what a kill would lose. `Record` does so by itself now and then, and is silent when it can't.
+    /// Any thread may call it.
+    /// \throws ZelmException: the path, then the system's reason
+    void SaveProgress();
+
     /// Writes all of it, each file beside the old one and renamed over it; `depend_info.json` only when a list in it
-    /// has changed. While units are recorded, what can be lost to a kill is saved by itself now and then. \throws
-    /// ZelmException
+    /// has changed. Removes what killed runs have left in the folder.
+    /// \throws ZelmException: the path, then the system's reason; what was there before is there still
     void Save();
 
 private:

@@ -101,6 +101,9 @@ private:
     std::unique_ptr<Handle> handle_;
 };
 
+/// Removes from a folder what writers of such files have left there that are gone, as far as that is possible now.
+void RemoveAbandonedFiles(const std::string& folder) noexcept;
+
 /// Swaps the contents of two names in one step: at no moment does `first` name nothing or something incomplete.
 /// Both must exist, in the same folder.
 /// \throws ZelmException

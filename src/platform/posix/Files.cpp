@@ -67,6 +67,8 @@ std::string LinkTarget(std::string path) {
     Fail(path, ELOOP);
 }
 
+constexpr std::string_view TemporaryStem = ".orvtmp-";
+
 // Removes the file at `path` if the run that made it is gone. Whether there is still something in the way is for the
 // caller to find out.
 void RemoveAbandoned(const std::string& path) {
@@ -191,7 +193,7 @@ AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::
 
     // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
     // at the same time need further names.
-    const std::string stem = ".orvtmp-" + std::to_string(Fnv1a(handle_->target)) + "-";
+    const std::string stem = std::string(TemporaryStem) + std::to_string(Fnv1a(handle_->target)) + "-";
     for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
         constexpr int MostWriters = 1000;
         const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
@@ -228,6 +230,16 @@ void AtomicFile::Commit() {
     // Some file systems tell only now that bytes got lost.
     if (::close(handle_->file.Release()) != 0 && errno != EINTR) {
         Fail(path_, errno);
+    }
+}
+
+void RemoveAbandonedFiles(const std::string& folder) noexcept {
+    std::error_code error;
+    std::filesystem::directory_iterator file(folder, error);
+    for (const std::filesystem::directory_iterator end; !error && file != end; file.increment(error)) {
+        if (file->path().filename().native().starts_with(TemporaryStem)) {
+            RemoveAbandoned(file->path().native());
+        }
     }
 }
 

@@ -1,9 +1,14 @@
 #include "platform/Files.h"
 #include "platform/Hash.h"
+#include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
 
 #include <windows.h>
 
@@ -29,6 +34,8 @@ Handle MakeLocked(const std::string& path) {
     return Handle(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                                 FILE_ATTRIBUTE_NORMAL, nullptr));
 }
+
+constexpr std::string_view TemporaryStem = ".orvtmp-";
 
 void RemoveAbandoned(const std::string& path) {
     const Handle removed(::CreateFileW(WidePath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
@@ -64,7 +71,7 @@ AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::
 
     // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
     // at the same time need further names.
-    const std::string stem = ".orvtmp-" + std::to_string(Fnv1a(handle_->target)) + "-";
+    const std::string stem = std::string(TemporaryStem) + std::to_string(Fnv1a(handle_->target)) + "-";
     for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
         constexpr int MostWriters = 1000;
         const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
@@ -101,6 +108,17 @@ void AtomicFile::Commit() {
     }
     handle_->temporaryPath.clear();
     handle_->file.Reset();
+}
+
+void RemoveAbandonedFiles(const std::string& folder) noexcept {
+    std::error_code error;
+    std::filesystem::directory_iterator file(NativePath(folder), error);
+    for (const std::filesystem::directory_iterator end; !error && file != end; file.increment(error)) {
+        const std::string path = PathText(file->path());
+        if (FileNameOf(path).starts_with(TemporaryStem)) {
+            RemoveAbandoned(path);
+        }
+    }
 }
 
 } // namespace Orvanta
