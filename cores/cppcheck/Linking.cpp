@@ -5,6 +5,7 @@
 #include "cppcheck/MergedFindings.h"
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/ScopedFolder.h"
+#include "cppcheck/SourceLines.h"
 #include "cppcheck/UnitInformation.h"
 #include "platform/Files.h"
 
@@ -21,19 +22,13 @@ namespace {
 
 std::vector<std::string> ReadList(const std::string& path) {
     const std::string text = ReadWholeFile(path);
-    std::vector<std::string> lines;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::size_t end = rest.find('\n');
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
+    std::vector<std::string> paths;
+    for (const std::string_view line : SplitLines(text)) {
         if (!line.empty()) {
-            lines.emplace_back(line);
+            paths.emplace_back(line);
         }
     }
-    return lines;
+    return paths;
 }
 
 /// The files that facts stand in, and the units that hold facts of each.

@@ -5,8 +5,6 @@
 
 namespace Orvanta {
 
-namespace {
-
 std::vector<std::string_view> SplitLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
@@ -20,8 +18,6 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
     }
     return lines;
 }
-
-} // namespace
 
 OrvlogConverter::MessagePosition SourceLines::At(const std::string& path, std::uint32_t line) {
     const std::vector<std::string_view>& lines = Load(path).lines;

@@ -10,6 +10,9 @@
 
 namespace Orvanta {
 
+/// The lines of a text without their ends, "\n" or "\r\n"; views into it.
+[[nodiscard]] std::vector<std::string_view> SplitLines(std::string_view text);
+
 /// The lines of source files, each file read once. One thread at a time may use an object.
 class SourceLines {
 public:
