@@ -1,8 +1,12 @@
 #include "analysis/AnalyzerRunner.h"
 
+#include "analysis/DependencyLines.h"
+#include "analysis/PassProgress.h"
+#include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
 #include "analysis/ScopedFile.h"
 #include "analysis/StartableCommand.h"
+#include "analysis/UnitFailure.h"
 #include "analysis/WorkerPool.h"
 #include "buildinput/CompilerVariables.h"
 #include "platform/EnvironmentNames.h"
@@ -19,7 +23,9 @@ namespace {
 
 constexpr const char* PredefinedMacro = "ORVANTA";
 constexpr std::size_t LongestSourceNamePart = 100; // of a unit's file names: file systems end names at 255 bytes
-constexpr std::size_t LongestFailureText = 2000;   // of a core's own words in the list of failures
+constexpr unsigned Analyzing = 0;                  // the stages as progress counts them
+constexpr unsigned ParsingIncludes = 1;
+constexpr unsigned Parsing = 2;
 
 void RemoveVariable(Environment& variables, std::string_view name) {
     std::erase_if(variables, [name](const auto& variable) { return IsSameVariable(variable.first, name); });
@@ -41,29 +47,6 @@ public:
     using ZelmException::ZelmException;
 };
 
-OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
-    OrvlogConverter::ReportMessage message;
-    message.code = "V008";
-    message.message = "Unable to start the analysis on this file.";
-    message.level = 1;
-    OrvlogConverter::MessagePosition position;
-    position.file = std::move(sourcePath);
-    position.line = 1;
-    message.positions.push_back(std::move(position));
-    return message;
-}
-
-// The command and its code, then what the core said about it.
-std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output) {
-    std::string reason(fullText.substr(0, fullText.find("\nStdout:\n")));
-    const std::string_view said = Trim(output.standardError.empty() ? output.standardOutput : output.standardError);
-    if (!said.empty()) {
-        reason += '\n';
-        reason += said.substr(0, LongestFailureText);
-    }
-    return reason;
-}
-
 std::string EnvironmentText(const EnvironmentBlock& environment) {
     std::string text;
     for (const std::string& entry : environment.Entries()) {
@@ -71,6 +54,13 @@ std::string EnvironmentText(const EnvironmentBlock& environment) {
         text += '\n';
     }
     return text;
+}
+
+unsigned StageOf(const RunPlan& plan, IntermodularAnalysisMode mode) {
+    if (plan.work == RunPlan::Work::ListDependencies) {
+        return ParsingIncludes;
+    }
+    return mode == IntermodularAnalysisMode::FirstRun ? Parsing : Analyzing;
 }
 
 void AddArgument(ParsedCommand& command, std::vector<std::string>& list, const char* flag, const std::string& value) {
@@ -92,26 +82,14 @@ struct AnalyzerRunner::Unit {
     [[nodiscard]] ProcessPlace Place() const { return {*invocation.absoluteDirectory, *environment}; }
 };
 
-std::string SourcePath(const CompileCommand& command) {
-    return NormalizePath(JoinPath(*command.absoluteDirectory, command.SourceFile()));
-}
-
-int CombinedResult(const RunOutcome& outcome) noexcept {
-    const auto count = [&](auto predicate) {
-        return std::count_if(outcome.statuses.begin(), outcome.statuses.end(), predicate);
-    };
-    if (count([](AnalyzerStatus status) { return status == AnalyzerStatus::Stopped; }) > 0) {
-        return InterruptedExitCode;
-    }
-    const bool someFailed = count(IsFailure) > 0;
-    const bool noneAnalyzed = count([](AnalyzerStatus status) { return status == AnalyzerStatus::Analyzed; }) == 0;
-    return someFailed || noneAnalyzed ? 1 : 0;
+std::string OrvantaFolder(const std::string& outputFolder) {
+    return JoinPath(outputFolder, ".Orvanta");
 }
 
 AnalyzerRunner::AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, RunPlaces places,
                                Log& log, AnalyzerProgress& progress, const StopFlag& stop)
     : settings_(settings), registry_(registry), places_(std::move(places)), log_(log), progress_(progress), stop_(stop),
-      probe_(places_.probeFolder, stop), visualStudio_(log),
+      probe_(places_.temporaryFolder, stop), visualStudio_(log),
       commonEnvironment_(std::make_shared<EnvironmentBlock>(
           InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
@@ -134,9 +112,17 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
 
 UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
     const Unit unit = PrepareUnit(task);
+    UnitHistory* const history = task.plan->history;
     UnitResult result;
-    if (!settings_.analyzeSystemPaths && IsInSystemFolder(unit)) {
+    const bool isCollecting = task.mode == IntermodularAnalysisMode::FirstRun;
+    if (isCollecting) {
+        RemoveFile(unit.files.collectedPath); // of an earlier run
+    }
+    if (!isCollecting && !settings_.analyzeSystemPaths && IsInSystemFolder(unit)) {
         log_.VerboseLine("  Exclusion by system folder: '" + unit.sourcePath + "'");
+        if (history != nullptr) {
+            history->RecordLeftOut(task.unit);
+        }
         result.status = AnalyzerStatus::Excluded;
         return result;
     }
@@ -144,14 +130,59 @@ UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
         TellPrecompiledForms(unit);
     }
     std::optional<ScopedFile> preprocessedFile;
-    if (places_.unitFiles == SettingsFile::Lifetime::Remove) {
+    if (places_.unitFiles == SettingsFile::Lifetime::Remove && !isCollecting) {
         preprocessedFile.emplace(unit.files.preprocessedPath);
     }
-    if (PreprocessUnit(unit, result)) {
-        const SettingsFile settings(SettingsOf(unit), unit.files.basePath, places_.unitFiles);
-        RunCore(unit, settings.Path(), result);
+    const UnitHistory::Moment moment = history != nullptr ? history->Begin(task.unit) : UnitHistory::Moment();
+    if (IsPreprocessed(task, unit) || PreprocessUnit(unit, result)) {
+        RunPreprocessedUnit(task, unit, moment, result);
+    }
+    if (result.status != AnalyzerStatus::Analyzed) {
+        if (isCollecting) {
+            RemoveFile(unit.files.collectedPath);
+        }
+        if (history != nullptr) {
+            history->ForgetResult(task.unit);
+        }
     }
     return result;
+}
+
+void AnalyzerRunner::RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, UnitHistory::Moment moment,
+                                         UnitResult& result) {
+    UnitHistory* const history = task.plan->history;
+    const bool isCollecting = task.mode == IntermodularAnalysisMode::FirstRun;
+    const SettingsFile settings(SettingsOf(unit, task.mode), unit.files.basePath, places_.unitFiles);
+    std::vector<std::string> dependencies;
+    if (history != nullptr || isCollecting) {
+        if (!ListDependencies(unit, settings.Path(), dependencies, result)) {
+            return;
+        }
+        if (history != nullptr && !history->CanTellWhatWasSeen(task.unit, moment, dependencies)) {
+            moment = history->Begin(task.unit);
+            if (!PreprocessUnit(unit, result) || !ListDependencies(unit, settings.Path(), dependencies, result)) {
+                return;
+            }
+        }
+        if (isCollecting) {
+            WritePathList(unit.files.dependenciesPath, dependencies);
+        } else if (task.plan->work == RunPlan::Work::Analyze) {
+            task.pass->Step(ParsingIncludes, unit.sourcePath);
+        }
+    }
+    std::optional<std::string> findings;
+    if (task.plan->work == RunPlan::Work::Analyze) {
+        AnalyzeUnit(unit, settings.Path(), result);
+        if (result.status != AnalyzerStatus::Analyzed) {
+            return;
+        }
+        if (history != nullptr) {
+            findings = PathExists(result.fragmentPath) ? ReadWholeFile(result.fragmentPath) : std::string();
+        }
+    }
+    if (history != nullptr) {
+        history->Record(task.unit, moment, dependencies, findings);
+    }
 }
 
 // A forced include is always preprocessed from its header: a precompiled form holds no text, and may be out of date.
@@ -183,7 +214,7 @@ AnalyzerRunner::Unit AnalyzerRunner::PrepareUnit(const AnalysisTask& task) {
     AddArgument(command, command.defines, "-D", PredefinedMacro);
     std::shared_ptr<const EnvironmentBlock> environment = EnvironmentOf(invocation, command);
     return {invocation,         SourcePath(invocation), std::move(model),
-            std::move(command), std::move(environment), NameFiles(task)};
+            std::move(command), std::move(environment), NameFiles(task.unit, invocation)};
 }
 
 std::shared_ptr<const EnvironmentBlock> AnalyzerRunner::EnvironmentOf(const CompileCommand& invocation,
@@ -209,14 +240,32 @@ std::shared_ptr<const EnvironmentBlock> AnalyzerRunner::EnvironmentOf(const Comp
     return std::make_shared<const EnvironmentBlock>(variables);
 }
 
-UnitFiles AnalyzerRunner::NameFiles(const AnalysisTask& task) const {
-    const std::string_view sourceName = FileNameOf(task.command->SourceFile());
+UnitFiles AnalyzerRunner::NameFiles(std::size_t unit, const CompileCommand& command) const {
+    const std::string_view sourceName = FileNameOf(command.SourceFile());
+    const std::string name = std::to_string(unit + 1) + "_" + std::string(sourceName.substr(0, LongestSourceNamePart));
     UnitFiles files;
-    files.basePath = JoinPath(places_.unitFolder, std::to_string(task.unit + 1) + "_" +
-                                                      std::string(sourceName.substr(0, LongestSourceNamePart)));
+    files.basePath = JoinPath(places_.unitFolder, name);
     files.preprocessedPath = files.basePath + ".Orvanta.i";
     files.fragmentPath = files.basePath + ".Orvanta.findings";
+    files.dependenciesPath = files.basePath + ".Orvanta.dependencies";
+    files.collectedPath = JoinPath(OrvantaFolder(places_.outputFolder), name + ".Orvanta.dfo");
     return files;
+}
+
+std::string AnalyzerRunner::MergedFile() const {
+    return JoinPath(OrvantaFolder(places_.outputFolder), "intermodular-merged-info.Orvanta.dfo");
+}
+
+// The performing stage takes the text that the collecting stage has left, unless a file of it has changed since.
+bool AnalyzerRunner::IsPreprocessed(const AnalysisTask& task, const Unit& unit) {
+    if (task.mode != IntermodularAnalysisMode::SecondRun || !PathExists(unit.files.dependenciesPath)) {
+        return false;
+    }
+    const ScopedFile list(unit.files.dependenciesPath);
+    const std::vector<std::string> dependencies = ReadPathList(list.Path());
+    return PathExists(unit.files.preprocessedPath) && !changes_->HasChanged(unit.sourcePath) &&
+           std::none_of(dependencies.begin(), dependencies.end(),
+                        [this](const std::string& path) { return changes_->HasChanged(path); });
 }
 
 bool AnalyzerRunner::PreprocessUnit(const Unit& unit, UnitResult& result) {
@@ -255,7 +304,7 @@ void AnalyzerRunner::ReportPreprocessingFailure(const Unit& unit, const Captured
     result.ownFindings.push_back(NotAnalyzedMessage(unit.sourcePath));
 }
 
-SettingsMap AnalyzerRunner::SettingsOf(const Unit& unit) {
+SettingsMap AnalyzerRunner::SettingsOf(const Unit& unit, IntermodularAnalysisMode mode) {
     const Language language = UnitLanguage(unit.command);
     const std::optional<FlagKind> stated = language == Language::C ? unit.command.cStandard : unit.command.cppStandard;
     std::string standard;
@@ -265,24 +314,21 @@ SettingsMap AnalyzerRunner::SettingsOf(const Unit& unit) {
         standard = probe_.ProbeLanguageStandard(*unit.model, unit.command, language, unit.Place(),
                                                 *unit.invocation.environment);
     }
-    return BuildUnitSettings(settings_.userSettings, *unit.model, unit.command, standard, unit.files);
+    SettingsMap settings = BuildUnitSettings(settings_.userSettings, *unit.model, unit.command, standard, unit.files);
+    AddIntermodularSettings(settings, mode, MergedFile(), unit.files.collectedPath);
+    return settings;
 }
 
-void AnalyzerRunner::RunCore(const Unit& unit, const std::string& settingsPath, UnitResult& result) {
-    const Arguments command = {places_.corePath, "--cfg", settingsPath};
-    CapturedOutput output;
+// Whether the core has come to a good end; else the result says why not.
+bool AnalyzerRunner::RunCore(const Unit& unit, const Arguments& command, CapturedOutput& output, UnitResult& result) {
     // The whole environment of a build is the compiler's business; the core belongs to this run.
     const bool isBuilds = unit.invocation.environmentScope == EnvironmentScope::Whole;
     const ProcessPlace place = {*unit.invocation.absoluteDirectory, isBuilds ? *commonEnvironment_ : *unit.environment};
     try {
-        result.fragmentPath = unit.files.fragmentPath;
-        if (RunSupervised(command, place, stop_, output) == ProcessOutcome::Stopped) {
-            result.status = AnalyzerStatus::Stopped;
-            return;
+        if (RunSupervised(command, place, stop_, output) == ProcessOutcome::Succeeded) {
+            return true;
         }
-        if (!output.standardOutput.empty() && (!IsMsvcFamily(unit.model->Type()) || settings_.showCoreOutputOfMsvc)) {
-            log_.Text(output.standardOutput);
-        }
+        result.status = AnalyzerStatus::Stopped;
     } catch (const ProcessStartException& error) {
         if (error.WhatFailed() == ProcessStartException::Cause::Program) {
             throw CoreUnusableException(error.what());
@@ -293,6 +339,27 @@ void AnalyzerRunner::RunCore(const Unit& unit, const std::string& settingsPath, 
         log_.VerboseLine(error.what());
         result.status = AnalyzerStatus::CoreFailed;
         result.reason = CoreFailureReason(error.what(), output);
+    }
+    return false;
+}
+
+bool AnalyzerRunner::ListDependencies(const Unit& unit, const std::string& settingsPath,
+                                      std::vector<std::string>& dependencies, UnitResult& result) {
+    CapturedOutput output;
+    const Arguments command = {places_.corePath, "--cfg", settingsPath, "--display-dependencies", "--skip-analysis"};
+    if (!RunCore(unit, command, output, result)) {
+        return false;
+    }
+    dependencies = ReadDependencyLines(output.standardOutput, *unit.invocation.absoluteDirectory);
+    return true;
+}
+
+void AnalyzerRunner::AnalyzeUnit(const Unit& unit, const std::string& settingsPath, UnitResult& result) {
+    CapturedOutput output;
+    result.fragmentPath = unit.files.fragmentPath;
+    if (RunCore(unit, {places_.corePath, "--cfg", settingsPath}, output, result) && !output.standardOutput.empty() &&
+        (!IsMsvcFamily(unit.model->Type()) || settings_.showCoreOutputOfMsvc)) {
+        log_.Text(output.standardOutput);
     }
 }
 
@@ -306,18 +373,26 @@ bool AnalyzerRunner::IsInSystemFolder(const Unit& unit) const {
     });
 }
 
-bool AnalyzerRunner::IsExcluded(const std::string& path, IntermodularAnalysisMode mode) const {
-    if (mode == IntermodularAnalysisMode::FirstRun || mode == IntermodularAnalysisMode::Merge) {
-        return false;
+// The result of a unit with which nothing is to be done; absent for one that is to run.
+std::optional<UnitResult> AnalyzerRunner::SettledResult(const AnalysisTask& task) const {
+    const RunPlan& plan = *task.plan;
+    const UnitAction action = plan.actions.empty() ? UnitAction::Run : plan.actions[task.unit];
+    if (action == UnitAction::LeaveOut) {
+        return UnitResult{.status = AnalyzerStatus::NotListed};
     }
-    if (!settings_.onlyPaths.IsEmpty() && !settings_.onlyPaths.Matches(path)) {
-        return true;
+    const bool excludes =
+        task.mode == IntermodularAnalysisMode::None || task.mode == IntermodularAnalysisMode::SecondRun;
+    if (const std::string path = SourcePath(*task.command); excludes && IsExcluded(settings_, path)) {
+        log_.VerboseLine("  Exclusion by setting: '" + path + "'");
+        return UnitResult{.status = AnalyzerStatus::Excluded};
     }
-    if (!settings_.exclusions.Matches(path)) {
-        return false;
+    if (action == UnitAction::Run) {
+        return std::nullopt;
     }
-    log_.VerboseLine("  Exclusion by setting: '" + path + "'");
-    return true;
+    if (action == UnitAction::Exclude) {
+        return UnitResult{.status = AnalyzerStatus::Excluded};
+    }
+    return UnitResult{.status = AnalyzerStatus::CarriedOver, .keptFindings = plan.history->KeptFindings(task.unit)};
 }
 
 bool AnalyzerRunner::ShouldEnd() const noexcept {
@@ -325,11 +400,12 @@ bool AnalyzerRunner::ShouldEnd() const noexcept {
 }
 
 int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands, unsigned threads,
-                                IntermodularAnalysisMode mode, ReportCommitter& committer) {
+                                IntermodularAnalysisMode mode, ResultReceiver& receiver, const RunPlan& plan) {
     if (commands.empty()) {
         throw NoCompilationCommandsToRun();
     }
-    std::atomic<std::size_t> finished = 0;
+    PassProgress pass(progress_, commands.size());
+    const unsigned stage = StageOf(plan, mode);
     const auto runTask = [&](const AnalysisTask& task) {
         UnitResult result;
         try {
@@ -339,10 +415,10 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
             throw; // to the pool, which hands it to this function's WaitForTasks
         }
         const bool stopped = result.status == AnalyzerStatus::Stopped;
-        committer.Commit(task.unit, std::move(result));
-        const std::size_t done = ++finished;
+        receiver.Commit(task.unit, std::move(result));
+        pass.CountFinished();
         if (!stopped) {
-            progress_.Step(static_cast<unsigned>(100 * done / commands.size()), 0, SourcePath(*task.command));
+            pass.Step(stage, SourcePath(*task.command));
         }
     };
 
@@ -350,10 +426,10 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
     {
         WorkerPool pool(static_cast<unsigned>(std::min<std::size_t>(threads, commands.size())));
         for (; next < commands.size() && !ShouldEnd(); ++next) {
-            const AnalysisTask task = {commands[next], mode, next};
-            if (IsExcluded(SourcePath(*task.command), mode)) {
-                committer.Commit(next, {.status = AnalyzerStatus::Excluded});
-                ++finished;
+            const AnalysisTask task = {commands[next], mode, next, &plan, &pass};
+            if (std::optional<UnitResult> settled = SettledResult(task)) {
+                receiver.Commit(next, std::move(*settled));
+                pass.CountFinished();
                 continue;
             }
             while (!pool.WaitForRoom(PollInterval) && !ShouldEnd()) {
@@ -366,9 +442,51 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
         pool.WaitForTasks();
     }
     for (; next < commands.size(); ++next) {
-        committer.Commit(next, {.status = AnalyzerStatus::Stopped});
+        receiver.Commit(next, {.status = AnalyzerStatus::Stopped});
     }
-    return CombinedResult(committer.Outcome());
+    return CombinedResult(receiver.Outcome());
+}
+
+void AnalyzerRunner::PrepareIntermodular() {
+    if (!IsDirectory(places_.outputFolder)) {
+        throw ZelmException("can't find output directory");
+    }
+    const std::string folder = OrvantaFolder(places_.outputFolder);
+    try {
+        MakeFolders(folder);
+    } catch (const ZelmException&) {
+        throw ZelmException("Couldn't create path: " + folder);
+    }
+    RemoveFile(MergedFile());
+    changes_.emplace(places_.temporaryFolder);
+}
+
+bool AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
+    const std::string folder = JoinPath(places_.temporaryFolder, "Intermodular");
+    MakeFolders(folder);
+    std::vector<std::string> collected;
+    for (std::size_t unit = 0; unit < commands.size(); ++unit) {
+        std::string path = NameFiles(unit, *commands[unit]).collectedPath;
+        if (PathExists(path)) { // a unit that failed has left none
+            collected.push_back(std::move(path));
+        }
+    }
+    const std::string list = JoinPath(folder, "units.txt");
+    WritePathList(list, collected);
+    SettingsMap settings = {
+        {"intermodular-unit-list", list}
+    };
+    AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, MergedFile(), "");
+    const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
+    CapturedOutput output;
+    return RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, *commonEnvironment_}, stop_, output) ==
+           ProcessOutcome::Succeeded;
+}
+
+void AnalyzerRunner::RemoveCollected(std::span<const CompileCommand* const> commands) const noexcept {
+    for (std::size_t unit = 0; unit < commands.size(); ++unit) {
+        RemoveFile(NameFiles(unit, *commands[unit]).collectedPath);
+    }
 }
 
 } // namespace Orvanta

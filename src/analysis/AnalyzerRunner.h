@@ -1,8 +1,10 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
+#include "analysis/FileChanges.h"
 #include "analysis/Progress.h"
-#include "analysis/ReportCommitter.h"
+#include "analysis/RunOutcome.h"
+#include "analysis/RunPlan.h"
 #include "analysis/StandardProbe.h"
 #include "analysis/UnitResult.h"
 #include "analysis/UnitSettings.h"
@@ -15,6 +17,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,23 +30,28 @@ public:
     NoCompilationCommandsToRun() : ZelmException("No compilation units were found.") {}
 };
 
+class PassProgress;
+
 /// One queued unit.
 struct AnalysisTask {
     const CompileCommand* command = nullptr;
     IntermodularAnalysisMode mode = IntermodularAnalysisMode::None;
-    std::size_t unit = 0; ///< position among the run's units
+    std::size_t unit = 0;          ///< position among the run's units
+    const RunPlan* plan = nullptr; ///< not null
+    PassProgress* pass = nullptr;  ///< not null
 };
 
 /// Where a run finds its core and puts its files.
 struct RunPlaces {
     std::string corePath;
-    std::string unitFolder;  ///< takes the files of the units; exists
-    std::string probeFolder; ///< takes the files of the standard probe; exists
+    std::string unitFolder;      ///< takes the files of the units; exists
+    std::string temporaryFolder; ///< takes all other files that go with the run; exists
+    std::string outputFolder;    ///< of the report: what later runs and stages need lies in ".Orvanta" in there
     SettingsFile::Lifetime unitFiles = SettingsFile::Lifetime::Remove; ///< of the preprocessed and the settings files
 };
 
-/// The code of a run that the user stopped.
-inline constexpr int InterruptedExitCode = 130;
+/// The folder in the output folder that takes what later runs and stages need.
+[[nodiscard]] std::string OrvantaFolder(const std::string& outputFolder);
 
 /// Analyzes units: preprocesses each with its compiler and hands it to the core. `Run` may be called by any number of
 /// threads at once.
@@ -56,11 +64,23 @@ public:
     /// Analyzes one unit. What goes wrong with it is its result.
     [[nodiscard]] UnitResult Run(const AnalysisTask& task);
 
-    /// Analyzes the units with `threads` workers, hands their results to `committer` and returns the run's exit code: 0
-    /// when every unit that was not excluded was analyzed, 1 when one failed or none was analyzed, 130 after a stop.
-    /// \throws NoCompilationCommandsToRun for an empty list, ZelmException when the core can't be started at all
+    /// Goes through the units with `threads` workers, does with each what `plan` says, hands the results to `receiver`
+    /// and returns the CombinedResult of what that makes of them. \throws NoCompilationCommandsToRun for an empty list,
+    /// ZelmException when the core can't be started at all
     int RunParallel(std::span<const CompileCommand* const> commands, unsigned threads, IntermodularAnalysisMode mode,
-                    ReportCommitter& committer);
+                    ResultReceiver& receiver, const RunPlan& plan = {});
+
+    /// To be called before the first of the three stages: makes the folder that takes what they leave.
+    /// \throws ZelmException when there is no output folder, or the folder can't be made
+    void PrepareIntermodular();
+
+    /// Lets the core link what the first run has collected of these units.
+    /// \throws ProcessException when the core fails, ZelmException when a file can't be written
+    /// \return whether it came to its end; false after a stop
+    bool RunMerge(std::span<const CompileCommand* const> commands);
+
+    /// Removes what the first run has collected.
+    void RemoveCollected(std::span<const CompileCommand* const> commands) const noexcept;
 
 private:
     struct Unit;
@@ -69,15 +89,22 @@ private:
     [[nodiscard]] Unit PrepareUnit(const AnalysisTask& task);
     [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
                                                                         const ParsedCommand& command);
-    [[nodiscard]] UnitFiles NameFiles(const AnalysisTask& task) const;
+    [[nodiscard]] UnitFiles NameFiles(std::size_t unit, const CompileCommand& command) const;
+    [[nodiscard]] std::string MergedFile() const;
     UnitResult RunUnit(const AnalysisTask& task);
+    void RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, UnitHistory::Moment moment,
+                             UnitResult& result);
     void TellPrecompiledForms(const Unit& unit) const;
+    bool IsPreprocessed(const AnalysisTask& task, const Unit& unit);
     bool PreprocessUnit(const Unit& unit, UnitResult& result);
     void ReportPreprocessingFailure(const Unit& unit, const CapturedOutput& output, UnitResult& result);
-    [[nodiscard]] SettingsMap SettingsOf(const Unit& unit);
-    void RunCore(const Unit& unit, const std::string& settingsPath, UnitResult& result);
+    [[nodiscard]] SettingsMap SettingsOf(const Unit& unit, IntermodularAnalysisMode mode);
+    bool RunCore(const Unit& unit, const Arguments& command, CapturedOutput& output, UnitResult& result);
+    bool ListDependencies(const Unit& unit, const std::string& settingsPath, std::vector<std::string>& dependencies,
+                          UnitResult& result);
+    void AnalyzeUnit(const Unit& unit, const std::string& settingsPath, UnitResult& result);
     [[nodiscard]] bool IsInSystemFolder(const Unit& unit) const;
-    [[nodiscard]] bool IsExcluded(const std::string& path, IntermodularAnalysisMode mode) const;
+    [[nodiscard]] std::optional<UnitResult> SettledResult(const AnalysisTask& task) const;
     [[nodiscard]] bool ShouldEnd() const noexcept;
 
     const RunSettings& settings_;
@@ -89,13 +116,8 @@ private:
     StandardProbe probe_;
     VisualStudioEnvironment visualStudio_;
     std::shared_ptr<const EnvironmentBlock> commonEnvironment_; // of invocations without variables of their own
+    std::optional<FileChanges> changes_;                        // since the first stage began
     std::atomic<bool> coreIsUnusable_ = false;
 };
-
-/// The absolute, normalised path of a unit's source.
-[[nodiscard]] std::string SourcePath(const CompileCommand& command);
-
-/// The exit code that the outcome of a run stands for.
-[[nodiscard]] int CombinedResult(const RunOutcome& outcome) noexcept;
 
 } // namespace Orvanta

@@ -10,6 +10,8 @@ enum class AnalyzerStatus {
     Failed = 3,  ///< for another reason, such as a settings file that can't be written
     Stopped = 4, ///< the user stopped the run before the unit was done, or before it was started
     Excluded = 5,
+    CarriedOver = 6, ///< nothing has changed since its last run: what that found is reported again
+    NotListed = 7,   ///< the list of source files names neither its source nor a file that it includes
 };
 
 /// Which stage of an intermodular analysis a unit is run for.

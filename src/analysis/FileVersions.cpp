@@ -9,11 +9,6 @@
 
 namespace Orvanta {
 
-std::string ComparablePath(std::string_view path) {
-    std::string normal = NormalizePath(path);
-    return HostPathRules() == PathRules::Windows ? ToLowerAscii(normal) : normal;
-}
-
 FileVersions::FileVersions(std::string folder) : folder_(std::move(folder)) {}
 
 void FileVersions::Adopt(PathTable paths, std::vector<FileVersion> versions) {
@@ -256,7 +251,7 @@ std::vector<std::string> FileVersions::ComparablePaths() const {
     std::vector<std::string> paths;
     paths.reserve(paths_.Size());
     for (std::uint32_t number = 0; number < paths_.Size(); ++number) {
-        paths.push_back(ComparablePath(paths_.Path(number)));
+        paths.push_back(ComparablePath(NormalizePath(paths_.Path(number))));
     }
     return paths;
 }

@@ -17,10 +17,6 @@
 
 namespace Orvanta {
 
-/// The form in which the names of one file are the same text: normalised and, where the system's names don't regard
-/// case, in lower case.
-[[nodiscard]] std::string ComparablePath(std::string_view path);
-
 /// The files that units are made of, in all versions that some unit saw. Each file is looked up on disk once in a run,
 /// and read only where its stamp does not tell whether it is a known version.
 ///

@@ -4,13 +4,18 @@
 #include "platform/NativePath.h"
 #include "report/MessageLine.h"
 
+#include <algorithm>
 #include <exception>
 #include <fstream>
+#include <string>
 #include <utility>
 
 namespace Orvanta {
 
 namespace {
+
+// What an earlier run found can't be lost any more: it need not be on disk at once.
+constexpr std::size_t CarriedTogether = 256;
 
 void MarkFailed(UnitResult& result, std::string reason) {
     if (!IsFailure(result.status)) { // the first reason stays
@@ -49,21 +54,22 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
         }
         RemoveFile(result.fragmentPath);
     }
+    PassOnKept(lock, result);
     for (const OrvlogConverter::ReportMessage& message : result.ownFindings) {
         PassOn(lock, message);
     }
     try {
-        output_.Commit();
+        if (result.status != AnalyzerStatus::CarriedOver || ++carriedSinceCommit_ == CarriedTogether) {
+            output_.Commit();
+            carriedSinceCommit_ = 0;
+        }
         for (std::size_t level = 0; level < unitFindings_.size(); ++level) {
             outcome_.findingsByLevel[level] += unitFindings_[level];
         }
     } catch (const std::exception& error) {
         MarkFailed(result, error.what());
     }
-    outcome_.statuses[unit] = result.status;
-    if (IsFailure(result.status)) {
-        outcome_.failures.emplace(unit, std::move(result.reason));
-    }
+    outcome_.Settle(unit, result);
 }
 
 // A core that failed may have left half a line; every whole finding is kept all the same.
@@ -71,18 +77,30 @@ void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
     std::ifstream fragment(NativePath(result.fragmentPath), std::ios::binary);
     std::string line;
     for (std::size_t number = 1; std::getline(fragment, line); ++number) {
-        if (line.ends_with('\r')) {
-            line.pop_back();
-        }
-        if (line.empty()) {
-            continue;
-        }
-        try {
-            PassOn(lock, OrvlogConverter::ReadMessageLine(line));
-        } catch (const std::exception& error) {
-            MarkFailed(result,
-                       "Line " + std::to_string(number) + " of the core's findings can't be read: " + error.what());
-        }
+        PassOnLine(lock, line, number, result);
+    }
+}
+
+void ReportCommitter::PassOnKept(Locked lock, UnitResult& result) {
+    std::string_view rest = result.keptFindings;
+    for (std::size_t number = 1; !rest.empty(); ++number) {
+        const std::size_t end = std::min(rest.find('\n'), rest.size());
+        PassOnLine(lock, rest.substr(0, end), number, result);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+}
+
+void ReportCommitter::PassOnLine(Locked lock, std::string_view line, std::size_t number, UnitResult& result) {
+    if (line.ends_with('\r')) {
+        line.remove_suffix(1);
+    }
+    if (line.empty()) {
+        return;
+    }
+    try {
+        PassOn(lock, OrvlogConverter::ReadMessageLine(line));
+    } catch (const std::exception& error) {
+        MarkFailed(result, "Line " + std::to_string(number) + " of the core's findings can't be read: " + error.what());
     }
 }
 

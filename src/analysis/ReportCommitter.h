@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/RunOutcome.h"
 #include "analysis/UnitResult.h"
 #include "report/DuplicateFilter.h"
 #include "report/ReportOutputs.h"
@@ -8,23 +9,14 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
-#include <optional>
-#include <string>
-#include <vector>
+#include <string_view>
 
 namespace Orvanta {
 
-/// How the units of a run ended, and what they found.
-struct RunOutcome {
-    std::vector<AnalyzerStatus> statuses;            ///< by unit
-    std::map<std::size_t, std::string> failures;     ///< by unit: why it failed
-    std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
-    std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
-};
-
 /// Puts the findings of the units into the report in input order, whatever order the units end in, and makes them
-/// readable there as soon as their turn has come. A unit that waits for a slower one keeps its findings on disk.
-class ReportCommitter {
+/// readable there as soon as their turn has come; those of units that were carried over at the latest with the end of
+/// the output. A unit that waits for a slower one keeps its findings on disk.
+class ReportCommitter : public ResultReceiver {
 public:
     /// `chain` leads to `output`; findings go in there. Both must outlive the committer.
     ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output, OrvlogConverter::IOutput& chain);
@@ -33,12 +25,11 @@ public:
     ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output)
         : ReportCommitter(units, output, output) {}
 
-    /// Takes the result of a unit, once per unit, and commits every unit whose turn has come. Any thread may call it.
-    /// Findings that can't be read, or a report that can't be written, make the unit a failed one.
-    void Commit(std::size_t unit, UnitResult result);
+    /// Commits every unit whose turn has come. Findings that can't be read, or a report that can't be written, make the
+    /// unit a failed one.
+    void Commit(std::size_t unit, UnitResult result) override;
 
-    /// What became of the units so far. Only when no thread is in Commit.
-    [[nodiscard]] const RunOutcome& Outcome() const noexcept { return outcome_; }
+    [[nodiscard]] const RunOutcome& Outcome() const noexcept override { return outcome_; }
 
 private:
     // All need mutex_ held, which the first argument proves. Order is the purpose of this lock: it covers the reading
@@ -47,6 +38,8 @@ private:
     void CommitReady(Locked);
     void CommitUnit(Locked, std::size_t unit, UnitResult& result);
     void PassOnFragment(Locked, UnitResult& result);
+    void PassOnKept(Locked, UnitResult& result);
+    void PassOnLine(Locked, std::string_view line, std::size_t number, UnitResult& result);
     void PassOn(Locked, const OrvlogConverter::ReportMessage& message);
 
     std::mutex mutex_;
@@ -55,6 +48,7 @@ private:
     std::map<std::size_t, UnitResult> waiting_;    // guarded by mutex_
     std::size_t next_ = 0;                         // guarded by mutex_
     std::array<std::size_t, 4> unitFindings_ = {}; // guarded by mutex_; of the unit being committed
+    std::size_t carriedSinceCommit_ = 0;           // guarded by mutex_
     RunOutcome outcome_;                           // guarded by mutex_
 };
 

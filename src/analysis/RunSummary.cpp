@@ -1,6 +1,6 @@
 #include "analysis/RunSummary.h"
 
-#include "analysis/AnalyzerRunner.h"
+#include "buildinput/CompileCommand.h"
 
 #include <algorithm>
 #include <array>
@@ -14,51 +14,67 @@ namespace {
 
 // From the fate that tells least about an invocation to the one that tells most.
 constexpr std::size_t InvocationCounts::*CountsByWeight[] = {
-    &InvocationCounts::excluded,
-    &InvocationCounts::analyzed,
-    &InvocationCounts::stopped,
-    &InvocationCounts::failed,
+    &InvocationCounts::skipped,  &InvocationCounts::excluded, &InvocationCounts::carriedOver,
+    &InvocationCounts::analyzed, &InvocationCounts::stopped,  &InvocationCounts::failed,
 };
 
 std::size_t WeightOf(AnalyzerStatus status) {
     switch (status) {
-    case AnalyzerStatus::Excluded:
+    case AnalyzerStatus::NotListed:
         return 0;
-    case AnalyzerStatus::Analyzed:
+    case AnalyzerStatus::Excluded:
         return 1;
-    case AnalyzerStatus::Stopped:
+    case AnalyzerStatus::CarriedOver:
         return 2;
+    case AnalyzerStatus::Analyzed:
+        return 3;
+    case AnalyzerStatus::Stopped:
+        return 4;
     case AnalyzerStatus::PreprocessingFailed:
     case AnalyzerStatus::CoreFailed:
     case AnalyzerStatus::Failed:
         break;
     }
-    return 3;
+    return 5;
 }
 
 std::string CountsText(const InvocationCounts& counts) {
-    const std::pair<std::size_t, const char*> parts[] = {
-        {counts.analyzed, "analyzed"},
-        {counts.failed,   "failed"  },
-        {counts.skipped,  "skipped" },
-        {counts.excluded, "excluded"},
-        {counts.stopped,  "stopped" },
+    enum class Shown { Always, WhenAny };
+
+    struct Part {
+        std::size_t count;
+        const char* word;
+        Shown shown;
+    };
+
+    const Part parts[] = {
+        {counts.analyzed,    "analyzed",     Shown::Always },
+        {counts.carriedOver, "carried over", Shown::WhenAny},
+        {counts.failed,      "failed",       Shown::Always },
+        {counts.skipped,     "skipped",      Shown::Always },
+        {counts.excluded,    "excluded",     Shown::Always },
+        {counts.stopped,     "stopped",      Shown::WhenAny},
     };
     std::string text;
-    for (const auto& [count, word] : parts) {
-        if (count > 0 || word != std::string_view("stopped")) {
-            text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + word;
+    for (const Part& part : parts) {
+        if (part.count > 0 || part.shown == Shown::Always) {
+            text += (text.empty() ? "" : ", ") + std::to_string(part.count) + " " + part.word;
         }
     }
     return text;
 }
 
-std::string SkippedText(const CollectedCommands& commands) {
+std::string SkippedText(const CollectedCommands& commands, const InvocationCounts& counts) {
     std::map<std::string_view, std::size_t> byReason;
+    std::size_t notListed = counts.skipped;
     for (const SkippedInvocation& skipped : commands.skipped) {
         if (!IsFailure(skipped.fate)) {
             ++byReason[skipped.reason];
+            --notListed;
         }
+    }
+    if (notListed > 0) {
+        byReason["not in the list of source files"] = notListed;
     }
     std::string text;
     for (const auto& [reason, count] : byReason) {
@@ -138,8 +154,10 @@ std::string SummaryText(const CollectedCommands& commands, const RunOutcome& out
     if (units.Total() + commands.skipped.size() != counts.Total()) {
         text += "Source files of them: " + std::to_string(units.Total()) + " (" + CountsText(units) + ")\n";
     }
-    text += SkippedText(commands);
-    text += FindingsText(outcome);
+    text += SkippedText(commands, counts);
+    if (!outcome.isReportKept) {
+        text += FindingsText(outcome);
+    }
     if (!reportPath.empty()) {
         text += "The results are saved to " + reportPath + "\n";
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/ReportCommitter.h"
+#include "analysis/RunOutcome.h"
 #include "buildinput/BuildInput.h"
 
 #include <chrono>
@@ -13,12 +13,15 @@ namespace Orvanta {
 /// What became of the compiler invocations of the input: each is counted once, so the counts add up to the input.
 struct InvocationCounts {
     std::size_t analyzed = 0;
+    std::size_t carriedOver = 0;
     std::size_t failed = 0;
     std::size_t excluded = 0;
     std::size_t skipped = 0;
     std::size_t stopped = 0;
 
-    [[nodiscard]] std::size_t Total() const noexcept { return analyzed + failed + excluded + skipped + stopped; }
+    [[nodiscard]] std::size_t Total() const noexcept {
+        return analyzed + carriedOver + failed + excluded + skipped + stopped;
+    }
 };
 
 /// Whether an invocation with this fate is a compilation that could not be read, not one that need not be.

@@ -1,50 +1,56 @@
 #include "analysis/SourceSelection.h"
 
-#include "analysis/AnalyzerRunner.h"
 #include "platform/Paths.h"
-#include "platform/Text.h"
 
 #include <algorithm>
-#include <unordered_set>
-#include <utility>
+#include <unordered_map>
 
 namespace Orvanta {
 
-namespace {
-
-/// The form in which two names of one file are the same text.
-std::string Comparable(std::string path) {
-    return HostPathRules() == PathRules::Windows ? ToLowerAscii(path) : std::move(path);
-}
-
-} // namespace
-
-void KeepListedSources(CollectedCommands& commands, std::span<const std::string> listed) {
-    std::unordered_set<std::string> wanted;
-    for (const std::string& path : listed) {
-        wanted.insert(Comparable(path));
+ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
+                         std::span<const std::string> listed) {
+    std::vector<bool> isMatched;
+    const std::vector<bool> isMadeOfListed = history.UnitsMadeOf(listed, isMatched);
+    std::unordered_map<std::string, std::vector<std::size_t>> places; // in `listed`, by the comparable form of the path
+    for (std::size_t place = 0; place < listed.size(); ++place) {
+        places[ComparablePath(listed[place])].push_back(place);
     }
-    std::vector<CompileCommand> kept;
-    std::vector<CompileCommand>& units = commands.units;
-    for (std::size_t begin = 0; begin < units.size();) {
-        const std::size_t invocation = units[begin].invocation;
-        const std::size_t keptBefore = kept.size();
-        std::string source(units[begin].SourceFile());
-        for (; begin < units.size() && units[begin].invocation == invocation; ++begin) {
-            if (wanted.contains(Comparable(SourcePath(units[begin])))) {
-                kept.push_back(std::move(units[begin]));
+    ListedUnits selection;
+    selection.actions.reserve(units.size());
+    for (std::size_t unit = 0; unit < units.size(); ++unit) {
+        const auto named = places.find(ComparablePath(SourcePath(units[unit])));
+        if (named != places.end()) {
+            for (const std::size_t place : named->second) {
+                isMatched[place] = true;
             }
         }
-        if (kept.size() == keptBefore) {
-            commands.skipped.push_back(
-                {invocation, InvocationFate::NotListed, std::move(source), "not in the list of source files"});
+        const bool isSelected = named != places.end() || isMadeOfListed[unit];
+        selection.actions.push_back(isSelected ? UnitAction::Run : UnitAction::LeaveOut);
+    }
+    for (std::size_t place = 0; place < listed.size(); ++place) {
+        if (!isMatched[place]) {
+            selection.unmatched.push_back(listed[place]);
         }
     }
-    units = std::move(kept);
-    std::stable_sort(commands.skipped.begin(), commands.skipped.end(),
-                     [](const SkippedInvocation& left, const SkippedInvocation& right) {
-                         return left.invocation < right.invocation;
-                     });
+    return selection;
+}
+
+std::vector<UnitAction> SelectModified(std::span<const CompileCommand> units, UnitHistory& history,
+                                       const RunSettings& settings) {
+    std::vector<UnitAction> actions;
+    actions.reserve(units.size());
+    for (std::size_t unit = 0; unit < units.size(); ++unit) {
+        if (IsExcluded(settings, SourcePath(units[unit])) || history.IsLeftOut(unit)) {
+            actions.push_back(UnitAction::Exclude);
+        } else {
+            actions.push_back(history.IsUnchanged(unit) ? UnitAction::CarryOver : UnitAction::Run);
+        }
+    }
+    return actions;
+}
+
+bool RunsNone(std::span<const UnitAction> actions) {
+    return std::none_of(actions.begin(), actions.end(), [](UnitAction action) { return action == UnitAction::Run; });
 }
 
 } // namespace Orvanta

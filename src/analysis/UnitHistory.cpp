@@ -170,6 +170,15 @@ UnitHistory::Moment UnitHistory::Begin(std::size_t unit) {
     return {std::chrono::steady_clock::now()};
 }
 
+bool UnitHistory::CanTellWhatWasSeen(std::size_t unit, Moment moment, std::span<const std::string> dependencies) {
+    FileVersions& files = state_->files;
+    const std::string& directory = *state_->commands[unit].absoluteDirectory;
+    // All are looked at, so that all are known before the unit is begun again.
+    return std::count_if(dependencies.begin(), dependencies.end(), [&](const std::string& dependency) {
+               return !files.IsCurrent(files.VersionSeenBy(files.NumberOf(dependency, directory), moment.begin));
+           }) == 0;
+}
+
 void UnitHistory::Record(std::size_t unit, Moment moment, std::span<const std::string> dependencies,
                          std::optional<std::string_view> findings) {
     State& state = *state_;

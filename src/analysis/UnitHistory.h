@@ -71,6 +71,10 @@ public:
     /// Any thread may call it.
     [[nodiscard]] Moment Begin(std::size_t unit);
 
+    /// Whether it can be told what the unit saw of these files. If not, because one that was not known before is too
+    /// new, it can after another `Begin`, when the unit is preprocessed once more. Any thread may call it.
+    [[nodiscard]] bool CanTellWhatWasSeen(std::size_t unit, Moment moment, std::span<const std::string> dependencies);
+
     /// Keeps what a successful listing of the unit gave, and with `findings` a successful run. Files are recorded as
     /// they were before the unit was preprocessed; where that can't be told (a file not known before has changed since
     /// the run began), the unit counts as changed next time. Without `findings`, those of an unchanged unit stay. Any

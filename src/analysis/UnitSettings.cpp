@@ -70,4 +70,28 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
     return settings;
 }
 
+void AddIntermodularSettings(SettingsMap& settings, IntermodularAnalysisMode mode, const std::string& mergedFile,
+                             const std::string& collectedPath) {
+    for (const char* const key : {"intermodular", "intermodular-file", "intermodular-unit-file"}) {
+        settings.erase(key);
+    }
+    switch (mode) {
+    case IntermodularAnalysisMode::FirstRun:
+        settings.emplace("intermodular", "first-run");
+        settings.emplace("intermodular-unit-file", collectedPath);
+        break;
+    case IntermodularAnalysisMode::Merge:
+        settings.emplace("intermodular", "merge-info");
+        settings.emplace("intermodular-file", mergedFile);
+        break;
+    case IntermodularAnalysisMode::SecondRun:
+        settings.emplace("intermodular", "second-run");
+        settings.emplace("intermodular-file", mergedFile);
+        settings.emplace("intermodular-unit-file", collectedPath);
+        break;
+    case IntermodularAnalysisMode::None:
+        break;
+    }
+}
+
 } // namespace Orvanta

@@ -165,28 +165,6 @@ void RefuseTogether(bool first, bool second, const char* names) {
     }
 }
 
-void CheckRegenerationWord(const AnalyzeOptions& options) {
-    const std::optional<std::string>& word = options.regenerateDependInfo;
-    if (word && *word != "skip-analysis" && *word != "run-analysis") {
-        throw ZelmException("Wrong value of --regenerate-depend-info: \"" + *word +
-                            "\", expected \"skip-analysis\" or \"run-analysis\"");
-    }
-}
-
-void RefuseUnavailable(const AnalyzeOptions& options) {
-    const std::pair<bool, const char*> unavailable[] = {
-        {options.incremental,                      "--incremental"           },
-        {options.intermodular,                     "--intermodular"          },
-        {options.regenerateDependInfo.has_value(), "--regenerate-depend-info"},
-        {options.dependencyFile.has_value(),       "--dep-file"              },
-    };
-    for (const auto& [isGiven, name] : unavailable) {
-        if (isGiven) {
-            throw ZelmException(std::string("The option ") + name + " is not available in this version");
-        }
-    }
-}
-
 } // namespace
 
 AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
@@ -199,17 +177,34 @@ AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
     return options;
 }
 
+std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& options) {
+    const std::optional<std::string>& word = options.regenerateDependInfo;
+    if (!word) {
+        return std::nullopt;
+    }
+    if (*word == "skip-analysis") {
+        return RegenerateDependInfoOption::SkipAnalysis;
+    }
+    if (*word == "run-analysis") {
+        return RegenerateDependInfoOption::RunAnalysis;
+    }
+    throw ZelmException("Wrong value of --regenerate-depend-info: \"" + *word +
+                        "\", expected \"skip-analysis\" or \"run-analysis\"");
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     if (options.settingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
     RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");
+    RequireExisting(options.dependencyFile, "Dependency file doesn't exist: ");
     RequireExisting(options.corePath, "Specified path to Orvanta doesn't exist: ");
     RefuseTogether(options.incremental, options.sourceList.has_value(), "--incremental and --source-files");
     RefuseTogether(options.sourceList.has_value(), options.intermodular, "--source-files and --intermodular");
     RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
-    CheckRegenerationWord(options);
-    RefuseUnavailable(options);
+    RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
+    RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
+    static_cast<void>(RegenerationOf(options));
 }
 
 } // namespace Orvanta

@@ -10,6 +10,12 @@ class Subparser;
 
 namespace Orvanta {
 
+/// What `--regenerate-depend-info` asks for.
+enum class RegenerateDependInfoOption {
+    SkipAnalysis, ///< the dependency information is made, and nothing is analyzed
+    RunAnalysis,  ///< it is made before the analysis
+};
+
 /// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
 struct AnalyzeOptions {
     std::optional<std::string> threads;
@@ -52,9 +58,13 @@ struct AnalyzeOptions {
 /// \throws args::Error and the parser library's other exceptions
 [[nodiscard]] AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser);
 
-/// Checks what the options say before any work: files that must exist, options that exclude each other, and options
-/// whose work the program can't do yet.
+/// Checks what the options say before any work: files that must exist, options that exclude each other, and words that
+/// mean nothing.
 /// \throws ZelmException for the first fault found
 void ValidateAnalyzeOptions(const AnalyzeOptions& options);
+
+/// What the word of `--regenerate-depend-info` asks for; absent without the option.
+/// \throws ZelmException for a word that means nothing
+[[nodiscard]] std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& options);
 
 } // namespace Orvanta

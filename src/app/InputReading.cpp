@@ -1,7 +1,6 @@
 #include "app/InputReading.h"
 
 #include "analysis/RunSummary.h"
-#include "analysis/SourceSelection.h"
 #include "buildinput/CommandStringSplitter.h"
 #include "buildinput/InvocationCollector.h"
 #include "buildinput/SourceList.h"
@@ -37,22 +36,6 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     return command;
 }
 
-/// The files that the user wants analyzed; no value: all.
-std::optional<std::vector<std::string>> ReadListedSources(const AnalyzeOptions& options, Log& log) {
-    if (!options.sourceList) {
-        return std::nullopt;
-    }
-    log.Line("Using source list file: " + *options.sourceList);
-    SourceList list = ReadSourceList(*options.sourceList);
-    if (list.isEmpty) {
-        throw ZelmException("The list of source files is empty.");
-    }
-    if (list.paths.empty()) {
-        throw ZelmException("The list of source files does not contain valid paths.");
-    }
-    return std::move(list.paths);
-}
-
 void TellSkipped(const CollectedCommands& commands, Log& log) {
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
         return skipped.fate == InvocationFate::SkippedLauncher;
@@ -73,9 +56,30 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
 
 } // namespace
 
+std::optional<std::vector<std::string>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
+    if (!options.sourceList && !options.dependencyFile) {
+        return std::nullopt;
+    }
+    std::vector<std::string> paths;
+    if (options.sourceList) {
+        log.Line("Using source list file: " + *options.sourceList);
+        SourceList list = ReadSourceList(*options.sourceList);
+        if (list.isEmpty) {
+            throw ZelmException("The list of source files is empty.");
+        }
+        if (list.paths.empty()) {
+            throw ZelmException("The list of source files does not contain valid paths.");
+        }
+        paths = std::move(list.paths);
+    }
+    if (options.dependencyFile) {
+        paths.push_back(AbsolutePath(*options.dependencyFile));
+    }
+    return paths;
+}
+
 CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
                             const CompilerRegistry& registry, Log& log, const StopFlag& stop) {
-    const std::optional<std::vector<std::string>> listed = ReadListedSources(options, log);
     CompilerIdentifier identifier(settings, log, stop);
     InvocationCollector collector(settings, registry, identifier, log);
     if (options.sourceFile) {
@@ -84,17 +88,8 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
         ReadBuildInput(options.inputFile.value_or(DefaultInput), collector);
     }
     CollectedCommands commands = collector.Take();
-    if (listed) {
-        KeepListedSources(commands, *listed);
-    }
     TellSkipped(commands, log);
     return commands;
-}
-
-bool IsNothingListed(const CollectedCommands& commands) {
-    return commands.units.empty() &&
-           std::any_of(commands.skipped.begin(), commands.skipped.end(),
-                       [](const SkippedInvocation& skipped) { return skipped.fate == InvocationFate::NotListed; });
 }
 
 bool HasFailedInvocation(const CollectedCommands& commands) {

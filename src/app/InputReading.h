@@ -7,16 +7,21 @@
 #include "platform/StopFlag.h"
 #include "settings/RunSettings.h"
 
+#include <optional>
+#include <string>
+#include <vector>
+
 namespace Orvanta {
 
+/// The files that `--source-files` lists and `--dep-file` names, absolute and normalised; absent when neither is given.
+/// \throws ZelmException for a list without paths
+[[nodiscard]] std::optional<std::vector<std::string>> ReadListedFiles(const AnalyzeOptions& options, Log& log);
+
 /// Reads the compiler invocations that a run works on: those of the build input, or the one that `--source-file` makes
-/// up, and of them those whose sources `--source-files` lists. Tells in the log which were skipped, and why.
-/// \throws what ReadBuildInput throws, and ZelmException for a list without paths
+/// up. Tells in the log which were skipped, and why.
+/// \throws what ReadBuildInput throws
 [[nodiscard]] CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
                                           const CompilerRegistry& registry, Log& log, const StopFlag& stop);
-
-/// Whether there would be units, but the list of source files names none of them.
-[[nodiscard]] bool IsNothingListed(const CollectedCommands& commands);
 
 /// Whether an invocation that should have given a unit gave none.
 [[nodiscard]] bool HasFailedInvocation(const CollectedCommands& commands);

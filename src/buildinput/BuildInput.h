@@ -30,7 +30,6 @@ enum class InvocationFate {
     CompilerUnusable,  ///< there is no such program, or it can't be started
     Unreadable,        ///< its command string, its arguments or a response file can't be read
     DeletedSinceTrace, ///< its sources are not there any more: a configure script's, say
-    NotListed,         ///< left out by the list of source files
 };
 
 /// An invocation that gave no unit.

@@ -36,4 +36,7 @@ struct CompileCommand {
     [[nodiscard]] std::string_view SourceFile() const { return arguments[source.index].substr(source.offset); }
 };
 
+/// The absolute, normalised path of a unit's source.
+[[nodiscard]] std::string SourcePath(const CompileCommand& command);
+
 } // namespace Orvanta

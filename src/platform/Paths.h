@@ -33,6 +33,10 @@ enum class PathRules {
 /// alone: links are not followed. Windows separators become "\". No separator at the end, except for a root.
 [[nodiscard]] std::string NormalizePath(std::string_view path, PathRules rules = HostPathRules());
 
+/// The form in which two names of one file are the same text: where the system's names don't regard case, in lower case
+/// (ASCII letters). `path` is absolute and normalised.
+[[nodiscard]] std::string ComparablePath(std::string path, PathRules rules = HostPathRules());
+
 /// The current directory, asked of the system at each call.
 [[nodiscard]] std::string CurrentDirectory();
 

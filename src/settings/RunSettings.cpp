@@ -1,7 +1,6 @@
 #include "settings/RunSettings.h"
 
 #include <iterator>
-#include <string_view>
 #include <utility>
 
 namespace Orvanta {
@@ -65,6 +64,10 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
 
 void OverrideSetting(RunSettings& run, const std::string& key, std::string value) {
     ReplaceSetting(run.userSettings, key, std::move(value));
+}
+
+bool IsExcluded(const RunSettings& run, std::string_view sourcePath) {
+    return (!run.onlyPaths.IsEmpty() && !run.onlyPaths.Matches(sourcePath)) || run.exclusions.Matches(sourcePath);
 }
 
 } // namespace Orvanta

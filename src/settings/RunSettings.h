@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvanta {
@@ -36,5 +37,9 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings);
 
 /// Puts a given option's value in the place of the settings file's values of that key.
 void OverrideSetting(RunSettings& run, const std::string& key, std::string value);
+
+/// Whether a unit with this source, an absolute and normalised path, is to be left out by the exclusions or by
+/// `--analyze-only`. Any thread may ask.
+[[nodiscard]] bool IsExcluded(const RunSettings& run, std::string_view sourcePath);
 
 } // namespace Orvanta

@@ -7,6 +7,7 @@
 //   no-output-file                    removes the output file
 //   stdout TEXT / stderr TEXT
 //   touch FILE / wait-for FILE        order events between processes
+//   append FILE TEXT                  edits a file
 //   hang                              goes on until it is killed
 //   spawn-hanging-child               the same for a child, which then hangs beside this process
 //   crash / exit N
@@ -180,6 +181,10 @@ void PlayLine(const Unit& unit, const ScriptLine& step, const std::string& progr
         std::cerr << step.rest << std::endl;
     } else if (step.word == "touch") {
         TouchFile(step.rest);
+    } else if (step.word == "append") {
+        std::string text = step.rest;
+        const std::string file = TakeWord(text);
+        AppendLine(file, text);
     } else if (step.word == "wait-for") {
         WaitForFile(step.rest);
     } else if (step.word == "hang") {

@@ -62,23 +62,6 @@ TEST_F(OptionsTest, NumberOfThreadsMustBePositive) {
     EXPECT_TRUE(sandbox.CoreCalls().empty());
 }
 
-TEST_F(OptionsTest, OptionsOfLaterWorkAreRefusedNotIgnored) {
-    sandbox.AddUnit("a.c");
-    const std::pair<const char*, Arguments> cases[] = {
-        {"incremental",            {"-i"}                                       },
-        {"intermodular",           {"--intermodular"}                           },
-        {"regenerate-depend-info", {"--regenerate-depend-info", "skip-analysis"}},
-        {"dep-file",               {"--dep-file", "deps.mk"}                    },
-    };
-    for (const auto& [name, options] : cases) {
-        const RunResult result = sandbox.Analyze(options);
-        EXPECT_EQ(result.exitCode, 1) << result;
-        EXPECT_TRUE(result.Says("Error: ")) << result;
-        EXPECT_TRUE(result.Says(name)) << name << result;
-    }
-    EXPECT_TRUE(sandbox.CoreCalls().empty());
-}
-
 struct Precedence {
     const char* key;
     const char* byDefault;

@@ -38,6 +38,7 @@ TEST_F(SourceListTest, ThatSelectsNothingEndsTheRunWithItsReason) {
         {" \n\t\n",          "Error: The list of source files is empty.\n"                         },
         {"none.c\nno/a.c\n", "Error: The list of source files does not contain valid paths.\n"     },
         {"other.h\n",        "\nNothing to analyze - no files from source files list were found.\n"},
+        {"other.h\n",        "\nWarning: no source file of the build is or includes "              },
     };
     for (const ListFault& row : rows) {
         sandbox.Write("list.txt", row.list);
@@ -46,7 +47,42 @@ TEST_F(SourceListTest, ThatSelectsNothingEndsTheRunWithItsReason) {
         EXPECT_TRUE(result.Says(row.message)) << row.message << result;
         EXPECT_FALSE(sandbox.Exists("report.json"));
     }
-    EXPECT_TRUE(sandbox.CoreCalls().empty());
+    EXPECT_TRUE(sandbox.AnalyzedSources().empty());
+}
+
+TEST_F(SourceListTest, SelectsUnitsByWhatTheyInclude) {
+    sandbox.Write("inner.h", "int inner;\n");
+    sandbox.Write("outer.h", "#include \"inner.h\"\n");
+    sandbox.Write("other.h", "");
+    sandbox.Write("a.c", "#include \"outer.h\"\n");
+    sandbox.Write("list.txt", "inner.h\nother.h\nc.c\n");
+    const RunResult first = sandbox.Analyze({"-S", "list.txt", "-o", "report.json"});
+    EXPECT_EQ(first.exitCode, 0) << first;
+    EXPECT_TRUE(first.Says("Couldn't find depend_info.json. Generating new one\n")) << first;
+    EXPECT_TRUE(first.Says("[100%] Parsing includes: ")) << first;
+    EXPECT_TRUE(first.Says("Warning: no source file of the build is or includes " + sandbox.Path("other.h") + "\n"))
+        << first;
+    EXPECT_FALSE(first.Says(sandbox.Path("inner.h"))) << first;
+    EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("a.c"), sandbox.Path("c.c")}));
+    EXPECT_EQ(Report().size(), 2U);
+
+    // What is known stays known, and what is out of date is listed again before the selection.
+    sandbox.ForgetCoreCalls();
+    sandbox.Write("sub/b.c", "#include \"../inner.h\"\n");
+    const RunResult second = sandbox.Analyze({"--dep-file", "inner.h", "-o", "report.json"});
+    EXPECT_EQ(second.exitCode, 0) << second;
+    EXPECT_EQ(second.Count("%] Parsing includes: "), 3U) << "one to select by, two with the analysis" << second;
+    EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("a.c"), sandbox.Path("sub/b.c")}));
+    EXPECT_EQ(Report().size(), 2U);
+}
+
+TEST_F(SourceListTest, AUnitWhoseDependenciesCannotBeListedHasFailed) {
+    sandbox.WriteScript("a.c", {"listing exit 4"});
+    sandbox.Write("list.txt", "c.c\n");
+    const RunResult result = sandbox.Analyze({"-S", "list.txt", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(result.Says(sandbox.Path("a.c") + ": Its dependencies could not be listed: ")) << result;
+    EXPECT_TRUE(result.Says("3 (1 analyzed, 1 failed, 1 skipped")) << result;
 }
 
 } // namespace

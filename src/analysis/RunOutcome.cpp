@@ -1,0 +1,39 @@
+#include "analysis/RunOutcome.h"
+
+#include "platform/Files.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Orvanta {
+
+void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
+    statuses[unit] = result.status;
+    if (IsFailure(result.status)) {
+        failures.emplace(unit, std::move(result.reason));
+    }
+}
+
+int CombinedResult(const RunOutcome& outcome) noexcept {
+    const auto hasAny = [&](auto predicate) {
+        return std::any_of(outcome.statuses.begin(), outcome.statuses.end(), predicate);
+    };
+    if (hasAny([](AnalyzerStatus status) { return status == AnalyzerStatus::Stopped; })) {
+        return InterruptedExitCode;
+    }
+    const bool someSucceeded = hasAny([](AnalyzerStatus status) {
+        return status == AnalyzerStatus::Analyzed || status == AnalyzerStatus::CarriedOver;
+    });
+    const bool someFailed = hasAny([](AnalyzerStatus status) { return IsFailure(status); });
+    return someSucceeded && !someFailed ? 0 : 1;
+}
+
+void OutcomeReceiver::Commit(std::size_t unit, UnitResult result) {
+    if (!result.fragmentPath.empty()) {
+        RemoveFile(result.fragmentPath);
+    }
+    const std::lock_guard lock(mutex_);
+    outcome_.Settle(unit, result);
+}
+
+} // namespace Orvanta

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "analysis/AnalyzerStatus.h"
+#include "analysis/UnitResult.h"
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+/// How the units of a run ended, and what they found.
+struct RunOutcome {
+    std::vector<AnalyzerStatus> statuses;            ///< by unit
+    std::map<std::size_t, std::string> failures;     ///< by unit: why it failed
+    std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
+    std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
+    bool isReportKept = false;                       ///< the report stands as it was: its findings were not counted
+
+    /// Takes over how a unit ended, and why.
+    void Settle(std::size_t unit, UnitResult& result);
+};
+
+/// The exit code that the outcome of a run stands for: 0 when every unit that was not left out was analyzed, 1 when one
+/// failed or none was analyzed, 130 after a stop.
+[[nodiscard]] int CombinedResult(const RunOutcome& outcome) noexcept;
+
+/// The code of a run that the user stopped.
+inline constexpr int InterruptedExitCode = 130;
+
+/// Takes the results of the units of a run.
+class ResultReceiver {
+public:
+    virtual ~ResultReceiver() = default;
+
+    /// Takes the result of a unit, once per unit. Any thread may call it.
+    virtual void Commit(std::size_t unit, UnitResult result) = 0;
+
+    /// What became of the units so far. Only when no thread is in Commit.
+    [[nodiscard]] virtual const RunOutcome& Outcome() const noexcept = 0;
+};
+
+/// Takes how the units ended, and drops what they found.
+class OutcomeReceiver : public ResultReceiver {
+public:
+    explicit OutcomeReceiver(std::size_t units) { outcome_.statuses.assign(units, AnalyzerStatus::Stopped); }
+
+    void Commit(std::size_t unit, UnitResult result) override;
+
+    [[nodiscard]] const RunOutcome& Outcome() const noexcept override { return outcome_; }
+
+private:
+    std::mutex mutex_;
+    RunOutcome outcome_; // guarded by mutex_
+};
+
+} // namespace Orvanta

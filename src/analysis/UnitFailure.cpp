@@ -1,0 +1,37 @@
+#include "analysis/UnitFailure.h"
+
+#include "platform/Text.h"
+
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::size_t LongestFailureText = 2000; // of a core's own words in the list of failures
+
+} // namespace
+
+OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
+    OrvlogConverter::ReportMessage message;
+    message.code = "V008";
+    message.message = "Unable to start the analysis on this file.";
+    message.level = 1;
+    OrvlogConverter::MessagePosition position;
+    position.file = std::move(sourcePath);
+    position.line = 1;
+    message.positions.push_back(std::move(position));
+    return message;
+}
+
+std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output) {
+    std::string reason(fullText.substr(0, fullText.find("\nStdout:\n")));
+    const std::string_view said = Trim(output.standardError.empty() ? output.standardOutput : output.standardError);
+    if (!said.empty()) {
+        reason += '\n';
+        reason += said.substr(0, LongestFailureText);
+    }
+    return reason;
+}
+
+} // namespace Orvanta

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/Process.h"
+#include "report/ReportMessage.h"
+
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+/// The finding that stands in the report for a unit that could not be preprocessed.
+[[nodiscard]] OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath);
+
+/// Why a core failed, for the list of failures: its command and its code, which begin `fullText`, then what it said.
+[[nodiscard]] std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output);
+
+} // namespace Orvanta
