@@ -20,7 +20,9 @@ StartableCommand::StartableCommand(Arguments words, const ParsedCommand& parsed,
     responseFile_.emplace(responsePath);
     OutputFile(responsePath, OutputFile::Mode::Replace).Append(*text);
     words_.resize(fixedWords);
-    words_.push_back('@' + responsePath);
+    for (std::string& word : ResponseFileArguments(parsed.compilerType, responsePath)) {
+        words_.push_back(std::move(word));
+    }
 }
 
 } // namespace Orvanta

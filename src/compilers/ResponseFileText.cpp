@@ -24,7 +24,19 @@ std::string QuotedForGcc(std::string_view word) {
     return quoted;
 }
 
-// A backslash means something before a double quote only.
+// Inside quotes, a backslash takes the meaning from a quote and from a backslash.
+std::string QuotedForKeil(std::string_view word) {
+    std::string quoted = "\"";
+    for (const char character : word) {
+        if (std::string_view("\"'\\").find(character) != std::string_view::npos) {
+            quoted += '\\';
+        }
+        quoted += character;
+    }
+    return quoted += '"';
+}
+
+// A backslash means something before a double quote only, as on a command line of Windows.
 std::string QuotedForCl(std::string_view word) {
     std::string quoted = "\"";
     std::size_t backslashes = 0;
@@ -68,15 +80,41 @@ std::optional<std::string> ResponseFileText(CompilerType type, std::span<const s
         std::string text = Lines(words, &QuotedForCl);
         return IsAscii(text) ? text : text.insert(0, ByteOrderMark);
     }
-    case CompilerType::Unknown:
     case CompilerType::Keil5:
     case CompilerType::Keil5Gnu:
+        return Lines(words, &QuotedForKeil);
     case CompilerType::TiArmCGT:
     case CompilerType::IARArm_v7_OrOlder:
     case CompilerType::IARArm:
+        return Lines(words, &QuotedForCl);
+    case CompilerType::Unknown:
         return std::nullopt;
     }
     return std::nullopt;
+}
+
+std::vector<std::string> ResponseFileArguments(CompilerType type, const std::string& path) {
+    switch (type) {
+    case CompilerType::Keil5:
+    case CompilerType::Keil5Gnu:
+        return {"--via=" + path};
+    case CompilerType::TiArmCGT:
+        return {"--cmd_file=" + path};
+    case CompilerType::IARArm_v7_OrOlder:
+    case CompilerType::IARArm:
+        return {"-f", path};
+    case CompilerType::Unknown:
+    case CompilerType::Gcc:
+    case CompilerType::Clang:
+    case CompilerType::Keil6:
+    case CompilerType::Cl:
+    case CompilerType::ClangCl:
+    case CompilerType::GccARM:
+    case CompilerType::Qcc:
+    case CompilerType::XC8:
+        break;
+    }
+    return {'@' + path};
 }
 
 } // namespace Orvanta

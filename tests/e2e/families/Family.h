@@ -41,7 +41,7 @@ struct Family {
 [[nodiscard]] Family Keil6Family();
 [[nodiscard]] Family TiArmCGTFamily();
 [[nodiscard]] Family GccARMFamily();
-[[nodiscard]] Family IARArm_v7_OrOlderFamily();
+[[nodiscard]] Family OlderIARArmFamily();
 [[nodiscard]] Family IARArmFamily();
 [[nodiscard]] Family QccFamily();
 [[nodiscard]] Family XC8Family();

@@ -117,7 +117,7 @@ std::string FamilyUnit::Filled(std::string_view text) const {
 const std::vector<Family>& Families() {
     static const std::vector<Family> families = {
         GccFamily(),      ClangFamily(), ClFamily(),       ClangClFamily(), Keil5Family(),
-        Keil5GnuFamily(), Keil6Family(), TiArmCGTFamily(), GccARMFamily(),  IARArm_v7_OrOlderFamily(),
+        Keil5GnuFamily(), Keil6Family(), TiArmCGTFamily(), GccARMFamily(),  OlderIARArmFamily(),
         IARArmFamily(),   QccFamily(),   XC8Family(),
     };
     return families;

@@ -37,7 +37,7 @@ const UnitRow Rows[] = {
 
 } // namespace
 
-Family IARArm_v7_OrOlderFamily() {
+Family OlderIARArmFamily() {
     return {
         .name = "iar7",
         .strict = "iccarm7",

@@ -2,6 +2,7 @@
 
 #include "compilers/IARArm.h"
 #include "compilers/Keil5.h"
+#include "compilers/ResponseFileText.h"
 #include "compilers/TiArmCGT.h"
 #include "platform/Exceptions.h"
 #include "support/TestFolder.h"
@@ -69,6 +70,19 @@ TEST(OptionFile, StandsForItsWords) {
         Words arguments = row.arguments;
         ExpandOptionFiles(arguments, row.model.OptionFiles(), folder.Path());
         EXPECT_EQ(arguments, row.expanded);
+    }
+}
+
+TEST(OptionFile, ReadsBackWhatTheDriverPutsThere) {
+    const Words words = {"-c", "", "a b", R"(C:\dir\x)", R"(-DX="y")", "it's", "// /* ; #"};
+    const TestFolder folder;
+    for (const Compiler* const model :
+         {static_cast<const Compiler*>(&Keil), static_cast<const Compiler*>(&Ti), static_cast<const Compiler*>(&Iar)}) {
+        (void)folder.Write("a.opt", ResponseFileText(model->Type(), words).value_or("none"));
+        Words arguments = ResponseFileArguments(model->Type(), "a.opt");
+        arguments.insert(arguments.begin(), "cc");
+        ExpandOptionFiles(arguments, model->OptionFiles(), folder.Path());
+        EXPECT_EQ(Words(arguments.begin() + 1, arguments.end()), words);
     }
 }
 

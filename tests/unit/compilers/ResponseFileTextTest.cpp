@@ -16,7 +16,7 @@ TEST(ResponseFileText, IsQuotedAsTheFamilyReadsIt) {
               "\"-c\"\n\"\"\n\"a b\"\n\"C:\\dir\\\\\"\n\"-DX=\\\"y\\\"\"\n\"it's\"\n");
     EXPECT_EQ(ResponseFileText(CompilerType::ClangCl, std::vector<std::string>{"\xC3\xA4.c"}),
               "\xEF\xBB\xBF\"\xC3\xA4.c\"\n");
-    EXPECT_EQ(ResponseFileText(CompilerType::IARArm, Words), std::nullopt);
+    EXPECT_EQ(ResponseFileText(CompilerType::Unknown, Words), std::nullopt);
 }
 
 } // namespace
