@@ -10,7 +10,7 @@ namespace {
 
 class FamiliesTest : public SandboxTest {};
 
-TEST_F(FamiliesTest, EveryUnitOfAMixedDatabaseIsReadAsItsCompilerReadsIt) {
+TEST_F(FamiliesTest, MixedDatabaseIsReadAsItsCompilersDo) {
     const std::vector<FamilyUnit> units = WriteFamilyProject(sandbox);
     ASSERT_GE(units.size(), 120U);
     for (const FamilyUnit& unit : units) {
