@@ -80,6 +80,62 @@ TEST_F(BundledCoreTest, FindsTheUsersErrorsWhereTheyAre) {
     }
 }
 
+TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
+    sandbox.Write("shared.h", "void Store(int *place);\nvoid Fill(int *buffer, int count);\n");
+    sandbox.Write("callee.c", "#include \"shared.h\"\n"
+                              "void Store(int *place) { *place = 3; }\n"
+                              "void Fill(int *buffer, int count) { buffer[20] = count; }\n");
+    sandbox.Write("caller.c", "#include <stdlib.h>\n"
+                              "#include \"shared.h\"\n"
+                              "int main(void) {\n"
+                              "    int buffer[10];\n"
+                              "    int *nowhere = NULL;\n"
+                              "    Fill(buffer, 3);\n"
+                              "    Store(nowhere);\n"
+                              "    return buffer[0];\n"
+                              "}\n");
+    for (const char* const source : {"callee.c", "caller.c"}) {
+        sandbox.AddEntry({
+            {"gcc", "-c", source}
+        });
+    }
+    sandbox.WriteDatabase();
+    EXPECT_EQ(sandbox.Run({"analyze", "-o", "report.json"}).exitCode, 0);
+    EXPECT_TRUE(Report().empty());
+    const RunResult result = sandbox.Run({"analyze", "--intermodular", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    const std::vector<Finding> findings = Report();
+    ASSERT_EQ(findings.size(), 2U) << result;
+    const std::pair<unsigned, const char*> expected[] = {
+        {2, "[ctunullpointer]"},
+        {3, "[ctuArrayIndex]" },
+    };
+    for (std::size_t index = 0; index < findings.size(); ++index) {
+        EXPECT_EQ(findings[index].file, sandbox.Path("callee.c"));
+        EXPECT_EQ(findings[index].line, expected[index].first);
+        EXPECT_TRUE(findings[index].message.starts_with(expected[index].second)) << findings[index];
+    }
+}
+
+TEST_F(BundledCoreTest, ListsTheDependenciesOfAnIncrementalRun) {
+    WriteProject();
+    sandbox.AddEntry({
+        {"g++", "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"},
+        sandbox.Path("src")
+    });
+    sandbox.AddEntry({
+        {"gcc", "-c", sandbox.Path("src/plain.c")}
+    });
+    sandbox.WriteDatabase();
+    EXPECT_EQ(sandbox.Run({"analyze", "-i", "-o", "report.json"}).exitCode, 0);
+    const std::vector<Finding> whole = Report();
+    sandbox.Write("include/shared.h", "#pragma once\ninline int FromHeader() { return 1; }\n");
+    const RunResult result = sandbox.Run({"analyze", "-i", "-o", "report.json"});
+    EXPECT_TRUE(result.Says("2 (1 analyzed, 1 carried over, 0 failed")) << result;
+    ExpectOneAt(Report(), sandbox.Path("src/plain.c"), 6);
+    EXPECT_LT(Report().size(), whole.size());
+}
+
 } // namespace
 
 } // namespace Orvanta
