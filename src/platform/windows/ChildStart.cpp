@@ -145,9 +145,9 @@ public:
         }
         if (::UpdateProcThreadAttribute(list_, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, handles_.data(), sizeof handles_,
                                         nullptr, nullptr) == FALSE) {
-            const SystemFault fault = LastFault();
+            const DWORD error = ::GetLastError();
             ::DeleteProcThreadAttributeList(list_);
-            throw fault;
+            throw SystemFault{error};
         }
     }
 
