@@ -91,6 +91,45 @@ TEST_F(InterruptTest, EndsAHangingVersionQueryAndProbe) {
     EXPECT_TRUE(own.Leftovers().empty());
 }
 
+TEST_F(InterruptTest, EndsAnAnalysisAcrossUnitsInWhateverStage) {
+    for (const char* const stage : {"first-run", "merge", "second-run"}) {
+        Sandbox own;
+        own.Write("report.json", "of an earlier run");
+        own.AddUnit("a.c");
+        own.AddUnit("b.c", {std::string_view(stage) == "first-run" ? "first-run hang" : "stdout done",
+                            std::string_view(stage) == "second-run" ? "hang" : "stdout done"});
+        std::string ready = "records/core-of-b.c.hangs";
+        if (std::string_view(stage) == "merge") {
+            own.SetVariable("FAKE_CORE_MERGE", "hang");
+            ready = "records/core-of-.hangs";
+        }
+        InterruptibleRun run(own, {"--intermodular", "-o", "report.json"});
+        ASSERT_TRUE(HoldsSoon([&] { return own.Exists(ready); })) << stage;
+        run.Interrupt();
+        const RunResult result = run.Wait();
+        EXPECT_EQ(result.exitCode, 130) << stage << result;
+        const bool isLastStage = std::string_view(stage) == "second-run";
+        EXPECT_EQ(result.Says("Performing analysis.\n"), isLastStage) << stage << result;
+        EXPECT_EQ(own.Read("report.json") == "of an earlier run", !isLastStage) << stage;
+        EXPECT_FALSE(own.Exists(".Orvanta/1_a.c.Orvanta.dfo")) << stage;
+        EXPECT_TRUE(own.Leftovers().empty()) << stage;
+    }
+}
+
+TEST_F(InterruptTest, KeepsWhatAnIncrementalRunHasFinished) {
+    sandbox.AddUnit("a.c", {"finding V501 1 1 finished"});
+    sandbox.AddUnit("b.c", {"hang"});
+    InterruptibleRun run(sandbox, {"-i", "-j", "1", "-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] { return IsReady("records/core-of-b.c.hangs"); }));
+    run.Interrupt();
+    EXPECT_EQ(run.Wait().exitCode, 130);
+    sandbox.WriteScript("b.c", {"finding V501 1 1 found at last"});
+    sandbox.ForgetCoreCalls();
+    EXPECT_EQ(sandbox.Analyze({"-i", "-o", "report.json"}).exitCode, 0);
+    EXPECT_EQ(sandbox.AnalyzedSources(), std::vector{sandbox.Path("b.c")});
+    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"finished", "found at last"}));
+}
+
 } // namespace
 
 } // namespace Orvanta
