@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <thread>
 #include <utility>
 
 namespace Orvanta {
@@ -29,6 +30,19 @@ Log::Verbosity VerbosityOf(const AnalyzeOptions& options) {
 // The folder of the report, or the current one.
 std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
+}
+
+// False when another run holds the lock. A run that was killed while it started a child leaves its locks to that child
+// for a moment.
+bool TakeSoon(LockFile& lock, const std::string& folder, const std::string& key) {
+    constexpr int Attempts = 10;
+    for (int attempt = 0; lock.Take(folder, key) == LockFile::State::HeldByOther; ++attempt) {
+        if (attempt == Attempts) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return true;
 }
 
 constexpr const char* UnlistedDependencies = "Its dependencies could not be listed: ";
@@ -119,12 +133,12 @@ int AnalyzeRun::Analyze() {
 void AnalyzeRun::TakeLocks() {
     const std::string folder = OutputFolder();
     const std::string report = reportPath_.empty() ? folder : reportPath_;
-    if (reportLock_.Take(folder, report) == LockFile::State::HeldByOther) {
+    if (!TakeSoon(reportLock_, folder, report)) {
         throw ZelmException("Another run is writing to " + report);
     }
     if (UsesHistory() || options_.intermodular) {
         const std::string shared = OrvantaFolder(folder);
-        if (folderLock_.Take(folder, shared) == LockFile::State::HeldByOther) {
+        if (!TakeSoon(folderLock_, folder, shared)) {
             throw ZelmException("Another run is using " + shared);
         }
     }
