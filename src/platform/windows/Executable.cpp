@@ -62,7 +62,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
         if (!IsAbsolutePath(candidate)) {
             candidate = JoinPath(AbsolutePath(search.directory), candidate);
         }
-        const std::string found = FirstThatPasses(candidate, search.extensions, search.test);
+        std::string found = FirstThatPasses(candidate, search.extensions, search.test);
         if (!found.empty()) {
             return found;
         }

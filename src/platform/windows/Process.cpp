@@ -25,7 +25,8 @@ using Cause = ProcessStartException::Cause;
 void CheckForZeroBytes(const Arguments& command) {
     for (const std::string& argument : command) {
         if (argument.find('\0') != std::string::npos) {
-            FailToStart(command.front().c_str(), "an argument holds a zero byte", Cause::Command);
+            const std::string& program = command.front();
+            FailToStart(program.substr(0, program.find('\0')), "an argument holds a zero byte", Cause::Command);
         }
     }
 }
