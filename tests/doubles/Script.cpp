@@ -18,7 +18,7 @@ namespace {
 
 constexpr int GaveUp = 99;
 constexpr auto LongestWait = std::chrono::seconds(20);
-constexpr auto LongestHang = std::chrono::seconds(60);
+constexpr auto LongestHang = std::chrono::seconds(120);
 
 } // namespace
 

@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* RecordFolder = "records";
 constexpr const char* TemporaryFolderName = "temporary";
-constexpr auto LongestRun = std::chrono::seconds(45); // less than what a fake hangs for
+constexpr auto LongestRun = std::chrono::seconds(90); // less than what a fake hangs for
 
 std::string NewRoot() {
     const testing::TestInfo* const test = testing::UnitTest::GetInstance()->current_test_info();

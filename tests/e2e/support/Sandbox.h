@@ -55,7 +55,7 @@ public:
     /// Ends it without giving it a chance.
     void Kill() { process_.kill(true); }
 
-    /// Returns when the driver has ended; one that takes 45 seconds is killed, and the test fails.
+    /// Returns when the driver has ended; one that takes 90 seconds is killed, and the test fails.
     RunResult Wait();
 
 private:
