@@ -159,7 +159,9 @@ std::uint32_t FileVersions::VersionSeenBy(std::uint32_t number, Moment begin) {
     if (!file.stamp) {
         // What was absent before was not there for the unit either, or only for a while of which nobody can tell.
         const bool isTold = (isEarly || paths_.Path(number).empty()) && !file.isDoubted;
-        return FindOrAddVersion(number, isTold ? Sight::Absent : Sight::Unseen, lock);
+        const std::uint32_t version = FindOrAddVersion(number, isTold ? Sight::Absent : Sight::Unseen, lock);
+        file.current = isTold ? version : file.current;
+        return version;
     }
     const bool isTold = (file.current != None || file.isKnown) && !file.isDoubted;
     if (!isTold || (!isEarly && !(clock_ && clock_->IsOlder(*file.stamp, begin)))) {

@@ -65,8 +65,15 @@ struct HistoryData {
     std::vector<std::uint32_t> lists; ///< numbers of versions
 };
 
-/// Reads what WriteHistoryFile wrote; absent when it is damaged, cut short or something else.
-[[nodiscard]] std::optional<HistoryData> ReadHistory(std::istream& input);
+enum class HistoryChecksum {
+    Compare,
+    Ignore, ///< for whoever tests what is told apart without it
+};
+
+/// Reads what WriteHistoryFile wrote; absent when it is damaged, cut short or something else. Makes nothing that is
+/// larger than the file.
+[[nodiscard]] std::optional<HistoryData> ReadHistory(std::istream& input,
+                                                     HistoryChecksum checksum = HistoryChecksum::Compare);
 
 /// Replaces the file at `path` in one step.
 /// \throws ZelmException: the path, then the system's reason
