@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/Fingerprint.h"
 #include "report/IOutput.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <unordered_set>
 
 namespace OrvlogConverter {
@@ -15,19 +16,11 @@ public:
     bool Accept(const ReportMessage& message) override;
 
 private:
-    struct Fingerprint {
-        std::uint64_t low;
-        std::uint64_t high;
-        bool operator==(const Fingerprint&) const = default;
-    };
-
     struct FingerprintHash {
-        std::size_t operator()(const Fingerprint& value) const noexcept { return value.low; }
+        std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
     };
 
-    static Fingerprint FingerprintOf(const ReportMessage& message);
-
-    std::unordered_set<Fingerprint, FingerprintHash> seen_;
+    std::unordered_set<Orvanta::Fingerprint, FingerprintHash> seen_;
 };
 
 } // namespace OrvlogConverter
