@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/FileSystemClock.h"
 #include "platform/OnceMap.h"
 
-#include <cstdint>
 #include <string>
 
 namespace Orvanta {
@@ -12,13 +12,13 @@ namespace Orvanta {
 class FileChanges {
 public:
     /// \throws ZelmException when no file can be made in `folder`
-    explicit FileChanges(const std::string& folder);
+    explicit FileChanges(const std::string& folder) : clock_(folder) {}
 
     /// Whether the file at `path` has changed, or may have, or is not there.
     [[nodiscard]] bool HasChanged(const std::string& path);
 
 private:
-    std::int64_t begin_; // in the units of FileStamp
+    FileSystemClock clock_;
     OnceMap<bool> answers_;
 };
 

@@ -45,7 +45,7 @@ public:
     [[nodiscard]] std::uint32_t UnseenVersion(std::uint32_t file);
 
     /// The version that a unit saw which was begun at `begin` and has ended: UnseenVersion where that can't be told.
-    [[nodiscard]] std::uint32_t VersionSeenBy(std::uint32_t file, Moment begin);
+    [[nodiscard]] std::uint32_t VersionSeenBy(std::uint32_t number, Moment begin);
 
     /// Whether the file has this version now.
     [[nodiscard]] bool IsCurrent(std::uint32_t version);

@@ -132,14 +132,20 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
         wanted.push_back(wantedFiles[file]);
     }
     std::vector<bool> isMadeOf(state_->units.size());
+    std::vector<bool> isMet(wanted.size()); // by version
     for (std::size_t unit = 0; unit < isMadeOf.size(); ++unit) {
         const KnownUnit& known = state_->units[unit];
         for (const std::uint32_t version : ListOf(known, state_->lists).first(known.named)) {
-            const std::vector<std::size_t>* const here = wanted[version];
-            if (here != nullptr) {
+            if (wanted[version] != nullptr) {
                 isMadeOf[unit] = true;
-                std::for_each(here->begin(), here->end(), [&found](std::size_t place) { found[place] = true; });
+                isMet[version] = true;
             }
+        }
+    }
+    for (std::size_t version = 0; version < isMet.size(); ++version) {
+        if (isMet[version]) {
+            std::for_each(wanted[version]->begin(), wanted[version]->end(),
+                          [&found](std::size_t place) { found[place] = true; });
         }
     }
     return isMadeOf;

@@ -254,6 +254,7 @@ void AnalyzeRun::ReadHistory(UnitHistory& history) {
         break;
     case UnitHistory::ReadResult::Unreadable:
         log_.Line("Couldn't read depend_info.json");
+        log_.VerboseLine("  " + history.Fault());
         break;
     }
 }

@@ -20,6 +20,9 @@ public:
     /// another stamp. No clock that is set back meanwhile, and no coarse one, makes it true in error.
     [[nodiscard]] bool IsOlder(const FileStamp& stamp, std::chrono::steady_clock::time_point moment) const;
 
+    /// Whether what the stamp tells of may have happened since this object was made.
+    [[nodiscard]] bool IsSinceStart(const FileStamp& stamp) const noexcept { return stamp.Newest() >= fileTime_; }
+
 private:
     std::int64_t fileTime_;
     std::chrono::steady_clock::time_point time_;
