@@ -10,7 +10,7 @@
 namespace Orvanta {
 namespace {
 
-const UnitFiles Files = {"/tmp/1_a.c", "/tmp/1_a.c.Orvanta.i", "/tmp/1_a.c.Orvanta.findings"};
+const UnitFiles Files = {"/tmp/1_a.c", "/tmp/1_a.c.Orvanta.i", "/tmp/1_a.c.Orvanta.findings", {}, {}};
 
 ParsedCommand CommandFor(const char* compiler, const char* source) {
     ParsedCommand command;
