@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/UnitHistory.h"
+#include "history/UnitHistory.h"
 #include "platform/Fingerprint.h"
 
 #include <string>

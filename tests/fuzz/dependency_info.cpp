@@ -1,5 +1,5 @@
 #include "FuzzInput.h"
-#include "analysis/DependencyInfo.h"
+#include "history/DependencyInfo.h"
 #include "platform/Exceptions.h"
 
 #include <sstream>

@@ -1,5 +1,5 @@
 #include "FuzzInput.h"
-#include "analysis/HistoryFile.h"
+#include "history/HistoryFile.h"
 
 #include <sstream>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/UnitHistory.h"
+#include "history/UnitHistory.h"
 #include "platform/Environment.h"
 #include "support/TestFolder.h"
 

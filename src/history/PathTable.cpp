@@ -1,4 +1,4 @@
-#include "analysis/PathTable.h"
+#include "history/PathTable.h"
 
 #include "platform/Fingerprint.h"
 

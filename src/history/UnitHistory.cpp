@@ -1,6 +1,6 @@
-#include "analysis/UnitHistory.h"
+#include "history/UnitHistory.h"
 
-#include "analysis/HistoryState.h"
+#include "history/HistoryState.h"
 
 #include <algorithm>
 #include <unordered_map>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "analysis/FileVersions.h"
-#include "analysis/FindingsStore.h"
-#include "analysis/HistoryFile.h"
-#include "analysis/UnitHistory.h"
 #include "buildinput/CompileCommand.h"
+#include "history/FileVersions.h"
+#include "history/FindingsStore.h"
+#include "history/HistoryFile.h"
+#include "history/UnitHistory.h"
 #include "platform/Fingerprint.h"
 
 #include <chrono>

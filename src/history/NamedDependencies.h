@@ -1,9 +1,9 @@
 #pragma once
 
-#include "analysis/DependencyInfo.h"
-#include "analysis/FileVersions.h"
-#include "analysis/HistoryFile.h"
-#include "analysis/UnitHistory.h"
+#include "history/DependencyInfo.h"
+#include "history/FileVersions.h"
+#include "history/HistoryFile.h"
+#include "history/UnitHistory.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "analysis/UnitHistory.h"
+#include "history/UnitHistory.h"
 
 #include "HistoryBuild.h"
 #include "platform/Exceptions.h"

@@ -1,4 +1,4 @@
-#include "analysis/FindingsStore.h"
+#include "history/FindingsStore.h"
 
 #include "platform/Exceptions.h"
 #include "platform/NativePath.h"

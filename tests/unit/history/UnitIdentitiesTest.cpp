@@ -1,4 +1,4 @@
-#include "analysis/UnitIdentities.h"
+#include "history/UnitIdentities.h"
 
 #include "support/HostPath.h"
 #include "support/TestFolder.h"

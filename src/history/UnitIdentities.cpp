@@ -1,4 +1,4 @@
-#include "analysis/UnitIdentities.h"
+#include "history/UnitIdentities.h"
 
 #include "platform/FileStamp.h"
 #include "platform/Files.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/HistoryFile.h"
+#include "history/HistoryFile.h"
 #include "platform/FileStamp.h"
 #include "platform/FileSystemClock.h"
 #include "platform/Fingerprint.h"

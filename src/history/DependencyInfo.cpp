@@ -1,4 +1,4 @@
-#include "analysis/DependencyInfo.h"
+#include "history/DependencyInfo.h"
 
 #include "platform/BlockReader.h"
 #include "platform/Exceptions.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "analysis/HistoryFile.h"
 #include "buildinput/ArgumentList.h"
+#include "history/HistoryFile.h"
 #include "platform/Files.h"
 #include "platform/Fingerprint.h"
 

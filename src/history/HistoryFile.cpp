@@ -1,4 +1,4 @@
-#include "analysis/HistoryFile.h"
+#include "history/HistoryFile.h"
 
 #include "platform/Files.h"
 

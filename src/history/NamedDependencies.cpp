@@ -1,4 +1,4 @@
-#include "analysis/NamedDependencies.h"
+#include "history/NamedDependencies.h"
 
 namespace Orvanta {
 

@@ -1,7 +1,7 @@
-#include "analysis/HistoryState.h"
+#include "history/HistoryState.h"
 
-#include "analysis/DependencyInfo.h"
-#include "analysis/NamedDependencies.h"
+#include "history/DependencyInfo.h"
+#include "history/NamedDependencies.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"

@@ -1,4 +1,4 @@
-#include "analysis/FileVersions.h"
+#include "history/FileVersions.h"
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/PathTable.h"
+#include "history/PathTable.h"
 #include "platform/FileStamp.h"
 #include "platform/Fingerprint.h"
 

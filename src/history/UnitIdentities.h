@@ -1,7 +1,7 @@
 #pragma once
 
-#include "analysis/UnitHistory.h"
 #include "buildinput/CompileCommand.h"
+#include "history/UnitHistory.h"
 #include "settings/RunSettings.h"
 
 #include <span>
