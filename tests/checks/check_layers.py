@@ -13,7 +13,7 @@ ALLOWED = {
     "src/compilers": {"src/settings", "src/platform"},
     "src/buildinput": {"src/compilers", "src/settings", "src/platform"},
     "src/suppress": {"src/report", "src/settings", "src/platform"},
-    "src/history": {"src/buildinput", "src/compilers", "src/settings", "src/platform"},
+    "src/history": {"src/buildinput", "src/compilers", "src/settings", "src/report", "src/platform"},
     "src/analysis": {"src/history", "src/suppress", "src/buildinput", "src/compilers", "src/settings", "src/report",
                      "src/platform"},
     "src/app": {"src/analysis", "src/history", "src/suppress", "src/buildinput", "src/compilers", "src/settings",
