@@ -20,6 +20,7 @@
 
 #include "doubles/Script.h"
 #include "doubles/SiblingProcess.h"
+#include "platform/Console.h"
 #include "platform/Environment.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
@@ -234,7 +235,7 @@ void ListDependencies(const Unit& unit) {
         }
         const std::string path = line.substr(begin + 2, end - begin - 2);
         if (!path.ends_with("//") && listed.insert(path).second) {
-            std::cout << "<}include{>" << path << "\r\n";
+            WriteToStandardOutput("<}include{>" + path + "\r\n"); // as it is, on every system
         }
     }
 }

@@ -24,11 +24,13 @@ TEST(FileStamp, IsOfFilesAlone) {
     }
 }
 
-TEST(FileStamp, TellsTheTimeOfModificationToTheNanosecond) {
+TEST(FileStamp, TellsTheTimeOfModification) {
     const TestFolder folder;
     const std::string path = folder.Write("file", "");
+    // Not every library sets parts of a second.
+    const auto time = std::chrono::floor<std::chrono::seconds>(std::filesystem::last_write_time(NativePath(path)));
+    std::filesystem::last_write_time(NativePath(path), time);
     const FileStamp before = *StampOf(path);
-    const auto time = std::filesystem::last_write_time(NativePath(path));
     std::filesystem::last_write_time(NativePath(path), time - std::chrono::seconds(100));
     EXPECT_EQ(before.modified - StampOf(path)->modified, 100 * Second);
 }
