@@ -241,8 +241,14 @@ const InfoCase InfoCases[] = {
 };
 
 void WriteInfo(const HistoryBuild& build, std::string text) {
-    for (std::size_t at = 0; (at = text.find('@', at)) != std::string::npos;) {
-        text.replace(at, 1, PathText(NativePath(build.folder.Path()).generic_string()));
+    // "@/" is the folder with a separator of the system, as a text of JSON.
+    std::string folder = build.folder / "@";
+    folder.pop_back();
+    for (std::size_t at = 0; (at = folder.find('\\', at)) != std::string::npos; at += 2) {
+        folder.insert(at, 1, '\\');
+    }
+    for (std::size_t at = 0; (at = text.find("@/", at)) != std::string::npos;) {
+        text.replace(at, 2, folder);
     }
     build.folder.Write(".Orvanta/depend_info.json", text);
 }
@@ -322,7 +328,7 @@ TEST(UnitHistory, IsOfUseWheneverTheRunIsKilled) {
         {build.folder / "shared.h"},
         { build.folder / "shared.h",   build.folder / "own.h"}
     };
-    const auto history = build.Read();
+    auto history = build.Read();
     history->Record(0, history->Begin(0), dependencies[0], "new in a.c\n");
     const Kept begun = KeptNow(build);
     history->SaveProgress();
@@ -332,6 +338,7 @@ TEST(UnitHistory, IsOfUseWheneverTheRunIsKilled) {
     const Kept recorded = KeptNow(build);
     history->Save();
     const Kept after = KeptNow(build);
+    history.reset(); // its files can't be removed everywhere while they are open
     Kept halfSaved = after;
     halfSaved["unit_history.bin"] = saved.at("unit_history.bin");
     Kept halfSavedWithoutProgress = after;
