@@ -404,7 +404,7 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
     if (commands.empty()) {
         throw NoCompilationCommandsToRun();
     }
-    PassProgress pass(progress_, commands.size());
+    PassProgress pass(progress_, commands.size(), plan.percents);
     const unsigned stage = StageOf(plan, mode);
     const auto runTask = [&](const AnalysisTask& task) {
         UnitResult result;

@@ -14,6 +14,12 @@ enum class UnitAction {
     LeaveOut,  ///< it is not listed
 };
 
+/// The part of a run's progress that one pass over the units is.
+struct PercentRange {
+    unsigned begin = 0;
+    unsigned end = 100;
+};
+
 /// What a pass over the units is to do.
 struct RunPlan {
     enum class Work {
@@ -25,6 +31,7 @@ struct RunPlan {
     /// Takes what the units are made of and what they found. Null: nothing is kept, and nothing can be carried over.
     UnitHistory* history = nullptr;
     std::vector<UnitAction> actions = {}; ///< by unit; empty: all run
+    PercentRange percents = {};
 };
 
 } // namespace Orvanta

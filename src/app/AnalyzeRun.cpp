@@ -45,6 +45,10 @@ bool TakeSoon(LockFile& lock, const std::string& folder, const std::string& key)
     return true;
 }
 
+// Of the progress, for runs of two passes.
+constexpr PercentRange FirstHalf = {0, 50};
+constexpr PercentRange SecondHalf = {50, 100};
+
 constexpr const char* UnlistedDependencies = "Its dependencies could not be listed: ";
 
 // The names of the units, in order.
@@ -183,8 +187,9 @@ int AnalyzeRun::AnalyzeAcrossUnits(AnalyzerRunner& runner) {
     runner.PrepareIntermodular();
     const CollectedInformation information(runner, units_);
     OutcomeReceiver collected(units_.size());
-    bool goesOn =
-        runner.RunParallel(units_, threads_, IntermodularAnalysisMode::FirstRun, collected) != InterruptedExitCode;
+    const RunPlan collecting = {.percents = FirstHalf};
+    bool goesOn = runner.RunParallel(units_, threads_, IntermodularAnalysisMode::FirstRun, collected, collecting) !=
+                  InterruptedExitCode;
     if (goesOn) {
         log_.Text("Intermodular analysis stage: Linking intermodular information.\n");
         goesOn = runner.RunMerge(units_);
@@ -193,7 +198,7 @@ int AnalyzeRun::AnalyzeAcrossUnits(AnalyzerRunner& runner) {
         return EndAnalysis("");
     }
     log_.Text("Intermodular analysis stage: Performing analysis.\n");
-    AnalyzeUnits(runner, IntermodularAnalysisMode::SecondRun, {});
+    AnalyzeUnits(runner, IntermodularAnalysisMode::SecondRun, {.percents = SecondHalf});
     AddEarlierFailures(collected.Outcome(), "Its intermodular information could not be collected: ");
     return EndAnalysis(reportPath_);
 }
@@ -267,13 +272,17 @@ RunOutcome AnalyzeRun::ListDependencies(AnalyzerRunner& runner, UnitHistory& his
     if (!listsAll && !listedFiles_) {
         return receiver.Outcome();
     }
-    RunPlan plan = {RunPlan::Work::ListDependencies, &history, {}};
+    RunPlan plan = {.work = RunPlan::Work::ListDependencies, .history = &history};
+    if (RegenerationOf(options_) != RegenerateDependInfoOption::SkipAnalysis) {
+        plan.percents = FirstHalf;
+    }
     for (std::size_t unit = 0; unit < units_.size(); ++unit) {
         const bool isKnown = history.IsLeftOut(unit) || history.KnowsDependencies(unit);
         plan.actions.push_back(listsAll || !isKnown ? UnitAction::Run : UnitAction::LeaveOut);
     }
     if (!RunsNone(plan.actions)) {
         runner.RunParallel(units_, threads_, IntermodularAnalysisMode::None, receiver, plan);
+        analysisPercents_ = SecondHalf;
     }
     return receiver.Outcome();
 }
@@ -298,7 +307,7 @@ void AnalyzeRun::TellNotListed(std::span<const UnitAction> actions) {
 }
 
 RunPlan AnalyzeRun::SelectUnits(UnitHistory& history) {
-    RunPlan plan = {RunPlan::Work::Analyze, &history, {}};
+    RunPlan plan = {.history = &history, .percents = analysisPercents_};
     if (listedFiles_) {
         ListedUnits selection = SelectListed(commands_.units, history, *listedFiles_);
         for (const std::string& path : selection.unmatched) {

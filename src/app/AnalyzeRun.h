@@ -72,6 +72,7 @@ private:
     std::optional<std::vector<std::string>> listedFiles_;
     CollectedCommands commands_;
     std::vector<const CompileCommand*> units_; // of commands_
+    PercentRange analysisPercents_;            // what is left for the analysis
     RunOutcome outcome_;
 };
 

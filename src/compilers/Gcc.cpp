@@ -306,4 +306,14 @@ void Gcc::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
     }
 }
 
+void Gcc::TakeCharSign(std::span<const std::string> arguments, ParsedCommand& command) {
+    for (const std::string& argument : arguments) {
+        if (argument == "-fsigned-char") {
+            command.unsignedChar = false;
+        } else if (argument == "-funsigned-char") {
+            command.unsignedChar = true;
+        }
+    }
+}
+
 } // namespace Orvanta

@@ -16,6 +16,9 @@ public:
 protected:
     /// A family with more flags than GCC's.
     Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension);
+
+    /// Plain char is as the last of -fsigned-char and -funsigned-char says; without them it stays what it is.
+    static void TakeCharSign(std::span<const std::string> arguments, ParsedCommand& command);
 };
 
 } // namespace Orvanta

@@ -5,13 +5,7 @@ namespace Orvanta {
 GccARM::GccARM() : Gcc(CompilerType::GccARM, "gcc", {}) {}
 
 void GccARM::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    for (const std::string& argument : arguments) {
-        if (argument == "-fsigned-char") {
-            command.unsignedChar = false;
-        } else if (argument == "-funsigned-char") {
-            command.unsignedChar = true;
-        }
-    }
+    TakeCharSign(arguments, command);
     command.platformWord = "arm";
 }
 

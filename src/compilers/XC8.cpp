@@ -24,13 +24,7 @@ bool Contains(std::span<const std::string> arguments, std::string_view flag) {
 XC8::XC8() : Gcc(CompilerType::XC8, "gcc", XC8Flags) {}
 
 void XC8::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    for (const std::string& argument : arguments) {
-        if (argument == "-fsigned-char") {
-            command.unsignedChar = false;
-        } else if (argument == "-funsigned-char") {
-            command.unsignedChar = true;
-        }
-    }
+    TakeCharSign(arguments, command);
     command.shortFloat = Contains(arguments, "-fno-short-float");
     command.shortDouble = Contains(arguments, "-fno-short-double");
     command.platformWord = "pic8";
