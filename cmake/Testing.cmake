@@ -21,7 +21,7 @@ if(CMAKE_CROSSCOMPILING)
     set(wine_environment
         ${CMAKE_COMMAND} -E env --unset=DISPLAY --unset=WAYLAND_DISPLAY
         LC_ALL=C.UTF-8 WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEDEBUG=-all
-        "WINEDLLOVERRIDES=mscoree,mshtml,winemenubuilder.exe=")
+        "WINEDLLOVERRIDES=mscoree,mshtml,winedbg.exe,winemenubuilder.exe=")
     set(CMAKE_CROSSCOMPILING_EMULATOR ${wine_environment} ${PROJECT_SOURCE_DIR}/tests/wine/run ${WINE})
     # Wine shows the whole file system as a drive; paths compiled into tests begin with it.
     set(ORVANTA_RUN_ROOT Z:)
