@@ -192,8 +192,8 @@ std::string AbsolutePath(std::string_view path) {
     return NormalizePath(IsAbsolutePath(path) ? std::string(path) : JoinPath(CurrentDirectory(), path));
 }
 
-std::string ComparablePath(std::string path, PathRules rules) {
-    return rules == PathRules::Windows ? ToLowerAscii(path) : path;
+std::string ComparablePath(std::string_view path, PathRules rules) {
+    return rules == PathRules::Windows ? ToLowerAscii(path) : std::string(path);
 }
 
 } // namespace Orvanta

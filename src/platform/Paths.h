@@ -35,7 +35,7 @@ enum class PathRules {
 
 /// The form in which two names of one file are the same text: where the system's names don't regard case, in lower case
 /// (ASCII letters). `path` is absolute and normalised.
-[[nodiscard]] std::string ComparablePath(std::string path, PathRules rules = HostPathRules());
+[[nodiscard]] std::string ComparablePath(std::string_view path, PathRules rules = HostPathRules());
 
 /// The current directory, asked of the system at each call.
 [[nodiscard]] std::string CurrentDirectory();
