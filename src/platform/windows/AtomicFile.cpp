@@ -16,8 +16,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
 // The file that the links of `path` end at; `path` itself where there are none.
 std::string LinkTarget(const std::string& path) {
     const std::wstring wide = WidePath(path);

@@ -11,9 +11,9 @@
 
 namespace Orvanta {
 
-namespace {
+static_assert(AnySharing == (FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE));
 
-constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+namespace {
 
 // The system tells no event for the moment when another program lets a file go.
 constexpr DWORD PauseMilliseconds = 10;
@@ -37,6 +37,11 @@ void FailFile(const std::string& path, unsigned long error) {
     const bool isFolder = error == ERROR_ACCESS_DENIED && IsDirectory(path);
     throw ZelmException(path + ": " +
                         (isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error)));
+}
+
+Handle OpenForLooking(const std::string& path) {
+    return Handle(::CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
+                                FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
 Handle OpenForWriting(const std::string& path) {

@@ -8,6 +8,12 @@
 
 namespace Orvanta {
 
+/// The sharing of a file that others may read, write, rename and remove meanwhile.
+inline constexpr unsigned long AnySharing = 7;
+
+/// Opens a file or a folder for questions about it, following links; not open when it fails.
+[[nodiscard]] Handle OpenForLooking(const std::string& path);
+
 /// Opens a file for writing, making it where there is none, with any sharing; not open when it fails.
 [[nodiscard]] Handle OpenForWriting(const std::string& path);
 

@@ -2,15 +2,12 @@
 
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/Handle.h"
-#include "platform/windows/WideText.h"
 
 #include <windows.h>
 
 namespace Orvanta {
 
 namespace {
-
-constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // The system counts steps of 100 nanoseconds since 1601; nanoseconds since then would not fit.
 std::int64_t Nanoseconds(const LARGE_INTEGER& time) {
@@ -25,8 +22,7 @@ std::optional<FileStamp> StampOf(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) {
         return std::nullopt;
     }
-    const Handle file(::CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    const Handle file = OpenForLooking(path);
     FILE_BASIC_INFO times{};
     FILE_STANDARD_INFO standard{};
     if (!file.IsOpen() || !IsOnDisk(file) ||

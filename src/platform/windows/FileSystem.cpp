@@ -10,14 +10,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-// A file or folder, for questions about it: links are followed.
-Handle OpenForLooking(const std::string& path) {
-    return Handle(::CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
-                                FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-}
-
 // A path as people write it, made from the form without a limit.
 std::wstring PlainForm(std::wstring path) {
     constexpr std::wstring_view Unc = L"\\\\?\\UNC\\";

@@ -12,14 +12,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr DWORD AnySharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-// A file or folder, for questions about it: links are followed.
-Handle OpenForLooking(const std::string& path) {
-    return Handle(::CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, AnySharing, nullptr, OPEN_EXISTING,
-                                FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-}
-
 // INVALID_FILE_ATTRIBUTES where there is nothing.
 DWORD AttributesOf(const std::string& path) {
     const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
