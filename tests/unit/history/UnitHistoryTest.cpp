@@ -36,7 +36,7 @@ TEST(UnitHistory, WritesTheListsAsTheCoreReportedThem) {
     HistoryBuild build;
     build.AddUnit("a.c");
     const auto history = build.Make();
-    const Names reported = {"sub/../shared.h", "", "with \"quote\"", build.folder / "x.h", "sub/../shared.h"};
+    const Names reported = {"sub/../common.h", "", "with \"quote\"", build.folder / "x.h", "sub/../common.h"};
     history->Record(0, history->Begin(0), reported, std::nullopt);
     history->Save();
     std::string whole = build.folder / "x.h";
@@ -45,8 +45,8 @@ TEST(UnitHistory, WritesTheListsAsTheCoreReportedThem) {
     }
     EXPECT_EQ(
         build.folder.Read(".Orvanta/depend_info.json"),
-        "[\n{\"arguments\":[\"gcc\",\"a.c\"],\"dependencies\":[\"sub/../shared.h\",\"\",\"with \\\"quote\\\"\",\"" +
-            whole + "\",\"sub/../shared.h\"],\"id\":\"a.c\"}\n]\n");
+        "[\n{\"arguments\":[\"gcc\",\"a.c\"],\"dependencies\":[\"sub/../common.h\",\"\",\"with \\\"quote\\\"\",\"" +
+            whole + "\",\"sub/../common.h\"],\"id\":\"a.c\"}\n]\n");
 }
 
 enum class Change { Write, WriteKeepingTime, Remove, MakeFolder };
