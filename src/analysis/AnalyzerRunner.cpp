@@ -133,36 +133,31 @@ UnitResult AnalyzerRunner::RunUnit(const AnalysisTask& task) {
     if (places_.unitFiles == SettingsFile::Lifetime::Remove && !isCollecting) {
         preprocessedFile.emplace(unit.files.preprocessedPath);
     }
-    const UnitHistory::Moment moment = history != nullptr ? history->Begin(task.unit) : UnitHistory::Moment();
-    if (IsPreprocessed(task, unit) || PreprocessUnit(unit, result)) {
-        RunPreprocessedUnit(task, unit, moment, result);
+    std::optional<UnitWatch> seen;
+    if (history != nullptr) {
+        seen.emplace(history->Watch(task.unit));
     }
-    if (result.status != AnalyzerStatus::Analyzed) {
-        if (isCollecting) {
-            RemoveFile(unit.files.collectedPath);
-        }
-        if (history != nullptr) {
-            history->ForgetResult(task.unit);
-        }
+    if (IsPreprocessed(task, unit) || PreprocessUnit(unit, result)) {
+        RunPreprocessedUnit(task, unit, std::move(seen), result);
+    }
+    if (result.status != AnalyzerStatus::Analyzed && isCollecting) {
+        RemoveFile(unit.files.collectedPath);
     }
     return result;
 }
 
-void AnalyzerRunner::RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, UnitHistory::Moment moment,
+void AnalyzerRunner::RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, std::optional<UnitWatch> seen,
                                          UnitResult& result) {
-    UnitHistory* const history = task.plan->history;
     const bool isCollecting = task.mode == IntermodularAnalysisMode::FirstRun;
     const SettingsFile settings(SettingsOf(unit, task.mode), unit.files.basePath, places_.unitFiles);
     std::vector<std::string> dependencies;
-    if (history != nullptr || isCollecting) {
+    if (seen || isCollecting) {
         if (!ListDependencies(unit, settings.Path(), dependencies, result)) {
             return;
         }
-        if (history != nullptr && !history->CanTellWhatWasSeen(task.unit, moment, dependencies)) {
-            moment = history->Begin(task.unit);
-            if (!PreprocessUnit(unit, result) || !ListDependencies(unit, settings.Path(), dependencies, result)) {
-                return;
-            }
+        if (seen && !seen->Covers(dependencies) &&
+            (!PreprocessUnit(unit, result) || !ListDependencies(unit, settings.Path(), dependencies, result))) {
+            return;
         }
         if (isCollecting) {
             WritePathList(unit.files.dependenciesPath, dependencies);
@@ -176,12 +171,12 @@ void AnalyzerRunner::RunPreprocessedUnit(const AnalysisTask& task, const Unit& u
         if (result.status != AnalyzerStatus::Analyzed) {
             return;
         }
-        if (history != nullptr) {
+        if (seen) {
             findings = PathExists(result.fragmentPath) ? ReadWholeFile(result.fragmentPath) : std::string();
         }
     }
-    if (history != nullptr) {
-        history->Record(task.unit, moment, dependencies, findings);
+    if (seen) {
+        seen->Keep(dependencies, findings);
     }
 }
 

@@ -92,7 +92,7 @@ private:
     [[nodiscard]] UnitFiles NameFiles(std::size_t unit, const CompileCommand& command) const;
     [[nodiscard]] std::string MergedFile() const;
     UnitResult RunUnit(const AnalysisTask& task);
-    void RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, UnitHistory::Moment moment,
+    void RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, std::optional<UnitWatch> seen,
                              UnitResult& result);
     void TellPrecompiledForms(const Unit& unit) const;
     bool IsPreprocessed(const AnalysisTask& task, const Unit& unit);

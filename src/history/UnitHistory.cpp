@@ -160,68 +160,8 @@ std::string UnitHistory::KeptFindings(std::size_t unit) const {
     return state_->findings->Read(range);
 }
 
-UnitHistory::Moment UnitHistory::Begin(std::size_t unit) {
-    State& state = *state_;
-    state.files.ReadClock();
-    std::vector<std::uint32_t> versions;
-    {
-        const Lock lock(state.mutex);
-        const std::span<const std::uint32_t> list = ListOf(state.units[unit], state.lists);
-        versions.assign(list.begin(), list.end());
-    }
-    for (const std::uint32_t version : versions) {
-        state.files.LookAt(state.files.FileOf(version));
-    }
-    state.files.LookAt(state.SourceOf(unit));
-    return {std::chrono::steady_clock::now()};
-}
-
-bool UnitHistory::CanTellWhatWasSeen(std::size_t unit, Moment moment, std::span<const std::string> dependencies) {
-    FileVersions& files = state_->files;
-    const std::string& directory = *state_->commands[unit].absoluteDirectory;
-    // All are looked at, so that all are known before the unit is begun again.
-    return std::count_if(dependencies.begin(), dependencies.end(), [&](const std::string& dependency) {
-               return !files.IsCurrent(files.VersionSeenBy(files.NumberOf(dependency, directory), moment.begin));
-           }) == 0;
-}
-
-void UnitHistory::Record(std::size_t unit, Moment moment, std::span<const std::string> dependencies,
-                         std::optional<std::string_view> findings) {
-    State& state = *state_;
-    const std::string& directory = *state.commands[unit].absoluteDirectory;
-    std::vector<std::uint32_t> list;
-    list.reserve(dependencies.size() + 1);
-    for (const std::string& dependency : dependencies) {
-        list.push_back(state.files.VersionSeenBy(state.files.NumberOf(dependency, directory), moment.begin));
-    }
-    const std::uint32_t source = state.files.VersionSeenBy(state.SourceOf(unit), moment.begin);
-    if (std::find(list.begin(), list.end(), source) == list.end()) {
-        list.push_back(source);
-    }
-    std::optional<FindingsRange> range;
-    if (findings) {
-        range = state.Keep(unit, *findings);
-    }
-    {
-        const Lock lock(state.mutex);
-        KnownUnit& known = state.units[unit];
-        const std::span<const std::uint32_t> before = ListOf(known, state.lists);
-        const bool isSame = known.hasList != 0 && known.inputs == state.identities[unit].inputs &&
-                            known.named == dependencies.size() &&
-                            std::equal(before.begin(), before.end(), list.begin(), list.end());
-        if (!isSame) {
-            state.SetList(known, list, dependencies.size(), lock);
-            ForgetFindings(known);
-        }
-        known.inputs = state.identities[unit].inputs;
-        known.leftOutWith = {};
-        if (range) {
-            known.hasResult = 1;
-            known.findings = *range;
-        }
-        state.isDirty = state.isDirty || !isSame || range;
-    }
-    state.SaveNowAndThen();
+UnitWatch UnitHistory::Watch(std::size_t unit) {
+    return UnitWatch(*this, unit);
 }
 
 void UnitHistory::RecordLeftOut(std::size_t unit) {
@@ -248,6 +188,84 @@ void UnitHistory::SaveProgress() {
 
 void UnitHistory::Save() {
     state_->Save(HistoryState::Extent::All);
+}
+
+UnitWatch::UnitWatch(UnitHistory& history, std::size_t unit) : history_(&history), unit_(unit) {
+    Begin();
+}
+
+UnitWatch::~UnitWatch() {
+    if (history_ != nullptr) {
+        history_->ForgetResult(unit_);
+    }
+}
+
+void UnitWatch::Begin() {
+    UnitHistory::State& state = *history_->state_;
+    state.files.ReadClock();
+    std::vector<std::uint32_t> versions;
+    {
+        const Lock lock(state.mutex);
+        const std::span<const std::uint32_t> list = ListOf(state.units[unit_], state.lists);
+        versions.assign(list.begin(), list.end());
+    }
+    for (const std::uint32_t version : versions) {
+        state.files.LookAt(state.files.FileOf(version));
+    }
+    state.files.LookAt(state.SourceOf(unit_));
+    begin_ = std::chrono::steady_clock::now();
+}
+
+bool UnitWatch::Covers(std::span<const std::string> dependencies) {
+    FileVersions& files = history_->state_->files;
+    const std::string& directory = *history_->state_->commands[unit_].absoluteDirectory;
+    // All are looked at, so that all are known before the unit is begun again.
+    const auto untold = std::count_if(dependencies.begin(), dependencies.end(), [&](const std::string& dependency) {
+        return !files.IsCurrent(files.VersionSeenBy(files.NumberOf(dependency, directory), begin_));
+    });
+    if (untold != 0) {
+        Begin();
+    }
+    return untold == 0;
+}
+
+void UnitWatch::Keep(std::span<const std::string> dependencies, std::optional<std::string_view> findings) {
+    UnitHistory::State& state = *history_->state_;
+    const std::string& directory = *state.commands[unit_].absoluteDirectory;
+    std::vector<std::uint32_t> list;
+    list.reserve(dependencies.size() + 1);
+    for (const std::string& dependency : dependencies) {
+        list.push_back(state.files.VersionSeenBy(state.files.NumberOf(dependency, directory), begin_));
+    }
+    const std::uint32_t source = state.files.VersionSeenBy(state.SourceOf(unit_), begin_);
+    if (std::find(list.begin(), list.end(), source) == list.end()) {
+        list.push_back(source);
+    }
+    std::optional<FindingsRange> range;
+    if (findings) {
+        range = state.Keep(unit_, *findings);
+    }
+    {
+        const Lock lock(state.mutex);
+        KnownUnit& known = state.units[unit_];
+        const std::span<const std::uint32_t> before = ListOf(known, state.lists);
+        const bool isSame = known.hasList != 0 && known.inputs == state.identities[unit_].inputs &&
+                            known.named == dependencies.size() &&
+                            std::equal(before.begin(), before.end(), list.begin(), list.end());
+        if (!isSame) {
+            state.SetList(known, list, dependencies.size(), lock);
+            ForgetFindings(known);
+        }
+        known.inputs = state.identities[unit_].inputs;
+        known.leftOutWith = {};
+        if (range) {
+            known.hasResult = 1;
+            known.findings = *range;
+        }
+        state.isDirty = state.isDirty || !isSame || range;
+    }
+    history_ = nullptr;
+    state.SaveNowAndThen();
 }
 
 } // namespace Orvanta

@@ -10,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Orvanta {
@@ -21,6 +22,8 @@ struct UnitIdentity {
     Fingerprint inputs;    ///< of all that decides its result beside its files: command, settings, compiler, core
 };
 
+class UnitWatch;
+
 /// What earlier runs have learned of the units of a build: the files that each is made of (`depend_info.json`), what
 /// its last successful run saw of them, and what it found. Lives in one folder, and is made for the units of one run:
 /// what is kept of units that are not among them is dropped by the next `Save`. A file is looked up on disk once per
@@ -30,11 +33,6 @@ struct UnitIdentity {
 class UnitHistory {
 public:
     enum class ReadResult { Read, Missing, Unreadable };
-
-    /// When the preprocessing of a unit began.
-    struct Moment {
-        std::chrono::steady_clock::time_point begin;
-    };
 
     /// `folder` need not exist before the first `Save`. `commands` and `identities` are those of the same units, by
     /// position; the commands outlive the history.
@@ -67,20 +65,9 @@ public:
     /// \throws ZelmException when it can't be read
     [[nodiscard]] std::string KeptFindings(std::size_t unit) const;
 
-    /// To be called before the unit is preprocessed: looks at the files that it was made of last.
+    /// Looks at the files that the unit was made of last, before it is preprocessed, and follows this run of it.
     /// Any thread may call it.
-    [[nodiscard]] Moment Begin(std::size_t unit);
-
-    /// Whether it can be told what the unit saw of these files. If not, because one that was not known before is too
-    /// new, it can after another `Begin`, when the unit is preprocessed once more. Any thread may call it.
-    [[nodiscard]] bool CanTellWhatWasSeen(std::size_t unit, Moment moment, std::span<const std::string> dependencies);
-
-    /// Keeps what a successful listing of the unit gave, and with `findings` a successful run. Files are recorded as
-    /// they were before the unit was preprocessed; where that can't be told (a file not known before has changed since
-    /// the run began), the unit counts as changed next time. Without `findings`, those of an unchanged unit stay. Any
-    /// thread may call it.
-    void Record(std::size_t unit, Moment moment, std::span<const std::string> dependencies,
-                std::optional<std::string_view> findings);
+    [[nodiscard]] UnitWatch Watch(std::size_t unit);
 
     /// Records that the unit is left out by rules that its inputs hold: it is unchanged until they change.
     /// Any thread may call it.
@@ -93,7 +80,7 @@ public:
     /// Any thread may call it.
     void ForgetResult(std::size_t unit);
 
-    /// Writes what a kill would lose. `Record` does so by itself now and then, and is silent when it can't.
+    /// Writes what a kill would lose. `UnitWatch::Keep` does so by itself now and then, and is silent when it can't.
     /// Any thread may call it.
     /// \throws ZelmException: the path, then the system's reason
     void SaveProgress();
@@ -104,8 +91,40 @@ public:
     void Save();
 
 private:
+    friend class UnitWatch;
     struct State;
     std::unique_ptr<State> state_;
+};
+
+/// One run of a unit, from before it is preprocessed until it is known what it saw and found. One that is dropped
+/// without `Keep`, for whatever reason, has forgotten the unit's result, so that the unit runs again next time; its
+/// dependencies stay known. The history outlives it.
+class UnitWatch {
+public:
+    UnitWatch(UnitWatch&& other) noexcept
+        : history_(std::exchange(other.history_, nullptr)), unit_(other.unit_), begin_(other.begin_) {}
+
+    UnitWatch& operator=(UnitWatch&&) = delete;
+    ~UnitWatch();
+
+    /// Whether it can be told what the unit saw of these files. If not, because one that was not known before is too
+    /// new, the watch has begun anew: the unit is to be preprocessed once more, after which it can be told.
+    [[nodiscard]] bool Covers(std::span<const std::string> dependencies);
+
+    /// The last call. Keeps what a successful listing of the unit gave, and with `findings` a successful run. Files
+    /// are recorded as they were before the unit was preprocessed; where that can't be told (a file not known before
+    /// has changed since the run began), the unit counts as changed next time. Without `findings`, those of an
+    /// unchanged unit stay.
+    void Keep(std::span<const std::string> dependencies, std::optional<std::string_view> findings = std::nullopt);
+
+private:
+    friend class UnitHistory;
+    UnitWatch(UnitHistory& history, std::size_t unit);
+    void Begin();
+
+    UnitHistory* history_; // null: nothing is left to forget
+    std::size_t unit_;
+    std::chrono::steady_clock::time_point begin_;
 };
 
 } // namespace Orvanta

@@ -66,8 +66,7 @@ public:
     }
 
     void Run(UnitHistory& history, std::size_t unit, std::string_view findings) const {
-        const UnitHistory::Moment moment = history.Begin(unit);
-        history.Record(unit, moment, DependenciesOf(unit), findings);
+        history.Watch(unit).Keep(DependenciesOf(unit), findings);
     }
 
     /// What there is to find in a unit.

@@ -37,7 +37,7 @@ TEST(UnitHistory, WritesTheListsAsTheCoreReportedThem) {
     build.AddUnit("a.c");
     const auto history = build.Make();
     const Names reported = {"sub/../common.h", "", "with \"quote\"", build.folder / "x.h", "sub/../common.h"};
-    history->Record(0, history->Begin(0), reported, std::nullopt);
+    history->Watch(0).Keep(reported);
     history->Save();
     std::string whole = build.folder / "x.h";
     for (std::size_t at = 0; (at = whole.find('\\', at)) != std::string::npos; at += 2) {
@@ -136,11 +136,11 @@ TEST(UnitHistory, TakesNoFileForSeenThatWasMadeAfterTheUnitBegan) {
     for (const bool isUnchanged : {false, true}) {
         const auto history = build.Make();
         static_cast<void>(history->Read());
-        const UnitHistory::Moment moment = history->Begin(0);
+        UnitWatch seen = history->Watch(0);
         if (!isUnchanged) {
             build.folder.Write("shared.h", "made during the run");
         }
-        history->Record(0, moment, build.DependenciesOf(0), "");
+        seen.Keep(build.DependenciesOf(0), "");
         history->Save();
         EXPECT_EQ(build.Read()->IsUnchanged(0), isUnchanged);
     }
@@ -151,9 +151,9 @@ TEST(UnitHistory, DoubtsWhatWasChangedAndChangedBackDuringTheRun) {
     const std::string path = build.folder.Write("own.h", "other");
     fs::last_write_time(NativePath(path), fs::file_time_type::clock::now() - std::chrono::hours(1));
     const auto history = build.Read();
-    const UnitHistory::Moment moment = history->Begin(1);
+    UnitWatch seen = history->Watch(1);
     build.folder.Write("own.h", "what the unit sees");
-    history->Record(1, moment, build.DependenciesOf(1), "of what it saw");
+    seen.Keep(build.DependenciesOf(1), "of what it saw");
     build.folder.Write("own.h", "other");
     history->Save();
     EXPECT_EQ(build.Unchanged(*build.Read()), Names{"a.c"});
@@ -164,7 +164,7 @@ TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {
     build.folder.Write("own.h", "other");
     const auto history = build.Read();
     for (const std::size_t unit : {0U, 1U}) {
-        history->Record(unit, history->Begin(unit), build.DependenciesOf(unit), std::nullopt);
+        history->Watch(unit).Keep(build.DependenciesOf(unit));
     }
     history->Save();
     const auto next = build.Read();
@@ -177,7 +177,7 @@ TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {
 TEST(UnitHistory, ForgetsAResultButNotTheList) {
     const HistoryBuild build(Both);
     const auto history = build.Read();
-    history->ForgetResult(1);
+    static_cast<void>(history->Watch(1)); // and nothing is kept
     history->Save();
     const auto next = build.Read();
     EXPECT_EQ(build.Unchanged(*next), Names{"a.c"});
@@ -210,7 +210,7 @@ TEST(UnitHistory, FindsTheUnitsThatAreMadeOfFiles) {
     HistoryBuild build(Both);
     build.AddUnit("c.c");
     const auto history = build.Read();
-    history->Record(2, history->Begin(2), Names{"sub/../relative.h"}, std::nullopt);
+    history->Watch(2).Keep(Names{"sub/../relative.h"});
     const Names paths = {build.folder / "own.h", build.folder / "none.h", build.folder / "relative.h",
                          build.folder / "own.h"};
     std::vector<bool> found;
@@ -329,12 +329,12 @@ TEST(UnitHistory, IsOfUseWheneverTheRunIsKilled) {
         { build.folder / "shared.h",   build.folder / "own.h"}
     };
     auto history = build.Read();
-    history->Record(0, history->Begin(0), dependencies[0], "new in a.c\n");
+    history->Watch(0).Keep(dependencies[0], "new in a.c\n");
     const Kept begun = KeptNow(build);
     history->SaveProgress();
     const Kept saved = KeptNow(build);
-    const UnitHistory::Moment moment = history->Begin(1);
-    history->Record(1, moment, Names{build.folder / "own.h"}, "new in b.c\n");
+    UnitWatch seen = history->Watch(1);
+    seen.Keep(Names{build.folder / "own.h"}, "new in b.c\n");
     const Kept recorded = KeptNow(build);
     history->Save();
     const Kept after = KeptNow(build);
