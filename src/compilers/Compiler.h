@@ -52,11 +52,11 @@ public:
     [[nodiscard]] virtual std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                           const std::string& outputPath) const = 0;
 
-    /// The family's last adjustment of what was read, made when all `arguments` have been seen.
-    virtual void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const;
+    /// The family's last adjustment of what was read, made when all arguments have been seen.
+    virtual void FinishParse(ParsedCommand& command) const;
 
     /// What a flag makes of every source, before and behind it; no value when there is no such flag.
-    [[nodiscard]] virtual std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
+    [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
 
     /// What the compiler takes a file for by its name, when a flag makes `ofAll` of every source.
     [[nodiscard]] virtual InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const;
