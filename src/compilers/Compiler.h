@@ -12,6 +12,19 @@
 #include <string_view>
 #include <vector>
 
+// What this room is for: to know, of a command line as a build wrote it, what is compiled and how, and to write the
+// command that gives the same text with the same compiler.
+//
+// A family of compilers is a table of flags (FlagTable.h) and the few words in which its driver differs (the virtual
+// functions below). The readers know no family: ArgumentWalker.h decides what is a flag, what its value and what a
+// file, CommandLineReader.h makes records of that. So a family is added without touching what reads the others, and
+// what is learned of one flag is written in one row.
+//
+// What is not known is kept. A flag that nobody has heard of mostly changes the text or does not matter; dropping it
+// would give another text in silence, while a flag that the compiler refuses is a failure that is told. Only what
+// writes files, or takes the line markers away, has to be known by name. The other way, to list what is kept, was not
+// taken: the lists of the compilers have thousands of flags, and grow with each release.
+
 namespace Orvanta {
 
 /// A flag that names a file with further arguments.
