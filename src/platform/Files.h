@@ -10,7 +10,7 @@
 namespace Orvanta {
 
 /// Reads a file whole, byte for byte.
-/// \throws ZelmException with the path and the system's reason
+/// \throws FileException
 [[nodiscard]] std::string ReadWholeFile(const std::string& path);
 
 /// Whether anything, file or folder, exists at `path`.
@@ -32,15 +32,15 @@ namespace Orvanta {
 [[nodiscard]] bool IsSameFile(const std::string& left, const std::string& right);
 
 /// Makes a folder with those on its way; one that is there is no fault.
-/// \throws ZelmException: `path`, then the system's reason
+/// \throws FileException
 void MakeFolders(const std::string& path);
 
 /// Copies a file, over one that is there.
-/// \throws ZelmException: `to`, then the system's reason
+/// \throws FileException
 void CopyContents(const std::string& from, const std::string& to);
 
 /// Puts a finished file in the place of another, in one step and with the permissions that it had.
-/// \throws ZelmException: `to`, then the system's reason
+/// \throws FileException
 void PutInPlaceOf(const std::string& from, const std::string& to);
 
 /// Removes a file; one that is not there is no fault.
@@ -54,14 +54,14 @@ public:
         Keep,    ///< leaves what an existing file holds
     };
 
-    /// \throws ZelmException: `path`, then the system's reason
+    /// \throws FileException
     OutputFile(const std::string& path, Mode mode);
     ~OutputFile();
     OutputFile(OutputFile&& other) noexcept;
     OutputFile& operator=(OutputFile&& other) noexcept;
 
     /// Writes all of `bytes` at `offset` bytes from the start.
-    /// \throws ZelmException: the path, then the system's reason
+    /// \throws FileException
     void WriteAt(std::string_view bytes, std::uint64_t offset);
 
     /// Writes all of `bytes` at the end of what was written before: for pipes and terminals too.
@@ -83,16 +83,16 @@ private:
 /// its bytes are written at once.
 class AtomicFile {
 public:
-    /// \throws ZelmException: `path`, then the system's reason
+    /// \throws FileException
     explicit AtomicFile(std::string path);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// \throws ZelmException: the path, then the system's reason
+    /// \throws FileException
     void Append(std::string_view bytes);
     /// The last call.
-    /// \throws ZelmException: the path, then the system's reason
+    /// \throws FileException
     void Commit();
 
 private:
@@ -106,7 +106,7 @@ void RemoveAbandonedFiles(const std::string& folder) noexcept;
 
 /// Swaps the contents of two names in one step: at no moment does `first` name nothing or something incomplete.
 /// Both must exist, in the same folder.
-/// \throws ZelmException
+/// \throws FileException
 void ExchangeFiles(const std::string& first, const std::string& second);
 
 } // namespace Orvanta

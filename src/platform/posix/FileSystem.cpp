@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 void Check(const std::string& path, const std::error_code& error) {
     if (error) {
-        throw ZelmException(path + ": " + error.message());
+        throw FileException(path, error.message());
     }
 }
 

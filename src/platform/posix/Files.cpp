@@ -24,7 +24,7 @@ constexpr unsigned NewFileMode = 0666;
 constexpr mode_t PermissionBits = 0777;
 
 [[noreturn]] void Fail(const std::string& path, int error) {
-    throw ZelmException(path + ": " + SystemReason(error));
+    throw FileException(path, SystemReason(error));
 }
 
 bool Look(const std::string& path, struct stat& found) {
@@ -250,7 +250,7 @@ void SwapByRenaming(const std::string& first, const std::string& second) {
         std::error_code error;
         std::filesystem::copy_file(first, saved, error);
         if (error) {
-            throw ZelmException(first + ": " + error.message());
+            throw FileException(first, error.message());
         }
     }
     if (std::rename(second.c_str(), first.c_str()) != 0) {

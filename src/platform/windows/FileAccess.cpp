@@ -35,8 +35,8 @@ bool IsReadOnly(const std::wstring& path) {
 void FailFile(const std::string& path, unsigned long error) {
     // The system has the same answer for a folder and for a file that may not be opened.
     const bool isFolder = error == ERROR_ACCESS_DENIED && IsDirectory(path);
-    throw ZelmException(path + ": " +
-                        (isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error)));
+    throw FileException(path,
+                        isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error));
 }
 
 Handle OpenForLooking(const std::string& path) {

@@ -28,7 +28,7 @@ inline constexpr unsigned long AnySharing = 7;
 /// \throws SystemFault
 void RenameOver(const std::string& from, const std::string& to);
 
-/// \throws ZelmException: `path`, then the system's reason
+/// \throws FileException
 [[noreturn]] void FailFile(const std::string& path, unsigned long error);
 
 } // namespace Orvanta
