@@ -13,16 +13,44 @@ namespace Orvanta {
 /// \throws FileException
 [[nodiscard]] std::string ReadWholeFile(const std::string& path);
 
+/// What stands at a path, links followed.
+enum class PathKind {
+    Nothing,
+    File, ///< on a disk
+    Folder,
+    Other, ///< a device, a pipe, a terminal
+};
+
+/// What the system says of a path. That it can't tell (no right to look, a broken disk, a circle of links) is an answer
+/// of its own: taken for absence, it would have us write over what is there.
+struct PathAnswer {
+    std::optional<PathKind> kind; ///< absent when it can't be told
+    std::string reason = {};      ///< and then the system's words
+
+    /// Whether something is there for certain.
+    [[nodiscard]] bool IsThere() const noexcept { return kind && *kind != PathKind::Nothing; }
+};
+
+/// Asks once. For searches, which go on to the next place when it can't be told; all others ask by the functions below.
+[[nodiscard]] PathAnswer LookAt(const std::string& path);
+
+/// \throws FileException when it can't be told
+[[nodiscard]] PathKind KindOf(const std::string& path);
+
 /// Whether anything, file or folder, exists at `path`.
+/// \throws FileException when it can't be told
 [[nodiscard]] bool PathExists(const std::string& path);
 
 /// Whether `path` names a folder.
+/// \throws FileException when it can't be told
 [[nodiscard]] bool IsDirectory(const std::string& path);
 
-/// Whether `path`, links followed, names a file on a disk: no folder, device or pipe.
+/// Whether `path` names a file on a disk: no folder, device or pipe.
+/// \throws FileException when it can't be told
 [[nodiscard]] bool IsRegularFile(const std::string& path);
 
 /// The size of the file at `path`; absent when there is none.
+/// \throws FileException when it can't be told
 [[nodiscard]] std::optional<std::uint64_t> FileSize(const std::string& path);
 
 /// The absolute path of what `path` names, with all links resolved; `path` itself when it names nothing.

@@ -42,14 +42,14 @@ struct ReportFile::State {
 };
 
 void ReportFile::State::Create() {
-    const bool exists = Orvanta::PathExists(givenPath);
-    if (exists && !Orvanta::IsRegularFile(givenPath)) {
+    const Orvanta::PathKind kind = Orvanta::KindOf(givenPath);
+    if (kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
         stream.emplace(givenPath, Orvanta::OutputFile::Mode::Keep);
         stream->Append(frame.head);
         return;
     }
     path = Orvanta::ResolveLinks(givenPath); // so that a link stays one
-    if (exists) {
+    if (kind == Orvanta::PathKind::File) {
         // A file that its owner protects stays, although the folder would let us put another in its place.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }

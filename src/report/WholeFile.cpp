@@ -33,10 +33,13 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
 }
 
 void WholeFile::RequireReplaceable(const std::string& path) {
-    if (Orvanta::PathExists(path) && !Orvanta::IsRegularFile(path)) {
-        throw FilesystemException("Can't write to file: " + path + ": it is no regular file");
-    }
-    NamingFile(path, [&path] { ProbeExisting(path); });
+    NamingFile(path, [&path] {
+        const Orvanta::PathKind kind = Orvanta::KindOf(path);
+        if (kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
+            throw Orvanta::FileException(path, "it is no regular file");
+        }
+        ProbeExisting(path);
+    });
 }
 
 void WholeFile::Append(std::string_view text) {

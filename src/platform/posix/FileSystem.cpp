@@ -1,8 +1,12 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/posix/Descriptor.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
+
+#include <sys/stat.h>
 
 namespace Orvanta {
 
@@ -18,15 +22,32 @@ void Check(const std::string& path, const std::error_code& error) {
 
 } // namespace
 
-bool IsRegularFile(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+PathAnswer LookAt(const std::string& path) {
+    struct stat status {};
+
+    // Of a text with a zero byte in it, the system would see the beginning.
+    if (path.find('\0') != std::string::npos) {
+        return {PathKind::Nothing};
+    }
+    if (::stat(path.c_str(), &status) != 0) {
+        return IsAbsence(errno) ? PathAnswer{PathKind::Nothing} : PathAnswer{std::nullopt, SystemReason(errno)};
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return {PathKind::Folder};
+    }
+    return {S_ISREG(status.st_mode) ? PathKind::File : PathKind::Other};
 }
 
 std::optional<std::uint64_t> FileSize(const std::string& path) {
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(path, error);
-    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) == 0) {
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+    if (!IsAbsence(errno)) {
+        throw FileException(path, SystemReason(errno));
+    }
+    return std::nullopt;
 }
 
 std::string ResolveLinks(const std::string& path) {

@@ -27,10 +27,6 @@ constexpr mode_t PermissionBits = 0777;
     throw FileException(path, SystemReason(error));
 }
 
-bool Look(const std::string& path, struct stat& found) {
-    return ::stat(path.c_str(), &found) == 0;
-}
-
 // Reads to the end; `sizeHint` bytes are expected.
 void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, std::string& content) {
     constexpr std::size_t SmallestBlock = 4096;
@@ -94,18 +90,6 @@ std::string ReadWholeFile(const std::string& path) {
     std::string content;
     ReadToEnd(path, file.Number(), static_cast<std::size_t>(status.st_size), content);
     return content;
-}
-
-bool PathExists(const std::string& path) {
-    struct stat status {};
-
-    return Look(path, status);
-}
-
-bool IsDirectory(const std::string& path) {
-    struct stat status {};
-
-    return Look(path, status) && S_ISDIR(status.st_mode);
 }
 
 void RemoveFile(const std::string& path) noexcept {
@@ -182,7 +166,10 @@ AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::
 
     struct stat existing {};
 
-    const bool exists = Look(handle_->target, existing);
+    const bool exists = ::stat(handle_->target.c_str(), &existing) == 0;
+    if (!exists && !IsAbsence(errno)) {
+        Fail(path_, errno);
+    }
     if (exists && !S_ISREG(existing.st_mode)) {
         handle_->file = OpenFile(handle_->target, O_WRONLY);
         if (!handle_->file.IsOpen()) {

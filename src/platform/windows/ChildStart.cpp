@@ -43,10 +43,11 @@ Cause CauseOf(DWORD error) {
 
 // What keeps a child from working in `directory`; ERROR_SUCCESS when nothing that we can see does.
 DWORD FaultOfDirectory(const std::string& directory) {
-    if (!PathExists(directory)) {
+    const PathAnswer answer = LookAt(directory);
+    if (answer.kind == PathKind::Nothing) {
         return ERROR_PATH_NOT_FOUND;
     }
-    if (!IsDirectory(directory)) {
+    if (answer.kind && answer.kind != PathKind::Folder) {
         return ERROR_DIRECTORY;
     }
     return ToWide(AbsolutePath(directory)).size() < MAX_PATH - 2 ? ERROR_SUCCESS : ERROR_FILENAME_EXCED_RANGE;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace Orvanta {
@@ -76,6 +77,32 @@ TEST(OutputFileOnPosix, CanAppendToWhatHasNoPlaces) {
 }
 
 using Swap = void (*)(const std::string&, const std::string&);
+
+TEST(PathOnPosix, ThatCannotBeToldIsNotTakenForNothing) {
+    const TestFolder folder;
+    const std::string circle = folder / "circle";
+    std::filesystem::create_symlink("circle", circle);
+    const PathAnswer answer = LookAt(circle);
+    EXPECT_FALSE(answer.kind.has_value());
+    EXPECT_FALSE(answer.IsThere());
+    const std::string reason = "Too many levels of symbolic links";
+    EXPECT_EQ(answer.reason, reason);
+    const std::function<void()> questions[] = {
+        [&] { static_cast<void>(PathExists(circle)); },
+        [&] { static_cast<void>(IsDirectory(circle)); },
+        [&] { static_cast<void>(IsRegularFile(circle)); },
+        [&] { static_cast<void>(FileSize(circle)); },
+    };
+    for (const auto& ask : questions) {
+        try {
+            ask();
+            ADD_FAILURE() << "an answer";
+        } catch (const FileException& error) {
+            EXPECT_EQ(error.Path(), circle);
+            EXPECT_EQ(error.Reason(), reason);
+        }
+    }
+}
 
 class FileSwap : public testing::TestWithParam<Swap> {};
 
