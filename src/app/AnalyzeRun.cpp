@@ -87,13 +87,11 @@ int AnalyzeRun::Analyze() {
 RunLocks AnalyzeRun::TakeLocks() const {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
-    if (input_.reportPath.empty()) {
-        locks.TakeOutputOf(outputFolder_);
-    } else {
-        locks.TakeReport(input_.reportPath);
+    if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
+        locks.TakeReport(input_.reportPath, stop_);
     }
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
-        locks.TakeShared(OrvantaFolder(outputFolder_));
+        locks.TakeShared(OrvantaFolder(outputFolder_), stop_);
     }
     return locks;
 }

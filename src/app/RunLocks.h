@@ -1,25 +1,22 @@
 #pragma once
 
 #include "platform/LockFile.h"
+#include "platform/StopFlag.h"
 
 #include <string>
 
 namespace Orvanta {
 
-/// Keeps two runs from writing one report, or one folder ".Orvanta", at once. A lock lies where the thing that it
-/// guards really lies, links resolved, and has its name: however a run spells the way there, it finds the same lock.
+/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once.
 class RunLocks {
 public:
+    /// Waits a moment for another run to end, and no longer than `stop` lets it.
     /// \throws ZelmException "Another run is writing to " and the report
-    void TakeReport(const std::string& reportPath);
-
-    /// Of standard output, which runs in one folder share.
-    /// \throws ZelmException "Another run is writing to " and the folder
-    void TakeOutputOf(const std::string& folder);
+    void TakeReport(const std::string& reportPath, const StopFlag& stop);
 
     /// Of the folder ".Orvanta", which need not exist.
     /// \throws ZelmException "Another run is using " and the folder
-    void TakeShared(const std::string& orvantaFolder);
+    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop);
 
 private:
     LockFile report_;

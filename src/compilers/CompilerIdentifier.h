@@ -16,6 +16,12 @@
 #include <unordered_map>
 #include <vector>
 
+// Which family a compiler is of. Its name decides where names are told apart for certain; every other program is asked
+// with "--version", because a name such as "cc" says nothing and vendors rename their compilers. Asking is the
+// costliest part of reading a build: it is done once for each path, and what a word of a command leads to on the disk
+// is looked up once for each word, folder and search path. The folder and the environment of one entry can be what
+// keeps a program from starting.
+
 namespace Orvanta {
 
 /// A compiler found on this machine. One record per path, shared by all commands that use it.

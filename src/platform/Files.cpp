@@ -1,6 +1,8 @@
 #include "platform/Files.h"
 
 #include "platform/Exceptions.h"
+#include "platform/LinkEnd.h"
+#include "platform/Paths.h"
 
 namespace Orvanta {
 
@@ -22,6 +24,15 @@ bool IsDirectory(const std::string& path) {
 
 bool IsRegularFile(const std::string& path) {
     return KindOf(path) == PathKind::File;
+}
+
+std::string TargetOf(const std::string& path) {
+    if (PathExists(path)) {
+        return ResolveLinks(path);
+    }
+    const std::string end = EndOfLinks(path);
+    const std::string folder(DirectoryOf(end));
+    return JoinPath(ResolveLinks(folder.empty() ? CurrentDirectory() : folder), FileNameOf(end));
 }
 
 } // namespace Orvanta

@@ -56,6 +56,11 @@ struct PathAnswer {
 /// The absolute path of what `path` names, with all links resolved; `path` itself when it names nothing.
 [[nodiscard]] std::string ResolveLinks(const std::string& path);
 
+/// The absolute path at which something stands or would be made: all links resolved, those too that lead to nothing
+/// yet.
+/// \throws FileException when it can't be told
+[[nodiscard]] std::string TargetOf(const std::string& path);
+
 /// Whether both paths lead to one file.
 [[nodiscard]] bool IsSameFile(const std::string& left, const std::string& right);
 

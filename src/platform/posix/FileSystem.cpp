@@ -1,5 +1,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/LinkEnd.h"
+#include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 
 #include <cerrno>
@@ -54,6 +56,19 @@ std::string ResolveLinks(const std::string& path) {
     std::error_code error;
     const fs::path resolved = fs::canonical(path, error);
     return error ? path : resolved.string();
+}
+
+std::string EndOfLinks(std::string path) {
+    constexpr int LongestChain = 40; // where the system itself gives up
+    for (int links = 0; links < LongestChain; ++links) {
+        std::error_code isNoLink;
+        const std::string target = fs::read_symlink(path, isNoLink).string();
+        if (isNoLink) {
+            return path;
+        }
+        path = JoinPath(DirectoryOf(path), target);
+    }
+    throw FileException(path, SystemReason(ELOOP));
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {

@@ -2,6 +2,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Hash.h"
+#include "platform/LinkEnd.h"
 #include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileSwap.h"
@@ -47,20 +48,6 @@ void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, st
             Fail(path, errno);
         }
     }
-}
-
-// The file that a chain of links ends at, whether it exists or not.
-std::string LinkTarget(std::string path) {
-    constexpr int LongestChain = 40; // where the system itself gives up
-    for (int links = 0; links < LongestChain; ++links) {
-        std::error_code isNoLink;
-        const std::string target = std::filesystem::read_symlink(path, isNoLink).string();
-        if (isNoLink) {
-            return path;
-        }
-        path = JoinPath(DirectoryOf(path), target);
-    }
-    Fail(path, ELOOP);
 }
 
 constexpr std::string_view TemporaryStem = ".orvtmp-";
@@ -162,7 +149,7 @@ struct AtomicFile::Handle {
 };
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
-    handle_->target = LinkTarget(path_);
+    handle_->target = EndOfLinks(path_);
 
     struct stat existing {};
 

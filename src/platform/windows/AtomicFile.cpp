@@ -1,6 +1,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Hash.h"
+#include "platform/LinkEnd.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "platform/windows/FileAccess.h"
@@ -16,16 +17,6 @@
 namespace Orvanta {
 
 namespace {
-
-// The file that the links of `path` end at; `path` itself where there are none.
-std::string LinkTarget(const std::string& path) {
-    const std::wstring wide = WidePath(path);
-    const DWORD attributes = ::GetFileAttributesW(wide.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
-        return path;
-    }
-    return ResolveLinks(path);
-}
 
 // While its writer lives, a file for writing can be opened for nothing but a rename: whoever gets more of it knows
 // that the writer is gone.
@@ -56,7 +47,7 @@ struct AtomicFile::Handle {
 };
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
-    handle_->target = LinkTarget(path_);
+    handle_->target = EndOfLinks(path_);
     const PathAnswer target = LookAt(handle_->target);
     if (!target.kind) {
         throw FileException(path_, target.reason);

@@ -1,4 +1,5 @@
 #include "platform/Files.h"
+#include "platform/LinkEnd.h"
 #include "platform/Paths.h"
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/SystemReason.h"
@@ -58,6 +59,15 @@ std::string ResolveLinks(const std::string& path) {
     std::wstring target(::GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
     target.resize(::GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0));
     return target.empty() ? path : FromWide(PlainForm(std::move(target)));
+}
+
+// Where the chain leads to nothing, the system tells no end: such a link is replaced.
+std::string EndOfLinks(std::string path) {
+    const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return path;
+    }
+    return ResolveLinks(path);
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {

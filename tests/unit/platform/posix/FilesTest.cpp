@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include "platform/Exceptions.h"
+#include "platform/LockFile.h"
 #include "platform/posix/FileSwap.h"
 #include "support/TestFolder.h"
 
@@ -102,6 +103,28 @@ TEST(PathOnPosix, ThatCannotBeToldIsNotTakenForNothing) {
             EXPECT_EQ(error.Reason(), reason);
         }
     }
+}
+
+TEST(PathOnPosix, LeadsToItsTargetWhetherThatIsThereOrNot) {
+    const TestFolder folder;
+    folder.MakeFolder("real/sub");
+    fs::create_directory_symlink(folder / "real/sub", folder / "way");
+    fs::create_symlink("../real/./later", folder / "way/inner"); // from the folder in which the link is
+    fs::create_symlink("way/inner", folder / "outer");
+    const std::string target = folder / "real/real/later";
+    EXPECT_EQ(TargetOf(folder / "way/../file"), folder / "real/file");
+    folder.MakeFolder("real/real");
+    EXPECT_EQ(TargetOf(folder / "outer"), target);
+    folder.Write("real/real/later", "");
+    EXPECT_EQ(TargetOf(folder / "outer"), target);
+    fs::create_symlink("circle", folder / "circle");
+    EXPECT_THROW(static_cast<void>(TargetOf(folder / "circle")), FileException);
+    const StopFlag stop;
+    LockFile first;
+    LockFile second;
+    EXPECT_EQ(first.Take(folder / "outer", std::chrono::milliseconds(0), stop), LockFile::State::Held);
+    EXPECT_EQ(second.Take(target, std::chrono::milliseconds(0), stop), LockFile::State::HeldByOther);
+    EXPECT_EQ(second.Take(folder / "circle", std::chrono::milliseconds(0), stop), LockFile::State::Held);
 }
 
 class FileSwap : public testing::TestWithParam<Swap> {};

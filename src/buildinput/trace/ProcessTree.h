@@ -1,6 +1,6 @@
 #pragma once
 
-#include "buildinput/TraceProcess.h"
+#include "buildinput/trace/TraceProcess.h"
 
 #include <cstddef>
 #include <functional>

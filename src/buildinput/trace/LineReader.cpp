@@ -1,4 +1,4 @@
-#include "buildinput/LineReader.h"
+#include "buildinput/trace/LineReader.h"
 
 #include "platform/Exceptions.h"
 

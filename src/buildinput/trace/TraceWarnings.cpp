@@ -1,4 +1,4 @@
-#include "buildinput/TraceWarnings.h"
+#include "buildinput/trace/TraceWarnings.h"
 
 namespace Orvanta {
 

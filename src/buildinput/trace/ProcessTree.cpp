@@ -1,4 +1,4 @@
-#include "buildinput/ProcessTree.h"
+#include "buildinput/trace/ProcessTree.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "buildinput/InvocationCollector.h"
-#include "buildinput/TraceProcess.h"
+#include "buildinput/trace/TraceProcess.h"
 
 #include <deque>
 #include <memory>

@@ -1,5 +1,5 @@
-#include "Collecting.h"
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
+#include "unit/buildinput/Collecting.h"
 
 #include <gtest/gtest.h>
 

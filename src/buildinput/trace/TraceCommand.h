@@ -1,6 +1,6 @@
 #pragma once
 
-#include "buildinput/TraceText.h"
+#include "buildinput/trace/TraceText.h"
 #include "settings/RunSettings.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-#include "buildinput/TraceCommand.h"
+#include "buildinput/trace/TraceCommand.h"
 
 #include "buildinput/ProgramName.h"
 #include "platform/Paths.h"

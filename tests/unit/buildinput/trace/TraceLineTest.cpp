@@ -1,4 +1,4 @@
-#include "buildinput/TraceLine.h"
+#include "buildinput/trace/TraceLine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "buildinput/TraceEnvironment.h"
+#include "buildinput/trace/TraceEnvironment.h"
 
 #include "buildinput/VariableName.h"
 #include "platform/Paths.h"

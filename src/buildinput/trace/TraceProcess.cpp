@@ -1,4 +1,4 @@
-#include "buildinput/TraceProcess.h"
+#include "buildinput/trace/TraceProcess.h"
 
 namespace Orvanta {
 

@@ -1,4 +1,4 @@
-#include "buildinput/TraceDirectory.h"
+#include "buildinput/trace/TraceDirectory.h"
 
 #include "platform/Files.h"
 #include "platform/Paths.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "buildinput/TraceLine.h"
+#include "buildinput/trace/TraceLine.h"
 #include "platform/Log.h"
 
 #include <cstddef>

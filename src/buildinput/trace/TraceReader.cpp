@@ -1,12 +1,13 @@
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
 
-#include "buildinput/InvocationQueue.h"
-#include "buildinput/LineReader.h"
-#include "buildinput/ProcessTree.h"
-#include "buildinput/TraceCommand.h"
-#include "buildinput/TraceEnvironment.h"
-#include "buildinput/TraceText.h"
-#include "buildinput/TraceWarnings.h"
+#include "buildinput/trace/InvocationQueue.h"
+#include "buildinput/trace/LineReader.h"
+#include "buildinput/trace/ProcessTree.h"
+#include "buildinput/trace/TraceCommand.h"
+#include "buildinput/trace/TraceEnvironment.h"
+#include "buildinput/trace/TraceText.h"
+#include "buildinput/trace/TraceWarnings.h"
+#include "buildinput/trace/TracedCall.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
@@ -33,14 +34,6 @@ bool CanMatter(TraceCall call, std::string_view text) {
     return flags.find("O_NOCTTY") == std::string_view::npos || flags.find("O_DIRECTORY") != std::string_view::npos;
 }
 
-/// How a trace names what a call has opened.
-struct OpenedPath {
-    const TraceLiteral& literal;
-    const std::optional<std::int64_t>& folder;    // from which a relative path counts; none: the working directory
-    const std::optional<std::string>& folderPath; // of it, where the trace shows that
-    std::optional<std::string> shown;             // the whole path, where the trace shows that
-};
-
 /// Follows a trace from its first line to its last.
 class TraceReader {
 public:
@@ -61,15 +54,13 @@ private:
     void ReadLooseEnd(const TraceLine& line);
     void ReadEnd(const TraceLine& line);
     void Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
-    bool CompleteStart(TraceProcess& process, std::string_view text, std::size_t callLine);
-    bool CompleteExecution(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
-    bool TakeProgramPath(TraceProcess& process, TraceCall call, TraceTextReader& reader);
-    bool CompleteChange(TraceProcess& process, std::string_view text);
-    bool CompleteFileChange(TraceProcess& process, std::string_view text);
-    bool CompleteQuestion(TraceProcess& process, std::string_view text);
-    bool CompleteOpening(TraceProcess& process, TraceCall call, std::string_view text);
-    static void RememberOpened(TraceProcess& process, std::int64_t number, std::string_view flags,
-                               const OpenedPath& opened);
+    bool Fold(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
+    void FoldStart(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
+    bool FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine);
+    void TakeProgramPath(TraceProcess& process, const TracedCall& call);
+    static void FoldFileChange(TraceProcess& process, const TracedCall& call);
+    void FoldOpening(TraceProcess& process, const TracedCall& call);
+    static void RememberOpened(TraceProcess& process, const TracedCall& call);
     void Execute(TraceProcess& process, TracedCommand command, std::size_t line);
     void Locate(TraceProcess& process, const std::string& path);
     void LocateByFile(TraceProcess& process, const std::optional<std::string>& path);
@@ -209,63 +200,57 @@ void TraceReader::AddLaunchers(const TraceProcess& process) {
 
 /// Follows a call that has ended and did not fail.
 void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine) {
-    bool isRead = true;
-    switch (call) {
-    case TraceCall::Other:
-        break;
-    case TraceCall::Execute:
-    case TraceCall::ExecuteAt:
-        isRead = CompleteExecution(process, call, text, callLine);
-        break;
-    case TraceCall::Fork:
-        isRead = CompleteStart(process, text, callLine);
-        break;
-    case TraceCall::ChangeDirectory:
-        isRead = CompleteChange(process, text);
-        break;
-    case TraceCall::ChangeDirectoryFile:
-        isRead = CompleteFileChange(process, text);
-        break;
-    case TraceCall::GetDirectory:
-        isRead = CompleteQuestion(process, text);
-        break;
-    case TraceCall::Open:
-    case TraceCall::OpenAt:
-        isRead = CompleteOpening(process, call, text);
-        break;
-    }
+    const TracedCall parsed = ParseTracedCall(call, text);
+    const bool isRead = parsed.isReadable && (!parsed.HasSucceeded() || Fold(process, parsed, text, callLine));
     if (!isRead) {
         warnings_.Malformed(callLine, HasResult(text) ? "this call can't be read" : "this call is cut short");
     }
 }
 
-// Each of the following reads a call that did not fail, and returns false when its text is not as it should be. A call
-// without a result never returned: its process was killed.
-
-bool TraceReader::CompleteStart(TraceProcess& process, std::string_view text, std::size_t callLine) {
-    TraceTextReader reader(text);
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (result && result->value > 0) {
-        tree_.Start(process, static_cast<ProcessId>(result->value), text, callLine, number_);
-        queue_.Flush();
+/// Takes what a call has changed over. False: its arguments can't be read.
+bool TraceReader::Fold(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine) {
+    switch (call.call) {
+    case TraceCall::Other:
+        break;
+    case TraceCall::Execute:
+    case TraceCall::ExecuteAt:
+        return FoldExecution(process, call, callLine);
+    case TraceCall::Fork:
+        FoldStart(process, call, text, callLine);
+        break;
+    case TraceCall::ChangeDirectory:
+        process.directory->Change(call.path.Decode());
+        break;
+    case TraceCall::ChangeDirectoryFile:
+        FoldFileChange(process, call);
+        break;
+    case TraceCall::GetDirectory:
+        if (!call.path.isCut) {
+            Locate(process, call.path.Decode());
+            queue_.Flush();
+        }
+        break;
+    case TraceCall::Open:
+    case TraceCall::OpenAt:
+        FoldOpening(process, call);
+        break;
     }
-    return result || HasResult(text);
+    return true;
 }
 
-bool TraceReader::CompleteExecution(TraceProcess& process, TraceCall call, std::string_view text,
-                                    std::size_t callLine) {
-    const std::optional<TraceResult> result = TraceTextReader(TailOf(text)).TakeResult();
-    if (!result || result->value != 0) {
-        return result || HasResult(text);
-    }
-    TraceTextReader reader(text);
-    if (!TakeProgramPath(process, call, reader) || !reader.Take(", ")) {
-        return false;
-    }
+void TraceReader::FoldStart(TraceProcess& process, const TracedCall& call, std::string_view text,
+                            std::size_t callLine) {
+    tree_.Start(process, static_cast<ProcessId>(call.result->value), text, callLine, number_);
+    queue_.Flush();
+}
+
+bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine) {
+    TakeProgramPath(process, call);
     const bool mayCompile = finder_.MayCompile(program_.path);
     const bool needsGuess = process.origin->guessedDirectory.empty() && process.directory->IsStartOf(process.origin);
+    TraceTextReader reader(call.rest);
     if (mayCompile || needsGuess) {
-        if (!reader.TakeArray(program_.arguments) || !reader.Take(", ")) {
+        if (!reader.Take(", ") || !reader.TakeArray(program_.arguments) || !reader.Take(", ")) {
             return false;
         }
         if (needsGuess) {
@@ -288,28 +273,20 @@ bool TraceReader::CompleteExecution(TraceProcess& process, TraceCall call, std::
 }
 
 /// Reads the path of a program that is executed, by its name or by a file that is open.
-bool TraceReader::TakeProgramPath(TraceProcess& process, TraceCall call, TraceTextReader& reader) {
-    std::optional<std::int64_t> file;
-    std::optional<std::string> filePath;
-    TraceLiteral path;
-    if (call == TraceCall::ExecuteAt && (!reader.TakeFile(file, filePath) || !reader.Take(", "))) {
-        return false;
+void TraceReader::TakeProgramPath(TraceProcess& process, const TracedCall& call) {
+    call.path.DecodeInto(program_.path);
+    if (call.call == TraceCall::Execute) {
+        return;
     }
-    if (!reader.TakeLiteral(path)) {
-        return false;
+    std::optional<std::string> folder;
+    if (!call.file) {
+        LocateByFile(process, call.filePath);
+    } else if (call.filePath) {
+        folder = call.filePath;
+    } else if (process.files != nullptr && process.files->contains(*call.file)) {
+        folder = AbsoluteDirectory(process.files->at(*call.file).directory);
     }
-    path.DecodeInto(program_.path);
-    if (call == TraceCall::Execute) {
-        return true;
-    }
-    if (!file) {
-        LocateByFile(process, filePath);
-        filePath.reset();
-    } else if (!filePath && process.files != nullptr && process.files->contains(*file)) {
-        filePath = AbsoluteDirectory(process.files->at(*file).directory);
-    }
-    program_.path = JoinTracePath(filePath.value_or(""), program_.path);
-    return true;
+    program_.path = JoinTracePath(folder.value_or(""), program_.path);
 }
 
 /// A compiler has begun to run.
@@ -335,50 +312,12 @@ void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::siz
     }
 }
 
-bool TraceReader::CompleteChange(TraceProcess& process, std::string_view text) {
-    TraceTextReader reader(text);
-    TraceLiteral path;
-    if (!reader.TakeLiteral(path)) {
-        return false;
+void TraceReader::FoldFileChange(TraceProcess& process, const TracedCall& call) {
+    if (call.filePath) {
+        process.directory->Set(*call.filePath);
+    } else if (call.file && process.files != nullptr && process.files->contains(*call.file)) {
+        *process.directory = process.files->at(*call.file).directory;
     }
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (result && result->value == 0) {
-        process.directory->Change(path.Decode());
-    }
-    return result || HasResult(text);
-}
-
-bool TraceReader::CompleteFileChange(TraceProcess& process, std::string_view text) {
-    TraceTextReader reader(text);
-    std::optional<std::int64_t> file;
-    std::optional<std::string> path;
-    if (!reader.TakeFile(file, path)) {
-        return false;
-    }
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (!result || result->value != 0) {
-        return result || HasResult(text);
-    }
-    if (path) {
-        process.directory->Set(*std::move(path));
-    } else if (file && process.files != nullptr && process.files->contains(*file)) {
-        *process.directory = process.files->at(*file).directory;
-    }
-    return true;
-}
-
-bool TraceReader::CompleteQuestion(TraceProcess& process, std::string_view text) {
-    TraceTextReader reader(text);
-    TraceLiteral path;
-    if (!reader.TakeLiteral(path)) {
-        return HasResult(text); // an address, where the buffer was too small
-    }
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (result && result->value > 0 && !path.isCut) {
-        Locate(process, path.Decode());
-        queue_.Flush();
-    }
-    return result || HasResult(text);
 }
 
 /// The system itself has said where the process works.
@@ -400,52 +339,36 @@ void TraceReader::LocateByFile(TraceProcess& process, const std::optional<std::s
     }
 }
 
-bool TraceReader::CompleteOpening(TraceProcess& process, TraceCall call, std::string_view text) {
-    TraceTextReader reader(text);
-    std::optional<std::int64_t> file;
-    std::optional<std::string> filePath;
-    TraceLiteral path;
-    if (call == TraceCall::OpenAt && (!reader.TakeFile(file, filePath) || !reader.Take(", "))) {
-        return false;
+void TraceReader::FoldOpening(TraceProcess& process, const TracedCall& call) {
+    LocateByFile(process, call.file ? std::nullopt : call.filePath);
+    const bool isFile =
+        call.rest.find("O_RDONLY") == std::string_view::npos || call.rest.find("O_CREAT") != std::string_view::npos;
+    if (!isFile) {
+        RememberOpened(process, call);
     }
-    if (!reader.TakeLiteral(path)) {
-        return false;
-    }
-    const std::string_view flags = reader.Rest();
-    const std::optional<TraceResult> result = reader.TakeResult();
-    if (!result || result->value < 0) {
-        return result || HasResult(text);
-    }
-    LocateByFile(process, file ? std::nullopt : filePath);
-    if (flags.find("O_RDONLY") == std::string_view::npos || flags.find("O_CREAT") != std::string_view::npos) {
-        return true; // no directory
-    }
-    RememberOpened(process, result->value, flags, {path, file, filePath, TracePath(result->comment)});
-    return true;
 }
 
 /// Keeps a file that may be a directory, in the place of one that had the same number.
-void TraceReader::RememberOpened(TraceProcess& process, std::int64_t number, std::string_view flags,
-                                 const OpenedPath& opened) {
+void TraceReader::RememberOpened(TraceProcess& process, const TracedCall& call) {
     if (process.files == nullptr) {
         process.files = std::make_shared<OpenDirectories>();
     }
-    OpenDirectory& entry = (*process.files)[number];
-    entry.closesOnExecute = flags.find("O_CLOEXEC") != std::string_view::npos;
-    if (opened.shown) {
-        entry.directory.Set(*opened.shown);
-    } else if (opened.literal.raw.starts_with('/')) {
+    OpenDirectory& entry = (*process.files)[call.result->value];
+    entry.closesOnExecute = call.rest.find("O_CLOEXEC") != std::string_view::npos;
+    if (std::optional<std::string> shown = TracePath(call.result->comment)) {
+        entry.directory.Set(*std::move(shown));
+    } else if (call.path.raw.starts_with('/')) {
         entry.directory.base.reset();
-        opened.literal.DecodeInto(entry.directory.path); // keeps the memory of the one before
+        call.path.DecodeInto(entry.directory.path); // keeps the memory of the one before
     } else {
-        if (opened.folderPath) {
-            entry.directory.Set(*opened.folderPath);
-        } else if (!opened.folder) {
+        if (call.filePath) {
+            entry.directory.Set(*call.filePath);
+        } else if (!call.file) {
             entry.directory = *process.directory;
-        } else if (process.files->contains(*opened.folder)) {
-            entry.directory = TraceDirectory(process.files->at(*opened.folder).directory);
+        } else if (process.files->contains(*call.file)) {
+            entry.directory = TraceDirectory(process.files->at(*call.file).directory);
         }
-        entry.directory.Change(opened.literal.Decode());
+        entry.directory.Change(call.path.Decode());
     }
 }
 

@@ -1,4 +1,4 @@
-#include "buildinput/InvocationQueue.h"
+#include "buildinput/trace/InvocationQueue.h"
 
 #include "platform/Paths.h"
 #include "platform/Process.h"

@@ -1,6 +1,6 @@
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
 
-#include "Collecting.h"
+#include "unit/buildinput/Collecting.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

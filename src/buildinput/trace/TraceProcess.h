@@ -1,7 +1,7 @@
 #pragma once
 
-#include "buildinput/TraceDirectory.h"
-#include "buildinput/TraceLine.h"
+#include "buildinput/trace/TraceDirectory.h"
+#include "buildinput/trace/TraceLine.h"
 #include "platform/Environment.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "buildinput/TraceText.h"
+#include "buildinput/trace/TraceText.h"
 
 #include "platform/Text.h"
 
