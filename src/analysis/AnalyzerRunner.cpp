@@ -79,7 +79,12 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
     }
     PassProgress progress(progress_, commands.size(), pass.percents);
     const auto runs = std::count(pass.actions.begin(), pass.actions.end(), UnitAction::Run);
-    WorkerPool pool(static_cast<unsigned>(std::min<std::size_t>(threads, static_cast<std::size_t>(runs))));
+    const auto workers = std::min<std::size_t>(threads, static_cast<std::size_t>(runs));
+    WorkerPool pool(workers);
+    if (!pool.Fault().empty()) {
+        log_.Line("Only " + std::to_string(pool.Size()) + " of " + std::to_string(workers) +
+                  " threads could be started: " + pool.Fault());
+    }
     bool hasSettled = false; // since the receiver was last asked to put on disk what it has
     for (std::size_t unit = 0; unit < commands.size(); ++unit) {
         if (std::optional<UnitResult> settled = SettledResult(*commands[unit], pass.actions[unit])) {
