@@ -1,6 +1,7 @@
 #include "app/AnalyzeRun.h"
 
 #include "analysis/CoreLocator.h"
+#include "analysis/CoreVersion.h"
 #include "analysis/RunSummary.h"
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
@@ -68,6 +69,8 @@ int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
     const TemporaryFolder temporaryFolder;
     const RunPlaces places = MakePlaces(temporaryFolder.Path());
+    // The core's first start: one that can't be started leaves the earlier report as it was.
+    log_.VerboseLine("Version of the core: " + AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_));
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     AnalyzePasses passes(input_, places, runner, log_, stop_);
     std::exception_ptr failure;

@@ -62,17 +62,19 @@ TEST_F(IntermodularTest, CollectsLinksAndPerforms) {
     EXPECT_TRUE(sandbox.Leftovers().empty());
 }
 
-TEST_F(IntermodularTest, PreprocessesAgainOnlyWhatHasChangedSinceCollecting) {
+TEST_F(IntermodularTest, PreprocessesAgainOnlyWhatMayHaveChangedSinceCollecting) {
     sandbox.Write("edited.h", "int old;\n");
     sandbox.AddUnit("a.c");
     sandbox.Write("a.c", "#include \"edited.h\"\n");
     sandbox.AddUnit("b.c", {"first-run append " + sandbox.Path("edited.h") + " int added;"});
+    sandbox.AddUnit("c.c", {"listing exit 4"}); // what it includes is not known, so neither is whether that has changed
     const RunResult result = AnalyzeAcross({"-j", "1"});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("a.c")), 2U);
     EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("b.c")), 1U);
+    EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("c.c")), 2U);
     const std::vector<CoreCall> second = CallsOf("second-run");
-    ASSERT_EQ(second.size(), 2U);
+    ASSERT_EQ(second.size(), 3U);
     EXPECT_NE(second[0].preprocessed.find("int added;"), std::string::npos);
 }
 
