@@ -83,7 +83,7 @@ private:
     const std::string& SearchPath(const Environment& environment) const;
     std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
                                               const Environment& environment);
-    void AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
+    bool AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
 
     const RunSettings& settings_;
     Log& log_;

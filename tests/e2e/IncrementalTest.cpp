@@ -224,13 +224,27 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_TRUE(fails.Says("These could not be analyzed:\n  " + sandbox.Path("b.c") + ": ")) << fails;
 }
 
+TEST_F(IncrementalTest, AKilledRunsReportHoldsWhatDidNotHaveToRun) {
+    ASSERT_EQ(Incremental().exitCode, 0);
+    const std::vector<Finding> before = Report();
+    std::filesystem::remove(NativePath(sandbox.Path("report.json")));
+    sandbox.Write("c.c", "int changed;\n");
+    sandbox.WriteScript("c.c", {"hang"});
+    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"-i", "-j", "1", "-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("records/core-of-c.c.hangs"); }));
+    run->Kill();
+    EXPECT_EQ(Report(), (std::vector<Finding>{before[0], before[1]}));
+}
+
 TEST_F(IncrementalTest, OnlyOneRunUsesWhatIsKept) {
     sandbox.WriteScript("a.c", {"touch " + sandbox.Path("started"), "wait-for " + sandbox.Path("go-on")});
     const std::unique_ptr<RunningDriver> first = sandbox.StartAnalyze({"-i", "-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("started"); }));
-    const RunResult second = sandbox.Analyze({"-i", "-o", "other.json"});
-    EXPECT_EQ(second.exitCode, 1) << second;
-    EXPECT_TRUE(second.Says("Error: Another run is using " + sandbox.Path(".Orvanta") + "\n")) << second;
+    for (const char* const option : {"-i", "--dump-files", "--intermodular"}) {
+        const RunResult second = sandbox.Analyze({option, "-o", "other.json"});
+        EXPECT_EQ(second.exitCode, 1) << second;
+        EXPECT_TRUE(second.Says("Error: Another run is using " + sandbox.Path(".Orvanta") + "\n")) << second;
+    }
     sandbox.Write("go-on", "");
     EXPECT_EQ(first->Wait().exitCode, 0);
 }

@@ -1,0 +1,120 @@
+#include "app/RunHistory.h"
+
+#include "analysis/SourceSelection.h"
+#include "app/RunSetup.h"
+#include "history/UnitIdentities.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
+    FingerprintBuilder names;
+    for (const UnitIdentity& identity : identities) {
+        names.Add(identity.id);
+    }
+    return names.Value();
+}
+
+// Fills `names` on the way.
+UnitHistory MakeHistory(const std::string& folder, std::span<const CompileCommand> units, const RunSettings& settings,
+                        const std::string& corePath, Fingerprint& names) {
+    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, corePath);
+    names = NamesOf(identities);
+    return {folder, units, std::move(identities)};
+}
+
+} // namespace
+
+RunHistory::RunHistory(const AnalyzeOptions& options, const RunSettings& settings,
+                       std::span<const CompileCommand> units, Places places, Log& log)
+    : options_(options), settings_(settings), commands_(units), places_(std::move(places)), log_(log),
+      units_(MakeHistory(places_.orvantaFolder, units, settings, places_.corePath, names_)),
+      mark_(places_.orvantaFolder) {
+    Read();
+}
+
+void RunHistory::Read() {
+    const UnitHistory::ReadResult result = units_.Read();
+    if (RegenerationOf(options_)) {
+        return; // made anew in any case
+    }
+    switch (result) {
+    case UnitHistory::ReadResult::Read:
+        break;
+    case UnitHistory::ReadResult::Missing:
+        log_.Line("Couldn't find depend_info.json. Generating new one");
+        break;
+    case UnitHistory::ReadResult::Unreadable:
+        log_.Line("Couldn't read depend_info.json");
+        log_.VerboseLine("  " + units_.Fault());
+        break;
+    }
+}
+
+std::vector<UnitAction> RunHistory::SelectForListing() {
+    return RegenerationOf(options_) ? std::vector<UnitAction>(commands_.size(), UnitAction::Run)
+                                    : SelectUnlisted(commands_, units_, settings_);
+}
+
+std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const std::string> listed) {
+    ListedUnits selection = SelectListed(commands_, units_, listed, settings_);
+    for (const std::string& path : selection.unmatched) {
+        log_.Line("Warning: no source file of the build is or includes " + path);
+    }
+    for (std::size_t unit = 0; log_.IsVerbose() && unit < commands_.size(); ++unit) {
+        if (selection.actions[unit] == UnitAction::LeaveOut) {
+            log_.VerboseLine("  Skipped: invocation " + std::to_string(commands_[unit].invocation) + " (" +
+                             std::string(commands_[unit].SourceFile()) + "): not in the list of source files");
+        }
+    }
+    return std::move(selection.actions);
+}
+
+std::vector<UnitAction> RunHistory::SelectUnits() {
+    return options_.incremental ? SelectModified(commands_, units_, settings_) : SelectAll(commands_, settings_);
+}
+
+bool RunHistory::IsReportWhole() {
+    return !places_.reportPath.empty() && PathExists(places_.reportPath) && mark_.Matches(ReportContents());
+}
+
+void RunHistory::Save(const RunOutcome& outcome) {
+    for (const auto& [unit, reason] : outcome.failures) {
+        units_.ForgetResult(unit);
+    }
+    Keep([this] { units_.Save(); });
+}
+
+void RunHistory::MarkReport() {
+    if (!places_.reportPath.empty()) {
+        Keep([this] { mark_.Write(ReportContents()); });
+    }
+}
+
+// What can't be kept costs later runs their time; this one has its report.
+void RunHistory::Keep(const std::function<void()>& keep) {
+    try {
+        keep();
+    } catch (const ZelmException& error) {
+        log_.Line(std::string("What is known of the units can't be kept for the next run: ") + error.what());
+    }
+}
+
+// What the report of an incremental run depends on, beside what its units found.
+Fingerprint RunHistory::ReportContents() {
+    FingerprintBuilder contents;
+    contents.Add(names_).Add(places_.reportPath).Add(SourceTreeRoot(settings_));
+    contents.Add(options_.suppressFile ? ReadWholeFile(*options_.suppressFile) : std::string());
+    for (std::size_t unit = 0; unit < commands_.size(); ++unit) {
+        const bool isExcluded = IsExcluded(settings_, SourcePath(commands_[unit])) || units_.IsLeftOut(unit);
+        contents.Add(isExcluded ? 1 : 0);
+    }
+    return contents.Value();
+}
+
+} // namespace Orvanta
