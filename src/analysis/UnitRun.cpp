@@ -91,7 +91,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
         return AnalyzerStatus::Excluded;
     }
     RemoveTextAtEnd();
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
@@ -106,7 +106,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
 
 AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
     RemoveTextAtEnd();
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
@@ -131,7 +131,7 @@ AnalyzerStatus UnitRun::Do(const Work::Collect&) {
 }
 
 AnalyzerStatus UnitRun::Do(const Work::CollectAndKeep& work) {
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
