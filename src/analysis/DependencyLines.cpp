@@ -23,7 +23,7 @@ std::vector<std::string> ReadDependencyLines(std::string_view output, std::strin
         }
         if (line.starts_with(IncludeMark)) {
             const std::string_view path = line.substr(IncludeMark.size());
-            paths.push_back(path.empty() ? std::string() : NormalizePath(JoinPath(directory, path)));
+            paths.push_back(path.empty() ? std::string() : JoinPath(directory, path));
         }
     }
     return paths;

@@ -21,7 +21,7 @@ struct AnalyzeInput {
     unsigned threads = 1;
     std::string reportPath;                                 ///< empty: the findings go to standard output
     std::optional<OrvlogConverter::SuppressBase> base = {}; ///< of --suppress-file
-    std::optional<std::vector<std::string>> listedFiles = {};
+    std::optional<std::vector<ListedFile>> listedFiles = {};
     CollectedCommands commands = {};
 };
 
