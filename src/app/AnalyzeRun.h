@@ -1,6 +1,8 @@
 #pragma once
 
-#include "app/AnalyzePasses.h"
+#include "analysis/Progress.h"
+#include "analysis/RunPlaces.h"
+#include "app/AnalyzeInput.h"
 #include "app/RunLocks.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
@@ -10,6 +12,8 @@
 #include <string>
 
 namespace Orvanta {
+
+struct RunEnding;
 
 /// One run of `analyze`, from the checked options to the exit code. It reads what there is to do, goes through the
 /// passes that the options ask for, and ends in one way whatever they came to: with the list of failures, the summary

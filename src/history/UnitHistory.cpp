@@ -1,6 +1,7 @@
 #include "history/UnitHistory.h"
 
 #include "history/HistoryState.h"
+#include "platform/Paths.h"
 
 #include <algorithm>
 #include <unordered_map>
