@@ -9,6 +9,7 @@ namespace Orvanta {
 /// Where a run finds its core and puts its files.
 struct RunPlaces {
     std::string corePath;
+    std::string coreVersion;     ///< what the core says stands behind it; empty when it doesn't say
     std::string unitFolder;      ///< takes the files of the units; exists
     std::string temporaryFolder; ///< takes all other files that go with the run; exists
     std::string outputFolder;    ///< of the report: what later runs and stages need lies in ".Orvanta" in there

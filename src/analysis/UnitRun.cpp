@@ -94,7 +94,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
         return AnalyzerStatus::Excluded;
     }
     RemoveTextAtEnd();
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
@@ -109,7 +109,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
 
 AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
     RemoveTextAtEnd();
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
@@ -134,7 +134,7 @@ AnalyzerStatus UnitRun::Do(const Work::Collect&) {
 }
 
 AnalyzerStatus UnitRun::Do(const Work::CollectAndKeep& work) {
-    UnitWatch seen = work.history.Watch(plan_.unit);
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;

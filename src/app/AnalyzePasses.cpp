@@ -5,8 +5,8 @@
 #include "analysis/SourceSelection.h"
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
-#include "app/ReportMark.h"
 #include "app/RunSetup.h"
+#include "app/Version.h"
 
 #include <algorithm>
 #include <memory>
@@ -46,8 +46,8 @@ AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places,
 void AnalyzePasses::Run() {
     try {
         if (UsesHistory(input_)) {
-            const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), places_.corePath,
-                                               input_.reportPath};
+            const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
+            const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
             history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
         }
         GoThrough(ListPasses());
@@ -193,7 +193,6 @@ void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentR
 
 // A pass whose results make up the report.
 void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
-    ReportMark(OrvantaFolder(places_.outputFolder)).Remove();
     const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
     ending_.reportPath = input_.reportPath;
     FindingChain chain(*report, input_.base, SourceTreeRoot(input_.settings));

@@ -70,9 +70,10 @@ void AnalyzeRun::ReadInputs() {
 int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
     const TemporaryFolder temporaryFolder;
-    const RunPlaces places = MakePlaces(temporaryFolder.Path());
+    RunPlaces places = MakePlaces(temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
-    log_.VerboseLine("Version of the core: " + AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_));
+    places.coreVersion = AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_);
+    log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     AnalyzePasses passes(input_, places, runner, log_, stop_);
     std::exception_ptr failure;

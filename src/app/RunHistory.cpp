@@ -15,17 +15,19 @@ namespace {
 Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
     FingerprintBuilder names;
     for (const UnitIdentity& identity : identities) {
-        names.Add(identity.id);
+        names.Add(identity.id).Add(identity.arguments); // two units of one source may change places
     }
     return names.Value();
 }
 
 // Fills `names` on the way.
 UnitHistory MakeHistory(const std::string& folder, std::span<const CompileCommand> units, const RunSettings& settings,
-                        const std::string& corePath, Fingerprint& names) {
-    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, corePath);
+                        const ResultMakers& makers, Log& log, Fingerprint& names) {
+    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, makers);
     names = NamesOf(identities);
-    return {folder, units, std::move(identities)};
+    return {folder, units, std::move(identities), [&log](const std::string& line) {
+                log.Line(line);
+            }};
 }
 
 } // namespace
@@ -33,8 +35,8 @@ UnitHistory MakeHistory(const std::string& folder, std::span<const CompileComman
 RunHistory::RunHistory(const AnalyzeOptions& options, const RunSettings& settings,
                        std::span<const CompileCommand> units, Places places, Log& log)
     : options_(options), settings_(settings), commands_(units), places_(std::move(places)), log_(log),
-      units_(MakeHistory(places_.orvantaFolder, units, settings, places_.corePath, names_)),
-      mark_(places_.orvantaFolder) {
+      units_(MakeHistory(places_.orvantaFolder, units, settings, places_.makers, log, names_)),
+      mark_(places_.orvantaFolder, [&log](const std::string& line) { log.Line(line); }) {
     Read();
 }
 
@@ -80,28 +82,19 @@ std::vector<UnitAction> RunHistory::SelectUnits() {
 }
 
 bool RunHistory::IsReportWhole() {
-    return !places_.reportPath.empty() && PathExists(places_.reportPath) && mark_.Matches(ReportContents());
+    return !places_.reportPath.empty() && mark_.Matches(places_.reportPath, ReportContents());
 }
 
-void RunHistory::Save(const RunOutcome& outcome) {
+bool RunHistory::Save(const RunOutcome& outcome) {
     for (const auto& [unit, reason] : outcome.failures) {
         units_.ForgetResult(unit);
     }
-    Keep([this] { units_.Save(); });
+    return units_.Save();
 }
 
 void RunHistory::MarkReport() {
     if (!places_.reportPath.empty()) {
-        Keep([this] { mark_.Write(ReportContents()); });
-    }
-}
-
-// What can't be kept costs later runs their time; this one has its report.
-void RunHistory::Keep(const std::function<void()>& keep) {
-    try {
-        keep();
-    } catch (const ZelmException& error) {
-        log_.Line(std::string("What is known of the units can't be kept for the next run: ") + error.what());
+        mark_.Write(places_.reportPath, ReportContents());
     }
 }
 

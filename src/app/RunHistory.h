@@ -6,11 +6,11 @@
 #include "app/ReportMark.h"
 #include "buildinput/CompileCommand.h"
 #include "history/UnitHistory.h"
+#include "history/UnitIdentities.h"
 #include "platform/Fingerprint.h"
 #include "platform/Log.h"
 #include "settings/RunSettings.h"
 
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -24,7 +24,7 @@ public:
     /// Where the run's report and its history are.
     struct Places {
         std::string orvantaFolder;
-        std::string corePath;
+        ResultMakers makers;
         std::string reportPath; ///< empty: the findings go to standard output
     };
 
@@ -46,15 +46,14 @@ public:
     /// Whether the report on disk holds what all these units found, and no other.
     [[nodiscard]] bool IsReportWhole();
 
-    /// Keeps what came of the units.
-    void Save(const RunOutcome& outcome);
+    /// Keeps what came of the units. Returns whether all could be written; the log says why not.
+    bool Save(const RunOutcome& outcome);
 
     /// Keeps that the report on disk is whole.
     void MarkReport();
 
 private:
     void Read();
-    void Keep(const std::function<void()>& keep);
     [[nodiscard]] Fingerprint ReportContents();
 
     const AnalyzeOptions& options_;
