@@ -2,6 +2,7 @@
 
 #include "analysis/PathList.h"
 #include "analysis/ProcessRun.h"
+#include "analysis/RunOutcome.h"
 #include "analysis/UnitRun.h"
 #include "analysis/WorkerPool.h"
 #include "platform/Files.h"

@@ -14,6 +14,29 @@
 #include <optional>
 #include <span>
 
+// How units are analyzed.
+//
+// A unit goes through three places, each of which knows one thing:
+//
+//     UnitPlanner     decides. A UnitPlan is a plain record: the compiler's model, the command as read, environments,
+//                     the preprocessing command, what the core is told, whether the unit is left out. It is made
+//                     without a core and without a report, so that whatever prints, checks or repeats the run of a
+//                     unit has all it needs, and decides nothing a second time.
+//     UnitRun         executes a plan. Each kind of work (Work::...) is one function that reads from top to bottom.
+//     AnalyzerRunner  knows of many: which units are queued, on how many threads, when a pass ends.
+//
+// A pass is a work, what is done with each unit, its share of the progress, and who takes the results. The receiver
+// puts them in input order, or only counts them; the runner need not know.
+//
+// An outcome is a value and a failure an exception, never both. A failure travels up to UnitRun::Run, where it becomes
+// the unit's result; only that the core can't be started at all goes on from there, and ends the pass. A stop is an
+// outcome: it ends a function by its value, and leaves no reason behind.
+//
+// Rejected: one list of steps for all works, each of which asks whether there is a history and which stage this is. It
+// was shorter, and nobody could say what one kind of run does. A base class with a virtual function for each step: the
+// works differ in which steps they have, not in how a step is done. A prober that asks compilers after a unit has been
+// preprocessed, which spares the question for units that fail: then a plan would be no plan.
+
 namespace Orvanta {
 
 /// There is no compile command left to run. Only the entry catches it.
@@ -32,15 +55,6 @@ struct AnalysisTask {
 };
 
 /// Analyzes the units of a run.
-///
-/// A unit goes through three places, each of which knows one thing. `UnitPlanner` decides: its plan is a plain record,
-/// made without a core. `UnitRun` executes a plan, a straight list of steps for each kind of work. The runner knows of
-/// many units: which are queued, on how many threads, and when a pass ends. So a way to analyze is a work and its
-/// steps, and not a question that the steps of all the others ask as well; and what prints or repeats a unit's run
-/// needs its plan only.
-///
-/// A failure travels as an exception up to `UnitRun::Run`, where it becomes the unit's result; only a core that can't
-/// be started at all passes on, and ends the run.
 class AnalyzerRunner {
 public:
     /// All must outlive the runner.
@@ -53,8 +67,10 @@ public:
 
     /// Goes through the units with up to `threads` workers, does with each what `pass` says, hands the results to its
     /// receiver and returns the CombinedResult of what that makes of them. After a stop, units that need no run are
-    /// handed over all the same. \throws NoCompilationCommandsToRun for an empty list, ZelmException when the core
-    /// can't be started at all
+    /// handed over all the same.
+    /// \throws NoCompilationCommandsToRun for an empty list
+    /// \throws CoreUnusableException
+    /// \throws ZelmException when no thread can be started
     int RunParallel(std::span<const CompileCommand* const> commands, unsigned threads, const RunPass& pass);
 
     /// Lets the core link what was collected of these units, in ".Orvanta"; after a stop, in part.

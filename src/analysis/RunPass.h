@@ -1,17 +1,17 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
-#include "analysis/FileChanges.h"
 #include "analysis/Progress.h"
-#include "analysis/RunOutcome.h"
-#include "history/UnitHistory.h"
 
 #include <span>
-#include <string>
 #include <variant>
 #include <vector>
 
 namespace Orvanta {
+
+class FileChanges;
+class ResultReceiver;
+class UnitHistory;
 
 /// What a run does with a unit.
 enum class UnitAction {

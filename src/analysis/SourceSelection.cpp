@@ -1,5 +1,6 @@
 #include "analysis/SourceSelection.h"
 
+#include "history/UnitHistory.h"
 #include "platform/Files.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "analysis/ScopedFile.h"
 #include "analysis/StartableCommand.h"
+#include "compilers/Compiler.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"

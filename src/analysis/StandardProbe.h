@@ -1,7 +1,6 @@
 #pragma once
 
 #include "analysis/ProcessRun.h"
-#include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
 #include "platform/OnceMap.h"
 
@@ -10,6 +9,8 @@
 #include <string_view>
 
 namespace Orvanta {
+
+class Compiler;
 
 /// Asks compilers for the language standard that they take when no flag names one. Asks once for each compiler,
 /// language and set of those arguments and variables that can change the answer; threads that want the same answer wait

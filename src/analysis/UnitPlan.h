@@ -2,7 +2,6 @@
 
 #include "analysis/UnitSettings.h"
 #include "buildinput/CompileCommand.h"
-#include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
 #include "platform/Environment.h"
 #include "platform/Process.h"
@@ -13,6 +12,8 @@
 #include <string>
 
 namespace Orvanta {
+
+class Compiler;
 
 /// Whether a unit is to be analyzed.
 enum class UnitVerdict {

@@ -1,6 +1,8 @@
 #include "analysis/UnitPlanner.h"
 
 #include "buildinput/CompilerVariables.h"
+#include "compilers/CommandLineReader.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/EnvironmentNames.h"
 #include "platform/Paths.h"
 

@@ -4,7 +4,6 @@
 #include "analysis/StandardProbe.h"
 #include "analysis/UnitPlan.h"
 #include "analysis/VisualStudioEnvironment.h"
-#include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 #include "settings/RunSettings.h"
@@ -14,6 +13,8 @@
 #include <string>
 
 namespace Orvanta {
+
+class CompilerRegistry;
 
 /// Makes the plans of units, and keeps what they share: what compilers have answered, and environments. A plan is made
 /// without starting the core and without touching the report; a compiler may be asked for its default standard. Any

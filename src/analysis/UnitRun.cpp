@@ -1,11 +1,14 @@
 #include "analysis/UnitRun.h"
 
 #include "analysis/DependencyLines.h"
+#include "analysis/FileChanges.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
 #include "analysis/ProcessRun.h"
 #include "analysis/StartableCommand.h"
 #include "analysis/UnitFailure.h"
+#include "compilers/Compiler.h"
+#include "history/UnitHistory.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 

@@ -18,6 +18,8 @@
 
 namespace Orvanta {
 
+class UnitWatch;
+
 /// The core can't be started at all: no unit will succeed. Ends the run.
 class CoreUnusableException : public ZelmException {
 public:

@@ -1,5 +1,6 @@
 #include "app/AnalyzePasses.h"
 
+#include "analysis/AnalyzerRunner.h"
 #include "analysis/ReportCommitter.h"
 #include "analysis/SourceSelection.h"
 #include "app/FindingChain.h"

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "analysis/AnalyzerRunner.h"
-#include "app/AnalyzeOptions.h"
+#include "analysis/FileChanges.h"
+#include "analysis/RunPass.h"
+#include "app/AnalyzeInput.h"
+#include "app/RunEnding.h"
 #include "app/RunHistory.h"
-#include "buildinput/BuildInput.h"
-#include "suppress/SuppressBase.h"
+#include "platform/Log.h"
+#include "platform/StopFlag.h"
 
 #include <functional>
 #include <optional>
@@ -14,27 +16,8 @@
 
 namespace Orvanta {
 
-/// What a run has read before its first pass.
-struct AnalyzeInput {
-    const AnalyzeOptions& options;
-    RunSettings settings;
-    unsigned threads = 1;
-    std::string reportPath;                                 ///< empty: the findings go to standard output
-    std::optional<OrvlogConverter::SuppressBase> base = {}; ///< of --suppress-file
-    std::optional<std::vector<ListedFile>> listedFiles = {};
-    CollectedCommands commands = {};
-};
-
-/// Whether the run needs to know what earlier runs have learned, or is to keep it for later ones.
-[[nodiscard]] bool UsesHistory(const AnalyzeInput& input);
-
-/// What a run has come to: all that its end has to tell.
-struct RunEnding {
-    RunOutcome outcome;
-    std::string reportPath; ///< of the report that the run has written, or has left as whole; empty for none
-    std::string summary;    ///< in place of the usual one, when not empty
-    std::string lastLine;   ///< behind the summary, when not empty
-};
+class AnalyzerRunner;
+struct RunPlaces;
 
 /// The passes of one run over its units.
 ///

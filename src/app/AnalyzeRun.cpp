@@ -1,8 +1,10 @@
 #include "app/AnalyzeRun.h"
 
+#include "analysis/AnalyzerRunner.h"
 #include "analysis/CoreLocator.h"
 #include "analysis/CoreVersion.h"
 #include "analysis/RunSummary.h"
+#include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"

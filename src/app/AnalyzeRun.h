@@ -1,6 +1,8 @@
 #pragma once
 
-#include "app/AnalyzePasses.h"
+#include "analysis/Progress.h"
+#include "analysis/RunPlaces.h"
+#include "app/AnalyzeInput.h"
 #include "app/RunLocks.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
@@ -9,11 +11,25 @@
 #include <chrono>
 #include <string>
 
+// The program: what the user asks for, and what the user is told.
+//
+// `Entry` picks the subcommand, each of which has a file of its own: the parser's declarations, the checks that need no
+// work, and the work. `TopLevel` is the only place that turns errors into texts and codes. All below throws.
+//
+// A run of `analyze` has three parts. AnalyzeRun reads what there is to do and takes the locks; AnalyzePasses is the
+// list of passes over the units that the options ask for; and End tells what came of it. There is one end, whatever
+// the passes came to, so that no way to analyze can forget the list of failures or the summary. An error that ends the
+// passes early is told after it.
+//
+// The order at the start is a promise. Everything that can be wrong without a core is found before one is started: the
+// options, a broken base, the input, another run. Then the core is started for the first time, to ask for its version,
+// and only then is the report opened: a run that can't begin leaves the report of the one before as it was.
+
 namespace Orvanta {
 
-/// One run of `analyze`, from the checked options to the exit code. It reads what there is to do, goes through the
-/// passes that the options ask for, and ends in one way whatever they came to: with the list of failures, the summary
-/// and the code. An error that ends the passes early is told after that, so that what was found until then is counted.
+struct RunEnding;
+
+/// One run of `analyze`, from the checked options to the exit code.
 class AnalyzeRun {
 public:
     /// `options` outlive the run.

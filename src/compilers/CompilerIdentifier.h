@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compilers/CompilerInfo.h"
 #include "compilers/CompilerType.h"
 #include "platform/Environment.h"
 #include "platform/Log.h"
@@ -23,14 +24,6 @@
 // keeps a program from starting.
 
 namespace Orvanta {
-
-/// A compiler found on this machine. One record per path, shared by all commands that use it.
-struct CompilerInfo {
-    CompilerType type = CompilerType::Unknown;
-    std::string path;    ///< absolute
-    std::string version; ///< the text that "--version" printed; empty when the name alone decided
-    std::string fault;   ///< why it can't be started; empty when it can, as far as is known
-};
 
 /// How identification of one invocation ended.
 enum class IdentificationVerdict {
