@@ -235,6 +235,12 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     const RunResult fails = sandbox.Analyze({"--regenerate-depend-info", "skip-analysis", "-o", "report.json"});
     EXPECT_EQ(fails.exitCode, 1) << fails;
     EXPECT_TRUE(fails.Says("These could not be analyzed:\n  " + sandbox.Path("b.c") + ": ")) << fails;
+    sandbox.WriteScript("b.c", {});
+    std::filesystem::remove_all(NativePath(sandbox.Path(".Orvanta")));
+    sandbox.Write(".Orvanta", "a file");
+    const RunResult unsaved = sandbox.Analyze({"--regenerate-depend-info", "skip-analysis", "-o", "report.json"});
+    EXPECT_EQ(unsaved.exitCode, 1) << "all that it was for is lost" << unsaved;
+    EXPECT_FALSE(unsaved.Says(" are saved to ")) << unsaved;
 }
 
 TEST_F(IncrementalTest, AKilledRunsReportHoldsWhatDidNotHaveToRun) {
