@@ -17,9 +17,10 @@ HistoryState::HistoryState(std::string folderPath, std::span<const CompileComman
       files(folder.Path()), record(identities), findings(std::make_unique<FindingsStore>(folder.Path())) {}
 
 UnitHistory::ReadResult HistoryState::Read() {
+    std::optional<HistoryData> history = folder.ReadBinary();
     std::optional<ContentFingerprint> info;
     try {
-        info = folder.ReadInfoFingerprint();
+        info = folder.ReadInfoFingerprint(history ? &*history : nullptr);
     } catch (const FileException& exception) {
         fault = exception.what();
         return UnitHistory::ReadResult::Unreadable;
@@ -28,7 +29,7 @@ UnitHistory::ReadResult HistoryState::Read() {
         return UnitHistory::ReadResult::Missing;
     }
     bool belongsToInfo = false;
-    if (std::optional<HistoryData> history = folder.ReadBinary()) {
+    if (history) {
         belongsToInfo = history->info == *info || history->earlierInfo == *info;
         record.isInfoBehind = history->info != *info && belongsToInfo;
         Adopt(std::move(*history));
@@ -133,7 +134,7 @@ bool HistoryState::Save(Extent extent) {
         {
             // What is saved is the state of one moment, in which what the files were is still true.
             const Lock lock(mutex);
-            record.isDirty = record.isDirty || files.HasLearned();
+            record.isDirty = record.isDirty || files.HasLearned() || folder.HasLearned();
             if (!record.isDirty) {
                 return true;
             }
