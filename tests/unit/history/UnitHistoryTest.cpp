@@ -64,6 +64,7 @@ const ChangeCase ChangeCases[] = {
     {Change::Write,            "shared.h",                  "shared",  Both   },
     {Change::Write,            "a.c",                       "int a;",  {"b.c"}},
     {Change::Write,            "none.h",                    "none",    Both   },
+    {Change::Write,            "core",                      "new",     None   },
     {Change::Remove,           "own.h",                     "",        {"a.c"}},
     {Change::Remove,           "a.c",                       "",        {"b.c"}},
     {Change::MakeFolder,       "own.h",                     "",        {"a.c"}},
@@ -182,6 +183,20 @@ TEST(UnitHistory, TakesNoFileForSeenThatWasMadeAfterTheUnitBegan) {
         seen.Keep(build.DependenciesOf(0), "");
         history->Save();
         EXPECT_EQ(build.Read()->IsUnchanged(0), isUnchanged);
+    }
+}
+
+// What the compiler looked for in vain is another matter: see the core in the rows above.
+TEST(UnitHistory, DoubtsAFileThatIsListedAndNotThere) {
+    const HistoryBuild build(Both);
+    for (int run = 0; run < 2; ++run) {
+        const auto history = build.Read();
+        EXPECT_EQ(build.Unchanged(*history), run == 0 ? Both : Names{"b.c"});
+        UnitWatch seen = history->Watch(0);
+        const Names dependencies = {build.folder / "shared.h", build.folder / "none.h"};
+        EXPECT_TRUE(seen.Covers(dependencies)) << "another run would tell no more";
+        seen.Keep(dependencies, "");
+        history->Save();
     }
 }
 
