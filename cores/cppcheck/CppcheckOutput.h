@@ -18,8 +18,9 @@ struct CppcheckLocation {
 /// One finding as Cppcheck writes it.
 struct CppcheckFinding {
     CppcheckLocation location;
-    std::string severity; ///< such as "error"
-    std::string id;       ///< such as "nullPointer"
+    std::uint32_t column = 0; ///< of the location, counted in bytes from 1; 0 for the line as a whole
+    std::string severity;     ///< such as "error"
+    std::string id;           ///< such as "nullPointer"
     std::uint32_t cwe = 0;
     std::string message;
     std::vector<CppcheckLocation> path; ///< the steps that lead to the fault, the finding's own location among them
