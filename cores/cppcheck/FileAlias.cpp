@@ -5,7 +5,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <charconv>
+#include <system_error>
 
 namespace Orvanta {
 
@@ -47,9 +47,7 @@ std::optional<AliasedFile> ReadAlias(std::string_view alias) {
     }
     AliasedFile file;
     file.origin = alias.front() == MacroPrefix ? TextOrigin::SystemMacro : TextOrigin::File;
-    const char* const end = alias.data() + alias.size();
-    const auto [rest, error] = std::from_chars(alias.data() + 1, end, file.key);
-    if (error != std::errc() || (rest != end && *rest != '.')) {
+    if (ReadWholeNumber(alias.substr(1, alias.find('.') - 1), file.key) != std::errc()) {
         return std::nullopt;
     }
     return file;

@@ -3,9 +3,9 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/Text.h"
 #include "report/MessageLine.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <fstream>
@@ -101,9 +101,7 @@ void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
 void ReportCommitter::PassOnKept(Locked lock, UnitResult& result) {
     std::string_view rest = result.keptFindings;
     for (std::size_t number = 1; !rest.empty(); ++number) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        PassOnLine(lock, rest.substr(0, end), number, result);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        PassOnLine(lock, TakeLine(rest), number, result);
     }
 }
 
