@@ -5,7 +5,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <charconv>
+#include <system_error>
 
 namespace Orvanta {
 
@@ -44,13 +44,7 @@ std::optional<std::uint64_t> KeyOfAlias(std::string_view alias) {
     if (!alias.starts_with(FilePrefix)) {
         return std::nullopt;
     }
-    std::uint64_t key = 0;
-    const char* const end = alias.data() + alias.size();
-    const auto [rest, error] = std::from_chars(alias.data() + 1, end, key);
-    if (error != std::errc() || (rest != end && *rest != '.')) {
-        return std::nullopt;
-    }
-    return key;
+    return WholeNumber<std::uint64_t>(alias.substr(1, alias.find('.') - 1));
 }
 
 } // namespace Orvanta
