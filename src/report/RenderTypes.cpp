@@ -2,7 +2,7 @@
 
 #include "report/Exceptions.h"
 #include "report/FinishedReport.h"
-#include "report/MisraComplianceOutput.h"
+#include "report/misra/MisraComplianceOutput.h"
 
 #include <utility>
 

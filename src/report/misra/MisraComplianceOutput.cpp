@@ -1,4 +1,4 @@
-#include "report/MisraComplianceOutput.h"
+#include "report/misra/MisraComplianceOutput.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "report/IOutput.h"
-#include "report/MisraGuideline.h"
+#include "report/misra/MisraGuideline.h"
 #include "report/WholeFile.h"
 
 #include <cstddef>
