@@ -36,6 +36,7 @@ public:
 private:
     void PrintIgnoredFlags() const;
     void OpenTargets();
+    void AddChecked(const std::string& report, const std::string& checked) const;
 
     LogParserSettings settings_;
     const Orvanta::StopFlag& stop_;

@@ -1,10 +1,13 @@
 #include "report/misra/MisraComplianceOutput.h"
 
+#include "report/Exceptions.h"
+
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace OrvlogConverter {
 
@@ -14,6 +17,13 @@ constexpr const char* Violations = "Violations";
 constexpr const char* OnlyDeviations = "Deviations";
 constexpr const char* Compliant = "Compliant";
 constexpr const char* Disapplied = "Disapplied";
+constexpr const char* NotChecked = "Not checked";
+constexpr const char* NoSuchGuideline = "No such guideline";
+
+constexpr std::size_t NameWidth = 25;
+constexpr std::size_t CategoryWidth = 21;
+constexpr std::size_t CountWidth = 10;
+constexpr std::size_t MarkedWidth = 15;
 
 enum class Column { Text, Number };
 
@@ -23,103 +33,204 @@ void AppendCell(std::string& line, std::string_view text, std::size_t width, Col
     line += "  ";
 }
 
-// A mandatory guideline knows no deviations.
-const char* StateOf(MisraCategory category, std::size_t violations, std::size_t deviations) {
-    if (category == MisraCategory::Disapplied) {
-        return Disapplied;
-    }
-    if (violations > 0 || (deviations > 0 && category == MisraCategory::Mandatory)) {
-        return Violations;
-    }
-    return deviations > 0 ? OnlyDeviations : Compliant;
+const char* NameOf(MisraMarks marks) {
+    return marks == MisraMarks::Deviations ? "Deviations" : "False positives";
 }
 
-std::string TrimmedLine(std::string line) {
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line + "\n";
+bool IsBinding(MisraCategory category) {
+    return category < MisraCategory::Advisory;
+}
+
+std::string Count(std::size_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 } // namespace
 
-MisraComplianceOutput::MisraComplianceOutput(const std::string& path, MisraCategoryPlan plan, Deviations deviations)
-    : file_(path), plan_(std::move(plan)), deviations_(deviations) {
-    for (const auto& [guideline, category] : plan_) {
-        counts_[guideline]; // a guideline that was agreed on is reported even when nothing was found
+/// What keeps the verdict from being "Compliant".
+struct MisraComplianceOutput::Verdict {
+    std::size_t violated = 0;
+    std::size_t notChecked = 0;
+    std::size_t unknown = 0;
+
+    [[nodiscard]] std::string Text() const {
+        std::string text;
+        const auto append = [&text](std::size_t count, const char* what, const char* how) {
+            if (count > 0) {
+                text += (text.empty() ? "Not compliant: " : ", ") + Count(count, what) + how;
+            }
+        };
+        append(violated, "mandatory or required guideline", " violated");
+        append(notChecked, "mandatory or required guideline", " not checked");
+        append(unknown, "identifier", " of no known guideline");
+        return (text.empty() ? Compliant : text) + "\n";
     }
-}
+};
+
+MisraComplianceOutput::MisraComplianceOutput(const std::string& path, MisraSettings settings)
+    : file_(path), settings_(std::move(settings)) {}
 
 bool MisraComplianceOutput::Write(const ReportMessage& message) {
-    const std::vector<MisraGuideline> guidelines = MisraGuidelinesOf(message);
-    const bool isDeviation = message.falseAlarm && deviations_ == Deviations::Count;
-    for (const MisraGuideline& guideline : guidelines) {
+    const MisraNames names = MisraNamesOf(message);
+    for (const MisraGuideline& guideline : names.guidelines) {
         Counts& counts = counts_[guideline];
-        ++(isDeviation ? counts.deviations : counts.violations);
+        ++(message.falseAlarm ? counts.marked : counts.violations);
     }
-    return !guidelines.empty();
+    for (const std::string& name : names.unreadable) {
+        ++unreadable_[name];
+    }
+    return !names.guidelines.empty() || !names.unreadable.empty();
 }
 
 void MisraComplianceOutput::End() {
+    const bool isNothingKnown = IsNothingKnown();
     file_.Append(Text());
     file_.Commit();
+    if (isNothingKnown) {
+        throw ConfigException("Nothing was checked: no finding is about a MISRA guideline, and no list says which ones "
+                              "the analysis looked at");
+    }
+}
+
+bool MisraComplianceOutput::IsNothingKnown() const {
+    return counts_.empty() && unreadable_.empty() && (settings_.checked == nullptr || !settings_.checked->IsKnown());
 }
 
 MisraCategory MisraComplianceOutput::CategoryOf(const MisraGuideline& guideline) const {
-    const auto planned = plan_.find(guideline);
-    return planned == plan_.end() ? guideline.Category() : planned->second;
+    const auto planned = settings_.plan.find(guideline);
+    return planned == settings_.plan.end() ? settings_.editions.CategoryOf(guideline) : planned->second;
 }
 
-std::string MisraComplianceOutput::Line(const MisraGuideline& guideline, const Counts& counts) const {
-    std::string category(NameOf(CategoryOf(guideline)));
-    if (CategoryOf(guideline) != guideline.Category()) {
-        category += " (" + std::string(NameOf(guideline.Category())) + ")";
-    }
-    std::string line;
-    AppendCell(line, guideline.Name(), 18, Column::Text);
-    AppendCell(line, category, 21, Column::Text);
-    AppendCell(line, std::to_string(counts.violations), 10, Column::Number);
-    if (deviations_ == Deviations::Count) {
-        AppendCell(line, std::to_string(counts.deviations), 10, Column::Number);
-    }
-    line += StateOf(CategoryOf(guideline), counts.violations, counts.deviations);
-    return TrimmedLine(std::move(line));
+bool MisraComplianceOutput::IsChecked(const MisraGuideline& guideline) const {
+    return settings_.checked == nullptr || !settings_.checked->IsKnown() ||
+           settings_.checked->Guidelines().contains(guideline);
 }
 
-std::string MisraComplianceOutput::Text() const {
-    std::string head;
-    AppendCell(head, "Guideline", 18, Column::Text);
-    AppendCell(head, "Category", 21, Column::Text);
-    AppendCell(head, "Violations", 10, Column::Number);
-    if (deviations_ == Deviations::Count) {
-        AppendCell(head, "Deviations", 10, Column::Number);
+const char* MisraComplianceOutput::StateOf(const MisraGuideline& guideline, const Counts& counts) const {
+    const MisraCategory category = CategoryOf(guideline);
+    const bool areDeviations = settings_.marks == MisraMarks::Deviations && counts.marked > 0;
+    if (category == MisraCategory::Unknown) {
+        return NoSuchGuideline;
     }
-    std::string text = "MISRA compliance\n\n" + TrimmedLine(head + "State");
+    if (category == MisraCategory::Disapplied) {
+        return Disapplied;
+    }
+    if (counts.violations > 0 || (areDeviations && category == MisraCategory::Mandatory)) {
+        return Violations;
+    }
+    if (areDeviations) {
+        return OnlyDeviations;
+    }
+    return IsChecked(guideline) || counts.marked > 0 ? Compliant : NotChecked;
+}
 
-    std::array<Counts, 5> totals; // by category
-    bool isKept = true;
+/// Every guideline of the standards concerned gets its line.
+void MisraComplianceOutput::ListConcerned() {
+    std::set<MisraStandard> concerned = settings_.editions.Chosen();
     for (const auto& [guideline, counts] : counts_) {
-        const MisraCategory category = CategoryOf(guideline);
-        text += Line(guideline, counts);
-        Counts& total = totals[static_cast<std::size_t>(category)];
-        total.violations += counts.violations;
-        total.deviations += counts.deviations;
-        // An advisory guideline may be violated; that it is must be known, which this report sees to.
-        isKept = isKept && (category == MisraCategory::Advisory ||
-                            StateOf(category, counts.violations, counts.deviations) != Violations);
+        concerned.insert(guideline.standard);
     }
-    text += "\n";
+    for (const auto& [guideline, category] : settings_.plan) {
+        concerned.insert(guideline.standard);
+        counts_[guideline];
+    }
+    if (settings_.checked != nullptr && settings_.checked->IsKnown()) {
+        for (const MisraGuideline& guideline : settings_.checked->Guidelines()) {
+            concerned.insert(guideline.standard);
+        }
+    }
+    for (const MisraStandard standard : concerned) {
+        if (const MisraEdition* const edition = settings_.editions.Of(standard)) {
+            for (const auto& [guideline, category] : edition->categories) {
+                counts_[guideline];
+            }
+        }
+    }
+}
+
+void MisraComplianceOutput::AppendLine(std::string& text, const MisraGuideline& guideline, const Counts& counts) const {
+    const MisraCategory standard = settings_.editions.CategoryOf(guideline);
+    std::string category(OrvlogConverter::NameOf(CategoryOf(guideline)));
+    if (CategoryOf(guideline) != standard) {
+        category += " (" + std::string(OrvlogConverter::NameOf(standard)) + ")";
+    }
+    AppendCell(text, guideline.Name(), NameWidth, Column::Text);
+    AppendCell(text, category, CategoryWidth, Column::Text);
+    AppendCell(text, std::to_string(counts.violations), CountWidth, Column::Number);
+    AppendCell(text, std::to_string(counts.marked), MarkedWidth, Column::Number);
+    text += std::string(StateOf(guideline, counts)) + "\n";
+}
+
+void MisraComplianceOutput::AppendTable(std::string& text) const {
+    std::optional<MisraStandard> standard;
+    for (const auto& [guideline, counts] : counts_) {
+        if (guideline.standard != standard) {
+            standard = guideline.standard;
+            const MisraEdition* const edition = settings_.editions.Of(*standard);
+            text += "\n" + std::string(edition == nullptr ? "Diagnostics of no known guideline" : edition->name) + "\n";
+            AppendCell(text, "Guideline", NameWidth, Column::Text);
+            AppendCell(text, "Category", CategoryWidth, Column::Text);
+            AppendCell(text, "Violations", CountWidth, Column::Number);
+            AppendCell(text, NameOf(settings_.marks), MarkedWidth, Column::Number);
+            text += "State\n";
+        }
+        AppendLine(text, guideline, counts);
+    }
+    if (!unreadable_.empty()) {
+        text += "\nIdentifiers that name no guideline\n";
+        for (const auto& [name, count] : unreadable_) {
+            text += name + ": " + Count(count, "finding") + "\n";
+        }
+    }
+}
+
+void MisraComplianceOutput::AppendTotals(std::string& text) const {
+    std::array<Counts, static_cast<std::size_t>(MisraCategory::Unknown) + 1> totals;
+    for (const auto& [guideline, counts] : counts_) {
+        Counts& total = totals[static_cast<std::size_t>(CategoryOf(guideline))];
+        total.violations += counts.violations;
+        total.marked += counts.marked;
+    }
     for (std::size_t category = 0; category < totals.size(); ++category) {
         const Counts& total = totals[category];
-        if (total.violations + total.deviations == 0) {
-            continue;
+        if (total.violations + total.marked > 0) {
+            text += std::string(OrvlogConverter::NameOf(static_cast<MisraCategory>(category))) + ": " +
+                    Count(total.violations, "violation") + ", " +
+                    Count(total.marked, settings_.marks == MisraMarks::Deviations ? "deviation" : "false positive") +
+                    "\n";
         }
-        text += std::string(NameOf(static_cast<MisraCategory>(category))) + ": " + std::to_string(total.violations) +
-                " violations";
-        if (deviations_ == Deviations::Count) {
-            text += ", " + std::to_string(total.deviations) + " deviations";
-        }
-        text += "\n";
     }
-    return text + (isKept ? "Compliant\n" : "Not compliant\n");
+}
+
+void MisraComplianceOutput::AppendVerdict(std::string& text) const {
+    Verdict verdict;
+    verdict.unknown = unreadable_.size();
+    for (const auto& [guideline, counts] : counts_) {
+        const std::string_view state = StateOf(guideline, counts);
+        if (state == NoSuchGuideline) {
+            verdict.unknown += counts.violations + counts.marked > 0 ? 1U : 0U;
+        } else if (IsBinding(CategoryOf(guideline))) {
+            verdict.violated += state == Violations ? 1U : 0U;
+            verdict.notChecked += state == NotChecked ? 1U : 0U;
+        }
+    }
+    if (settings_.checked == nullptr || !settings_.checked->IsKnown()) {
+        text += "No list says which guidelines were checked: those without findings are taken for checked.\n";
+    }
+    text += verdict.Text();
+}
+
+std::string MisraComplianceOutput::Text() {
+    if (IsNothingKnown()) {
+        return "MISRA compliance\n\nNothing was checked\n";
+    }
+    ListConcerned();
+    std::string text = "MISRA compliance\n";
+    AppendTable(text);
+    text += "\n";
+    AppendTotals(text);
+    AppendVerdict(text);
+    return text;
 }
 
 } // namespace OrvlogConverter
