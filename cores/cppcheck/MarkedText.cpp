@@ -3,6 +3,7 @@
 #include "cppcheck/SystemFolders.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 
 #include <utility>
 
@@ -37,12 +38,7 @@ MarkedText::MarkedText(std::string_view text, const std::string& sourcePath, std
 
 bool MarkedText::ReadLine(MarkedLine& line) {
     while (!rest_.empty()) {
-        const std::size_t end = rest_.find('\n');
-        std::string_view text = rest_.substr(0, end);
-        rest_.remove_prefix(end == std::string_view::npos ? rest_.size() : end + 1);
-        if (text.ends_with('\r')) {
-            text.remove_suffix(1);
-        }
+        const std::string_view text = TakeLine(rest_);
         // A raw string may hold lines that look like markers.
         if (!scanner_.IsInRawString()) {
             if (const auto marker = ReadLineMarker(text)) {

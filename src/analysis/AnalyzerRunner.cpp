@@ -338,7 +338,7 @@ bool AnalyzerRunner::RunCore(const Unit& unit, const Arguments& command, Capture
     } catch (const ProcessReturnCodeException& error) {
         log_.VerboseLine(error.what());
         result.status = AnalyzerStatus::CoreFailed;
-        result.reason = CoreFailureReason(error.what(), output);
+        result.reason = CoreFailureReason(error);
     }
     return false;
 }

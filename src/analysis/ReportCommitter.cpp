@@ -1,13 +1,16 @@
 #include "analysis/ReportCommitter.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/Text.h"
 #include "report/MessageLine.h"
 
-#include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace Orvanta {
@@ -50,7 +53,11 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
     unitFindings_ = {};
     if (!result.fragmentPath.empty()) {
         if (result.status != AnalyzerStatus::Stopped) {
-            PassOnFragment(lock, result);
+            try {
+                PassOnFragment(lock, result);
+            } catch (const FileException& error) {
+                MarkFailed(result, std::string("The core's findings can't be read: ") + error.what());
+            }
         }
         RemoveFile(result.fragmentPath);
     }
@@ -72,21 +79,29 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
     outcome_.Settle(unit, result);
 }
 
-// A core that failed may have left half a line; every whole finding is kept all the same.
+// A core that found nothing may have made no file. One that failed may have left half a line; every whole finding is
+// kept all the same.
 void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
+    if (!PathExists(result.fragmentPath)) {
+        return;
+    }
     std::ifstream fragment(NativePath(result.fragmentPath), std::ios::binary);
+    if (!fragment.is_open()) {
+        throw FileException(result.fragmentPath, std::generic_category().message(errno));
+    }
     std::string line;
     for (std::size_t number = 1; std::getline(fragment, line); ++number) {
         PassOnLine(lock, line, number, result);
+    }
+    if (fragment.bad()) {
+        throw FileException(result.fragmentPath, std::generic_category().message(errno));
     }
 }
 
 void ReportCommitter::PassOnKept(Locked lock, UnitResult& result) {
     std::string_view rest = result.keptFindings;
     for (std::size_t number = 1; !rest.empty(); ++number) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        PassOnLine(lock, rest.substr(0, end), number, result);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+        PassOnLine(lock, TakeLine(rest), number, result);
     }
 }
 

@@ -4,14 +4,13 @@
 #include "report/ReportMessage.h"
 
 #include <string>
-#include <string_view>
 
 namespace Orvanta {
 
 /// The finding that stands in the report for a unit that could not be preprocessed.
 [[nodiscard]] OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath);
 
-/// Why a core failed, for the list of failures: its command and its code, which begin `fullText`, then what it said.
-[[nodiscard]] std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output);
+/// Why a core failed, for the list of failures: its command and its code, then what it said.
+[[nodiscard]] std::string CoreFailureReason(const ProcessReturnCodeException& error);
 
 } // namespace Orvanta

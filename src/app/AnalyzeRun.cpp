@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <thread>
 #include <utility>
 
 namespace Orvanta {
@@ -32,18 +31,8 @@ std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
 }
 
-// False when another run holds the lock. A run that was killed while it started a child leaves its locks to that child
-// for a moment.
-bool TakeSoon(LockFile& lock, const std::string& folder, const std::string& key) {
-    constexpr int Attempts = 10;
-    for (int attempt = 0; lock.Take(folder, key) == LockFile::State::HeldByOther; ++attempt) {
-        if (attempt == Attempts) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
-    return true;
-}
+// A run that was killed while it started a child leaves its locks to that child for a moment.
+constexpr std::chrono::milliseconds LongestWaitForLock{200};
 
 // Of the progress, for runs of two passes.
 constexpr PercentRange FirstHalf = {0, 50};
@@ -134,15 +123,15 @@ int AnalyzeRun::Analyze() {
     return UsesHistory() ? AnalyzeByHistory(runner, places.corePath) : AnalyzeAll(runner);
 }
 
+// What is written to standard output needs no lock.
 void AnalyzeRun::TakeLocks() {
-    const std::string folder = OutputFolder();
-    const std::string report = reportPath_.empty() ? folder : reportPath_;
-    if (!TakeSoon(reportLock_, folder, report)) {
-        throw ZelmException("Another run is writing to " + report);
+    using State = LockFile::State;
+    if (!reportPath_.empty() && reportLock_.Take(reportPath_, LongestWaitForLock, stop_) == State::HeldByOther) {
+        throw ZelmException("Another run is writing to " + reportPath_);
     }
     if (UsesHistory() || options_.intermodular) {
-        const std::string shared = OrvantaFolder(folder);
-        if (!TakeSoon(folderLock_, folder, shared)) {
+        const std::string shared = OrvantaFolder(OutputFolder());
+        if (folderLock_.Take(shared, LongestWaitForLock, stop_) == State::HeldByOther) {
             throw ZelmException("Another run is using " + shared);
         }
     }

@@ -70,7 +70,8 @@ bool HoldsZeroByte(const Environment& environment) {
 bool NoneExists(const std::vector<SourceArgument>& sources, const std::vector<std::string>& arguments,
                 const std::string& directory) {
     return std::none_of(sources.begin(), sources.end(), [&](const SourceArgument& source) {
-        return PathExists(JoinPath(directory, std::string_view(arguments[source.index]).substr(source.offset)));
+        const std::string path = JoinPath(directory, std::string_view(arguments[source.index]).substr(source.offset));
+        return LookAt(path).kind != PathKind::Nothing; // when it can't be told, the compiler will say why
     });
 }
 

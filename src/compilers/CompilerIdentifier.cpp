@@ -165,7 +165,8 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
             return Remember(key_, AbsolutePath(found), true);
         }
     }
-    const bool exists = PathExists(path) && !IsDirectory(path);
+    const PathAnswer file = LookAt(path);
+    const bool exists = file.IsThere() && file.kind != PathKind::Folder;
     return Remember(key_, std::move(path), exists);
 }
 
@@ -207,7 +208,7 @@ void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
     CapturedOutput output;
     try {
-        Process process(command, IsDirectory(workingDirectory) ? workingDirectory : std::string(),
+        Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
                         EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
                         ReceiveUpToLimit(output.standardError));
         const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);

@@ -22,7 +22,7 @@ FileStamp StampOfNewFile(const std::string& folder) {
     const std::optional<FileStamp> stamp = StampOf(path);
     RemoveFile(path);
     if (!stamp) {
-        throw ZelmException(path + ": the file is gone as soon as it is made");
+        throw FileException(path, "the file is gone as soon as it is made");
     }
     return *stamp;
 }

@@ -1,16 +1,11 @@
 #pragma once
 
 #include "platform/StopFlag.h"
-#include "report/FinishedReport.h"
 #include "report/IWorker.h"
 #include "report/MessageFilter.h"
 #include "report/MultipleOutput.h"
 #include "report/RenderTypes.h"
-#include "report/SourceRootTransformer.h"
 
-#include <cstddef>
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,8 +23,7 @@ struct LogParserSettings {
     RenderSettings render = {};
 };
 
-/// Reads reports and passes their messages through a chain of stages. The base renders them; derived workers build
-/// another chain and tell another end.
+/// Renders reports: passes their messages through the filters into files of other forms, and says how many there were.
 class LogParserWorker : public IWorker {
 public:
     /// `stop` outlives the worker.
@@ -39,34 +33,13 @@ public:
     /// \throws ReportException
     void Run() override;
 
-protected:
-    struct Counts {
-        std::size_t total = 0; ///< messages read
-        std::size_t taken = 0; ///< those that reached an output
-    };
-
-    /// Makes the stages and returns the first; this object keeps them.
-    virtual IOutput& BuildChain();
-    /// Tells the user how it ended, after the end of the chain.
-    virtual void Finish(const Counts& counts);
-    virtual void TakeMember(const std::string& key, const std::string& value);
-
-    static void PrintLine(std::string text);
-
-    [[nodiscard]] const LogParserSettings& Settings() const noexcept { return settings_; }
-
-    /// The message being passed on.
-    [[nodiscard]] const MessageOrigin& Origin() const noexcept { return origin_; }
-
 private:
     void PrintIgnoredFlags() const;
-    void Parse(const std::string& report, IOutput& chain, Counts& counts);
+    void OpenTargets();
 
     LogParserSettings settings_;
     const Orvanta::StopFlag& stop_;
-    MessageOrigin origin_;
     MultipleOutput outputs_;
-    std::optional<SourceRootTransformer> root_;
 };
 
 } // namespace OrvlogConverter

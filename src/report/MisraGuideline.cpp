@@ -223,12 +223,10 @@ std::vector<MisraGuideline> MisraGuidelinesOf(const ReportMessage& message) {
     std::vector<MisraGuideline> guidelines;
     std::string_view rest = message.sastId;
     while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find_first_of(",; "), rest.size());
-        const std::optional<MisraGuideline> guideline = ParseMisraGuideline(rest.substr(0, end));
+        const std::optional<MisraGuideline> guideline = ParseMisraGuideline(Orvanta::TakeUpTo(rest, ",; "));
         if (guideline && std::find(guidelines.begin(), guidelines.end(), *guideline) == guidelines.end()) {
             guidelines.push_back(*guideline);
         }
-        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     if (guidelines.empty()) {
         if (const std::optional<MisraGuideline> byCode = ParseMisraGuideline(message.code)) {
@@ -248,8 +246,7 @@ MisraCategoryPlan ReadMisraCategoryPlan(const std::string& path) {
     MisraCategoryPlan plan;
     std::string_view rest = text;
     for (std::size_t number = 1; !rest.empty(); ++number) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        const std::string_view line = rest.substr(0, end);
+        const std::string_view line = Orvanta::TakeLine(rest);
         const std::string_view content = Orvanta::Trim(line.substr(0, line.find('#')));
         try {
             if (!content.empty()) {
@@ -258,7 +255,6 @@ MisraCategoryPlan ReadMisraCategoryPlan(const std::string& path) {
         } catch (const ConfigException& error) {
             throw ConfigException(path + ", line " + std::to_string(number) + ": " + error.what());
         }
-        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return plan;
 }

@@ -7,6 +7,7 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
+#include "platform/Text.h"
 #include "report/Exceptions.h"
 #include "report/LogParserWorker.h"
 
@@ -79,11 +80,9 @@ std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& li
     std::set<std::string, std::less<>> codes;
     for (std::string_view list : lists) {
         while (!list.empty()) {
-            const std::size_t end = std::min(list.find_first_of(",; "), list.size());
-            if (end > 0) {
-                codes.emplace(list.substr(0, end));
+            if (const std::string_view code = Orvanta::TakeUpTo(list, ",; "); !code.empty()) {
+                codes.emplace(code);
             }
-            list.remove_prefix(std::min(end + 1, list.size()));
         }
     }
     return codes;

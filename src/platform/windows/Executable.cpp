@@ -4,11 +4,10 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 #include "platform/windows/SearchPath.h"
 #include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
-
-#include <algorithm>
 
 #include <windows.h>
 
@@ -19,14 +18,12 @@ namespace {
 using Test = bool (*)(const std::string& path);
 
 bool IsFile(const std::string& path) {
-    return PathExists(path) && !IsDirectory(path);
+    const PathAnswer answer = LookAt(path);
+    return answer.IsThere() && answer.kind != PathKind::Folder;
 }
 
-// Cuts the text up to the next ";" off `list` and returns it.
-std::string_view TakePart(std::string_view& list) {
-    const std::string_view part = list.substr(0, list.find(';'));
-    list.remove_prefix(std::min(part.size() + 1, list.size()));
-    return part;
+bool IsThere(const std::string& path) {
+    return LookAt(path).IsThere();
 }
 
 std::string FirstThatPasses(const std::string& path, std::string_view extensions, Test test) {
@@ -34,7 +31,7 @@ std::string FirstThatPasses(const std::string& path, std::string_view extensions
         return path;
     }
     while (!extensions.empty()) {
-        const std::string_view extension = TakePart(extensions);
+        const std::string_view extension = TakeUpTo(extensions, ";");
         if (!extension.empty() && test(path + std::string(extension))) {
             return path + std::string(extension);
         }
@@ -54,7 +51,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
         return {};
     }
     while (!searchPath.empty()) {
-        const std::string_view folder = TakePart(searchPath);
+        const std::string_view folder = TakeUpTo(searchPath, ";");
         if (folder.empty()) {
             continue;
         }
@@ -91,7 +88,7 @@ std::string FindExecutable(const std::string& program) {
 }
 
 std::string FindExecutableIn(const std::string& program, const std::string& searchPath) {
-    return Walk({program, OwnExtensions(), {}, &PathExists}, searchPath);
+    return Walk({program, OwnExtensions(), {}, &IsThere}, searchPath);
 }
 
 std::string ProgramFileOf(const std::string& path) {
