@@ -1,7 +1,7 @@
 #pragma once
 
+#include "render/MisraGuideline.h"
 #include "report/IOutput.h"
-#include "report/MisraGuideline.h"
 #include "report/WholeFile.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "report/MisraComplianceOutput.h"
+#include "render/MisraComplianceOutput.h"
 
 #include "report/Exceptions.h"
 #include "report/ReportMessage.h"

@@ -1,8 +1,8 @@
-#include "report/RenderTypes.h"
+#include "render/RenderTypes.h"
 
+#include "render/MisraComplianceOutput.h"
 #include "report/Exceptions.h"
 #include "report/FinishedReport.h"
-#include "report/MisraComplianceOutput.h"
 
 #include <utility>
 

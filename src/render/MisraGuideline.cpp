@@ -1,4 +1,4 @@
-#include "report/MisraGuideline.h"
+#include "render/MisraGuideline.h"
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"

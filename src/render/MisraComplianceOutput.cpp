@@ -1,4 +1,4 @@
-#include "report/MisraComplianceOutput.h"
+#include "render/MisraComplianceOutput.h"
 
 #include <algorithm>
 #include <array>
