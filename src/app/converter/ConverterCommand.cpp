@@ -8,8 +8,8 @@
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
 #include "platform/Text.h"
+#include "render/LogParserWorker.h"
 #include "report/Exceptions.h"
-#include "report/LogParserWorker.h"
 
 #include <args.hxx>
 

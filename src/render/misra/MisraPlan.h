@@ -1,6 +1,6 @@
 #pragma once
 
-#include "report/misra/MisraEdition.h"
+#include "render/misra/MisraEdition.h"
 
 #include <map>
 #include <set>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "report/misra/MisraGuideline.h"
+#include "render/misra/MisraGuideline.h"
 
 #include <cstdint>
 #include <map>

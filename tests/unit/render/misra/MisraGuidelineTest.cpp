@@ -1,7 +1,7 @@
-#include "report/misra/MisraGuideline.h"
+#include "render/misra/MisraGuideline.h"
 
 #include "report/ReportMessage.h"
-#include "report/misra/MisraEdition.h"
+#include "render/misra/MisraEdition.h"
 
 #include <gtest/gtest.h>
 

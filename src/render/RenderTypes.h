@@ -1,7 +1,7 @@
 #pragma once
 
 #include "report/IOutput.h"
-#include "report/misra/MisraPlan.h"
+#include "render/misra/MisraPlan.h"
 
 #include <memory>
 #include <optional>

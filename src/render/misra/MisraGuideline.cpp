@@ -1,4 +1,4 @@
-#include "report/misra/MisraGuideline.h"
+#include "render/misra/MisraGuideline.h"
 
 #include "platform/Text.h"
 #include "report/AnalyzerType.h"

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/StopFlag.h"
+#include "render/RenderTypes.h"
 #include "report/IWorker.h"
 #include "report/MessageFilter.h"
 #include "report/MultipleOutput.h"
-#include "report/RenderTypes.h"
 
 #include <string>
 #include <vector>

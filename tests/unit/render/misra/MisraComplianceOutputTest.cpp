@@ -1,4 +1,4 @@
-#include "report/misra/MisraComplianceOutput.h"
+#include "render/misra/MisraComplianceOutput.h"
 
 #include "report/Exceptions.h"
 #include "support/TestFolder.h"

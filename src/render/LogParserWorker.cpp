@@ -1,4 +1,4 @@
-#include "report/LogParserWorker.h"
+#include "render/LogParserWorker.h"
 
 #include "platform/Console.h"
 #include "report/DocumentationLink.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "render/misra/MisraPlan.h"
 #include "report/IOutput.h"
 #include "report/WholeFile.h"
-#include "report/misra/MisraPlan.h"
 
 #include <cstddef>
 #include <map>

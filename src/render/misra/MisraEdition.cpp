@@ -1,8 +1,8 @@
-#include "report/misra/MisraEdition.h"
+#include "render/misra/MisraEdition.h"
 
 #include "platform/Text.h"
+#include "render/misra/MisraTable.h"
 #include "report/Exceptions.h"
-#include "report/misra/MisraTable.h"
 
 #include <algorithm>
 #include <iterator>

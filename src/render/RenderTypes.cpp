@@ -1,8 +1,8 @@
-#include "report/RenderTypes.h"
+#include "render/RenderTypes.h"
 
+#include "render/misra/MisraComplianceOutput.h"
 #include "report/Exceptions.h"
 #include "report/FinishedReport.h"
-#include "report/misra/MisraComplianceOutput.h"
 
 #include <utility>
 

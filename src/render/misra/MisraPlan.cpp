@@ -1,4 +1,4 @@
-#include "report/misra/MisraPlan.h"
+#include "render/misra/MisraPlan.h"
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
