@@ -49,6 +49,9 @@ void AnalyzePasses::Run() {
             const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
             const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
             history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
+            if (input_.listedFiles) {
+                history_->RequireListedFile(*input_.listedFiles);
+            }
         }
         GoThrough(ListPasses());
     } catch (...) {

@@ -6,6 +6,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvanta {
@@ -63,7 +64,7 @@ std::vector<UnitAction> RunHistory::SelectForListing() {
                                     : SelectUnlisted(commands_, units_, settings_);
 }
 
-std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const std::string> listed) {
+std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const ListedFile> listed) {
     ListedUnits selection = SelectListed(commands_, units_, listed, settings_);
     for (const std::string& path : selection.unmatched) {
         log_.Line("Warning: no source file of the build is or includes " + path);
@@ -75,6 +76,24 @@ std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const std::strin
         }
     }
     return std::move(selection.actions);
+}
+
+void RunHistory::RequireListedFile(std::span<const ListedFile> listed) const {
+    std::vector<std::string> places;
+    for (const ListedFile& file : listed) {
+        places.insert(places.end(), file.places.begin(), file.places.end());
+    }
+    const bool isAnyThere = std::any_of(places.begin(), places.end(), [](const std::string& place) {
+        const PathAnswer answer = LookAt(place);
+        return answer.IsThere() && answer.kind != PathKind::Folder;
+    });
+    std::vector<bool> isKnown;
+    if (!isAnyThere) {
+        static_cast<void>(units_.UnitsMadeOf(places, isKnown));
+    }
+    if (!isAnyThere && std::find(isKnown.begin(), isKnown.end(), true) == isKnown.end()) {
+        throw ZelmException("The list of source files does not contain valid paths.");
+    }
 }
 
 std::vector<UnitAction> RunHistory::SelectUnits() {

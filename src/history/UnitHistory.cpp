@@ -110,6 +110,7 @@ struct UnitHistory::State {
     }
 
     [[nodiscard]] FileNumber NumberOf(std::size_t unit, std::string_view path);
+    [[nodiscard]] FileNumber SourceOf(std::size_t unit);
     [[nodiscard]] std::vector<FileNumber> InputFilesOf(std::size_t unit, std::span<const std::string> named);
     [[nodiscard]] SeenList MakeList(std::size_t unit, Moment begin, std::span<const std::string> dependencies,
                                     std::span<const std::string> inputFiles);
@@ -208,9 +209,13 @@ FileNumber UnitHistory::State::NumberOf(std::size_t unit, std::string_view path)
                                 : files.NumberOf(path, directory);
 }
 
+FileNumber UnitHistory::State::SourceOf(std::size_t unit) {
+    return NumberOf(unit, JoinPath(DirectoryOfUnit(unit), commands[unit].SourceFile()));
+}
+
 /// The files that decide the unit's result and that it is not made of, its source first.
 std::vector<FileNumber> UnitHistory::State::InputFilesOf(std::size_t unit, std::span<const std::string> named) {
-    std::vector<FileNumber> numbers = {NumberOf(unit, JoinPath(DirectoryOfUnit(unit), commands[unit].SourceFile()))};
+    std::vector<FileNumber> numbers = {SourceOf(unit)};
     if (const auto& programs = identities[unit].programs) {
         for (const std::string& path : *programs) {
             numbers.push_back(files.NumberOf(path, DirectoryOfUnit(unit)));
@@ -452,30 +457,35 @@ bool UnitHistory::IsLeftOut(std::size_t unit) {
 
 std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, std::vector<bool>& found) const {
     State& state = *state_;
+    std::vector<FileNumber> sources; // by unit
+    for (std::size_t unit = 0; unit < state.record.RunSize(); ++unit) {
+        sources.push_back(state.SourceOf(unit));
+    }
     const WantedFiles wanted(paths);
     const std::vector<std::string> filePaths = state.files.Paths();
     const std::vector<FileNumber> fileOf = state.files.Files();
-    std::vector<std::optional<std::vector<std::size_t>>> placesOf(
-        filePaths.size()); // of each file, once it is asked for
+    std::vector<std::optional<std::vector<std::size_t>>> placesOf(filePaths.size()); // of each file, once it is met
     std::vector<bool> isMadeOf(state.record.RunSize());
     found.assign(paths.size(), false);
-    const auto look = [&](std::size_t unit, std::span<const VersionNumber> list, bool onlyMissing) {
-        for (const VersionNumber version : list) {
-            const FileNumber file = fileOf[PlaceOf(version)];
-            std::optional<std::vector<std::size_t>>& places = placesOf[PlaceOf(file)];
-            if (!places) {
-                places = wanted.PlacesOf(filePaths[PlaceOf(file)], state.files.StampOfFile(file));
-            }
-            for (const std::size_t place : *places) {
-                if (!onlyMissing || wanted.IsMissing(place)) {
-                    isMadeOf[unit] = found[place] = true;
-                }
+    const auto meet = [&](std::size_t unit, FileNumber file, bool onlyMissing) {
+        std::optional<std::vector<std::size_t>>& places = placesOf[PlaceOf(file)];
+        if (!places) {
+            places = wanted.PlacesOf(filePaths[PlaceOf(file)], state.files.StampOfFile(file));
+        }
+        for (const std::size_t place : *places) {
+            if (!onlyMissing || wanted.IsMissing(place)) {
+                isMadeOf[unit] = found[place] = true;
             }
         }
     };
     for (std::size_t unit = 0; unit < isMadeOf.size(); ++unit) {
-        look(unit, state.record.NamedOf(unit), false);
-        look(unit, state.record.EarlierNamedOf(unit), true);
+        meet(unit, sources[unit], false);
+        for (const VersionNumber version : state.record.NamedOf(unit)) {
+            meet(unit, fileOf[PlaceOf(version)], false);
+        }
+        for (const VersionNumber version : state.record.EarlierNamedOf(unit)) {
+            meet(unit, fileOf[PlaceOf(version)], true);
+        }
     }
     return isMadeOf;
 }

@@ -82,9 +82,9 @@ public:
     /// another content, its inputs are the same, and its findings can be read.
     [[nodiscard]] bool IsUnchanged(std::size_t unit);
 
-    /// By unit: whether one of the `paths`, which are absolute, is among its dependencies. A file is found by whatever
-    /// path leads to it. One that is not there any more is found where a unit was made of it when this run began.
-    /// `found`, as long as `paths`, is set for each that is one of some unit.
+    /// By unit: whether one of the `paths`, which are absolute, is its source or among its dependencies. A file is
+    /// found by whatever path leads to it. One that is not there any more is found where a unit was made of it when
+    /// this run began. `found`, as long as `paths`, is set for each that is one of some unit.
     [[nodiscard]] std::vector<bool> UnitsMadeOf(std::span<const std::string> paths, std::vector<bool>& found) const;
 
     /// What the last successful run of the unit found, as the core wrote it; empty for nothing.
