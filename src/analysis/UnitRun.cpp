@@ -95,11 +95,16 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
     }
     RemoveTextAtEnd();
     UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
-    const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
+    std::optional<Dependencies> dependencies = seen.KnownDependencies();
     if (!dependencies) {
+        dependencies = PreprocessAndList(seen);
+        if (!dependencies) {
+            return AnalyzerStatus::Stopped;
+        }
+        progress_.Step(ProgressStage::ParsingIncludes, plan_.sourcePath);
+    } else if (Preprocess() == ProcessOutcome::Stopped) {
         return AnalyzerStatus::Stopped;
     }
-    progress_.Step(ProgressStage::ParsingIncludes, plan_.sourcePath);
     const AnalyzerStatus status = AnalyzeText();
     if (status == AnalyzerStatus::Analyzed) {
         seen.Keep(*dependencies, PathExists(fragmentPath_) ? ReadWholeFile(fragmentPath_) : std::string());

@@ -65,9 +65,7 @@ std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const s
     }
     std::vector<ListedFile> files;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = Trim(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::string_view line = Trim(TakeLine(text));
         if (!line.empty()) {
             files.push_back(FileInFolders(line, folders));
         }

@@ -295,6 +295,11 @@ void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, st
     hasLearned_ = false;
 }
 
+std::string FileVersions::PathOf(FileNumber file) const {
+    const Lock lock(mutex_);
+    return std::string(paths_.Path(file));
+}
+
 std::vector<std::string> FileVersions::Paths() const {
     const Lock lock(mutex_);
     std::vector<std::string> paths;

@@ -86,6 +86,8 @@ public:
     /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
     void CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions);
 
+    [[nodiscard]] std::string PathOf(FileNumber file) const;
+
     /// By file: its path.
     [[nodiscard]] std::vector<std::string> Paths() const;
 

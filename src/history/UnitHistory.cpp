@@ -287,6 +287,30 @@ void UnitWatch::Begin() {
     begin_ = std::chrono::steady_clock::now();
 }
 
+std::optional<std::vector<std::string>> UnitWatch::KnownDependencies() const {
+    UnitHistory::State& state = *history_->state_;
+    std::vector<VersionNumber> list;
+    std::size_t named = 0;
+    {
+        const UnitHistory::State::Lock lock(state.mutex);
+        if (!state.record.HasList(unit_)) {
+            return std::nullopt;
+        }
+        const std::span<const VersionNumber> known = state.record.ListOf(unit_);
+        list.assign(known.begin(), known.end());
+        named = state.record[unit_].named;
+    }
+    if (!std::all_of(list.begin(), list.end(),
+                     [&state](VersionNumber version) { return state.files.IsCurrent(version); })) {
+        return std::nullopt;
+    }
+    std::vector<std::string> paths;
+    for (const VersionNumber version : std::span(list).first(named)) {
+        paths.push_back(state.files.PathOf(state.files.FileOf(version)));
+    }
+    return paths;
+}
+
 bool UnitWatch::Covers(std::span<const std::string> dependencies) {
     UnitHistory::State& state = *history_->state_;
     // All are looked at, so that all are known before the unit is begun again.

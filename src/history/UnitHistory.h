@@ -133,6 +133,10 @@ public:
     UnitWatch& operator=(UnitWatch&&) = delete;
     ~UnitWatch();
 
+    /// The files that the core has listed of the unit before, when nothing that decides the list has changed since: it
+    /// need not list them again.
+    [[nodiscard]] std::optional<std::vector<std::string>> KnownDependencies() const;
+
     /// Whether it can be told what the unit saw of these files. If not, because one that was not known before is too
     /// new, the watch has begun anew: the unit is to be preprocessed once more, after which it can be told.
     [[nodiscard]] bool Covers(std::span<const std::string> dependencies);

@@ -226,9 +226,22 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_EQ(Analyzed(), Names{});
     EXPECT_EQ(DependencyInfo().size(), 3U);
     EXPECT_FALSE(sandbox.Exists("report.json"));
-    const RunResult runs = sandbox.Analyze({"--regenerate-depend-info", "run-analysis", "-o", "report.json"});
-    EXPECT_EQ(runs.exitCode, 0) << runs;
-    EXPECT_EQ(Analyzed(), (Names{"a.c", "b.c", "c.c"}));
+    const Arguments ways[] = {
+        {           },
+        {"-i"        },
+        {"--dep-file", "common.h"},
+        {"--intermodular"           }
+    };
+    for (const Arguments& way : ways) {
+        sandbox.ForgetCoreCalls();
+        Arguments options = {"--regenerate-depend-info", "run-analysis", "-e", "*c.c", "-o", "report.json"};
+        options.insert(options.end(), way.begin(), way.end());
+        const RunResult runs = sandbox.Analyze(options);
+        EXPECT_EQ(runs.exitCode, 0) << runs;
+        EXPECT_EQ(Listed(), (Names{"a.c", "b.c", "c.c"})) << "every unit, and no unit twice" << runs;
+        EXPECT_EQ(Analyzed(), (way == Arguments{"-i"} ? Names{} : Names{"a.c", "b.c"})) << runs;
+    }
+    EXPECT_EQ(sandbox.Analyze({"--regenerate-depend-info", "run-analysis", "-o", "report.json"}).exitCode, 0);
     EXPECT_EQ(Incremental().exitCode, 0);
     EXPECT_EQ(Analyzed(), Names{}) << "what the analysis saw is kept";
     sandbox.WriteScript("b.c", {"listing exit 4"});

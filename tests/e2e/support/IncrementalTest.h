@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -44,6 +45,18 @@ protected:
         for (const std::string& path : sandbox.AnalyzedSources()) {
             names.emplace_back(FileNameOf(path));
         }
+        return names;
+    }
+
+    /// The names of the sources whose dependencies the last run listed.
+    [[nodiscard]] std::vector<std::string> Listed() const {
+        std::vector<std::string> names;
+        for (const CoreCall& call : sandbox.CoreCalls()) {
+            if (call.arguments.back() == "--skip-analysis") {
+                names.emplace_back(FileNameOf(call.Setting("source-file")));
+            }
+        }
+        std::sort(names.begin(), names.end());
         return names;
     }
 
