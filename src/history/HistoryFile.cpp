@@ -92,6 +92,7 @@ bool FillsFile(const Header& header, std::uint64_t size) {
 
 template <typename Table>
 void ReadTable(std::istream& input, Table& table, std::uint64_t rows) {
+    table.reserve(rows + rows / 16); // a run adds little: without that room, the first row would double the table
     table.resize(rows);
     const std::string_view bytes = BytesOf(table);
     input.read(const_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

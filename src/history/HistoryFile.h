@@ -77,7 +77,8 @@ enum class HistoryChecksum {
     Ignore, ///< for whoever tests what is told apart without it
 };
 
-/// Reads what WriteHistoryFile wrote. Makes nothing that is larger than the file.
+/// Reads what WriteHistoryFile wrote. Makes nothing that is much larger than the
+/// file.
 /// \throws ZelmException when it is damaged, cut short, of another version or something else; the text is the reason
 [[nodiscard]] HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum = HistoryChecksum::Compare);
 
