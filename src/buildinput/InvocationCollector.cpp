@@ -4,6 +4,7 @@
 #include "buildinput/OptionFile.h"
 #include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
+#include "compilers/CommandLineReader.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"

@@ -14,6 +14,13 @@
 #include <unordered_map>
 #include <vector>
 
+// Each invocation of the input, whatever reader brought it, goes through these steps: it is refused where it can't be
+// one (no words, zero bytes, another compiler than asked for), its compiler is identified, variables and files with
+// further arguments are put in place, its outline is taken, and each of its sources becomes a unit. It ends as units or
+// as one SkippedInvocation with a reason: nothing is dropped in silence, and what is wrong with one is never an error
+// of the run. A build has a hundred thousand of them, so that folders, environments and compilers are held once, and a
+// unit is little more than its packed words.
+
 namespace Orvanta {
 
 /// Takes the invocations of a build one by one, identifies their compilers and keeps the units that they compile.

@@ -117,15 +117,14 @@ private:
         FlagUse use;
         use.match = model_.Flags().Find(argument.substr(introducer.size()), introducer);
         use.index = index;
-        if (use.match.kind == FlagKind::Preprocessor) {
+        if (use.match.row->kind == FlagKind::Preprocessor) {
             ReadHandedOn(index, argument, use.match);
-        } else if (use.match.kind == FlagKind::SourceOfLanguage) {
+        } else if (use.match.row->kind == FlagKind::SourceOfLanguage) {
             ReadSourceOfLanguage(index, argument, use.match);
-        } else if (use.match.kind == FlagKind::LinkerPart) {
+        } else if (use.match.row->kind == FlagKind::LinkerPart) {
             next_ = arguments_.size();
             visitor_.Flag(use);
-        } else if (use.match.name.empty() && introducer == "/" &&
-                   IsSource(model_.KindOfInput(argument, std::nullopt))) {
+        } else if (!use.match.IsKnown() && introducer == "/" && IsSource(model_.KindOfInput(argument, std::nullopt))) {
             ReadInput(index); // an absolute path, no flag
         } else {
             ReadFlag(use, argument);
@@ -139,7 +138,7 @@ private:
             use.value = arguments_[next_++];
             AddWord(use, use.value);
         }
-        if (use.match.kind == FlagKind::Language) {
+        if (use.match.row->kind == FlagKind::Language) {
             SetStatedKind(use.value);
         }
         visitor_.Flag(use);
@@ -162,7 +161,7 @@ private:
     }
 
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
-        const InputKind kind = KindNamedBy(match.effect).value_or(InputKind::LinkInput);
+        const InputKind kind = KindNamedBy(match.row->effect).value_or(InputKind::LinkInput);
         if (!match.takesNext) {
             visitor_.Input(InputFile{index, argument.size() - match.gluedValue.size(), kind, true});
         } else if (next_ < arguments_.size()) {
@@ -192,7 +191,7 @@ private:
             return;
         }
         use.handedOnBy = argument.substr(0, argument.size() - match.gluedValue.size());
-        if (use.handedOnBy.ends_with(':')) {
+        if (match.row->value == FlagValue::Glued) {
             Prefixed words{arguments_, next_, use.handedOnBy};
             next_ = index;
             use.route = FlagRoute::Prefixed;
@@ -231,7 +230,7 @@ private:
         }
         std::string_view introducer;
         const bool isBare = !model_.ModelOfHandedOn().MatchLongestPrefixFlag(*following, introducer);
-        if (use.match.takesNext || (use.match.kind == FlagKind::Drop && isBare)) {
+        if (use.match.takesNext || (use.match.row->kind == FlagKind::Drop && isBare)) {
             pieces.Advance();
             use.value = *following;
             AddWord(use, *following);

@@ -10,8 +10,8 @@ constexpr FlagRow ClangFlags[] = {
 
 } // namespace
 
-Clang::Clang() : Clang(CompilerType::Clang) {}
+Clang::Clang() : Clang(CompilerType::Clang, CharSign::UnsignedByFlag) {}
 
-Clang::Clang(CompilerType type) : Gcc(type, "clang", ClangFlags) {}
+Clang::Clang(CompilerType type, CharSign charSign) : Gcc(type, "clang", ClangFlags, charSign) {}
 
 } // namespace Orvanta

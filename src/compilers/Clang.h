@@ -11,7 +11,7 @@ public:
 
 protected:
     /// A compiler with clang's flags.
-    explicit Clang(CompilerType type);
+    Clang(CompilerType type, CharSign charSign);
 };
 
 } // namespace Orvanta

@@ -15,9 +15,10 @@ public:
     explicit OutlineVisitor(std::vector<SourceArgument>& sources) : sources_(sources) {}
 
     void Flag(const FlagUse& use) {
-        effects_ |= Bit(use.match.effect);
-        printsInformation_ = printsInformation_ || use.match.kind == FlagKind::NoCompilation;
-        links_ = links_ || use.match.kind == FlagKind::LinkerPart;
+        const FlagRow& row = *use.match.row;
+        effects_.Add(row.effect);
+        printsInformation_ = printsInformation_ || row.kind == FlagKind::NoCompilation;
+        links_ = links_ || row.kind == FlagKind::LinkerPart;
     }
 
     void Input(const InputFile& input) {
@@ -52,11 +53,9 @@ public:
     }
 
 private:
-    static constexpr unsigned Bit(FlagEffect effect) { return 1U << static_cast<unsigned>(effect); }
-
     static constexpr unsigned Bit(InputKind kind) { return 1U << static_cast<unsigned>(kind); }
 
-    [[nodiscard]] bool Has(FlagEffect effect) const { return (effects_ & Bit(effect)) != 0; }
+    [[nodiscard]] bool Has(FlagEffect effect) const { return effects_.Has(effect); }
 
     [[nodiscard]] bool Has(InputKind kind) const { return (inputs_ & Bit(kind)) != 0; }
 
@@ -78,10 +77,26 @@ private:
 
     std::vector<SourceArgument>& sources_;
     std::optional<std::size_t> missingResponseFile_;
-    unsigned effects_ = 0; // one bit for each effect met
-    unsigned inputs_ = 0;  // one bit for each kind of input met
+    FlagEffects effects_;
+    unsigned inputs_ = 0; // one bit for each kind of input met
     bool printsInformation_ = false;
     bool links_ = false; // a part for the linker was met
+};
+
+// A list of a ParsedCommand and the flags whose values it takes.
+struct ValueList {
+    bool (*takes)(const FlagRow& row);
+    std::vector<std::string> ParsedCommand::*list;
+};
+
+constexpr ValueList ValueLists[] = {
+    {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; },           &ParsedCommand::userIncludes  },
+    {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; },         &ParsedCommand::systemIncludes},
+    {[](const FlagRow& row) { return row.kind == FlagKind::Define; },                &ParsedCommand::defines       },
+    {[](const FlagRow& row) { return row.kind == FlagKind::ForcedInclude; },         &ParsedCommand::forcedIncludes},
+    {[](const FlagRow& row) { return row.file == FlagFile::Read; },                  &ParsedCommand::filesRead     },
+    {[](const FlagRow& row) { return row.file == FlagFile::ReadAsSpecs; },           &ParsedCommand::specFiles     },
+    {[](const FlagRow& row) { return row.effect == FlagEffect::NamesSearchPrefix; }, &ParsedCommand::searchPrefixes},
 };
 
 // Fills a ParsedCommand for one source of the invocation.
@@ -96,9 +111,10 @@ public:
     [[nodiscard]] InputKind KindOfSource() const { return kindOfSource_; }
 
 private:
-    void RecordStandard(const FlagMatch& match);
+    void RecordStandard(const FlagRow& row);
     void RecordCharSign(FlagEffect effect);
-    static void AddFolders(const FlagUse& use, std::vector<std::string>& folders);
+    void RecordValue(const FlagUse& use);
+    static void AddValues(const FlagUse& use, std::vector<std::string>& list);
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
@@ -107,64 +123,15 @@ private:
 };
 
 void CommandVisitor::Flag(const FlagUse& use) {
-    RecordStandard(use.match);
-    RecordCharSign(use.match.effect);
-    switch (use.match.kind) {
-    case FlagKind::LinkerPart:
-    case FlagKind::Drop:
-    case FlagKind::DropWithValue:
-    case FlagKind::NoCompilation:
-        return;
-    case FlagKind::Output:
-        if (use.route == FlagRoute::Direct) {
-            command_.outputFile = use.value;
-        }
-        return;
-    case FlagKind::Language:
-        // In the preprocessing command the source stands last, so that a later language would be its own.
-        if (use.index < source_.index) {
-            Keep(use);
-        }
-        return;
-    case FlagKind::UserInclude:
-        AddFolders(use, command_.userIncludes);
-        break;
-    case FlagKind::SystemInclude:
-        AddFolders(use, command_.systemIncludes);
-        break;
-    case FlagKind::Define:
-        command_.defines.emplace_back(use.value);
-        break;
-    case FlagKind::ForcedInclude:
-        command_.forcedIncludes.emplace_back(use.value);
-        break;
-    case FlagKind::Target32:
-        command_.platformWord = "linux32";
-        break;
-    case FlagKind::Target64:
-        command_.platformWord = "linux64";
-        break;
-    case FlagKind::Keep:
-    case FlagKind::KeepWithValue:
-    case FlagKind::Undefine:
-    case FlagKind::SourceOfLanguage:
-    case FlagKind::Preprocessor:
-    case FlagKind::MainFileName:
-    case FlagKind::StandardAnsi:
-    case FlagKind::StandardC90:
-    case FlagKind::StandardC99:
-    case FlagKind::StandardC11:
-    case FlagKind::StandardC17:
-    case FlagKind::StandardC2x:
-    case FlagKind::StandardCpp98:
-    case FlagKind::StandardCpp03:
-    case FlagKind::StandardCpp11:
-    case FlagKind::StandardCpp14:
-    case FlagKind::StandardCpp17:
-    case FlagKind::StandardCpp20:
-        break;
+    const FlagRow& row = *use.match.row;
+    command_.effects.Add(row.effect);
+    RecordStandard(row);
+    RecordCharSign(row.effect);
+    RecordValue(use);
+    // In the preprocessing command the source stands last, so that a later language would be its own.
+    if (row.isKept && (row.kind != FlagKind::Language || use.index < source_.index)) {
+        Keep(use);
     }
-    Keep(use);
 }
 
 void CommandVisitor::Input(const InputFile& input) {
@@ -178,19 +145,19 @@ void CommandVisitor::Input(const InputFile& input) {
     }
 }
 
-void CommandVisitor::RecordStandard(const FlagMatch& match) {
-    if (match.effect == FlagEffect::UnknownStandard) {
+void CommandVisitor::RecordStandard(const FlagRow& row) {
+    if (row.effect == FlagEffect::UnknownStandard) {
         command_.cStandard.reset();
         command_.cppStandard.reset();
     }
-    if (!IsStandard(match.kind)) {
+    if (!IsStandard(row.kind)) {
         return;
     }
-    if (match.kind < FlagKind::StandardCpp98) {
-        command_.cStandard = match.kind;
+    if (row.kind < FlagKind::StandardCpp98) {
+        command_.cStandard = row.kind;
     }
-    if (match.kind == FlagKind::StandardAnsi || match.kind >= FlagKind::StandardCpp98) {
-        command_.cppStandard = match.kind;
+    if (row.kind == FlagKind::StandardAnsi || row.kind >= FlagKind::StandardCpp98) {
+        command_.cppStandard = row.kind;
     }
 }
 
@@ -200,13 +167,30 @@ void CommandVisitor::RecordCharSign(FlagEffect effect) {
     }
 }
 
-void CommandVisitor::AddFolders(const FlagUse& use, std::vector<std::string>& folders) {
+void CommandVisitor::RecordValue(const FlagUse& use) {
+    const FlagRow& row = *use.match.row;
+    if (row.kind == FlagKind::Target32 || row.kind == FlagKind::Target64) {
+        command_.targetBits = row.kind == FlagKind::Target32 ? TargetBits::Bits32 : TargetBits::Bits64;
+    } else if (row.kind == FlagKind::Output && use.route == FlagRoute::Direct) {
+        command_.outputFile = use.value;
+    } else if (row.effect == FlagEffect::NamesTarget) {
+        command_.targetTriple = use.value;
+    } else {
+        for (const ValueList& list : ValueLists) {
+            if (list.takes(row)) {
+                AddValues(use, command_.*list.list);
+            }
+        }
+    }
+}
+
+void CommandVisitor::AddValues(const FlagUse& use, std::vector<std::string>& list) {
     std::string_view rest = use.value;
-    while (use.match.isList && rest.find(',') != std::string_view::npos) {
-        folders.emplace_back(rest.substr(0, rest.find(',')));
+    while (use.match.row->value == FlagValue::List && rest.find(',') != std::string_view::npos) {
+        list.emplace_back(rest.substr(0, rest.find(',')));
         rest.remove_prefix(rest.find(',') + 1);
     }
-    folders.emplace_back(rest);
+    list.emplace_back(rest);
 }
 
 void CommandVisitor::Keep(const FlagUse& use) {
@@ -265,7 +249,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
-    model.FinishParse(arguments, command);
+    model.FinishParse(command);
     return command;
 }
 

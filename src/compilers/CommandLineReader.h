@@ -2,6 +2,7 @@
 
 #include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
+#include "compilers/SourceArgument.h"
 
 #include <optional>
 #include <span>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace Orvanta {
-
-/// One source file that an invocation compiles.
-struct SourceArgument {
-    std::size_t index = 0;  ///< of the argument that names it
-    std::size_t offset = 0; ///< where the file's name begins in that argument
-};
 
 /// What an invocation is, before it is read in full.
 struct InvocationOutline {

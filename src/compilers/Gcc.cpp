@@ -1,7 +1,5 @@
 #include "compilers/Gcc.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -13,8 +11,8 @@ constexpr std::string_view GccIntroducers[] = {"-", "--"};
 // clang-format off
 constexpr FlagRow GccFlags[] = {
     {"E", FlagKind::Drop, FlagEffect::PreprocessesOnly},
-    {"MD", FlagKind::Drop},
-    {"MMD", FlagKind::Drop},
+    {"MD", FlagKind::Drop, FlagFile::Written},
+    {"MMD", FlagKind::Drop, FlagFile::Written},
     {"MP", FlagKind::Drop},
     {"MM", FlagKind::Drop, FlagEffect::ListsDependencies},
     {"dM", FlagKind::Drop},
@@ -34,7 +32,7 @@ constexpr FlagRow GccFlags[] = {
     {"Og", FlagKind::Drop},
     {"O", FlagKind::Drop},
     {"MT", FlagKind::DropWithValue},
-    {"MF", FlagKind::DropWithValue},
+    {"MF", FlagKind::DropWithValue, FlagFile::Written},
     {"MQ", FlagKind::DropWithValue},
     {"I", FlagKind::UserInclude},
     {"isystem", FlagKind::SystemInclude},
@@ -98,11 +96,9 @@ constexpr FlagRow GccFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
 
-    // Where FinishParse does not decide itself, the last of these does.
-    {"fsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
-    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    // Plain char is unsigned as soon as this flag stands anywhere; families in which the last of all four decides have
+    // rows for the others.
     {"funsigned-char", FlagKind::Keep, FlagEffect::UnsignedChar},
-    {"fno-signed-char", FlagKind::Keep, FlagEffect::UnsignedChar},
 
     // Every standard that has no row of its own.
     {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
@@ -170,29 +166,29 @@ constexpr FlagRow GccFlags[] = {
     {"trace-includes", FlagKind::Drop},
     {"MG", FlagKind::Drop},
     {"MV", FlagKind::Drop},
-    {"MJ", FlagKind::DropWithValue},
-    {"write-dependencies", FlagKind::Drop},
-    {"write-user-dependencies", FlagKind::Drop},
+    {"MJ", FlagKind::DropWithValue, FlagFile::Written},
+    {"write-dependencies", FlagKind::Drop, FlagFile::Written},
+    {"write-user-dependencies", FlagKind::Drop, FlagFile::Written},
     {"print-missing-file-dependencies", FlagKind::Drop},
-    {"dependency-dot", FlagKind::DropWithValue},
-    {"dependency-file", FlagKind::DropWithValue},
-    {"header-include-file", FlagKind::DropWithValue},
-    {"fdeps-file=", FlagKind::Drop},
+    {"dependency-dot", FlagKind::DropWithValue, FlagFile::Written},
+    {"dependency-file", FlagKind::DropWithValue, FlagFile::Written},
+    {"header-include-file", FlagKind::DropWithValue, FlagFile::Written},
+    {"fdeps-file=", FlagKind::Drop, FlagFile::Written},
     {"fdeps-format=", FlagKind::Drop},
     {"fdeps-target=", FlagKind::Drop},
-    {"fdiagnostics-add-output=", FlagKind::Drop},
+    {"fdiagnostics-add-output=", FlagKind::Drop, FlagFile::Written},
     {"fdiagnostics-format=", FlagKind::Drop},
-    {"fdiagnostics-set-output=", FlagKind::Drop},
+    {"fdiagnostics-set-output=", FlagKind::Drop, FlagFile::Written},
     {"ftime-report", FlagKind::Drop},
-    {"ftime-trace", FlagKind::Drop},
-    {"ftime-trace=", FlagKind::Drop},
-    {"save-temps", FlagKind::Drop},
-    {"save-temps=", FlagKind::Drop},
-    {"aux-info", FlagKind::DropWithValue},
-    {"index-store-path", FlagKind::DropWithValue},
-    {"index-unit-output-path", FlagKind::DropWithValue},
-    {"serialize-diagnostics", FlagKind::DropWithValue},
-    {"serialize-diagnostic-file", FlagKind::DropWithValue},
+    {"ftime-trace", FlagKind::Drop, FlagFile::Written},
+    {"ftime-trace=", FlagKind::Drop, FlagFile::Written},
+    {"save-temps", FlagKind::Drop, FlagFile::Written},
+    {"save-temps=", FlagKind::Drop, FlagFile::Written},
+    {"aux-info", FlagKind::DropWithValue, FlagFile::Written},
+    {"index-store-path", FlagKind::DropWithValue, FlagFile::Written},
+    {"index-unit-output-path", FlagKind::DropWithValue, FlagFile::Written},
+    {"serialize-diagnostics", FlagKind::DropWithValue, FlagFile::Written},
+    {"serialize-diagnostic-file", FlagKind::DropWithValue, FlagFile::Written},
     {"wrapper", FlagKind::DropWithValue},
 
     // More ways to name folders, files and macros.
@@ -218,12 +214,13 @@ constexpr FlagRow GccFlags[] = {
     {"language=", FlagKind::Language},
     {"output", FlagKind::Output},
     {"output=", FlagKind::Output},
-    {"Xpreprocessor", FlagKind::Preprocessor},
-    {"Xclang", FlagKind::Preprocessor},
+    {"Xpreprocessor", FlagKind::Preprocessor, FlagValue::Next},
+    {"Xclang", FlagKind::Preprocessor, FlagValue::Next},
 
     // What has a value of its own, which is no input. Most of it is for the linker and harmless.
     {"A", FlagKind::KeepWithValue},
-    {"B", FlagKind::KeepWithValue},
+    {"B", FlagKind::KeepWithValue, FlagEffect::NamesSearchPrefix},
+    {"prefix", FlagKind::KeepWithValue, FlagValue::Long, FlagEffect::NamesSearchPrefix},
     {"F", FlagKind::KeepWithValue},
     {"G", FlagKind::KeepWithValue},
     {"L", FlagKind::KeepWithValue},
@@ -241,21 +238,27 @@ constexpr FlagRow GccFlags[] = {
     {"bundle_loader", FlagKind::KeepWithValue},
     {"compatibility_version", FlagKind::KeepWithValue},
     {"current_version", FlagKind::KeepWithValue},
+    {"config", FlagKind::KeepWithValue, FlagValue::Next, FlagFile::Read},
+    {"config=", FlagKind::Keep, FlagFile::Read},
     {"dumpbase", FlagKind::KeepWithValue},
     {"dumpbase-ext", FlagKind::KeepWithValue},
     {"dumpdir", FlagKind::KeepWithValue},
     {"e", FlagKind::KeepWithValue},
     {"entry", FlagKind::KeepWithValue},
+    {"fmodule-file=", FlagKind::Keep, FlagFile::Read},
+    {"fmodule-map-file=", FlagKind::Keep, FlagFile::Read},
+    {"fmodule-mapper=", FlagKind::Keep, FlagFile::Read},
+    {"fplugin=", FlagKind::Keep, FlagFile::Read},
     {"framework", FlagKind::KeepWithValue},
     {"gcc-toolchain", FlagKind::KeepWithValue},
-    {"imacros", FlagKind::KeepWithValue},
+    {"imacros", FlagKind::KeepWithValue, FlagFile::Read},
     {"imultiarch", FlagKind::KeepWithValue},
     {"imultilib", FlagKind::KeepWithValue},
     {"include-prefix", FlagKind::KeepWithValue},
     {"include-with-prefix", FlagKind::KeepWithValue},
     {"install_name", FlagKind::KeepWithValue},
     {"iprefix", FlagKind::KeepWithValue},
-    {"ivfsoverlay", FlagKind::KeepWithValue},
+    {"ivfsoverlay", FlagKind::KeepWithValue, FlagFile::Read},
     {"iwithprefix", FlagKind::KeepWithValue},
     {"iwithprefixbefore", FlagKind::KeepWithValue},
     {"l", FlagKind::KeepWithValue},
@@ -264,8 +267,10 @@ constexpr FlagRow GccFlags[] = {
     {"param", FlagKind::KeepWithValue},
     {"resource-dir", FlagKind::KeepWithValue},
     {"rpath", FlagKind::KeepWithValue},
-    {"specs", FlagKind::KeepWithValue},
-    {"target", FlagKind::KeepWithValue},
+    {"specs", FlagKind::KeepWithValue, FlagFile::ReadAsSpecs},
+    {"specs=", FlagKind::Keep, FlagFile::ReadAsSpecs},
+    {"target", FlagKind::KeepWithValue, FlagEffect::NamesTarget},
+    {"target=", FlagKind::Keep, FlagEffect::NamesTarget},
     {"u", FlagKind::KeepWithValue},
     {"undefined", FlagKind::KeepWithValue},
     {"weak_framework", FlagKind::KeepWithValue},
@@ -273,28 +278,41 @@ constexpr FlagRow GccFlags[] = {
     {"z", FlagKind::KeepWithValue},
 };
 // clang-format on
-static_assert(NamesAreUnique(GccFlags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(GccFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
+
+// For families in which the last of the four flags for plain char decides.
+constexpr FlagRow LastCharFlags[] = {
+    {"fsigned-char",      FlagKind::Keep, FlagEffect::SignedChar  },
+    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar  },
+    {"fno-signed-char",   FlagKind::Keep, FlagEffect::UnsignedChar},
+};
 
 } // namespace
 
-Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}) {}
+Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}, CharSign::UnsignedByFlag) {}
 
-Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension)
-    : Compiler(type, name, GccIntroducers, FlagTable(GccFlags, extension)) {}
+Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension, CharSign charSign)
+    : Compiler(type, name, GccIntroducers,
+               FlagTable({extension,
+                          charSign == CharSign::ByLastFlag ? std::span<const FlagRow>(LastCharFlags)
+                                                           : std::span<const FlagRow>(),
+                          GccFlags})) {}
 
 std::vector<std::string> Gcc::BuildPreprocessCommand(const ParsedCommand& command,
                                                      const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 5);
     words.emplace_back("-w");
-    words.emplace_back(command.compilerType == CompilerType::Qcc ? "-P" : "-E");
+    words.emplace_back(StageFlag());
     words.emplace_back("-o");
     words.push_back(outputPath);
     words.push_back(WithFolder(command.sourceFile));
     return words;
 }
 
-void Gcc::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    command.unsignedChar = std::find(arguments.begin(), arguments.end(), "-funsigned-char") != arguments.end();
+void Gcc::FinishParse(ParsedCommand& command) const {
+    if (command.targetBits) {
+        command.platformWord = *command.targetBits == TargetBits::Bits32 ? "linux32" : "linux64";
+    }
 }
 
 // Drivers skip the preprocessing of a file that is preprocessed already, and write no output then. Taken for a plain
@@ -303,16 +321,6 @@ void Gcc::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
     if (IsPreprocessed(kind)) {
         command.keptArguments.emplace_back("-x");
         command.keptArguments.emplace_back(command.language == Language::C ? "c" : "c++");
-    }
-}
-
-void Gcc::TakeCharSign(std::span<const std::string> arguments, ParsedCommand& command) {
-    for (const std::string& argument : arguments) {
-        if (argument == "-fsigned-char") {
-            command.unsignedChar = false;
-        } else if (argument == "-funsigned-char") {
-            command.unsignedChar = true;
-        }
     }
 }
 

@@ -10,27 +10,37 @@ namespace Orvanta {
 
 namespace {
 
+// clang-format off
 constexpr FlagRow Rows[] = {
-    {"I",           FlagKind::UserInclude  },
-    {"include",     FlagKind::ForcedInclude},
+    {"I", FlagKind::UserInclude},
+    {"include", FlagKind::ForcedInclude},
     {"include-pch", FlagKind::DropWithValue},
-    {"include=",    FlagKind::ForcedInclude},
-    {"O",           FlagKind::Drop         },
-    {"O1",          FlagKind::Drop         },
-    {"help=",       FlagKind::NoCompilation},
-    {"Wp",          FlagKind::Preprocessor },
-    {"std=c99",     FlagKind::StandardC99  },
+    {"include=", FlagKind::ForcedInclude},
+    {"O", FlagKind::Drop},
+    {"O1", FlagKind::Drop},
+    {"help=", FlagKind::NoCompilation},
+    {"Wp", FlagKind::Preprocessor},
+    {"std=c99", FlagKind::StandardC99},
 };
 constexpr FlagRow Extension[] = {
-    {"imsvc",           FlagKind::SystemInclude, FlagEffect::None,            FlagValue::OfKind},
-    {"Fo",                 FlagKind::Output,                                     FlagEffect::None,                                FlagValue::Glued},
-    {"clang:", FlagKind::Preprocessor,                        FlagEffect::None,             FlagValue::Glued},
-    {"fc", FlagKind::Drop,FlagEffect::None,FlagValue::ShortGlued},
-    {"output",   FlagKind::Output,                          FlagEffect::None,                                 FlagValue::Long},
-    {"J",          FlagKind::SystemInclude,               FlagEffect::None, FlagValue::List},
-    {"list=",                 FlagKind::DropWithValue,                                      FlagEffect::None,                                 FlagValue::GluedAndNext},
-    {"O1",  FlagKind::Keep,                         FlagEffect::Compiles                                             },
+    {"imsvc", FlagKind::SystemInclude},
+    {"Fo", FlagKind::Output, FlagValue::Glued},
+    {"clang:", FlagKind::Preprocessor, FlagValue::Glued},
+    {"Xclang", FlagKind::Preprocessor, FlagValue::Next},
+    {"fc", FlagKind::Drop, FlagValue::ShortGlued},
+    {"output", FlagKind::Output, FlagValue::Long},
+    {"J", FlagKind::SystemInclude, FlagValue::List},
+    {"list=", FlagKind::DropWithValue, FlagValue::GluedAndNext},
+    {"O1", FlagKind::Keep, FlagEffect::Compiles, FlagFile::Read},
 };
+static_assert(RowsAreSound(Rows) && RowsAreSound(Extension));
+
+// What the compiler must refuse: a name that stands twice, and a flag that is kept and writes.
+constexpr FlagRow Twice[] = {{"c", FlagKind::Keep}, {"c", FlagKind::Drop}};
+constexpr FlagRow WritesAndIsKept[] = {{"MD", FlagKind::Keep, FlagFile::Written}};
+static_assert(!RowsAreSound(Twice) && !RowsAreSound(WritesAndIsKept));
+
+// clang-format on
 
 struct FindCase {
     const char* name;
@@ -66,6 +76,8 @@ const FindCase FindCases[] = {
     {"GluedValueTakesNoNext",       "-Fo",            FlagKind::Output,        "Fo",          "",     false},
     {"GluedWordIsNoList",           "-clang:-c",      FlagKind::Preprocessor,  "clang:",      "-c",   false},
     {"ExtensionCounts",             "-imsvcdir",      FlagKind::SystemInclude, "imsvc",       "dir",  false},
+    {"NextValueIsNeverGlued",       "-Xclangx",       FlagKind::Keep,          "",            "",     false},
+    {"NextValueFollows",            "-Xclang",        FlagKind::Preprocessor,  "Xclang",      "",     true },
     {"CaseCounts",                  "-ifoo",          FlagKind::Keep,          "",            "",     false},
     {"IntroducerAlone",             "--",             FlagKind::Keep,          "",            "",     false},
     {"BytesAbove127",               "-\xc3\xa9",      FlagKind::Keep,          "",            "",     false},
@@ -76,12 +88,12 @@ class FlagTableFind : public testing::TestWithParam<FindCase> {};
 } // namespace
 
 TEST_P(FlagTableFind, FindsTheRowThatFits) {
-    const FlagTable table(Rows, Extension);
+    const FlagTable table({Extension, Rows});
     const FindCase& row = GetParam();
     const std::string_view introducer = row.argument.starts_with("--") ? "--" : "-";
     const FlagMatch match = table.Find(row.argument.substr(introducer.size()), introducer);
-    EXPECT_EQ(match.kind, row.kind);
-    EXPECT_EQ(match.name, row.row);
+    EXPECT_EQ(match.row->kind, row.kind);
+    EXPECT_EQ(match.row->name, row.row);
     EXPECT_EQ(match.gluedValue, row.gluedValue);
     EXPECT_EQ(match.takesNext, row.takesNext);
 }
