@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -149,8 +150,13 @@ private:
     /// \throws ProcessStartException
     static void RequireStartable(const Arguments& command);
 
+    /// Waits, at most that long (nothing: without limit), for something to happen, and deals with it. The code of the
+    /// child once it has ended.
+    std::optional<int> Look(std::optional<std::chrono::milliseconds> longest);
+
     struct Handles; // the system's handles of the child and of its pipes
     std::unique_ptr<Handles> handles_;
+    std::optional<int> exitStatus_;
 };
 
 /// How a wait ended. When `finished` is false, `exitCode` is 0 after a stop request and 1 after a time-out.
