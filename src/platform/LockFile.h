@@ -37,6 +37,7 @@ public:
     /// gets it all the same.
     void ReleaseAndRemove() noexcept;
 
+    /// The answer of the last `Take`.
     [[nodiscard]] State CurrentState() const noexcept { return state_; }
 
     /// The name of the lock file of a key.

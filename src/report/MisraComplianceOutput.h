@@ -22,7 +22,10 @@ public:
     /// \throws FilesystemException
     MisraComplianceOutput(const std::string& path, MisraCategoryPlan plan, Deviations deviations);
 
+    /// True for a message about a guideline.
     bool Write(const ReportMessage& message) override;
+    /// Writes the page.
+    /// \throws FilesystemException
     void End() override;
 
 private:

@@ -21,6 +21,7 @@ enum class MisraCategory : std::uint8_t {
     Unknown, ///< the guideline's number is in no list of ours
 };
 
+/// The category's word in a compliance report and in a plan.
 [[nodiscard]] std::string_view NameOf(MisraCategory category) noexcept;
 
 /// The standard that a guideline is of.

@@ -19,6 +19,8 @@ public:
 /// One JSON document: an object whose "warnings" holds the messages. Closed again by every commit.
 class JsonOutput : public ReportOutput {
 public:
+    /// Replaces what is at `path` by a report without messages.
+    /// \throws FilesystemException
     explicit JsonOutput(const std::string& path);
     bool Write(const ReportMessage& message) override;
     void Commit() override;
@@ -32,6 +34,8 @@ private:
 /// One message a line, in the JSON or the raw form.
 class LineOutput : public ReportOutput {
 public:
+    /// Replaces what is at `path` by an empty report.
+    /// \throws FilesystemException
     LineOutput(const std::string& path, LineFormat format);
     bool Write(const ReportMessage& message) override;
     void Commit() override;
