@@ -2,6 +2,7 @@
 
 #include "report/Exceptions.h"
 #include "report/ReportMessage.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -18,36 +19,31 @@ ReportMessage Finding(const std::string& code, const std::string& sastId, bool f
 
 struct GuidelineCase {
     std::string_view name;
-    std::string_view shown; // empty: no guideline
-    MisraCategory category = MisraCategory::Unknown;
+    std::string_view shown;
+    MisraCategory category;
 };
 
 TEST(MisraGuideline, IsKnownByItsNameOrCode) {
     const GuidelineCase cases[] = {
-        {"MISRA-C-8.13",            "MISRA-C-8.13",                           MisraCategory::Advisory},
-        {"misra-c-9.1",                         "MISRA-C-9.1",                                                     MisraCategory::Mandatory},
-        {"MISRA-C-22.10", "MISRA-C-22.10",MisraCategory::Required},
-        {"MISRA-C-99.1",          "MISRA-C-99.1",                                       MisraCategory::Unknown},
-        {"MISRA-C-8.99",            "MISRA-C-8.99",                             MisraCategory::Unknown},
-        {"MISRA-C-DIR-4.6",                         "MISRA-C-DIR-4.6",                                                    MisraCategory::Advisory},
-        {"MISRA-CPP-5-0-1",   "MISRA-CPP-5-0-1",               MisraCategory::Required},
-        {"MISRA-CPP-5-0-2","MISRA-CPP-5-0-2",MisraCategory::Advisory},
-        {"V2501",         "V2501",                              MisraCategory::Unknown},
-        {"V501",                         ""                                                },
-        {"MISRA-C-8",  ""                                                                                            },
-        {"MISRA-C-8.13.1",          ""},
-        {"MISRA-C-8.x",                    ""                                 },
-        {"MISRA-CPP-5-0",               ""                                                   },
-        {"AUTOSAR-M5-0-1",          ""                                      },
-        {"",             ""                               },
+        {"MISRA-C-8.13",    "MISRA-C-8.13",    MisraCategory::Advisory },
+        {"misra-c-9.1",     "MISRA-C-9.1",     MisraCategory::Mandatory},
+        {"MISRA-C-22.10",   "MISRA-C-22.10",   MisraCategory::Required },
+        {"MISRA-C-99.1",    "MISRA-C-99.1",    MisraCategory::Unknown  },
+        {"MISRA-C-8.99",    "MISRA-C-8.99",    MisraCategory::Unknown  },
+        {"MISRA-C-DIR-4.6", "MISRA-C-DIR-4.6", MisraCategory::Advisory },
+        {"MISRA-CPP-5-0-1", "MISRA-CPP-5-0-1", MisraCategory::Required },
+        {"MISRA-CPP-5-0-2", "MISRA-CPP-5-0-2", MisraCategory::Advisory },
+        {"V2501",           "V2501",           MisraCategory::Unknown  },
     };
     for (const GuidelineCase& row : cases) {
         const std::optional<MisraGuideline> guideline = ParseMisraGuideline(row.name);
-        ASSERT_EQ(guideline.has_value(), !row.shown.empty()) << row.name;
-        if (guideline) {
-            EXPECT_EQ(guideline->Name(), row.shown);
-            EXPECT_EQ(guideline->Category(), row.category) << row.name;
-        }
+        ASSERT_TRUE(guideline.has_value()) << row.name;
+        EXPECT_EQ(guideline->Name(), row.shown);
+        EXPECT_EQ(guideline->Category(), row.category) << row.name;
+    }
+    for (const std::string_view none :
+         {"V501", "MISRA-C-8", "MISRA-C-8.13.1", "MISRA-C-8.x", "MISRA-CPP-5-0", "AUTOSAR-M5-0-1", ""}) {
+        EXPECT_FALSE(ParseMisraGuideline(none).has_value()) << none;
     }
 }
 
@@ -129,23 +125,20 @@ TEST(MisraComplianceOutput, JudgesByTheMostBindingGuidelines) {
 
 TEST(MisraCategoryPlan, IsRejectedWithItsFault) {
     const TestFolder folder;
-    const std::pair<std::string_view, std::string_view> cases[] = {
-        {"\nMISRA-C-8.13\n",                                       ", line 2: \"MISRA-C-8.13\", expected a guideline, \"=\" and its category"   },
-        {"V501 = Required",                                        ", line 1: \"V501 = Required\", expected a guideline, \"=\" and its category"},
-        {"MISRA-C-8.13 = Never",
-         ", line 1: wrong category \"Never\", expected Mandatory, Required, Advisory or Disapplied"                                             },
-        {"MISRA-C-9.1 = Required",                                 ", line 1: MISRA-C-9.1 is Mandatory and can't become Required"               },
-        {"MISRA-C-8.2 = Disapplied",                               ", line 1: MISRA-C-8.2 is Required and can't become Disapplied"              },
-        {"V2500=Disapplied\nMISRA-C-8.2=Required\nV2500=Advisory", ", line 3: V2500 stands twice"                                               },
+    const std::string form = ", expected a guideline, \"=\" and its category";
+    const std::string words = ", expected Mandatory, Required, Advisory or Disapplied";
+    const std::pair<std::string_view, std::string> cases[] = {
+        {"\nMISRA-C-8.13\n",                   "line 2: \"MISRA-C-8.13\"" + form                            },
+        {"V501 = Required",                    "line 1: \"V501 = Required\"" + form                         },
+        {"MISRA-C-8.13 = Never",               "line 1: wrong category \"Never\"" + words                   },
+        {"MISRA-C-9.1 = Required",             "line 1: MISRA-C-9.1 is Mandatory and can't become Required" },
+        {"MISRA-C-8.2 = Disapplied",           "line 1: MISRA-C-8.2 is Required and can't become Disapplied"},
+        {"V2500=Disapplied\n\nV2500=Advisory", "line 3: V2500 stands twice"                                 },
     };
     for (const auto& [text, fault] : cases) {
         const std::string path = folder.Write("plan", text);
-        try {
-            static_cast<void>(ReadMisraCategoryPlan(path));
-            ADD_FAILURE() << text << " was taken";
-        } catch (const ConfigException& error) {
-            EXPECT_EQ(error.what(), path + std::string(fault));
-        }
+        EXPECT_EQ(Orvanta::ErrorOf<ConfigException>([&] { static_cast<void>(ReadMisraCategoryPlan(path)); }),
+                  path + ", " + fault);
     }
     EXPECT_THROW(static_cast<void>(ReadMisraCategoryPlan(folder / "none")), FilesystemException);
 }
