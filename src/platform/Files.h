@@ -1,5 +1,16 @@
 #pragma once
 
+// Files, as the driver needs them on every system.
+//
+// Why not std::filesystem and streams: they lose the system's reason, take every failed question for "no", know no file
+// that is replaced in one step, and on Windows no path beyond the old limit. What is here instead throws FileException
+// with the path and the reason, or gives an answer that says it can't tell.
+//
+// A file of ours that replaces another is written beside it and renamed over it, so that a reader and a kill at any
+// moment find the old one or the new one. The file beside has a name made from the target's, locked while its writer
+// lives: the next writer of the same file sees that the one before is gone and takes its rest away, without a list of
+// what was begun.
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>

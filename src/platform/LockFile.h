@@ -19,8 +19,8 @@ public:
         Unavailable, ///< the file can't be opened, for example in a read-only folder
     };
 
-    LockFile() noexcept;
-    ~LockFile();
+    LockFile() noexcept = default;
+    ~LockFile() = default;
     LockFile(LockFile&& other) noexcept;
     LockFile& operator=(LockFile&& other) noexcept;
 
@@ -37,14 +37,15 @@ public:
     /// gets it all the same.
     void ReleaseAndRemove() noexcept;
 
+    /// The answer of the last `Take`.
     [[nodiscard]] State CurrentState() const noexcept { return state_; }
 
     /// The name of the lock file of a key.
     [[nodiscard]] static std::string FileName(const std::string& key);
 
 private:
-    struct Handle;
-    std::unique_ptr<Handle> handle_;
+    std::string path_;             // of what is held
+    std::shared_ptr<void> holder_; // the open file; closing it gives the lock up
     State state_ = State::None;
 };
 

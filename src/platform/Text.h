@@ -13,6 +13,7 @@ namespace Orvanta {
 /// Space, tab, line feed, vertical tab, form feed and carriage return.
 [[nodiscard]] bool IsWhiteSpace(char character) noexcept;
 
+/// ASCII digits, whatever the locale.
 [[nodiscard]] constexpr bool IsDigit(char character) noexcept {
     return character >= '0' && character <= '9';
 }
@@ -45,7 +46,9 @@ template <std::integral Number>
 /// ASCII letters only; every other byte stays.
 [[nodiscard]] char ToLowerAscii(char character) noexcept;
 [[nodiscard]] std::string ToLowerAscii(std::string_view text);
+/// Whether the texts are the same but for the case of ASCII letters.
 [[nodiscard]] bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
+/// Whether `part` stands somewhere in `text`, the case of ASCII letters aside. An empty part does.
 [[nodiscard]] bool ContainsIgnoringCase(std::string_view text, std::string_view part) noexcept;
 
 /// Fills the placeholders "%1%", "%2%", ... of `text`; each is replaced wherever it stands, values are put in as they

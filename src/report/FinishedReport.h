@@ -16,12 +16,15 @@ public:
     /// \throws FilesystemException
     FinishedReport(const std::string& path, ReportForm form);
 
+    /// Always true.
     bool Write(const ReportMessage& message) override;
 
     /// Writes a message as the text that it was read from, in a report of this one's kind (lines, or a document): what
     /// the record has no room for stays.
     void Copy(std::string_view text);
 
+    /// Puts the report in its place.
+    /// \throws FilesystemException
     void End() override;
 
     /// Adds a member of a JSON document beside its messages. Nothing in the other forms.

@@ -1,5 +1,15 @@
 #pragma once
 
+// The report of a run, complete on disk after every unit.
+//
+// A run of hours must not lose what it has found: not to a kill, not to a full disk. So each commit has to leave a
+// whole document, with its closing bracket, under the report's name. Two ways were rejected. Appending and moving the
+// bracket leaves a broken document for a moment at each commit. Writing it all anew and renaming costs the whole report
+// for every unit: a long run would spend its time on that.
+//
+// So there are two copies that take turns: the one beside the report lags by one commit; it gets what it lacks, the new
+// messages and the tail, and the two names are swapped. A commit costs twice what it adds, whatever the report's size.
+
 #include <memory>
 #include <string>
 #include <string_view>

@@ -43,10 +43,14 @@ public:
     void Read(const ReportReceiver& receiver);
 
 private:
+    /// Opens the report.
     void Open();
+    /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);
     void ReadLines(const ReportReceiver& receiver);
+    /// Puts a line of any form into `message_`.
     void ReadLine(std::string_view line);
+    /// The next line with its end, which lasts until the next call; false at the end of the report.
     [[nodiscard]] bool NextLine(std::string_view& line);
 
     std::string path_;

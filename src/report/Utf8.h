@@ -17,6 +17,7 @@ struct Utf8Step {
 /// Looks at the character that begins at `at`, which is inside `text`.
 [[nodiscard]] Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept;
 
+/// Whether the text is UTF-8 from its beginning to its end: no overlong form, no surrogate, nothing cut off.
 [[nodiscard]] bool IsValidUtf8(std::string_view text) noexcept;
 
 /// Appends the text, with U+FFFD for each sequence that is no UTF-8, as the JSON library replaces them.

@@ -1,6 +1,7 @@
 #include "report/Exceptions.h"
 #include "report/JsonMessage.h"
 #include "report/RawLine.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 #include "suppress/FilterWorker.h"
 #include "suppress/SuppressBase.h"
@@ -149,12 +150,8 @@ TEST_F(Workers, ABadLineLeavesEverythingAsItWas) {
     const std::vector<std::string> names = Names();
     for (const std::optional<std::string>& output :
          {std::optional<std::string>(), std::optional<std::string>("out.log")}) {
-        try {
-            Filter("base.json", "r.log", output);
-            ADD_FAILURE() << "the line was taken";
-        } catch (const OrvlogConverter::ParseException& error) {
-            EXPECT_EQ(error.what(), (folder / "r.log") + ", line 2: error parsing old format message");
-        }
+        EXPECT_EQ(ErrorOf<OrvlogConverter::ParseException>([&] { Filter("base.json", "r.log", output); }),
+                  (folder / "r.log") + ", line 2: error parsing old format message");
     }
     EXPECT_THROW(Suppress("base.json", "r.log"), OrvlogConverter::ParseException);
     EXPECT_EQ(folder.Read("r.log"), JsonLine("x") + "nonsense\n");
