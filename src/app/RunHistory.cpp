@@ -22,13 +22,17 @@ Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
 }
 
 // Fills `names` on the way.
-UnitHistory MakeHistory(const std::string& folder, std::span<const CompileCommand> units, const RunSettings& settings,
-                        const ResultMakers& makers, Log& log, Fingerprint& names) {
-    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, makers);
+UnitHistory MakeHistory(const RunHistory::Places& places, std::span<const CompileCommand> units,
+                        const RunSettings& settings, TellUser tell, Fingerprint& names) {
+    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, places.makers);
     names = NamesOf(identities);
-    return {folder, units, std::move(identities), [&log](const std::string& line) {
-                log.Line(line);
-            }};
+    return {places.orvantaFolder, units, std::move(identities), std::move(tell)};
+}
+
+TellUser TellIn(Log& log) {
+    return [&log](const std::string& line) {
+        log.Line(line);
+    };
 }
 
 } // namespace
@@ -36,8 +40,7 @@ UnitHistory MakeHistory(const std::string& folder, std::span<const CompileComman
 RunHistory::RunHistory(const AnalyzeOptions& options, const RunSettings& settings,
                        std::span<const CompileCommand> units, Places places, Log& log)
     : options_(options), settings_(settings), commands_(units), places_(std::move(places)), log_(log),
-      units_(MakeHistory(places_.orvantaFolder, units, settings, places_.makers, log, names_)),
-      mark_(places_.orvantaFolder, [&log](const std::string& line) { log.Line(line); }) {
+      units_(MakeHistory(places_, units, settings, TellIn(log), names_)), mark_(places_.orvantaFolder, TellIn(log)) {
     Read();
 }
 
