@@ -113,7 +113,7 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
             return result;
         }
         lookUp.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
-        lookUp.isJudged = true;
+        lookUp.isJudged = judged_.contains(lookUp.compiler->path);
     }
     result.compiler = lookUp.compiler;
     if (lookUp.compiler->type != CompilerType::Unknown) {
@@ -189,8 +189,8 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     info->path = path;
     if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
         info->type = *type;
-    } else {
-        AskForVersion(*info, workingDirectory, environment);
+    } else if (!AskForVersion(*info, workingDirectory, environment)) {
+        return info;
     }
     if (log_.IsVerbose()) {
         log_.VerboseLine("Compiler family: '" + path + "' is " + std::string(FamilyTitle(info->type)));
@@ -201,7 +201,7 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
 
 // Decides by what the compiler prints for "--version". The type stays unknown when it can't be started, doesn't end, or
 // the user wants to stop.
-void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
+bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
                                        const Environment& environment) {
     const Arguments command = {compiler.path, "--version"};
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
@@ -218,7 +218,7 @@ void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
                     "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
                     {CommandLineText(command), VariableLines(variables)}));
             }
-            return;
+            return true;
         }
         compiler.version = output.standardOutput + output.standardError;
         compiler.type = CompilerTypeByVersionText(compiler.version);
@@ -229,7 +229,9 @@ void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
         }
     } catch (const ProcessStartException& error) {
         compiler.fault = error.what();
+        return error.WhatFailed() == ProcessStartException::Cause::Program;
     }
+    return true;
 }
 
 std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
