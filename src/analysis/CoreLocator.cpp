@@ -17,17 +17,17 @@ constexpr const char* BundledCoreFolder = "../lib/orvanta";
 
 CoreLocation LocateCore(const std::string& programDirectory) {
     const std::string beside = JoinPath(programDirectory, CoreName);
-    if (PathExists(beside)) {
+    if (LookAt(beside).IsThere()) {
         return {beside, CoreLocation::Origin::Installed};
     }
     for (const std::string& folder : InstalledCoreFolders()) {
         const std::string installed = JoinPath(folder, CoreName);
-        if (PathExists(installed)) {
+        if (LookAt(installed).IsThere()) {
             return {installed, CoreLocation::Origin::Installed};
         }
     }
     const std::string bundled = NormalizePath(JoinPath(JoinPath(programDirectory, BundledCoreFolder), CoreName));
-    if (PathExists(bundled)) {
+    if (LookAt(bundled).IsThere()) {
         return {bundled, CoreLocation::Origin::Bundled};
     }
     throw ZelmException("Couldn't find orvanta");

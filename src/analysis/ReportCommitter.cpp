@@ -1,21 +1,33 @@
 #include "analysis/ReportCommitter.h"
 
+#include "analysis/ScopedFile.h"
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 #include "report/MessageLine.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <exception>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace Orvanta {
 
 namespace {
 
-// What an earlier run found can't be lost any more: it need not be on disk at once.
-constexpr std::size_t CarriedTogether = 256;
+// What an earlier run found can't be lost any more: it need not be on disk at once. So what has not changed costs a few
+// writes of the report in all, and little memory.
+constexpr std::size_t UnitsTogether = 256;
+constexpr std::size_t BytesTogether = std::size_t{1} << 20U;
+
+// Whether the unit took no time: its findings, if any, were known.
+bool IsSettled(AnalyzerStatus status) {
+    return status == AnalyzerStatus::CarriedOver || status == AnalyzerStatus::Excluded ||
+           status == AnalyzerStatus::NotListed || status == AnalyzerStatus::Stopped;
+}
 
 void MarkFailed(UnitResult& result, std::string reason) {
     if (!IsFailure(result.status)) { // the first reason stays
@@ -27,66 +39,97 @@ void MarkFailed(UnitResult& result, std::string reason) {
 } // namespace
 
 ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output,
-                                 OrvlogConverter::IOutput& chain)
-    : output_(output), chain_(&chain) {
+                                 OrvlogConverter::IOutput& chain, KeptFindings keptFindings)
+    : output_(output), chain_(&chain), keptFindings_(std::move(keptFindings)) {
     outcome_.statuses.assign(units, AnalyzerStatus::Stopped);
 }
 
 void ReportCommitter::Commit(std::size_t unit, UnitResult result) {
     const std::lock_guard lock(mutex_);
+    const bool isSettled = IsSettled(result.status);
     waiting_.emplace(unit, std::move(result));
-    CommitReady(lock);
-}
-
-void ReportCommitter::CommitReady(Locked lock) {
     for (auto ready = waiting_.find(next_); ready != waiting_.end(); ready = waiting_.find(next_)) {
         CommitUnit(lock, next_, ready->second);
         waiting_.erase(ready);
-        ++next_;
     }
+    if (!isSettled) { // the next one that runs will take its time, too
+        Publish(lock);
+    }
+}
+
+void ReportCommitter::Flush() {
+    const std::lock_guard lock(mutex_);
+    Publish(lock);
 }
 
 void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& result) {
-    unitFindings_ = {};
-    if (!result.fragmentPath.empty()) {
-        if (result.status != AnalyzerStatus::Stopped) {
-            PassOnFragment(lock, result);
+    try {
+        PassOnFragment(lock, result);
+        if (result.status == AnalyzerStatus::CarriedOver) {
+            PassOnLines(lock, keptFindings_(unit), result);
         }
-        RemoveFile(result.fragmentPath);
+    } catch (const std::exception& error) {
+        MarkFailed(result, std::string("The core's findings can't be read: ") + error.what());
     }
-    PassOnKept(lock, result);
     for (const OrvlogConverter::ReportMessage& message : result.ownFindings) {
         PassOn(lock, message);
     }
-    try {
-        if (result.status != AnalyzerStatus::CarriedOver || ++carriedSinceCommit_ == CarriedTogether) {
-            output_.Commit();
-            carriedSinceCommit_ = 0;
-        }
-        for (std::size_t level = 0; level < unitFindings_.size(); ++level) {
-            outcome_.findingsByLevel[level] += unitFindings_[level];
-        }
-    } catch (const std::exception& error) {
-        MarkFailed(result, error.what());
-    }
     outcome_.Settle(unit, result);
+    ++next_;
+    if (!IsSettled(result.status) || next_ - published_ >= UnitsTogether || bytesWaiting_ >= BytesTogether) {
+        Publish(lock);
+    }
 }
 
-// A core that failed may have left half a line; every whole finding is kept all the same.
+// Puts on disk what was passed on since the last time. When that fails, the units whose findings it were have failed.
+void ReportCommitter::Publish(Locked) {
+    try {
+        output_.Commit();
+        for (std::size_t level = 0; level < findingsWaiting_.size(); ++level) {
+            outcome_.findingsByLevel[level] += findingsWaiting_[level];
+        }
+    } catch (const std::exception& error) {
+        for (; published_ < next_; ++published_) {
+            const AnalyzerStatus status = outcome_.statuses[published_];
+            if (status == AnalyzerStatus::CarriedOver || !IsSettled(status)) {
+                outcome_.Fail(published_, error.what());
+            }
+        }
+    }
+    published_ = next_;
+    findingsWaiting_ = {};
+    bytesWaiting_ = 0;
+}
+
+// A core that found nothing may have made no file. One that failed may have left half a line; every whole finding is
+// kept all the same.
 void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
+    if (result.fragmentPath.empty()) {
+        return;
+    }
+    const ScopedFile file(result.fragmentPath);
+    if (result.status == AnalyzerStatus::Stopped || !PathExists(result.fragmentPath)) {
+        return;
+    }
     std::ifstream fragment(NativePath(result.fragmentPath), std::ios::binary);
+    if (!fragment.is_open()) {
+        throw FileException(result.fragmentPath, std::generic_category().message(errno));
+    }
     std::string line;
     for (std::size_t number = 1; std::getline(fragment, line); ++number) {
         PassOnLine(lock, line, number, result);
     }
+    if (fragment.bad()) {
+        throw FileException(result.fragmentPath, std::generic_category().message(errno));
+    }
 }
 
-void ReportCommitter::PassOnKept(Locked lock, UnitResult& result) {
-    std::string_view rest = result.keptFindings;
-    for (std::size_t number = 1; !rest.empty(); ++number) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        PassOnLine(lock, rest.substr(0, end), number, result);
-        rest.remove_prefix(std::min(end + 1, rest.size()));
+void ReportCommitter::PassOnLines(Locked lock, std::string_view lines, UnitResult& result) {
+    bytesWaiting_ += lines.size();
+    for (std::size_t number = 1; !lines.empty(); ++number) {
+        const std::size_t end = std::min(lines.find('\n'), lines.size());
+        PassOnLine(lock, lines.substr(0, end), number, result);
+        lines.remove_prefix(std::min(end + 1, lines.size()));
     }
 }
 
@@ -106,7 +149,7 @@ void ReportCommitter::PassOnLine(Locked lock, std::string_view line, std::size_t
 
 void ReportCommitter::PassOn(Locked, const OrvlogConverter::ReportMessage& message) {
     if (chain_.Write(message)) {
-        ++unitFindings_[message.level < unitFindings_.size() ? message.level : 0];
+        ++findingsWaiting_[message.level < findingsWaiting_.size() ? message.level : 0];
     }
 }
 

@@ -1,5 +1,6 @@
 #include "analysis/SourceSelection.h"
 
+#include "history/UnitHistory.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -7,8 +8,31 @@
 
 namespace Orvanta {
 
+namespace {
+
+UnitAction RunUnlessExcluded(const CompileCommand& unit, const RunSettings& settings) {
+    return IsExcluded(settings, SourcePath(unit)) ? UnitAction::Exclude : UnitAction::Run;
+}
+
+// The action of each unit.
+template <typename ActionOf>
+std::vector<UnitAction> ForEachUnit(std::span<const CompileCommand> units, const ActionOf& actionOf) {
+    std::vector<UnitAction> actions;
+    actions.reserve(units.size());
+    for (std::size_t unit = 0; unit < units.size(); ++unit) {
+        actions.push_back(actionOf(unit));
+    }
+    return actions;
+}
+
+} // namespace
+
+std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const RunSettings& settings) {
+    return ForEachUnit(units, [&](std::size_t unit) { return RunUnlessExcluded(units[unit], settings); });
+}
+
 ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
-                         std::span<const std::string> listed) {
+                         std::span<const std::string> listed, const RunSettings& settings) {
     std::vector<bool> isMatched;
     const std::vector<bool> isMadeOfListed = history.UnitsMadeOf(listed, isMatched);
     std::unordered_map<std::string, std::vector<std::size_t>> places; // in `listed`, by the comparable form of the path
@@ -25,7 +49,7 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
             }
         }
         const bool isSelected = named != places.end() || isMadeOfListed[unit];
-        selection.actions.push_back(isSelected ? UnitAction::Run : UnitAction::LeaveOut);
+        selection.actions.push_back(isSelected ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut);
     }
     for (std::size_t place = 0; place < listed.size(); ++place) {
         if (!isMatched[place]) {
@@ -37,20 +61,25 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
 
 std::vector<UnitAction> SelectModified(std::span<const CompileCommand> units, UnitHistory& history,
                                        const RunSettings& settings) {
-    std::vector<UnitAction> actions;
-    actions.reserve(units.size());
-    for (std::size_t unit = 0; unit < units.size(); ++unit) {
-        if (IsExcluded(settings, SourcePath(units[unit])) || history.IsLeftOut(unit)) {
-            actions.push_back(UnitAction::Exclude);
-        } else {
-            actions.push_back(history.IsUnchanged(unit) ? UnitAction::CarryOver : UnitAction::Run);
+    return ForEachUnit(units, [&](std::size_t unit) {
+        const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        if (action == UnitAction::Exclude) {
+            return action;
         }
-    }
-    return actions;
+        if (history.IsLeftOut(unit)) {
+            return UnitAction::ExcludeSystem;
+        }
+        return history.IsUnchanged(unit) ? UnitAction::CarryOver : UnitAction::Run;
+    });
 }
 
-bool RunsNone(std::span<const UnitAction> actions) {
-    return std::none_of(actions.begin(), actions.end(), [](UnitAction action) { return action == UnitAction::Run; });
+std::vector<UnitAction> SelectUnlisted(std::span<const CompileCommand> units, UnitHistory& history,
+                                       const RunSettings& settings) {
+    return ForEachUnit(units, [&](std::size_t unit) {
+        const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        const bool isKnown = history.IsLeftOut(unit) || history.KnowsDependencies(unit);
+        return action == UnitAction::Run && isKnown ? UnitAction::LeaveOut : action;
+    });
 }
 
 } // namespace Orvanta

@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 
+#include <string_view>
 #include <utility>
 
 namespace Orvanta {
@@ -24,8 +25,9 @@ OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
     return message;
 }
 
-std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output) {
-    std::string reason(fullText.substr(0, fullText.find("\nStdout:\n")));
+std::string CoreFailureReason(const ProcessReturnCodeException& error) {
+    const CapturedOutput& output = error.Output();
+    std::string reason = error.Summary();
     const std::string_view said = Trim(output.standardError.empty() ? output.standardOutput : output.standardError);
     if (!said.empty()) {
         reason += '\n';

@@ -1,17 +1,29 @@
 #pragma once
 
+#include "analysis/AnalyzerStatus.h"
+#include "platform/Exceptions.h"
 #include "platform/Process.h"
 #include "report/ReportMessage.h"
 
 #include <string>
-#include <string_view>
 
 namespace Orvanta {
+
+/// A unit has failed, and how. The run of the unit makes it the unit's result.
+class UnitFailure : public ZelmException {
+public:
+    UnitFailure(AnalyzerStatus status, std::string reason) : ZelmException(std::move(reason)), status_(status) {}
+
+    [[nodiscard]] AnalyzerStatus Status() const noexcept { return status_; }
+
+private:
+    AnalyzerStatus status_;
+};
 
 /// The finding that stands in the report for a unit that could not be preprocessed.
 [[nodiscard]] OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath);
 
-/// Why a core failed, for the list of failures: its command and its code, which begin `fullText`, then what it said.
-[[nodiscard]] std::string CoreFailureReason(std::string_view fullText, const CapturedOutput& output);
+/// Why a core failed, for the list of failures: its command and its code, then what it said.
+[[nodiscard]] std::string CoreFailureReason(const ProcessReturnCodeException& error);
 
 } // namespace Orvanta

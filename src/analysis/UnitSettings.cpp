@@ -1,5 +1,6 @@
 #include "analysis/UnitSettings.h"
 
+#include "compilers/Compiler.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 

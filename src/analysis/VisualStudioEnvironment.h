@@ -1,6 +1,6 @@
 #pragma once
 
-#include "compilers/CompilerIdentifier.h"
+#include "compilers/CompilerInfo.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Log.h"
@@ -26,7 +26,9 @@ public:
     /// What it asks of the system.
     struct Host {
         PathRules rules = HostPathRules();
-        std::function<bool(const std::string& path)> exists = PathExists;
+        std::function<bool(const std::string& path)> exists = [](const std::string& path) {
+            return LookAt(path).IsThere();
+        };
         std::function<std::string(const std::string& commandLine)> run = RunAndRead;
     };
 

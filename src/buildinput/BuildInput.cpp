@@ -16,7 +16,7 @@ NoCompilerInvocationsFound::NoCompilerInvocationsFound(Hint hint)
 
 void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     std::ifstream input;
-    if (!IsDirectory(path)) { // some systems open a folder for reading like a file
+    if (LookAt(path).kind != PathKind::Folder) { // some systems open a folder for reading like a file
         input.open(NativePath(path), std::ios::binary);
     }
     if (!input.is_open()) {

@@ -6,6 +6,7 @@
 #include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
 #include "buildinput/ShellLine.h"
+#include "compilers/CommandLineReader.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
@@ -72,7 +73,8 @@ bool HoldsZeroByte(const Environment& environment) {
 bool NoneExists(const std::vector<SourceArgument>& sources, const std::vector<std::string>& arguments,
                 const std::string& directory) {
     return std::none_of(sources.begin(), sources.end(), [&](const SourceArgument& source) {
-        return PathExists(JoinPath(directory, std::string_view(arguments[source.index]).substr(source.offset)));
+        const std::string path = JoinPath(directory, std::string_view(arguments[source.index]).substr(source.offset));
+        return LookAt(path).kind != PathKind::Nothing; // when it can't be told, the compiler will say why
     });
 }
 

@@ -71,8 +71,8 @@ bool NamesResponseFile(std::string_view argument, const std::string& directory) 
     if (argument.size() < 2 || argument.front() != '@') {
         return false;
     }
-    const std::string path = JoinPath(directory, argument.substr(1));
-    return PathExists(path) && !IsDirectory(path);
+    const PathKind kind = KindOf(JoinPath(directory, argument.substr(1)));
+    return kind == PathKind::File || kind == PathKind::Other;
 }
 
 /// Appends the argument, or what the response file that it names stands for.

@@ -34,7 +34,10 @@ SourceList ReadSourceList(const std::string& path) {
     SourceList list;
     list.paths = ParseSourceList(ReadWholeFile(path));
     list.isEmpty = list.paths.empty();
-    std::erase_if(list.paths, [](const std::string& listed) { return !PathExists(listed) || IsDirectory(listed); });
+    std::erase_if(list.paths, [](const std::string& listed) {
+        const PathKind kind = KindOf(listed);
+        return kind == PathKind::Nothing || kind == PathKind::Folder;
+    });
     return list;
 }
 

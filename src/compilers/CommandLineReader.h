@@ -2,8 +2,8 @@
 
 #include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
+#include "compilers/SourceArgument.h"
 
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -11,13 +11,6 @@
 #include <vector>
 
 namespace Orvanta {
-
-/// One source file that an invocation compiles.
-struct SourceArgument {
-    std::size_t index = 0;                                           ///< of the argument that names it
-    std::size_t offset = 0;                                          ///< where the file's name begins in that argument
-    std::shared_ptr<const std::vector<std::size_t>> openValues = {}; ///< of the command; null when there are none
-};
 
 /// What an invocation is, before it is read in full.
 struct InvocationOutline {

@@ -112,13 +112,17 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
             result.compiler = lookUp.compiler;
             return result;
         }
-        lookUp.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
+        result.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
         lookUp.isJudged = judged_.contains(lookUp.compiler->path);
+        if (lookUp.isJudged) {
+            lookUp.compiler = result.compiler;
+        }
+    } else {
+        result.compiler = lookUp.compiler;
     }
-    result.compiler = lookUp.compiler;
-    if (lookUp.compiler->type != CompilerType::Unknown) {
+    if (result.compiler->type != CompilerType::Unknown) {
         result.verdict = IdentificationVerdict::Known;
-    } else if (!lookUp.compiler->fault.empty()) {
+    } else if (!result.compiler->fault.empty()) {
         result.verdict = IdentificationVerdict::Unusable;
     }
     return result;
@@ -165,7 +169,8 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
             return Remember(key_, AbsolutePath(found), true);
         }
     }
-    const bool exists = PathExists(path) && !IsDirectory(path);
+    const PathAnswer file = LookAt(path);
+    const bool exists = file.IsThere() && file.kind != PathKind::Folder;
     return Remember(key_, std::move(path), exists);
 }
 
@@ -178,6 +183,7 @@ CompilerIdentifier::LookUp& CompilerIdentifier::Remember(std::string key, std::s
     return lookUps_.emplace(std::move(key), LookUp{std::move(info), exists, false}).first->second;
 }
 
+// Remembers the compiler unless it could not be asked for a reason that lies in this invocation.
 std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string& path,
                                                               const std::string& workingDirectory,
                                                               const Environment& environment) {
@@ -200,14 +206,15 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
 }
 
 // Decides by what the compiler prints for "--version". The type stays unknown when it can't be started, doesn't end, or
-// the user wants to stop.
+// the user wants to stop. False when it never ran because of the folder or the variables, which are this invocation's:
+// another one may be able to ask. One that has run is not asked again, whatever came of it.
 bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
                                        const Environment& environment) {
     const Arguments command = {compiler.path, "--version"};
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
     CapturedOutput output;
     try {
-        Process process(command, IsDirectory(workingDirectory) ? workingDirectory : std::string(),
+        Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
                         EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
                         ReceiveUpToLimit(output.standardError));
         const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);

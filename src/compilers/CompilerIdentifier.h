@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compilers/CompilerInfo.h"
 #include "compilers/CompilerType.h"
 #include "platform/Environment.h"
 #include "platform/Log.h"
@@ -19,18 +20,10 @@
 // Which family a compiler is of. Its name decides where names are told apart for certain; every other program is asked
 // with "--version", because a name such as "cc" says nothing and vendors rename their compilers. Asking is the
 // costliest part of reading a build: it is done once for each path, and what a word of a command leads to on the disk
-// is looked up once for each word, folder and search path. A question that could not be
-// put, because of the folder or the environment of one entry, is no question: the next entry puts it again.
+// is looked up once for each word, folder and search path. The folder and the environment of one entry can be what
+// keeps a program from starting.
 
 namespace Orvanta {
-
-/// A compiler found on this machine. One record per path, shared by all commands that use it.
-struct CompilerInfo {
-    CompilerType type = CompilerType::Unknown;
-    std::string path;    ///< absolute
-    std::string version; ///< the text that "--version" printed; empty when the name alone decided
-    std::string fault;   ///< why it can't be started; empty when it can, as far as is known
-};
 
 /// How identification of one invocation ended.
 enum class IdentificationVerdict {
@@ -83,7 +76,6 @@ private:
     const std::string& SearchPath(const Environment& environment) const;
     std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
                                               const Environment& environment);
-    /// False when what kept the compiler from starting is the entry's: its folder, its variables, their length.
     bool AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
 
     const RunSettings& settings_;

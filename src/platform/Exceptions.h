@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 namespace Orvanta {
 
@@ -15,6 +16,29 @@ public:
 
 private:
     std::string message_;
+};
+
+/// A file or a folder can't be used. Whoever knows it by another name than the one that failed (a file beside it, the
+/// end of a link) catches this and throws its own, made from the reason.
+class FileException : public ZelmException {
+public:
+    /// The text is "PATH: REASON".
+    FileException(std::string path, std::string reason)
+        : ZelmException(path + ": " + reason), path_(std::move(path)), reason_(std::move(reason)) {}
+
+    /// The text is "WHAT PATH: REASON".
+    FileException(const std::string& what, std::string path, std::string reason)
+        : ZelmException(what + " " + path + ": " + reason), path_(std::move(path)), reason_(std::move(reason)) {}
+
+    /// What failed, as it was handed to the function that threw this.
+    [[nodiscard]] const std::string& Path() const noexcept { return path_; }
+
+    /// Why, mostly in the system's words, without a full stop.
+    [[nodiscard]] const std::string& Reason() const noexcept { return reason_; }
+
+private:
+    std::string path_;
+    std::string reason_;
 };
 
 /// Ends the process with a code of its own, in silence: whoever throws it has already said why. Only the entry catches

@@ -18,11 +18,12 @@ nanoseconds Offset() {
 
 FileStamp StampOfNewFile(const std::string& folder) {
     const std::string path = JoinPath(folder, ".orvtmp-clock");
+    RemoveFile(path); // whatever stands there: a pipe would hold us until somebody reads it
     OutputFile(path, OutputFile::Mode::Replace).Append("\n");
     const std::optional<FileStamp> stamp = StampOf(path);
     RemoveFile(path);
     if (!stamp) {
-        throw ZelmException(path + ": the file is gone as soon as it is made");
+        throw FileException(path, "the file is gone as soon as it is made");
     }
     return *stamp;
 }

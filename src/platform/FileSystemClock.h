@@ -13,7 +13,7 @@ namespace Orvanta {
 class FileSystemClock {
 public:
     /// Makes a file in `folder`, looks at it and removes it.
-    /// \throws ZelmException when that is not possible
+    /// \throws FileException when that is not possible
     explicit FileSystemClock(const std::string& folder);
 
     /// Whether what the stamp tells of was certainly there before `moment`, and anything written after it would have

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/StopFlag.h"
+
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -23,6 +26,12 @@ public:
 
     /// Gives up what is held and tries to take the lock of `key` in `directory`, without waiting and without throwing.
     State Take(const std::string& directory, const std::string& key);
+
+    /// The same for the lock of what stands, or is to stand, at `path`: one thing has one lock, however its path is
+    /// spelt and whatever links lead there. The file lies beside it, where every machine that shares the folder finds
+    /// it under one name; a number of the device or the file would be another one there. Waits for another holder for
+    /// `longest` at most, and no longer than `stop` lets it.
+    State Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop);
 
     /// Gives up what is held and removes its file, for a lock that leaves nothing behind. Whoever waits for the lock
     /// gets it all the same.

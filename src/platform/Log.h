@@ -18,7 +18,7 @@ public:
     Log& operator=(const Log&) = delete;
 
     /// From now on every line, those for verbose output included, is also written to the file at `path`.
-    /// \throws ZelmException when it can't be written
+    /// \throws FileException when it can't be written
     void OpenFile(const std::string& path);
 
     /// Writes `text` and a line feed, both in one piece.

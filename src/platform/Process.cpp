@@ -3,6 +3,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvanta {
 
@@ -11,20 +12,50 @@ namespace {
 constexpr WaitResult Stopped{.exitCode = 0, .finished = false};
 constexpr WaitResult TimedOut{.exitCode = 1, .finished = false};
 
+std::string ReturnCodeText(const Arguments& command, int exitCode) {
+    return FillPlaceholders("Command \"%1%\" returned code %2%.", {CommandLineText(command), std::to_string(exitCode)});
+}
+
 } // namespace
 
-ProcessReturnCodeException::ProcessReturnCodeException(const Arguments& command, int exitCode)
-    : ProcessException(FillPlaceholders("Command \"%1%\" returned code %2%.",
-                                        {CommandLineText(command), std::to_string(exitCode)})) {}
+ProcessStartException::ProcessStartException(const std::string& program, std::string reason, Cause cause)
+    : ProcessException("Couldn't start \"" + program + "\": " + reason), cause_(cause), reason_(std::move(reason)) {}
 
-ProcessReturnCodeException::ProcessReturnCodeException(const Arguments& command, int exitCode,
-                                                       std::string_view standardOutput, std::string_view standardError)
-    : ProcessException(
-          FillPlaceholders("Command \"%1%\" returned code %2%.\nStdout:\n%3%\nStderr:\n%4%",
-                           {CommandLineText(command), std::to_string(exitCode), standardOutput, standardError})) {}
+ProcessStartException::ProcessStartException(const std::string& program, const std::string& directory,
+                                             std::string reason)
+    : ProcessException("Couldn't start \"" + program + "\" in \"" + directory + "\": " + reason),
+      cause_(Cause::Directory), reason_(std::move(reason)) {}
+
+ProcessReturnCodeException::ProcessReturnCodeException(const Arguments& command, int exitCode)
+    : ProcessException(ReturnCodeText(command, exitCode)), exitCode_(exitCode), summary_(what()) {}
+
+ProcessReturnCodeException::ProcessReturnCodeException(const Arguments& command, int exitCode, CapturedOutput output)
+    : ProcessException(ReturnCodeText(command, exitCode) + "\nStdout:\n" + output.standardOutput + "\nStderr:\n" +
+                       output.standardError),
+      exitCode_(exitCode), summary_(ReturnCodeText(command, exitCode)), output_(std::move(output)) {}
 
 ProcessInterruptedException::ProcessInterruptedException(const Arguments& command)
     : ProcessException(FillPlaceholders("Command \"%1%\" was interrupted.", {CommandLineText(command)})) {}
+
+Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
+                 OutputReceiver standardOutput, OutputReceiver standardError)
+    : Process(command, StartConditions{workingDirectory, environment}, std::move(standardOutput),
+              std::move(standardError)) {}
+
+// No system can hand on an argument with a zero byte in it: what stands behind it would be lost.
+void Process::RequireStartable(const Arguments& command) {
+    using Cause = ProcessStartException::Cause;
+    if (command.empty()) {
+        throw ProcessStartException("", "the command is empty", Cause::Program);
+    }
+    for (const std::string& argument : command) {
+        if (argument.find('\0') != std::string::npos) {
+            const std::string& program = command.front();
+            throw ProcessStartException(program.substr(0, program.find('\0')), "an argument holds a zero byte",
+                                        Cause::Command);
+        }
+    }
+}
 
 OutputReceiver MakeRedirectToStringProcessor(std::string& target) {
     return [&target](std::string_view bytes) {
@@ -82,7 +113,7 @@ WaitResult WaitUntilEndOrStop(Process& process, const StopFlag& stop) {
 ProcessOutcome JudgeEnd(const Arguments& command, WaitResult result, Process& process, const CapturedOutput& output) {
     if (result.finished) {
         if (result.exitCode != 0) {
-            throw ProcessReturnCodeException(command, result.exitCode, output.standardOutput, output.standardError);
+            throw ProcessReturnCodeException(command, result.exitCode, output);
         }
         return ProcessOutcome::Succeeded;
     }

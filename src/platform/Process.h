@@ -17,13 +17,19 @@ namespace Orvanta {
 
 using Arguments = std::vector<std::string>;
 
+/// Both outputs of a child, captured whole.
+struct CapturedOutput {
+    std::string standardOutput;
+    std::string standardError;
+};
+
 /// Base of the errors of child processes. The unit that started the child catches it, or the entry.
 class ProcessException : public ZelmException {
 public:
     using ZelmException::ZelmException;
 };
 
-/// A child could not be started: the text names the program and the system's reason.
+/// A child could not be started: the text names the program, the folder where it was that, and the reason.
 class ProcessStartException : public ProcessException {
 public:
     enum class Cause {
@@ -33,22 +39,41 @@ public:
         Resources, ///< the system had no room (open files, processes, memory): a later start may succeed
     };
 
-    ProcessStartException(std::string message, Cause cause) : ProcessException(std::move(message)), cause_(cause) {}
+    ProcessStartException(const std::string& program, std::string reason, Cause cause);
+
+    /// The child's folder is at fault.
+    ProcessStartException(const std::string& program, const std::string& directory, std::string reason);
 
     [[nodiscard]] Cause WhatFailed() const noexcept { return cause_; }
 
+    /// The system's words, or ours where the system was never asked.
+    [[nodiscard]] const std::string& Reason() const noexcept { return reason_; }
+
 private:
     Cause cause_;
+    std::string reason_;
 };
 
 /// A child ended with a non-zero code.
 class ProcessReturnCodeException : public ProcessException {
 public:
-    /// Short form: the command line and the code.
+    /// Short form: the text is the command line and the code.
     ProcessReturnCodeException(const Arguments& command, int exitCode);
-    /// Full form: both captured outputs as well, each put in whole.
-    ProcessReturnCodeException(const Arguments& command, int exitCode, std::string_view standardOutput,
-                               std::string_view standardError);
+    /// Full form: the text has both captured outputs as well, each whole.
+    ProcessReturnCodeException(const Arguments& command, int exitCode, CapturedOutput output);
+
+    [[nodiscard]] int ExitCode() const noexcept { return exitCode_; }
+
+    /// The text of the short form: where it goes into a line, and the outputs elsewhere.
+    [[nodiscard]] const std::string& Summary() const noexcept { return summary_; }
+
+    /// Empty in the short form.
+    [[nodiscard]] const CapturedOutput& Output() const noexcept { return output_; }
+
+private:
+    int exitCode_;
+    std::string summary_;
+    CapturedOutput output_;
 };
 
 /// A child was killed because its time was up.
@@ -120,6 +145,10 @@ public:
     [[nodiscard]] bool HasEnded() const noexcept;
 
 private:
+    /// What no system can start.
+    /// \throws ProcessStartException
+    static void RequireStartable(const Arguments& command);
+
     struct Handles; // the system's handles of the child and of its pipes
     std::unique_ptr<Handles> handles_;
 };
@@ -142,12 +171,6 @@ inline constexpr std::chrono::milliseconds PollInterval{100};
 
 /// What a child's end means where it is no exception.
 enum class ProcessOutcome { Succeeded = 0, Stopped = 4 };
-
-/// Both outputs of a child, captured whole.
-struct CapturedOutput {
-    std::string standardOutput;
-    std::string standardError;
-};
 
 /// Judges the end of a child. A time-out kills the child and all that it started.
 /// \throws ProcessReturnCodeException, full form, when the child failed

@@ -37,7 +37,7 @@ bool MayBeAbandoned(const std::string& folder) {
     case FolderState::NotOurs:
         return false;
     case FolderState::Fresh:
-        return PathExists(JoinPath(folder, LockFile::FileName(LockKey)));
+        return LookAt(JoinPath(folder, LockFile::FileName(LockKey))).IsThere();
     case FolderState::Old:
         return true;
     }

@@ -10,7 +10,7 @@ namespace Orvanta {
 [[nodiscard]] std::string SystemTemporaryFolder();
 
 /// Makes a folder that only this user can look into; false when the name is taken.
-/// \throws ZelmException when it can't be made
+/// \throws FileException when it can't be made
 [[nodiscard]] bool MakePrivateFolder(const std::string& path);
 
 /// What a folder looks like from outside.

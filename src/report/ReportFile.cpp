@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "report/Exceptions.h"
+#include "report/WriteFailure.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,13 +13,6 @@
 namespace OrvlogConverter {
 
 namespace {
-
-// The reason that ends the text of a file error.
-std::string ReasonOf(const Orvanta::ZelmException& error) {
-    const std::string text = error.what();
-    const std::size_t colon = text.rfind(": ");
-    return colon == std::string::npos ? text : text.substr(colon + 2);
-}
 
 std::string SparePathOf(const std::string& path) {
     return Orvanta::JoinPath(Orvanta::DirectoryOf(path), "." + std::string(Orvanta::FileNameOf(path)) + ".orvanta-new");
@@ -40,8 +34,6 @@ struct ReportFile::State {
     std::optional<std::uint64_t> spareSize; // what the second copy has on disk; empty when it must be made anew
     std::string lag;                        // text that the report has and the second copy has not
 
-    template <class Work>
-    void NamingReport(const Work& work) const;
     void Create();
     void EnsureSpare();
     void WriteSpare(std::string_view bytes);
@@ -49,25 +41,15 @@ struct ReportFile::State {
     void RemoveSpare() noexcept;
 };
 
-// Errors of files name the path that failed, which may be the second copy's; the user knows the report's.
-template <class Work>
-void ReportFile::State::NamingReport(const Work& work) const {
-    try {
-        work();
-    } catch (const Orvanta::ZelmException& error) {
-        throw FilesystemException("Can't write to file: " + givenPath + ": " + ReasonOf(error));
-    }
-}
-
 void ReportFile::State::Create() {
-    const bool exists = Orvanta::PathExists(givenPath);
-    if (exists && !Orvanta::IsRegularFile(givenPath)) {
+    const Orvanta::PathKind kind = Orvanta::KindOf(givenPath);
+    if (kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
         stream.emplace(givenPath, Orvanta::OutputFile::Mode::Keep);
         stream->Append(frame.head);
         return;
     }
     path = Orvanta::ResolveLinks(givenPath); // so that a link stays one
-    if (exists) {
+    if (kind == Orvanta::PathKind::File) {
         // A file that its owner protects stays, although the folder would let us put another in its place.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
@@ -142,7 +124,7 @@ ReportFile::ReportFile(const std::string& path, ReportFrame frame) : state_(std:
     }
     state_->givenPath = path;
     state_->frame = std::move(frame);
-    state_->NamingReport([this] { state_->Create(); });
+    NamingFile(state_->givenPath, [this] { state_->Create(); });
 }
 
 ReportFile::~ReportFile() {
@@ -161,7 +143,7 @@ void ReportFile::Commit() {
         return;
     }
     try {
-        state_->NamingReport([this] {
+        NamingFile(state_->givenPath, [this] {
             if (state_->stream) {
                 state_->stream->Append(state_->pending);
             } else {
@@ -182,7 +164,7 @@ void ReportFile::Discard() noexcept {
 
 void ReportFile::Close() {
     if (state_->stream) {
-        state_->NamingReport([this] { state_->stream->Append(state_->frame.tail); });
+        NamingFile(state_->givenPath, [this] { state_->stream->Append(state_->frame.tail); });
         state_->stream.reset();
     }
     state_->RemoveSpare();

@@ -120,7 +120,7 @@ ReportReader::ReportReader(std::string path) : path_(std::move(path)) {
     if (path_.empty()) {
         throw FilesystemException("Empty filepath");
     }
-    if (Orvanta::IsDirectory(path_)) {
+    if (Orvanta::LookAt(path_).kind == Orvanta::PathKind::Folder) {
         throw FilesystemException(path_ + " is a directory");
     }
     file_.open(Orvanta::NativePath(path_), std::ios::binary);
@@ -219,7 +219,7 @@ ReportForm DetectReportForm(const std::string& path) {
     if (IsJsonDocumentName(path)) {
         return ReportForm::JsonDocument;
     }
-    if (!Orvanta::IsRegularFile(path)) {
+    if (Orvanta::LookAt(path).kind != Orvanta::PathKind::File) {
         return ReportForm::JsonLines;
     }
     std::ifstream file(Orvanta::NativePath(path), std::ios::binary);

@@ -1,8 +1,8 @@
 #include "report/WholeFile.h"
 
-#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "report/Exceptions.h"
+#include "report/WriteFailure.h"
 
 #include <cstddef>
 #include <utility>
@@ -12,19 +12,6 @@ namespace OrvlogConverter {
 namespace {
 
 constexpr std::size_t BlockSize = 262144;
-
-// Errors of files name the path that failed, which may be that of a file beside; the user knows the one given.
-template <class Work>
-void NamingFile(const std::string& path, const Work& work) {
-    try {
-        work();
-    } catch (const Orvanta::ZelmException& error) {
-        const std::string text = error.what();
-        const std::size_t colon = text.rfind(": ");
-        throw FilesystemException("Can't write to file: " + path + ": " +
-                                  (colon == std::string::npos ? text : text.substr(colon + 2)));
-    }
-}
 
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
@@ -46,10 +33,13 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
 }
 
 void WholeFile::RequireReplaceable(const std::string& path) {
-    if (Orvanta::PathExists(path) && !Orvanta::IsRegularFile(path)) {
-        throw FilesystemException("Can't write to file: " + path + ": it is no regular file");
-    }
-    NamingFile(path, [&path] { ProbeExisting(path); });
+    NamingFile(path, [&path] {
+        const Orvanta::PathKind kind = Orvanta::KindOf(path);
+        if (kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
+            throw Orvanta::FileException(path, "it is no regular file");
+        }
+        ProbeExisting(path);
+    });
 }
 
 void WholeFile::Append(std::string_view text) {

@@ -1,11 +1,10 @@
 #include "suppress/FilterWorker.h"
 
-#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "report/Exceptions.h"
 #include "report/ReportReader.h"
 #include "report/WholeFile.h"
+#include "report/WriteFailure.h"
 
 #include <utility>
 
@@ -86,11 +85,7 @@ void FilterWorker::Finish(const Counts& counts) {
 
 // One renaming: at every moment the report's name leads to the old report or to the new one.
 void FilterWorker::ReplaceReport() {
-    try {
-        PutInPlaceOf(outputPath_, reportPath_);
-    } catch (const ZelmException& error) {
-        throw FilesystemException(std::string("Can't write to file: ") + error.what());
-    }
+    NamingFile(reportPath_, [this] { PutInPlaceOf(outputPath_, reportPath_); });
 }
 
 } // namespace Orvanta

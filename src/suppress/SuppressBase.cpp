@@ -240,7 +240,7 @@ WholeFile OpenBase(const std::string& path) {
 } // namespace
 
 SuppressBase SuppressBase::Read(const std::string& path) {
-    if (Orvanta::IsDirectory(path)) {
+    if (Orvanta::LookAt(path).kind == Orvanta::PathKind::Folder) {
         throw FilesystemException(path + " is a directory");
     }
     std::ifstream file(Orvanta::NativePath(path), std::ios::binary);

@@ -49,6 +49,18 @@ protected:
         return names;
     }
 
+    /// The names of the sources whose dependencies the last run listed.
+    [[nodiscard]] std::vector<std::string> Listed() const {
+        std::vector<std::string> names;
+        for (const CoreCall& call : sandbox.CoreCalls()) {
+            if (call.arguments.back() == "--skip-analysis") {
+                names.emplace_back(FileNameOf(call.Setting("source-file")));
+            }
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
     /// A report equals that of a full run by somebody who has never run before.
     void ExpectReportOfCleanRun() {
         EXPECT_EQ(sandbox.Analyze({"-q", "-o", "clean/report.json"}).exitCode, 0);
@@ -174,7 +186,10 @@ TEST_F(IncrementalTest, LeavesTheReportAsItIsUnlessItIsNotWhole) {
     EXPECT_EQ(Incremental().exitCode, 0);
     EXPECT_EQ(Analyzed(), Names{});
     EXPECT_EQ(Report().size(), 1U) << "units left the build";
-    EXPECT_EQ(DependencyInfo().size(), 1U);
+    EXPECT_EQ(DependencyInfo().size(), 3U) << "they may be back in the next run";
+    std::filesystem::remove(NativePath(sandbox.Path("b.c")));
+    EXPECT_EQ(Incremental().exitCode, 0);
+    EXPECT_EQ(DependencyInfo().size(), 2U) << "not without their source";
 }
 
 TEST_F(IncrementalTest, DependencyInfoIsReadAsItStands) {
@@ -213,9 +228,17 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_EQ(Analyzed(), Names{});
     EXPECT_EQ(DependencyInfo().size(), 3U);
     EXPECT_FALSE(sandbox.Exists("report.json"));
-    const RunResult runs = sandbox.Analyze({"--regenerate-depend-info", "run-analysis", "-o", "report.json"});
-    EXPECT_EQ(runs.exitCode, 0) << runs;
-    EXPECT_EQ(Analyzed(), (Names{"a.c", "b.c", "c.c"}));
+    const Arguments ways[] = {{}, {"-i"}, {"--dep-file", "common.h"}, {"--intermodular"}};
+    for (const Arguments& way : ways) {
+        sandbox.ForgetCoreCalls();
+        Arguments options = {"--regenerate-depend-info", "run-analysis", "-e", "*c.c", "-o", "report.json"};
+        options.insert(options.end(), way.begin(), way.end());
+        const RunResult runs = sandbox.Analyze(options);
+        EXPECT_EQ(runs.exitCode, 0) << runs;
+        EXPECT_EQ(Listed(), (Names{"a.c", "b.c", "c.c"})) << "every unit, and no unit twice" << runs;
+        EXPECT_EQ(Analyzed(), (way == Arguments{"-i"} ? Names{} : Names{"a.c", "b.c"})) << runs;
+    }
+    EXPECT_EQ(sandbox.Analyze({"--regenerate-depend-info", "run-analysis", "-o", "report.json"}).exitCode, 0);
     EXPECT_EQ(Incremental().exitCode, 0);
     EXPECT_EQ(Analyzed(), Names{}) << "what the analysis saw is kept";
     sandbox.WriteScript("b.c", {"listing exit 4"});
@@ -224,13 +247,27 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_TRUE(fails.Says("These could not be analyzed:\n  " + sandbox.Path("b.c") + ": ")) << fails;
 }
 
+TEST_F(IncrementalTest, AKilledRunsReportHoldsWhatDidNotHaveToRun) {
+    ASSERT_EQ(Incremental().exitCode, 0);
+    const std::vector<Finding> before = Report();
+    std::filesystem::remove(NativePath(sandbox.Path("report.json")));
+    sandbox.Write("c.c", "int changed;\n");
+    sandbox.WriteScript("c.c", {"hang"});
+    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"-i", "-j", "1", "-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("records/core-of-c.c.hangs"); }));
+    run->Kill();
+    EXPECT_EQ(Report(), (std::vector<Finding>{before[0], before[1]}));
+}
+
 TEST_F(IncrementalTest, OnlyOneRunUsesWhatIsKept) {
     sandbox.WriteScript("a.c", {"touch " + sandbox.Path("started"), "wait-for " + sandbox.Path("go-on")});
     const std::unique_ptr<RunningDriver> first = sandbox.StartAnalyze({"-i", "-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("started"); }));
-    const RunResult second = sandbox.Analyze({"-i", "-o", "other.json"});
-    EXPECT_EQ(second.exitCode, 1) << second;
-    EXPECT_TRUE(second.Says("Error: Another run is using " + sandbox.Path(".Orvanta") + "\n")) << second;
+    for (const char* const option : {"-i", "--dump-files", "--intermodular"}) {
+        const RunResult second = sandbox.Analyze({option, "-o", "other.json"});
+        EXPECT_EQ(second.exitCode, 1) << second;
+        EXPECT_TRUE(second.Says("Error: Another run is using " + sandbox.Path(".Orvanta") + "\n")) << second;
+    }
     sandbox.Write("go-on", "");
     EXPECT_EQ(first->Wait().exitCode, 0);
 }

@@ -137,10 +137,16 @@ TEST_F(RunnerTest, CoreThatCannotBeStartedEndsTheRunAtOnce) {
     sandbox.Write("wrong-format", std::string("\x01\x02 no program\0", 14));
     fs::permissions(sandbox.Path("wrong-format"), fs::perms::owner_all);
     fs::create_directory(sandbox.Path("folder"));
-    sandbox.WriteDatabase();
+    sandbox.Write("unit0.c.compiler", "exit 1\n"); // it fails without a core
+    ASSERT_EQ(sandbox.Analyze({"-i", "-o", "report.json"}).exitCode, 1);
+    const std::string report = sandbox.Read("report.json");
+    sandbox.Write("unit9.c", "int changed;\n");
     for (const char* const core : {"not-executable", "wrong-format", "folder"}) {
-        const RunResult result = sandbox.Run({"analyze", "-j", "2", "--orvanta-path", core});
+        Arguments options = {"analyze", "-j", "2", "--orvanta-path", core, "-o", "report.json"};
+        options.insert(options.end(), std::string_view(core) == "folder" ? 0 : 1, "-i");
+        const RunResult result = sandbox.Run(options);
         EXPECT_EQ(result.exitCode, 1) << result;
+        EXPECT_EQ(sandbox.Read("report.json"), report) << core;
         EXPECT_EQ(result.Count("Error: "), 1U) << result;
         EXPECT_TRUE(result.Says(sandbox.Path(core))) << result;
         EXPECT_LT(ProgressOf(result).size(), 10U) << result;

@@ -36,6 +36,10 @@ std::string SystemReason(int error) {
     return std::generic_category().message(error);
 }
 
+bool IsAbsence(int error) noexcept {
+    return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
+}
+
 Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
     int number = -1;
     do {

@@ -45,6 +45,9 @@ private:
 /// The system's text for a value of `errno`.
 [[nodiscard]] std::string SystemReason(int error);
 
+/// Whether a call failed because its path names nothing, now and for whoever asks.
+[[nodiscard]] bool IsAbsence(int error) noexcept;
+
 /// Opens a file, close-on-exec, again after an interruption; not open when it fails, with `errno` set.
 [[nodiscard]] Descriptor OpenFile(const std::string& path, int flags, unsigned mode = 0);
 

@@ -55,7 +55,7 @@ std::string ProgramDirectory() {
     std::error_code error;
     const std::string program = std::filesystem::read_symlink("/proc/self/exe", error).string();
     if (error) {
-        throw ZelmException("/proc/self/exe: " + error.message());
+        throw FileException("/proc/self/exe", error.message());
     }
     return std::string(DirectoryOf(program));
 }

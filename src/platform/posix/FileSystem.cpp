@@ -1,8 +1,14 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/LinkEnd.h"
+#include "platform/Paths.h"
+#include "platform/posix/Descriptor.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
+
+#include <sys/stat.h>
 
 namespace Orvanta {
 
@@ -12,27 +18,57 @@ namespace fs = std::filesystem;
 
 void Check(const std::string& path, const std::error_code& error) {
     if (error) {
-        throw ZelmException(path + ": " + error.message());
+        throw FileException(path, error.message());
     }
 }
 
 } // namespace
 
-bool IsRegularFile(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
+PathAnswer LookAt(const std::string& path) {
+    struct stat status {};
+
+    // Of a text with a zero byte in it, the system would see the beginning.
+    if (path.find('\0') != std::string::npos) {
+        return {PathKind::Nothing};
+    }
+    if (::stat(path.c_str(), &status) != 0) {
+        return IsAbsence(errno) ? PathAnswer{PathKind::Nothing} : PathAnswer{std::nullopt, SystemReason(errno)};
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return {PathKind::Folder};
+    }
+    return {S_ISREG(status.st_mode) ? PathKind::File : PathKind::Other};
 }
 
 std::optional<std::uint64_t> FileSize(const std::string& path) {
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(path, error);
-    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) == 0) {
+        return static_cast<std::uint64_t>(status.st_size);
+    }
+    if (!IsAbsence(errno)) {
+        throw FileException(path, SystemReason(errno));
+    }
+    return std::nullopt;
 }
 
 std::string ResolveLinks(const std::string& path) {
     std::error_code error;
     const fs::path resolved = fs::canonical(path, error);
     return error ? path : resolved.string();
+}
+
+std::string EndOfLinks(std::string path) {
+    constexpr int LongestChain = 40; // where the system itself gives up
+    for (int links = 0; links < LongestChain; ++links) {
+        std::error_code isNoLink;
+        const std::string target = fs::read_symlink(path, isNoLink).string();
+        if (isNoLink) {
+            return path;
+        }
+        path = JoinPath(DirectoryOf(path), target);
+    }
+    throw FileException(path, SystemReason(ELOOP));
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {

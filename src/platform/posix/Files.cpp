@@ -2,6 +2,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Hash.h"
+#include "platform/LinkEnd.h"
 #include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileSwap.h"
@@ -24,11 +25,7 @@ constexpr unsigned NewFileMode = 0666;
 constexpr mode_t PermissionBits = 0777;
 
 [[noreturn]] void Fail(const std::string& path, int error) {
-    throw ZelmException(path + ": " + SystemReason(error));
-}
-
-bool Look(const std::string& path, struct stat& found) {
-    return ::stat(path.c_str(), &found) == 0;
+    throw FileException(path, SystemReason(error));
 }
 
 // Reads to the end; `sizeHint` bytes are expected.
@@ -51,20 +48,6 @@ void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, st
             Fail(path, errno);
         }
     }
-}
-
-// The file that a chain of links ends at, whether it exists or not.
-std::string LinkTarget(std::string path) {
-    constexpr int LongestChain = 40; // where the system itself gives up
-    for (int links = 0; links < LongestChain; ++links) {
-        std::error_code isNoLink;
-        const std::string target = std::filesystem::read_symlink(path, isNoLink).string();
-        if (isNoLink) {
-            return path;
-        }
-        path = JoinPath(DirectoryOf(path), target);
-    }
-    Fail(path, ELOOP);
 }
 
 constexpr std::string_view TemporaryStem = ".orvtmp-";
@@ -94,18 +77,6 @@ std::string ReadWholeFile(const std::string& path) {
     std::string content;
     ReadToEnd(path, file.Number(), static_cast<std::size_t>(status.st_size), content);
     return content;
-}
-
-bool PathExists(const std::string& path) {
-    struct stat status {};
-
-    return Look(path, status);
-}
-
-bool IsDirectory(const std::string& path) {
-    struct stat status {};
-
-    return Look(path, status) && S_ISDIR(status.st_mode);
 }
 
 void RemoveFile(const std::string& path) noexcept {
@@ -178,11 +149,14 @@ struct AtomicFile::Handle {
 };
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
-    handle_->target = LinkTarget(path_);
+    handle_->target = EndOfLinks(path_);
 
     struct stat existing {};
 
-    const bool exists = Look(handle_->target, existing);
+    const bool exists = ::stat(handle_->target.c_str(), &existing) == 0;
+    if (!exists && !IsAbsence(errno)) {
+        Fail(path_, errno);
+    }
     if (exists && !S_ISREG(existing.st_mode)) {
         handle_->file = OpenFile(handle_->target, O_WRONLY);
         if (!handle_->file.IsOpen()) {
@@ -250,7 +224,7 @@ void SwapByRenaming(const std::string& first, const std::string& second) {
         std::error_code error;
         std::filesystem::copy_file(first, saved, error);
         if (error) {
-            throw ZelmException(first + ": " + error.message());
+            throw FileException(first, error.message());
         }
     }
     if (std::rename(second.c_str(), first.c_str()) != 0) {

@@ -46,10 +46,6 @@ Cause CauseOf(int error) {
     }
 }
 
-[[noreturn]] void FailToStart(const std::string& program, const std::string& reason, Cause cause) {
-    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason, cause);
-}
-
 // What keeps a child from working in `directory`, as a value of errno; 0 when nothing does.
 int FaultOfDirectory(const std::string& directory) {
     struct stat status {};
@@ -67,21 +63,10 @@ int FaultOfDirectory(const std::string& directory) {
 [[noreturn]] void FailToStart(const std::string& program, const std::string& directory, int error) {
     if (!directory.empty()) {
         if (const int fault = FaultOfDirectory(directory); fault != 0) {
-            throw ProcessStartException("Couldn't start \"" + program + "\" in \"" + directory +
-                                            "\": " + SystemReason(fault),
-                                        Cause::Directory);
+            throw ProcessStartException(program, directory, SystemReason(fault));
         }
     }
-    FailToStart(program, SystemReason(error), CauseOf(error));
-}
-
-void CheckForZeroBytes(const Arguments& command) {
-    for (const std::string& argument : command) {
-        if (argument.find('\0') != std::string::npos) {
-            FailToStart(command.front().substr(0, command.front().find('\0')), "an argument holds a zero byte",
-                        Cause::Command);
-        }
-    }
+    throw ProcessStartException(program, SystemReason(error), CauseOf(error));
 }
 
 // The path to start: `program` itself when it is one, otherwise where PATH of the child's environment finds it.
@@ -356,24 +341,16 @@ void Process::Handles::TakeStatus() noexcept {
     exitStatus = WIFSIGNALED(status) ? SignalBase + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
-                 OutputReceiver standardOutput, OutputReceiver standardError)
-    : Process(command, StartConditions{workingDirectory, environment}, std::move(standardOutput),
-              std::move(standardError)) {}
-
 Process::Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
                  OutputReceiver standardError)
     : handles_(std::make_unique<Handles>()) {
-    if (command.empty()) {
-        FailToStart("", "the command is empty", Cause::Program);
-    }
-    CheckForZeroBytes(command);
+    RequireStartable(command);
     handles_->standardOutput.receiver = std::move(standardOutput);
     handles_->standardError.receiver = std::move(standardError);
     try {
         handles_->Start(command, conditions);
     } catch (const SystemFault& fault) {
-        FailToStart(command.front(), SystemReason(fault.error), Cause::Resources);
+        throw ProcessStartException(command.front(), SystemReason(fault.error), Cause::Resources);
     }
 }
 

@@ -32,7 +32,7 @@ bool MakePrivateFolder(const std::string& path) {
         return true;
     }
     if (errno != EEXIST) {
-        throw ZelmException("Couldn't make the temporary folder " + path + ": " + SystemReason(errno));
+        throw FileException("Couldn't make the temporary folder", path, SystemReason(errno));
     }
     return false;
 }

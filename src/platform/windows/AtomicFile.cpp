@@ -1,5 +1,7 @@
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Hash.h"
+#include "platform/LinkEnd.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
 #include "platform/windows/FileAccess.h"
@@ -16,16 +18,6 @@ namespace Orvanta {
 
 namespace {
 
-// The file that the links of `path` end at; `path` itself where there are none.
-std::string LinkTarget(const std::string& path) {
-    const std::wstring wide = WidePath(path);
-    const DWORD attributes = ::GetFileAttributesW(wide.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
-        return path;
-    }
-    return ResolveLinks(path);
-}
-
 // While its writer lives, a file for writing can be opened for nothing but a rename: whoever gets more of it knows
 // that the writer is gone.
 Handle MakeLocked(const std::string& path) {
@@ -40,16 +32,10 @@ void RemoveAbandoned(const std::string& path) {
                                        FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
 }
 
-// A console, a pipe or the like, which can't be replaced; not open for anything else.
+// Opens a console, a pipe or the like, which can't be replaced.
 Handle OpenDevice(const std::string& path) {
-    if (PathExists(path) && !IsDirectory(path)) {
-        Handle file(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, AnySharing, nullptr, OPEN_EXISTING,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-        if (file.IsOpen() && !IsOnDisk(file)) {
-            return file;
-        }
-    }
-    return {};
+    return Handle(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, AnySharing, nullptr, OPEN_EXISTING,
+                                FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 } // namespace
@@ -61,11 +47,21 @@ struct AtomicFile::Handle {
 };
 
 AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
-    handle_->target = LinkTarget(path_);
-    if (IsDirectory(handle_->target)) {
+    handle_->target = EndOfLinks(path_);
+    const PathAnswer target = LookAt(handle_->target);
+    if (!target.kind) {
+        throw FileException(path_, target.reason);
+    }
+    if (target.kind == PathKind::Folder) {
         FailFile(path_, ERROR_ACCESS_DENIED);
     }
-    handle_->file = OpenDevice(handle_->target);
+    if (target.kind == PathKind::Other) {
+        handle_->file = OpenDevice(handle_->target);
+        if (!handle_->file.IsOpen()) {
+            FailFile(path_, ::GetLastError());
+        }
+        return;
+    }
 
     // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
     // at the same time need further names.

@@ -41,16 +41,13 @@ Cause CauseOf(DWORD error) {
     }
 }
 
-[[noreturn]] void Fail(const std::string& program, const std::string& reason, Cause cause) {
-    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason, cause);
-}
-
 // What keeps a child from working in `directory`; ERROR_SUCCESS when nothing that we can see does.
 DWORD FaultOfDirectory(const std::string& directory) {
-    if (!PathExists(directory)) {
+    const PathAnswer answer = LookAt(directory);
+    if (answer.kind == PathKind::Nothing) {
         return ERROR_PATH_NOT_FOUND;
     }
-    if (!IsDirectory(directory)) {
+    if (answer.kind && answer.kind != PathKind::Folder) {
         return ERROR_DIRECTORY;
     }
     return ToWide(AbsolutePath(directory)).size() < MAX_PATH - 2 ? ERROR_SUCCESS : ERROR_FILENAME_EXCED_RANGE;
@@ -64,11 +61,10 @@ std::string ReasonOf(DWORD error) {
 [[noreturn]] void FailToStart(const std::string& program, const std::string& directory, DWORD error) {
     if (!directory.empty()) {
         if (const DWORD fault = FaultOfDirectory(directory); fault != ERROR_SUCCESS) {
-            throw ProcessStartException(
-                "Couldn't start \"" + program + "\" in \"" + directory + "\": " + ReasonOf(fault), Cause::Directory);
+            throw ProcessStartException(program, directory, ReasonOf(fault));
         }
     }
-    Fail(program, ReasonOf(error), CauseOf(error));
+    throw ProcessStartException(program, ReasonOf(error), CauseOf(error));
 }
 
 std::optional<std::string_view> VariableOf(const EnvironmentBlock& environment, std::string_view name) {
@@ -201,7 +197,8 @@ StartedChild StartChild(const Arguments& command, const StartConditions& conditi
     }
     std::wstring line = ToWide(MakeCommandLine(command, ReaderOf(program)));
     if (line.size() > LongestCommandLine) {
-        Fail(name, std::make_error_code(std::errc::argument_list_too_long).message(), Cause::Command);
+        throw ProcessStartException(name, std::make_error_code(std::errc::argument_list_too_long).message(),
+                                    Cause::Command);
     }
     const InheritedHandles inherited(outputs);
     STARTUPINFOEXW startup = inherited.StartupInformation();

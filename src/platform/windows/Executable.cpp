@@ -19,7 +19,12 @@ namespace {
 using Test = bool (*)(const std::string& path);
 
 bool IsFile(const std::string& path) {
-    return PathExists(path) && !IsDirectory(path);
+    const PathAnswer answer = LookAt(path);
+    return answer.IsThere() && answer.kind != PathKind::Folder;
+}
+
+bool IsThere(const std::string& path) {
+    return LookAt(path).IsThere();
 }
 
 // Cuts the text up to the next ";" off `list` and returns it.
@@ -91,7 +96,7 @@ std::string FindExecutable(const std::string& program) {
 }
 
 std::string FindExecutableIn(const std::string& program, const std::string& searchPath) {
-    return Walk({program, OwnExtensions(), {}, &PathExists}, searchPath);
+    return Walk({program, OwnExtensions(), {}, &IsThere}, searchPath);
 }
 
 std::string ProgramFileOf(const std::string& path) {

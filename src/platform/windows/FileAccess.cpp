@@ -34,9 +34,24 @@ bool IsReadOnly(const std::wstring& path) {
 
 void FailFile(const std::string& path, unsigned long error) {
     // The system has the same answer for a folder and for a file that may not be opened.
-    const bool isFolder = error == ERROR_ACCESS_DENIED && IsDirectory(path);
-    throw ZelmException(path + ": " +
-                        (isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error)));
+    const bool isFolder = error == ERROR_ACCESS_DENIED && LookAt(path).kind == PathKind::Folder;
+    throw FileException(path,
+                        isFolder ? std::make_error_code(std::errc::is_a_directory).message() : SystemReason(error));
+}
+
+bool IsAbsence(unsigned long error) noexcept {
+    switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_DRIVE:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_FILENAME_EXCED_RANGE:
+    case ERROR_DIRECTORY:
+        return true;
+    default:
+        return false;
+    }
 }
 
 Handle OpenForLooking(const std::string& path) {

@@ -11,6 +11,9 @@ namespace Orvanta {
 /// The sharing of a file that others may read, write, rename and remove meanwhile.
 inline constexpr unsigned long AnySharing = 7;
 
+/// Whether a call failed because its path names nothing.
+[[nodiscard]] bool IsAbsence(unsigned long error) noexcept;
+
 /// Opens a file or a folder for questions about it, following links; not open when it fails.
 [[nodiscard]] Handle OpenForLooking(const std::string& path);
 
@@ -28,7 +31,7 @@ inline constexpr unsigned long AnySharing = 7;
 /// \throws SystemFault
 void RenameOver(const std::string& from, const std::string& to);
 
-/// \throws ZelmException: `path`, then the system's reason
+/// \throws FileException
 [[noreturn]] void FailFile(const std::string& path, unsigned long error);
 
 } // namespace Orvanta

@@ -1,4 +1,5 @@
 #include "platform/Files.h"
+#include "platform/LinkEnd.h"
 #include "platform/Paths.h"
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/SystemReason.h"
@@ -22,21 +23,32 @@ std::wstring PlainForm(std::wstring path) {
 
 } // namespace
 
-bool IsRegularFile(const std::string& path) {
-    if (!PathExists(path) || IsDirectory(path)) {
-        return false;
+PathAnswer LookAt(const std::string& path) {
+    if (path.empty() || path.find('\0') != std::string::npos) {
+        return {PathKind::Nothing};
     }
     const Handle file = OpenForLooking(path);
-    return file.IsOpen() && IsOnDisk(file);
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (file.IsOpen() && !IsOnDisk(file)) {
+        return {PathKind::Other};
+    }
+    if (!file.IsOpen() || ::GetFileInformationByHandle(file.Get(), &information) == FALSE) {
+        const DWORD error = ::GetLastError();
+        return IsAbsence(error) ? PathAnswer{PathKind::Nothing} : PathAnswer{std::nullopt, SystemReason(error)};
+    }
+    return {(information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? PathKind::Folder : PathKind::File};
 }
 
 std::optional<std::uint64_t> FileSize(const std::string& path) {
     const Handle file = OpenForLooking(path);
     LARGE_INTEGER size{};
-    if (!file.IsOpen() || ::GetFileSizeEx(file.Get(), &size) == FALSE) {
-        return std::nullopt;
+    if (file.IsOpen() && ::GetFileSizeEx(file.Get(), &size) != FALSE) {
+        return static_cast<std::uint64_t>(size.QuadPart);
     }
-    return static_cast<std::uint64_t>(size.QuadPart);
+    if (const DWORD error = ::GetLastError(); !IsAbsence(error)) {
+        FailFile(path, error);
+    }
+    return std::nullopt;
 }
 
 std::string ResolveLinks(const std::string& path) {
@@ -47,6 +59,15 @@ std::string ResolveLinks(const std::string& path) {
     std::wstring target(::GetFinalPathNameByHandleW(file.Get(), nullptr, 0, 0), L'\0');
     target.resize(::GetFinalPathNameByHandleW(file.Get(), target.data(), static_cast<DWORD>(target.size()), 0));
     return target.empty() ? path : FromWide(PlainForm(std::move(target)));
+}
+
+// Where the chain leads to nothing, the system tells no end: such a link is replaced.
+std::string EndOfLinks(std::string path) {
+    const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return path;
+    }
+    return ResolveLinks(path);
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {
@@ -61,14 +82,17 @@ bool IsSameFile(const std::string& left, const std::string& right) {
 
 void MakeFolders(const std::string& path) {
     const std::string folder = AbsolutePath(path);
-    if (IsDirectory(folder)) {
+    if (LookAt(folder).kind == PathKind::Folder) {
         return;
     }
     if (const std::string_view parent = DirectoryOf(folder); parent.size() < folder.size()) {
         MakeFolders(std::string(parent));
     }
-    if (::CreateDirectoryW(WidePath(folder).c_str(), nullptr) == FALSE && !IsDirectory(folder)) {
-        FailFile(path, ::GetLastError());
+    if (::CreateDirectoryW(WidePath(folder).c_str(), nullptr) == FALSE) {
+        const DWORD error = ::GetLastError();
+        if (LookAt(folder).kind != PathKind::Folder) {
+            FailFile(path, error);
+        }
     }
 }
 

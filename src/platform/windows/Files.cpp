@@ -12,20 +12,6 @@ namespace Orvanta {
 
 namespace {
 
-// INVALID_FILE_ATTRIBUTES where there is nothing.
-DWORD AttributesOf(const std::string& path) {
-    const DWORD attributes = ::GetFileAttributesW(WidePath(path).c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
-        return attributes;
-    }
-    const Handle target = OpenForLooking(path);
-    BY_HANDLE_FILE_INFORMATION information{};
-    if (!target.IsOpen() || ::GetFileInformationByHandle(target.Get(), &information) == FALSE) {
-        return INVALID_FILE_ATTRIBUTES;
-    }
-    return information.dwFileAttributes;
-}
-
 std::uint64_t SizeOf(const Handle& file) {
     LARGE_INTEGER size{};
     return ::GetFileSizeEx(file.Get(), &size) != FALSE ? static_cast<std::uint64_t>(size.QuadPart) : 0;
@@ -66,15 +52,6 @@ std::string ReadWholeFile(const std::string& path) {
     std::string content;
     ReadToEnd(path, file, static_cast<std::size_t>(SizeOf(file)), content);
     return content;
-}
-
-bool PathExists(const std::string& path) {
-    return AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
-}
-
-bool IsDirectory(const std::string& path) {
-    const DWORD attributes = AttributesOf(path);
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 void RemoveFile(const std::string& path) noexcept {

@@ -14,25 +14,6 @@
 
 namespace Orvanta {
 
-namespace {
-
-using Cause = ProcessStartException::Cause;
-
-[[noreturn]] void FailToStart(const std::string& program, const std::string& reason, Cause cause) {
-    throw ProcessStartException("Couldn't start \"" + program + "\": " + reason, cause);
-}
-
-void CheckForZeroBytes(const Arguments& command) {
-    for (const std::string& argument : command) {
-        if (argument.find('\0') != std::string::npos) {
-            const std::string& program = command.front();
-            FailToStart(program.substr(0, program.find('\0')), "an argument holds a zero byte", Cause::Command);
-        }
-    }
-}
-
-} // namespace
-
 struct Process::Handles {
     Handles(OutputReceiver output, OutputReceiver error)
         : standardOutput(std::move(output)), standardError(std::move(error)) {}
@@ -117,22 +98,15 @@ void Process::Handles::TakeStatus() {
     child = {};
 }
 
-Process::Process(const Arguments& command, const std::string& workingDirectory, const EnvironmentBlock& environment,
-                 OutputReceiver standardOutput, OutputReceiver standardError)
-    : Process(command, StartConditions{workingDirectory, environment}, std::move(standardOutput),
-              std::move(standardError)) {}
-
 Process::Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
                  OutputReceiver standardError) {
-    if (command.empty()) {
-        FailToStart("", "the command is empty", Cause::Program);
-    }
-    CheckForZeroBytes(command);
+    RequireStartable(command);
     try {
         handles_ = std::make_unique<Handles>(std::move(standardOutput), std::move(standardError));
         handles_->Start(command, conditions);
     } catch (const SystemFault& fault) {
-        FailToStart(command.front(), SystemReason(fault.error), Cause::Resources);
+        throw ProcessStartException(command.front(), SystemReason(fault.error),
+                                    ProcessStartException::Cause::Resources);
     }
 }
 

@@ -74,7 +74,7 @@ bool MakePrivateFolder(const std::string& path) {
         return true;
     }
     if (const DWORD error = ::GetLastError(); error != ERROR_ALREADY_EXISTS) {
-        throw ZelmException("Couldn't make the temporary folder " + path + ": " + SystemReason(error));
+        throw FileException("Couldn't make the temporary folder", path, SystemReason(error));
     }
     return false;
 }

@@ -4,6 +4,7 @@
 #include "report/MessageLine.h"
 #include "support/TestFolder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -126,6 +127,19 @@ TEST(ReportCommitter, FailsAUnitWithAnUnreadableFindingButKeepsTheOthers) {
     EXPECT_EQ(outcome.statuses, (std::vector<AnalyzerStatus>{AnalyzerStatus::Failed, AnalyzerStatus::CoreFailed}));
     EXPECT_EQ(outcome.failures.at(0), "Line 2 of the core's findings can't be read: error parsing old format message");
     EXPECT_EQ(outcome.failures.at(1), "exit 3");
+}
+
+TEST(ReportCommitter, FailsAUnitWhoseFindingsCannotBeReadAtAll) {
+    const TestFolder folder;
+    MemoryOutput output;
+    ReportCommitter committer(2, output);
+    const std::string unreadable = folder.MakeFolder("0");
+    committer.Commit(0, {.fragmentPath = unreadable});
+    committer.Commit(1, {.fragmentPath = folder / "none"}); // a core that finds nothing may make no file
+    EXPECT_EQ(committer.Outcome().statuses,
+              (std::vector<AnalyzerStatus>{AnalyzerStatus::Failed, AnalyzerStatus::Analyzed}));
+    EXPECT_THAT(committer.Outcome().failures.at(0),
+                testing::StartsWith("The core's findings can't be read: " + unreadable + ": "));
 }
 
 TEST(ReportCommitter, FailsOnlyTheUnitWhoseFindingsTheReportCouldNotTake) {

@@ -122,6 +122,8 @@ TEST(StandardProbe, FallsBackWhenTheCompilerFailsOrSaysNothing) {
     ScriptedCompiler failing("exit 3\n");
     EXPECT_EQ(failing.Probe(Language::C), "c99");
     EXPECT_EQ(failing.Probe(Language::Cpp), "c++14");
+    EXPECT_EQ(failing.Probe(Language::C, {"-include", "of-another-unit.h"}), "c99");
+    EXPECT_EQ(failing.Calls(), 3U) << "a failure is no answer for other units";
     ScriptedCompiler silent("empty-output\n");
     EXPECT_EQ(silent.Probe(Language::Cpp), "c++14");
     EXPECT_TRUE(silent.LeftNothing());

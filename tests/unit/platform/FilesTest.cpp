@@ -43,6 +43,22 @@ TEST(WholeFile, ThatCannotBeReadIsNamedWithTheReason) {
     EXPECT_EQ(ErrorOf([&] { static_cast<void>(ReadWholeFile(folder.Path())); }), folder.Path() + ": Is a directory");
 }
 
+TEST(PathOf, WhatIsThereIsToldByItsKind) {
+    const TestFolder folder;
+    folder.Write("file", "12345");
+    EXPECT_EQ(KindOf(folder / "file"), PathKind::File);
+    EXPECT_EQ(KindOf(folder.Path()), PathKind::Folder);
+    EXPECT_EQ(KindOf(HostPathRules() == PathRules::Windows ? "NUL" : "/dev/null"), PathKind::Other);
+    EXPECT_EQ(FileSize(folder / "file"), 5U);
+    for (const std::string& nothing :
+         {folder / "none", folder / "none/file", folder / "file/below", std::string(), folder / std::string(5000, 'x'),
+          (folder / "file") + std::string("\0behind", 7)}) {
+        EXPECT_EQ(KindOf(nothing), PathKind::Nothing) << nothing;
+        EXPECT_FALSE(LookAt(nothing).IsThere()) << nothing;
+    }
+    EXPECT_EQ(FileSize(folder / "none"), std::nullopt);
+}
+
 TEST(OutputFileOf, ARegularFileIsWrittenAtItsPlacesAndItsEnd) {
     const TestFolder folder;
     const std::string path = folder.Write("file", "0123456789");

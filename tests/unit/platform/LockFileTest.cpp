@@ -5,13 +5,16 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 namespace Orvanta {
 namespace {
 
 using State = LockFile::State;
+using std::chrono::milliseconds;
 
 TEST(Lock, IsHeldByOneAtATimeAndItsFileStays) {
     const TestFolder folder;
@@ -56,6 +59,37 @@ TEST(Lock, ThatIsRemovedGoesToTheNextWithoutAFileLeft) {
     first.ReleaseAndRemove();
     EXPECT_FALSE(std::filesystem::exists(folder / LockFile::FileName("base")));
     EXPECT_EQ(second.Take(folder.Path(), "base"), State::Held);
+}
+
+TEST(Lock, OfOneThingIsOneHoweverItsPathIsSpelt) {
+    const TestFolder folder;
+    const StopFlag stop;
+    folder.MakeFolder("d/sub");
+    LockFile first;
+    LockFile second;
+    ASSERT_EQ(first.Take(folder / "d/report", milliseconds(0), stop), State::Held);
+    for (const std::string& spelling : {folder / "d/../d/./report", folder / "d/sub/../report"}) {
+        EXPECT_EQ(second.Take(spelling, milliseconds(0), stop), State::HeldByOther) << spelling;
+    }
+    if (HostPathRules() == PathRules::Windows) {
+        EXPECT_EQ(second.Take(folder / "D/Report", milliseconds(0), stop), State::HeldByOther);
+    }
+    EXPECT_EQ(second.Take(folder / "d/other", milliseconds(0), stop), State::Held);
+    EXPECT_EQ(second.Take(folder / "none/report", milliseconds(0), stop), State::Unavailable);
+}
+
+TEST(Lock, IsWaitedForUntilItIsFreeOrTheRunIsToStop) {
+    const TestFolder folder;
+    StopFlag stop;
+    constexpr std::chrono::hours Longest{1};
+    LockFile first;
+    LockFile second;
+    ASSERT_EQ(first.Take(folder / "report", Longest, stop), State::Held);
+    std::thread waiter([&] { EXPECT_EQ(second.Take(folder / "report", Longest, stop), State::Held); });
+    first = LockFile();
+    waiter.join();
+    stop.Set();
+    EXPECT_EQ(first.Take(folder / "report", Longest, stop), State::HeldByOther);
 }
 
 TEST(Lock, DiesWithItsHolder) {

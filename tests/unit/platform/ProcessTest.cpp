@@ -38,8 +38,11 @@ TEST(ProcessExceptions, NameTheCommandWordByWord) {
     EXPECT_EQ(CommandLineText(command), "cc -c a b.c ");
     EXPECT_EQ(CommandLineText({}), "");
     EXPECT_STREQ(ProcessReturnCodeException(command, -1).what(), "Command \"cc -c a b.c \" returned code -1.");
-    EXPECT_STREQ(ProcessReturnCodeException({"cc", "%2%"}, 2, "%4%", "").what(),
-                 "Command \"cc %2%\" returned code 2.\nStdout:\n%4%\nStderr:\n");
+    const ProcessReturnCodeException full({"cc", "%2%"}, 2, {"%4%", "Stdout:"});
+    EXPECT_STREQ(full.what(), "Command \"cc %2%\" returned code 2.\nStdout:\n%4%\nStderr:\nStdout:");
+    EXPECT_EQ(full.Summary(), "Command \"cc %2%\" returned code 2.");
+    EXPECT_EQ(full.Output().standardError, "Stdout:");
+    EXPECT_EQ(full.ExitCode(), 2);
     EXPECT_STREQ(ProcessInterruptedException(command).what(), "Command \"cc -c a b.c \" was interrupted.");
 }
 

@@ -1,12 +1,14 @@
 #include "platform/Files.h"
 
 #include "platform/Exceptions.h"
+#include "platform/LockFile.h"
 #include "platform/posix/FileSwap.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace Orvanta {
@@ -76,6 +78,54 @@ TEST(OutputFileOnPosix, CanAppendToWhatHasNoPlaces) {
 }
 
 using Swap = void (*)(const std::string&, const std::string&);
+
+TEST(PathOnPosix, ThatCannotBeToldIsNotTakenForNothing) {
+    const TestFolder folder;
+    const std::string circle = folder / "circle";
+    std::filesystem::create_symlink("circle", circle);
+    const PathAnswer answer = LookAt(circle);
+    EXPECT_FALSE(answer.kind.has_value());
+    EXPECT_FALSE(answer.IsThere());
+    const std::string reason = "Too many levels of symbolic links";
+    EXPECT_EQ(answer.reason, reason);
+    const std::function<void()> questions[] = {
+        [&] { static_cast<void>(PathExists(circle)); },
+        [&] { static_cast<void>(IsDirectory(circle)); },
+        [&] { static_cast<void>(IsRegularFile(circle)); },
+        [&] { static_cast<void>(FileSize(circle)); },
+    };
+    for (const auto& ask : questions) {
+        try {
+            ask();
+            ADD_FAILURE() << "an answer";
+        } catch (const FileException& error) {
+            EXPECT_EQ(error.Path(), circle);
+            EXPECT_EQ(error.Reason(), reason);
+        }
+    }
+}
+
+TEST(PathOnPosix, LeadsToItsTargetWhetherThatIsThereOrNot) {
+    const TestFolder folder;
+    folder.MakeFolder("real/sub");
+    fs::create_directory_symlink(folder / "real/sub", folder / "way");
+    fs::create_symlink("../real/./later", folder / "way/inner"); // from the folder in which the link is
+    fs::create_symlink("way/inner", folder / "outer");
+    const std::string target = folder / "real/real/later";
+    EXPECT_EQ(TargetOf(folder / "way/../file"), folder / "real/file");
+    folder.MakeFolder("real/real");
+    EXPECT_EQ(TargetOf(folder / "outer"), target);
+    folder.Write("real/real/later", "");
+    EXPECT_EQ(TargetOf(folder / "outer"), target);
+    fs::create_symlink("circle", folder / "circle");
+    EXPECT_THROW(static_cast<void>(TargetOf(folder / "circle")), FileException);
+    const StopFlag stop;
+    LockFile first;
+    LockFile second;
+    EXPECT_EQ(first.Take(folder / "outer", std::chrono::milliseconds(0), stop), LockFile::State::Held);
+    EXPECT_EQ(second.Take(target, std::chrono::milliseconds(0), stop), LockFile::State::HeldByOther);
+    EXPECT_EQ(second.Take(folder / "circle", std::chrono::milliseconds(0), stop), LockFile::State::Held);
+}
 
 class FileSwap : public testing::TestWithParam<Swap> {};
 

@@ -1,3 +1,4 @@
+#include "platform/Exceptions.h"
 #include "platform/StopFlag.h"
 #include "report/JsonMessage.h"
 #include "support/TestFolder.h"
@@ -28,6 +29,21 @@ TEST(FilteredReport, ThatIsALinkStaysOne) {
     EXPECT_EQ(folder.Read("d/r.log"), finding);
     FilterWorker(folder / "base.json", folder / "link.log", folder / "d/r.log", stop).Run(); // under another name
     EXPECT_EQ(folder.Read("d/r.log"), finding);
+}
+
+TEST(Base, ThatCannotBeLookedAtIsNotReplaced) {
+    const TestFolder folder;
+    const StopFlag stop;
+    const std::string base = folder / "base.json";
+    std::filesystem::create_symlink("base.json", base); // leads to itself
+    folder.Write("r.log", "");
+    try {
+        SuppressWorker(base, folder / "r.log", {}, stop).Run();
+        ADD_FAILURE() << "the base was written";
+    } catch (const FileException& error) {
+        EXPECT_EQ(error.what(), base + ": Too many levels of symbolic links");
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(base));
 }
 
 } // namespace

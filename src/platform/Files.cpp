@@ -1,0 +1,38 @@
+#include "platform/Files.h"
+
+#include "platform/Exceptions.h"
+#include "platform/LinkEnd.h"
+#include "platform/Paths.h"
+
+namespace Orvanta {
+
+PathKind KindOf(const std::string& path) {
+    const PathAnswer answer = LookAt(path);
+    if (!answer.kind) {
+        throw FileException(path, answer.reason);
+    }
+    return *answer.kind;
+}
+
+bool PathExists(const std::string& path) {
+    return KindOf(path) != PathKind::Nothing;
+}
+
+bool IsDirectory(const std::string& path) {
+    return KindOf(path) == PathKind::Folder;
+}
+
+bool IsRegularFile(const std::string& path) {
+    return KindOf(path) == PathKind::File;
+}
+
+std::string TargetOf(const std::string& path) {
+    if (PathExists(path)) {
+        return ResolveLinks(path);
+    }
+    const std::string end = EndOfLinks(path);
+    const std::string folder(DirectoryOf(end));
+    return JoinPath(ResolveLinks(folder.empty() ? CurrentDirectory() : folder), FileNameOf(end));
+}
+
+} // namespace Orvanta
