@@ -23,6 +23,8 @@
 
 namespace Orvanta {
 
+struct InvocationOutline;
+
 /// Takes the invocations of a build one by one, identifies their compilers and keeps the units that they compile.
 /// One thread at a time.
 class InvocationCollector {
