@@ -23,6 +23,8 @@
 
 namespace Orvanta {
 
+struct InvocationOutline;
+
 /// Takes the invocations of a build one by one, identifies their compilers and keeps the units that they compile.
 /// One thread at a time.
 class InvocationCollector {
@@ -89,6 +91,17 @@ private:
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
                                                  const std::string& workingDirectory, const Environment& environment,
                                                  EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectShellLine(std::vector<std::string>& arguments,
+                                                          const std::string& workingDirectory,
+                                                          const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectLaunched(std::vector<std::string>& arguments,
+                                                         const std::string& workingDirectory,
+                                                         const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] bool IsCompiler(std::string_view program) const;
+    [[nodiscard]] bool LooksLikeLauncher(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] std::vector<std::size_t> ValuesOfUnknown(const InvocationOutline& outline,
+                                                           const std::vector<std::string>& arguments,
+                                                           const std::string& directory) const;
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
     [[nodiscard]] const Compiler& ModelOf(CompilerType type);

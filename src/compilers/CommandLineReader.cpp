@@ -12,7 +12,7 @@ namespace {
 // Finds out what an invocation does and to which files.
 class OutlineVisitor {
 public:
-    explicit OutlineVisitor(std::vector<SourceArgument>& sources) : sources_(sources) {}
+    explicit OutlineVisitor(InvocationOutline& outline) : outline_(outline) {}
 
     void Flag(const FlagUse& use) {
         const FlagRow& row = *use.match.row;
@@ -23,15 +23,16 @@ public:
 
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
-        if (input.kind == InputKind::MissingResponseFile && !missingResponseFile_) {
-            missingResponseFile_ = input.index;
+        if (input.kind == InputKind::MissingResponseFile && !outline_.missingResponseFile) {
+            outline_.missingResponseFile = input.index;
         }
         if (IsSource(input.kind)) {
-            sources_.push_back({input.index, input.offset});
+            outline_.sources.push_back({input.index, input.offset});
+        }
+        if (input.mayBeValue) {
+            outline_.openWords.push_back(input.index);
         }
     }
-
-    [[nodiscard]] std::optional<std::size_t> MissingResponseFile() const { return missingResponseFile_; }
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
@@ -49,7 +50,7 @@ public:
         if (Has(FlagEffect::MakesPrecompiledHeader)) {
             return "precompiled header";
         }
-        return sources_.empty() ? ReasonOfInputs() : std::string_view();
+        return outline_.sources.empty() ? ReasonOfInputs() : std::string_view();
     }
 
 private:
@@ -75,8 +76,7 @@ private:
         return Has(InputKind::LinkInput) || links_ ? "link only" : "no input";
     }
 
-    std::vector<SourceArgument>& sources_;
-    std::optional<std::size_t> missingResponseFile_;
+    InvocationOutline& outline_;
     FlagEffects effects_;
     unsigned inputs_ = 0; // one bit for each kind of input met
     bool printsInformation_ = false;
@@ -226,11 +226,11 @@ void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, Parsed
 
 } // namespace
 
-InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments) {
+InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments,
+                                    std::span<const std::size_t> openValues) {
     InvocationOutline outline;
-    OutlineVisitor visitor(outline.sources);
-    ArgumentWalker<OutlineVisitor>(model, arguments, visitor).Walk();
-    outline.missingResponseFile = visitor.MissingResponseFile();
+    OutlineVisitor visitor(outline);
+    ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
     if (!outline.reason.empty()) {
         outline.sources.clear();
@@ -246,7 +246,10 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source);
-    ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
+    const std::span<const std::size_t> openValues = source.openValues != nullptr
+                                                        ? std::span<const std::size_t>(*source.openValues)
+                                                        : std::span<const std::size_t>();
+    ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(command);

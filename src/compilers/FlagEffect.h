@@ -20,6 +20,8 @@ enum class FlagEffect : std::uint8_t {
     NamesAssembly,
     NamesTarget,       ///< its value is the triple of the target
     NamesSearchPrefix, ///< its value is where the driver looks for its parts before all other places
+    NamesStandard,     ///< its value is a standard, as "std=" has it
+    NamesMachine,      ///< its value is a machine, as "m" has it
     GnuExtensions,     ///< a mode of armcc
     ShortFloat,        ///< XC8's flags for its floating-point types
     ShortDouble,

@@ -40,6 +40,7 @@ public:
 
 private:
     [[nodiscard]] bool IsCompiler(std::string_view path) const;
+    [[nodiscard]] bool IsLauncher(std::string_view path) const;
     [[nodiscard]] std::optional<TracedCommand> Unwrap(std::vector<std::string> words) const;
 
     const RunSettings& settings_;
