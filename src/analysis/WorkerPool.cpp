@@ -1,5 +1,7 @@
 #include "analysis/WorkerPool.h"
 
+#include "platform/CrashHandler.h"
+
 #include <utility>
 
 namespace Orvanta {
@@ -7,7 +9,10 @@ namespace Orvanta {
 WorkerPool::WorkerPool(unsigned threads) {
     threads_.reserve(threads);
     for (unsigned i = 0; i < threads; ++i) {
-        threads_.emplace_back([this] { Work(); });
+        threads_.emplace_back([this] {
+            const ThreadCrashRoom crashRoom;
+            Work();
+        });
     }
 }
 

@@ -6,16 +6,8 @@
 
 namespace Orvanta {
 
-namespace {
-
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
-
-} // namespace
-
 std::vector<std::string> ParseSourceList(std::string_view text) {
-    if (text.starts_with(ByteOrderMark)) {
-        text.remove_prefix(ByteOrderMark.size());
-    }
+    text = WithoutUtf8Mark(text);
     std::vector<std::string> paths;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));
