@@ -126,9 +126,15 @@ int AnalyzeRun::Analyze() {
 // What is written to standard output needs no lock.
 void AnalyzeRun::TakeLocks() {
     using State = LockFile::State;
+    const auto tellNoLocks = [this](const LockFile& lock, const std::string& path) {
+        if (lock.CurrentState() == State::Unsupported) {
+            log_.Line("Note: the file system of " + path + " has no locks: let no two runs write there at a time");
+        }
+    };
     if (!reportPath_.empty() && reportLock_.Take(reportPath_, LongestWaitForLock, stop_) == State::HeldByOther) {
         throw ZelmException("Another run is writing to " + reportPath_);
     }
+    tellNoLocks(reportLock_, reportPath_);
     if (UsesHistory() || options_.intermodular) {
         const std::string shared = OrvantaFolder(OutputFolder());
         if (folderLock_.Take(shared, LongestWaitForLock, stop_) == State::HeldByOther) {
