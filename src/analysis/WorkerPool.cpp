@@ -1,5 +1,6 @@
 #include "analysis/WorkerPool.h"
 
+#include "platform/CrashHandler.h"
 #include "platform/Exceptions.h"
 
 #include <exception>
@@ -30,7 +31,10 @@ WorkerPool::~WorkerPool() {
 bool WorkerPool::StartThreads(std::size_t threads) {
     try {
         while (threads_.size() < threads) {
-            threads_.emplace_back([this] { Work(); });
+            threads_.emplace_back([this] {
+                const ThreadCrashRoom crashRoom;
+                Work();
+            });
         }
         return true;
     } catch (const std::exception& error) { // no room for a thread, or in the list of them

@@ -94,10 +94,10 @@ RunLocks AnalyzeRun::TakeLocks() const {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
-        locks.TakeReport(input_.reportPath, stop_);
+        locks.TakeReport(input_.reportPath, stop_, log_);
     }
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
-        locks.TakeShared(OrvantaFolder(outputFolder_), stop_);
+        locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
     return locks;
 }

@@ -52,6 +52,10 @@ void LockFile::ReleaseAndRemove() noexcept {
 
 LockFile::State LockFile::Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop) {
     using Clock = std::chrono::steady_clock;
+    if (IsOwnOpenFile(path) || LookAt(path).kind == PathKind::Other) {
+        holder_.reset();
+        return state_ = State::Unavailable;
+    }
     const Clock::time_point end = Clock::now() + longest;
     const std::string target = TargetIfKnown(path);
     const std::string folder(DirectoryOf(target));

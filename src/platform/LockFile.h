@@ -17,6 +17,7 @@ public:
         Held,        ///< this object holds the lock
         HeldByOther, ///< another object, in this process or another, holds it
         Unavailable, ///< the file can't be opened, for example in a read-only folder
+        Unsupported, ///< the file system has no locks; nothing is left there
     };
 
     LockFile() noexcept = default;
@@ -30,7 +31,8 @@ public:
     /// The same for the lock of what stands, or is to stand, at `path`: one thing has one lock, however its path is
     /// spelt and whatever links lead there. The file lies beside it, where every machine that shares the folder finds
     /// it under one name; a number of the device or the file would be another one there. Waits for another holder for
-    /// `longest` at most, and no longer than `stop` lets it.
+    /// `longest` at most, and no longer than `stop` lets it. What can't be replaced, such as a pipe, has no lock
+    /// (`Unavailable`).
     State Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop);
 
     /// Gives up what is held and removes its file, for a lock that leaves nothing behind. Whoever waits for the lock

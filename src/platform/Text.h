@@ -21,6 +21,12 @@ namespace Orvanta {
 /// `text` without white space at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text) noexcept;
 
+/// What begins a text that some editors save as UTF-8.
+inline constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+
+/// The text behind a byte order mark at its start.
+[[nodiscard]] std::string_view WithoutUtf8Mark(std::string_view text) noexcept;
+
 /// Cuts what stands before the first of `separators` off `text`, and that separator; all of it where there is none.
 [[nodiscard]] std::string_view TakeUpTo(std::string_view& text, std::string_view separators) noexcept;
 

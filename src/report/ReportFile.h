@@ -27,7 +27,8 @@ struct ReportFrame {
 /// of the last `Commit`, never less and never a part of one. It keeps a second copy beside the report that is one
 /// commit behind, brings that one up to date and swaps the two names, so a commit costs what it adds. A reader that
 /// keeps the file open for longer than one further commit can see the one after that being written. Pipes and terminals
-/// are written to as they are. One thread at a time.
+/// are written to as they are; a file in whose place no other can be put is overwritten, which is said. One thread at a
+/// time.
 class ReportFile {
 public:
     /// Replaces what is at `path` by a report without messages.
@@ -48,7 +49,8 @@ public:
     /// Drops what was appended since the last commit.
     void Discard() noexcept;
 
-    /// The report as it stands is final; a pipe or terminal gets its tail.
+    /// The report as it stands is final, and on the disk; a pipe or terminal gets its tail.
+    /// \throws FilesystemException
     void Close();
 
 private:

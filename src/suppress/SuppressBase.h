@@ -6,6 +6,8 @@
 // did not change is not written at all. An entry has no line number. A finding is recognised by its file, code and text
 // and by hashes of its source line and the two around it, so that it stays accepted when code above it grows.
 //
+// What else people write into a base or an entry, such as a reason, stays when it is written again.
+//
 // Entries are read as a stream and held once, in a hash set. The version says by which rules the hashes were made; a
 // base of older rules is still matched by them, but not added to, as one base can't hold entries of two kinds.
 
@@ -63,6 +65,7 @@ public:
 
 private:
     std::uint32_t version_ = CurrentBaseVersion;
+    std::string members_; // others that the document has, each behind ", "
     std::unordered_set<SuppressEntry, SuppressEntryHash> entries_;
 };
 

@@ -115,6 +115,33 @@ void UseSignalStack() {
 
 } // namespace
 
+namespace {
+
+// A thread's second stack, and the one that it had before.
+struct SecondStack {
+    std::unique_ptr<std::byte[]> memory; // NOLINT(modernize-avoid-c-arrays): not initialised, resident only when used
+    stack_t before{};
+};
+
+} // namespace
+
+ThreadCrashRoom::ThreadCrashRoom() {
+    auto room = std::make_shared<SecondStack>();
+    room->memory.reset(new std::byte[SignalStackSize]);
+    stack_t stack{};
+    stack.ss_sp = room->memory.get();
+    stack.ss_size = SignalStackSize;
+    if (::sigaltstack(&stack, &room->before) == 0) {
+        room_ = std::move(room);
+    }
+}
+
+ThreadCrashRoom::~ThreadCrashRoom() {
+    if (room_ != nullptr) {
+        ::sigaltstack(&static_cast<SecondStack*>(room_.get())->before, nullptr);
+    }
+}
+
 void InstallCrashHandler() {
     CrashState& state = *std::make_unique<CrashState>().release();
     ::sem_init(&state.captured, 0, 0);

@@ -38,7 +38,11 @@ LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holde
             return State::Unavailable;
         }
         if (::flock(file.Number(), LOCK_EX | LOCK_NB) != 0) {
-            return errno == EWOULDBLOCK ? State::HeldByOther : State::Unavailable;
+            if (errno == EWOULDBLOCK) {
+                return State::HeldByOther;
+            }
+            ::unlink(path.c_str()); // nobody holds a lock there
+            return State::Unsupported;
         }
         // Its last holder may have removed it between the two calls: then the lock is worth nothing.
         if (!IsRemoved(file.Number())) {

@@ -138,6 +138,22 @@ void HandleInvalidParameters() {
 
 } // namespace
 
+namespace {
+
+// Of the stack that the thread has: nothing to be kept.
+void ReserveStackForHandling() {
+    ULONG guarantee = StackForHandling;
+    ::SetThreadStackGuarantee(&guarantee);
+}
+
+} // namespace
+
+ThreadCrashRoom::ThreadCrashRoom() {
+    ReserveStackForHandling();
+}
+
+ThreadCrashRoom::~ThreadCrashRoom() = default;
+
 void InstallCrashHandler() {
     CrashState& state = *std::make_unique<CrashState>().release();
     state.captured = Handle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -147,8 +163,7 @@ void InstallCrashHandler() {
     if (!thread.IsOpen()) {
         std::abort();
     }
-    ULONG guarantee = StackForHandling;
-    ::SetThreadStackGuarantee(&guarantee);
+    ReserveStackForHandling();
 
     ShowNoMessageBoxes();
     ::SetUnhandledExceptionFilter(&HandleException);

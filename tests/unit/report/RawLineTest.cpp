@@ -123,7 +123,7 @@ TEST(RawLine, IsRejectedWithItsFault) {
         {"Zelm64-EM|f|1x|a|e|V1|m|false|1||||1|",         "invalid stoi argument"           },
         {"Zelm64-EM|f|1|a|e|V1|m|false|high||||1|",       "invalid stoi argument"           },
         {"Zelm64-EM|f|1|a|e|V1|m|false|1||||1, x|",       "invalid stoi argument"           },
-        {"Zelm64-EM|f|2147483648|a|e|V1|m|false|1||||1|", "stoi argument out of range"      },
+        {"Zelm64-EM|f|4294967296|a|e|V1|m|false|1||||1|", "stoi argument out of range"      },
         {"Zelm64-EM|f|1|a|e|V1|m|false|-1||||1|",         "stoi argument out of range"      },
     };
     for (const RawFaultCase& row : cases) {

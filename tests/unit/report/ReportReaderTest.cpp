@@ -63,7 +63,7 @@ TEST(ReportReader, ReadsBackWhatWasWrittenInEveryForm) {
          {std::pair("r.json", ReportForm::JsonDocument), std::pair("r.jsonl", ReportForm::JsonLines),
           std::pair("r.log", ReportForm::RawLines)}) {
         Write(folder / name, form, messages);
-        EXPECT_EQ(DetectReportForm(folder / name), form);
+        EXPECT_EQ(LookAtReport(folder / name).form, form);
         const ReadReport report = Read(folder / name);
         ASSERT_EQ(report.messages.size(), messages.size()) << name;
         for (std::size_t index = 0; index < messages.size(); ++index) {
@@ -108,7 +108,7 @@ TEST(ReportReader, TellsTheFormsOfLinesApart) {
     EXPECT_EQ(report.messages[2],
               ReportMessage({"External", "text", "", {{"x.c", 3, "", "", "", 0, 0, 0}}, 0, 2, false}));
     EXPECT_EQ(report.messages[3], message);
-    EXPECT_EQ(report.texts, "\xEF\xBB\xBF" + raw + "\r\n" + json + "\nx.c:3:7: warning: text\r\n" + json);
+    EXPECT_EQ(report.texts, raw + "\r\n" + json + "\nx.c:3:7: warning: text\r\n" + json);
 }
 
 TEST(ReportReader, ReadsLinesLongerThanItsBlocks) {
@@ -173,6 +173,47 @@ TEST(ReportReader, NamesThePlaceOfAFault) {
     EXPECT_EQ(ErrorOf([&] { Read(folder / "none.log"); }), "Couldn't open file " + (folder / "none.log"));
     EXPECT_EQ(ErrorOf([&] { Read(folder.Path()); }), folder.Path() + " is a directory");
     EXPECT_EQ(ErrorOf([&] { Read(""); }), "Empty filepath");
+}
+
+TEST(ReportReader, RefusesWhatIsNestedWithoutEnd) {
+    const TestFolder folder;
+    const std::string deep = std::string(1'000'000, '[') + std::string(1'000'000, ']');
+    const std::string fault = "nested more than 1000 deep";
+    const std::string line = folder.Write("r.log", "{\"x\":" + deep + "}\n");
+    EXPECT_EQ(ErrorOf([&] { Read(line); }), line + ", line 1: " + fault);
+    for (const std::string& text : {deep, "{\"x\":" + deep + "}", std::string(1'000'000, '[')}) {
+        const std::string document = folder.Write("r.json", text);
+        EXPECT_EQ(ErrorOf([&] { Read(document); }), document + ": " + fault);
+    }
+    const std::string entry = folder.Write("r.json", "{\"warnings\":[{\"x\":" + deep + "}]}");
+    EXPECT_EQ(ErrorOf([&] { Read(entry); }), entry + ", entry 1: " + fault);
+}
+
+TEST(ReportReader, TellsUtf16AndKnowsDocumentsByTheirNames) {
+    const TestFolder folder;
+    using namespace std::string_literals;
+    for (const char* const name : {"r.json", "r.log"}) {
+        for (const std::string& start : {"\xFF\xFE{\0"s, "\xFE\xFF\0{"s}) {
+            const std::string path = folder.Write(name, start);
+            EXPECT_EQ(ErrorOf([&] { Read(path); }), path + ": the text is UTF-16, expected UTF-8");
+        }
+        const std::string other = folder.Write(name, "\xFF");
+        EXPECT_EQ(ErrorOf([&] { Read(other); }).find("UTF-16"), std::string::npos);
+    }
+    EXPECT_TRUE(IsJsonDocumentName("a/.json"));
+    EXPECT_FALSE(IsJsonDocumentName("a.json/r"));
+    EXPECT_EQ(IsJsonDocumentName("R.JSON"), Orvanta::HostPathRules() == Orvanta::PathRules::Windows);
+}
+
+TEST(ReportReader, ReadsTheGreatestNumbersOfTheRecordInEveryForm) {
+    const std::uint32_t most = 4294967295U;
+    const ReportMessage message = {"V1", "m", "", {{"a.c", most, "", "", "", 0, 0, 0}}, most, most, false};
+    const TestFolder folder;
+    for (const auto& [name, form] :
+         {std::pair("r.json", ReportForm::JsonDocument), std::pair("r.log", ReportForm::RawLines)}) {
+        Write(folder / name, form, {message});
+        EXPECT_EQ(Read(folder / name).messages, std::vector(1, message)) << name;
+    }
 }
 
 // A reader either takes a damaged report or names the fault; nothing else may come of it.

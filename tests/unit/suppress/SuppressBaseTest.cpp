@@ -54,6 +54,27 @@ TEST(SuppressBase, ReadsWhatOthersWrite) {
     EXPECT_FALSE(later.IsOutdated());
 }
 
+TEST(SuppressBase, KeepsTheMembersThatOthersAdded) {
+    const TestFolder folder;
+    const std::string reason = R"("why": [{"by": "x", "also": [[], {}, null, true, -1.5]}, "\u00e9\""])";
+    const std::string entry = std::string(Entry).insert(1, reason + ", ");
+    folder.Write("base.json",
+                 R"({"owner": {"team": ["a", {"b": 1}]}, "version": 2, "warnings": [)" + entry + "], " + reason + "}");
+    SuppressBase base = SuppressBase::Read(folder / "base.json");
+    EXPECT_FALSE(base.Add({"a.c", "V501", "m", 1, 2, 4294967295U})) << "it is the entry that is there";
+    EXPECT_TRUE(base.Add({"b.c", "V1", "m", 1, 2, 3}));
+    base.Write(folder / "base.json");
+    const nlohmann::json expected = nlohmann::json::parse(
+        R"({"owner": {"team": ["a", {"b": 1}]}, "version": 2, "warnings": [)" + entry +
+        R"(, {"FileName":"b.c","ErrorCode":"V1","Message":"m","CodePrev":1,"CodeCurrent":2,"CodeNext":3}], )" + reason +
+        "}");
+    EXPECT_EQ(nlohmann::json::parse(folder.Read("base.json")), expected);
+    const std::string deep = folder.Write("deep.json", "{\"x\":" + std::string(1'000'000, '['));
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(deep); }), deep + ": nested more than 1000 deep");
+    const std::string wide = folder.Write("wide.json", std::string("\xFF\xFE{\0", 4));
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(wide); }), wide + ": the text is UTF-16, expected UTF-8");
+}
+
 struct FaultCase {
     std::string_view text;
     std::string_view fault; // behind the path
