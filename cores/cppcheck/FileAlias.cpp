@@ -44,19 +44,7 @@ std::optional<std::uint64_t> KeyOfAlias(std::string_view alias) {
     if (!alias.starts_with(FilePrefix)) {
         return std::nullopt;
     }
-<<<<<<< HEAD
-    std::uint64_t key = 0;
-    const char* const end = alias.data() + alias.size();
-    const auto [rest, error] = std::from_chars(alias.data() + 1, end, key);
-    if (error != std::errc() || (rest != end && *rest != '.')) {
-=======
-    AliasedFile file;
-    file.origin = alias.front() == MacroPrefix ? TextOrigin::SystemMacro : TextOrigin::File;
-    if (ReadWholeNumber(alias.substr(1, alias.find('.') - 1), file.key) != std::errc()) {
->>>>>>> platform
-        return std::nullopt;
-    }
-    return key;
+    return WholeNumber<std::uint64_t>(alias.substr(1, alias.find('.') - 1));
 }
 
 } // namespace Orvanta
