@@ -79,6 +79,9 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
         PrintLine(std::string("Error: ") + error.what());
+        if (!error.Hint().empty()) {
+            PrintLine(error.Hint());
+        }
     } catch (const NoCompilationCommandsToRun& error) {
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
