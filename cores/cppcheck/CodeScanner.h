@@ -19,7 +19,9 @@ public:
     [[nodiscard]] std::size_t OpenParentheses() const noexcept { return openParentheses_; }
 
 private:
+    // Each reads what begins there and returns the place behind it.
     [[nodiscard]] std::size_t ReadWord(std::string_view line, std::size_t begin);
+    // `quote` is where the quote behind the prefix stands.
     [[nodiscard]] std::size_t ReadRawString(std::string_view line, std::size_t quote);
 
     std::string rawStringEnd_; // what ends the raw string that the next line begins in; empty outside of one

@@ -35,8 +35,9 @@ struct CppcheckOutput {
 };
 
 /// The values of Cppcheck's `--template` and `--template-location` that ReadCppcheckOutput understands. Their fields
-/// are set apart by control characters, which no source text holds.
+/// are set apart by control characters, which no source text holds; Cppcheck's XML would need a parser, and costs more.
 [[nodiscard]] std::string CppcheckTemplate();
+/// The one for the places of a finding, which follow it.
 [[nodiscard]] std::string CppcheckLocationTemplate();
 
 /// Reads what Cppcheck wrote by these templates.

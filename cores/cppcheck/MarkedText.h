@@ -50,8 +50,13 @@ public:
     [[nodiscard]] const std::vector<MarkedFile>& Files() const noexcept { return files_; }
 
 private:
+    // The lines that follow are those that the marker tells.
     void Follow(const LineMarker& marker);
+
+    // The absolute path of a file by its name in a marker.
     [[nodiscard]] std::string FindPath(const std::string& name) const;
+
+    // The index of the marker's file; none for a name such as "<built-in>".
     std::optional<std::size_t> FindOrAddFile(const LineMarker& marker);
 
     std::string_view rest_;

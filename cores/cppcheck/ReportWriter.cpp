@@ -41,8 +41,9 @@ std::uint32_t LevelOf(std::string_view severity) {
     return severity == "warning" ? 2 : LowLevel;
 }
 
+/// Where a finding stands for the user.
 struct Place {
-    const MarkedFile* file;
+    const MarkedFile* file; ///< not null
     std::uint32_t line;
 };
 
@@ -157,6 +158,7 @@ void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage
     }
 }
 
+// Cppcheck ends with code 0 even then: an exit code of its own for this would also come for any finding.
 void ThrowIfNotAnalyzed(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files) {
     for (const CppcheckFinding& finding : findings) {
         if (Contains(FailureIds, finding.id)) {

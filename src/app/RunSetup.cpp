@@ -136,7 +136,8 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
         return std::make_unique<ConsoleOutput>(format);
     }
     if (ExtensionOf(reportPath) == ".json") {
-        return std::make_unique<JsonOutput>(reportPath);
+        const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
+        return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
     }
     return std::make_unique<LineOutput>(reportPath, format);
 }

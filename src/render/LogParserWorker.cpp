@@ -65,11 +65,17 @@ void LogParserWorker::Run() {
     }
     std::size_t total = 0;
     std::size_t taken = 0;
-    const ReportReceiver receiver = {[&](const ReportMessage& message, std::string_view /*text*/) {
-        taken += chain.Write(message) ? 1U : 0U;
-    }};
     for (const std::string& report : settings_.reports) {
+        std::string checked;
+        const ReportReceiver receiver = {
+            [&](const ReportMessage& message, std::string_view /*text*/) { taken += chain.Write(message) ? 1U : 0U; },
+            [&](const std::string& key, const std::string& value) {
+                if (key == "checked") {
+                    checked = value;
+                }
+            }};
         total += PassReport(report, receiver, stop_);
+        AddChecked(report, checked);
     }
     chain.End();
     Tell("Total messages: " + std::to_string(total));
@@ -96,6 +102,14 @@ void LogParserWorker::ReadEarlierReport() {
                stop_);
 }
 
+void LogParserWorker::AddChecked(const std::string& report, const std::string& checked) const {
+    try {
+        settings_.render.misraChecked->AddReport(checked);
+    } catch (const ParseException& error) {
+        throw ParseException(report + ": " + error.what());
+    }
+}
+
 void LogParserWorker::OpenTargets() {
     if (settings_.targets.empty()) {
         throw ConfigException("Render type is required");
@@ -118,7 +132,7 @@ void LogParserWorker::OpenTargets() {
         if (isKeeping) {
             render.suppressed = Base();
         }
-        if (isKeeping || (target.type->wantsDeviations && render.countDeviations)) {
+        if (isKeeping || target.type->isMisra) {
             filter.falseAlarms = MessageFilterSettings::FalseAlarms::Keep;
         }
         AddOutput(target.type->make(target.path, render), std::move(filter), isKeeping ? nullptr : Base());
@@ -149,10 +163,11 @@ void LogParserWorker::Tell(std::string_view line) const {
 
 void LogParserWorker::PrintIgnoredFlags() const {
     const bool isMisra = std::any_of(settings_.targets.begin(), settings_.targets.end(),
-                                     [](const RenderTarget& target) { return target.type->wantsDeviations; });
+                                     [](const RenderTarget& target) { return target.type->isMisra; });
     const std::pair<bool, const char*> flags[] = {
         {settings_.render.categoriesPath.has_value(), "grp"             },
         {settings_.render.countDeviations,            "misra_deviations"},
+        {!settings_.render.misraStandards.empty(),    "misra-standard"  },
     };
     for (const auto& [isGiven, name] : flags) {
         if (isGiven && !isMisra) {

@@ -51,6 +51,7 @@ private:
     void PrintIgnoredFlags() const;
     void ReadEarlierReport();
     void OpenTargets();
+    void AddChecked(const std::string& report, const std::string& checked) const;
     void AddOutput(std::unique_ptr<IOutput> output, MessageFilterSettings filter, const SuppressBase* base);
 
     [[nodiscard]] const SuppressBase* Base() const noexcept { return base_ ? &*base_ : nullptr; }

@@ -1,7 +1,7 @@
 #include "render/RenderTypes.h"
 
 #include "render/Forms.h"
-#include "render/MisraComplianceOutput.h"
+#include "render/misra/MisraComplianceOutput.h"
 #include "report/Exceptions.h"
 #include "report/FinishedReport.h"
 
@@ -22,13 +22,16 @@ std::unique_ptr<IOutput> MakeRaw(const std::string& path, const RenderSettings& 
 }
 
 std::unique_ptr<IOutput> MakeMisra(const std::string& path, const RenderSettings& settings) {
-    MisraCategoryPlan plan;
-    if (settings.categoriesPath) {
-        plan = ReadMisraCategoryPlan(*settings.categoriesPath);
+    MisraSettings misra;
+    for (const std::string& name : settings.misraStandards) {
+        misra.editions.Choose(MisraEditionNamed(name));
     }
-    return std::make_unique<MisraComplianceOutput>(path, std::move(plan),
-                                                   settings.countDeviations ? MisraComplianceOutput::Deviations::Count
-                                                                            : MisraComplianceOutput::Deviations::None);
+    if (settings.categoriesPath) {
+        misra.plan = ReadMisraCategoryPlan(*settings.categoriesPath, misra.editions);
+    }
+    misra.marks = settings.countDeviations ? MisraMarks::Deviations : MisraMarks::FalsePositives;
+    misra.checked = settings.misraChecked;
+    return std::make_unique<MisraComplianceOutput>(path, std::move(misra));
 }
 
 constexpr RenderType Types[] = {

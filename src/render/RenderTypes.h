@@ -1,5 +1,6 @@
 #pragma once
 
+#include "render/misra/MisraPlan.h"
 #include "report/IOutput.h"
 
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace OrvlogConverter {
 
@@ -17,9 +19,11 @@ class SuppressBase;
 /// What outputs are to know beside their path.
 struct RenderSettings {
     std::optional<std::string> categoriesPath; ///< the file that re-categorises MISRA guidelines
-    bool countDeviations = false;              ///< count the messages marked as false alarms
-    std::string sourceRoot = {};               ///< paths are told from here where a form wants that; empty: from here
-    bool namesSourceRoot = false;              ///< the user gave the root, so it may stand in a report
+    std::vector<std::string> misraStandards;   ///< names of editions
+    bool countDeviations = false;              ///< messages marked as false alarms are deviations, for MISRA
+    std::shared_ptr<MisraChecked> misraChecked = std::make_shared<MisraChecked>(); ///< filled while reports are read
+    std::string sourceRoot = {};  ///< paths are told from here where a form wants that; empty: from here
+    bool namesSourceRoot = false; ///< the user gave the root, so it may stand in a report
     std::string programVersion = {};
     std::string comparedWith = {};            ///< the earlier report whose findings were left out; empty: none
     const SuppressBase* suppressed = nullptr; ///< forms that can tell suppressed findings apart get and mark them
@@ -33,7 +37,7 @@ struct RenderSettings {
 struct RenderType {
     std::string_view name;   ///< as the user gives it
     std::string_view suffix; ///< of a file whose name is made up
-    bool wantsDeviations;    ///< counts of marked messages are for it
+    bool isMisra;            ///< the settings above are for it, and it wants marked messages too
     bool marksSuppressed;    ///< it can tell suppressed and marked findings from others
     std::unique_ptr<IOutput> (*make)(const std::string& path, const RenderSettings& settings);
 };

@@ -77,6 +77,12 @@ struct Options {
                "wants that",
                {'r', "sourcetree-root"}),
           categories(parser, "FILE", "File that re-categorises MISRA guidelines, for the form misra", {'g', "grp"}),
+          standards(parser, "NAME",
+                    "MISRA standard to judge by, such as 'C:2012' or 'C++:2023', for the form misra. Can be specified "
+                    "once for each language.",
+                    {"misra-standard"}),
+          checked(parser, "FILE", "List of the MISRA guidelines that were checked, for the form misra",
+                  {"misra-checked"}),
           deviations(parser, "misra_deviations",
                      "Count messages marked as false alarms as deviations, for the form misra",
                      {'m', "misra_deviations"}),
@@ -100,6 +106,8 @@ struct Options {
     StringFlag failOn;
     StringFlag root;
     StringFlag categories;
+    StringListFlag standards;
+    StringFlag checked;
     args::Flag deviations;
     args::Flag noLink;
     args::PositionalList<std::string> reports;
@@ -181,6 +189,10 @@ LogParserSettings MakeSettings(Options& options) {
     }
     if (options.categories.Matched()) {
         settings.render.categoriesPath = options.categories.Get();
+    }
+    settings.render.misraStandards = options.standards.Get();
+    if (options.checked.Matched()) {
+        settings.render.misraChecked->ReadFile(options.checked.Get());
     }
     settings.render.countDeviations = options.deviations.Matched();
     settings.render.sourceRoot = options.root.Get();
