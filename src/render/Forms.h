@@ -29,5 +29,7 @@ namespace OrvlogConverter {
 [[nodiscard]] std::unique_ptr<IOutput> MakeJunitOutput(const std::string& path, const RenderSettings& settings);
 /// Generic issues of SonarQube.
 [[nodiscard]] std::unique_ptr<IOutput> MakeSonarqubeOutput(const std::string& path, const RenderSettings& settings);
+/// One page for a browser, which needs nothing beside it. Needs memory for the lines around the findings.
+[[nodiscard]] std::unique_ptr<IOutput> MakeHtmlOutput(const std::string& path, const RenderSettings& settings);
 
 } // namespace OrvlogConverter

@@ -42,6 +42,7 @@ constexpr RenderType Types[] = {
     {"csv",       ".csv",            false, false, MakeCsvOutput      },
     {"totals",    ".totals.txt",     false, false, MakeTotalsOutput   },
     {"sarif",     ".sarif",          false, true,  MakeSarifOutput    },
+    {"html",      ".html",           false, false, MakeHtmlOutput     },
     {"gitlab",    ".gitlab.json",    false, false, MakeGitlabOutput   },
     {"github",    ".github.txt",     false, false, MakeGithubOutput   },
     {"teamcity",  ".teamcity.txt",   false, false, MakeTeamcityOutput },

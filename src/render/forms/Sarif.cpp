@@ -203,11 +203,19 @@ private:
         }
     }
 
+    // A rule's name is to be another one than its id.
+    static std::string NameOf(const Rule& rule) {
+        std::string name(GroupName(ClassifyCode(rule.code)));
+        std::replace_if(
+            name.begin(), name.end(), [](char character) { return character == ' ' || character == '-'; }, '_');
+        return name + "_" + rule.id;
+    }
+
     static void AppendRule(std::string& text, const Rule& rule) {
         text += '{';
         AppendMember(text, "id", rule.id);
         text += ", ";
-        AppendMember(text, "name", rule.id);
+        AppendMember(text, "name", NameOf(rule));
         text += ", \"defaultConfiguration\": {";
         AppendMember(text, "level", Levels[rule.worst]);
         text += '}';
