@@ -69,8 +69,8 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const args::Help&) {
         PrintHelp(parser);
         return 0;
-    } catch (const VersionRequest& version) {
-        PrintLine(version.what());
+    } catch (const PrintRequest& request) {
+        Print(request.what());
         return 0;
     } catch (const args::Error& error) {
         PrintLine(error.what());

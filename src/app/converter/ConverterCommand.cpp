@@ -1,5 +1,6 @@
 #include "app/converter/ConverterCommand.h"
 
+#include "app/ProgramText.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
 #include "platform/Console.h"
@@ -221,8 +222,9 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     Orvanta::SetHelpWords(parser);
     const args::HelpFlag help(parser, "help", "Show help page", {'h', "help"});
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"}, [] {
-        throw Orvanta::VersionRequest(std::string(ProgramName) + " " + Orvanta::Version);
+        throw Orvanta::PrintRequest(std::string(ProgramName) + " " + Orvanta::Version + "\n");
     });
+    const Orvanta::TextOptions texts(parser);
     const args::CompletionFlag completion(parser, {"complete"});
     Options options(parser);
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
