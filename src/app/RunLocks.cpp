@@ -11,7 +11,7 @@ namespace {
 // A run that was killed while it started a child leaves its locks to that child for a moment.
 constexpr std::chrono::milliseconds LongestWait{200};
 
-void Take(LockFile& lock, const std::string& path, const StopFlag& stop, const Log& log, const char* fault) {
+void Take(LockFile& lock, const std::string& path, const StopFlag& stop, Log& log, const char* fault) {
     const LockFile::State state = lock.Take(path, LongestWait, stop);
     if (state == LockFile::State::HeldByOther) {
         throw ZelmException(fault + path);
@@ -23,11 +23,11 @@ void Take(LockFile& lock, const std::string& path, const StopFlag& stop, const L
 
 } // namespace
 
-void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop, const Log& log) {
+void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log) {
     Take(report_, reportPath, stop, log, "Another run is writing to ");
 }
 
-void RunLocks::TakeShared(const std::string& orvantaFolder, const StopFlag& stop, const Log& log) {
+void RunLocks::TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log) {
     Take(shared_, orvantaFolder, stop, log, "Another run is using ");
 }
 

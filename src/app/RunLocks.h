@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/LockFile.h"
+#include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <string>
@@ -12,11 +13,11 @@ class RunLocks {
 public:
     /// Waits a moment for another run to end, and no longer than `stop` lets it. A file system without locks is told.
     /// \throws ZelmException "Another run is writing to " and the report
-    void TakeReport(const std::string& reportPath, const StopFlag& stop, const Log& log);
+    void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
 
     /// Of the folder ".Orvanta", which need not exist.
     /// \throws ZelmException "Another run is using " and the folder
-    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, const Log& log);
+    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log);
 
 private:
     LockFile report_;

@@ -70,8 +70,8 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const args::Help&) {
         PrintHelp(parser);
         return 0;
-    } catch (const VersionRequest& version) {
-        PrintLine(version.what());
+    } catch (const PrintRequest& request) {
+        Print(request.what());
         return 0;
     } catch (const args::Error& error) {
         PrintLine(error.what());
@@ -80,6 +80,9 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
         PrintLine(std::string("Error: ") + error.what());
+        if (!error.Hint().empty()) {
+            PrintLine(error.Hint());
+        }
     } catch (const NoCompilationCommandsToRun& error) {
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
