@@ -90,7 +90,7 @@ int AnalyzeRun::Analyze() {
     return code == 0 && HasFailedInvocation(input_.commands) ? 1 : code;
 }
 
-RunLocks AnalyzeRun::TakeLocks() const {
+RunLocks AnalyzeRun::TakeLocks() {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
