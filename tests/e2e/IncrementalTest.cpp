@@ -228,7 +228,12 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_EQ(Analyzed(), Names{});
     EXPECT_EQ(DependencyInfo().size(), 3U);
     EXPECT_FALSE(sandbox.Exists("report.json"));
-    const Arguments ways[] = {{}, {"-i"}, {"--dep-file", "common.h"}, {"--intermodular"}};
+    const Arguments ways[] = {
+        {           },
+        {"-i"        },
+        {"--dep-file", "common.h"},
+        {"--intermodular"           }
+    };
     for (const Arguments& way : ways) {
         sandbox.ForgetCoreCalls();
         Arguments options = {"--regenerate-depend-info", "run-analysis", "-e", "*c.c", "-o", "report.json"};
