@@ -1,12 +1,40 @@
-# orvanta_room(NAME SOURCES file... [DEPENDS room...])
-# One static library per folder of src/. A room may include what it depends on, and nothing above it.
+# The rooms, from the lowest up, and those of src/ that each may include beside itself. The build links by this table;
+# tests/checks/check_layers.py reads it too, and holds the includes to it.
+set(ORVANTA_ROOMS
+    "src/platform"
+    "src/report platform"
+    "src/settings platform"
+    "src/suppress report platform"
+    "src/render suppress report platform"
+    "src/compilers settings platform"
+    "src/buildinput compilers settings platform"
+    "src/history buildinput compilers report settings platform"
+    "src/analysis history buildinput compilers report settings platform"
+    "src/app analysis history render suppress buildinput compilers report settings platform"
+    "cores/cppcheck report settings platform")
+
+# orvanta_link_room(TARGET FOLDER)
+# Links a target to the rooms that the code of its folder may include.
+function(orvanta_link_room target folder)
+    foreach(row IN LISTS ORVANTA_ROOMS)
+        separate_arguments(row UNIX_COMMAND "${row}")
+        list(POP_FRONT row room)
+        if(room STREQUAL folder)
+            list(TRANSFORM row PREPEND orvanta_)
+            target_link_libraries(${target} PUBLIC ${row})
+            return()
+        endif()
+    endforeach()
+    message(FATAL_ERROR "${folder} has no row in ORVANTA_ROOMS")
+endfunction()
+
+# orvanta_room(NAME SOURCES file...)
+# One static library per folder of src/.
 function(orvanta_room name)
-    cmake_parse_arguments(ROOM "" "" "SOURCES;DEPENDS" ${ARGN})
+    cmake_parse_arguments(ROOM "" "" "SOURCES" ${ARGN})
     add_library(orvanta_${name} STATIC ${ROOM_SOURCES})
     target_include_directories(orvanta_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-    foreach(room IN LISTS ROOM_DEPENDS)
-        target_link_libraries(orvanta_${name} PUBLIC orvanta_${room})
-    endforeach()
+    orvanta_link_room(orvanta_${name} src/${name})
     target_link_libraries(orvanta_${name} PRIVATE orvanta_warnings)
 endfunction()
 

@@ -4,7 +4,6 @@
 #include "platform/Text.h"
 
 #include <array>
-#include <charconv>
 
 namespace Orvanta {
 
@@ -30,9 +29,7 @@ bool SplitFields(std::string_view line, std::array<std::string_view, Count>& fie
 }
 
 bool ReadNumber(std::string_view text, std::uint32_t& number) {
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && rest == end;
+    return ReadWholeNumber(text, number) == std::errc();
 }
 
 [[noreturn]] void FailAt(std::string_view line) {
@@ -41,15 +38,15 @@ bool ReadNumber(std::string_view text, std::uint32_t& number) {
 
 CppcheckFinding ReadFinding(std::string_view line) {
     CppcheckFinding finding;
-    std::array<std::string_view, 6> fields;
+    std::array<std::string_view, 7> fields;
     if (!SplitFields(line, fields) || !ReadNumber(fields[1], finding.location.line) ||
-        !ReadNumber(fields[4], finding.cwe)) {
+        !ReadNumber(fields[2], finding.column) || !ReadNumber(fields[5], finding.cwe)) {
         FailAt(line);
     }
     finding.location.file = fields[0];
-    finding.severity = fields[2];
-    finding.id = fields[3];
-    finding.message = Trim(fields[5]);
+    finding.severity = fields[3];
+    finding.id = fields[4];
+    finding.message = Trim(fields[6]);
     return finding;
 }
 
@@ -67,7 +64,7 @@ CppcheckLocation ReadLocation(std::string_view line) {
 
 std::string CppcheckTemplate() {
     std::string text(1, FindingMark);
-    for (const std::string_view field : {"{file}", "{line}", "{severity}", "{id}", "{cwe}"}) {
+    for (const std::string_view field : {"{file}", "{line}", "{column}", "{severity}", "{id}", "{cwe}"}) {
         text.append(field) += FieldMark;
     }
     return text + "{message}";
@@ -80,12 +77,7 @@ std::string CppcheckLocationTemplate() {
 CppcheckOutput ReadCppcheckOutput(std::string_view text) {
     CppcheckOutput output;
     while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
+        const std::string_view line = TakeLine(text);
         if (line.starts_with(FindingMark)) {
             output.findings.push_back(ReadFinding(line.substr(1)));
         } else if (line.starts_with(LocationMark) && !output.findings.empty()) {

@@ -2,8 +2,8 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Text.h"
 
-#include <charconv>
 #include <utility>
 
 namespace Orvanta {
@@ -34,14 +34,11 @@ std::string_view FieldReader::Next() {
 }
 
 std::uint64_t FieldReader::NextNumber() {
-    const std::string_view field = Next();
-    std::uint64_t number = 0;
-    const char* const end = field.data() + field.size();
-    const auto [rest, error] = std::from_chars(field.data(), end, number);
-    if (error != std::errc() || rest != end) {
+    const auto number = WholeNumber<std::uint64_t>(Next());
+    if (!number) {
         Fail();
     }
-    return number;
+    return *number;
 }
 
 void FieldReader::ExpectEnd() const {

@@ -2,19 +2,14 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Text.h"
 
 namespace Orvanta {
 
 std::vector<std::string_view> SplitLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
-        lines.push_back(line);
+        lines.push_back(TakeLine(text));
     }
     return lines;
 }

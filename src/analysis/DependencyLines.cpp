@@ -1,8 +1,7 @@
 #include "analysis/DependencyLines.h"
 
 #include "platform/Paths.h"
-
-#include <algorithm>
+#include "platform/Text.h"
 
 namespace Orvanta {
 
@@ -15,12 +14,7 @@ constexpr std::string_view IncludeMark = "<}include{>";
 std::vector<std::string> ReadDependencyLines(std::string_view output, std::string_view directory) {
     std::vector<std::string> paths;
     while (!output.empty()) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        std::string_view line = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
-        if (line.ends_with('\r')) {
-            line.remove_suffix(1);
-        }
+        const std::string_view line = TakeLine(output);
         if (line.starts_with(IncludeMark)) {
             const std::string_view path = line.substr(IncludeMark.size());
             paths.push_back(path.empty() ? std::string() : NormalizePath(JoinPath(directory, path)));

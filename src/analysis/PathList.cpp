@@ -1,8 +1,9 @@
 #include "analysis/PathList.h"
 
 #include "platform/Files.h"
+#include "platform/Text.h"
 
-#include <algorithm>
+#include <string_view>
 
 namespace Orvanta {
 
@@ -18,10 +19,8 @@ void WritePathList(const std::string& path, const std::vector<std::string>& list
 std::vector<std::string> ReadPathList(const std::string& path) {
     const std::string text = ReadWholeFile(path);
     std::vector<std::string> listed;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        listed.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
+    for (std::string_view rest = text; !rest.empty();) {
+        listed.emplace_back(TakeUpTo(rest, "\n")); // a name may end in "\r"
     }
     return listed;
 }

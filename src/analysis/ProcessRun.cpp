@@ -2,8 +2,6 @@
 
 #include "platform/Text.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const StopFlag& stop,
@@ -18,9 +16,7 @@ ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const
 std::string_view TellingLine(std::string_view output) {
     std::string_view firstLine;
     while (!output.empty()) {
-        const std::size_t end = std::min(output.find('\n'), output.size());
-        const std::string_view line = Trim(output.substr(0, end));
-        output.remove_prefix(std::min(end + 1, output.size()));
+        const std::string_view line = Trim(TakeLine(output));
         if (ContainsIgnoringCase(line, "error")) {
             return line;
         }

@@ -4,9 +4,9 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/Text.h"
 #include "report/MessageLine.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <exception>
 #include <fstream>
@@ -127,9 +127,7 @@ void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
 void ReportCommitter::PassOnLines(Locked lock, std::string_view lines, UnitResult& result) {
     bytesWaiting_ += lines.size();
     for (std::size_t number = 1; !lines.empty(); ++number) {
-        const std::size_t end = std::min(lines.find('\n'), lines.size());
-        PassOnLine(lock, lines.substr(0, end), number, result);
-        lines.remove_prefix(std::min(end + 1, lines.size()));
+        PassOnLine(lock, TakeLine(lines), number, result);
     }
 }
 

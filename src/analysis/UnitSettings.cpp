@@ -3,6 +3,7 @@
 #include "compilers/Compiler.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/AnalysisMode.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +14,6 @@ namespace Orvanta {
 namespace {
 
 constexpr const char* DefaultPlatform = "x64";
-constexpr const char* GeneralAnalysis = "4";
 
 std::string YesOrNo(bool value) {
     return value ? "yes" : "no";
@@ -45,7 +45,7 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
     const std::pair<const char*, std::string> defaults[] = {
         {"preprocessor",      std::string(model.Name())                                            },
         {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},
-        {"analysis-mode",     GeneralAnalysis                                                      },
+        {"analysis-mode",     DefaultAnalysisMode                                                  },
         {"funsigned-char",    YesOrNo(command.unsignedChar)                                        },
         {"fshort-float",      YesOrNo(command.effects.Has(FlagEffect::ShortFloat))                 },
         {"fshort-double",     YesOrNo(command.effects.Has(FlagEffect::ShortDouble))                },

@@ -12,16 +12,6 @@ namespace {
 
 constexpr std::string_view Marker = "orvanta-environment";
 
-std::string_view TakeLine(std::string_view& text) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-    }
-    return line;
-}
-
 // The interpreter may go on behind a script that has failed: only one that has done its work names folders of headers.
 bool NamesHeaders(const Environment& variables) {
     return std::any_of(variables.begin(), variables.end(),

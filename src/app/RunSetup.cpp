@@ -3,11 +3,11 @@
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 #include "report/Exceptions.h"
 #include "settings/AnalysisMode.h"
 #include "settings/SettingsFile.h"
 
-#include <charconv>
 #include <optional>
 #include <utility>
 
@@ -106,12 +106,11 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
         return AvailableProcessors();
     }
     const std::string& text = *options.threads;
-    unsigned threads = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), threads);
-    if (error != std::errc{} || end != text.data() + text.size() || threads == 0) {
+    const std::optional<unsigned> threads = WholeNumber<unsigned>(text);
+    if (!threads || *threads == 0) {
         throw ZelmException("Wrong value of --threads: \"" + text + "\", expected a number of 1 or more");
     }
-    return threads;
+    return *threads;
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
@@ -137,7 +136,8 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
         return std::make_unique<ConsoleOutput>(format);
     }
     if (ExtensionOf(reportPath) == ".json") {
-        return std::make_unique<JsonOutput>(reportPath);
+        const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
+        return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
     }
     return std::make_unique<LineOutput>(reportPath, format);
 }

@@ -22,10 +22,6 @@ void Print(std::string_view text) {
     WriteToStandardOutput(text);
 }
 
-void PrintLine(std::string text) {
-    Print(text += '\n');
-}
-
 void PrintHelp(const args::ArgumentParser& parser) {
     std::ostringstream text;
     text << parser;

@@ -4,8 +4,6 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -20,9 +18,7 @@ std::vector<std::string> ParseSourceList(std::string_view text) {
     }
     std::vector<std::string> paths;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = Trim(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        const std::string_view line = Trim(TakeLine(text));
         if (!line.empty()) {
             paths.push_back(AbsolutePath(line));
         }

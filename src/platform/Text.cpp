@@ -20,6 +20,21 @@ std::string_view Trim(std::string_view text) noexcept {
     return text;
 }
 
+std::string_view TakeUpTo(std::string_view& text, std::string_view separators) noexcept {
+    const std::string_view part = text.substr(0, text.find_first_of(separators));
+    text.remove_prefix(std::min(part.size() + 1, text.size()));
+    return part;
+}
+
+std::string_view TakeLine(std::string_view& text) noexcept {
+    std::string_view line = text.substr(0, text.find('\n')); // much faster than a search for one of several
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (line.ends_with('\r')) {
+        line.remove_suffix(1);
+    }
+    return line;
+}
+
 char ToLowerAscii(char character) noexcept {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }

@@ -1,12 +1,12 @@
 #include "report/AnalyzerType.h"
 
+#include "platform/Table.h"
+#include "platform/Text.h"
 #include "report/Exceptions.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iterator>
+#include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -62,22 +62,19 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
 }
 
 AnalyzerType AnalyzerNamed(std::string_view name) {
-    const auto* const row =
-        std::find_if(std::begin(Names), std::end(Names), [name](const NameRow& each) { return each.name == name; });
-    if (row == std::end(Names)) {
+    const NameRow* const row = Orvanta::FindRow(Names, &NameRow::name, name);
+    if (row == nullptr) {
         throw ConfigException("Wrong analyzer name: " + std::string(name));
     }
     return row->analyzer;
 }
 
 int ParseLevel(std::string_view text, std::string_view specification) {
-    int level = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, level);
-    if (error != std::errc{} || stop != end) {
+    const std::optional<int> level = Orvanta::WholeNumber<int>(text);
+    if (!level) {
         throw ConfigException("Wrong analyzers format: " + std::string(specification));
     }
-    return level;
+    return *level;
 }
 
 } // namespace
@@ -86,10 +83,7 @@ std::uint32_t CodeNumber(std::string_view code) noexcept {
     if (code.size() < 2 || code.front() != 'V') {
         return 0;
     }
-    std::uint32_t number = 0;
-    const char* const end = code.data() + code.size();
-    const auto [stop, error] = std::from_chars(code.data() + 1, end, number);
-    return error == std::errc{} && stop == end ? number : 0;
+    return Orvanta::WholeNumber<std::uint32_t>(code.substr(1)).value_or(0);
 }
 
 AnalyzerType ClassifyCode(std::string_view code) noexcept {

@@ -10,30 +10,30 @@ namespace OrvlogConverter {
 FinishedReport::FinishedReport(const std::string& path, ReportForm form) : file_(path), form_(form) {}
 
 bool FinishedReport::Write(const ReportMessage& message) {
-    if (IsDocument()) {
-        OpenArray();
-        file_.Append(count_ == 0 ? "\n" : ",\n");
-    }
-    AppendText(message);
-    ++count_;
-    return true;
-}
-
-void FinishedReport::AppendText(const ReportMessage& message) {
-    if (origin_ != nullptr && origin_->message == &message) {
-        file_.Append(origin_->text);
-        // The last line of a report may have no end.
-        if (!IsDocument() && !origin_->text.ends_with('\n')) {
-            file_.Append("\n");
-        }
-        return;
-    }
+    BeginMessage();
     line_.clear();
     AppendMessageLine(line_, message, form_ == ReportForm::RawLines ? LineFormat::Raw : LineFormat::Json);
     if (!IsDocument()) {
         line_ += '\n';
     }
     file_.Append(line_);
+    return true;
+}
+
+void FinishedReport::Copy(std::string_view text) {
+    BeginMessage();
+    file_.Append(text);
+    if (!IsDocument() && !text.ends_with('\n')) { // the last line of a report
+        file_.Append("\n");
+    }
+}
+
+void FinishedReport::BeginMessage() {
+    if (IsDocument()) {
+        OpenArray();
+        file_.Append(count_ == 0 ? "\n" : ",\n");
+    }
+    ++count_;
 }
 
 void FinishedReport::AddMember(const std::string& key, std::string_view value) {

@@ -19,7 +19,8 @@ public:
 /// One JSON document: an object whose "warnings" holds the messages. Closed again by every commit.
 class JsonOutput : public ReportOutput {
 public:
-    explicit JsonOutput(const std::string& path);
+    /// `checked` is the value of the member of that name, as JSON: what was looked at. Empty: there is no such member.
+    explicit JsonOutput(const std::string& path, const std::string& checked = {});
     bool Write(const ReportMessage& message) override;
     void Commit() override;
     void End() override;

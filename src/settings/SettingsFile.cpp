@@ -114,9 +114,7 @@ SettingsMap ParseSettings(std::string_view text, std::string_view baseDirectory)
     }
     SettingsMap settings;
     while (!text.empty()) {
-        const std::string_view rawLine = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(rawLine.size() + 1, text.size()));
-        const std::string_view line = Trim(rawLine);
+        const std::string_view line = Trim(TakeLine(text));
         const std::size_t equals = line.find('=');
         if (line.substr(0, 1) == "#" || equals == std::string_view::npos) {
             continue;

@@ -1,11 +1,15 @@
 #include "suppress/FilterWorker.h"
 
+#include "platform/Console.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "report/ReportReader.h"
+#include "report/FinishedReport.h"
+#include "report/ReportPass.h"
 #include "report/WholeFile.h"
-#include "report/WriteFailure.h"
+#include "suppress/SuppressBaseFilter.h"
 
+#include <cstddef>
+#include <string_view>
 #include <utility>
 
 namespace Orvanta {
@@ -13,13 +17,6 @@ namespace Orvanta {
 using namespace OrvlogConverter;
 
 namespace {
-
-LogParserSettings SettingsFor(const std::string& reportPath) {
-    LogParserSettings settings;
-    settings.reports = {reportPath};
-    settings.documentationLink = LogParserSettings::DocumentationLink::LeaveOut;
-    return settings;
-}
 
 bool IsSamePlace(const std::string& left, const std::string& right) {
     return AbsolutePath(left) == AbsolutePath(right) || IsSameFile(left, right);
@@ -37,55 +34,41 @@ ReportForm FormOfOutput(ReportForm input, const std::string& outputPath) {
 
 FilterWorker::FilterWorker(std::string basePath, std::string reportPath, const std::optional<std::string>& outputPath,
                            const StopFlag& stop)
-    : LogParserWorker(SettingsFor(reportPath), stop), basePath_(std::move(basePath)),
-      reportPath_(std::move(reportPath)), isInPlace_(!outputPath || IsSamePlace(*outputPath, reportPath_)) {
-    if (isInPlace_) {
-        reportPath_ = ResolveLinks(reportPath_);
-        outputPath_ = reportPath_ + ".new";
-    } else {
-        outputPath_ = *outputPath;
-    }
-}
+    : basePath_(std::move(basePath)), reportPath_(std::move(reportPath)), outputPath_(outputPath.value_or(reportPath_)),
+      isInPlace_(IsSamePlace(outputPath_, reportPath_)), stop_(stop) {}
 
-FilterWorker::~FilterWorker() {
-    if (isInPlace_ && output_) {
-        RemoveFile(outputPath_); // of a run that failed
-    }
-}
-
-IOutput& FilterWorker::BuildChain() {
-    base_ = SuppressBase::Read(basePath_);
+void FilterWorker::Run() {
+    const SuppressBase base = SuppressBase::Read(basePath_);
     if (isInPlace_) {
         WholeFile::RequireReplaceable(reportPath_);
     }
     const ReportForm input = DetectReportForm(reportPath_);
     const ReportForm form = isInPlace_ ? input : FormOfOutput(input, outputPath_);
-    output_.emplace(outputPath_, form);
-    if ((form == ReportForm::JsonDocument) == (input == ReportForm::JsonDocument)) {
-        output_->CopyFrom(Origin());
-    } else if (form == ReportForm::JsonDocument) {
-        output_->AddMember("version", "1");
+    FinishedReport output(isInPlace_ ? reportPath_ : outputPath_, form);
+    const bool isSameKind = (form == ReportForm::JsonDocument) == (input == ReportForm::JsonDocument);
+    if (!isSameKind && form == ReportForm::JsonDocument) {
+        output.AddMember("version", "1");
     }
-    filter_.emplace(&*output_, &base_);
-    return root_.emplace(&*filter_, "");
-}
-
-void FilterWorker::TakeMember(const std::string& key, const std::string& value) {
-    output_->AddMember(key, value);
-}
-
-void FilterWorker::Finish(const Counts& counts) {
-    if (isInPlace_) {
-        ReplaceReport();
-    }
+    SuppressBaseFilter filter(&output, &base);
+    filter.Begin();
+    const auto takeMessage = [&](const ReportMessage& message, std::string_view text) {
+        if (!filter.Accept(message)) {
+            return;
+        }
+        if (isSameKind) {
+            output.Copy(text);
+        } else {
+            output.Write(message);
+        }
+    };
+    const auto takeMember = [&output](const std::string& key, const std::string& value) {
+        output.AddMember(key, value);
+    };
+    const std::size_t total = PassReport(reportPath_, {takeMessage, takeMember}, stop_);
+    filter.End();
     PrintLine("Suppress file: " + basePath_);
-    PrintLine("Total messages: " + std::to_string(counts.total));
-    PrintLine("Filtered messages: " + std::to_string(output_->Count()));
-}
-
-// One renaming: at every moment the report's name leads to the old report or to the new one.
-void FilterWorker::ReplaceReport() {
-    NamingFile(reportPath_, [this] { PutInPlaceOf(outputPath_, reportPath_); });
+    PrintLine("Total messages: " + std::to_string(total));
+    PrintLine("Filtered messages: " + std::to_string(output.Count()));
 }
 
 } // namespace Orvanta

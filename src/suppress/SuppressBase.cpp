@@ -2,6 +2,7 @@
 
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/Table.h"
 #include "report/Exceptions.h"
 #include "report/JsonText.h"
 #include "report/Utf8.h"
@@ -116,9 +117,7 @@ public:
         if (depth_ == RootDepth) {
             rootKey_ = name;
         } else if (depth_ == EntryDepth && isInWarnings_) {
-            const auto* const row = std::find_if(std::begin(Fields), std::end(Fields),
-                                                 [&name](const FieldRow& each) { return name == each.key; });
-            field_ = row == std::end(Fields) ? nullptr : row;
+            field_ = Orvanta::FindRow(Fields, &FieldRow::key, name);
         }
         return true;
     }

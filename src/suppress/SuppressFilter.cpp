@@ -1,9 +1,9 @@
 #include "suppress/SuppressFilter.h"
 
+#include "platform/Text.h"
 #include "report/Exceptions.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <system_error>
 #include <utility>
@@ -14,12 +14,11 @@ namespace {
 
 std::uint32_t ParseLine(std::string_view text) {
     std::uint32_t line = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, line);
-    if (error == std::errc::invalid_argument || stop != end) {
+    const std::errc error = Orvanta::ReadWholeNumber(text, line);
+    if (error == std::errc::invalid_argument) {
         throw ConfigException("invalid stoul argument");
     }
-    if (error != std::errc{}) {
+    if (error != std::errc()) {
         throw ConfigException("stoul argument out of range");
     }
     return line;
@@ -56,14 +55,12 @@ std::vector<SuppressedFile> ParseSuppressedFiles(const std::vector<std::string>&
 
 std::uint32_t ParseCodeNumber(std::string_view value) {
     const std::string_view digits = value.starts_with('V') ? value.substr(1) : value;
-    std::uint32_t number = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, number);
-    if (error != std::errc{} || stop != end) {
+    const auto number = Orvanta::WholeNumber<std::uint32_t>(digits);
+    if (!number) {
         throw ConfigException("Wrong value of --warning: \"" + std::string(value) +
                               "\", expected a code such as V501 or its number");
     }
-    return number;
+    return *number;
 }
 
 SuppressFilter::SuppressFilter(IOutput* next, SuppressFilterSettings settings)

@@ -1,38 +1,37 @@
 #include "suppress/SuppressWorker.h"
 
+#include "platform/Console.h"
 #include "platform/Files.h"
+#include "report/ReportPass.h"
+#include "suppress/BaseLock.h"
+#include "suppress/SuppressBaseOutput.h"
 
+#include <string_view>
 #include <utility>
 
 namespace Orvanta {
 
 using namespace OrvlogConverter;
 
-namespace {
-
-LogParserSettings SettingsFor(const std::string& reportPath) {
-    LogParserSettings settings;
-    settings.reports = {reportPath};
-    settings.documentationLink = LogParserSettings::DocumentationLink::LeaveOut;
-    return settings;
-}
-
-} // namespace
-
 SuppressWorker::SuppressWorker(std::string basePath, std::string reportPath, SuppressFilterSettings filter,
                                const StopFlag& stop)
-    : LogParserWorker(SettingsFor(reportPath), stop), basePath_(std::move(basePath)),
-      reportPath_(std::move(reportPath)), filterSettings_(std::move(filter)), stop_(stop) {}
+    : basePath_(std::move(basePath)), reportPath_(std::move(reportPath)), filter_(std::move(filter)), stop_(stop) {}
 
-IOutput& SuppressWorker::BuildChain() {
-    lock_.emplace(basePath_, stop_);
-    output_.emplace(basePath_, PathExists(basePath_) ? SuppressBase::Read(basePath_) : SuppressBase());
-    return filter_.emplace(&*output_, std::move(filterSettings_));
-}
-
-void SuppressWorker::Finish(const Counts& /*counts*/) {
-    lock_.reset();
-    PrintLine("Suppressed messages: " + std::to_string(output_->AddedCount()));
+void SuppressWorker::Run() {
+    std::size_t added = 0;
+    {
+        const BaseLock lock(basePath_, stop_); // from before the base is read until it is written
+        SuppressBaseOutput output(basePath_, PathExists(basePath_) ? SuppressBase::Read(basePath_) : SuppressBase());
+        SuppressFilter filter(&output, filter_);
+        filter.Begin();
+        const auto takeMessage = [&filter](const ReportMessage& message, std::string_view /*text*/) {
+            filter.Write(message);
+        };
+        PassReport(reportPath_, {takeMessage}, stop_);
+        filter.End();
+        added = output.AddedCount();
+    }
+    PrintLine("Suppressed messages: " + std::to_string(added));
     PrintLine("Suppress file: " + basePath_);
     PrintLine("Log file: " + reportPath_);
 }

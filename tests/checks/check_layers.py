@@ -1,26 +1,24 @@
 #!/usr/bin/env python3
 """check_layers [REPOSITORY]: includes go downwards only, and no two files include each other in a cycle."""
+import os
 import posixpath
 import re
+import sys
 
 import repository
 
-# A room, and the rooms that it may include beside itself.
-ALLOWED = {
-    "src/platform": set(),
-    "src/report": {"src/platform"},
-    "src/settings": {"src/platform"},
-    "src/compilers": {"src/settings", "src/platform"},
-    "src/buildinput": {"src/compilers", "src/settings", "src/platform"},
-    "src/suppress": {"src/report", "src/settings", "src/platform"},
-    "src/history": {"src/buildinput", "src/compilers", "src/settings", "src/report", "src/platform"},
-    "src/analysis": {"src/history", "src/suppress", "src/buildinput", "src/compilers", "src/settings", "src/report",
-                     "src/platform"},
-    "src/app": {"src/analysis", "src/history", "src/suppress", "src/buildinput", "src/compilers", "src/settings",
-                "src/report", "src/platform"},
-    "cores/cppcheck": {"src/report", "src/settings", "src/platform"},
-}
+TABLE = "cmake/Rooms.cmake"
 INCLUDE = re.compile(r'\s*#\s*include\s*"([^"]+)"')
+
+
+def read_rooms(folder):
+    """A room, and the rooms that it may include beside itself: the table that the build links by."""
+    with open(os.path.join(folder, TABLE), encoding="utf-8") as file:
+        table = re.search(r"set\(ORVANTA_ROOMS(.*?)\)", file.read(), re.DOTALL)
+    if not table:
+        sys.exit(f"{TABLE} has no table of rooms")
+    rows = [row.split() for row in re.findall(r'"([^"]*)"', table[1])]
+    return {room: {"src/" + included for included in rest} for room, *rest in rows}
 
 
 def room_of(name):
@@ -33,7 +31,7 @@ def included_file(name, target, known):
     return next((path for path in ("src/" + target, "cores/" + target, beside) if path in known), None)
 
 
-def read_includes(folder):
+def read_includes(folder, allowed):
     sources = repository.code_files(folder)
     # A header that the build makes counts as where its template stands.
     generated = [name.removesuffix(".in") for name in repository.files(folder, ".h.in")]
@@ -51,9 +49,9 @@ def read_includes(folder):
                 faults.append(f'{name}:{number}: includes "{match[1]}", which is no file of the repository')
                 continue
             graph[name].append(target)
-            if room not in ALLOWED:
-                faults.append(f"{name}:{number}: {room} is no room that this check knows")
-            elif room_of(target) != room and room_of(target) not in ALLOWED[room]:
+            if room not in allowed:
+                faults.append(f"{name}:{number}: {room} has no row in {TABLE}")
+            elif room_of(target) != room and room_of(target) not in allowed[room]:
                 faults.append(f"{name}:{number}: {room} may not include {target}")
     return graph, faults
 
@@ -75,5 +73,5 @@ def find_cycles(graph):
     return faults
 
 
-graph, faults = read_includes(repository.root())
+graph, faults = read_includes(repository.root(), read_rooms(repository.root()))
 repository.finish(faults + find_cycles(graph))

@@ -14,6 +14,7 @@ CASES = [
     ("layers", "src/report/A.cpp", '#include "settings/S.h"\n', "src/report may not include src/settings/S.h"),
     ("layers", "src/report/A.cpp", '#include "report/Gone.h"\n', "which is no file of the repository"),
     ("layers", "src/settings/S.h", '#include "settings/T.h"\n', "include cycle: src/settings/S.h -> src/settings/T.h"),
+    ("layers", "src/attic/A.cpp", '#include "settings/S.h"\n', "src/attic has no row in cmake/Rooms.cmake"),
     ("platform_conditionals", "src/app/A.cpp", "#if defined(_WIN32)\n", "tests for the system"),
     ("platform_conditionals", "src/app/A.cpp", "#include <unistd.h>\n", "includes a header of the system"),
     ("platform_conditionals", "src/platform/posix/A.cpp", "#include <windows.h>\n", "includes windows.h outside"),
@@ -24,6 +25,8 @@ CASES = [
     ("links", "docs/a.md", "[b](../README.md#gone)\n", "the heading #gone"),
 ]
 GOOD = {
+    "cmake/Rooms.cmake": 'set(ORVANTA_ROOMS "src/platform"\n"src/report platform" "src/settings platform"\n'
+                         '"src/app report settings platform")\n',
     "README.md": "# The project\n\n[itself](#the-project), [elsewhere](https://elsewhere.example/)\n",
     "src/app/Run.h": '#include "settings/S.h"\n#include "app/Version.h"\n',
     "src/app/Version.h.in": "#define VERSION @VERSION@\n",

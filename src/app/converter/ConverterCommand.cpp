@@ -7,8 +7,9 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
+#include "platform/Text.h"
+#include "render/LogParserWorker.h"
 #include "report/Exceptions.h"
-#include "report/LogParserWorker.h"
 
 #include <args.hxx>
 
@@ -52,6 +53,12 @@ struct Options {
                 {'e', "exclude-path"}),
           root(parser, "DIR", "Folder to put in the place of \"|?|\"", {'r', "sourcetree-root"}),
           categories(parser, "FILE", "File that re-categorises MISRA guidelines, for the form misra", {'g', "grp"}),
+          standards(parser, "NAME",
+                    "MISRA standard to judge by, such as 'C:2012' or 'C++:2023', for the form misra. Can be specified "
+                    "once for each language.",
+                    {"misra-standard"}),
+          checked(parser, "FILE", "List of the MISRA guidelines that were checked, for the form misra",
+                  {"misra-checked"}),
           deviations(parser, "misra_deviations",
                      "Count messages marked as false alarms as deviations, for the form misra",
                      {'m', "misra_deviations"}),
@@ -70,6 +77,8 @@ struct Options {
     StringListFlag paths;
     StringFlag root;
     StringFlag categories;
+    StringListFlag standards;
+    StringFlag checked;
     args::Flag deviations;
     args::Flag noLink;
     args::PositionalList<std::string> reports;
@@ -79,11 +88,9 @@ std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& li
     std::set<std::string, std::less<>> codes;
     for (std::string_view list : lists) {
         while (!list.empty()) {
-            const std::size_t end = std::min(list.find_first_of(",; "), list.size());
-            if (end > 0) {
-                codes.emplace(list.substr(0, end));
+            if (const std::string_view code = Orvanta::TakeUpTo(list, ",; "); !code.empty()) {
+                codes.emplace(code);
             }
-            list.remove_prefix(std::min(end + 1, list.size()));
         }
     }
     return codes;
@@ -144,6 +151,10 @@ LogParserSettings MakeSettings(Options& options) {
     }
     if (options.categories.Matched()) {
         settings.render.categoriesPath = options.categories.Get();
+    }
+    settings.render.misraStandards = options.standards.Get();
+    if (options.checked.Matched()) {
+        settings.render.misraChecked->ReadFile(options.checked.Get());
     }
     settings.render.countDeviations = options.deviations.Matched();
     return settings;

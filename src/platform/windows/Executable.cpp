@@ -4,11 +4,10 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 #include "platform/windows/SearchPath.h"
 #include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
-
-#include <algorithm>
 
 #include <windows.h>
 
@@ -27,19 +26,12 @@ bool IsThere(const std::string& path) {
     return LookAt(path).IsThere();
 }
 
-// Cuts the text up to the next ";" off `list` and returns it.
-std::string_view TakePart(std::string_view& list) {
-    const std::string_view part = list.substr(0, list.find(';'));
-    list.remove_prefix(std::min(part.size() + 1, list.size()));
-    return part;
-}
-
 std::string FirstThatPasses(const std::string& path, std::string_view extensions, Test test) {
     if (test(path)) {
         return path;
     }
     while (!extensions.empty()) {
-        const std::string_view extension = TakePart(extensions);
+        const std::string_view extension = TakeUpTo(extensions, ";");
         if (!extension.empty() && test(path + std::string(extension))) {
             return path + std::string(extension);
         }
@@ -59,7 +51,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
         return {};
     }
     while (!searchPath.empty()) {
-        const std::string_view folder = TakePart(searchPath);
+        const std::string_view folder = TakeUpTo(searchPath, ";");
         if (folder.empty()) {
             continue;
         }

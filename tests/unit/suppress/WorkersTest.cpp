@@ -3,6 +3,7 @@
 #include "report/RawLine.h"
 #include "support/TestFolder.h"
 #include "suppress/FilterWorker.h"
+#include "suppress/SuppressBase.h"
 #include "suppress/SuppressWorker.h"
 
 #include <gtest/gtest.h>

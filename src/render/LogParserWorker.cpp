@@ -1,11 +1,15 @@
-#include "report/LogParserWorker.h"
+#include "render/LogParserWorker.h"
 
 #include "platform/Console.h"
 #include "report/DocumentationLink.h"
 #include "report/Exceptions.h"
-#include "report/ReportReader.h"
+#include "report/ReportPass.h"
+#include "report/SourceRootTransformer.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string_view>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -28,75 +32,68 @@ LogParserWorker::LogParserWorker(LogParserSettings settings, const Orvanta::Stop
     : settings_(std::move(settings)), stop_(stop) {}
 
 void LogParserWorker::Run() {
-    IOutput& chain = BuildChain();
-    Counts counts;
+    OpenTargets();
+    SourceRootTransformer chain(&outputs_, settings_.sourceRoot);
     chain.Begin();
     if (settings_.documentationLink == LogParserSettings::DocumentationLink::Write) {
         chain.Write(DocumentationLinkMessage());
     }
+    std::size_t total = 0;
+    std::size_t taken = 0;
     for (const std::string& report : settings_.reports) {
-        Parse(report, chain, counts);
+        std::string checked;
+        const ReportReceiver receiver = {
+            [&](const ReportMessage& message, std::string_view /*text*/) { taken += chain.Write(message) ? 1U : 0U; },
+            [&](const std::string& key, const std::string& value) {
+                if (key == "checked") {
+                    checked = value;
+                }
+            }};
+        total += PassReport(report, receiver, stop_);
+        AddChecked(report, checked);
     }
     chain.End();
-    Finish(counts);
+    Orvanta::PrintLine("Total messages: " + std::to_string(total));
+    Orvanta::PrintLine("Filtered messages: " + std::to_string(taken));
 }
 
-IOutput& LogParserWorker::BuildChain() {
+void LogParserWorker::AddChecked(const std::string& report, const std::string& checked) const {
+    try {
+        settings_.render.misraChecked->AddReport(checked);
+    } catch (const ParseException& error) {
+        throw ParseException(report + ": " + error.what());
+    }
+}
+
+void LogParserWorker::OpenTargets() {
     if (settings_.targets.empty()) {
         throw ConfigException("Render type is required");
     }
     PrintIgnoredFlags();
     for (const RenderTarget& target : settings_.targets) {
         MessageFilterSettings filter = settings_.filter;
-        if (target.type->wantsDeviations && settings_.render.countDeviations) {
+        if (target.type->isMisra) {
             filter.falseAlarms = MessageFilterSettings::FalseAlarms::Keep;
         }
         outputs_.Add(
             std::make_unique<OwningFilter>(target.type->make(target.path, settings_.render), std::move(filter)));
     }
-    return root_.emplace(&outputs_, settings_.sourceRoot);
 }
 
 void LogParserWorker::PrintIgnoredFlags() const {
     const bool isMisra = std::any_of(settings_.targets.begin(), settings_.targets.end(),
-                                     [](const RenderTarget& target) { return target.type->wantsDeviations; });
+                                     [](const RenderTarget& target) { return target.type->isMisra; });
     const std::pair<bool, const char*> flags[] = {
         {settings_.render.categoriesPath.has_value(), "grp"             },
         {settings_.render.countDeviations,            "misra_deviations"},
+        {!settings_.render.misraStandards.empty(),    "misra-standard"  },
     };
     for (const auto& [isGiven, name] : flags) {
         if (isGiven && !isMisra) {
-            PrintLine(std::string("The use of the '") + name +
-                      "' flag is valid only for the 'misra' format. Otherwise, it will be ignored.");
+            Orvanta::PrintLine(std::string("The use of the '") + name +
+                               "' flag is valid only for the 'misra' format. Otherwise, it will be ignored.");
         }
     }
-}
-
-void LogParserWorker::Parse(const std::string& report, IOutput& chain, Counts& counts) {
-    const auto takeMessage = [&](const ReportMessage& message, std::string_view text) {
-        if (stop_.IsSet()) {
-            throw StoppedException();
-        }
-        origin_ = {&message, text};
-        ++counts.total;
-        counts.taken += chain.Write(message) ? 1U : 0U;
-        origin_ = {};
-    };
-    const auto takeMember = [this](const std::string& key, const std::string& value) {
-        TakeMember(key, value);
-    };
-    ReportReader(report).Read({takeMessage, takeMember});
-}
-
-void LogParserWorker::Finish(const Counts& counts) {
-    PrintLine("Total messages: " + std::to_string(counts.total));
-    PrintLine("Filtered messages: " + std::to_string(counts.taken));
-}
-
-void LogParserWorker::TakeMember(const std::string& /*key*/, const std::string& /*value*/) {}
-
-void LogParserWorker::PrintLine(std::string text) {
-    Orvanta::WriteToStandardOutput(text += '\n');
 }
 
 } // namespace OrvlogConverter
