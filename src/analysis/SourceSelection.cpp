@@ -1,10 +1,9 @@
 #include "analysis/SourceSelection.h"
 
 #include "history/UnitHistory.h"
-#include "platform/Paths.h"
+#include "platform/Files.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace Orvanta {
 
@@ -25,6 +24,13 @@ std::vector<UnitAction> ForEachUnit(std::span<const CompileCommand> units, const
     return actions;
 }
 
+// The first place at which there is something, else the first.
+const std::string& LikeliestPlace(const ListedFile& file) {
+    const auto place = std::find_if(file.places.begin(), file.places.end(),
+                                    [](const std::string& path) { return LookAt(path).IsThere(); });
+    return place == file.places.end() ? file.places.front() : *place;
+}
+
 } // namespace
 
 std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const RunSettings& settings) {
@@ -32,30 +38,32 @@ std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const R
 }
 
 ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
-                         std::span<const std::string> listed, const RunSettings& settings) {
+                         std::span<const ListedFile> listed, const RunSettings& settings) {
+    std::vector<std::string> places;
+    for (const ListedFile& file : listed) {
+        places.insert(places.end(), file.places.begin(), file.places.end());
+    }
     std::vector<bool> isMatched;
-    const std::vector<bool> isMadeOfListed = history.UnitsMadeOf(listed, isMatched);
-    std::unordered_map<std::string, std::vector<std::size_t>> places; // in `listed`, by the comparable form of the path
-    for (std::size_t place = 0; place < listed.size(); ++place) {
-        places[ComparablePath(listed[place])].push_back(place);
-    }
+    static_cast<void>(history.UnitsMadeOf(places, isMatched));
     ListedUnits selection;
-    selection.actions.reserve(units.size());
-    for (std::size_t unit = 0; unit < units.size(); ++unit) {
-        const auto named = places.find(ComparablePath(SourcePath(units[unit])));
-        if (named != places.end()) {
-            for (const std::size_t place : named->second) {
-                isMatched[place] = true;
-            }
+    std::vector<std::string> chosen;
+    std::size_t first = 0; // of the file's places
+    for (const ListedFile& file : listed) {
+        std::size_t place = 0;
+        while (place < file.places.size() && !isMatched[first + place]) {
+            ++place;
         }
-        const bool isSelected = named != places.end() || isMadeOfListed[unit];
-        selection.actions.push_back(isSelected ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut);
-    }
-    for (std::size_t place = 0; place < listed.size(); ++place) {
-        if (!isMatched[place]) {
-            selection.unmatched.push_back(listed[place]);
+        if (place < file.places.size()) {
+            chosen.push_back(file.places[place]);
+        } else {
+            selection.unmatched.push_back(LikeliestPlace(file));
         }
+        first += file.places.size();
     }
+    const std::vector<bool> isSelected = history.UnitsMadeOf(chosen, isMatched);
+    selection.actions = ForEachUnit(units, [&](std::size_t unit) {
+        return isSelected[unit] ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut;
+    });
     return selection;
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/AnalyzeOptions.h"
 #include "buildinput/BuildInput.h"
+#include "buildinput/SourceList.h"
 #include "settings/RunSettings.h"
 #include "suppress/SuppressBase.h"
 
@@ -18,7 +19,7 @@ struct AnalyzeInput {
     unsigned threads = 1;
     std::string reportPath;                                 ///< empty: the findings go to standard output
     std::optional<OrvlogConverter::SuppressBase> base = {}; ///< of --suppress-file
-    std::optional<std::vector<std::string>> listedFiles = {};
+    std::optional<std::vector<ListedFile>> listedFiles = {};
     CollectedCommands commands = {};
 };
 

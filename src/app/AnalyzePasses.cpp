@@ -49,13 +49,19 @@ void AnalyzePasses::Run() {
             const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
             const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
             history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
+            if (input_.listedFiles) {
+                history_->RequireListedFile(*input_.listedFiles);
+            }
         }
         GoThrough(ListPasses());
     } catch (...) {
         Keep();
         throw;
     }
-    Keep();
+    if (!Keep() && RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis) {
+        ending_.summary.clear(); // to keep them was all that the run was for
+        throw ZelmException("The dependencies can't be saved to " + OrvantaFolder(places_.outputFolder));
+    }
 }
 
 void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
@@ -71,8 +77,8 @@ void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
     }
 }
 
-// What came of the units, for the end of the run and for later ones.
-void AnalyzePasses::Keep() {
+// What came of the units, for the end of the run and for later ones. Returns whether all could be written.
+bool AnalyzePasses::Keep() {
     RunOutcome& outcome = ending_.outcome;
     for (const auto& [failure, earlier] : learned_) {
         // A unit that failed in an earlier stage has failed, whatever became of it later.
@@ -81,12 +87,13 @@ void AnalyzePasses::Keep() {
         }
     }
     if (!history_) {
-        return;
+        return true;
     }
-    history_->Save(outcome);
+    const bool isSaved = history_->Save(outcome);
     if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands)) {
         history_->MarkReport();
     }
+    return isSaved;
 }
 
 // What each way to analyze is made of.

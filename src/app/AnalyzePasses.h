@@ -48,7 +48,7 @@ private:
     };
 
     void GoThrough(const std::vector<Pass>& passes);
-    void Keep();
+    bool Keep();
     [[nodiscard]] std::vector<Pass> ListPasses();
     [[nodiscard]] std::vector<Pass> ListIntermodularPasses();
     [[nodiscard]] std::optional<Actions> SelectForListing();

@@ -6,6 +6,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvanta {
@@ -21,13 +22,17 @@ Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
 }
 
 // Fills `names` on the way.
-UnitHistory MakeHistory(const std::string& folder, std::span<const CompileCommand> units, const RunSettings& settings,
-                        const ResultMakers& makers, Log& log, Fingerprint& names) {
+std::vector<UnitIdentity> Identify(std::span<const CompileCommand> units, const RunSettings& settings,
+                                   const ResultMakers& makers, Fingerprint& names) {
     std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, makers);
     names = NamesOf(identities);
-    return {folder, units, std::move(identities), [&log](const std::string& line) {
-                log.Line(line);
-            }};
+    return identities;
+}
+
+TellUser TellIn(Log& log) {
+    return [&log](const std::string& line) {
+        log.Line(line);
+    };
 }
 
 } // namespace
@@ -35,8 +40,8 @@ UnitHistory MakeHistory(const std::string& folder, std::span<const CompileComman
 RunHistory::RunHistory(const AnalyzeOptions& options, const RunSettings& settings,
                        std::span<const CompileCommand> units, Places places, Log& log)
     : options_(options), settings_(settings), commands_(units), places_(std::move(places)), log_(log),
-      units_(MakeHistory(places_.orvantaFolder, units, settings, places_.makers, log, names_)),
-      mark_(places_.orvantaFolder, [&log](const std::string& line) { log.Line(line); }) {
+      units_(places_.orvantaFolder, units, Identify(units, settings, places_.makers, names_), TellIn(log)),
+      mark_(places_.orvantaFolder, TellIn(log)) {
     Read();
 }
 
@@ -63,7 +68,7 @@ std::vector<UnitAction> RunHistory::SelectForListing() {
                                     : SelectUnlisted(commands_, units_, settings_);
 }
 
-std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const std::string> listed) {
+std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const ListedFile> listed) {
     ListedUnits selection = SelectListed(commands_, units_, listed, settings_);
     for (const std::string& path : selection.unmatched) {
         log_.Line("Warning: no source file of the build is or includes " + path);
@@ -75,6 +80,24 @@ std::vector<UnitAction> RunHistory::SelectListedUnits(std::span<const std::strin
         }
     }
     return std::move(selection.actions);
+}
+
+void RunHistory::RequireListedFile(std::span<const ListedFile> listed) const {
+    std::vector<std::string> places;
+    for (const ListedFile& file : listed) {
+        places.insert(places.end(), file.places.begin(), file.places.end());
+    }
+    const bool isAnyThere = std::any_of(places.begin(), places.end(), [](const std::string& place) {
+        const PathAnswer answer = LookAt(place);
+        return answer.IsThere() && answer.kind != PathKind::Folder;
+    });
+    std::vector<bool> isKnown;
+    if (!isAnyThere) {
+        static_cast<void>(units_.UnitsMadeOf(places, isKnown));
+    }
+    if (!isAnyThere && std::find(isKnown.begin(), isKnown.end(), true) == isKnown.end()) {
+        throw ZelmException("The list of source files does not contain valid paths.");
+    }
 }
 
 std::vector<UnitAction> RunHistory::SelectUnits() {

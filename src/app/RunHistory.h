@@ -5,6 +5,7 @@
 #include "app/AnalyzeOptions.h"
 #include "app/ReportMark.h"
 #include "buildinput/CompileCommand.h"
+#include "buildinput/SourceList.h"
 #include "history/UnitHistory.h"
 #include "history/UnitIdentities.h"
 #include "platform/Fingerprint.h"
@@ -38,7 +39,10 @@ public:
     [[nodiscard]] std::vector<UnitAction> SelectForListing();
 
     /// The units of a run by a list of files. Says which files are part of no unit, and which units are not listed.
-    [[nodiscard]] std::vector<UnitAction> SelectListedUnits(std::span<const std::string> listed);
+    [[nodiscard]] std::vector<UnitAction> SelectListedUnits(std::span<const ListedFile> listed);
+
+    /// \throws ZelmException when none of the listed files is there, nor has been one of those that units are made of
+    void RequireListedFile(std::span<const ListedFile> listed) const;
 
     /// The units of any other run: those that have changed, or all.
     [[nodiscard]] std::vector<UnitAction> SelectUnits();

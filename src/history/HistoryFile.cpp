@@ -31,11 +31,12 @@ struct Header {
     std::uint64_t listsSize = 0;
     ContentFingerprint info;
     ContentFingerprint earlierInfo;
+    FileStamp infoStamp;
     std::uint64_t findingsNumber = 0;
     std::uint64_t findingsEnd = 0;
 };
 
-static_assert(sizeof(Header) == 136 && sizeof(PathTable::Entry) == 16 && sizeof(FileVersion) == 64 &&
+static_assert(sizeof(Header) == 176 && sizeof(PathTable::Entry) == 16 && sizeof(FileVersion) == 64 &&
                   sizeof(KnownUnit) == 128 && sizeof(VersionNumber) == 4,
               "a row has another layout: raise FormatVersion");
 
@@ -143,6 +144,7 @@ HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum) {
     history.paths = PathTable(std::move(text), std::move(entries));
     history.info = header.info;
     history.earlierInfo = header.earlierInfo;
+    history.infoStamp = header.infoStamp;
     history.findingsNumber = header.findingsNumber;
     history.findingsEnd = header.findingsEnd;
     const bool isIntact = checksum == HistoryChecksum::Ignore || Checksum(header, history) == header.checksum;
@@ -161,6 +163,7 @@ void WriteHistoryFile(const std::string& path, const HistoryData& history) {
     header.listsSize = history.lists.size();
     header.info = history.info;
     header.earlierInfo = history.earlierInfo;
+    header.infoStamp = history.infoStamp;
     header.findingsNumber = history.findingsNumber;
     header.findingsEnd = history.findingsEnd;
     header.checksum = Checksum(header, history);

@@ -61,8 +61,9 @@ struct KnownUnit {
 
 /// What the binary file holds.
 struct HistoryData {
-    ContentFingerprint info;          ///< the `depend_info.json` that names the same files as this
-    ContentFingerprint earlierInfo;   ///< the one before it, which may lack some
+    ContentFingerprint info;        ///< the `depend_info.json` that names the same files as this
+    ContentFingerprint earlierInfo; ///< the one before it, which may lack some
+    FileStamp infoStamp; ///< of the file `info`, when another content would have another stamp; all zero when not known
     std::uint64_t findingsNumber = 0; ///< of the file with the findings; 0: there is none
     std::uint64_t findingsEnd = 0;    ///< how much of it counts
     PathTable paths;

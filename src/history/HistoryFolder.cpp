@@ -1,5 +1,6 @@
 #include "history/HistoryFolder.h"
 
+#include "platform/FileSystemClock.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
@@ -52,14 +53,34 @@ void HistoryFolder::Tell(const FileException& fault, Loss loss) {
                                : "; the next run will analyze more than it had to"));
 }
 
-std::optional<ContentFingerprint> HistoryFolder::ReadInfoFingerprint() {
+std::optional<ContentFingerprint> HistoryFolder::ReadInfoFingerprint(const HistoryData* binary) {
     const std::string path = JoinPath(path_, InfoName);
     RequireFileOrNothing(path);
+    const auto looked = std::chrono::steady_clock::now();
+    const std::optional<FileStamp> stamp = StampOf(path);
+    if (stamp && binary != nullptr && *stamp == binary->infoStamp) {
+        infoStamp_ = *stamp;
+        infoOnDisk_ = binary->info;
+        return infoOnDisk_;
+    }
     infoOnDisk_ = FingerprintOfFile(path);
     if (!infoOnDisk_ && PathExists(path)) {
         throw FileException(path, std::generic_category().message(errno));
     }
+    if (stamp && binary != nullptr && infoOnDisk_ == binary->info && StampOf(path) == stamp &&
+        IsProven(*stamp, looked)) {
+        infoStamp_ = *stamp;
+        hasLearned_ = true;
+    }
     return infoOnDisk_;
+}
+
+bool HistoryFolder::IsProven(const FileStamp& stamp, std::chrono::steady_clock::time_point looked) const {
+    try {
+        return FileSystemClock(path_).IsOlder(stamp, looked);
+    } catch (const ZelmException&) {
+        return false;
+    }
 }
 
 void HistoryFolder::ReadInfo(const std::function<void(const DependencyInfoEntry&)>& take) const {
@@ -100,7 +121,9 @@ void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
     const ContentFingerprint onDisk = infoOnDisk_.value_or(ContentFingerprint());
     if (writing != InfoWriting::Replace) {
         (writing == InfoWriting::StandsBehind ? history.earlierInfo : history.info) = onDisk;
+        history.infoStamp = writing == InfoWriting::Stands ? infoStamp_ : FileStamp();
         WriteHistoryFile(binaryPath, history);
+        hasLearned_ = false;
         return;
     }
     DependencyInfoWriter writer(infoPath);
@@ -110,6 +133,8 @@ void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
     WriteHistoryFile(binaryPath, history);
     writer.Commit();
     infoOnDisk_ = history.info;
+    infoStamp_ = {};
+    hasLearned_ = false;
 }
 
 } // namespace Orvanta

@@ -5,6 +5,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Fingerprint.h"
 
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -33,8 +34,13 @@ public:
     /// Tells a fault of a file, unless one of it has been told. Any thread may call it.
     void Tell(const FileException& fault, Loss loss);
 
-    /// What is known of `depend_info.json`: absent when there is none. \throws FileException when it can't be read
-    [[nodiscard]] std::optional<ContentFingerprint> ReadInfoFingerprint();
+    /// What `depend_info.json` holds: absent when there is none. It is read to its end, unless the binary file (null
+    /// when there is none) tells by its stamp that it is the one that belongs there. \throws FileException when it
+    /// can't be read
+    [[nodiscard]] std::optional<ContentFingerprint> ReadInfoFingerprint(const HistoryData* binary);
+
+    /// Whether the stamp of `depend_info.json` has been learned, which spares the next run to read it: worth saving.
+    [[nodiscard]] bool HasLearned() const noexcept { return hasLearned_; }
 
     /// Reads `depend_info.json`. \throws FileException
     void ReadInfo(const std::function<void(const DependencyInfoEntry&)>& take) const;
@@ -61,11 +67,15 @@ public:
     [[nodiscard]] bool HasInfo() const noexcept { return infoOnDisk_.has_value(); }
 
 private:
+    [[nodiscard]] bool IsProven(const FileStamp& stamp, std::chrono::steady_clock::time_point looked) const;
+
     std::string path_;
     TellUser tell_;
     std::mutex telling_;
     std::set<std::string> told_;                   // the files of which a fault was told; guarded by telling_
     std::optional<ContentFingerprint> infoOnDisk_; // of `depend_info.json`; absent: nothing of use
+    FileStamp infoStamp_;                          // of that file, when it tells its content; else all zero
+    bool hasLearned_ = false;
 };
 
 } // namespace Orvanta

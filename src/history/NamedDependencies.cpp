@@ -1,6 +1,7 @@
 #include "history/NamedDependencies.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvanta {
 
@@ -87,11 +88,11 @@ void InfoMatcher::AddUnit(std::size_t unit) {
 std::span<const std::size_t> InfoMatcher::UnitsOf(const DependencyInfoEntry& entry) {
     found_.clear();
     if (entry.id) {
-        const auto [id, namesake] = SplitId(*entry.id);
-        const Fingerprint source = FingerprintOf(id);
-        const auto [first, last] = unitsById_.equal_range(KeyOf(source, namesake));
+        const std::pair<std::string_view, std::uint32_t> id = SplitId(*entry.id);
+        const Fingerprint source = FingerprintOf(id.first);
+        const auto [first, last] = unitsById_.equal_range(KeyOf(source, id.second));
         const auto unit = std::find_if(first, last, [&](const auto& candidate) {
-            return record_[candidate.second].source == source && record_[candidate.second].namesake == namesake;
+            return record_[candidate.second].source == source && record_[candidate.second].namesake == id.second;
         });
         if (unit != last) {
             found_.push_back(unit->second);

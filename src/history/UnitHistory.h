@@ -46,7 +46,8 @@
 // three tables); one file for each unit (a hundred thousand files).
 //
 // The classes: HistoryRecord is what is known of the units, FileVersions what is known of files, both in memory.
-// HistoryFolder and FindingsStore are the files on disk. UnitHistory is all of it, for a run.
+// HistoryFolder and FindingsStore are the files on disk. HistoryState holds all four and the locks; UnitHistory is what
+// a run sees of it, UnitWatch what the run of a unit does.
 
 namespace Orvanta {
 
@@ -82,9 +83,9 @@ public:
     /// another content, its inputs are the same, and its findings can be read.
     [[nodiscard]] bool IsUnchanged(std::size_t unit);
 
-    /// By unit: whether one of the `paths`, which are absolute, is among its dependencies. A file is found by whatever
-    /// path leads to it. One that is not there any more is found where a unit was made of it when this run began.
-    /// `found`, as long as `paths`, is set for each that is one of some unit.
+    /// By unit: whether one of the `paths`, which are absolute, is its source or among its dependencies. A file is
+    /// found by whatever path leads to it. One that is not there any more is found where a unit was made of it when
+    /// this run began. `found`, as long as `paths`, is set for each that is one of some unit.
     [[nodiscard]] std::vector<bool> UnitsMadeOf(std::span<const std::string> paths, std::vector<bool>& found) const;
 
     /// What the last successful run of the unit found, as the core wrote it; empty for nothing.

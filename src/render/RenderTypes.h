@@ -1,7 +1,7 @@
 #pragma once
 
-#include "report/IOutput.h"
 #include "render/misra/MisraPlan.h"
+#include "report/IOutput.h"
 
 #include <memory>
 #include <optional>

@@ -85,6 +85,7 @@ TEST_F(IntermodularTest, AFailedLinkingEndsTheAnalysis) {
     const RunResult result = AnalyzeAcross();
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("returned code 7.\n")) << result;
+    EXPECT_LT(result.output.find("Compiler invocations: 1 ("), result.output.find("Error: ")) << result;
     EXPECT_FALSE(result.Says(Performing)) << result;
     EXPECT_EQ(sandbox.Read("report.json"), "of an earlier run");
     EXPECT_TRUE(sandbox.Leftovers().empty());

@@ -194,17 +194,6 @@ TEST_F(RunnerTest, TwoRunsNeverWriteOneReport) {
     EXPECT_EQ(sandbox.Analyze({"-o", "report.json"}).exitCode, 0) << "the lock has died with its holder";
 }
 
-TEST_F(RunnerTest, FinishedUnitsAreReadableWhileOthersRun) {
-    sandbox.AddUnit("a.c", {"finding V501 1 1 done"});
-    sandbox.AddUnit("b.c", {"wait-for " + sandbox.Path("go-on"), "finding V502 1 1 late"});
-    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"-o", "report.json", "-j", "1"});
-    EXPECT_TRUE(HoldsSoon(
-        [&] { return sandbox.Exists("report.json") && MessagesOf(Report()) == std::vector<std::string>{"done"}; }));
-    sandbox.Write("go-on", "");
-    EXPECT_EQ(run->Wait().exitCode, 0);
-    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"done", "late"}));
-}
-
 } // namespace
 
 } // namespace Orvanta

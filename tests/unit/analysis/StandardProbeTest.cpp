@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
 #include <vector>
 
 namespace Orvanta {
@@ -104,18 +103,6 @@ TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
               "c11");
     EXPECT_EQ(compiler.Calls(), 4U);
     EXPECT_TRUE(compiler.LeftNothing());
-}
-
-TEST(StandardProbe, LetsThreadsShareOneAnswer) {
-    ScriptedCompiler compiler(AnswersByLanguage);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&compiler] { EXPECT_EQ(compiler.Probe(Language::C), "c11"); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(compiler.Calls(), 1U);
 }
 
 TEST(StandardProbe, FallsBackWhenTheCompilerFailsOrSaysNothing) {
