@@ -137,6 +137,11 @@ void AnalyzeRun::End(const RunEnding& ending) {
         const InvocationCounts counts = CountInvocations(commands, outcome);
         if (counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
             log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
+            if (outcome.inSystemFolders > 0) {
+                log_.Line(std::to_string(outcome.inSystemFolders) +
+                          " files lie inside the folders of -isystem and the like: --analyze-specified-system-paths "
+                          "has them analyzed.");
+            }
         }
         progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath));
     } else {
