@@ -14,6 +14,13 @@ void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     }
 }
 
+void RunOutcome::Fail(std::size_t unit, const std::string& reason, AnalyzerStatus status) {
+    if (!IsFailure(statuses[unit]) && statuses[unit] != AnalyzerStatus::Excluded) {
+        statuses[unit] = status;
+        failures.emplace(unit, reason);
+    }
+}
+
 int CombinedResult(const RunOutcome& outcome) noexcept {
     const auto hasAny = [&](auto predicate) {
         return std::any_of(outcome.statuses.begin(), outcome.statuses.end(), predicate);

@@ -2,6 +2,7 @@
 
 #include "analysis/ScopedFile.h"
 #include "analysis/StartableCommand.h"
+#include "compilers/Compiler.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
@@ -146,13 +147,12 @@ StandardProbe::StandardProbe(std::string folder, const StopFlag& stop) : folder_
 
 std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command, Language language,
                                                  ProcessPlace place, const Environment& ownVariables) {
-    return answers_.Get(AnswerKey(command, language, ownVariables), [&] {
-        try {
-            return Ask(model, command, language, place);
-        } catch (const ZelmException&) {
-            return FallbackStandard(language); // not an error: a compiler need not answer
-        }
-    });
+    try {
+        return answers_.Get(AnswerKey(command, language, ownVariables),
+                            [&] { return Ask(model, command, language, place); });
+    } catch (const ZelmException&) {
+        return FallbackStandard(language); // not an error: a compiler need not answer
+    }
 }
 
 std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
@@ -177,8 +177,12 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
                     MakeRedirectToStringProcessor(output.standardOutput),
                     MakeRedirectToStringProcessor(output.standardError));
     const WaitResult end = WaitWithTimeout(process, ProbeTimeout, PollInterval, stop_);
-    if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
-        return FallbackStandard(language);
+    try {
+        if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
+            return FallbackStandard(language);
+        }
+    } catch (const ProcessInterruptedException&) {
+        return FallbackStandard(language); // it would hang again
     }
     const std::optional<long> version = LastNumber(ReadWholeFile(result.Path()));
     return version ? std::string(StandardWordOfVersion(*version, language)) : FallbackStandard(language);

@@ -13,7 +13,6 @@ struct UnitResult {
     AnalyzerStatus status = AnalyzerStatus::Analyzed;
     std::string reason = {};                                      ///< of a failure
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
-    std::string keptFindings = {};                                ///< those of an earlier run, in the core's own lines
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
 };
 

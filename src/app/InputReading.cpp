@@ -56,26 +56,23 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
 
 } // namespace
 
-std::optional<std::vector<std::string>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
+std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
     if (!options.sourceList && !options.dependencyFile) {
         return std::nullopt;
     }
-    std::vector<std::string> paths;
+    const std::vector<std::string> folders = FoldersOfLists();
+    std::vector<ListedFile> files;
     if (options.sourceList) {
         log.Line("Using source list file: " + *options.sourceList);
-        SourceList list = ReadSourceList(*options.sourceList);
-        if (list.isEmpty) {
+        files = ReadSourceList(*options.sourceList, folders);
+        if (files.empty()) {
             throw ZelmException("The list of source files is empty.");
         }
-        if (list.paths.empty()) {
-            throw ZelmException("The list of source files does not contain valid paths.");
-        }
-        paths = std::move(list.paths);
     }
     if (options.dependencyFile) {
-        paths.push_back(AbsolutePath(*options.dependencyFile));
+        files.push_back(FileInFolders(*options.dependencyFile, folders));
     }
-    return paths;
+    return files;
 }
 
 CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,

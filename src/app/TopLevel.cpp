@@ -1,6 +1,7 @@
 #include "app/TopLevel.h"
 
 #include "analysis/AnalyzerRunner.h"
+#include "analysis/RunOutcome.h"
 #include "buildinput/BuildInput.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"

@@ -2,7 +2,7 @@
 
 #include "buildinput/CompilationDatabase.h"
 #include "buildinput/InvocationCollector.h"
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"

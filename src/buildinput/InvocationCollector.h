@@ -14,7 +14,16 @@
 #include <unordered_map>
 #include <vector>
 
+// Each invocation of the input, whatever reader brought it, goes through these steps: it is refused where it can't be
+// one (no words, zero bytes, another compiler than asked for), its compiler is identified, variables and files with
+// further arguments are put in place, its outline is taken, and each of its sources becomes a unit. It ends as units or
+// as one SkippedInvocation with a reason: nothing is dropped in silence, and what is wrong with one is never an error
+// of the run. A build has a hundred thousand of them, so that folders, environments and compilers are held once, and a
+// unit is little more than its packed words.
+
 namespace Orvanta {
+
+struct InvocationOutline;
 
 /// Takes the invocations of a build one by one, identifies their compilers and keeps the units that they compile.
 /// One thread at a time.
@@ -82,6 +91,17 @@ private:
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
                                                  const std::string& workingDirectory, const Environment& environment,
                                                  EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectShellLine(std::vector<std::string>& arguments,
+                                                          const std::string& workingDirectory,
+                                                          const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectLaunched(std::vector<std::string>& arguments,
+                                                         const std::string& workingDirectory,
+                                                         const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] bool IsCompiler(std::string_view program) const;
+    [[nodiscard]] bool LooksLikeLauncher(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] std::vector<std::size_t> ValuesOfUnknown(const InvocationOutline& outline,
+                                                           const std::vector<std::string>& arguments,
+                                                           const std::string& directory) const;
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
     [[nodiscard]] const Compiler& ModelOf(CompilerType type);

@@ -8,10 +8,30 @@ constexpr FlagRow ClangFlags[] = {
     {"main-file-name", FlagKind::MainFileName},
 };
 
+// What only the program behind the driver knows: it stands behind -Xclang. The driver would read "-load" as "-l oad".
+// clang-format off
+constexpr FlagRow FrontEndRows[] = {
+    {"load", FlagKind::KeepWithValue, FlagValue::Next, FlagFile::Read},
+    {"plugin", FlagKind::KeepWithValue, FlagValue::Next},
+    {"add-plugin", FlagKind::KeepWithValue, FlagValue::Next},
+    {"plugin-arg-", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
+    {"target-cpu", FlagKind::KeepWithValue, FlagValue::Next},
+    {"target-feature", FlagKind::KeepWithValue, FlagValue::Next},
+    {"triple", FlagKind::KeepWithValue, FlagValue::Next},
+    {"fdebug-compilation-dir", FlagKind::KeepWithValue, FlagValue::Next},
+    {"header-include-file", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"opt-record-file", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"print-stats", FlagKind::Drop},
+};
+// clang-format on
+static_assert(RowsAreSound(FrontEndRows),
+              "a name stands twice, or a flag is kept that makes the compiler write a file");
+
 } // namespace
 
-Clang::Clang() : Clang(CompilerType::Clang) {}
+Clang::Clang() : Clang(CompilerType::Clang, CharSign::UnsignedByFlag) {}
 
-Clang::Clang(CompilerType type) : Gcc(type, "clang", ClangFlags) {}
+Clang::Clang(CompilerType type, CharSign charSign)
+    : Gcc(type, "clang", ClangFlags, charSign), frontEnd_({FrontEndRows}) {}
 
 } // namespace Orvanta

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compilers/TargetBits.h"
 #include "platform/OnceMap.h"
 
 #include <optional>
@@ -7,9 +8,6 @@
 #include <string_view>
 
 namespace Orvanta {
-
-/// What programs a compiler makes.
-enum class TargetBits { Bits32, Bits64 };
 
 /// The target that a compiler's place in Visual Studio tells, such as "Hostx64\x86"; both separators count.
 [[nodiscard]] std::optional<TargetBits> TargetByCompilerPath(std::string_view path);

@@ -57,6 +57,8 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
         }
         if (key == "compiler") {
             run.compilerNames.push_back(value);
+        } else if (key == "launcher") {
+            run.launcherNames.push_back(value);
         }
         ReplaceSetting(run.userSettings, key, value);
     }

@@ -208,9 +208,12 @@ TEST_F(OptionsTest, LogFileHoldsTheVerboseLinesOfAQuietRun) {
 
 TEST_F(OptionsTest, DumpedFilesStayAndAreTheUnits) {
     sandbox.AddUnit("a.c");
+    sandbox.Write(".Orvanta/1_a.c.Orvanta.findings", "of a killed run");
+    sandbox.Write(".Orvanta/1_a.c.Orvanta.i", "of a killed run");
     const RunResult result = sandbox.Analyze({"--dump-files", "-o", "report.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
     const CoreCall call = OnlyCall();
+    EXPECT_EQ(call.preprocessed.find("of a killed run"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(call.arguments.at(2))) << call.arguments.at(2);
     EXPECT_TRUE(std::filesystem::exists(call.Setting("i-file"))) << call.Setting("i-file");
 }

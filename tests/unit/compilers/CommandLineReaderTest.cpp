@@ -146,7 +146,7 @@ namespace {
 // A family with flags that name a source of a given language and open the linker's part.
 class SlashFamily : public Compiler {
 public:
-    SlashFamily() : Compiler(CompilerType::Cl, "slash", Introducers, FlagTable(Rows)) {}
+    SlashFamily() : Compiler(CompilerType::Cl, "slash", Introducers, FlagTable({Rows})) {}
 
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override {

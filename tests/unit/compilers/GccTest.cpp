@@ -1,5 +1,6 @@
 #include "compilers/Gcc.h"
 
+#include "compilers/Qcc.h"
 #include "unit/compilers/Reading.h"
 
 #include <gtest/gtest.h>
@@ -142,6 +143,14 @@ TEST(Gcc, TakesTargetAndCharacterSignFromTheirFlags) {
     EXPECT_FALSE(ReadAs<Gcc>("gcc -fno-signed-char -c a.c").unsignedChar);
 }
 
+TEST(Gcc, TellsTheFilesThatFlagsName) {
+    EXPECT_EQ(Join(FilesNamedByFlags(ReadAs<Gcc>("gcc -imacros m.h -specs=nano.specs -specs=/s/own.specs -B /b -Bt "
+                                                 "-fplugin=p.so --config=c.cfg -Xclang -ivfsoverlay -Xclang v.yaml "
+                                                 "-I i -include f.h -MF d -T link.ld -c a.c"))),
+              "m.h p.so c.cfg v.yaml /b/specs t/specs /b/nano.specs t/nano.specs nano.specs /s/own.specs");
+    EXPECT_EQ(Join(FilesNamedByFlags(ReadAs<Gcc>("gcc -O2 -c a.c"))), "");
+}
+
 TEST(Gcc, ReadsEachOfSeveralSourcesByItself) {
     const Gcc model;
     const Words words = Split("gcc -DA -c a.c -x c++ b.txt");
@@ -160,8 +169,7 @@ TEST(Gcc, BuildsThePreprocessingCommandInItsOrder) {
     EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
               Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-E", "-o", "/t/a.i", "a.c"}));
 
-    command.compilerType = CompilerType::Qcc;
-    EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
+    EXPECT_EQ(Qcc().BuildPreprocessCommand(command, "/t/a.i"),
               Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-P", "-o", "/t/a.i", "a.c"}));
 }
 

@@ -1,7 +1,7 @@
 #include "render/misra/MisraGuideline.h"
 
-#include "report/ReportMessage.h"
 #include "render/misra/MisraEdition.h"
+#include "report/ReportMessage.h"
 
 #include <gtest/gtest.h>
 

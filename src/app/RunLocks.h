@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/LockFile.h"
+#include "platform/StopFlag.h"
+
+#include <string>
+
+namespace Orvanta {
+
+/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once.
+class RunLocks {
+public:
+    /// Waits a moment for another run to end, and no longer than `stop` lets it.
+    /// \throws ZelmException "Another run is writing to " and the report
+    void TakeReport(const std::string& reportPath, const StopFlag& stop);
+
+    /// Of the folder ".Orvanta", which need not exist.
+    /// \throws ZelmException "Another run is using " and the folder
+    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop);
+
+private:
+    LockFile report_;
+    LockFile shared_;
+};
+
+} // namespace Orvanta
