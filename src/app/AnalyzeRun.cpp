@@ -8,6 +8,7 @@
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
+#include "platform/Console.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -36,6 +37,7 @@ std::string FolderOf(const std::string& reportPath) {
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
     : input_(InputOf(options)), outputFolder_(FolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
+      shown_(FindingsToShow(options), GateOf(options)),
       progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
 
 void AnalyzeRun::Run() {
@@ -75,7 +77,7 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_);
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    AnalyzePasses passes(input_, places, runner, log_, stop_);
+    AnalyzePasses passes(input_, places, runner, shown_, log_, stop_);
     std::exception_ptr failure;
     try {
         passes.Run();
@@ -86,8 +88,18 @@ int AnalyzeRun::Analyze() {
     if (failure) {
         std::rethrow_exception(failure);
     }
-    const int code = CombinedResult(passes.Ending().outcome);
-    return code == 0 && HasFailedInvocation(input_.commands) ? 1 : code;
+    return ResultOf(passes.Ending());
+}
+
+int AnalyzeRun::ResultOf(const RunEnding& ending) const {
+    if (ending.selectsNothing && input_.options.allowEmpty) {
+        return 0;
+    }
+    const int code = CombinedResult(ending.outcome);
+    if (code != 0 || HasFailedInvocation(input_.commands)) {
+        return code == 0 ? 1 : code;
+    }
+    return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
 }
 
 RunLocks AnalyzeRun::TakeLocks() {
@@ -149,6 +161,19 @@ void AnalyzeRun::End(const RunEnding& ending) {
     }
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
+    }
+    if (!ending.reportPath.empty()) {
+        ShowFindings();
+    }
+}
+
+// Findings that went to standard output have been seen.
+void AnalyzeRun::ShowFindings() {
+    if (!input_.options.quiet || input_.options.show) {
+        log_.Text(shown_.Text(ShowsColours() ? ShownFindings::Colours::Yes : ShownFindings::Colours::No));
+    }
+    if (shown_.GateMatches() > 0) {
+        log_.Line("Findings that stop the build: " + std::to_string(shown_.GateMatches()));
     }
 }
 
