@@ -5,11 +5,12 @@ set(ORVANTA_ROOMS
     "src/report platform"
     "src/settings platform"
     "src/suppress report platform"
+    "src/render suppress report platform"
     "src/compilers settings platform"
     "src/buildinput compilers settings platform"
     "src/history buildinput compilers report settings platform"
     "src/analysis history buildinput compilers report settings platform"
-    "src/app analysis history suppress buildinput compilers report settings platform"
+    "src/app analysis history render suppress buildinput compilers report settings platform"
     "cores/cppcheck report settings platform")
 
 # orvanta_link_room(TARGET FOLDER)

@@ -13,6 +13,9 @@ constexpr std::string_view CheckElement = "FileInfo";
 // It needs the whole program, which a build's units need not be.
 constexpr std::string_view LeftOutCheck = "CheckUnusedFunctions";
 
+// A small reader of tags is enough: Cppcheck writes its facts without comments, processing instructions and text, and a
+// general reader would not give back an element as the text that it was, which the linking needs.
+
 /// A tag, with its place in the text.
 struct Tag {
     std::size_t begin = 0;

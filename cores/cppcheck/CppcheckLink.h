@@ -14,7 +14,10 @@
 namespace Orvanta {
 
 /// Runs Cppcheck's whole-program step over the facts of many units, none of which is analyzed again: Cppcheck finds a
-/// build folder that already holds all facts, as those of a few empty files, and believes it.
+/// build folder that already holds all facts, as those of a few empty files, and believes it. Handing it the units'
+/// texts instead would analyze each of them a second time. It believes what carries the hash that it makes of a text
+/// and of its options, which is taken from what it writes for an empty file; whether it did shows in the end: what it
+/// does not believe, it replaces.
 class CppcheckLink {
 public:
     /// Works in `folder`, which is empty.
@@ -34,6 +37,7 @@ private:
         std::size_t operator()(const Fingerprint& value) const noexcept { return static_cast<std::size_t>(value.low); }
     };
 
+    // Puts the facts of `part_` into the folder as those of one more file.
     void WritePart();
 
     std::string folder_;

@@ -38,15 +38,15 @@ bool ReadNumber(std::string_view text, std::uint32_t& number) {
 
 CppcheckFinding ReadFinding(std::string_view line) {
     CppcheckFinding finding;
-    std::array<std::string_view, 6> fields;
+    std::array<std::string_view, 7> fields;
     if (!SplitFields(line, fields) || !ReadNumber(fields[1], finding.location.line) ||
-        !ReadNumber(fields[4], finding.cwe)) {
+        !ReadNumber(fields[2], finding.column) || !ReadNumber(fields[5], finding.cwe)) {
         FailAt(line);
     }
     finding.location.file = fields[0];
-    finding.severity = fields[2];
-    finding.id = fields[3];
-    finding.message = Trim(fields[5]);
+    finding.severity = fields[3];
+    finding.id = fields[4];
+    finding.message = Trim(fields[6]);
     return finding;
 }
 
@@ -64,7 +64,7 @@ CppcheckLocation ReadLocation(std::string_view line) {
 
 std::string CppcheckTemplate() {
     std::string text(1, FindingMark);
-    for (const std::string_view field : {"{file}", "{line}", "{severity}", "{id}", "{cwe}"}) {
+    for (const std::string_view field : {"{file}", "{line}", "{column}", "{severity}", "{id}", "{cwe}"}) {
         text.append(field) += FieldMark;
     }
     return text + "{message}";

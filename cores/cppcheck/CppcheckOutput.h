@@ -18,8 +18,9 @@ struct CppcheckLocation {
 /// One finding as Cppcheck writes it.
 struct CppcheckFinding {
     CppcheckLocation location;
-    std::string severity; ///< such as "error"
-    std::string id;       ///< such as "nullPointer"
+    std::uint32_t column = 0; ///< of the location, counted in bytes from 1; 0 for the line as a whole
+    std::string severity;     ///< such as "error"
+    std::string id;           ///< such as "nullPointer"
     std::uint32_t cwe = 0;
     std::string message;
     std::vector<CppcheckLocation> path; ///< the steps that lead to the fault, the finding's own location among them
@@ -34,8 +35,9 @@ struct CppcheckOutput {
 };
 
 /// The values of Cppcheck's `--template` and `--template-location` that ReadCppcheckOutput understands. Their fields
-/// are set apart by control characters, which no source text holds.
+/// are set apart by control characters, which no source text holds; Cppcheck's XML would need a parser, and costs more.
 [[nodiscard]] std::string CppcheckTemplate();
+/// The one for the places of a finding, which follow it.
 [[nodiscard]] std::string CppcheckLocationTemplate();
 
 /// Reads what Cppcheck wrote by these templates.

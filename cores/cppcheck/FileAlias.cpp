@@ -24,7 +24,6 @@ std::string OneSpelling(std::string_view path) {
 }
 
 constexpr char FilePrefix = 'f';
-constexpr char MacroPrefix = 's';
 
 } // namespace
 
@@ -32,8 +31,8 @@ std::uint64_t FileKey(std::string_view path) {
     return Fnv1a(OneSpelling(path));
 }
 
-std::string AliasOf(std::string_view path, TextOrigin origin) {
-    std::string alias(1, origin == TextOrigin::SystemMacro ? MacroPrefix : FilePrefix);
+std::string AliasOf(std::string_view path) {
+    std::string alias(1, FilePrefix);
     alias += std::to_string(FileKey(path));
     if (const std::string extension = OneSpelling(ExtensionOf(path)); IsPlainExtension(extension)) {
         alias += extension;
@@ -41,16 +40,11 @@ std::string AliasOf(std::string_view path, TextOrigin origin) {
     return alias;
 }
 
-std::optional<AliasedFile> ReadAlias(std::string_view alias) {
-    if (!alias.starts_with(FilePrefix) && !alias.starts_with(MacroPrefix)) {
+std::optional<std::uint64_t> KeyOfAlias(std::string_view alias) {
+    if (!alias.starts_with(FilePrefix)) {
         return std::nullopt;
     }
-    AliasedFile file;
-    file.origin = alias.front() == MacroPrefix ? TextOrigin::SystemMacro : TextOrigin::File;
-    if (ReadWholeNumber(alias.substr(1, alias.find('.') - 1), file.key) != std::errc()) {
-        return std::nullopt;
-    }
-    return file;
+    return WholeNumber<std::uint64_t>(alias.substr(1, alias.find('.') - 1));
 }
 
 } // namespace Orvanta

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "cppcheck/MarkedText.h"
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,18 +13,10 @@ namespace Orvanta {
 /// A number that stands for the path of a file, in any spelling that the host's system takes for the same.
 [[nodiscard]] std::uint64_t FileKey(std::string_view path);
 
-/// What an alias stands for.
-struct AliasedFile {
-    std::uint64_t key = 0; ///< FileKey of the file
-    TextOrigin origin = TextOrigin::File;
+/// The name of a file in a cut text: "f", the file's key and its extension.
+[[nodiscard]] std::string AliasOf(std::string_view path);
 
-    bool operator==(const AliasedFile&) const = default;
-};
-
-/// The name of a file in a cut text: "f" (or "s", for text of system macros in it), the file's key and its extension.
-[[nodiscard]] std::string AliasOf(std::string_view path, TextOrigin origin);
-
-/// What such a name stands for; nullopt for any other name.
-[[nodiscard]] std::optional<AliasedFile> ReadAlias(std::string_view alias);
+/// The key of the file that such a name stands for; nullopt for any other name.
+[[nodiscard]] std::optional<std::uint64_t> KeyOfAlias(std::string_view alias);
 
 } // namespace Orvanta

@@ -60,8 +60,8 @@ public:
 
 private:
     [[nodiscard]] std::vector<std::uint32_t> UnitsWith(const CppcheckLocation& location) const {
-        const auto alias = ReadAlias(location.file);
-        const auto units = alias ? unitsByFile_.find(alias->key) : unitsByFile_.end();
+        const auto key = KeyOfAlias(location.file);
+        const auto units = key ? unitsByFile_.find(*key) : unitsByFile_.end();
         return units == unitsByFile_.end() ? std::vector<std::uint32_t>() : units->second;
     }
 
@@ -83,7 +83,7 @@ std::string LinkUnits(const LinkSettings& settings) {
     }
     CppcheckOutput output = link.Run();
     std::erase_if(output.findings, [&](const CppcheckFinding& finding) { return factFiles.IsSeenByOneUnit(finding); });
-    WriteMergedFindings(settings.mergedPath, MakeReportMessages(output.findings, factFiles.Files()));
+    WriteMergedFindings(settings.mergedPath, MakeReportMessages(output.findings, factFiles.Files(), {}));
     return std::move(output.otherText);
 }
 

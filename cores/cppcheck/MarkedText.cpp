@@ -1,7 +1,7 @@
 #include "cppcheck/MarkedText.h"
 
-#include "cppcheck/RawString.h"
 #include "cppcheck/SystemFolders.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
@@ -39,13 +39,16 @@ MarkedText::MarkedText(std::string_view text, const std::string& sourcePath, std
 bool MarkedText::ReadLine(MarkedLine& line) {
     while (!rest_.empty()) {
         const std::string_view text = TakeLine(rest_);
-        if (rawStringEnd_.empty()) {
+        // A raw string may hold lines that look like markers.
+        if (!scanner_.IsInRawString()) {
             if (const auto marker = ReadLineMarker(text)) {
                 Follow(*marker);
                 continue;
             }
         }
-        NoteRawString(text);
+        if (scanner_.IsInRawString() || text.find("R\"") != std::string_view::npos) {
+            scanner_.Read(text);
+        }
         line = {text, currentFile_, nextNumber_++, origin_};
         return true;
     }
@@ -65,13 +68,26 @@ void MarkedText::Follow(const LineMarker& marker) {
     origin_ = isUsersFile && marker.isSystemHeader ? TextOrigin::SystemMacro : TextOrigin::File;
 }
 
+// Generators name their grammars as they were called, which need not be from where the compiler runs.
+std::string MarkedText::FindPath(const std::string& name) const {
+    std::string path = AbsolutePathOf(name, currentDirectory_);
+    const bool isRelative = !IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
+    if (isRelative && currentFile_ && !PathExists(path)) {
+        std::string besideFile = AbsolutePathOf(name, DirectoryOf(files_[*currentFile_].path));
+        if (PathExists(besideFile)) {
+            return besideFile;
+        }
+    }
+    return path;
+}
+
 std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
     if (const auto known = indexByName_.find(marker.quotedName); known != indexByName_.end()) {
         return known->second;
     }
     std::optional<std::size_t> index;
     if (!IsPseudoFile(marker.quotedName)) {
-        const std::string path = AbsolutePathOf(UnquotedName(marker.quotedName), currentDirectory_);
+        const std::string path = FindPath(UnquotedName(marker.quotedName));
         const auto [entry, isNew] = indexByPath_.emplace(path, files_.size());
         if (isNew) {
             // Flag 3 alone is no sign of a system header: see TextOrigin.
@@ -84,18 +100,6 @@ std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
     }
     indexByName_.emplace(marker.quotedName, index);
     return index;
-}
-
-// A raw string may hold lines that look like markers.
-void MarkedText::NoteRawString(std::string_view line) {
-    if (!rawStringEnd_.empty()) {
-        const std::size_t end = line.find(rawStringEnd_);
-        if (end == std::string_view::npos) {
-            return;
-        }
-        line.remove_prefix(end + rawStringEnd_.size());
-    }
-    rawStringEnd_ = EndOfOpenRawString(line);
 }
 
 std::vector<std::string> ListDependencies(std::string_view text, const std::string& sourcePath,

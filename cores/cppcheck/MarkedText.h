@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cppcheck/CodeScanner.h"
 #include "cppcheck/LineMarker.h"
 
 #include <cstddef>
@@ -38,7 +39,8 @@ struct MarkedLine {
 class MarkedText {
 public:
     /// Text before the first marker belongs to the unit's source. `sourcePath` is absolute and normalised; relative
-    /// names are taken from `currentDirectory`.
+    /// names are taken from `currentDirectory` or, where there is no such file, from the folder of the file that names
+    /// them.
     MarkedText(std::string_view text, const std::string& sourcePath, std::string currentDirectory);
 
     /// The next line that is no marker; false at the end of the text.
@@ -48,9 +50,14 @@ public:
     [[nodiscard]] const std::vector<MarkedFile>& Files() const noexcept { return files_; }
 
 private:
+    // The lines that follow are those that the marker tells.
     void Follow(const LineMarker& marker);
+
+    // The absolute path of a file by its name in a marker.
+    [[nodiscard]] std::string FindPath(const std::string& name) const;
+
+    // The index of the marker's file; none for a name such as "<built-in>".
     std::optional<std::size_t> FindOrAddFile(const LineMarker& marker);
-    void NoteRawString(std::string_view line);
 
     std::string_view rest_;
     std::string currentDirectory_;
@@ -60,7 +67,7 @@ private:
     std::optional<std::size_t> currentFile_ = 0;
     std::uint32_t nextNumber_ = 1;
     TextOrigin origin_ = TextOrigin::File;
-    std::string rawStringEnd_; // what ends the raw string that the next line begins in; empty outside of one
+    CodeScanner scanner_; // reads those lines that may open or close a raw string
 };
 
 /// The files that the markers of a unit's text name, system headers included, in order of first appearance.

@@ -41,16 +41,17 @@ std::uint32_t LevelOf(std::string_view severity) {
     return severity == "warning" ? 2 : LowLevel;
 }
 
+/// Where a finding stands for the user.
 struct Place {
-    const MarkedFile* file;
+    const MarkedFile* file; ///< not null
     std::uint32_t line;
-    TextOrigin origin;
 };
 
-/// The places that Cppcheck names in a unit's files, which must outlive the object.
+/// The places that Cppcheck names in a unit's cut text, all of which must outlive the object.
 class Places {
 public:
-    explicit Places(std::span<const MarkedFile> files) : source_(files.front()) {
+    Places(std::span<const MarkedFile> files, std::span<const SystemMacroText> systemMacros)
+        : files_(files), systemMacros_(systemMacros) {
         for (const MarkedFile& file : files) {
             fileByKey_.emplace(FileKey(file.path), &file);
         }
@@ -58,16 +59,37 @@ public:
 
     // A finding without a place, or with one outside of the unit's files, is laid to the first line of the source.
     [[nodiscard]] Place Resolve(const CppcheckLocation& location) const {
-        const auto alias = ReadAlias(location.file);
-        const auto file = alias ? fileByKey_.find(alias->key) : fileByKey_.end();
+        const auto key = KeyOfAlias(location.file);
+        const auto file = key ? fileByKey_.find(*key) : fileByKey_.end();
         if (file == fileByKey_.end() || location.line == 0) {
-            return {&source_, 1, TextOrigin::File};
+            return {&files_.front(), 1};
         }
-        return {file->second, location.line, alias->origin};
+        return {file->second, location.line};
+    }
+
+    [[nodiscard]] bool IsInSystemMacro(const Place& place, std::uint32_t column) const {
+        const std::pair where(static_cast<std::size_t>(place.file - files_.data()), place.line);
+        const auto pieces = std::equal_range(systemMacros_.begin(), systemMacros_.end(), where, IsOfEarlierLine());
+        return std::any_of(pieces.first, pieces.second, [column](const SystemMacroText& piece) {
+            return piece.begin <= column && column < piece.end;
+        });
     }
 
 private:
-    const MarkedFile& source_;
+    struct IsOfEarlierLine {
+        using FileLine = std::pair<std::size_t, std::uint32_t>;
+
+        bool operator()(const SystemMacroText& piece, const FileLine& place) const {
+            return FileLine(piece.file, piece.line) < place;
+        }
+
+        bool operator()(const FileLine& place, const SystemMacroText& piece) const {
+            return place < FileLine(piece.file, piece.line);
+        }
+    };
+
+    std::span<const MarkedFile> files_;
+    std::span<const SystemMacroText> systemMacros_;
     std::unordered_map<std::uint64_t, const MarkedFile*> fileByKey_;
 };
 
@@ -75,7 +97,7 @@ private:
 bool IsForTheUser(const CppcheckFinding& finding, const Places& places) {
     const Place place = places.Resolve(finding.location);
     return !Contains(DroppedSeverities, finding.severity) && !place.file->isSystem &&
-           (place.origin == TextOrigin::File || LevelOf(finding.severity) < LowLevel);
+           (LevelOf(finding.severity) < LowLevel || !places.IsInSystemMacro(place, finding.column));
 }
 
 ReportMessage MakeMessage(const CppcheckFinding& finding, const Places& places, SourceLines& lines) {
@@ -109,12 +131,13 @@ bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
 } // namespace
 
 std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> findings,
-                                              std::span<const MarkedFile> files) {
+                                              std::span<const MarkedFile> files,
+                                              std::span<const SystemMacroText> systemMacros) {
     std::vector<ReportMessage> messages;
     if (findings.empty()) {
         return messages;
     }
-    const Places places(files);
+    const Places places(files, systemMacros);
     SourceLines lines;
     for (const CppcheckFinding& finding : findings) {
         if (IsForTheUser(finding, places)) {
@@ -135,10 +158,11 @@ void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage
     }
 }
 
+// Cppcheck ends with code 0 even then: an exit code of its own for this would also come for any finding.
 void ThrowIfNotAnalyzed(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files) {
     for (const CppcheckFinding& finding : findings) {
         if (Contains(FailureIds, finding.id)) {
-            const Place place = Places(files).Resolve(finding.location);
+            const Place place = Places(files, {}).Resolve(finding.location);
             // The rest of the text shows the definitions that this core hands to Cppcheck.
             const std::string_view text = finding.message;
             throw ZelmException("Cppcheck can't read this unit: " + place.file->path + ", line " +

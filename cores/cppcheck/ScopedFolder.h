@@ -14,6 +14,7 @@ public:
     ScopedFolder(const ScopedFolder&) = delete;
     ScopedFolder& operator=(const ScopedFolder&) = delete;
 
+    /// As it was given.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
 private:

@@ -26,6 +26,7 @@ private:
         std::vector<std::string_view> lines; // of `text`
     };
 
+    // A file that can't be read has no lines.
     const File& Load(const std::string& path);
 
     std::map<std::string, File> files_;

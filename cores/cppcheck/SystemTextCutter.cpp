@@ -1,40 +1,120 @@
 #include "cppcheck/SystemTextCutter.h"
 
+#include "cppcheck/CodeScanner.h"
 #include "cppcheck/FileAlias.h"
 #include "platform/Text.h"
 
-#include <cstdint>
+#include <algorithm>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace Orvanta {
 
-CutText CutSystemText(std::string_view text, const std::string& sourcePath, const std::string& currentDirectory) {
-    CutText cut;
-    MarkedText marked(text, sourcePath, currentDirectory);
-    // Where the cut text stands, so that markers are written only for jumps.
-    std::optional<std::pair<std::size_t, TextOrigin>> written;
-    std::uint32_t nextNumber = 0;
-    for (MarkedLine line; marked.ReadLine(line);) {
-        if (!line.file || marked.Files()[*line.file].isSystem) {
-            continue;
+namespace {
+
+/// Puts lines of a unit's files below each other, with markers where they don't follow from one another.
+class CutTextWriter {
+public:
+    void Add(const MarkedLine& line, const std::string& path) {
+        const std::string_view code = Trim(line.text);
+        const bool isInRawString = scanner_.IsInRawString();
+        if (code.empty() && !isInRawString) {
+            return;
         }
-        const std::pair place(*line.file, line.origin);
-        const bool isJump = written != place || nextNumber != line.number;
-        if (isJump && Trim(line.text).empty()) {
-            continue;
+        const bool isDirective = !isInRawString && code.starts_with('#');
+        switch (StepTo(line, isDirective)) {
+        case Step::Nowhere:
+            return;
+        case Step::Join:
+            text_ += ' ';
+            Append(line, code);
+            break;
+        case Step::Below:
+            text_.append(line.number - number_, '\n');
+            Begin(line);
+            break;
+        case Step::Jump:
+            text_ += (text_.empty() ? "# " : "\n# ") + std::to_string(line.number) + " \"" + AliasOf(path) + "\"\n";
+            Begin(line);
+            break;
         }
-        if (isJump) {
-            cut.text += "# " + std::to_string(line.number) + " \"" +
-                        AliasOf(marked.Files()[*line.file].path, line.origin) + "\"\n";
-        }
-        cut.text += line.text;
-        cut.text += '\n';
-        written = place;
-        nextNumber = line.number + 1;
+        isDirective_ = isDirective;
     }
-    cut.files = marked.Files();
-    return cut;
+
+    [[nodiscard]] CutText Finish(std::vector<MarkedFile> files) {
+        if (!text_.empty()) {
+            text_ += '\n';
+        }
+        std::sort(systemMacros_.begin(), systemMacros_.end(), [](const auto& left, const auto& right) {
+            return std::tie(left.file, left.line) < std::tie(right.file, right.line);
+        });
+        return {std::move(text_), std::move(files), std::move(systemMacros_)};
+    }
+
+private:
+    enum class Step {
+        Nowhere, ///< the line is left out
+        Join,    ///< it belongs to the line that stands there
+        Below,
+        Jump,
+    };
+
+    [[nodiscard]] Step StepTo(const MarkedLine& line, bool isDirective) const {
+        if (file_ != line.file) {
+            return Step::Jump;
+        }
+        const bool isOpen = scanner_.OpenParentheses() > 0;
+        if (isOpen && isDirective) {
+            return Step::Nowhere; // a pragma that some macro has written: nothing to Cppcheck
+        }
+        if (line.number > number_) {
+            return isOpen || line.number - number_ <= LongestGap ? Step::Below : Step::Jump;
+        }
+        const bool canJoin = !isDirective && !isDirective_ && (isOpen || line.number == number_);
+        return canJoin ? Step::Join : Step::Jump;
+    }
+
+    void Begin(const MarkedLine& line) {
+        file_ = line.file;
+        number_ = line.number;
+        lineBegin_ = text_.size();
+        Append(line, line.text);
+    }
+
+    void Append(const MarkedLine& line, std::string_view code) {
+        const std::uint32_t begin = Column();
+        text_ += code;
+        scanner_.Read(code);
+        if (line.origin == TextOrigin::SystemMacro) {
+            systemMacros_.push_back({*file_, number_, begin, Column()});
+        }
+    }
+
+    [[nodiscard]] std::uint32_t Column() const { return static_cast<std::uint32_t>(text_.size() - lineBegin_ + 1); }
+
+    static constexpr std::uint32_t LongestGap = 8; // of empty lines that take no more room than a marker
+
+    std::string text_; // its last line is not ended
+    std::vector<SystemMacroText> systemMacros_;
+    CodeScanner scanner_;
+    std::optional<std::size_t> file_; // of the last line, as all that follows
+    std::uint32_t number_ = 0;
+    std::size_t lineBegin_ = 0;
+    bool isDirective_ = false;
+};
+
+} // namespace
+
+CutText CutSystemText(std::string_view text, const std::string& sourcePath, const std::string& currentDirectory) {
+    CutTextWriter writer;
+    MarkedText marked(text, sourcePath, currentDirectory);
+    for (MarkedLine line; marked.ReadLine(line);) {
+        if (line.file && !marked.Files()[*line.file].isSystem) {
+            writer.Add(line, marked.Files()[*line.file].path);
+        }
+    }
+    return writer.Finish(marked.Files());
 }
 
 } // namespace Orvanta

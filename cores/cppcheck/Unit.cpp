@@ -49,7 +49,7 @@ std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDire
     if (!messages) {
         CppcheckOutput output = RunCppcheck(unit, cut.text);
         ThrowIfNotAnalyzed(output.findings, cut.files);
-        messages = MakeReportMessages(output.findings, cut.files);
+        messages = MakeReportMessages(output.findings, cut.files, cut.systemMacros);
         otherText = std::move(output.otherText);
     }
     if (unit.stage == IntermodularStage::Performing) {
@@ -73,7 +73,7 @@ std::string CollectFacts(const UnitSettings& unit, const std::string& currentDir
     information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
     information.files = FilesOfFacts(information.facts, cut.files);
     information.analysis = FingerprintOfAnalysis(unit, cut.text);
-    for (const ReportMessage& message : MakeReportMessages(collection.output.findings, cut.files)) {
+    for (const ReportMessage& message : MakeReportMessages(collection.output.findings, cut.files, cut.systemMacros)) {
         OrvlogConverter::AppendMessageLine(information.findings.emplace_back(), message,
                                            OrvlogConverter::LineFormat::Json);
     }

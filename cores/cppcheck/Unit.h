@@ -4,6 +4,27 @@
 
 #include <string>
 
+// The bundled core: a program of its own that the driver runs once for each unit, as it would run any other core. It
+// checks nothing itself, so that everyone without an installed core still gets findings; that it checks well is left to
+// Cppcheck, that nothing is lost or told in the wrong place on the way there and back is what this folder is for.
+//
+// The road of a unit: UnitSettings (what the driver asks) -> MarkedText (the preprocessed text line by line, each with
+// its file) -> SystemTextCutter (without the text of system headers) -> CppcheckCommand, CppcheckRun -> CppcheckOutput
+// (its findings as records) -> ReportWriter (as report messages) -> the unit's output file.
+//
+// Why text that is cut, and not the source itself: only the project's own compiler knows what the source means, with
+// all flags, macros and built-in names. Cppcheck's own preprocessor would guess, and guess once more for every
+// combination of macros. Why system headers are cut: they are most of the text, their faults are nobody's business
+// here, and Cppcheck has tables for the functions in them.
+//
+// Why files go by aliases (FileAlias): a text names its files by line markers, and whatever stands there comes back in
+// a finding. Plain names that depend on the path alone need no quoting in any form that Cppcheck writes, and two units
+// that include one header agree on it, which the linking of facts builds upon.
+//
+// Across units (AnalyzerInformation, UnitInformation, CppcheckLink, Linking, MergedFindings): Cppcheck's whole-program
+// step wants to see all facts in one build folder of its own. Each unit's facts are kept as that step will want them,
+// and put into such a folder only for the linking, so that collecting runs need nothing of each other.
+
 namespace Orvanta {
 
 /// Analyzes the unit and writes its findings, which may be none, to its output file; in the performing stage, with

@@ -31,8 +31,8 @@ std::vector<std::string> ReadList(FieldReader& reader) {
 
 void AddFilesOf(std::string_view fact, std::unordered_set<std::uint64_t>& keys) {
     for (const std::string_view name : FilesOfFact(fact)) {
-        if (const auto file = ReadAlias(name)) {
-            keys.insert(file->key);
+        if (const auto key = KeyOfAlias(name)) {
+            keys.insert(*key);
         }
     }
 }

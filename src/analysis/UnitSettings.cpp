@@ -2,6 +2,7 @@
 
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/AnalysisMode.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@ namespace Orvanta {
 namespace {
 
 constexpr const char* DefaultPlatform = "x64";
-constexpr const char* GeneralAnalysis = "4";
 
 std::string YesOrNo(bool value) {
     return value ? "yes" : "no";
@@ -44,7 +44,7 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
     const std::pair<const char*, std::string> defaults[] = {
         {"preprocessor",      std::string(model.Name())                                            },
         {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},
-        {"analysis-mode",     GeneralAnalysis                                                      },
+        {"analysis-mode",     DefaultAnalysisMode                                                  },
         {"funsigned-char",    YesOrNo(command.unsignedChar)                                        },
         {"fshort-float",      YesOrNo(command.shortFloat)                                          },
         {"fshort-double",     YesOrNo(command.shortDouble)                                         },

@@ -136,8 +136,9 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
     if (reportPath.empty()) {
         return std::make_unique<ConsoleOutput>(format);
     }
-    if (OrvlogConverter::IsJsonDocumentName(reportPath)) {
-        return std::make_unique<JsonOutput>(reportPath);
+    if (IsJsonDocumentName(reportPath)) {
+        const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
+        return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
     }
     return std::make_unique<LineOutput>(reportPath, format);
 }

@@ -2,6 +2,8 @@
 
 #include "platform/StopFlag.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -20,6 +22,18 @@ void WriteToStandardOutput(std::string_view bytes) noexcept;
 inline void PrintLine(std::string_view line) {
     WriteToStandardOutput(std::string(line) += '\n');
 }
+
+/// The same for bytes that somebody waits for, such as a report: an output that can't take them is an error.
+/// \throws FileException
+void WriteResultToStandardOutput(std::string_view bytes);
+
+/// What WriteToStandardOutput does, on standard error.
+void WriteToStandardError(std::string_view bytes) noexcept;
+
+/// Waits for bytes on standard input and puts them, as they are, at the front of `target`. Returns how many: 0 at the
+/// end of the input, and when the process is asked to stop meanwhile.
+/// \throws FileException
+[[nodiscard]] std::size_t ReadFromStandardInput(std::span<char> target);
 
 /// The processors that this process may use, at least 1.
 [[nodiscard]] unsigned AvailableProcessors() noexcept;

@@ -5,8 +5,8 @@ namespace OrvlogConverter {
 ReportMessage DocumentationLinkMessage() {
     ReportMessage message;
     message.code = DocumentationLinkCode;
-    message.message = "The documentation for all analyzer warnings is available here: "
-                      "https://docs.orvanta.example/en/docs/warnings/.";
+    message.message =
+        std::string("The documentation for all analyzer warnings is available here: ") + DocumentationAddress + ".";
     return message;
 }
 

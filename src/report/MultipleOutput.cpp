@@ -2,6 +2,7 @@
 
 #include "report/Exceptions.h"
 
+#include <exception>
 #include <utility>
 
 namespace OrvlogConverter {
@@ -27,9 +28,18 @@ bool MultipleOutput::Write(const ReportMessage& message) {
     return isTaken;
 }
 
+// The failure of one output is not that of the others.
 void MultipleOutput::End() {
+    std::exception_ptr failure;
     for (const auto& child : children_) {
-        child->End();
+        try {
+            child->End();
+        } catch (...) {
+            failure = failure == nullptr ? std::current_exception() : failure;
+        }
+    }
+    if (failure != nullptr) {
+        std::rethrow_exception(failure);
     }
 }
 

@@ -8,14 +8,14 @@ namespace OrvlogConverter {
 namespace {
 
 // Every message opens a line of its own, so that an empty report has no empty line.
-const ReportFrame& JsonFrame() {
-    static const ReportFrame frame = {"{\"version\": 1, \"warnings\": [", ",", "\n]}\n"};
-    return frame;
+ReportFrame JsonFrame(const std::string& checked) {
+    const std::string member = checked.empty() ? "" : "\"checked\": " + checked + ", ";
+    return {"{\"version\": 1, " + member + "\"warnings\": [", ",", "\n]}\n"};
 }
 
 } // namespace
 
-JsonOutput::JsonOutput(const std::string& path) : file_(path, JsonFrame()) {}
+JsonOutput::JsonOutput(const std::string& path, const std::string& checked) : file_(path, JsonFrame(checked)) {}
 
 bool JsonOutput::Write(const ReportMessage& message) {
     line_ = '\n';

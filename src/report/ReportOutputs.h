@@ -19,9 +19,10 @@ public:
 /// One JSON document: an object whose "warnings" holds the messages. Closed again by every commit.
 class JsonOutput : public ReportOutput {
 public:
-    /// Replaces what is at `path` by a report without messages.
+    /// Replaces what is at `path` by a report without messages. `checked` is the value of the member of that name, as
+    /// JSON: what was looked at. Empty: there is no such member.
     /// \throws FilesystemException
-    explicit JsonOutput(const std::string& path);
+    explicit JsonOutput(const std::string& path, const std::string& checked = {});
     bool Write(const ReportMessage& message) override;
     void Commit() override;
     void End() override;

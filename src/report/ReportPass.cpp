@@ -16,6 +16,9 @@ std::size_t PassReport(const std::string& path, const ReportReceiver& receiver, 
         receiver.takeMessage(message, text);
     };
     ReportReader(path).Read({takeMessage, receiver.takeMember});
+    if (stop.IsSet()) { // standard input ends then, wherever its report is
+        throw StoppedException();
+    }
     return count;
 }
 

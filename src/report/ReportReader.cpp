@@ -9,11 +9,14 @@
 #include "report/JsonMessage.h"
 #include "report/JsonText.h"
 #include "report/RawLine.h"
+#include "report/StandardInput.h"
 #include "report/Utf8.h"
+#include "report/WholeFile.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <fstream>
 #include <istream>
 #include <optional>
 #include <utility>
@@ -125,33 +128,47 @@ private:
 
 } // namespace
 
-ReportReader::ReportReader(std::string path) : path_(std::move(path)) {
+ReportReader::ReportReader(std::string path) : path_(std::move(path)), isDocument_(IsJsonDocumentName(path_)) {
+    if (path_ == StandardStreamPath) {
+        auto input = std::make_unique<StandardInput>();
+        isDocument_ = LooksLikeDocument(input->Front(BlockSize));
+        input_ = std::move(input);
+        path_ = "standard input";
+    } else {
+        Open();
+    }
+}
+
+ReportReader::~ReportReader() = default;
+
+void ReportReader::Open() {
     if (path_.empty()) {
         throw FilesystemException("Empty filepath");
     }
     if (Orvanta::LookAt(path_).kind == Orvanta::PathKind::Folder) {
         throw FilesystemException(path_ + " is a directory");
     }
-    file_.open(Orvanta::NativePath(path_), std::ios::binary);
-    if (!file_.is_open()) {
+    auto file = std::make_unique<std::ifstream>(Orvanta::NativePath(path_), std::ios::binary);
+    if (!file->is_open()) {
         throw FilesystemException("Couldn't open file " + path_);
     }
+    input_ = std::move(file);
 }
 
 void ReportReader::Read(const ReportReceiver& receiver) {
-    RefuseUtf16(path_, file_);
-    if (IsJsonDocumentName(path_)) {
+    RefuseUtf16(path_, *input_);
+    if (isDocument_) {
         ReadDocument(receiver);
     } else {
         ReadLines(receiver);
     }
-    if (file_.bad()) {
+    if (input_->bad()) {
         throw FilesystemException("Couldn't read file " + path_);
     }
 }
 
 void ReportReader::ReadDocument(const ReportReceiver& receiver) {
-    Utf8Buffer buffer(file_);
+    Utf8Buffer buffer(*input_);
     std::istream stream(&buffer);
     DocumentCutter cutter(path_, receiver);
     try {
@@ -211,8 +228,8 @@ bool ReportReader::NextLine(std::string_view& line) {
         begin_ = 0;
         searched = buffer_.size();
         buffer_.resize(searched + std::max(BlockSize, searched)); // a line without end is not searched again and again
-        file_.read(buffer_.data() + searched, static_cast<std::streamsize>(buffer_.size() - searched));
-        buffer_.resize(searched + static_cast<std::size_t>(file_.gcount()));
+        input_->read(buffer_.data() + searched, static_cast<std::streamsize>(buffer_.size() - searched));
+        buffer_.resize(searched + static_cast<std::size_t>(input_->gcount()));
         if (buffer_.size() == searched) {
             line = buffer_;
             begin_ = buffer_.size();

@@ -4,8 +4,9 @@
 #include "report/ReportMessage.h"
 
 #include <cstddef>
-#include <fstream>
 #include <functional>
+#include <iosfwd>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -28,17 +29,22 @@ struct ReportReceiver {
 };
 
 /// Reads a report: one JSON document when its name ends in ".json", else a message a line, in any of the line forms
-/// side by side. Lines are read as a stream; of a document, one message is held at a time.
+/// side by side. The name "-" is standard input, whose form shows in how it begins. Lines are read as a stream; of a
+/// document, one message is held at a time.
 class ReportReader {
 public:
     /// \throws FilesystemException when it can't be opened
     explicit ReportReader(std::string path);
+    ~ReportReader();
+    ReportReader(const ReportReader&) = delete;
+    ReportReader& operator=(const ReportReader&) = delete;
 
     /// \throws ParseException: the path, the line or entry (from 1), and what is wrong with it. What `receiver` throws
     /// passes through.
     void Read(const ReportReceiver& receiver);
 
 private:
+    void Open();
     /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);
     void ReadLines(const ReportReceiver& receiver);
@@ -48,7 +54,8 @@ private:
     [[nodiscard]] bool NextLine(std::string_view& line);
 
     std::string path_;
-    std::ifstream file_;
+    std::unique_ptr<std::istream> input_;
+    bool isDocument_;
     std::string buffer_;
     std::size_t begin_ = 0; // of what was not yet handed on
     ReportMessage message_; // kept for its memory

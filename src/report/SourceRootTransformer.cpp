@@ -26,7 +26,10 @@ ReportMessage SourceRootTransformer::Transform(ReportMessage message) {
     }
     for (MessagePosition& position : message.positions) {
         if (const std::size_t marker = position.file.find(SourceRootMarker); marker != std::string::npos) {
-            position.file.replace(marker, SourceRootMarker.size(), root_);
+            const std::string_view behind = std::string_view(position.file).substr(marker + SourceRootMarker.size());
+            const bool isDoubled = !behind.empty() && Orvanta::IsSeparator(behind.front(), PathRules::Windows) &&
+                                   Orvanta::IsSeparator(root_.back());
+            position.file.replace(marker, SourceRootMarker.size() + (isDoubled ? 1U : 0U), root_);
         }
     }
     return message;

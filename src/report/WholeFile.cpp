@@ -1,5 +1,6 @@
 #include "report/WholeFile.h"
 
+#include "platform/Console.h"
 #include "platform/Files.h"
 #include "report/Exceptions.h"
 #include "report/WriteFailure.h"
@@ -26,6 +27,9 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
     if (path_.empty()) {
         throw FilesystemException("Empty filepath");
     }
+    if (path_ == StandardStreamPath) {
+        return;
+    }
     NamingFile(path_, [this] {
         ProbeExisting(path_);
         file_.emplace(path_, Orvanta::AtomicFile::Durability::Synced);
@@ -50,12 +54,21 @@ void WholeFile::Append(std::string_view text) {
 }
 
 void WholeFile::WriteBuffer() {
-    NamingFile(path_, [this] { file_->Append(buffer_); });
+    NamingFile(path_, [this] {
+        if (file_) {
+            file_->Append(buffer_);
+        } else {
+            Orvanta::WriteResultToStandardOutput(buffer_);
+        }
+    });
     buffer_.clear();
 }
 
 void WholeFile::Commit() {
     WriteBuffer();
+    if (!file_) {
+        return;
+    }
     NamingFile(path_, [this] { file_->Commit(); });
     if (file_->IsInPlace()) {
         TellInPlace(path_);

@@ -8,8 +8,11 @@
 
 namespace OrvlogConverter {
 
+/// Stands for standard output where a report is written, and for standard input where one is read.
+inline constexpr std::string_view StandardStreamPath = "-";
+
 /// A file that takes its place only when it is whole: until `Commit` whatever stood at the path stays as it was. Writes
-/// in large blocks.
+/// in large blocks. Standard output takes the blocks as they come.
 class WholeFile {
 public:
     /// \throws FilesystemException "Empty filepath", or "Can't write to file: ", the path and the system's reason
@@ -30,7 +33,7 @@ private:
     void WriteBuffer();
 
     std::string path_;
-    std::optional<Orvanta::AtomicFile> file_;
+    std::optional<Orvanta::AtomicFile> file_; // absent: standard output
     std::string buffer_;
 };
 

@@ -23,6 +23,9 @@
 
 namespace OrvlogConverter {
 
+/// The code of the notice that a base is outdated, which is no finding.
+inline constexpr const char* OutdatedBaseCode = "V014";
+
 /// What is said of a base whose hashing rules are no longer the current ones.
 inline constexpr const char* OutdatedBaseText =
     "The version of your suppress file is outdated. Appending new suppressed messages to it is not possible. Consider "

@@ -6,7 +6,7 @@ namespace {
 
 ReportMessage OutdatedBaseNotice() {
     ReportMessage notice;
-    notice.code = "V014";
+    notice.code = OutdatedBaseCode;
     notice.message = OutdatedBaseText;
     notice.level = 1;
     notice.positions.resize(1);

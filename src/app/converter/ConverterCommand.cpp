@@ -8,8 +8,8 @@
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
 #include "platform/Text.h"
+#include "render/LogParserWorker.h"
 #include "report/Exceptions.h"
-#include "report/LogParserWorker.h"
 
 #include <args.hxx>
 
@@ -53,6 +53,12 @@ struct Options {
                 {'e', "exclude-path"}),
           root(parser, "DIR", "Folder to put in the place of \"|?|\"", {'r', "sourcetree-root"}),
           categories(parser, "FILE", "File that re-categorises MISRA guidelines, for the form misra", {'g', "grp"}),
+          standards(parser, "NAME",
+                    "MISRA standard to judge by, such as 'C:2012' or 'C++:2023', for the form misra. Can be specified "
+                    "once for each language.",
+                    {"misra-standard"}),
+          checked(parser, "FILE", "List of the MISRA guidelines that were checked, for the form misra",
+                  {"misra-checked"}),
           deviations(parser, "misra_deviations",
                      "Count messages marked as false alarms as deviations, for the form misra",
                      {'m', "misra_deviations"}),
@@ -71,6 +77,8 @@ struct Options {
     StringListFlag paths;
     StringFlag root;
     StringFlag categories;
+    StringListFlag standards;
+    StringFlag checked;
     args::Flag deviations;
     args::Flag noLink;
     args::PositionalList<std::string> reports;
@@ -143,6 +151,10 @@ LogParserSettings MakeSettings(Options& options) {
     }
     if (options.categories.Matched()) {
         settings.render.categoriesPath = options.categories.Get();
+    }
+    settings.render.misraStandards = options.standards.Get();
+    if (options.checked.Matched()) {
+        settings.render.misraChecked->ReadFile(options.checked.Get());
     }
     settings.render.countDeviations = options.deviations.Matched();
     return settings;

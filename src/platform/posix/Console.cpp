@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/posix/Descriptor.h"
 
@@ -16,6 +17,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -92,6 +94,9 @@ unsigned ProcessorsOfControlGroup() {
     return fewest;
 }
 
+// A pipe takes long texts in pieces: without this, two of them could mix.
+std::mutex outputInUse;
+
 } // namespace
 
 void InstallInterruptHandler(StopFlag& stop) {
@@ -110,10 +115,38 @@ void InstallInterruptHandler(StopFlag& stop) {
 }
 
 void WriteToStandardOutput(std::string_view bytes) noexcept {
-    // A pipe takes long texts in pieces: without this, two of them could mix.
-    static constinit std::mutex oneAtATime;
-    const std::lock_guard lock(oneAtATime);
+    const std::lock_guard lock(outputInUse);
     static_cast<void>(WriteAll(STDOUT_FILENO, bytes));
+}
+
+void WriteResultToStandardOutput(std::string_view bytes) {
+    const std::lock_guard lock(outputInUse);
+    if (!WriteAll(STDOUT_FILENO, bytes)) {
+        throw FileException("standard output", SystemReason(errno));
+    }
+}
+
+void WriteToStandardError(std::string_view bytes) noexcept {
+    const std::lock_guard lock(outputInUse);
+    static_cast<void>(WriteAll(STDERR_FILENO, bytes));
+}
+
+std::size_t ReadFromStandardInput(std::span<char> target) {
+    constexpr int MillisecondsBetweenLooks = 100;
+    while (!ProcessStopFlag().IsSet()) {
+        pollfd input = {STDIN_FILENO, POLLIN, 0};
+        if (::poll(&input, 1, MillisecondsBetweenLooks) == 0) {
+            continue;
+        }
+        const ::ssize_t count = ::read(STDIN_FILENO, target.data(), target.size());
+        if (count >= 0) {
+            return static_cast<std::size_t>(count);
+        }
+        if (errno != EINTR && errno != EAGAIN) {
+            throw FileException("standard input", SystemReason(errno));
+        }
+    }
+    return 0;
 }
 
 unsigned AvailableProcessors() noexcept {

@@ -1,6 +1,7 @@
 #include "platform/Console.h"
 
 #include "platform/windows/ConsoleHandler.h"
+#include "platform/windows/FileAccess.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -37,16 +38,33 @@ void WriteToConsole(void* output, std::string_view text) {
     }
 }
 
-void WriteBytes(void* output, std::string_view bytes) {
+bool WriteBytes(void* output, std::string_view bytes) {
     constexpr std::size_t LargestPiece = 1U << 20U;
     while (!bytes.empty()) {
         DWORD count = 0;
         const auto size = static_cast<DWORD>(std::min(bytes.size(), LargestPiece));
         if (::WriteFile(output, bytes.data(), size, &count, nullptr) == FALSE || count == 0) {
-            return;
+            return false;
         }
         bytes.remove_prefix(count);
     }
+    return true;
+}
+
+std::mutex outputInUse;
+
+bool WriteToStream(DWORD stream, std::string_view bytes) {
+    const std::lock_guard lock(outputInUse);
+    void* const output = ::GetStdHandle(stream);
+    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
+        ::SetLastError(ERROR_INVALID_HANDLE);
+        return false;
+    }
+    if (IsConsole(output)) {
+        WriteToConsole(output, bytes);
+        return true;
+    }
+    return WriteBytes(output, bytes);
 }
 
 } // namespace
@@ -75,17 +93,31 @@ void InstallInterruptHandler(StopFlag& stop) {
 }
 
 void WriteToStandardOutput(std::string_view bytes) noexcept {
-    static std::mutex oneAtATime;
-    const std::lock_guard lock(oneAtATime);
-    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
-    if (output == nullptr || output == INVALID_HANDLE_VALUE) {
-        return;
+    WriteToStream(STD_OUTPUT_HANDLE, bytes);
+}
+
+void WriteResultToStandardOutput(std::string_view bytes) {
+    if (!WriteToStream(STD_OUTPUT_HANDLE, bytes)) {
+        FailFile("standard output", ::GetLastError());
     }
-    if (IsConsole(output)) {
-        WriteToConsole(output, bytes);
-    } else {
-        WriteBytes(output, bytes);
+}
+
+void WriteToStandardError(std::string_view bytes) noexcept {
+    WriteToStream(STD_ERROR_HANDLE, bytes);
+}
+
+std::size_t ReadFromStandardInput(std::span<char> target) {
+    constexpr std::size_t LargestPiece = 1U << 20U;
+    void* const input = ::GetStdHandle(STD_INPUT_HANDLE);
+    if (input == nullptr || input == INVALID_HANDLE_VALUE) {
+        return 0;
     }
+    DWORD count = 0;
+    const auto size = static_cast<DWORD>(std::min(target.size(), LargestPiece));
+    if (::ReadFile(input, target.data(), size, &count, nullptr) == FALSE && ::GetLastError() != ERROR_BROKEN_PIPE) {
+        FailFile("standard input", ::GetLastError()); // a pipe that its writer closed is at its end
+    }
+    return count;
 }
 
 unsigned AvailableProcessors() noexcept {

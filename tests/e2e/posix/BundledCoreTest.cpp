@@ -80,6 +80,45 @@ TEST_F(BundledCoreTest, FindsTheUsersErrorsWhereTheyAre) {
     }
 }
 
+// gcc breaks a line wherever text of a system macro begins or ends, also between the parentheses of what is a macro to
+// Cppcheck.
+TEST_F(BundledCoreTest, ReadsWhatSystemMacrosLeaveInTheUsersLines) {
+    const std::string code = "#include <alloca.h>\n"
+                             "#include <assert.h>\n"
+                             "#include <stddef.h>\n"
+                             "int Use(int *p, int *q, unsigned n) {\n"
+                             "    int values[2] = {0, 1};\n"
+                             "    assert(p != NULL &&\n"
+                             "           q != NULL && *q > 3);\n"
+                             "    if (__builtin_expect(p == NULL, 0)) { return values[2]; }\n"
+                             "    char *room = (char *)alloca(q\n"
+                             "        == NULL ? n : 2 * n);\n"
+                             "    room[0] = 0;\n"
+                             "    return values[3] + room[0];\n"
+                             "}\n";
+    sandbox.Write("use.c",
+                  code + "#include <stdatomic.h>\n"
+                         "int Load(_Atomic int *p) { int values[1] = {0}; return atomic_load(p) + values[4]; }\n");
+    sandbox.Write("use.cpp", code);
+    for (const char* const compiler : {"gcc", "clang"}) {
+        sandbox.ForgetEntries();
+        for (const char* const source : {"use.c", "use.cpp"}) {
+            sandbox.AddEntry({
+                {compiler, "-c", source}
+            });
+        }
+        sandbox.WriteDatabase();
+        const RunResult result = sandbox.Run({"analyze", "-o", "report.json"});
+        EXPECT_EQ(result.exitCode, 0) << result;
+        const std::vector<Finding> findings = Report();
+        for (const char* const source : {"use.c", "use.cpp"}) {
+            ExpectOneAt(findings, sandbox.Path(source), 8);
+            ExpectOneAt(findings, sandbox.Path(source), 12);
+        }
+        ExpectOneAt(findings, sandbox.Path("use.c"), 15);
+    }
+}
+
 TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
     sandbox.Write("shared.h", "void Store(int *place);\nvoid Fill(int *buffer, int count);\n");
     sandbox.Write("callee.c", "#include \"shared.h\"\n"

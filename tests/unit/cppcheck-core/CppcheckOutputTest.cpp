@@ -12,6 +12,7 @@ TEST(CppcheckOutput, GivesFindingsWithTheirPathsAndOtherText) {
                                                      "\x1e"
                                                      "f0.cpp\x1f"
                                                      "3\x1f"
+                                                     "14\x1f"
                                                      "error\x1fnullPointer\x1f"
                                                      "476\x1fNull pointer: a|b:c\x1f\"\n"
                                                      "\x1d"
@@ -22,31 +23,33 @@ TEST(CppcheckOutput, GivesFindingsWithTheirPathsAndOtherText) {
                                                      "3\n"
                                                      "\x1e"
                                                      "f1.h\x1f"
+                                                     "0\x1f"
                                                      "0\x1fstyle\x1fx\x1f"
                                                      "0\x1f");
     ASSERT_EQ(output.findings.size(), 2U);
-    EXPECT_EQ(
-        output.findings[0],
-        (CppcheckFinding{
-            {"f0.cpp",    3            },
-            "error", "nullPointer", 476, "Null pointer: a|b:c\x1f\"", {{"f1.h", 9}, {"f0.cpp", 3}}
-    }));
-    EXPECT_EQ(output.findings[1], (CppcheckFinding{
-                                      {"f1.h",                                                       0},
-                                      "style", "x", 0, "", {                                                            }
-    }));
+    const std::vector<CppcheckLocation> path = {
+        {"f1.h",   9},
+        {"f0.cpp", 3}
+    };
+    const CppcheckLocation begin = {"f0.cpp", 3};
+    EXPECT_EQ(output.findings[0],
+              (CppcheckFinding{begin, 14, "error", "nullPointer", 476, "Null pointer: a|b:c\x1f\"", path}));
+    const CppcheckLocation none = {"f1.h", 0};
+    EXPECT_EQ(output.findings[1], (CppcheckFinding{none, 0, "style", "x", 0, "", {}}));
     EXPECT_EQ(output.otherText, "cppcheck: note\n");
 }
 
 TEST(CppcheckOutput, RefusesFieldsThatAreNotThoseOfTheTemplate) {
-    for (const char* text : {"\x1e", "\x1e{file}\x1f{line}\x1fs\x1fi\x1f\x1fm",
+    for (const char* text : {"\x1e", "\x1e{file}\x1f{line}\x1f{column}\x1fs\x1fi\x1f\x1fm",
                              "\x1e"
                              "f\x1f"
+                             "1\x1f"
                              "1\x1fs\x1fi\x1f"
                              "1",
                              "\x1e"
                              "f\x1f"
-                             "-1\x1fs\x1fi\x1f"
+                             "-1\x1f"
+                             "1\x1fs\x1fi\x1f"
                              "1\x1fm"}) {
         EXPECT_THROW(static_cast<void>(ReadCppcheckOutput(text)), ZelmException) << text;
     }

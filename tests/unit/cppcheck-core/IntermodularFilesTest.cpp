@@ -45,10 +45,7 @@ TEST(UnitInformationFile, ComesBackAsItWasWritten) {
         {"/p/b.h", false, true},
     };
     const FactGroup group = {
-        "Null pointer",
-        "",
-        {"<u file=\"" + AliasOf(source, TextOrigin::File) + "\"/>",
-          "<u file=\"" + AliasOf("/p/b.h", TextOrigin::SystemMacro) + "\"/>"}
+        "Null pointer", "", {"<u file=\"" + AliasOf(source) + "\"/>", "<u file=\"" + AliasOf("/p/b.h") + "\"/>"}
     };
     const FactGroup other = {"ctu", "k", {"<c/>"}};
     UnitInformation unit;

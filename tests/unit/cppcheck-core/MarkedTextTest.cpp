@@ -1,6 +1,7 @@
 #include "cppcheck/MarkedText.h"
 
 #include "support/HostPath.h"
+#include "support/TestFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,6 +28,16 @@ TEST(ListDependencies, NamesEachFileOnceInOrderOfAppearance) {
     EXPECT_THAT(ListDependencies(text, HostPath("/p/u.cpp"), HostPath("/p")),
                 ElementsAre(HostPath("/p/u.cpp"), HostPath("/usr/include/stdc-predef.h"), HostPath("/usr/include/b.h"),
                             HostPath("/p/a.h")));
+}
+
+TEST(ListDependencies, FindsANameThatIsRelativeToTheFileThatHoldsIt) {
+    const TestFolder folder;
+    folder.Write("sub/grammar.y", "");
+    folder.Write("both.y", "");
+    folder.Write("sub/both.y", "");
+    const char* const text = "# 1 \"sub/u.c\"\n#line 7 \"grammar.y\"\nint g;\n#line 2 \"both.y\"\nint b;\n";
+    EXPECT_THAT(ListDependencies(text, folder / "sub/u.c", folder.Path()),
+                ElementsAre(folder / "sub/u.c", folder / "sub/grammar.y", folder / "both.y"));
 }
 
 TEST(ListDependencies, WithoutMarkersThereAreNone) {

@@ -18,18 +18,23 @@ const MarkedFile Files[] = {
     {"/opt/x/sys.h", true,  true},
 };
 
-const std::string Source = AliasOf("/p/u.cpp", TextOrigin::File);
-const std::string SourceMacro = AliasOf("/p/u.cpp", TextOrigin::SystemMacro);
-const std::string Header = AliasOf("/p/a.h", TextOrigin::File);
-const std::string SystemHeader = AliasOf("/opt/x/sys.h", TextOrigin::File);
+const std::string Source = AliasOf("/p/u.cpp");
+const std::string Header = AliasOf("/p/a.h");
+const std::string SystemHeader = AliasOf("/opt/x/sys.h");
 
-CppcheckFinding Finding(CppcheckLocation location, std::string severity, std::string id) {
-    return {std::move(location), std::move(severity), std::move(id), 7, "text", {}};
+constexpr SystemMacroText SystemMacros[] = {
+    {0, 2, 5, 9 },
+    {0, 2, 9, 11},
+    {1, 2, 1, 99},
+};
+
+CppcheckFinding Finding(CppcheckLocation location, std::string severity, std::string id, std::uint32_t column = 1) {
+    return {std::move(location), column, std::move(severity), std::move(id), 7, "text", {}};
 }
 
 std::vector<std::string> Summaries(std::span<const CppcheckFinding> findings) {
     std::vector<std::string> summaries;
-    for (const OrvlogConverter::ReportMessage& message : MakeReportMessages(findings, Files)) {
+    for (const OrvlogConverter::ReportMessage& message : MakeReportMessages(findings, Files, SystemMacros)) {
         summaries.push_back(message.positions.front().file + ":" + std::to_string(message.positions.front().line) +
                             " " + std::to_string(message.level) + " " + message.message);
     }
@@ -45,13 +50,15 @@ TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
         Finding({Header, 70}, "error", "d"),
         Finding({SystemHeader, 1}, "error", "inSystemHeader"),
         Finding({Source, 1}, "information", "aboutCppcheck"),
-        Finding({SourceMacro, 2}, "style", "styleOfASystemMacro"),
-        Finding({SourceMacro, 2}, "warning", "f"),
+        Finding({Source, 2}, "style", "styleOfASystemMacro", 10),
+        Finding({Source, 2}, "style", "styleBehindIt", 11),
+        Finding({Source, 2}, "warning", "f", 5),
         Finding({"nofile", 0}, "portability", "e"),
     };
     EXPECT_THAT(Summaries(findings),
                 ElementsAre("/p/a.h:70 1 [d] text", "/p/u.cpp:1 3 [e] text", "/p/u.cpp:2 2 [f] text",
-                            "/p/u.cpp:9 2 [c] text", "/p/u.cpp:10 3 [a] text", "/p/u.cpp:10 3 [b] text"));
+                            "/p/u.cpp:2 3 [styleBehindIt] text", "/p/u.cpp:9 2 [c] text", "/p/u.cpp:10 3 [a] text",
+                            "/p/u.cpp:10 3 [b] text"));
 }
 
 TEST(ReportMessages, CarryThePathAndTheSourceLines) {
@@ -60,14 +67,14 @@ TEST(ReportMessages, CarryThePathAndTheSourceLines) {
     const MarkedFile files[] = {
         {path, false, true}
     };
-    const std::string alias = AliasOf(path, TextOrigin::File);
+    const std::string alias = AliasOf(path);
     CppcheckFinding finding = Finding({alias, 3}, "error", "nullPointer");
     finding.path = {
         {alias, 1},
         {alias, 3},
         {alias, 1}
     };
-    const auto messages = MakeReportMessages({&finding, 1}, files);
+    const auto messages = MakeReportMessages({&finding, 1}, files, {});
 
     OrvlogConverter::ReportMessage expected;
     expected.code = "External";
@@ -93,8 +100,8 @@ TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
     others.front().path = {
         {Header, 1}
     };
-    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, Files);
-    AddFindings(messages, MakeReportMessages(others, Files));
+    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, Files, {});
+    AddFindings(messages, MakeReportMessages(others, Files, {}));
     std::vector<std::pair<std::uint32_t, std::string>> summaries;
     for (const OrvlogConverter::ReportMessage& message : messages) {
         summaries.emplace_back(message.positions.front().line, message.message);

@@ -137,10 +137,13 @@ ReportMessage With(std::string_view file) {
 
 TEST(SourceRootTransformer, PutsTheRootInThePlaceOfTheFirstMarker) {
     const RootCase cases[] = {
-        {"/p", "|?|/a.c",   "/p/a.c"  },
-        {"/p", "x|?|y|?|z", "x/py|?|z"},
-        {"/p", "/q/a.c",    "/q/a.c"  },
-        {"",   "|?|/a.c",   "|?|/a.c" },
+        {"/p",  "|?|/a.c",   "/p/a.c"  },
+        {"/p",  "x|?|y|?|z", "x/py|?|z"},
+        {"/p",  "/q/a.c",    "/q/a.c"  },
+        {"",    "|?|/a.c",   "|?|/a.c" },
+        {"/p/", "|?|/a.c",   "/p/a.c"  },
+        {"/",   "|?|/a.c",   "/a.c"    },
+        {"/p/", "|?|a.c",    "/p/a.c"  },
     };
     for (const RootCase& row : cases) {
         Recorder recorder;

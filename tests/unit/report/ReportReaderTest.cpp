@@ -4,6 +4,7 @@
 #include "report/FinishedReport.h"
 #include "report/JsonMessage.h"
 #include "report/MessageLine.h"
+#include "report/StandardInput.h"
 #include "report/Utf8.h"
 #include "support/ErrorOf.h"
 #include "support/TestFolder.h"
@@ -311,6 +312,23 @@ TEST(JsonMessageScanner, LeavesWhatItDoesNotKnowToTheLibrary) {
     ReportMessage message;
     for (const std::string_view text : cases) {
         EXPECT_FALSE(scanner.Scan(text, message)) << text;
+    }
+}
+
+TEST(StandardInput, IsKnownForADocumentByItsBeginning) {
+    const std::pair<std::string_view, bool> cases[] = {
+        {"{\"version\": 1, \"warnings\": [\n",                                      true },
+        {"\xEF\xBB\xBF {\"warnings\" :[]}",                                         true },
+        {"{\n\"version\": 1",                                                       true },
+        {R"({"code":"V1","message":"\"warnings\":","positions":[{"warnings":1}]})", false},
+        {R"({"code":"warnings"})",                                                  false},
+        {R"({"code":"}\\","x":{}} {"warnings":[]})",                                false},
+        {"a.c:1:1: error: {",                                                       false},
+        {"{\"war",                                                                  false},
+        {"",                                                                        false},
+    };
+    for (const auto& [text, isDocument] : cases) {
+        EXPECT_EQ(LooksLikeDocument(text), isDocument) << text;
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "render/misra/MisraPlan.h"
 #include "report/IOutput.h"
 
 #include <memory>
@@ -7,20 +8,23 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace OrvlogConverter {
 
 /// What outputs are to know beside their path.
 struct RenderSettings {
     std::optional<std::string> categoriesPath; ///< the file that re-categorises MISRA guidelines
-    bool countDeviations = false;              ///< count the messages marked as false alarms
+    std::vector<std::string> misraStandards;   ///< names of editions
+    bool countDeviations = false;              ///< messages marked as false alarms are deviations, for MISRA
+    std::shared_ptr<MisraChecked> misraChecked = std::make_shared<MisraChecked>(); ///< filled while reports are read
 };
 
 /// A form that reports can be rendered in. A new one is a class behind `IOutput` and a row in the table of these.
 struct RenderType {
     std::string_view name;   ///< as the user gives it
     std::string_view suffix; ///< of a file whose name is made up
-    bool wantsDeviations;    ///< the settings above are for it, and it can tell marked messages from others
+    bool isMisra;            ///< the settings above are for it, and it wants marked messages too
     std::unique_ptr<IOutput> (*make)(const std::string& path, const RenderSettings& settings);
 };
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/StopFlag.h"
+#include "render/RenderTypes.h"
 #include "report/IWorker.h"
 #include "report/MessageFilter.h"
 #include "report/MultipleOutput.h"
-#include "report/RenderTypes.h"
 
 #include <string>
 #include <vector>
@@ -36,6 +36,7 @@ public:
 private:
     void PrintIgnoredFlags() const;
     void OpenTargets();
+    void AddChecked(const std::string& report, const std::string& checked) const;
 
     LogParserSettings settings_;
     const Orvanta::StopFlag& stop_;

@@ -1,4 +1,4 @@
-#include "report/LogParserWorker.h"
+#include "render/LogParserWorker.h"
 
 #include "platform/Console.h"
 #include "report/DocumentationLink.h"
@@ -40,15 +40,29 @@ void LogParserWorker::Run() {
     }
     std::size_t total = 0;
     std::size_t taken = 0;
-    const ReportReceiver receiver = {[&](const ReportMessage& message, std::string_view /*text*/) {
-        taken += chain.Write(message) ? 1U : 0U;
-    }};
     for (const std::string& report : settings_.reports) {
+        std::string checked;
+        const ReportReceiver receiver = {
+            [&](const ReportMessage& message, std::string_view /*text*/) { taken += chain.Write(message) ? 1U : 0U; },
+            [&](const std::string& key, const std::string& value) {
+                if (key == "checked") {
+                    checked = value;
+                }
+            }};
         total += PassReport(report, receiver, stop_);
+        AddChecked(report, checked);
     }
     chain.End();
     Orvanta::PrintLine("Total messages: " + std::to_string(total));
     Orvanta::PrintLine("Filtered messages: " + std::to_string(taken));
+}
+
+void LogParserWorker::AddChecked(const std::string& report, const std::string& checked) const {
+    try {
+        settings_.render.misraChecked->AddReport(checked);
+    } catch (const ParseException& error) {
+        throw ParseException(report + ": " + error.what());
+    }
 }
 
 void LogParserWorker::OpenTargets() {
@@ -58,7 +72,7 @@ void LogParserWorker::OpenTargets() {
     PrintIgnoredFlags();
     for (const RenderTarget& target : settings_.targets) {
         MessageFilterSettings filter = settings_.filter;
-        if (target.type->wantsDeviations && settings_.render.countDeviations) {
+        if (target.type->isMisra) {
             filter.falseAlarms = MessageFilterSettings::FalseAlarms::Keep;
         }
         outputs_.Add(
@@ -68,10 +82,11 @@ void LogParserWorker::OpenTargets() {
 
 void LogParserWorker::PrintIgnoredFlags() const {
     const bool isMisra = std::any_of(settings_.targets.begin(), settings_.targets.end(),
-                                     [](const RenderTarget& target) { return target.type->wantsDeviations; });
+                                     [](const RenderTarget& target) { return target.type->isMisra; });
     const std::pair<bool, const char*> flags[] = {
         {settings_.render.categoriesPath.has_value(), "grp"             },
         {settings_.render.countDeviations,            "misra_deviations"},
+        {!settings_.render.misraStandards.empty(),    "misra-standard"  },
     };
     for (const auto& [isGiven, name] : flags) {
         if (isGiven && !isMisra) {

@@ -1,8 +1,8 @@
-#include "report/RenderTypes.h"
+#include "render/RenderTypes.h"
 
+#include "render/misra/MisraComplianceOutput.h"
 #include "report/Exceptions.h"
 #include "report/FinishedReport.h"
-#include "report/MisraComplianceOutput.h"
 
 #include <utility>
 
@@ -21,13 +21,16 @@ std::unique_ptr<IOutput> MakeRaw(const std::string& path, const RenderSettings& 
 }
 
 std::unique_ptr<IOutput> MakeMisra(const std::string& path, const RenderSettings& settings) {
-    MisraCategoryPlan plan;
-    if (settings.categoriesPath) {
-        plan = ReadMisraCategoryPlan(*settings.categoriesPath);
+    MisraSettings misra;
+    for (const std::string& name : settings.misraStandards) {
+        misra.editions.Choose(MisraEditionNamed(name));
     }
-    return std::make_unique<MisraComplianceOutput>(path, std::move(plan),
-                                                   settings.countDeviations ? MisraComplianceOutput::Deviations::Count
-                                                                            : MisraComplianceOutput::Deviations::None);
+    if (settings.categoriesPath) {
+        misra.plan = ReadMisraCategoryPlan(*settings.categoriesPath, misra.editions);
+    }
+    misra.marks = settings.countDeviations ? MisraMarks::Deviations : MisraMarks::FalsePositives;
+    misra.checked = settings.misraChecked;
+    return std::make_unique<MisraComplianceOutput>(path, std::move(misra));
 }
 
 constexpr RenderType Types[] = {

@@ -1,0 +1,90 @@
+#include "report/StandardInput.h"
+
+#include "platform/Console.h"
+#include "platform/Text.h"
+
+#include <algorithm>
+
+namespace OrvlogConverter {
+
+namespace {
+
+constexpr std::size_t BlockSize = 262144;
+
+// The place behind the string that begins at `at`.
+std::size_t EndOfString(std::string_view text, std::size_t at) noexcept {
+    for (++at; at < text.size() && text[at] != '"'; ++at) {
+        at += text[at] == '\\' ? 1U : 0U;
+    }
+    return std::min(at + 1, text.size());
+}
+
+bool IsKey(std::string_view behind) noexcept {
+    return behind.substr(std::min(behind.find_first_not_of(" \t"), behind.size())).starts_with(':');
+}
+
+} // namespace
+
+StandardInput::StandardInput() : std::istream(static_cast<std::streambuf*>(this)) {}
+
+std::string_view StandardInput::Front(std::size_t size) {
+    std::size_t filled = 0;
+    buffer_.resize(size);
+    while (filled < size) {
+        const std::size_t count = Orvanta::ReadFromStandardInput({buffer_.data() + filled, size - filled});
+        if (count == 0) {
+            break;
+        }
+        filled += count;
+    }
+    setg(buffer_.data(), buffer_.data(), buffer_.data() + filled);
+    return {buffer_.data(), filled};
+}
+
+std::streambuf::int_type StandardInput::underflow() {
+    if (gptr() < egptr()) {
+        return std::streambuf::traits_type::to_int_type(*gptr());
+    }
+    buffer_.resize(BlockSize);
+    const std::size_t count = Orvanta::ReadFromStandardInput(buffer_);
+    setg(buffer_.data(), buffer_.data(), buffer_.data() + count);
+    return count == 0 ? std::streambuf::traits_type::eof() : std::streambuf::traits_type::to_int_type(*gptr());
+}
+
+bool LooksLikeDocument(std::string_view start) noexcept {
+    start = Orvanta::WithoutUtf8Mark(start);
+    start.remove_prefix(std::min(start.find_first_not_of(" \t\r\n"), start.size()));
+    if (!start.starts_with('{')) {
+        return false;
+    }
+    std::size_t depth = 0;
+    for (std::size_t at = 0; at < start.size(); ++at) {
+        switch (start[at]) {
+        case '"': {
+            const std::size_t end = EndOfString(start, at);
+            if (depth == 1 && start.substr(at, end - at) == "\"warnings\"" && IsKey(start.substr(end))) {
+                return true;
+            }
+            at = end - 1;
+            break;
+        }
+        case '{':
+        case '[':
+            ++depth;
+            break;
+        case '}':
+        case ']':
+            if (--depth == 0) {
+                return false;
+            }
+            break;
+        case '\n':
+            return true;
+        default:
+            break;
+        }
+    }
+    return false;
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,202 @@
+#!/usr/bin/env python3
+"""kill_runs PROGRAM [--rounds N] [--seed S]: runs that are killed or stopped at random moments cost nothing but time.
+
+Each round edits a small project, starts a run of a random kind, ends it at a random moment by a random signal, looks at
+what it left, and lets another run of that kind go to its end: its report must be the one of a run in a folder where
+nothing happened before. Prints the seed of the run; the same seed gives the same edits, kinds and signals.
+"""
+import argparse
+import json
+import os
+import pathlib
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+UNITS = 24
+SIGNALS = [signal.SIGKILL] * 5 + [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]
+STOPPED = 130
+SOON = 10  # seconds: machines may be slow, but nothing may hang
+
+
+class Fault(Exception):
+    """What must not be."""
+
+
+class Kind:
+    """A way to run `analyze`, with an output folder of its own."""
+
+    def __init__(self, name, options, report, reads=json.loads):
+        self.name, self.options, self.report, self.reads = name, options, report, reads
+
+
+def lines_of(text):
+    return [json.loads(line) for line in text.splitlines()]
+
+
+KINDS = [
+    Kind("full", [], "r.json"),
+    Kind("lines", [], "r.jsonl", lines_of),
+    Kind("raw", [], "r.rawlog", str.splitlines),
+    Kind("incremental", ["-i"], "r.json"),
+    Kind("incremental lines", ["-i"], "r.jsonl", lines_of),
+    Kind("listed", ["-S", "list.txt"], "r.json"),
+    Kind("across units", ["--intermodular"], "r.json"),
+]
+
+
+class Project:
+    """Sources, headers and a database that random edits change."""
+
+    def __init__(self, folder, rng):
+        self.folder, self.rng, self.version = folder, rng, 0
+        self.units, self.flags = list(range(UNITS)), {}
+        for header in range(4):
+            self.write_header(header)
+        for unit in self.units:
+            self.write_unit(unit)
+        self.write_database()
+
+    def write(self, name, text):
+        (self.folder / name).write_text(text, encoding="utf-8")
+
+    def write_header(self, number):
+        self.version += 1
+        self.write(f"h{number}.h", f"int finding_h{number}_v{self.version};\n")
+
+    def write_unit(self, number):
+        self.version += 1
+        extra = f"#ifdef EXTRA\nint finding_extra_{number};\n#endif\n"
+        self.write(f"u{number}.c", f'#include "h{number % 4}.h"\nint finding_u{number}_v{self.version};\n{extra}')
+
+    def write_database(self):
+        entries = [{"directory": str(self.folder), "file": f"u{unit}.c",
+                    "arguments": ["gcc", *self.flags.get(unit, []), "-c", f"u{unit}.c"]} for unit in self.units]
+        self.write("compile_commands.json", json.dumps(entries))
+        self.write("list.txt", "".join(f"u{unit}.c\n" for unit in self.units[::3]))
+
+    def edit(self):
+        unit = self.rng.choice(self.units)
+        what = self.rng.choice(["nothing", "header", "unit", "touch", "flags", "remove", "add"])
+        if what == "header":
+            self.write_header(self.rng.randrange(4))
+        elif what == "unit":
+            self.write_unit(unit)
+        elif what == "touch":
+            os.utime(self.folder / f"u{unit}.c")
+        elif what == "flags":
+            self.flags[unit] = [] if self.flags.get(unit) else ["-DEXTRA"]
+        elif what == "remove" and len(self.units) > UNITS // 2:
+            self.units.remove(unit)
+        elif what == "add":
+            missing = [unit for unit in range(UNITS) if unit not in self.units]
+            self.units = sorted(self.units + missing[:1])
+        self.write_database()
+        return what
+
+
+class Runs:
+    def __init__(self, program, folder):
+        self.program, self.folder = program, folder
+        self.temporary = folder / "temporary"
+        self.temporary.mkdir()
+
+    def start(self, kind, output, threads):
+        output.mkdir(exist_ok=True)
+        command = [self.program, "analyze", "-q", "-j", str(threads), "--orvanta-path", HERE / "line_core",
+                   "-o", output / kind.report, *kind.options]
+        return subprocess.Popen(command, cwd=self.folder / "project", env={**os.environ, "TMPDIR": str(self.temporary)},
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+
+    def finish(self, kind, output, threads):
+        run = self.start(kind, output, threads)
+        said = run.communicate(timeout=60)[0]
+        if run.returncode != 0:
+            raise Fault(f"a run to the end ended with {run.returncode}:\n{said}")
+        return self.report(kind, output)
+
+    @staticmethod
+    def report(kind, output):
+        path = output / kind.report
+        text = path.read_text(encoding="utf-8") if path.exists() else None
+        if text is not None:
+            try:
+                kind.reads(text)
+            except ValueError as error:
+                raise Fault(f"{path} is torn: {error}:\n{text[-400:]}") from error
+        return text
+
+    def processes(self):
+        """The processes that work in the project."""
+        found = []
+        for entry in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                if os.readlink(entry / "cwd") == str(self.folder / "project") and int(entry.name) != os.getpid():
+                    found.append((entry / "cmdline").read_bytes().replace(b"\0", b" ").decode(errors="replace"))
+            except OSError:
+                pass
+        return found
+
+    def expect_soon(self, what, find):
+        end = time.monotonic() + SOON
+        while left := find():
+            if time.monotonic() > end:
+                raise Fault(f"{what}: {left}")
+            time.sleep(0.02)
+
+
+def one_round(runs, project, rng, length):
+    kind, sent, threads, edit = rng.choice(KINDS), rng.choice(SIGNALS), rng.choice([1, 2, 4]), project.edit()
+    moment = rng.uniform(0, 1.1) * length
+    told = f"{kind.name}, -j {threads}, after \"{edit}\": {sent.name} after {moment * 1000:.0f} ms"
+    try:
+        output = runs.folder / kind.name
+        run = runs.start(kind, output, threads)
+        time.sleep(moment)
+        run.send_signal(sent)
+        run.communicate(timeout=SOON)
+        if sent != signal.SIGKILL and run.returncode not in (0, STOPPED):
+            raise Fault(f"the stopped run ended with {run.returncode}")
+        runs.expect_soon("a child goes on", runs.processes)
+        runs.report(kind, output)
+        after = runs.finish(kind, output, threads)
+        clean = runs.folder / "clean"
+        expected = runs.finish(kind, clean, threads)
+        shutil.rmtree(clean)
+        if after != expected:
+            raise Fault(f"the report differs from a clean run's:\n{after}\n--- expected:\n{expected}")
+        runs.expect_soon("a temporary file is left", lambda: [path.name for path in runs.temporary.iterdir()])
+    except (Fault, subprocess.TimeoutExpired) as fault:
+        raise Fault(f"{told}\n{fault}") from fault
+    return run.returncode != 0
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("program", type=os.path.abspath)
+    parser.add_argument("--rounds", type=int, default=100)
+    parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
+    options = parser.parse_args()
+    print(f"kill test: {options.rounds} rounds, --seed {options.seed}", flush=True)
+    rng = random.Random(options.seed)
+    folder = pathlib.Path(os.path.realpath(tempfile.mkdtemp(prefix="orvanta-kill-")))
+    (folder / "project").mkdir()
+    project, runs = Project(folder / "project", rng), Runs(options.program, folder)
+    begin = time.monotonic()
+    runs.finish(KINDS[0], folder / "first", 2)
+    length, ended = time.monotonic() - begin, 0
+    for number in range(1, options.rounds + 1):
+        try:
+            ended += one_round(runs, project, rng, length)
+        except Fault as fault:
+            sys.exit(f"round {number}, --seed {options.seed}: {fault}\nkept: {folder}")
+    print(f"{options.rounds} rounds, {ended} of them ended in mid-run: every report as from a clean run")
+    shutil.rmtree(folder)
+
+
+main()
