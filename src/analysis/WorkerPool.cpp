@@ -1,8 +1,11 @@
 #include "analysis/WorkerPool.h"
 
+#include "platform/CrashHandler.h"
 #include "platform/Exceptions.h"
 
 #include <exception>
+#include <new>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
@@ -30,7 +33,15 @@ WorkerPool::~WorkerPool() {
 bool WorkerPool::StartThreads(std::size_t threads) {
     try {
         while (threads_.size() < threads) {
-            threads_.emplace_back([this] { Work(); });
+            threads_.emplace_back([this] {
+                std::optional<ThreadCrashRoom> crashRoom;
+                try {
+                    crashRoom.emplace();
+                } catch (const std::bad_alloc&) {
+                    // a crash of this thread leaves no trace; the run goes on
+                }
+                Work();
+            });
         }
         return true;
     } catch (const std::exception& error) { // no room for a thread, or in the list of them

@@ -90,14 +90,14 @@ int AnalyzeRun::Analyze() {
     return code == 0 && HasFailedInvocation(input_.commands) ? 1 : code;
 }
 
-RunLocks AnalyzeRun::TakeLocks() const {
+RunLocks AnalyzeRun::TakeLocks() {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
-        locks.TakeReport(input_.reportPath, stop_);
+        locks.TakeReport(input_.reportPath, stop_, log_);
     }
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
-        locks.TakeShared(OrvantaFolder(outputFolder_), stop_);
+        locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
     return locks;
 }

@@ -22,7 +22,7 @@ void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     if (!input.is_open()) {
         throw ZelmException("Couldn't open file " + path);
     }
-    if (ExtensionOf(path) == ".json") {
+    if (ComparablePath(ExtensionOf(path)) == ".json") {
         input.close();
         collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
         if (!ReadCompilationDatabase(path, collector)) {
