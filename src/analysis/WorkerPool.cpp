@@ -4,6 +4,8 @@
 #include "platform/Exceptions.h"
 
 #include <exception>
+#include <new>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
@@ -32,7 +34,12 @@ bool WorkerPool::StartThreads(std::size_t threads) {
     try {
         while (threads_.size() < threads) {
             threads_.emplace_back([this] {
-                const ThreadCrashRoom crashRoom;
+                std::optional<ThreadCrashRoom> crashRoom;
+                try {
+                    crashRoom.emplace();
+                } catch (const std::bad_alloc&) {
+                    // a crash of this thread leaves no trace; the run goes on
+                }
                 Work();
             });
         }

@@ -11,8 +11,8 @@ namespace Orvanta {
 /// Keeps two runs from writing one report, or using one folder ".Orvanta", at once.
 class RunLocks {
 public:
-    /// Waits a moment for another run to end, and no longer than `stop` lets it. A file system without locks is told.
-    /// \throws ZelmException "Another run is writing to " and the report
+    /// Waits a moment for another run to end, and no longer than `stop` lets it. Where the file system has no locks,
+    /// the log says so. \throws ZelmException "Another run is writing to " and the report
     void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
 
     /// Of the folder ".Orvanta", which need not exist.
