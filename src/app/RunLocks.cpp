@@ -19,6 +19,11 @@ void Take(LockFile& lock, const std::string& path, const StopFlag& stop, const c
 
 } // namespace
 
+RunLocks::~RunLocks() {
+    shared_.ReleaseAndRemove();
+    report_.ReleaseAndRemove();
+}
+
 void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop) {
     Take(report_, reportPath, stop, "Another run is writing to ");
 }
