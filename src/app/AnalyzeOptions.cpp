@@ -216,7 +216,7 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
 }
 
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
-    if (options.settingsFile) {
+    if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
     RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");

@@ -19,6 +19,9 @@ enum class RegenerateDependInfoOption {
     RunAnalysis,  ///< it is made before the analysis
 };
 
+/// The value of --cfg that has the project's own settings file searched.
+inline constexpr const char* FindSettingsFile = "auto";
+
 /// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
 struct AnalyzeOptions {
     std::optional<std::string> threads;

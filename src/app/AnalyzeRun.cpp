@@ -9,6 +9,7 @@
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
+#include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -26,6 +27,20 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     const unsigned threads = ThreadCount(options);
     std::string reportPath = ReportPath(options, settings);
     return {options, std::move(settings), threads, std::move(reportPath)};
+}
+
+// What a run keeps for later ones is no part of the sources that it may lie among. A folder that can't be written to
+// has been told of by whoever wanted to keep something there.
+void HideFromVersionControl(const std::string& folder) {
+    const std::string list = JoinPath(folder, ".gitignore");
+    if (!IsDirectory(folder) || PathExists(list)) {
+        return;
+    }
+    try {
+        OutputFile(list, OutputFile::Mode::Replace).Append("*\n");
+    } catch (const FileException&) {
+        RemoveFile(list);
+    }
 }
 
 std::string FolderOf(const std::string& reportPath) {
@@ -84,6 +99,7 @@ int AnalyzeRun::Analyze() {
     } catch (...) {
         failure = std::current_exception();
     }
+    HideFromVersionControl(OrvantaFolder(outputFolder_));
     End(passes.Ending());
     if (failure) {
         std::rethrow_exception(failure);

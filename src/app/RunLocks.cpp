@@ -25,6 +25,11 @@ LockFile TakeOf(const std::string& path, const StopFlag& stop, Log& log, const c
 
 } // namespace
 
+RunLocks::~RunLocks() {
+    shared_.ReleaseAndRemove();
+    report_.ReleaseAndRemove();
+}
+
 void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log) {
     report_ = TakeOf(reportPath, stop, log, "Another run is writing to ");
 }

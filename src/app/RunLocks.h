@@ -8,9 +8,15 @@
 
 namespace Orvanta {
 
-/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once.
+/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once. Leaves no lock file behind, unless
+/// the run is killed.
 class RunLocks {
 public:
+    RunLocks() = default;
+    ~RunLocks();
+    RunLocks(RunLocks&&) = default;
+    RunLocks& operator=(RunLocks&&) = delete;
+
     /// Waits a moment for another run to end, and no longer than `stop` lets it. Where the file system has no locks,
     /// the log says so. \throws ZelmException "Another run is writing to " and the report
     void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
