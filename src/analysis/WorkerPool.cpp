@@ -10,6 +10,18 @@
 
 namespace Orvanta {
 
+namespace {
+
+void MakeCrashRoom(std::optional<ThreadCrashRoom>& room) noexcept {
+    try {
+        room.emplace();
+    } catch (const std::bad_alloc&) {
+        // a crash of this thread leaves no trace; the run goes on
+    }
+}
+
+} // namespace
+
 WorkerPool::WorkerPool(std::size_t threads) {
     if (StartThreads(threads)) {
         return;
@@ -33,15 +45,7 @@ WorkerPool::~WorkerPool() {
 bool WorkerPool::StartThreads(std::size_t threads) {
     try {
         while (threads_.size() < threads) {
-            threads_.emplace_back([this] {
-                std::optional<ThreadCrashRoom> crashRoom;
-                try {
-                    crashRoom.emplace();
-                } catch (const std::bad_alloc&) {
-                    // a crash of this thread leaves no trace; the run goes on
-                }
-                Work();
-            });
+            threads_.emplace_back([this] { Work(); });
         }
         return true;
     } catch (const std::exception& error) { // no room for a thread, or in the list of them
@@ -85,6 +89,8 @@ void WorkerPool::WaitForTasks() {
 }
 
 void WorkerPool::Work() {
+    std::optional<ThreadCrashRoom> crashRoom;
+    MakeCrashRoom(crashRoom);
     std::unique_lock lock(mutex_);
     while (true) {
         taskAdded_.wait(lock, [this] { return ending_ || !queue_.empty(); });
