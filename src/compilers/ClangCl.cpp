@@ -10,6 +10,10 @@ constexpr FlagValue Glued = FlagValue::Glued;
 constexpr FlagRow ClangClFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
+    {"fmodules", FlagKind::Keep, FlagEffect::UsesModules},
+    {"driver-mode=cl", FlagKind::Keep},
+    {"working-directory", FlagKind::DropWithValue, FlagEffect::NamesDirectory},
+    {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"imsvc", FlagKind::SystemInclude},
     {"isystem", FlagKind::SystemInclude},
     {"winsysroot", FlagKind::SystemInclude},
@@ -20,7 +24,7 @@ constexpr FlagRow ClangClFlags[] = {
     {"winsdkversion", FlagKind::KeepWithValue},
     {"clang:", FlagKind::Preprocessor, Glued},
     {"Xclang", FlagKind::Preprocessor, FlagValue::Next},
-    {"mllvm", FlagKind::KeepWithValue},
+    {"mllvm", FlagKind::Preprocessor, FlagValue::Next},
     {"target", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesTarget},
     {"target=", FlagKind::Keep, FlagEffect::NamesTarget},
     {"resource-dir", FlagKind::KeepWithValue},
@@ -36,6 +40,17 @@ constexpr FlagRow ClangClFlags[] = {
     {"ftime-trace", FlagKind::Drop, FlagFile::Written},
     {"ftime-trace=", FlagKind::Drop, FlagFile::Written},
     {"object-file-name=", FlagKind::Drop},
+    {"fproc-stat-report", FlagKind::Drop},
+    {"fproc-stat-report=", FlagKind::Drop, FlagFile::Written},
+    {"save-stats", FlagKind::Drop, FlagFile::Written},
+    {"save-stats=", FlagKind::Drop, FlagFile::Written},
+    {"gen-cdb-fragment-path", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"foptimization-record-file=", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record=", FlagKind::Drop, FlagFile::Written},
+    {"serialize-diagnostics", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"MJ", FlagKind::DropWithValue, FlagFile::Written},
+    {"dependency-file", FlagKind::DropWithValue, FlagFile::Written},
 
     // Information instead of work.
     {"###", FlagKind::NoCompilation},
@@ -50,6 +65,14 @@ static_assert(RowsAreSound(ClangClFlags),
 } // namespace
 
 ClangCl::ClangCl() : Cl(CompilerType::ClangCl, ClangClFlags) {}
+
+// A header that comes from a module leaves no text.
+void ClangCl::FinishParse(ParsedCommand& command) const {
+    Cl::FinishParse(command);
+    if (command.effects.Has(FlagEffect::UsesModules)) {
+        command.keptArguments.emplace_back("-fno-modules");
+    }
+}
 
 // The size of words that a flag states changes whatever target there is.
 TargetBits ClangCl::TargetOf(const ParsedCommand& command) const {

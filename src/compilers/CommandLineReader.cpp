@@ -3,6 +3,7 @@
 #include "compilers/ArgumentWalker.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace Orvanta {
@@ -12,26 +13,32 @@ namespace {
 // Finds out what an invocation does and to which files.
 class OutlineVisitor {
 public:
-    explicit OutlineVisitor(std::vector<SourceArgument>& sources) : sources_(sources) {}
+    explicit OutlineVisitor(InvocationOutline& outline) : outline_(outline) {}
 
     void Flag(const FlagUse& use) {
         const FlagRow& row = *use.match.row;
         effects_.Add(row.effect);
         printsInformation_ = printsInformation_ || row.kind == FlagKind::NoCompilation;
         links_ = links_ || row.kind == FlagKind::LinkerPart;
+        if (row.effect == FlagEffect::NamesDirectory) {
+            outline_.directory = use.value;
+        }
     }
 
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
-        if (input.kind == InputKind::MissingResponseFile && !missingResponseFile_) {
-            missingResponseFile_ = input.index;
+        if (input.kind == InputKind::MissingResponseFile && !outline_.missingResponseFile) {
+            outline_.missingResponseFile = input.index;
         }
         if (IsSource(input.kind)) {
-            sources_.push_back({input.index, input.offset});
+            outline_.sources.push_back({input.index, input.offset});
+        }
+        if (input.mayBeValue) {
+            outline_.openWords.push_back(input.index);
         }
     }
 
-    [[nodiscard]] std::optional<std::size_t> MissingResponseFile() const { return missingResponseFile_; }
+    [[nodiscard]] bool MakesObjects() const { return Has(FlagEffect::StopsBeforeLinking); }
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
@@ -49,7 +56,7 @@ public:
         if (Has(FlagEffect::MakesPrecompiledHeader)) {
             return "precompiled header";
         }
-        return sources_.empty() ? ReasonOfInputs() : std::string_view();
+        return outline_.sources.empty() ? ReasonOfInputs() : std::string_view();
     }
 
 private:
@@ -63,20 +70,22 @@ private:
         if (Has(InputKind::StandardInput)) {
             return "reads standard input";
         }
+        if (Has(InputKind::NullDevice)) {
+            return "a test of flags";
+        }
         if (Has(InputKind::Header)) {
             return "precompiled header";
         }
         if (Has(InputKind::Assembly)) {
             return "assembly";
         }
-        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::Compiles))) {
+        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::StopsBeforeLinking))) {
             return "no C or C++ source";
         }
         return Has(InputKind::LinkInput) || links_ ? "link only" : "no input";
     }
 
-    std::vector<SourceArgument>& sources_;
-    std::optional<std::size_t> missingResponseFile_;
+    InvocationOutline& outline_;
     FlagEffects effects_;
     unsigned inputs_ = 0; // one bit for each kind of input met
     bool printsInformation_ = false;
@@ -129,8 +138,12 @@ void CommandVisitor::Flag(const FlagUse& use) {
     RecordCharSign(row.effect);
     RecordValue(use);
     // In the preprocessing command the source stands last, so that a later language would be its own.
+    const std::size_t before = command_.keptArguments.size();
     if (row.isKept && (row.kind != FlagKind::Language || use.index < source_.index)) {
         Keep(use);
+    }
+    if (row.effect == FlagEffect::NamesPrecompiled) {
+        command_.precompiled = {std::string(use.value), before, command_.keptArguments.size() - before};
     }
 }
 
@@ -216,6 +229,14 @@ void CommandVisitor::Keep(const FlagUse& use) {
     }
 }
 
+// Whether the header that the precompiled one was made from is included by force, too, as CMake writes it: "a.hxx.pch"
+// and "a.hxx".
+bool IsBesideItsHeader(const ParsedCommand& command) {
+    return !command.precompiled.path.empty() &&
+           std::any_of(command.forcedIncludes.begin(), command.forcedIncludes.end(),
+                       [&](const std::string& header) { return command.precompiled.path.starts_with(header); });
+}
+
 // The text of a file that is preprocessed already has a language, too.
 void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
     if (IsPreprocessed(kind) && !command.language) {
@@ -226,12 +247,13 @@ void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, Parsed
 
 } // namespace
 
-InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments) {
+InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments,
+                                    std::span<const std::size_t> openValues) {
     InvocationOutline outline;
-    OutlineVisitor visitor(outline.sources);
-    ArgumentWalker<OutlineVisitor>(model, arguments, visitor).Walk();
-    outline.missingResponseFile = visitor.MissingResponseFile();
+    OutlineVisitor visitor(outline);
+    ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
+    outline.makesObjects = visitor.MakesObjects();
     if (!outline.reason.empty()) {
         outline.sources.clear();
     }
@@ -246,7 +268,13 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source);
-    ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
+    const std::span<const std::size_t> openValues = source.openValues != nullptr
+                                                        ? std::span<const std::size_t>(*source.openValues)
+                                                        : std::span<const std::size_t>();
+    ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
+    if (IsBesideItsHeader(command)) {
+        DropPrecompiled(command);
+    }
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(command);

@@ -17,11 +17,16 @@ struct InvocationOutline {
     std::vector<SourceArgument> sources; ///< C and C++ sources, in the order of the command
     std::string_view reason;             ///< why there are none ("link only", ...); empty when there are some
     std::optional<std::size_t> missingResponseFile; ///< the first argument that names one, whatever else there is
+    std::string_view directory;         ///< from which a flag has relative paths count; empty: the invocation's own
+    bool makesObjects = false;          ///< it stops before linking
+    std::vector<std::size_t> openWords; ///< inputs that follow unknown flags: files, or the values of these
 };
 
 /// Finds the sources of an invocation, or why it compiles none. `arguments` has the compiler first and no response
-/// files left in it. Allocates nothing but the result.
-[[nodiscard]] InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments);
+/// files left in it. `openValues` are those of its words that are known to be values of the unknown flags before them.
+/// Allocates nothing but the result.
+[[nodiscard]] InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments,
+                                                  std::span<const std::size_t> openValues = {});
 
 /// Reads the invocation in full, for the source that argument `source` names.
 [[nodiscard]] ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments,

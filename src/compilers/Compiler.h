@@ -87,6 +87,9 @@ public:
     /// The model that reads what flags such as "-Xclang" hand on.
     [[nodiscard]] virtual const Compiler& ModelOfHandedOn() const;
 
+    /// What the program behind the driver knows beside the driver's flags; null when it is not known.
+    [[nodiscard]] virtual const FlagTable* FrontEndFlags() const { return nullptr; }
+
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
 
     /// The family's word in the core's settings, such as "gcc".

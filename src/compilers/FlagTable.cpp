@@ -23,6 +23,8 @@ bool FitsAsBeginning(const FlagRow& row, char next, std::string_view introducer)
     switch (row.value) {
     case FlagValue::None:
     case FlagValue::Next:
+    case FlagValue::NextTwo:
+    case FlagValue::NextThree:
         return false;
     case FlagValue::ShortGlued:
         return introducer != "--";
@@ -48,23 +50,27 @@ bool Fits(const FlagRow& row, std::string_view argument, std::string_view introd
     return size < argument.size() && FitsAsBeginning(row, argument[size], introducer) && argument.starts_with(row.name);
 }
 
-// Whether the value of the flag is the argument after it.
-bool TakesNext(FlagValue value, std::string_view rest) {
+// How many arguments after the flag are its value.
+unsigned Following(FlagValue value, std::string_view rest) {
     switch (value) {
     case FlagValue::GluedOrNext:
     case FlagValue::Long:
     case FlagValue::List:
-        return rest.empty();
+        return rest.empty() ? 1 : 0;
     case FlagValue::Next:
     case FlagValue::GluedAndNext:
-        return true;
+        return 1;
+    case FlagValue::NextTwo:
+        return 2;
+    case FlagValue::NextThree:
+        return 3;
     case FlagValue::None:
     case FlagValue::Glued:
     case FlagValue::ShortGlued:
     case FlagValue::CommaList:
-        return false;
+        return 0;
     }
-    return false;
+    return 0;
 }
 
 bool StatesLanguageOfAll(const FlagRow& row) {
@@ -102,11 +108,11 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
         const FlagRow& row = rows_[i];
         if (Fits(row, argument, introducer)) {
             std::string_view rest = argument.substr(row.name.size());
-            const bool takesNext = TakesNext(row.value, rest);
+            const unsigned following = Following(row.value, rest);
             if (row.value == FlagValue::Long && !rest.empty()) {
                 rest.remove_prefix(1);
             }
-            return {&row, rest, takesNext};
+            return {&row, rest, following};
         }
     }
     return {};

@@ -24,9 +24,11 @@ namespace Orvanta {
 
 /// How a flag comes by its value.
 enum class FlagValue : std::uint8_t {
-    None,         ///< it has none
-    GluedOrNext,  ///< the rest of the argument, or the next argument when nothing is glued
-    Next,         ///< the next argument
+    None,        ///< it has none
+    GluedOrNext, ///< the rest of the argument, or the next argument when nothing is glued
+    Next,        ///< the next argument
+    NextTwo,     ///< the next two arguments
+    NextThree,
     Glued,        ///< the rest of the argument, however long; never the next argument
     ShortGlued,   ///< likewise, but not after "--"
     Long,         ///< after "=", or the next argument
@@ -102,7 +104,7 @@ inline constexpr FlagRow UnknownFlag = {"", FlagKind::Keep};
 struct FlagMatch {
     const FlagRow* row = &UnknownFlag; ///< not null
     std::string_view gluedValue;       ///< the rest of the argument, without the "=" of a long flag
-    bool takesNext = false;            ///< the value is the next argument
+    unsigned following = 0;            ///< the number of arguments behind it that are its value
 
     [[nodiscard]] bool IsKnown() const noexcept { return row != &UnknownFlag; }
 };

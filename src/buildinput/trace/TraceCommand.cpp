@@ -1,5 +1,6 @@
 #include "buildinput/trace/TraceCommand.h"
 
+#include "buildinput/Launchers.h"
 #include "buildinput/ProgramName.h"
 #include "platform/Paths.h"
 
@@ -15,10 +16,6 @@ constexpr std::string_view Ccache = "ccache";
 // With it Clang's driver starts itself for a single step.
 constexpr std::string_view InnerPass = "-cc1";
 constexpr std::string_view Distcc = "distcc";
-
-// Programs that take a whole compiler command as their arguments. Their compilation may happen elsewhere, out of the
-// trace's sight, or not at all.
-constexpr std::string_view Launchers[] = {Ccache, Distcc, "icecc", "sccache"};
 
 struct LoaderOption {
     std::string_view name;
@@ -43,11 +40,6 @@ bool IsLoader(std::string_view path) {
     const std::string_view name = FileNameOf(path, PathRules::Posix);
     return name.starts_with("ld.so") || name.starts_with("ld64.so") ||
            (name.starts_with("ld-") && name.find(".so") != std::string_view::npos);
-}
-
-bool IsLauncher(std::string_view path) {
-    return std::any_of(std::begin(Launchers), std::end(Launchers),
-                       [path](std::string_view name) { return IsProgramNamed(path, name); });
 }
 
 /// The number of words that an option of the loader takes; 0 when the word is none.
@@ -94,6 +86,10 @@ bool IsCut(const TraceArray& arguments) {
 
 } // namespace
 
+bool TracedCommandFinder::IsLauncher(std::string_view path) const {
+    return MayHideCompilation(path, settings_.launcherNames);
+}
+
 bool TracedCommandFinder::IsCompiler(std::string_view path) const {
     return std::any_of(settings_.compilerNames.begin(), settings_.compilerNames.end(),
                        [path](std::string_view name) { return IsProgramNamed(path, name); });
@@ -131,8 +127,11 @@ std::optional<TracedCommand> TracedCommandFinder::Unwrap(std::vector<std::string
     std::size_t compiler = 0;
     std::optional<std::string> ccache;
     for (; compiler + 1 < words.size() && IsLauncher(words[compiler]); ++compiler) {
-        if (!ccache && IsProgramNamed(words[compiler], Ccache)) {
-            ccache = words[compiler];
+        if (IsProgramNamed(words[compiler], Ccache)) {
+            ccache = ccache ? ccache : words[compiler];
+            while (compiler + 2 < words.size() && IsAssignment(words[compiler + 1])) {
+                ++compiler;
+            }
         }
     }
     const bool isLaunched = compiler > 0;

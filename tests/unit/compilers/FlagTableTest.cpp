@@ -31,6 +31,7 @@ constexpr FlagRow Extension[] = {
     {"output", FlagKind::Output, FlagValue::Long},
     {"J", FlagKind::SystemInclude, FlagValue::List},
     {"list=", FlagKind::DropWithValue, FlagValue::GluedAndNext},
+    {"sectcreate", FlagKind::KeepWithValue, FlagValue::NextThree},
     {"O1", FlagKind::Keep, FlagEffect::Compiles, FlagFile::Read},
 };
 static_assert(RowsAreSound(Rows) && RowsAreSound(Extension));
@@ -48,39 +49,40 @@ struct FindCase {
     FlagKind kind;
     std::string_view row;
     std::string_view gluedValue;
-    bool takesNext;
+    unsigned following;
 };
 
 const FindCase FindCases[] = {
-    {"ValueGlued",                  "-Ifoo",          FlagKind::UserInclude,   "I",           "foo",  false},
-    {"ValueFollows",                "-I",             FlagKind::UserInclude,   "I",           "",     true },
-    {"LongestNameWins",             "-include-pch",   FlagKind::DropWithValue, "include-pch", "",     true },
-    {"ShorterNameFitsTheRest",      "-include-p.h",   FlagKind::ForcedInclude, "include",     "-p.h", false},
-    {"EqualSignTakesNoNext",        "--include=",     FlagKind::ForcedInclude, "include=",    "",     false},
-    {"ExtensionWins",               "-O1",            FlagKind::Keep,          "O1",          "",     false},
-    {"ShortGluedValue",             "-fcx",           FlagKind::Drop,          "fc",          "x",    false},
-    {"ShortGluedNotAfterTwoDashes", "--fcx",          FlagKind::Keep,          "",            "",     false},
-    {"LongValueBehindEqualSign",    "--output=x",     FlagKind::Output,        "output",      "x",    false},
-    {"LongValueFollows",            "--output",       FlagKind::Output,        "output",      "",     true },
-    {"LongNameIsNoBeginning",       "--output_dir=x", FlagKind::Keep,          "",            "",     false},
-    {"ListGlued",                   "-Ja,b",          FlagKind::SystemInclude, "J",           "a,b",  false},
-    {"ListFollows",                 "-J",             FlagKind::SystemInclude, "J",           "",     true },
-    {"GluedAndNext",                "--list=x",       FlagKind::DropWithValue, "list=",       "x",    true },
-    {"NoValueIsNoBeginning",        "-O2",            FlagKind::Keep,          "",            "",     false},
-    {"StandardIsNoBeginning",       "-std=c99x",      FlagKind::Keep,          "",            "",     false},
-    {"EqualSignFitsAsABeginning",   "--help=all",     FlagKind::NoCompilation, "help=",       "all",  false},
-    {"OneLetterNotAfterTwoDashes",  "--Ifoo",         FlagKind::Keep,          "",            "",     false},
-    {"ListBeginsWithAComma",        "-Wp,-DA",        FlagKind::Preprocessor,  "Wp",          ",-DA", false},
-    {"WarningIsNoList",             "-Wpedantic",     FlagKind::Keep,          "",            "",     false},
-    {"GluedValue",                  "-Foa.o",         FlagKind::Output,        "Fo",          "a.o",  false},
-    {"GluedValueTakesNoNext",       "-Fo",            FlagKind::Output,        "Fo",          "",     false},
-    {"GluedWordIsNoList",           "-clang:-c",      FlagKind::Preprocessor,  "clang:",      "-c",   false},
-    {"ExtensionCounts",             "-imsvcdir",      FlagKind::SystemInclude, "imsvc",       "dir",  false},
-    {"NextValueIsNeverGlued",       "-Xclangx",       FlagKind::Keep,          "",            "",     false},
-    {"NextValueFollows",            "-Xclang",        FlagKind::Preprocessor,  "Xclang",      "",     true },
-    {"CaseCounts",                  "-ifoo",          FlagKind::Keep,          "",            "",     false},
-    {"IntroducerAlone",             "--",             FlagKind::Keep,          "",            "",     false},
-    {"BytesAbove127",               "-\xc3\xa9",      FlagKind::Keep,          "",            "",     false},
+    {"ValueGlued",                  "-Ifoo",          FlagKind::UserInclude,   "I",           "foo",  0},
+    {"ValueFollows",                "-I",             FlagKind::UserInclude,   "I",           "",     1},
+    {"LongestNameWins",             "-include-pch",   FlagKind::DropWithValue, "include-pch", "",     1},
+    {"ShorterNameFitsTheRest",      "-include-p.h",   FlagKind::ForcedInclude, "include",     "-p.h", 0},
+    {"EqualSignTakesNoNext",        "--include=",     FlagKind::ForcedInclude, "include=",    "",     0},
+    {"ExtensionWins",               "-O1",            FlagKind::Keep,          "O1",          "",     0},
+    {"ShortGluedValue",             "-fcx",           FlagKind::Drop,          "fc",          "x",    0},
+    {"ShortGluedNotAfterTwoDashes", "--fcx",          FlagKind::Keep,          "",            "",     0},
+    {"LongValueBehindEqualSign",    "--output=x",     FlagKind::Output,        "output",      "x",    0},
+    {"LongValueFollows",            "--output",       FlagKind::Output,        "output",      "",     1},
+    {"LongNameIsNoBeginning",       "--output_dir=x", FlagKind::Keep,          "",            "",     0},
+    {"ListGlued",                   "-Ja,b",          FlagKind::SystemInclude, "J",           "a,b",  0},
+    {"ListFollows",                 "-J",             FlagKind::SystemInclude, "J",           "",     1},
+    {"GluedAndNext",                "--list=x",       FlagKind::DropWithValue, "list=",       "x",    1},
+    {"NoValueIsNoBeginning",        "-O2",            FlagKind::Keep,          "",            "",     0},
+    {"StandardIsNoBeginning",       "-std=c99x",      FlagKind::Keep,          "",            "",     0},
+    {"EqualSignFitsAsABeginning",   "--help=all",     FlagKind::NoCompilation, "help=",       "all",  0},
+    {"OneLetterNotAfterTwoDashes",  "--Ifoo",         FlagKind::Keep,          "",            "",     0},
+    {"ListBeginsWithAComma",        "-Wp,-DA",        FlagKind::Preprocessor,  "Wp",          ",-DA", 0},
+    {"WarningIsNoList",             "-Wpedantic",     FlagKind::Keep,          "",            "",     0},
+    {"GluedValue",                  "-Foa.o",         FlagKind::Output,        "Fo",          "a.o",  0},
+    {"GluedValueTakesNoNext",       "-Fo",            FlagKind::Output,        "Fo",          "",     0},
+    {"GluedWordIsNoList",           "-clang:-c",      FlagKind::Preprocessor,  "clang:",      "-c",   0},
+    {"ExtensionCounts",             "-imsvcdir",      FlagKind::SystemInclude, "imsvc",       "dir",  0},
+    {"NextValueIsNeverGlued",       "-Xclangx",       FlagKind::Keep,          "",            "",     0},
+    {"NextValueFollows",            "-Xclang",        FlagKind::Preprocessor,  "Xclang",      "",     1},
+    {"ThreeFollow",                 "-sectcreate",    FlagKind::KeepWithValue, "sectcreate",  "",     3},
+    {"CaseCounts",                  "-ifoo",          FlagKind::Keep,          "",            "",     0},
+    {"IntroducerAlone",             "--",             FlagKind::Keep,          "",            "",     0},
+    {"BytesAbove127",               "-\xc3\xa9",      FlagKind::Keep,          "",            "",     0},
 };
 
 class FlagTableFind : public testing::TestWithParam<FindCase> {};
@@ -95,7 +97,7 @@ TEST_P(FlagTableFind, FindsTheRowThatFits) {
     EXPECT_EQ(match.row->kind, row.kind);
     EXPECT_EQ(match.row->name, row.row);
     EXPECT_EQ(match.gluedValue, row.gluedValue);
-    EXPECT_EQ(match.takesNext, row.takesNext);
+    EXPECT_EQ(match.following, row.following);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, FlagTableFind, testing::ValuesIn(FindCases), CaseName<FindCase>);
