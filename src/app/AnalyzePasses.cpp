@@ -6,10 +6,14 @@
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
+#include "app/ShownFindings.h"
 #include "app/Version.h"
+#include "report/ReportPass.h"
+#include "report/SourceRootTransformer.h"
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 
 namespace Orvanta {
 
@@ -36,9 +40,9 @@ bool UsesHistory(const AnalyzeInput& input) {
     return input.options.incremental || input.listedFiles || RegenerationOf(input.options);
 }
 
-AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, Log& log,
-                             const StopFlag& stop)
-    : input_(input), places_(places), runner_(runner), log_(log), stop_(stop),
+AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
+                             ShownFindings& shown, Log& log, const StopFlag& stop)
+    : input_(input), places_(places), runner_(runner), shown_(shown), log_(log), stop_(stop),
       units_(PointersTo(input.commands.units)) {
     ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
 }
@@ -49,7 +53,7 @@ void AnalyzePasses::Run() {
             const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
             const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
             history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
-            if (input_.listedFiles) {
+            if (input_.listedFiles && !input_.options.allowEmpty) {
                 history_->RequireListedFile(*input_.listedFiles);
             }
         }
@@ -163,6 +167,7 @@ std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
             return actions;
         }
         ending_.lastLine = "Nothing to analyze - no files from source files list were found.";
+        ending_.selectsNothing = true;
         ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::NotListed);
         return std::nullopt;
     }
@@ -179,7 +184,18 @@ std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
     });
     ending_.outcome.isReportKept = true;
     ending_.reportPath = input_.reportPath;
+    ShowKeptReport();
     return std::nullopt;
+}
+
+// A report that stays as it was is shown like one just made.
+void AnalyzePasses::ShowKeptReport() {
+    OrvlogConverter::SourceRootTransformer chain(&shown_, SourceTreeRoot(input_.settings));
+    OrvlogConverter::PassReport(input_.reportPath,
+                                {[&chain](const OrvlogConverter::ReportMessage& message, std::string_view /*text*/) {
+                                    chain.Write(message);
+                                }},
+                                stop_);
 }
 
 // A pass whose results are for those that follow, or for later runs.
@@ -202,7 +218,7 @@ void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentR
 void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
     const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
     ending_.reportPath = input_.reportPath;
-    FindingChain chain(*report, input_.base, SourceTreeRoot(input_.settings));
+    FindingChain chain(*report, input_.base, shown_, SourceTreeRoot(input_.settings));
     chain.Front().Begin();
     report->Commit();
     ReportCommitter committer(units_.size(), *report, chain.Front(),

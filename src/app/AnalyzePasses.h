@@ -17,6 +17,7 @@
 namespace Orvanta {
 
 class AnalyzerRunner;
+class ShownFindings;
 struct RunPlaces;
 
 /// The passes of one run over its units.
@@ -28,8 +29,8 @@ struct RunPlaces;
 class AnalyzePasses {
 public:
     /// All outlive the object.
-    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, Log& log,
-                  const StopFlag& stop);
+    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, ShownFindings& shown,
+                  Log& log, const StopFlag& stop);
 
     /// Goes through the passes until the last has ended or the user stops the run, and keeps what came of it.
     /// \throws ZelmException for what ends a run early; then, too, the ending holds what became of the units before
@@ -58,10 +59,12 @@ private:
     void Report(const Pass& pass, const Actions& actions, PercentRange percents);
     void ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents);
     void Go(const RunPass& pass, RunOutcome& outcome);
+    void ShowKeptReport();
 
     const AnalyzeInput& input_;
     const RunPlaces& places_;
     AnalyzerRunner& runner_;
+    ShownFindings& shown_;
     Log& log_;
     const StopFlag& stop_;
     std::vector<const CompileCommand*> units_;

@@ -8,6 +8,8 @@
 #include "app/InputReading.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
+#include "platform/Console.h"
+#include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -27,6 +29,20 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     return {options, std::move(settings), threads, std::move(reportPath)};
 }
 
+// What a run keeps for later ones is no part of the sources that it may lie among. A folder that can't be written to
+// has been told of by whoever wanted to keep something there.
+void HideFromVersionControl(const std::string& folder) {
+    const std::string list = JoinPath(folder, ".gitignore");
+    if (!IsDirectory(folder) || PathExists(list)) {
+        return;
+    }
+    try {
+        OutputFile(list, OutputFile::Mode::Replace).Append("*\n");
+    } catch (const FileException&) {
+        RemoveFile(list);
+    }
+}
+
 std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
 }
@@ -36,6 +52,7 @@ std::string FolderOf(const std::string& reportPath) {
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
     : input_(InputOf(options)), outputFolder_(FolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
+      shown_(FindingsToShow(options), GateOf(options)),
       progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
 
 void AnalyzeRun::Run() {
@@ -75,29 +92,40 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_);
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    AnalyzePasses passes(input_, places, runner, log_, stop_);
+    AnalyzePasses passes(input_, places, runner, shown_, log_, stop_);
     std::exception_ptr failure;
     try {
         passes.Run();
     } catch (...) {
         failure = std::current_exception();
     }
+    HideFromVersionControl(OrvantaFolder(outputFolder_));
     End(passes.Ending());
     if (failure) {
         std::rethrow_exception(failure);
     }
-    const int code = CombinedResult(passes.Ending().outcome);
-    return code == 0 && HasFailedInvocation(input_.commands) ? 1 : code;
+    return ResultOf(passes.Ending());
 }
 
-RunLocks AnalyzeRun::TakeLocks() const {
+int AnalyzeRun::ResultOf(const RunEnding& ending) const {
+    if (ending.selectsNothing && input_.options.allowEmpty) {
+        return 0;
+    }
+    const int code = CombinedResult(ending.outcome);
+    if (code != 0 || HasFailedInvocation(input_.commands)) {
+        return code == 0 ? 1 : code;
+    }
+    return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
+}
+
+RunLocks AnalyzeRun::TakeLocks() {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
-        locks.TakeReport(input_.reportPath, stop_);
+        locks.TakeReport(input_.reportPath, stop_, log_);
     }
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
-        locks.TakeShared(OrvantaFolder(outputFolder_), stop_);
+        locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
     return locks;
 }
@@ -149,6 +177,19 @@ void AnalyzeRun::End(const RunEnding& ending) {
     }
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
+    }
+    if (!ending.reportPath.empty()) {
+        ShowFindings();
+    }
+}
+
+// Findings that went to standard output have been seen.
+void AnalyzeRun::ShowFindings() {
+    if (!input_.options.quiet || input_.options.show) {
+        log_.Text(shown_.Text(ShowsColours() ? ShownFindings::Colours::Yes : ShownFindings::Colours::No));
+    }
+    if (shown_.GateMatches() > 0) {
+        log_.Line("Findings that stop the build: " + std::to_string(shown_.GateMatches()));
     }
 }
 

@@ -4,6 +4,7 @@
 #include "analysis/RunPlaces.h"
 #include "app/AnalyzeInput.h"
 #include "app/RunLocks.h"
+#include "app/ShownFindings.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
@@ -43,10 +44,12 @@ private:
 
     void ReadInputs();
     [[nodiscard]] int Analyze();
-    [[nodiscard]] RunLocks TakeLocks() const;
+    [[nodiscard]] RunLocks TakeLocks();
     [[nodiscard]] RunPlaces MakePlaces(const std::string& temporaryFolder);
     [[nodiscard]] std::string CorePath();
+    [[nodiscard]] int ResultOf(const RunEnding& ending) const;
     void End(const RunEnding& ending);
+    void ShowFindings();
 
     const Clock::time_point start_ = Clock::now();
     const StopFlag& stop_ = ProcessStopFlag();
@@ -54,6 +57,7 @@ private:
     AnalyzeInput input_;
     std::string outputFolder_; // of the report, or the current one
     Log log_;
+    ShownFindings shown_;
     StdOutProgress progress_;
 };
 

@@ -1,10 +1,12 @@
 #include "app/RunSetup.h"
 
+#include "app/ProjectSettings.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
+#include "report/ReportReader.h"
 #include "settings/AnalysisMode.h"
 #include "settings/SettingsFile.h"
 
@@ -91,10 +93,12 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
 
 RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     RunSettings settings;
-    if (options.settingsFile) {
-        const std::string path = AbsolutePath(*options.settingsFile);
-        SettingsMap fromFile = ReadSettingsFile(path);
-        MakeOwnPathsAbsolute(fromFile, path);
+    if (const std::optional<std::string> path = SettingsFileOf(options)) {
+        SettingsMap fromFile = ReadSettingsFile(*path);
+        if (*options.settingsFile == FindSettingsFile) {
+            DropUntrusted(fromFile, *path);
+        }
+        MakeOwnPathsAbsolute(fromFile, *path);
         ApplySettings(settings, fromFile);
     }
     ApplyOptions(settings, options);
@@ -135,7 +139,7 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
     if (reportPath.empty()) {
         return std::make_unique<ConsoleOutput>(format);
     }
-    if (ExtensionOf(reportPath) == ".json") {
+    if (IsJsonDocumentName(reportPath)) {
         const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
         return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
     }

@@ -22,6 +22,14 @@ void Print(std::string_view text) {
     WriteToStandardOutput(text);
 }
 
+template <class Error>
+void PrintError(const Error& error) {
+    PrintLine(std::string("Error: ") + error.what());
+    if (!error.Hint().empty()) {
+        PrintLine(error.Hint());
+    }
+}
+
 void PrintHelp(const args::ArgumentParser& parser) {
     std::ostringstream text;
     text << parser;
@@ -70,16 +78,17 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const args::Help&) {
         PrintHelp(parser);
         return 0;
-    } catch (const VersionRequest& version) {
-        PrintLine(version.what());
+    } catch (const PrintRequest& request) {
+        Print(request.what());
         return 0;
     } catch (const args::Error& error) {
         PrintLine(error.what());
         PrintHelp(parser);
+        PrintLine(error.what()); // the first one may be far up by now
     } catch (const OrvlogConverter::StoppedException&) {
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
-        PrintLine(std::string("Error: ") + error.what());
+        PrintError(error);
     } catch (const NoCompilationCommandsToRun& error) {
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
@@ -87,7 +96,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const ZelmRcException& error) {
         return error.ReturnCode();
     } catch (const ZelmException& error) {
-        PrintLine(std::string("Error: ") + error.what());
+        PrintError(error);
     } catch (const std::exception& error) {
         PrintLine(std::string("Unexpected exception was thrown: ") + error.what());
     }

@@ -99,6 +99,7 @@ std::span<const std::size_t> InfoMatcher::UnitsOf(const DependencyInfoEntry& ent
         }
         return found_;
     }
+    // Entries without an id are rare: this index is not made for the others.
     for (std::size_t unit = unitsByArguments_.size(); unit < record_.RunSize(); ++unit) {
         unitsByArguments_.emplace(record_[unit].arguments.low, unit);
     }
@@ -189,6 +190,9 @@ void NamedDependencies::PutIntoRecord() {
     record_.isDirty = true; // the binary file is to belong to this JSON file
 }
 
+// What the core has listed and the file names goes first, what a hand has added follows. A file that the core has
+// listed and the hand has taken away stays among the rest: the unit was made of it, and it counts until the next
+// listing.
 SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVersions& seen) {
     SeenList list;
     std::vector<VersionNumber> added;

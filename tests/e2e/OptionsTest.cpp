@@ -235,6 +235,23 @@ TEST_F(OptionsTest, OneFileIsAnalyzedWithoutABuildInput) {
     EXPECT_EQ(sandbox.CompilerCalls("cc", "-DX=1 2"), 1U);
 }
 
+TEST_F(OptionsTest, TheSettingsFileOfAProjectIsFoundAndNotTrusted) {
+    sandbox.AddUnit("a.c");
+    sandbox.Write(".git/HEAD", "");
+    const RunResult without = sandbox.Analyze({"--cfg", "auto"});
+    EXPECT_EQ(without.exitCode, 0) << without;
+    EXPECT_TRUE(without.Says("No settings file: there is no .orvanta.cfg here or above")) << without;
+    sandbox.Write(".orvanta.cfg", "analysis-mode=OP\nlauncher=evil\ncore-key=x\noutput-file=/evil\n");
+    sandbox.ForgetCoreCalls();
+    const RunResult result = sandbox.Analyze({"--cfg", "auto", "-i", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Using settings file: " + sandbox.Path(".orvanta.cfg") + "\n")) << result;
+    EXPECT_TRUE(result.Says("which came with the sources: core-key, launcher, output-file (")) << result;
+    EXPECT_EQ(sandbox.CoreCalls().back().Setting("analysis-mode"), "8");
+    EXPECT_EQ(sandbox.CoreCalls().back().Setting("core-key"), "(absent)");
+    EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
+}
+
 } // namespace
 
 } // namespace Orvanta

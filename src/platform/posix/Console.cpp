@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/ColourChoice.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/posix/Descriptor.h"
@@ -10,9 +11,11 @@
 #include <charconv>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <limits>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -129,6 +132,14 @@ void WriteResultToStandardOutput(std::string_view bytes) {
 void WriteToStandardError(std::string_view bytes) noexcept {
     const std::lock_guard lock(outputInUse);
     static_cast<void>(WriteAll(STDERR_FILENO, bytes));
+}
+
+bool ShowsColours() {
+    if (const std::optional<bool> asked = ColoursAskedFor()) {
+        return *asked;
+    }
+    const char* const terminal = std::getenv("TERM");
+    return ::isatty(STDOUT_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {

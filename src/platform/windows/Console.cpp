@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/ColourChoice.h"
 #include "platform/windows/ConsoleHandler.h"
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/WideText.h"
@@ -8,6 +9,7 @@
 #include <atomic>
 #include <bitset>
 #include <mutex>
+#include <optional>
 
 #include <windows.h>
 
@@ -104,6 +106,16 @@ void WriteResultToStandardOutput(std::string_view bytes) {
 
 void WriteToStandardError(std::string_view bytes) noexcept {
     WriteToStream(STD_ERROR_HANDLE, bytes);
+}
+
+bool ShowsColours() {
+    if (const std::optional<bool> asked = ColoursAskedFor()) {
+        return *asked;
+    }
+    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return ::GetConsoleMode(output, &mode) != FALSE &&
+           ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {
