@@ -221,11 +221,17 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::CollectLaunched
     if (arguments.empty()) {
         return Refusal{InvocationFate::Unreadable, "the command string can't be split"};
     }
+    if (arguments[0] == plainCompiler_) {
+        return Collect(arguments, workingDirectory, environment, scope);
+    }
     const LauncherEffects effects = RemoveLaunchers(arguments, settings_.launcherNames);
     if (!effects.otherPurpose.empty()) {
         return Refusal{InvocationFate::NotACompilation, std::string(effects.otherPurpose)};
     }
     if (!effects.any) {
+        if (IsCompiler(arguments[0]) && FileNameOf(arguments[0]) != Ccache) {
+            plainCompiler_ = arguments[0];
+        }
         return Collect(arguments, workingDirectory, environment, scope);
     }
     if (arguments.empty()) {
@@ -266,7 +272,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     if (std::optional<Refusal> refusal = Refuse(arguments, workingDirectory, environment)) {
         return refusal;
     }
-    if (LooksLikeLauncher(arguments)) {
+    if (arguments[0] != plainCompiler_ && LooksLikeLauncher(arguments)) {
         return Refusal{InvocationFate::UnknownCompiler,
                        "the program " + Quoted(arguments[0]) +
                            " looks like a launcher: the key \"launcher\" of a settings file makes it one"};
@@ -284,7 +290,9 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         }
         AddArgumentsOfVariables(arguments, layers);
     }
-    ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
+    if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return word.starts_with('@'); })) {
+        ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
+    }
     const Compiler& model = ModelOf(identified.compiler->type);
     ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {

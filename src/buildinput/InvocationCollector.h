@@ -120,6 +120,7 @@ private:
     std::map<CompilerType, std::shared_ptr<const Compiler>> models_;
     std::map<std::string, std::shared_ptr<const CompilerInfo>> inClMode_; // by path
     std::set<std::string> toldResponseFiles_;
+    std::string plainCompiler_; // the last first word of a command that is a compiler and no launcher: mostly the same
     std::unordered_map<std::string, Directories> directories_; // by the directory as written
     std::set<std::shared_ptr<const Environment>, ContentLess> environments_;
     const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again

@@ -47,7 +47,9 @@ bool Fits(const FlagRow& row, std::string_view argument, std::string_view introd
     if (size == argument.size()) {
         return row.name == argument;
     }
-    return size < argument.size() && FitsAsBeginning(row, argument[size], introducer) && argument.starts_with(row.name);
+    // Few rows share the last letter of their names with what stands there.
+    return size < argument.size() && row.name[size - 1] == argument[size - 1] &&
+           FitsAsBeginning(row, argument[size], introducer) && argument.starts_with(row.name);
 }
 
 // How many arguments after the flag are its value.

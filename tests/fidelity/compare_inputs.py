@@ -2,15 +2,17 @@
 """compare_inputs PROGRAM CORE PROJECT...: a traced build and its compilation database give the same units.
 
 Builds real projects under strace, has the driver read the trace and the database, and compares what it would analyze:
-the same sources, in the same folders, with the same arguments. The database is the build tool's own, or bear's.
+the same sources, in the same folders, with the same arguments. The text of each unit must be its compiler's own. The
+database is the build tool's own, or bear's.
 PROJECT is one of:
     googletest-make, googletest-ninja    the sources that the Debian package googletest ships
     NAME                                 the Debian source package of that name, built by make; needs bear and a network
-CORE is any program: nothing is analyzed.
+CORE is any program that keeps the core's protocol.
 """
 import glob
 import json
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -113,6 +115,45 @@ def units(program, core, path, folder):
     return sorted((entry["directory"], entry["file"], plain(entry["arguments"])) for entry in entries), done.stdout
 
 
+def own_text(entry, target):
+    """The compiler's own preprocessed text of a unit; what the driver leaves out on purpose is left out here, too."""
+    words, kept = iter(entry["arguments"]), []
+    for word in words:
+        if word == "-o":
+            next(words)
+        elif word in DEPENDENCY_FLAGS:
+            for _ in range(DEPENDENCY_FLAGS[word]):
+                next(words)
+        elif word != "-c" and not re.fullmatch(r"-O[123s]?|-Ofast|-Og|-g3", word):
+            kept.append(word)
+    run([*kept, "-DORVANTA", "-w", "-E", "-o", target], entry["directory"])
+    with open(target, "rb") as file:
+        return file.read()
+
+
+def other_texts(program, core, database, folder):
+    """Names the units whose text is not the compiler's own."""
+    output = os.path.join(folder, "texts")
+    os.mkdir(output)
+    dump = os.path.join(output, "units.json")
+    subprocess.run([program, "analyze", "-f", database, "--dump-json", dump, "--dump-files", JOBS,
+                    "--analyze-specified-system-paths", "-o",
+                    os.path.join(output, "report.json"), "--orvanta-path", core], cwd=folder,
+                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+    with open(dump, encoding="utf-8") as file:
+        entries = json.load(file)
+    faults = []
+    for number, entry in enumerate(entries, start=1):
+        path = os.path.join(output, ".Orvanta", f"{number}_{os.path.basename(entry['file'])}.Orvanta.i")
+        if not os.path.exists(path):
+            faults.append(f"no text of {entry['file']}")
+            continue
+        with open(path, "rb") as file:
+            if file.read() != own_text(entry, os.path.join(output, "own.i")):
+                faults.append(f"another text of {entry['file']}")
+    return faults
+
+
 def compare(name, program, core):
     parent = os.path.realpath(tempfile.mkdtemp(prefix="orvanta-fidelity-"))
     folder = os.path.join(parent, "a build")
@@ -129,6 +170,7 @@ def compare(name, program, core):
         faults.append("some units stand in one of both several times")
     if not expected:
         faults.append("the build compiled nothing")
+    faults += other_texts(program, core, database, folder)
     if faults:
         print("\n".join(faults))
         print(f"the project is kept: {parent}")
