@@ -1,11 +1,13 @@
 #include "app/RunSetup.h"
 
+#include "app/OutputCheck.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
 #include "report/ReportReader.h"
+#include "report/WholeFile.h"
 #include "settings/AnalysisMode.h"
 #include "settings/SettingsFile.h"
 
@@ -119,9 +121,14 @@ std::string ReportPath(const AnalyzeOptions& options, const RunSettings& setting
         if (options.outputFile->empty()) {
             throw OrvlogConverter::FilesystemException("Empty filepath");
         }
+        if (*options.outputFile == OrvlogConverter::StandardStreamPath) {
+            return "";
+        }
         return AbsolutePath(*options.outputFile);
     }
-    return LastValue(settings.userSettings, "output-file").value_or("");
+    std::string path = LastValue(settings.userSettings, "output-file").value_or("");
+    RequireNoInput(path, NamedInputs(options));
+    return path;
 }
 
 std::string SourceTreeRoot(const RunSettings& settings) {

@@ -176,6 +176,7 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     const args::CompletionFlag completion(parser, {"complete"});
     Options options(parser);
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
+        Orvanta::MakeRoomFor(options.output.Get());
         LogParserWorker(MakeSettings(options), Orvanta::ProcessStopFlag()).Run();
     });
 }
