@@ -1,5 +1,6 @@
 #include "app/AnalyzeOptions.h"
 
+#include "app/OutputCheck.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -10,7 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -166,6 +169,19 @@ void RequireExisting(const std::optional<std::string>& path, const char* message
     }
 }
 
+// As an unset variable of a script gives it: it would match everything, or nothing.
+void RefuseEmpty(std::span<const std::string> values, const char* option) {
+    if (std::any_of(values.begin(), values.end(), [](const std::string& value) { return value.empty(); })) {
+        throw ZelmException(std::string("Wrong value of ") + option + ": it is empty");
+    }
+}
+
+void RefuseEmpty(const std::optional<std::string>& value, const char* option) {
+    if (value) {
+        RefuseEmpty(std::span(&*value, 1), option);
+    }
+}
+
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
         throw ZelmException(std::string("Flags ") + names + " cannot be used together");
@@ -215,7 +231,54 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
+std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
+    constexpr const char* DefaultInput = "compile_commands.json";
+    return {options.inputFile.value_or(DefaultInput),
+            options.settingsFile,
+            options.sourceList,
+            options.suppressFile,
+            options.sourceFile,
+            options.dependencyFile,
+            options.rulesConfig};
+}
+
+std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
+    struct WordRow {
+        const char* option;
+        const std::optional<std::string>& value;
+        std::initializer_list<std::string_view> known;
+        const char* expected;
+    };
+
+    const WordRow rows[] = {
+        {"--preprocessor", options.preprocessor, {"gcc", "clang"}, "gcc or clang"},
+        {"--platform",
+         options.platform,
+         {"linux64", "linux32", "x64", "Win32", "arm", "pic8"},
+         "linux64, linux32, x64, Win32, arm or pic8"                             },
+    };
+    std::vector<std::string> warnings;
+    for (const WordRow& row : rows) {
+        if (row.value && std::find(row.known.begin(), row.known.end(), *row.value) == row.known.end()) {
+            warnings.push_back(std::string("Warning: unknown value of ") + row.option + ": \"" + *row.value +
+                               "\", expected " + row.expected);
+        }
+    }
+    if (options.rulesConfig && !LookAt(*options.rulesConfig).IsThere()) {
+        warnings.push_back("Warning: the file of --rules-config doesn't exist: " + *options.rulesConfig);
+    }
+    return warnings;
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
+    RefuseEmpty(options.excludePaths, "--exclude-path");
+    RefuseEmpty(options.analyzeOnly, "--analyze-only");
+    RefuseEmpty(options.compilers, "--compiler");
+    RefuseEmpty(options.includeDirectories, "--include-dir");
+    RefuseEmpty(options.sourceTreeRoot, "--sourcetree-root");
+    RefuseEmpty(options.rulesConfig, "--rules-config");
+    RefuseEmpty(options.preprocessor, "--preprocessor");
+    RefuseEmpty(options.platform, "--platform");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
@@ -230,6 +293,9 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(GateOf(options));
+    for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
+        RequireNoInput(output.value_or(""), NamedInputs(options));
+    }
 }
 
 } // namespace Orvanta

@@ -63,6 +63,9 @@ struct AnalyzeOptions {
     std::optional<std::string> traceDirectory;
 };
 
+/// The files that the options name to be read. Absent ones are not named; the build input has a name of its own then.
+[[nodiscard]] std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options);
+
 /// Declares the options of `analyze` on its parser and parses the rest of the command line.
 /// \throws args::Error and the parser library's other exceptions
 [[nodiscard]] AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser);
@@ -79,6 +82,10 @@ struct AnalyzeOptions {
 /// mean nothing.
 /// \throws ZelmException for the first fault found
 void ValidateAnalyzeOptions(const AnalyzeOptions& options);
+
+/// Warnings about values that are taken but mean nothing to us, each a line that names the option: before any work, and
+/// after the options were found valid.
+[[nodiscard]] std::vector<std::string> WarningsAbout(const AnalyzeOptions& options);
 
 /// What the word of `--regenerate-depend-info` asks for; absent without the option.
 /// \throws ZelmException for a word that means nothing

@@ -1,11 +1,14 @@
 #include "app/FilterSuppressedCommand.h"
 
+#include "app/OutputCheck.h"
 #include "app/SuppressCommand.h"
+#include "app/TopLevel.h"
 #include "platform/StopFlag.h"
 #include "suppress/FilterWorker.h"
 
 #include <args.hxx>
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -19,6 +22,8 @@ void FilterSuppressedCommand(args::Subparser& parser) {
     base.HelpDefault(DefaultBasePath);
     parser.Parse();
     const std::optional<std::string> outputPath = output.Matched() ? std::optional(output.Get()) : std::nullopt;
+    RequireNoInput(outputPath.value_or(report.Get()), std::array{std::optional(base.Get())});
+    MakeRoomFor(outputPath.value_or(report.Get()));
     FilterWorker(base.Get(), report.Get(), outputPath, ProcessStopFlag()).Run();
 }
 

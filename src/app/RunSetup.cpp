@@ -1,5 +1,6 @@
 #include "app/RunSetup.h"
 
+#include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -7,6 +8,7 @@
 #include "platform/Text.h"
 #include "report/Exceptions.h"
 #include "report/ReportReader.h"
+#include "report/WholeFile.h"
 #include "settings/AnalysisMode.h"
 #include "settings/SettingsFile.h"
 
@@ -122,9 +124,14 @@ std::string ReportPath(const AnalyzeOptions& options, const RunSettings& setting
         if (options.outputFile->empty()) {
             throw OrvlogConverter::FilesystemException("Empty filepath");
         }
+        if (*options.outputFile == OrvlogConverter::StandardStreamPath) {
+            return "";
+        }
         return AbsolutePath(*options.outputFile);
     }
-    return LastValue(settings.userSettings, "output-file").value_or("");
+    std::string path = LastValue(settings.userSettings, "output-file").value_or("");
+    RequireNoInput(path, NamedInputs(options));
+    return path;
 }
 
 std::string SourceTreeRoot(const RunSettings& settings) {

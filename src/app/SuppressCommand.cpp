@@ -1,5 +1,7 @@
 #include "app/SuppressCommand.h"
 
+#include "app/OutputCheck.h"
+#include "app/TopLevel.h"
 #include "platform/Files.h"
 #include "platform/StopFlag.h"
 #include "report/Exceptions.h"
@@ -7,6 +9,8 @@
 
 #include <args.hxx>
 
+#include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,11 +53,13 @@ SuppressOptions ParseOptions(args::Subparser& parser) {
 
 void SuppressCommand(args::Subparser& parser) {
     const SuppressOptions options = ParseOptions(parser);
+    MakeRoomFor(options.basePath);
     OrvlogConverter::SuppressFilterSettings filter;
     filter.files = OrvlogConverter::ParseSuppressedFiles(options.files);
     if (IsDirectory(options.basePath)) {
         throw OrvlogConverter::FilesystemException(options.basePath + " is a directory");
     }
+    RequireNoInput(options.basePath, std::array{std::optional(options.reportPath)});
     filter.analyzers = OrvlogConverter::ParseAnalyzerSpecification(options.analyzers);
     for (const std::string& code : options.codes) {
         filter.codeNumbers.insert(OrvlogConverter::ParseCodeNumber(code));

@@ -7,6 +7,7 @@
 #include "platform/Exceptions.h"
 #include "platform/ProgramArguments.h"
 #include "report/Exceptions.h"
+#include "report/WholeFile.h"
 
 #include <args.hxx>
 
@@ -63,6 +64,12 @@ void SetHelpWords(args::ArgumentParser& parser) {
     parser.helpParams.addChoices = true;
 }
 
+void MakeRoomFor(const std::string& outputPath) noexcept {
+    if (outputPath == OrvlogConverter::StandardStreamPath) {
+        PlaceMessages(MessagePlace::StandardError);
+    }
+}
+
 // A more derived type stands before its base.
 int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* const* arguments,
                 const std::function<void()>& work) {
@@ -94,7 +101,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const NoCompilerInvocationsFound& error) {
         PrintNoInvocations(error);
     } catch (const ZelmRcException& error) {
-        return error.ReturnCode();
+        return IsStandardOutputLost() ? 1 : error.ReturnCode();
     } catch (const ZelmException& error) {
         PrintError(error);
     } catch (const std::exception& error) {

@@ -32,4 +32,8 @@ void SetHelpWords(args::ArgumentParser& parser);
 int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* const* arguments,
                 const std::function<void()>& work = {});
 
+/// For a command that writes to `outputPath`: "-" is standard output, which then belongs to what is written there, and
+/// messages go to standard error.
+void MakeRoomFor(const std::string& outputPath) noexcept;
+
 } // namespace Orvanta

@@ -9,13 +9,26 @@
 
 namespace Orvanta {
 
-/// Makes Ctrl+C (and a polite request to end) set the stop flag instead of ending the process; the first one also says
-/// so on standard output. Also makes a reader of our output that goes away no reason to die, and closed standard
-/// streams empty ones. Once per process, at start.
+/// Where what the program tells its user goes.
+enum class MessagePlace {
+    StandardOutput,
+    AmongFindings, ///< standard output too: a line that begins with "{" gets a blank in front, as those are findings
+    StandardError, ///< standard output belongs to findings alone
+};
+
+/// Says where messages go from now on; to standard output until then. Before other threads are started.
+void PlaceMessages(MessagePlace place) noexcept;
+
+/// Where messages go.
+[[nodiscard]] MessagePlace PlaceOfMessages() noexcept;
+
+/// Makes Ctrl+C (and other requests to end: of a closing terminal too, unless they are to be ignored) set the stop flag
+/// instead of ending the process; the first one also says so where messages go. Also makes a reader of our output that
+/// goes away no reason to die, and closed standard streams empty ones. Once per process, at start.
 void InstallInterruptHandler(StopFlag& stop);
 
-/// Writes the bytes to standard output in one piece, past no buffer of ours: whole lines of several writers don't mix.
-/// An output that can't take them is no error.
+/// Tells the user something, on standard output unless messages go elsewhere: in one piece, past no buffer of ours, so
+/// that whole lines of several writers don't mix. An output that can't take it is no error.
 void WriteToStandardOutput(std::string_view bytes) noexcept;
 
 /// The same for one line, whose end is added.
@@ -23,9 +36,13 @@ inline void PrintLine(std::string_view line) {
     WriteToStandardOutput(std::string(line) += '\n');
 }
 
-/// The same for bytes that somebody waits for, such as a report: an output that can't take them is an error.
+/// Writes bytes that somebody waits for, such as a report, to standard output, in one piece too. An output that can't
+/// take them is an error, and lost from then on.
 /// \throws FileException
 void WriteResultToStandardOutput(std::string_view bytes);
+
+/// Whether standard output has refused a result: then the run has failed, whatever else becomes of it.
+[[nodiscard]] bool IsStandardOutputLost() noexcept;
 
 /// What WriteToStandardOutput does, on standard error.
 void WriteToStandardError(std::string_view bytes) noexcept;

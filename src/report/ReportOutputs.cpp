@@ -1,7 +1,11 @@
 #include "report/ReportOutputs.h"
 
 #include "platform/Console.h"
+#include "platform/StopFlag.h"
 #include "report/JsonMessage.h"
+#include "report/WriteFailure.h"
+
+#include <utility>
 
 namespace OrvlogConverter {
 
@@ -58,9 +62,23 @@ bool ConsoleOutput::Write(const ReportMessage& message) {
     return true;
 }
 
+ConsoleOutput::ConsoleOutput(LineFormat format) : format_(format) {
+    if (Orvanta::PlaceOfMessages() == Orvanta::MessagePlace::StandardOutput) {
+        Orvanta::PlaceMessages(Orvanta::MessagePlace::AmongFindings);
+    }
+}
+
+// Whoever waits for findings has gone, or has no room: to find more of them is of no use.
 void ConsoleOutput::Commit() {
-    Orvanta::WriteToStandardOutput(text_);
-    text_.clear();
+    const std::string text = std::exchange(text_, {});
+    try {
+        NamingFile("standard output", [&text] { Orvanta::WriteResultToStandardOutput(text); });
+    } catch (const FilesystemException& error) {
+        if (!Orvanta::ProcessStopFlag().Set()) {
+            Orvanta::WriteToStandardError(std::string("Error: ") + error.what() + '\n');
+        }
+        throw;
+    }
 }
 
 void ConsoleOutput::End() {

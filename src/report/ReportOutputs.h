@@ -54,10 +54,11 @@ public:
     explicit RawOutput(const std::string& path) : LineOutput(path, LineFormat::Raw) {}
 };
 
-/// Lines on standard output, a whole commit at a time.
+/// Lines on standard output, a whole commit at a time, among the messages unless those go to standard error. An output
+/// that can't take them stops the run.
 class ConsoleOutput : public ReportOutput {
 public:
-    explicit ConsoleOutput(LineFormat format) : format_(format) {}
+    explicit ConsoleOutput(LineFormat format);
 
     bool Write(const ReportMessage& message) override;
     void Commit() override;

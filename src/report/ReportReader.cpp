@@ -1,8 +1,11 @@
 #include "report/ReportReader.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/InputFile.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
+#include "platform/StopFlag.h"
 #include "platform/Text.h"
 #include "report/CompilerLine.h"
 #include "report/Exceptions.h"
@@ -148,19 +151,28 @@ void ReportReader::Open() {
     if (Orvanta::LookAt(path_).kind == Orvanta::PathKind::Folder) {
         throw FilesystemException(path_ + " is a directory");
     }
-    auto file = std::make_unique<std::ifstream>(Orvanta::NativePath(path_), std::ios::binary);
-    if (!file->is_open()) {
+    try {
+        input_ = std::make_unique<Orvanta::InputStream>(path_);
+    } catch (const Orvanta::FileException&) {
         throw FilesystemException("Couldn't open file " + path_);
     }
-    input_ = std::move(file);
 }
 
 void ReportReader::Read(const ReportReceiver& receiver) {
     RefuseUtf16(path_, *input_);
-    if (isDocument_) {
-        ReadDocument(receiver);
-    } else {
-        ReadLines(receiver);
+    try {
+        if (isDocument_) {
+            ReadDocument(receiver);
+        } else {
+            ReadLines(receiver);
+        }
+    } catch (const ParseException&) {
+        if (!Orvanta::ProcessStopFlag().IsSet()) { // else it is a part of a report that was read
+            throw;
+        }
+    }
+    if (Orvanta::ProcessStopFlag().IsSet()) {
+        throw StoppedException(); // a part of a report looks like a whole one
     }
     if (input_->bad()) {
         throw FilesystemException("Couldn't read file " + path_);

@@ -92,7 +92,7 @@ std::string TextOf(const SettingsMap& settings) {
 OutputFile CreateConfigFile(const std::string& path) {
     try {
         return OutputFile(path, OutputFile::Mode::Replace);
-    } catch (const ZelmException&) {
+    } catch (const FileException&) {
         throw ZelmException("Can't create config file " + path);
     }
 }
@@ -100,7 +100,7 @@ OutputFile CreateConfigFile(const std::string& path) {
 std::string ReadConfigFile(const std::string& path) {
     try {
         return ReadWholeFile(path);
-    } catch (const ZelmException&) {
+    } catch (const FileException&) {
         throw ZelmException("Can't open config file " + path);
     }
 }

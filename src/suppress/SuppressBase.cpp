@@ -1,7 +1,8 @@
 #include "suppress/SuppressBase.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
-#include "platform/NativePath.h"
+#include "platform/InputFile.h"
 #include "platform/Table.h"
 #include "report/Exceptions.h"
 #include "report/JsonCopy.h"
@@ -12,7 +13,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
 #include <istream>
 #include <iterator>
@@ -285,12 +285,21 @@ SuppressBase SuppressBase::Read(const std::string& path) {
     if (Orvanta::LookAt(path).kind == Orvanta::PathKind::Folder) {
         throw FilesystemException(path + " is a directory");
     }
-    std::ifstream file(Orvanta::NativePath(path), std::ios::binary);
-    if (!file.is_open()) {
+    std::optional<Orvanta::InputStream> opened;
+    try {
+        opened.emplace(path);
+    } catch (const Orvanta::FileException&) {
         throw FilesystemException("Couldn't open file " + path);
     }
+    Orvanta::InputStream& file = *opened;
     RefuseUtf16(path, file);
-    SuppressBase base = Parse(file, path);
+    SuppressBase base;
+    try {
+        base = Parse(file, path);
+    } catch (const ParseException&) {
+        Orvanta::EndWhenStopped(); // what was read is a part
+        throw;
+    }
     if (file.bad()) {
         throw FilesystemException("Couldn't read file " + path);
     }

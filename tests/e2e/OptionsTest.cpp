@@ -137,6 +137,22 @@ TEST_F(OptionsTest, RunThatExcludesEverythingIsNoSuccess) {
     EXPECT_TRUE(sandbox.CoreCalls().empty());
 }
 
+TEST_F(OptionsTest, EmptyValuesAreRefusedAndUnknownOnesToldByName) {
+    sandbox.AddUnit("a.c");
+    for (const char* const option :
+         {"--exclude-path", "--analyze-only", "--sourcetree-root", "--rules-config", "--platform", "--preprocessor"}) {
+        const RunResult result = sandbox.Analyze({option, ""});
+        EXPECT_EQ(result.exitCode, 1) << result;
+        EXPECT_TRUE(result.Says(std::string("Error: Wrong value of ") + option + ": it is empty\n")) << result;
+    }
+    EXPECT_TRUE(sandbox.CoreCalls().empty());
+    const RunResult result = sandbox.Analyze({"-p", "other", "--platform", "vax", "-R", "none.orvconfig"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Warning: unknown value of --preprocessor: \"other\", expected gcc or clang\n")) << result;
+    EXPECT_TRUE(result.Says("Warning: unknown value of --platform: \"vax\", expected linux64, ")) << result;
+    EXPECT_TRUE(result.Says("Warning: the file of --rules-config doesn't exist: none.orvconfig\n")) << result;
+}
+
 TEST_F(OptionsTest, AnalyzeOnlyLeavesTheOthersOut) {
     sandbox.AddUnit("src/a.c");
     sandbox.AddUnit("lib/b.c");

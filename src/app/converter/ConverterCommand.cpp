@@ -228,6 +228,7 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     const args::CompletionFlag completion(parser, {"complete"});
     Options options(parser);
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
+        Orvanta::MakeRoomFor(options.output.Get());
         LogParserWorker worker(MakeSettings(options), Orvanta::ProcessStopFlag());
         worker.Run();
         if (worker.GateMatches() > 0) {

@@ -1,6 +1,7 @@
 #include "platform/Console.h"
 
 #include "platform/ColourChoice.h"
+#include "platform/ConsoleStream.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/posix/Descriptor.h"
@@ -28,8 +29,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
-
 std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
 static_assert(std::atomic<StopFlag*>::is_always_lock_free, "the interrupt handler may not take a lock");
 
@@ -37,7 +36,8 @@ extern "C" void SetStopFlag(int /*signal*/) {
     const int error = errno;
     StopFlag& stop = *flagToSet.load();
     if (!stop.Set()) {
-        static_cast<void>(::write(STDOUT_FILENO, StopMessage.data(), StopMessage.size()));
+        const int stream = PlaceOfMessages() == MessagePlace::StandardError ? STDERR_FILENO : STDOUT_FILENO;
+        static_cast<void>(::write(stream, StopMessage.data(), StopMessage.size()));
     }
     errno = error;
 }
@@ -109,29 +109,26 @@ void InstallInterruptHandler(StopFlag& stop) {
     struct sigaction action {};
 
     ::sigfillset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
+    // Not SA_RESTART: a call that waits, for a writer or a reader of a pipe, is to come back and look at the flag.
     action.sa_handler = &SetStopFlag;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
+        struct sigaction before {};
+
+        // Who started us may want us to outlive the terminal.
+        const bool isIgnored =
+            signal == SIGHUP && ::sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN;
+        if (!isIgnored) {
+            ::sigaction(signal, &action, nullptr);
+        }
+    }
     action.sa_handler = SIG_IGN;
     ::sigaction(SIGPIPE, &action, nullptr);
 }
 
-void WriteToStandardOutput(std::string_view bytes) noexcept {
+std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept {
     const std::lock_guard lock(outputInUse);
-    static_cast<void>(WriteAll(STDOUT_FILENO, bytes));
-}
-
-void WriteResultToStandardOutput(std::string_view bytes) {
-    const std::lock_guard lock(outputInUse);
-    if (!WriteAll(STDOUT_FILENO, bytes)) {
-        throw FileException("standard output", SystemReason(errno));
-    }
-}
-
-void WriteToStandardError(std::string_view bytes) noexcept {
-    const std::lock_guard lock(outputInUse);
-    static_cast<void>(WriteAll(STDERR_FILENO, bytes));
+    return WriteAll(stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO, bytes) ? std::string()
+                                                                                             : SystemReason(errno);
 }
 
 bool ShowsColours() {

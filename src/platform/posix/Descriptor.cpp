@@ -1,5 +1,6 @@
 #include "platform/posix/Descriptor.h"
 
+#include "platform/StopFlag.h"
 #include "platform/Text.h"
 
 #include <cerrno>
@@ -48,7 +49,7 @@ Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
     int number = -1;
     do {
         number = ::open(path.c_str(), flags | O_CLOEXEC, mode);
-    } while (number < 0 && errno == EINTR);
+    } while (number < 0 && errno == EINTR && !ProcessStopFlag().IsSet());
     return Descriptor(number);
 }
 

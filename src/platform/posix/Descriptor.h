@@ -50,7 +50,8 @@ private:
 /// Whether a call failed because its path names nothing, now and for whoever asks.
 [[nodiscard]] bool IsAbsence(int error) noexcept;
 
-/// Opens a file, close-on-exec, again after an interruption; not open when it fails, with `errno` set.
+/// Opens a file, close-on-exec, again after an interruption that does not ask the process to stop; not open when it
+/// fails, with `errno` set.
 [[nodiscard]] Descriptor OpenFile(const std::string& path, int flags, unsigned mode = 0);
 
 /// The number of the open file of this process that `path` names, as /dev/stdout and /dev/fd/3 do; absent for all other

@@ -24,45 +24,7 @@ constexpr unsigned NewFileMode = 0666;
     throw FileException(path, SystemReason(error));
 }
 
-// Reads to the end; `sizeHint` bytes are expected.
-void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, std::string& content) {
-    constexpr std::size_t SmallestBlock = 4096;
-    content.resize(sizeHint + 1); // the byte more lets one short read find the end
-    std::size_t filled = 0;
-    while (true) {
-        if (filled == content.size()) {
-            content.resize(content.size() + std::max(SmallestBlock, content.size()));
-        }
-        const ssize_t count = ::read(descriptor, content.data() + filled, content.size() - filled);
-        if (count == 0) {
-            content.resize(filled);
-            return;
-        }
-        if (count > 0) {
-            filled += static_cast<std::size_t>(count);
-        } else if (errno != EINTR) {
-            Fail(path, errno);
-        }
-    }
-}
-
 } // namespace
-
-std::string ReadWholeFile(const std::string& path) {
-    const Descriptor file = OpenFile(path, O_RDONLY);
-
-    struct stat status {};
-
-    if (!file.IsOpen() || ::fstat(file.Number(), &status) != 0) {
-        Fail(path, errno);
-    }
-    if (S_ISDIR(status.st_mode)) {
-        Fail(path, EISDIR);
-    }
-    std::string content;
-    ReadToEnd(path, file.Number(), static_cast<std::size_t>(status.st_size), content);
-    return content;
-}
 
 void RemoveFile(const std::string& path) noexcept {
     ::unlink(path.c_str());

@@ -109,7 +109,7 @@ public:
         sigset_t signals;
         ::sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
-        for (const int signal : {SIGPIPE, SIGINT, SIGTERM}) {
+        for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGQUIT}) {
             ::sigaddset(&signals, signal);
         }
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);

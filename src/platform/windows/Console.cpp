@@ -1,8 +1,10 @@
 #include "platform/Console.h"
 
 #include "platform/ColourChoice.h"
+#include "platform/ConsoleStream.h"
 #include "platform/windows/ConsoleHandler.h"
 #include "platform/windows/FileAccess.h"
+#include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -16,8 +18,6 @@
 namespace Orvanta {
 
 namespace {
-
-constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
 
 std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
 
@@ -55,7 +55,7 @@ bool WriteBytes(void* output, std::string_view bytes) {
 
 std::mutex outputInUse;
 
-bool WriteToStream(DWORD stream, std::string_view bytes) {
+bool WriteBytesTo(DWORD stream, std::string_view bytes) {
     const std::lock_guard lock(outputInUse);
     void* const output = ::GetStdHandle(stream);
     if (output == nullptr || output == INVALID_HANDLE_VALUE) {
@@ -77,7 +77,8 @@ int __stdcall HandleConsoleEvent(unsigned long event) {
         return FALSE;
     }
     flagToSet.load()->Set();
-    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    void* const output =
+        ::GetStdHandle(PlaceOfMessages() == MessagePlace::StandardError ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
     if (output == nullptr || output == INVALID_HANDLE_VALUE) {
         return TRUE;
     }
@@ -94,18 +95,10 @@ void InstallInterruptHandler(StopFlag& stop) {
     ::SetConsoleCtrlHandler(&HandleConsoleEvent, TRUE);
 }
 
-void WriteToStandardOutput(std::string_view bytes) noexcept {
-    WriteToStream(STD_OUTPUT_HANDLE, bytes);
-}
-
-void WriteResultToStandardOutput(std::string_view bytes) {
-    if (!WriteToStream(STD_OUTPUT_HANDLE, bytes)) {
-        FailFile("standard output", ::GetLastError());
-    }
-}
-
-void WriteToStandardError(std::string_view bytes) noexcept {
-    WriteToStream(STD_ERROR_HANDLE, bytes);
+std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept {
+    return WriteBytesTo(stream == StandardStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, bytes)
+               ? std::string()
+               : SystemReason(::GetLastError());
 }
 
 bool ShowsColours() {

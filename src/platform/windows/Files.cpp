@@ -17,42 +17,7 @@ std::uint64_t SizeOf(const Handle& file) {
     return ::GetFileSizeEx(file.Get(), &size) != FALSE ? static_cast<std::uint64_t>(size.QuadPart) : 0;
 }
 
-// Reads to the end; `sizeHint` bytes are expected.
-void ReadToEnd(const std::string& path, const Handle& file, std::size_t sizeHint, std::string& content) {
-    constexpr std::size_t SmallestBlock = 4096;
-    constexpr std::size_t LargestPiece = 1U << 30U;
-    content.resize(sizeHint + 1); // the byte more lets one short read find the end
-    std::size_t filled = 0;
-    while (true) {
-        if (filled == content.size()) {
-            content.resize(content.size() + std::max(SmallestBlock, content.size()));
-        }
-        DWORD count = 0;
-        const auto room = static_cast<DWORD>(std::min(content.size() - filled, LargestPiece));
-        if (::ReadFile(file.Get(), content.data() + filled, room, &count, nullptr) == FALSE &&
-            ::GetLastError() != ERROR_BROKEN_PIPE) {
-            FailFile(path, ::GetLastError());
-        }
-        if (count == 0) {
-            content.resize(filled);
-            return;
-        }
-        filled += count;
-    }
-}
-
 } // namespace
-
-std::string ReadWholeFile(const std::string& path) {
-    const Handle file(::CreateFileW(WidePath(path).c_str(), GENERIC_READ, AnySharing, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (!file.IsOpen()) {
-        FailFile(path, ::GetLastError());
-    }
-    std::string content;
-    ReadToEnd(path, file, static_cast<std::size_t>(SizeOf(file)), content);
-    return content;
-}
 
 void RemoveFile(const std::string& path) noexcept {
     ::DeleteFileW(WidePath(path).c_str());

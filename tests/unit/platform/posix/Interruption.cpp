@@ -16,11 +16,18 @@ int BeInterrupted() {
     if (stop.IsSet()) {
         return EXIT_FAILURE;
     }
-    for (const int signal : {SIGINT, SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         std::raise(signal);
         if (!stop.IsSet()) {
             return EXIT_FAILURE;
         }
+    }
+    std::signal(SIGHUP, SIG_IGN); // as nohup does
+    StopFlag other;
+    InstallInterruptHandler(other);
+    std::raise(SIGHUP);
+    if (other.IsSet()) {
+        return EXIT_FAILURE;
     }
     WriteToStandardOutput("stopped\n");
     return EXIT_SUCCESS;

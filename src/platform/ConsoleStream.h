@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Orvanta {
+
+// What Console asks of the system.
+
+enum class StandardStream { Output, Error };
+
+/// What the first request to end says.
+inline constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
+
+/// Writes all of `bytes`, in one piece: two threads don't mix. Empty when that went well, else the system's reason.
+std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept;
+
+} // namespace Orvanta

@@ -1,0 +1,53 @@
+#include "platform/InputFile.h"
+
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/StopFlag.h"
+
+#include <algorithm>
+
+namespace Orvanta {
+
+InputStream::InputStream(const std::string& path) : std::istream(static_cast<std::streambuf*>(this)), file_(path) {}
+
+std::streambuf::int_type InputStream::underflow() {
+    constexpr std::size_t BlockSize = 262144;
+    if (gptr() < egptr()) {
+        return std::streambuf::traits_type::to_int_type(*gptr());
+    }
+    block_.resize(BlockSize);
+    const std::size_t count = file_.Read(block_);
+    setg(block_.data(), block_.data(), block_.data() + count);
+    return count == 0 ? std::streambuf::traits_type::eof() : std::streambuf::traits_type::to_int_type(*gptr());
+}
+
+void EndWhenStopped() {
+    constexpr int InterruptedCode = 130;
+    if (ProcessStopFlag().IsSet()) {
+        throw ZelmRcException(InterruptedCode);
+    }
+}
+
+std::string ReadWholeFile(const std::string& path) {
+    constexpr std::size_t SmallestBlock = 4096;
+    InputFile file(path);
+    if (file.IsEndless()) {
+        throw FileException(path, "it is no file, pipe or terminal");
+    }
+    std::string content(file.SizeHint() + 1, '\0'); // the byte more lets one short read find the end
+    std::size_t filled = 0;
+    while (true) {
+        if (filled == content.size()) {
+            content.resize(content.size() + std::max(SmallestBlock, content.size()));
+        }
+        const std::size_t count = file.Read({content.data() + filled, content.size() - filled});
+        if (count == 0) {
+            EndWhenStopped();
+            content.resize(filled);
+            return content;
+        }
+        filled += count;
+    }
+}
+
+} // namespace Orvanta
