@@ -39,6 +39,7 @@ std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const R
 
 ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
                          std::span<const ListedFile> listed, const RunSettings& settings) {
+    // All places of all files in one question, which costs one walk over the lists of the units.
     std::vector<std::string> places;
     for (const ListedFile& file : listed) {
         places.insert(places.end(), file.places.begin(), file.places.end());
@@ -60,6 +61,7 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
         }
         first += file.places.size();
     }
+    // Asked again with one place for each file: a unit that is made of a file at a later place is not meant.
     const std::vector<bool> isSelected = history.UnitsMadeOf(chosen, isMatched);
     selection.actions = ForEachUnit(units, [&](std::size_t unit) {
         return isSelected[unit] ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut;
@@ -74,6 +76,7 @@ std::vector<UnitAction> SelectModified(std::span<const CompileCommand> units, Un
         if (action == UnitAction::Exclude) {
             return action;
         }
+        // Asked first: such a unit has no findings to carry over.
         if (history.IsLeftOut(unit)) {
             return UnitAction::ExcludeSystem;
         }
@@ -85,6 +88,7 @@ std::vector<UnitAction> SelectUnlisted(std::span<const CompileCommand> units, Un
                                        const RunSettings& settings) {
     return ForEachUnit(units, [&](std::size_t unit) {
         const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        // One that is left out needs no list: nothing is reported of it.
         const bool isKnown = history.IsLeftOut(unit) || history.KnowsDependencies(unit);
         return action == UnitAction::Run && isKnown ? UnitAction::LeaveOut : action;
     });
