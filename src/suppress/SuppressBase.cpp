@@ -27,6 +27,7 @@ namespace {
 
 using Json = nlohmann::json;
 
+// A base that does not say by which rules it was made is one of the first.
 constexpr std::uint32_t VersionOfBasesWithoutOne = 1;
 
 /// The members of an entry, in the order in which they are written.
@@ -57,8 +58,10 @@ public:
     /// The document's other members, each behind ", ".
     [[nodiscard]] std::string Members() const { return members_; }
 
+    // The number, from 1, of the entry that is being read; 0 outside of them. For messages.
     [[nodiscard]] std::size_t Entry() const { return isInWarnings_ ? entryNumber_ : 0; }
 
+    // The parser's events. All return true, which has it go on: what is wrong is thrown.
     bool null() { return TakeScalar("null", "null"); }
 
     bool boolean(bool value) { return TakeScalar("boolean", value ? "true" : "false"); }

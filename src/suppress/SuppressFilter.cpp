@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The number behind the colon of "FILE:LINE"; 0 stands for every line.
 std::uint32_t ParseLine(std::string_view text) {
     std::uint32_t line = 0;
     const std::errc error = Orvanta::ReadWholeNumber(text, line);
@@ -30,6 +31,7 @@ std::vector<SuppressedFile> ParseSuppressedFiles(const std::vector<std::string>&
     std::vector<SuppressedFile> files;
     for (const std::string& value : values) {
         SuppressedFile file = {value};
+        // The last one: a name may hold others.
         if (const std::size_t colon = value.rfind(':'); colon != std::string::npos) {
             file = {value.substr(0, colon), ParseLine(std::string_view(value).substr(colon + 1))};
         }
@@ -76,6 +78,7 @@ bool SuppressFilter::Accept(const ReportMessage& message) {
     if (!levels_.Passes(message.code, message.level)) {
         return false;
     }
+    // By number, as the option takes codes with and without their letter.
     return settings_.codeNumbers.empty() || settings_.codeNumbers.contains(CodeNumber(message.code));
 }
 
