@@ -104,6 +104,7 @@ const OptionRow HiddenOptions[] = {
     {0,   "trace-dir",    "DIR",        "", nullptr, nullptr, &A::traceDirectory    },
 };
 
+// The names under which a row is found on the command line.
 args::Matcher MatcherOf(const OptionRow& row) {
     return row.shortName == 0 ? args::Matcher{std::string(row.longName)}
                               : args::Matcher{row.shortName, std::string(row.longName)};
@@ -128,6 +129,7 @@ public:
     }
 
 private:
+    // One for each kind of field: the parser library has a class of flags for each.
     void DeclareRow(const OptionRow& row, args::Options visibility, SwitchField field) {
         auto flag = std::make_shared<args::Flag>(parser_, row.longName, row.help, MatcherOf(row), visibility);
         stores_.emplace_back([flag, field](AnalyzeOptions& options) { options.*field = flag->Matched(); });
@@ -160,12 +162,14 @@ private:
     std::vector<std::function<void(AnalyzeOptions&)>> stores_; // each keeps its flag alive
 };
 
+// For a file that is only read later: a wrong name is told before hours of work.
 void RequireExisting(const std::optional<std::string>& path, const char* message) {
     if (path && !PathExists(*path)) {
         throw ZelmException(message + *path);
     }
 }
 
+// Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
         throw ZelmException(std::string("Flags ") + names + " cannot be used together");
@@ -227,6 +231,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
     RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
     RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
+    // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(GateOf(options));

@@ -10,6 +10,7 @@ namespace Orvanta {
 
 namespace {
 
+// A name that every shell takes for a function's.
 std::string FunctionName(const std::string& program) {
     std::string name = "_" + program;
     std::replace(name.begin(), name.end(), '-', '_');
@@ -48,6 +49,7 @@ std::string ShortHelp(const std::string& help, std::string_view special) {
     return line;
 }
 
+// The program's own options stand under the empty name.
 std::vector<const CommandText*> CommandsAndOwn(const ProgramText& program) {
     std::vector<const CommandText*> all = {&program.own};
     for (const CommandText& command : program.commands) {
@@ -143,6 +145,7 @@ std::string BashScript(const ProgramText& program) {
     return text;
 }
 
+// "'*'" lets an option be given again. "+" and "=" have zsh accept the value in the same word and in the next one.
 std::string ZshOption(const OptionText& option) {
     constexpr std::string_view Special = "[]:\\";
     const std::vector<std::string> names = NamesOf(option);
@@ -166,6 +169,7 @@ std::string ZshOption(const OptionText& option) {
         case ValueKind::Choices: {
             std::string words = Joined(option.choices);
             for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
+                // A bare colon would end the list of words.
                 words.insert(at, 1, '\\');
             }
             text += "(" + words + ")";
@@ -247,6 +251,7 @@ std::string FishScript(const ProgramText& program) {
     if (program.commands.empty()) {
         return text + FishOptions(program.name, program.own, "");
     }
+    // Fish has no state: each line says by itself when it counts.
     const std::string none = " -n 'not __fish_seen_subcommand_from " + CommandNames(program) + "'";
     text += FishOptions(program.name, program.own, none);
     for (const CommandText& command : program.commands) {

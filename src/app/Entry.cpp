@@ -55,6 +55,7 @@ void SetUpParser(args::ArgumentParser& parser) {
 
 int RunProgram(int argumentCount, const char* const* arguments) {
     InstallCrashHandler();
+    // Both before the first word is parsed, since subcommands run inside the parser.
     InstallInterruptHandler(ProcessStopFlag());
 
     args::ArgumentParser parser("");

@@ -44,6 +44,7 @@ std::string InputPath(const std::string& given) {
     if (PathExists(path)) {
         return path;
     }
+    // Where builds mostly put it: only told, as another build's database may lie there.
     for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
         const std::string other = JoinPath(folder, DefaultInput);
         if (PathExists(other)) {
@@ -56,6 +57,7 @@ std::string InputPath(const std::string& given) {
 }
 
 void TellSkipped(const CollectedCommands& commands, Log& log) {
+    // Told also without the verbose log: otherwise nobody would know why these are missing from the report.
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
         return skipped.fate == InvocationFate::SkippedLauncher;
     });
@@ -79,6 +81,7 @@ std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& opt
     if (!options.sourceList && !options.dependencyFile) {
         return std::nullopt;
     }
+    // Of both options: the same word means the same file in both.
     const std::vector<std::string> folders = FoldersOfLists();
     std::vector<ListedFile> files;
     if (options.sourceList) {

@@ -39,6 +39,7 @@ std::string Lines(std::string_view text) {
     return lines;
 }
 
+// "-o FILE, --output=FILE", or the value's name alone for an argument.
 std::string NameLine(const OptionText& option) {
     std::string line;
     for (const std::string& name : {option.shortName, option.longName}) {
@@ -55,6 +56,7 @@ std::string NameLine(const OptionText& option) {
 }
 
 void AppendOptions(std::string& page, const CommandText& command) {
+    // Options first, as on the command line.
     for (const std::vector<OptionText>* const list : {&command.options, &command.arguments}) {
         for (const OptionText& option : *list) {
             page += ".TP\n" + NameLine(option) + "\n" + Lines(option.help);

@@ -17,6 +17,7 @@ namespace {
 // Stands behind the value's name of what may be given several times.
 constexpr std::string_view Repeated = "...";
 
+// Functions, since some lists are made from tables of other rooms.
 struct ChoicesRow {
     const char* longName;
     std::vector<std::string> (*choices)();
@@ -69,6 +70,7 @@ struct KindRow {
     ValueKind kind;
 };
 
+// The names that values have in the help say what a shell may offer.
 constexpr KindRow KindsOfValues[] = {
     {"FILE", ValueKind::File  },
     {"OLD",  ValueKind::File  },
@@ -116,12 +118,14 @@ OptionText ReadOption(std::string_view names, std::string help) {
     return option;
 }
 
+// With the options of subcommands, which are not shown otherwise.
 args::HelpParams ParametersOf(const args::ArgumentParser& parser) {
     args::HelpParams parameters = parser.helpParams;
     parameters.showCommandChildren = true;
     return parameters;
 }
 
+// A row of the help: an option when its names say so, else an argument without a name.
 void AddRow(CommandText& command, const std::string& names, std::string help) {
     if (names.starts_with('-')) {
         command.options.push_back(ReadOption(names, std::move(help)));
@@ -139,6 +143,7 @@ ProgramText DescribeProgram(const args::ArgumentParser& parser) {
     ProgramText program = {parser.Prog(), Version, parser.Description(), parser.Epilog(), {}, {}};
     const args::HelpParams parameters = ParametersOf(parser);
     for (const args::Base* const child : parser.Children()) {
+        // The parser's list of children holds the hidden ones too.
         if ((child->GetOptions() & args::Options::HiddenFromDescription) != args::Options::None) {
             continue;
         }
@@ -155,6 +160,7 @@ ProgramText DescribeProgram(const args::ArgumentParser& parser) {
     return program;
 }
 
+// Thrown from the parser's actions, so that nothing behind them on the command line is looked at.
 struct TextOptions::Flags {
     explicit Flags(args::ArgumentParser& parser)
         : manual(

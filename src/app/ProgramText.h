@@ -61,6 +61,7 @@ struct ProgramText {
 /// Adds the hidden options that print these: --print-manual and --print-completion SHELL. Lives as long as the parser.
 class TextOptions {
 public:
+    /// The parser outlives the object.
     explicit TextOptions(args::ArgumentParser& parser);
     ~TextOptions();
     TextOptions(const TextOptions&) = delete;

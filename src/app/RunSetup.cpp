@@ -37,12 +37,14 @@ void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile
     }
 }
 
+// An option that was not given leaves the file's value.
 void OverrideIfGiven(RunSettings& settings, const char* key, const std::optional<std::string>& value) {
     if (value) {
         OverrideSetting(settings, key, *value);
     }
 }
 
+// The last change of a name counts. An empty value is one: it sets the variable to nothing.
 void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
     const std::size_t equalsSign = change.find('=');
     if (equalsSign == 0 || equalsSign == std::string::npos) {
@@ -69,6 +71,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     }
     ApplySettings(settings, excluded);
     for (const std::string& name : options.compilers) {
+        // A name given by hand is a compiler's, known or not, and the only ones that count are those given.
         settings.compilerNames.push_back(name);
         settings.compilerFilter.push_back(name);
     }
@@ -96,6 +99,7 @@ RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     if (const std::optional<std::string> path = SettingsFileOf(options)) {
         SettingsMap fromFile = ReadSettingsFile(*path);
         if (*options.settingsFile == FindSettingsFile) {
+            // Before anything of it is taken over.
             DropUntrusted(fromFile, *path);
         }
         MakeOwnPathsAbsolute(fromFile, *path);
@@ -107,6 +111,7 @@ RunSettings MakeRunSettings(const AnalyzeOptions& options) {
 
 unsigned ThreadCount(const AnalyzeOptions& options) {
     if (!options.threads) {
+        // Not the machine's: a container or an affinity mask may leave fewer.
         return AvailableProcessors();
     }
     const std::string& text = *options.threads;
@@ -120,6 +125,7 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
     if (options.outputFile) {
         if (options.outputFile->empty()) {
+            // As an unset variable of a script gives it: the findings must not go to standard output instead.
             throw OrvlogConverter::FilesystemException("Empty filepath");
         }
         return AbsolutePath(*options.outputFile);

@@ -50,6 +50,7 @@ SuppressOptions ParseOptions(args::Subparser& parser) {
 void SuppressCommand(args::Subparser& parser) {
     const SuppressOptions options = ParseOptions(parser);
     OrvlogConverter::SuppressFilterSettings filter;
+    // All values are checked before the base is locked or the report read.
     filter.files = OrvlogConverter::ParseSuppressedFiles(options.files);
     if (IsDirectory(options.basePath)) {
         throw OrvlogConverter::FilesystemException(options.basePath + " is a directory");

@@ -23,6 +23,7 @@ void Print(std::string_view text) {
 }
 
 template <class Error>
+// The two hierarchies of errors have this in common: a text and a hint.
 void PrintError(const Error& error) {
     PrintLine(std::string("Error: ") + error.what());
     if (!error.Hint().empty()) {
@@ -36,6 +37,7 @@ void PrintHelp(const args::ArgumentParser& parser) {
     Print(text.str());
 }
 
+// The words as UTF-8 on both systems. A process may be started without even its own name.
 void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* arguments) {
     std::vector<std::string> words;
     if (argumentCount >= 1) {
@@ -85,6 +87,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         PrintLine(error.what());
         PrintHelp(parser);
         PrintLine(error.what()); // the first one may be far up by now
+        // Who has stopped it knows: no message.
     } catch (const OrvlogConverter::StoppedException&) {
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {

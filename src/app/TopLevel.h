@@ -18,6 +18,7 @@ public:
     /// `text` is printed as it is.
     explicit PrintRequest(std::string text) : text_(std::move(text)) {}
 
+    /// The text to print.
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:

@@ -114,6 +114,7 @@ struct Options {
     args::PositionalList<std::string> reports;
 };
 
+// Empty parts, as trailing separators leave them, are no codes.
 std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& lists) {
     std::set<std::string, std::less<>> codes;
     for (std::string_view list : lists) {
@@ -126,12 +127,14 @@ std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& li
     return codes;
 }
 
+// An empty name is the current folder.
 void RequireFolder(const std::string& folder) {
     if (!folder.empty() && !Orvanta::IsDirectory(folder)) {
         throw FilesystemException("Couldn't create directory: " + folder);
     }
 }
 
+// By what the files are: a link to a report is the report. A terminal may be both.
 void RequireNoReport(const std::string& path, const std::vector<std::string>& reports) {
     for (const std::string& report : reports) {
         if (Orvanta::IsSameFile(path, report) && Orvanta::IsRegularFile(path)) {
@@ -140,6 +143,7 @@ void RequireNoReport(const std::string& path, const std::vector<std::string>& re
     }
 }
 
+// Where each form goes. One that is asked for twice is written once; all places are checked before a report is read.
 std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, const std::string& output,
                                       const std::vector<std::string>& reports) {
     std::vector<RenderTarget> targets;
@@ -168,6 +172,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
     for (RenderTarget& target : targets) {
         if (isFolder) {
             const std::string_view first = reports.front();
+            // Of the first report: several that are merged are named after it.
             const std::string stem(first == StandardStreamPath ? "report" : Orvanta::StemOf(first));
             target.path = JoinPath(output, stem + std::string(target.type->suffix));
         }
