@@ -14,6 +14,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The names under which groups are asked for; with letter case.
 struct NameRow {
     std::string_view name;
     AnalyzerType analyzer;
@@ -30,6 +31,7 @@ constexpr NameRow Names[] = {
     {"AUTOSAR", AnalyzerType::Autosar         },
 };
 
+// Numbers from `first` to `last`, both included.
 struct RangeRow {
     std::uint32_t first;
     std::uint32_t last;
@@ -52,6 +54,7 @@ constexpr RangeRow Ranges[] = {
     {6000, 6999, AnalyzerType::GeneralAnalysis },
 };
 
+// Empty parts are parts: a specification with one is wrong, and must not pass for a shorter one.
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     for (std::size_t end = 0; end != std::string_view::npos;) {
@@ -62,6 +65,7 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+// Throws for a name that means nothing.
 AnalyzerType AnalyzerNamed(std::string_view name) {
     const NameRow* const row = Orvanta::FindRow(Names, &NameRow::name, name);
     if (row == nullptr) {
@@ -98,6 +102,7 @@ AnalyzerType ClassifyCode(std::string_view code) noexcept {
             return row.analyzer;
         }
     }
+    // Findings of other tools have no number: they count among the general ones.
     return code == "External" ? AnalyzerType::GeneralAnalysis : AnalyzerType::Unknown;
 }
 
@@ -122,6 +127,7 @@ std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text) {
 }
 
 LevelTable::LevelTable(const std::vector<AnalyzerLevels>& analyzers) {
+    // Nothing asked for lets everything pass; otherwise only what a row names does.
     passes_.fill(analyzers.empty());
     for (const AnalyzerLevels& row : analyzers) {
         const auto entries =

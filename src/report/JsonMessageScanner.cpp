@@ -41,6 +41,7 @@ public:
         return at_ == text_.size();
     }
 
+    // A longer word that begins so is met as a wrong separator behind it.
     bool TakeWord(std::string_view word) {
         SkipSpace();
         if (text_.substr(at_, word.size()) != word) {
@@ -64,6 +65,7 @@ public:
         return Take(':');
     }
 
+    // A whole number of 32 bits. Zeros in front are no JSON.
     bool TakeNumber(std::uint32_t& number) {
         SkipSpace();
         const char* const begin = text_.data() + at_;
@@ -77,6 +79,7 @@ public:
         return true;
     }
 
+    // The string that `target` stands for. Runs of plain characters are copied at once.
     bool TakeString(std::string& target) {
         if (!Take('"')) {
             return false;
@@ -124,6 +127,7 @@ private:
         }
     }
 
+    // One character behind a backslash. Escapes by number are left to the library: they may come in pairs.
     bool TakeEscape(std::string& target) {
         constexpr std::string_view Escapes = "\"\\/bfnrt";
         constexpr std::string_view Meanings = "\"\\/\b\f\n\r\t";
@@ -145,6 +149,7 @@ bool TakeBoolean(Cursor& cursor, bool& value) {
     return value || cursor.TakeWord("false");
 }
 
+// Both members in either order, and no others.
 bool TakePosition(Cursor& cursor, MessagePosition& position) {
     std::string_view key;
     if (!cursor.Take('{') || !cursor.TakeKey(key)) {
@@ -171,6 +176,7 @@ bool TakePositions(Cursor& cursor, std::vector<MessagePosition>& positions) {
     std::size_t count = 0;
     if (!cursor.Take(']')) {
         do {
+            // Those of the message before are filled anew, with the memory of their texts.
             if (count == positions.size()) {
                 positions.emplace_back();
             }
@@ -272,6 +278,7 @@ bool TakeMembers(Cursor& cursor, const Target& target) {
             return false;
         }
         const std::size_t index = IndexOf(key, expected);
+        // An unknown key, or one that stands twice, is the library's to judge.
         if (index == KeyCount || (seen & 1U << index) != 0 || !Keys[index].take(cursor, target)) {
             return false;
         }
@@ -284,6 +291,7 @@ bool TakeMembers(Cursor& cursor, const Target& target) {
 } // namespace
 
 bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
+    // These keys may be missing; all others are overwritten.
     message.cwe = 0;
     message.sastId.clear();
     for (std::string& line : lines_) {
@@ -302,6 +310,7 @@ bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
     }
     if (!message.positions.empty()) {
         MessagePosition& first = message.positions.front();
+        // Swapped, not moved: the memory of the earlier texts comes back for the next line.
         first.prevLine.swap(lines_[0]);
         first.currLine.swap(lines_[1]);
         first.nextLine.swap(lines_[2]);

@@ -48,6 +48,7 @@ private:
     void Open();
     /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);
+    /// A message a line, in any of the line forms; empty lines are none.
     void ReadLines(const ReportReceiver& receiver);
     /// Puts a line of any form into `message_`.
     void ReadLine(std::string_view line);

@@ -33,6 +33,7 @@ constexpr LeadRow Leads[] = {
     {0xF4, 0xF4, 4, 0x80, 0x8F},
 };
 
+// The first place from `at` on that needs a closer look; the text's size when there is none.
 std::size_t FindNonAscii(std::string_view text, std::size_t at) noexcept {
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
         ++at;
@@ -51,6 +52,7 @@ Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept {
         for (std::size_t index = 1; index < row.length; ++index) {
             const unsigned char low = index == 1 ? row.secondFirst : 0x80;
             const unsigned char high = index == 1 ? row.secondLast : 0xBF;
+            // Cut off: one replacement stands for all the bytes that were there.
             if (at + index == text.size()) {
                 return {index, false};
             }
@@ -90,6 +92,7 @@ void AppendValidUtf8(std::string& target, std::string_view text) {
 }
 
 void RefuseUtf16(const std::string& name, std::istream& text) {
+    // Puts back what it takes: the stream may be a pipe.
     const int first = text.peek();
     if (first == 0xFF || first == 0xFE) { // no UTF-8 begins so
         text.get();

@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// Messages are small: written one by one, a system call for each would cost more than its text.
 constexpr std::size_t BlockSize = 262144;
 
 // A file that its owner protects stays, although the folder would let us put another in its place.
@@ -58,6 +59,7 @@ void WholeFile::WriteBuffer() {
         if (file_) {
             file_->Append(buffer_);
         } else {
+            // Somebody waits for it: a full disk behind the redirection is an error.
             Orvanta::WriteResultToStandardOutput(buffer_);
         }
     });
@@ -70,6 +72,7 @@ void WholeFile::Commit() {
         return; // standard output
     }
     NamingFile(path_, [this] { file_->Commit(); });
+    // Told after the fact, since only the writing shows whether another file could take its place.
     if (file_->IsInPlace()) {
         TellInPlace(path_);
     }
