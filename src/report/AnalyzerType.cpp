@@ -96,6 +96,7 @@ std::uint32_t CodeNumber(std::string_view code) noexcept {
 }
 
 AnalyzerType ClassifyCode(std::string_view code) noexcept {
+    // 0 for what is no code, and no row holds it.
     const std::uint32_t number = CodeNumber(code);
     for (const RangeRow& row : Ranges) {
         if (number >= row.first && number <= row.last) {
@@ -110,11 +111,13 @@ std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text) {
     if (text == "all" || text == "ALL") {
         return {};
     }
+    // One separator is left, so that a level's place in it is its place in what the user wrote.
     std::string separated(text);
     std::replace(separated.begin(), separated.end(), '+', ';');
     std::vector<AnalyzerLevels> analyzers;
     for (const std::string_view item : Split(separated, ';')) {
         const std::size_t colon = item.find(':');
+        // Without a colon all of the item is the name.
         AnalyzerLevels parsed = {AnalyzerNamed(item.substr(0, colon))};
         if (colon != std::string_view::npos) {
             for (const std::string_view level : Split(item.substr(colon + 1), ',')) {

@@ -96,6 +96,7 @@ std::optional<ReportMessage> ReadCompilerLine(std::string_view line) {
         if (!tail) {
             continue;
         }
+        // The column is read and dropped: the record has no place for it.
         MessagePosition position;
         position.file = line.substr(0, colon);
         position.line = ParseNumber(tail->lineDigits);

@@ -51,6 +51,7 @@ static void from_json(const nlohmann::json& object, MessagePosition& position) {
 
 // By the JSON library: slower than the scanner, but it takes every form of an object, and says what is wrong with it.
 static ReportMessage ReadAnyJsonMessage(std::string_view text) {
+    // Asked in front of every value: what is nested too deep ends the parsing before it is built.
     const auto isKept = [](int depth, nlohmann::json::parse_event_t /*event*/, const nlohmann::json& /*value*/) {
         if (depth > DeepestJson) {
             throw ParseException("nested more than " + std::to_string(DeepestJson) + " deep");
@@ -64,6 +65,7 @@ static ReportMessage ReadAnyJsonMessage(std::string_view text) {
     object.at("code").get_to(message.code);
     object.at("message").get_to(message.message);
     object.at("positions").get_to(message.positions);
+    // These may be left out by whoever writes the object.
     if (const auto cwe = object.find("cwe"); cwe != object.end()) {
         message.cwe = NumberOf(*cwe);
     }

@@ -27,6 +27,7 @@ class Cursor {
 public:
     explicit Cursor(std::string_view text) : text_(text) {}
 
+    // White space may stand in front of every part.
     bool Take(char character) {
         SkipSpace();
         if (at_ == text_.size() || text_[at_] != character) {
@@ -36,6 +37,7 @@ public:
         return true;
     }
 
+    // Whether nothing but white space is left.
     bool IsAtEnd() {
         SkipSpace();
         return at_ == text_.size();
@@ -144,6 +146,7 @@ private:
     std::size_t at_ = 0;
 };
 
+// The word decides; any other text is no boolean.
 bool TakeBoolean(Cursor& cursor, bool& value) {
     value = cursor.TakeWord("true");
     return value || cursor.TakeWord("false");
@@ -169,6 +172,7 @@ bool TakePosition(Cursor& cursor, MessagePosition& position) {
            key == (isFileFirst ? "line" : "file") && (isFileFirst ? takeLine() : takeFile()) && cursor.Take('}');
 }
 
+// A list of positions, which may be empty.
 bool TakePositions(Cursor& cursor, std::vector<MessagePosition>& positions) {
     if (!cursor.Take('[')) {
         return false;
@@ -199,6 +203,7 @@ struct Target {
     std::array<std::string, 3>& lines;
 };
 
+// What the library requires, the scanner requires too: a message that lacks a key is told of by the library.
 struct KeyRow {
     std::string_view key;
     bool isRequired;
@@ -250,6 +255,7 @@ constexpr KeyRow Keys[] = {
 };
 constexpr std::size_t KeyCount = std::size(Keys);
 
+// One bit for each key, by its place in the table.
 constexpr unsigned RequiredKeys = [] {
     unsigned mask = 0;
     for (std::size_t index = 0; index < KeyCount; ++index) {
@@ -269,6 +275,7 @@ std::size_t IndexOf(std::string_view key, std::size_t expected) {
     return KeyCount;
 }
 
+// All members of the object; false as soon as one of them is not as expected, or at the end when one is missing.
 bool TakeMembers(Cursor& cursor, const Target& target) {
     unsigned seen = 0;
     std::size_t expected = 0;
@@ -302,6 +309,7 @@ bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
     if (!cursor.Take('{') || !TakeMembers(cursor, target) || !cursor.Take('}') || !cursor.IsAtEnd()) {
         return false;
     }
+    // The record is used again: what the JSON form does not hold must not stay from another form's message.
     for (MessagePosition& position : message.positions) {
         for (std::string* const line : {&position.prevLine, &position.currLine, &position.nextLine}) {
             line->clear();

@@ -44,6 +44,7 @@ using Fields = std::array<std::string_view, FieldCount>;
 // The fields of a line, of which the last may be missing and is then empty. Throws for any other number of them.
 Fields SplitFields(std::string_view line) {
     Fields fields;
+    // Counted on to the line's end: one field too many is no message, rather than one with a longer last field.
     std::size_t count = 0;
     for (std::size_t end = 0; end != std::string_view::npos; ++count) {
         end = line.find(Separator);
@@ -68,6 +69,7 @@ std::string_view TakeItem(std::string_view& list) {
 
 // The list opens with the first position's own line.
 void ReadFurtherPositions(ReportMessage& message, std::string_view lines) {
+    // It is known from its own field.
     TakeItem(lines);
     while (!lines.empty()) {
         MessagePosition position;
@@ -124,6 +126,7 @@ void AppendField(std::string& line, std::string_view text) {
 
 // The lines of all positions, the first one's too. Empty when they lie in several files: the form has one file only.
 void AppendLines(std::string& line, const std::vector<MessagePosition>& positions) {
+    // Without regard to case: one file may be named in two ways by units of a system that does not regard it either.
     const auto isInFirstFile = [&positions](const MessagePosition& position) {
         return Orvanta::EqualsIgnoringCase(position.file, positions.front().file);
     };
@@ -175,6 +178,7 @@ ReportMessage ReadRawLine(std::string_view line) {
 
 void AppendRawLine(std::string& text, const ReportMessage& message) {
     const MessagePosition& first = FirstPosition(message);
+    // The fields that are the same in every line, and have no place in the record.
     text += "Zelm64-EM<#~>full<#~>";
     text += std::to_string(first.line);
     text += Separator;

@@ -61,6 +61,7 @@ bool LooksLikeDocument(std::string_view start) noexcept {
     if (!start.starts_with('{')) {
         return false;
     }
+    // A scan, not a parse: the beginning of a document is no JSON yet, as it stops in the middle.
     std::size_t depth = 0;
     for (std::size_t at = 0; at < start.size(); ++at) {
         switch (start[at]) {
@@ -79,6 +80,7 @@ bool LooksLikeDocument(std::string_view start) noexcept {
             break;
         case '}':
         case ']':
+            // The whole object stands on one line, without the member: a message.
             if (--depth == 0) {
                 return false;
             }

@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view Replacement = "\xEF\xBF\xBD"; // U+FFFD
 constexpr std::size_t BlockSize = 65536;
 
+// A lead byte from `first` to `last` begins a character of `length` bytes.
 struct LeadRow {
     unsigned char first;
     unsigned char last;
@@ -63,6 +64,7 @@ Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept {
         }
         return {row.length, true};
     }
+    // No character begins so: a byte from the middle of one, or one that UTF-8 never uses.
     return {1, false};
 }
 
@@ -108,6 +110,7 @@ void RefuseUtf16(const std::string& name, std::istream& text) {
 Utf8Buffer::int_type Utf8Buffer::underflow() {
     const std::size_t kept = raw_.size();
     raw_.resize(kept + BlockSize);
+    // Behind what the last block has left: at most the part of one character.
     bytes_.read(raw_.data() + kept, static_cast<std::streamsize>(BlockSize));
     const auto count = static_cast<std::size_t>(bytes_.gcount());
     raw_.resize(kept + count);
@@ -117,6 +120,7 @@ Utf8Buffer::int_type Utf8Buffer::underflow() {
     // A character that the block cuts waits for the next one.
     std::size_t end = raw_.size();
     if (count > 0) {
+        // A character has four bytes at most, so a cut one begins at one of the last three.
         constexpr std::size_t LongestPart = 3;
         for (std::size_t at = end - std::min(LongestPart, end); at < raw_.size(); ++at) {
             const bool isLead = static_cast<unsigned char>(raw_[at]) >= 0xC0;
@@ -127,6 +131,7 @@ Utf8Buffer::int_type Utf8Buffer::underflow() {
             }
         }
     }
+    // At the end of the stream nothing completes a part: it is replaced like any other.
     text_.clear();
     AppendValidUtf8(text_, std::string_view(raw_).substr(0, end));
     raw_.erase(0, end);

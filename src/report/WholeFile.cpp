@@ -18,6 +18,7 @@ constexpr std::size_t BlockSize = 262144;
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
     if (!Orvanta::IsOwnOpenFile(path) && Orvanta::IsRegularFile(path)) {
+        // Opened and closed again: the system knows best whether it may be written to.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
 }
@@ -63,6 +64,7 @@ void WholeFile::WriteBuffer() {
             Orvanta::WriteResultToStandardOutput(buffer_);
         }
     });
+    // Its memory stays for the next block.
     buffer_.clear();
 }
 
