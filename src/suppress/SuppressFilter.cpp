@@ -37,6 +37,7 @@ std::vector<SuppressedFile> ParseSuppressedFiles(const std::vector<std::string>&
         }
         files.push_back(std::move(file));
     }
+    // All values are parsed before the first is judged, so that the order of the checks does not depend on theirs.
     for (std::size_t index = 0; index < files.size(); ++index) {
         if (values[index].empty()) { // as an unset variable of a script gives it; it would match every file
             throw ConfigException("The value of the '--file' argument is empty.");
@@ -75,6 +76,7 @@ bool SuppressFilter::Accept(const ReportMessage& message) {
     if (!settings_.files.empty() && !IsInFiles(message)) {
         return false;
     }
+    // The same rules as those of the converter, so that what is seen there can be accepted here.
     if (!levels_.Passes(message.code, message.level)) {
         return false;
     }
@@ -84,6 +86,7 @@ bool SuppressFilter::Accept(const ReportMessage& message) {
 
 bool SuppressFilter::IsInFiles(const ReportMessage& message) const {
     const MessagePosition& first = FirstPosition(message);
+    // Part of the path is enough: the name alone is what people type.
     return std::any_of(settings_.files.begin(), settings_.files.end(), [&first](const SuppressedFile& file) {
         return first.file.find(file.name) != std::string::npos && (file.line == 0 || file.line == first.line);
     });
