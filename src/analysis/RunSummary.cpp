@@ -19,6 +19,8 @@ constexpr std::size_t InvocationCounts::*CountsByWeight[] = {
     &InvocationCounts::analyzed, &InvocationCounts::stopped,  &InvocationCounts::failed,
 };
 
+// How much a status tells of an invocation with several units: a failure more than a success, which tells more than a
+// unit that was left out.
 std::size_t WeightOf(AnalyzerStatus status) {
     switch (status) {
     case AnalyzerStatus::NotListed:
@@ -39,6 +41,7 @@ std::size_t WeightOf(AnalyzerStatus status) {
     return 5;
 }
 
+// "N analyzed, N failed, ...": what has to be known always, the rest where there is some.
 std::string CountsText(const InvocationCounts& counts) {
     enum class Shown { Always, WhenAny };
 
@@ -66,6 +69,7 @@ std::string CountsText(const InvocationCounts& counts) {
     return text;
 }
 
+// One line with the reasons and how many each; empty when nothing was skipped.
 std::string SkippedText(const CollectedCommands& commands, const InvocationCounts& counts) {
     std::map<std::string_view, std::size_t> byReason;
     // What remains of them when those with a reason of their own are taken off.
@@ -95,6 +99,7 @@ std::string ElapsedText(std::chrono::milliseconds elapsed) {
     return text.str();
 }
 
+// The same counts, of the units themselves.
 InvocationCounts CountUnits(const RunOutcome& outcome) {
     InvocationCounts counts;
     for (const AnalyzerStatus status : outcome.statuses) {
@@ -103,6 +108,7 @@ InvocationCounts CountUnits(const RunOutcome& outcome) {
     return counts;
 }
 
+// One line: findings of each level, and those that a base hides, which are not in the report.
 std::string FindingsText(const RunOutcome& outcome) {
     // A report without levels is rare: that count is only shown when there is one.
     const auto& levels = outcome.findingsByLevel;
@@ -163,6 +169,7 @@ std::string SummaryText(const CollectedCommands& commands, const RunOutcome& out
         text += "Source files of them: " + std::to_string(units.Total()) + " (" + CountsText(units) + ")\n";
     }
     text += SkippedText(commands, counts);
+    // Its findings were not counted: zeros would be wrong.
     if (!outcome.isReportKept) {
         text += FindingsText(outcome);
     }

@@ -9,6 +9,7 @@ namespace Orvanta {
 
 namespace {
 
+// What the settings say of a unit that would run.
 UnitAction RunUnlessExcluded(const CompileCommand& unit, const RunSettings& settings) {
     return IsExcluded(settings, SourcePath(unit)) ? UnitAction::Exclude : UnitAction::Run;
 }
@@ -48,6 +49,7 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
     static_cast<void>(history.UnitsMadeOf(places, isMatched));
     ListedUnits selection;
     std::vector<std::string> chosen;
+    // The answers stand in the order in which the places were asked for.
     std::size_t first = 0; // of the file's places
     for (const ListedFile& file : listed) {
         std::size_t place = 0;

@@ -75,8 +75,8 @@ UnitResult UnitRun::Run(const UnitWork& work) {
             // The report is read without the log: it must show that this source is missing from it.
             result.ownFindings.push_back(NotAnalyzedMessage(plan_.sourcePath));
         }
-        // In front of its base, which is any other fault and ends in a result.
     } catch (const CoreUnusableException&) {
+        // In front of its base, which is any other fault and ends in a result.
         throw;
     } catch (const std::exception& error) {
         result.status = AnalyzerStatus::Failed;

@@ -45,6 +45,7 @@ Language UnitLanguage(const ParsedCommand& command) {
 
 SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& model, const ParsedCommand& command,
                               const std::string& standard, const UnitFiles& files) {
+    // All of them, those too that only the core knows.
     SettingsMap settings = userSettings;
     const std::pair<const char*, std::string> defaults[] = {
         {"preprocessor",      std::string(model.Name())                                            },
@@ -65,6 +66,7 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
     for (const auto& [key, value] : defaults) {
         addDefault(key, value);
     }
+    // A key of that family alone.
     if (IsMsvcFamily(command.compilerType)) {
         addDefault("msvc-await", YesOrNo(command.effects.Has(FlagEffect::Coroutines)));
     }
