@@ -29,6 +29,7 @@ constexpr const char* AnalysisModeHelp = "MODE defines the group of warnings tha
                                          "OWASP   - OWASP guidelines.\n"
                                          "Several types of warnings must be separated by ';', e.g. 'GA;OP;64'.";
 
+// What an option fills in: the kind of field decides whether it takes a value, and how often.
 using SwitchField = bool AnalyzeOptions::*;
 using ValueField = std::optional<std::string> AnalyzeOptions::*;
 using ListField = std::vector<std::string> AnalyzeOptions::*; // may be given several times
@@ -116,12 +117,14 @@ public:
     explicit OptionReader(args::Subparser& parser) : parser_(parser) {}
 
     template <std::size_t Size>
+    // Declares the rows on the parser in their order, which is that of the help.
     void Declare(const OptionRow (&rows)[Size], args::Options visibility) {
         for (const OptionRow& row : rows) {
             std::visit([&](auto field) { DeclareRow(row, visibility, field); }, row.field);
         }
     }
 
+    // After the parsing: what was not given leaves the record as it is.
     void StoreInto(AnalyzeOptions& options) const {
         for (const auto& store : stores_) {
             store(options);
@@ -138,6 +141,7 @@ private:
     void DeclareRow(const OptionRow& row, args::Options visibility, ValueField field) {
         using Flag = args::ValueFlag<std::string>;
         auto flag = std::make_shared<Flag>(parser_, row.valueName, row.help, MatcherOf(row), visibility);
+        // Only shown: an option that was not given has no value, so that a settings file's counts.
         if (row.shownDefault != nullptr) {
             flag->HelpDefault(row.shownDefault);
         }
@@ -189,6 +193,7 @@ AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
 }
 
 std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& options) {
+    // With letter case, and whole: a part of a word means nothing.
     const std::optional<std::string>& word = options.regenerateDependInfo;
     if (!word) {
         return std::nullopt;

@@ -103,8 +103,8 @@ int AnalyzeRun::Analyze() {
     std::exception_ptr failure;
     try {
         passes.Run();
-        // Kept until the end has been told: what was found up to here is worth it.
     } catch (...) {
+        // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
     // Also after an error: the history may have been kept.

@@ -17,6 +17,7 @@ std::string FunctionName(const std::string& program) {
     return name;
 }
 
+// The words with the separator between them.
 std::string Joined(const std::vector<std::string>& words, std::string_view separator = " ") {
     std::string text;
     for (const std::string& word : words) {
@@ -26,6 +27,7 @@ std::string Joined(const std::vector<std::string>& words, std::string_view separ
     return text;
 }
 
+// The short name first, where there are both.
 std::vector<std::string> NamesOf(const OptionText& option) {
     std::vector<std::string> names;
     for (const std::string& name : {option.shortName, option.longName}) {
@@ -58,6 +60,7 @@ std::vector<const CommandText*> CommandsAndOwn(const ProgramText& program) {
     return all;
 }
 
+// With blanks between them, as the shells take lists of words.
 std::string CommandNames(const ProgramText& program) {
     std::vector<std::string> names;
     for (const CommandText& command : program.commands) {
@@ -70,6 +73,7 @@ std::string CommandNames(const ProgramText& program) {
 std::string BashValues(const CommandText& command) {
     std::string text;
     for (const OptionText& option : command.options) {
+        // What stands behind such an option is no value of it.
         if (option.kind == ValueKind::None) {
             continue;
         }
@@ -98,6 +102,7 @@ std::string BashValues(const CommandText& command) {
     return text;
 }
 
+// One function: it finds the subcommand, then the option whose value is typed, then offers names.
 std::string BashScript(const ProgramText& program) {
     const std::string function = FunctionName(program.name);
     std::string text = "# Completion of " + program.name + " for bash; made by " + program.name +
@@ -184,6 +189,8 @@ std::string ZshOption(const OptionText& option) {
     return text + "' \\\n";
 }
 
+// A call of the function that knows options. `takesFiles` says what stands for all other words: reports, or the
+// subcommand with its own words behind it.
 std::string ZshArguments(const CommandText& command, bool takesFiles) {
     std::string text = "_arguments -S \\\n";
     for (const OptionText& option : command.options) {
@@ -192,6 +199,7 @@ std::string ZshArguments(const CommandText& command, bool takesFiles) {
     return text + (takesFiles ? "        '*:report:_files'\n" : "        '*::command:->command'\n");
 }
 
+// The function itself, which is also called when the file is loaded for the first time.
 std::string ZshScript(const ProgramText& program) {
     const std::string function = FunctionName(program.name);
     std::string text = "#compdef " + program.name + "\n# Made by " + program.name + " --print-completion zsh.\n" +
@@ -213,6 +221,7 @@ std::string ZshScript(const ProgramText& program) {
     return text + "}\n" + function + " \"$@\"\n";
 }
 
+// A line for each option; `condition` says when it counts, and is empty for a program without subcommands.
 std::string FishOptions(const std::string& program, const CommandText& command, const std::string& condition) {
     std::string text;
     for (const OptionText& option : command.options) {
@@ -223,6 +232,7 @@ std::string FishOptions(const std::string& program, const CommandText& command, 
         case ValueKind::None:
             break;
         case ValueKind::Any:
+            // "-x" takes a value and offers no files.
             text += " -x";
             break;
         case ValueKind::File:
@@ -245,6 +255,7 @@ std::string FishOptions(const std::string& program, const CommandText& command, 
     return text;
 }
 
+// A list of lines, none of which knows of the others.
 std::string FishScript(const ProgramText& program) {
     std::string text =
         "# Completion of " + program.name + " for fish; made by " + program.name + " --print-completion fish.\n";

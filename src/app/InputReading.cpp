@@ -24,6 +24,7 @@ constexpr const char* DefaultInput = "compile_commands.json";
 std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     const std::string& source = *options.sourceFile;
     std::vector<std::string> command;
+    // With a source file, the option names the compiler; it filters nothing.
     if (!options.compilers.empty()) {
         command.push_back(options.compilers.front());
     } else {
@@ -56,6 +57,7 @@ std::string InputPath(const std::string& given) {
                         "(strace), and name it with -f FILE");
 }
 
+// What became of invocations that give no unit; which ones, only in the verbose log.
 void TellSkipped(const CollectedCommands& commands, Log& log) {
     // Told also without the verbose log: otherwise nobody would know why these are missing from the report.
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
@@ -102,6 +104,7 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     CompilerIdentifier identifier(settings, log, stop);
     InvocationCollector collector(settings, registry, identifier, log);
     if (options.sourceFile) {
+        // In the current folder, as if the command had been typed there.
         collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
     } else {
         ReadBuildInput(InputPath(options.inputFile.value_or(DefaultInput)), collector);

@@ -23,6 +23,7 @@ struct ChoicesRow {
     std::vector<std::string> (*choices)();
 };
 
+// The words by which the groups of diagnostics are asked for, in the order of the help.
 std::vector<std::string> AnalyzerChoices() {
     return {"GA", "64", "OP", "CS", "MISRA", "AUTOSAR", "OWASP"};
 }
@@ -78,6 +79,7 @@ constexpr KindRow KindsOfValues[] = {
     {"DIR",  ValueKind::Folder},
 };
 
+// Choices first: an option with a list of words is no file, whatever its value is called.
 void FindKind(OptionText& option) {
     for (const ChoicesRow& row : ChoicesOfOptions) {
         if (option.longName == row.longName) {
@@ -98,6 +100,7 @@ void FindKind(OptionText& option) {
 OptionText ReadOption(std::string_view names, std::string help) {
     OptionText option;
     option.help = std::move(help);
+    // Both names carry the value's name; the last one read counts, as they are the same.
     while (!names.empty()) {
         const std::size_t comma = names.find(", ");
         std::string_view name = names.substr(0, comma);
@@ -147,6 +150,7 @@ ProgramText DescribeProgram(const args::ArgumentParser& parser) {
         if ((child->GetOptions() & args::Options::HiddenFromDescription) != args::Options::None) {
             continue;
         }
+        // Of a subcommand: its own name, then the rows of its options.
         auto rows = child->GetDescription(parameters, 0);
         CommandText* target = &program.own;
         if (const auto* const command = dynamic_cast<const args::Command*>(child)) {

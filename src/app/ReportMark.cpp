@@ -39,6 +39,7 @@ std::optional<Mark> ReadMark(const std::string& path) {
     }
 }
 
+// Numbers alone: nothing in it has to be escaped, and what can't be read is no mark.
 std::string TextOf(const Mark& mark) {
     std::ostringstream text;
     for (const std::uint64_t number : {mark.contents.high, mark.contents.low, mark.report.size, mark.report.bytes.high,

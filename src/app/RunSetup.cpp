@@ -53,7 +53,9 @@ void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
     settings.environmentChanges[change.substr(0, equalsSign)] = change.substr(equalsSign + 1);
 }
 
+// Lays what was given over what the settings file says. Relative paths count from the current folder.
 void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
+    // As the number that the core takes; the file's value has become one when it was read.
     if (options.analysisMode) {
         OverrideSetting(settings, "analysis-mode", std::to_string(ParseAnalysisMode(*options.analysisMode)));
     }
@@ -145,6 +147,7 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
     if (reportPath.empty()) {
         return std::make_unique<ConsoleOutput>(format);
     }
+    // The name decides, also against the settings: readers judge by the name too.
     if (IsJsonDocumentName(reportPath)) {
         const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
         return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");

@@ -34,6 +34,7 @@ bool ShownFindings::Write(const ReportMessage& message) {
         return true;
     }
     ++count_;
+    // The gate sees every finding, also those that are not shown.
     gateMatches_ += gate_ && gate_->Matches(message) ? 1U : 0U;
     const std::size_t rank = LevelRank(message.level);
     // One that is as bad as the last of them came later: the earlier one stays.

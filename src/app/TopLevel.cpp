@@ -31,6 +31,7 @@ void PrintError(const Error& error) {
     }
 }
 
+// In one piece, as all that is printed.
 void PrintHelp(const args::ArgumentParser& parser) {
     std::ostringstream text;
     text << parser;
@@ -47,6 +48,7 @@ void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* a
     parser.ParseArgs(words);
 }
 
+// The advice only where it may help, which whoever read the input knows.
 void PrintNoInvocations(const NoCompilerInvocationsFound& error) {
     std::string text = "No compiler invocations were detected.";
     if (error.HintForUser() == NoCompilerInvocationsFound::Hint::NameTheCompiler) {
@@ -75,6 +77,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         }
         return 0;
     } catch (const args::Completion& completion) {
+        // The library ends these by exceptions too; they are no errors.
         Print(completion.what());
         return 0;
     } catch (const args::Help&) {
@@ -87,16 +90,18 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         PrintLine(error.what());
         PrintHelp(parser);
         PrintLine(error.what()); // the first one may be far up by now
-        // Who has stopped it knows: no message.
     } catch (const OrvlogConverter::StoppedException&) {
+        // Who has stopped it knows: no message.
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
         PrintError(error);
     } catch (const NoCompilationCommandsToRun& error) {
+        // Without "Error: " in front, which the handler of its base would add.
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
         PrintNoInvocations(error);
     } catch (const ZelmRcException& error) {
+        // All has been told by then; only the code is left.
         return error.ReturnCode();
     } catch (const ZelmException& error) {
         PrintError(error);

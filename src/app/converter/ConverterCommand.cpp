@@ -35,9 +35,11 @@ constexpr const char* Description =
     "Orvanta report converter.\n\nReads reports of the analyzer, leaves out what is not wanted and writes the rest in "
     "other forms.";
 
+// All values are taken as words: they are read where a wrong one can be told of by its option's name.
 using StringFlag = args::ValueFlag<std::string>;
 using StringListFlag = args::ValueFlagList<std::string>;
 
+// For the help: from the table of forms, so that none is left out.
 std::string KnownTypes() {
     std::string names;
     for (const RenderType& type : AllRenderTypes()) {
@@ -149,6 +151,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
     std::vector<RenderTarget> targets;
     for (const std::string& name : types) {
         const RenderType& type = RenderTypeNamed(name);
+        // By address: there is one row for each form.
         const auto isSame = [&type](const RenderTarget& target) {
             return target.type == &type;
         };
@@ -156,6 +159,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
             targets.push_back({&type, output});
         }
     }
+    // Nothing to write: whether places exist does not matter.
     if (targets.empty()) {
         return targets;
     }
@@ -167,6 +171,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
         targets.front().path = output;
         return targets;
     }
+    // Several forms need several files, which only a folder holds.
     const bool isFolder = targets.size() > 1 || output.empty() || Orvanta::IsDirectory(output);
     RequireFolder(isFolder ? output : std::string(DirectoryOf(output)));
     for (RenderTarget& target : targets) {
@@ -181,6 +186,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
     return targets;
 }
 
+// All that can be wrong with the options is found here, before a report is read.
 LogParserSettings MakeSettings(Options& options) {
     LogParserSettings settings;
     settings.reports = options.reports.Get();
@@ -206,6 +212,7 @@ LogParserSettings MakeSettings(Options& options) {
     settings.render.programVersion = Orvanta::Version;
     settings.suppressBase = options.base.Get();
     settings.keepsSuppressed = options.keepSuppressed.Matched();
+    // Without a base, nothing would be marked, and nobody would know why.
     if (settings.keepsSuppressed && settings.suppressBase.empty()) {
         throw ConfigException("--keep-suppressed needs a suppression base", "Name it with --suppress-file FILE");
     }
@@ -235,6 +242,7 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
         LogParserWorker worker(MakeSettings(options), Orvanta::ProcessStopFlag());
         worker.Run();
+        // Only after everything is written: the gate says what the reports hold, and takes nothing from them.
         if (worker.GateMatches() > 0) {
             throw Orvanta::ZelmRcException(GateExitCode);
         }
