@@ -81,7 +81,7 @@ public:
         return true;
     }
 
-    // The string that `target` stands for. Runs of plain characters are copied at once.
+    // The text of a string, with its escapes resolved. Runs of plain characters are copied at once.
     bool TakeString(std::string& target) {
         if (!Take('"')) {
             return false;

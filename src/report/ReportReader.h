@@ -2,9 +2,9 @@
 
 // How finished reports are read.
 //
-// A report may come from this program, from an older form of it, from a compiler, or be several of those put into one
-// file. So a file of lines has no form of its own: each line is judged by itself. Only a document must be known as one
-// beforehand, by its name, since it has no lines that mean anything.
+// A report may be in one of our two line forms, in that of compilers, or several of those put into one file. So a file
+// of lines has no form of its own: each line is judged by itself. Only a document must be known as one beforehand, by
+// its name or, on standard input, by how it begins: it has no lines that mean anything.
 //
 // Reports are larger than memory. Lines are cut from a buffer of some blocks, and a document is handed on message by
 // message while the JSON library parses it: what was handed on is dropped from the document that the library builds.
