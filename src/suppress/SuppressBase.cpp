@@ -217,7 +217,7 @@ private:
         return true;
     }
 
-    // The next value's text goes behind its key into `members`, however deep it is.
+    // The next value's text goes behind its key into `members`.
     void BeginCopy(std::string& members, const std::string& name) {
         members += ", ";
         AppendJsonString(members, name);
