@@ -110,7 +110,7 @@ InvocationCounts CountUnits(const RunOutcome& outcome) {
 
 // One line: findings of each level, and those that a base hides, which are not in the report.
 std::string FindingsText(const RunOutcome& outcome) {
-    // A report without levels is rare: that count is only shown when there is one.
+    // Findings without a level are rare: they are only counted when there are some.
     const auto& levels = outcome.findingsByLevel;
     std::string text = "Findings: " + std::to_string(levels[1]) + " high, " + std::to_string(levels[2]) + " medium, " +
                        std::to_string(levels[3]) + " low";

@@ -38,7 +38,7 @@ void TellPrecompiledForms(const UnitPlan& plan, Log& log) {
     }
 }
 
-// What the log shows of it depends on the verbosity; the reason is one line, for the list of failures.
+// What the log shows of it depends on the verbosity; the reason goes into the list of failures.
 UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, const CapturedOutput& output,
                                  Log& log) {
     std::string text = "Source file can't be preprocessed!";
@@ -76,7 +76,7 @@ UnitResult UnitRun::Run(const UnitWork& work) {
             result.ownFindings.push_back(NotAnalyzedMessage(plan_.sourcePath));
         }
     } catch (const CoreUnusableException&) {
-        // In front of its base, which is any other fault and ends in a result.
+        // Past the next handler, which would make it this unit's result.
         throw;
     } catch (const std::exception& error) {
         result.status = AnalyzerStatus::Failed;
