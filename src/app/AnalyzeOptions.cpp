@@ -116,8 +116,8 @@ class OptionReader {
 public:
     explicit OptionReader(args::Subparser& parser) : parser_(parser) {}
 
-    template <std::size_t Size>
     // Declares the rows on the parser in their order, which is that of the help.
+    template <std::size_t Size>
     void Declare(const OptionRow (&rows)[Size], args::Options visibility) {
         for (const OptionRow& row : rows) {
             std::visit([&](auto field) { DeclareRow(row, visibility, field); }, row.field);
@@ -193,7 +193,6 @@ AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
 }
 
 std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& options) {
-    // With letter case, and whole: a part of a word means nothing.
     const std::optional<std::string>& word = options.regenerateDependInfo;
     if (!word) {
         return std::nullopt;

@@ -66,7 +66,6 @@ void AnalyzePasses::Run() {
     }
     if (!Keep() && RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis) {
         ending_.summary.clear(); // to keep them was all that the run was for
-        // Otherwise the history costs later runs time, and this one nothing.
         throw ZelmException("The dependencies can't be saved to " + OrvantaFolder(places_.outputFolder));
     }
 }

@@ -192,7 +192,6 @@ void AnalyzeRun::End(const RunEnding& ending) {
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
     }
-    // Without a report there was no pass that could have found anything.
     if (!ending.reportPath.empty()) {
         ShowFindings();
     }

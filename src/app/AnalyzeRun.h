@@ -42,7 +42,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    // Reads what there is to do; starts compilers where the input has to be identified, but no core. Changes nothing.
+    // Reads what there is to do. Starts compilers where they have to be identified, but no core; touches no report.
     void ReadInputs();
     // From the locks to the end that the user sees. Returns the run's code; an error of the passes leaves it as thrown.
     [[nodiscard]] int Analyze();

@@ -17,7 +17,6 @@ std::string FunctionName(const std::string& program) {
     return name;
 }
 
-// The words with the separator between them.
 std::string Joined(const std::vector<std::string>& words, std::string_view separator = " ") {
     std::string text;
     for (const std::string& word : words) {

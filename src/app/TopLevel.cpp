@@ -22,8 +22,8 @@ void Print(std::string_view text) {
     WriteToStandardOutput(text);
 }
 
-template <class Error>
 // The two hierarchies of errors have this in common: a text and a hint.
+template <class Error>
 void PrintError(const Error& error) {
     PrintLine(std::string("Error: ") + error.what());
     if (!error.Hint().empty()) {
