@@ -28,6 +28,7 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
     try {
         plan = planner_.Plan(*task.command, task.unit, task.mode);
     } catch (const std::exception& error) {
+        // A plan that can't be made is the unit's own fault: the others go on.
         return {.status = AnalyzerStatus::Failed, .reason = error.what()};
     }
     const UnitRunContext context = {settings_, places_, log_, stop_};
@@ -42,8 +43,10 @@ void AnalyzerRunner::RunTask(const AnalysisTask& task, ResultReceiver& receiver)
         coreIsUnusable_.store(true);
         throw; // to the pool, which hands it to WaitForTasks
     }
+    // From the next line on the result is the receiver's.
     const bool isStopped = result.status == AnalyzerStatus::Stopped;
     receiver.Commit(task.unit, std::move(result));
+    // In this order: what progress shows as done has been handed over.
     task.progress->CountFinished();
     if (!isStopped) {
         task.progress->Step(ProgressStageOf(*task.work), SourcePath(*task.command));
@@ -79,6 +82,7 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
         throw NoCompilationCommandsToRun();
     }
     PassProgress progress(progress_, commands.size(), pass.percents);
+    // A thread for a unit that needs no run would only cost its start.
     const auto runs = std::count(pass.actions.begin(), pass.actions.end(), UnitAction::Run);
     const auto workers = std::min<std::size_t>(threads, static_cast<std::size_t>(runs));
     WorkerPool pool(workers);
@@ -97,9 +101,12 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
         if (std::exchange(hasSettled, false)) {
             pass.receiver.Flush();
         }
+        // Room is waited for, so that no more is queued than what the workers take next: a stop takes effect at once,
+        // and the tasks of a large build don't pile up in memory. Each wait ends after a while to look at the stop.
         while (!ShouldEnd() && !pool.WaitForRoom(PollInterval)) {
         }
         if (ShouldEnd()) {
+            // The loop goes on: units behind this one that need no run are handed over all the same.
             pass.receiver.Commit(unit, {.status = AnalyzerStatus::Stopped});
             continue;
         }
@@ -107,6 +114,7 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
         pool.push_task([this, &pass, task] { RunTask(task, pass.receiver); });
     }
     pool.WaitForTasks();
+    // Only now is no worker in Commit any more, which the receiver asks for.
     return CombinedResult(pass.receiver.Outcome());
 }
 
@@ -121,12 +129,14 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
             collected.push_back(std::move(path));
         }
     }
+    // In a file of its own: the paths of a large build are too much for one value of the settings.
     const std::string list = JoinPath(folder, "units.txt");
     WritePathList(list, collected);
     SettingsMap settings = {
         {"intermodular-unit-list", list}
     };
     AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.MergedFile(), "");
+    // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
     static_cast<void>(
@@ -143,6 +153,7 @@ void PrepareMerge(const RunPlaces& places) {
     } catch (const FileException&) {
         throw ZelmException("Couldn't create path: " + folder);
     }
+    // What an earlier run linked must not be taken for this one's when the linking fails.
     RemoveFile(places.MergedFile());
 }
 

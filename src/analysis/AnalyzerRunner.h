@@ -42,6 +42,7 @@ namespace Orvanta {
 /// There is no compile command left to run. Only the entry catches it.
 class NoCompilationCommandsToRun : public ZelmException {
 public:
+    /// Its text is what the user reads.
     NoCompilationCommandsToRun() : ZelmException("No compilation units were found.") {}
 };
 
@@ -79,8 +80,12 @@ public:
     void RunMerge(std::span<const CompileCommand* const> commands);
 
 private:
+    // What a worker does with a queued unit: runs it, hands its result over, and counts it. Throws what ends the pass,
+    // after which no unit begins.
     void RunTask(const AnalysisTask& task, ResultReceiver& receiver);
+    // The result of a unit with which nothing is to be done; absent for one that is to run.
     [[nodiscard]] std::optional<UnitResult> SettledResult(const CompileCommand& command, UnitAction action) const;
+    // Whether no further unit is to begin: the user stops the run, or no core can be started.
     [[nodiscard]] bool ShouldEnd() const noexcept;
 
     const RunSettings& settings_;

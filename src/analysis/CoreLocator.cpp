@@ -16,6 +16,7 @@ constexpr const char* BundledCoreFolder = "../lib/orvanta";
 } // namespace
 
 CoreLocation LocateCore(const std::string& programDirectory) {
+    // First, so that a package that comes with its own core uses that one, whatever else is installed.
     const std::string beside = JoinPath(programDirectory, CoreName);
     if (LookAt(beside).IsThere()) {
         return {beside, CoreLocation::Origin::Installed};
@@ -26,6 +27,7 @@ CoreLocation LocateCore(const std::string& programDirectory) {
             return {installed, CoreLocation::Origin::Installed};
         }
     }
+    // Last: whoever has installed one wants that one.
     const std::string bundled = NormalizePath(JoinPath(JoinPath(programDirectory, BundledCoreFolder), CoreName));
     if (LookAt(bundled).IsThere()) {
         return {bundled, CoreLocation::Origin::Bundled};

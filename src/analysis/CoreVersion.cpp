@@ -10,9 +10,11 @@ namespace Orvanta {
 
 namespace {
 
+// A core that takes the flag for a file name may wait for something: the run goes on without an answer.
 constexpr std::chrono::seconds LongestWait{10};
 constexpr std::size_t LongestVersion = 4096; // bytes; what a core prints beyond them is no version
 
+// Goes on receiving behind the limit: a core that nobody listens to would block on a full pipe.
 OutputReceiver ReceiveUpToLimit(std::string& target) {
     return [&target](std::string_view bytes) {
         target.append(bytes.substr(0, LongestVersion - target.size()));
@@ -26,6 +28,7 @@ std::string AskCoreVersion(const std::string& corePath, const std::string& folde
     Process process({corePath, "--version"}, folder, OwnEnvironmentBlock(), ReceiveUpToLimit(output),
                     [](std::string_view) {});
     const WaitResult end = WaitWithTimeout(process, LongestWait, PollInterval, stop);
+    // What stands in the output then is a complaint, no version.
     if (!end.finished || end.exitCode != 0) {
         return "";
     }

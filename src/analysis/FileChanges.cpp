@@ -9,6 +9,7 @@ namespace Orvanta {
 bool FileChanges::HasChanged(const std::string& path) {
     return answers_.Get(path, [&] {
         const std::optional<FileStamp> stamp = StampOf(path);
+        // The stamp alone: there is no earlier one to compare with, only the moment since when the text is to be good.
         return !stamp || clock_.IsSinceStart(*stamp);
     });
 }

@@ -18,7 +18,9 @@ public:
     [[nodiscard]] bool HasChanged(const std::string& path);
 
 private:
+    // The file system's own: it may be another machine's, with another time than this one's.
     FileSystemClock clock_;
+    // By path: most headers are asked for by many units.
     OnceMap<bool> answers_;
 };
 

@@ -11,9 +11,11 @@ namespace Orvanta {
 /// Counts the finished units of one pass and shows its steps. Any thread may call it.
 class PassProgress {
 public:
+    /// `units` is at least 1; `range` is the share of the whole run's progress that the pass has.
     PassProgress(AnalyzerProgress& progress, std::size_t units, PercentRange range)
         : progress_(progress), units_(units), range_(range) {}
 
+    /// Counts one more unit as finished; shows nothing.
     void CountFinished() { ++finished_; }
 
     /// A unit, which counts when it has been counted, has gone through a stage.

@@ -13,6 +13,7 @@ void WritePathList(const std::string& path, const std::vector<std::string>& list
         text += line;
         text += '\n';
     }
+    // In one piece, since a system call for each line would cost more than the text.
     OutputFile(path, OutputFile::Mode::Replace).Append(text);
 }
 

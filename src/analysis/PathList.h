@@ -5,7 +5,7 @@
 
 namespace Orvanta {
 
-/// Writes a file of one path a line.
+/// Writes a file of one path a line. A path with a line feed in it would be read back as two.
 /// \throws ZelmException with the path and the system's reason
 void WritePathList(const std::string& path, const std::vector<std::string>& listed);
 

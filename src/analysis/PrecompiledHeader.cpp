@@ -9,6 +9,7 @@
 namespace Orvanta {
 
 std::optional<std::string> FindPrecompiledForm(const std::string& header, Log& log) {
+    // A folder of that name holds one form for each language; a file is the only one.
     for (const char* const ending : {".gch/c++", ".gch/c", ".gch"}) {
         const std::string path = header + ending;
         const bool exists = LookAt(path).IsThere();
@@ -22,6 +23,7 @@ std::optional<std::string> FindPrecompiledForm(const std::string& header, Log& l
 
 void IncludePlainHeader(ParsedCommand& command, const std::string& directory) {
     const std::string path = command.precompiled.path;
+    // In the flag's own place, since the order of forced includes decides what each of them sees.
     const auto place = static_cast<std::ptrdiff_t>(command.precompiled.firstArgument);
     DropPrecompiled(command);
     const std::string header = path.substr(0, path.size() - ExtensionOf(path).size());

@@ -17,6 +17,7 @@ std::string_view TellingLine(std::string_view output) {
     std::string_view firstLine;
     while (!output.empty()) {
         const std::string_view line = Trim(TakeLine(output));
+        // Compilers print warnings and "In file included from" before what stopped them.
         if (ContainsIgnoringCase(line, "error")) {
             return line;
         }

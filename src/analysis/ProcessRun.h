@@ -8,6 +8,7 @@
 namespace Orvanta {
 
 /// Where and with what a child is started.
+/// Both outlive the start.
 struct ProcessPlace {
     const std::string& workingDirectory;
     const EnvironmentBlock& environment;

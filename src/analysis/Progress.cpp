@@ -9,6 +9,7 @@ namespace Orvanta {
 
 namespace {
 
+// By number of the stage: the order is that of ProgressStage.
 constexpr std::array<std::string_view, 3> StageTexts = {"%] Analyzing: ", "%] Parsing includes: ", "%] Parsing: "};
 
 } // namespace
@@ -16,6 +17,7 @@ constexpr std::array<std::string_view, 3> StageTexts = {"%] Analyzing: ", "%] Pa
 std::string ProgressLine(unsigned percent, unsigned stage, std::string_view file) {
     const std::string number = std::to_string(percent);
     std::string line = "[";
+    // Three places, so that the lines stand under each other up to 100.
     line.append(number.size() < 3 ? 3 - number.size() : 0, ' ');
     line += number;
     if (stage < StageTexts.size()) {

@@ -41,8 +41,11 @@ public:
     /// `log` takes the message lines and must outlive this. Messages are shown even when progress is hidden.
     StdOutProgress(Display display, Log& log) : display_(display), log_(log) {}
 
+    /// Writes one line to standard output, never with a lower percentage than the line before; nothing when hidden.
     void Step(unsigned percent, unsigned stage, std::string_view file) override;
+    /// Shows the summary, unless progress is hidden.
     void Finish(std::string_view summary) override;
+    /// Shows the line in any case.
     void Message(std::string_view line) override;
 
 private:

@@ -20,6 +20,7 @@ namespace {
 
 // What an earlier run found can't be lost any more: it need not be on disk at once. So what has not changed costs a few
 // writes of the report in all, and little memory.
+// Whichever is reached first: the bytes bound the memory where few units found much.
 constexpr std::size_t UnitsTogether = 256;
 constexpr std::size_t BytesTogether = std::size_t{1} << 20U;
 
@@ -29,6 +30,7 @@ bool IsSettled(AnalyzerStatus status) {
            status == AnalyzerStatus::NotListed || status == AnalyzerStatus::Stopped;
 }
 
+// Keeps what else is known of the unit: findings that could be read are reported all the same.
 void MarkFailed(UnitResult& result, std::string reason) {
     if (!IsFailure(result.status)) { // the first reason stays
         result.status = AnalyzerStatus::Failed;
@@ -41,6 +43,7 @@ void MarkFailed(UnitResult& result, std::string reason) {
 ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output,
                                  OrvlogConverter::IOutput& chain, KeptFindings keptFindings)
     : output_(output), chain_(&chain), keptFindings_(std::move(keptFindings)) {
+    // What a unit is whose result never comes in: it was not reached.
     outcome_.statuses.assign(units, AnalyzerStatus::Stopped);
 }
 
@@ -48,6 +51,7 @@ void ReportCommitter::Commit(std::size_t unit, UnitResult result) {
     const std::lock_guard lock(mutex_);
     const bool isSettled = IsSettled(result.status);
     waiting_.emplace(unit, std::move(result));
+    // One result may be what many behind it have waited for.
     for (auto ready = waiting_.find(next_); ready != waiting_.end(); ready = waiting_.find(next_)) {
         CommitUnit(lock, next_, ready->second);
         waiting_.erase(ready);
@@ -64,6 +68,8 @@ void ReportCommitter::Flush() {
 
 void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& result) {
     try {
+        // The core's findings come before the driver's own, and both are passed on before the status is written down:
+        // what can't be read changes it.
         PassOnFragment(lock, result);
         if (result.status == AnalyzerStatus::CarriedOver) {
             PassOnLines(lock, keptFindings_(unit), result);
@@ -76,6 +82,7 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
     }
     outcome_.Settle(unit, result);
     ++next_;
+    // A unit that was analyzed cost time, so its findings are put on disk at once; they can be lost by a kill.
     if (!IsSettled(result.status) || next_ - published_ >= UnitsTogether || bytesWaiting_ >= BytesTogether) {
         Publish(lock);
     }
@@ -91,12 +98,14 @@ void ReportCommitter::Publish(Locked) {
     } catch (const std::exception& error) {
         for (; published_ < next_; ++published_) {
             const AnalyzerStatus status = outcome_.statuses[published_];
+            // Those that were excluded or not reached had no findings to lose.
             if (status == AnalyzerStatus::CarriedOver || !IsSettled(status)) {
                 outcome_.Fail(published_, error.what());
             }
         }
     }
     published_ = next_;
+    // Either counted above, or lost with the units that have failed; never counted twice.
     findingsWaiting_ = {};
     bytesWaiting_ = 0;
 }
@@ -107,6 +116,7 @@ void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
     if (result.fragmentPath.empty()) {
         return;
     }
+    // Removed on every way out, also when it can't be read: the folder may be one that the user keeps.
     const ScopedFile file(result.fragmentPath);
     if (result.status == AnalyzerStatus::Stopped || !PathExists(result.fragmentPath)) {
         return;
@@ -132,6 +142,7 @@ void ReportCommitter::PassOnLines(Locked lock, std::string_view lines, UnitResul
 }
 
 void ReportCommitter::PassOnLine(Locked lock, std::string_view line, std::size_t number, UnitResult& result) {
+    // A core of the other system ends its lines in its own way.
     if (line.ends_with('\r')) {
         line.remove_suffix(1);
     }
@@ -141,12 +152,14 @@ void ReportCommitter::PassOnLine(Locked lock, std::string_view line, std::size_t
     try {
         PassOn(lock, OrvlogConverter::ReadMessageLine(line));
     } catch (const std::exception& error) {
+        // One bad line costs the unit its good name, and the report nothing but that line.
         MarkFailed(result, "Line " + std::to_string(number) + " of the core's findings can't be read: " + error.what());
     }
 }
 
 void ReportCommitter::PassOn(Locked, const OrvlogConverter::ReportMessage& message) {
     if (chain_.Write(message)) {
+        // A level that the core made up counts as none.
         ++findingsWaiting_[message.level < findingsWaiting_.size() ? message.level : 0];
     }
 }

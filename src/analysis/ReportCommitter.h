@@ -35,19 +35,27 @@ public:
     /// unit a failed one.
     void Commit(std::size_t unit, UnitResult result) override;
 
+    /// Puts on disk what was passed on so far: before a wait, so that a kill meanwhile loses none of it.
     void Flush() override;
 
+    /// A unit that was never committed is a stopped one.
     [[nodiscard]] const RunOutcome& Outcome() const noexcept override { return outcome_; }
 
 private:
     // All need mutex_ held, which the first argument proves. Order is the purpose of this lock: it covers the reading
     // of the fragments and the writing of the report.
     using Locked = const std::lock_guard<std::mutex>&;
+    // Passes the findings of the unit whose turn it is, writes down how it ended, and goes on to the next turn.
     void CommitUnit(Locked, std::size_t unit, UnitResult& result);
+    // Puts on disk what was passed on since the last time, and counts it as reported.
     void Publish(Locked);
+    // Passes on what the core wrote for this run, and removes that file.
     void PassOnFragment(Locked, UnitResult& result);
+    // Passes on findings of an earlier run.
     void PassOnLines(Locked, std::string_view lines, UnitResult& result);
+    // Passes on one finding; `number`, from 1, is for the message about a line that can't be read.
     void PassOnLine(Locked, std::string_view line, std::size_t number, UnitResult& result);
+    // Puts a finding into the chain, and counts it when the chain took it.
     void PassOn(Locked, const OrvlogConverter::ReportMessage& message);
 
     std::mutex mutex_;

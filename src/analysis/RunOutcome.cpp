@@ -11,6 +11,7 @@ void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     statuses[unit] = result.status;
     inSystemFolders += result.isInSystemFolder ? 1 : 0;
     if (IsFailure(result.status)) {
+        // Nobody reads the reason of the result after this.
         failures.emplace(unit, std::move(result.reason));
     }
 }
@@ -26,6 +27,7 @@ int CombinedResult(const RunOutcome& outcome) noexcept {
     const auto hasAny = [&](auto predicate) {
         return std::any_of(outcome.statuses.begin(), outcome.statuses.end(), predicate);
     };
+    // A stop counts before failures: a run that did not come to its end says nothing about the units it left.
     if (hasAny([](AnalyzerStatus status) { return status == AnalyzerStatus::Stopped; })) {
         return InterruptedExitCode;
     }
@@ -38,6 +40,7 @@ int CombinedResult(const RunOutcome& outcome) noexcept {
 
 void OutcomeReceiver::Commit(std::size_t unit, UnitResult result) {
     if (!result.fragmentPath.empty()) {
+        // Before the lock: each unit has a file of its own, and the system's call may take its time.
         RemoveFile(result.fragmentPath);
     }
     const std::lock_guard lock(mutex_);

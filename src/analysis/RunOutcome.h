@@ -55,10 +55,13 @@ public:
 /// Takes how the units ended, and drops what they found.
 class OutcomeReceiver : public ResultReceiver {
 public:
+    /// `units` is how many the run has; each counts as stopped until its result comes in.
     explicit OutcomeReceiver(std::size_t units) { outcome_.statuses.assign(units, AnalyzerStatus::Stopped); }
 
+    /// Removes the file of the unit's findings.
     void Commit(std::size_t unit, UnitResult result) override;
 
+    /// Holds no findings.
     [[nodiscard]] const RunOutcome& Outcome() const noexcept override { return outcome_; }
 
 private:

@@ -54,6 +54,7 @@ struct Perform {
 
 } // namespace Work
 
+/// What a pass does, one of the works. Copies are cheap; what it refers to outlives the pass.
 using UnitWork = std::variant<Work::Analyze, Work::AnalyzeAndKeep, Work::ListDependencies, Work::Collect,
                               Work::CollectAndKeep, Work::Perform>;
 

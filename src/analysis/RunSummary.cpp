@@ -13,11 +13,14 @@ namespace Orvanta {
 namespace {
 
 // From the fate that tells least about an invocation to the one that tells most.
+// WeightOf gives the index into this list: the two must agree.
 constexpr std::size_t InvocationCounts::*CountsByWeight[] = {
     &InvocationCounts::skipped,  &InvocationCounts::excluded, &InvocationCounts::carriedOver,
     &InvocationCounts::analyzed, &InvocationCounts::stopped,  &InvocationCounts::failed,
 };
 
+// How much a status tells of an invocation with several units: a failure more than a success, which tells more than a
+// unit that was left out.
 std::size_t WeightOf(AnalyzerStatus status) {
     switch (status) {
     case AnalyzerStatus::NotListed:
@@ -38,9 +41,11 @@ std::size_t WeightOf(AnalyzerStatus status) {
     return 5;
 }
 
+// "N analyzed, N failed, ...": what has to be known always, the rest where there is some.
 std::string CountsText(const InvocationCounts& counts) {
     enum class Shown { Always, WhenAny };
 
+    // Which counts a person looks for even when they are zero, since their absence would leave a doubt.
     struct Part {
         std::size_t count;
         const char* word;
@@ -64,8 +69,10 @@ std::string CountsText(const InvocationCounts& counts) {
     return text;
 }
 
+// One line with the reasons and how many each; empty when nothing was skipped.
 std::string SkippedText(const CollectedCommands& commands, const InvocationCounts& counts) {
     std::map<std::string_view, std::size_t> byReason;
+    // What remains of them when those with a reason of their own are taken off.
     std::size_t notListed = counts.skipped;
     for (const SkippedInvocation& skipped : commands.skipped) {
         if (!IsFailure(skipped.fate)) {
@@ -83,6 +90,7 @@ std::string SkippedText(const CollectedCommands& commands, const InvocationCount
     return text.empty() ? text : text + "\n";
 }
 
+// "H:MM:SS.T", by whole numbers: a floating second would round 59.96 up to 60.0.
 std::string ElapsedText(std::chrono::milliseconds elapsed) {
     const auto tenths = elapsed.count() / 100;
     std::ostringstream text;
@@ -91,6 +99,7 @@ std::string ElapsedText(std::chrono::milliseconds elapsed) {
     return text.str();
 }
 
+// The same counts, of the units themselves.
 InvocationCounts CountUnits(const RunOutcome& outcome) {
     InvocationCounts counts;
     for (const AnalyzerStatus status : outcome.statuses) {
@@ -99,7 +108,9 @@ InvocationCounts CountUnits(const RunOutcome& outcome) {
     return counts;
 }
 
+// One line: findings of each level, and those that a base hides, which are not in the report.
 std::string FindingsText(const RunOutcome& outcome) {
+    // Findings without a level are rare: they are only counted when there are some.
     const auto& levels = outcome.findingsByLevel;
     std::string text = "Findings: " + std::to_string(levels[1]) + " high, " + std::to_string(levels[2]) + " medium, " +
                        std::to_string(levels[3]) + " low";
@@ -112,6 +123,7 @@ std::string FindingsText(const RunOutcome& outcome) {
     return text + "\n";
 }
 
+// Further lines of a reason are indented, so that each unit is found by its own line's start.
 void AppendFailure(std::string& text, const std::string& what, std::string_view reason) {
     text += "  " + what + ": ";
     for (const char character : reason) {
@@ -134,6 +146,7 @@ InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOu
     for (const SkippedInvocation& skipped : commands.skipped) {
         ++(IsFailure(skipped.fate) ? counts.failed : counts.skipped);
     }
+    // The units of one invocation stand next to each other.
     for (std::size_t unit = 0; unit < commands.units.size();) {
         const std::size_t invocation = commands.units[unit].invocation;
         std::size_t weight = 0;
@@ -151,10 +164,12 @@ std::string SummaryText(const CollectedCommands& commands, const RunOutcome& out
     const InvocationCounts units = CountUnits(outcome);
     std::string text = "Analysis finished in " + ElapsedText(elapsed) + "\n";
     text += "Compiler invocations: " + std::to_string(counts.Total()) + " (" + CountsText(counts) + ")\n";
+    // Only where some invocation compiles several sources do the two counts differ.
     if (units.Total() + commands.skipped.size() != counts.Total()) {
         text += "Source files of them: " + std::to_string(units.Total()) + " (" + CountsText(units) + ")\n";
     }
     text += SkippedText(commands, counts);
+    // Its findings were not counted: zeros would be wrong.
     if (!outcome.isReportKept) {
         text += FindingsText(outcome);
     }

@@ -19,6 +19,7 @@ struct InvocationCounts {
     std::size_t skipped = 0;
     std::size_t stopped = 0;
 
+    /// How many invocations the input had.
     [[nodiscard]] std::size_t Total() const noexcept {
         return analyzed + carriedOver + failed + excluded + skipped + stopped;
     }

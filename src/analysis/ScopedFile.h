@@ -10,6 +10,7 @@ namespace Orvanta {
 /// A file that somebody else writes at a path of ours: removed by the destructor, whether it was written or not.
 class ScopedFile {
 public:
+    /// Touches no disk: a file that stands there already is removed at the end like one made later.
     explicit ScopedFile(std::string path) : path_(std::move(path)) {}
 
     ~ScopedFile() { RemoveFile(path_); }
@@ -17,6 +18,7 @@ public:
     ScopedFile(const ScopedFile&) = delete;
     ScopedFile& operator=(const ScopedFile&) = delete;
 
+    /// Where the file is to be written.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
 private:

@@ -9,6 +9,7 @@ namespace Orvanta {
 
 namespace {
 
+// What the settings say of a unit that would run.
 UnitAction RunUnlessExcluded(const CompileCommand& unit, const RunSettings& settings) {
     return IsExcluded(settings, SourcePath(unit)) ? UnitAction::Exclude : UnitAction::Run;
 }
@@ -39,6 +40,7 @@ std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const R
 
 ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
                          std::span<const ListedFile> listed, const RunSettings& settings) {
+    // All places of all files in one question, which costs one walk over the lists of the units.
     std::vector<std::string> places;
     for (const ListedFile& file : listed) {
         places.insert(places.end(), file.places.begin(), file.places.end());
@@ -47,6 +49,7 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
     static_cast<void>(history.UnitsMadeOf(places, isMatched));
     ListedUnits selection;
     std::vector<std::string> chosen;
+    // The answers stand in the order in which the places were asked for.
     std::size_t first = 0; // of the file's places
     for (const ListedFile& file : listed) {
         std::size_t place = 0;
@@ -60,6 +63,7 @@ ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistor
         }
         first += file.places.size();
     }
+    // Asked again with one place for each file: a unit that is made of a file at a later place is not meant.
     const std::vector<bool> isSelected = history.UnitsMadeOf(chosen, isMatched);
     selection.actions = ForEachUnit(units, [&](std::size_t unit) {
         return isSelected[unit] ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut;
@@ -74,6 +78,7 @@ std::vector<UnitAction> SelectModified(std::span<const CompileCommand> units, Un
         if (action == UnitAction::Exclude) {
             return action;
         }
+        // Asked first: such a unit has no findings to carry over.
         if (history.IsLeftOut(unit)) {
             return UnitAction::ExcludeSystem;
         }
@@ -85,6 +90,7 @@ std::vector<UnitAction> SelectUnlisted(std::span<const CompileCommand> units, Un
                                        const RunSettings& settings) {
     return ForEachUnit(units, [&](std::size_t unit) {
         const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        // One that is left out needs no list: nothing is reported of it.
         const bool isKnown = history.IsLeftOut(unit) || history.KnowsDependencies(unit);
         return action == UnitAction::Run && isKnown ? UnitAction::LeaveOut : action;
     });

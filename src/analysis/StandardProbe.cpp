@@ -23,6 +23,7 @@ constexpr std::chrono::seconds ProbeTimeout{30};
 constexpr std::string_view CTestText = "#ifdef __STDC_VERSION__\n__STDC_VERSION__\n#else\n198900L\n#endif";
 constexpr std::string_view CppTestText = "__cplusplus";
 
+// A standard's word goes for all values up to `highest`: compilers on the way to a standard have values in between.
 struct VersionRow {
     long highest;
     std::string_view word;
@@ -43,6 +44,7 @@ constexpr VersionRow CppVersions[] = {
     {201799, "c++17"},
 };
 
+// `takesValue` says whether the next word belongs to the flag when nothing follows its name in the same word.
 struct NeutralFlag {
     std::string_view name;
     bool takesValue;
@@ -81,6 +83,7 @@ constexpr NeutralFlag NeutralFlags[] = {
 // Variables in which shells and make keep their own books: a traced build gives another value to nearly every command.
 constexpr std::string_view NeutralVariables[] = {"MAKEFLAGS", "MAKELEVEL", "MFLAGS", "OLDPWD", "PWD", "SHLVL", "_"};
 
+// What is not known to be neutral counts: a needless question costs a moment, a wrong answer a wrong analysis.
 void AppendDecisiveArguments(std::string& key, std::span<const std::string> arguments) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -89,6 +92,7 @@ void AppendDecisiveArguments(std::string& key, std::span<const std::string> argu
                          [&](const NeutralFlag& flag) { return argument.starts_with(flag.name); });
         // They hand arguments on: any flag may stand in them.
         const bool isList = argument.starts_with("-Wp,") || argument.starts_with("-Wc,");
+        // A null can't stand in an argument, so no two lists of arguments have the same key.
         if (neutral == std::end(NeutralFlags) || isList) {
             key += '\0';
             key += argument;
@@ -108,6 +112,7 @@ bool NamesRelativeFile(const ParsedCommand& command) {
            std::any_of(command.searchPrefixes.begin(), command.searchPrefixes.end(), isRelative);
 }
 
+// All that the answer may depend on. The folder counts only where a flag makes it count: it differs from unit to unit.
 std::string AnswerKey(const ParsedCommand& command, Language language, const std::string& folder,
                       const Environment& ownVariables) {
     std::string key = command.compilerPath;
@@ -147,6 +152,7 @@ std::string_view StandardWordOfVersion(long version, Language language) noexcept
 
 std::optional<long> LastNumber(std::string_view text) noexcept {
     std::size_t end = text.size();
+    // The suffix behind the number ("201703L") is passed over; what stands before it are line marks of the compiler.
     while (end > 0 && !IsDigit(text[end - 1])) {
         --end;
     }
@@ -173,12 +179,14 @@ std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const Pa
 
 std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
                                ProcessPlace place) const {
+    // Threads may ask different compilers at once: each has files of its own. One thread asks one thing at a time.
     const std::string number = std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id()));
     const char* const extension = language == Language::C ? ".Orvanta.c" : ".Orvanta.cpp";
     const ScopedFile source(JoinPath(folder_, number + "__std_test__" + extension));
     const ScopedFile result(JoinPath(folder_, number + "__std_test_output__.Orvanta.i"));
     OutputFile(source.Path(), OutputFile::Mode::Replace).Append(language == Language::C ? CTestText : CppTestText);
 
+    // The unit's own command with another source: what its flags decide decides here, too.
     ParsedCommand probe = command;
     if (!probe.precompiled.path.empty()) {
         DropPrecompiled(probe); // it does not fit another source
@@ -195,6 +203,7 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
     Process process(words, place.workingDirectory, place.environment,
                     MakeRedirectToStringProcessor(output.standardOutput),
                     MakeRedirectToStringProcessor(output.standardError));
+    // A compiler that reads standard input, or asks for a licence, must not hold up the run for good.
     const WaitResult end = WaitWithTimeout(process, ProbeTimeout, PollInterval, stop_);
     try {
         if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {

@@ -28,6 +28,9 @@ public:
                                                     const Environment& ownVariables);
 
 private:
+    // Runs the compiler over one line of source and reads the macro's value. One that can't be started, or fails,
+    // throws, so that no answer is kept; for one that hangs or prints no number the fallback is, since it would do so
+    // again.
     std::string Ask(const Compiler& model, const ParsedCommand& command, Language language, ProcessPlace place) const;
 
     std::string folder_;

@@ -17,6 +17,7 @@ StartableCommand::StartableCommand(Arguments words, const ParsedCommand& parsed,
     if (!text) {
         return; // the start will tell
     }
+    // Taken in charge before it is written: half a file is removed as well.
     responseFile_.emplace(responsePath);
     OutputFile(responsePath, OutputFile::Mode::Replace).Append(*text);
     words_.resize(fixedWords);

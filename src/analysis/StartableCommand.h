@@ -18,6 +18,7 @@ public:
     /// \throws ZelmException when it can't be written
     StartableCommand(Arguments words, const ParsedCommand& parsed, const std::string& responsePath);
 
+    /// The words to start; valid while the object lives, as the response file that they may name is.
     [[nodiscard]] const Arguments& Words() const noexcept { return words_; }
 
 private:

@@ -15,6 +15,7 @@ constexpr std::size_t LongestFailureText = 2000; // of a core's own words in the
 
 OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
     OrvlogConverter::ReportMessage message;
+    // A finding of the highest level, so that a report by itself shows what it does not cover.
     message.code = "V008";
     message.message = "Unable to start the analysis on this file.";
     message.level = 1;
@@ -28,6 +29,7 @@ OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
 std::string CoreFailureReason(const ProcessReturnCodeException& error) {
     const CapturedOutput& output = error.Output();
     std::string reason = error.Summary();
+    // A core that is silent on standard error has said why on the other one.
     const std::string_view said = Trim(output.standardError.empty() ? output.standardOutput : output.standardError);
     if (!said.empty()) {
         reason += '\n';

@@ -12,8 +12,10 @@ namespace Orvanta {
 /// A unit has failed, and how. The run of the unit makes it the unit's result.
 class UnitFailure : public ZelmException {
 public:
+    /// `status` is one of those that IsFailure takes for a failure; `reason` is for the list of failures.
     UnitFailure(AnalyzerStatus status, std::string reason) : ZelmException(std::move(reason)), status_(status) {}
 
+    /// The step that failed.
     [[nodiscard]] AnalyzerStatus Status() const noexcept { return status_; }
 
 private:

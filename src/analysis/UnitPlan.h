@@ -37,6 +37,7 @@ struct UnitPlan {
     Arguments preprocessing; ///< the compiler's command; may have more words than a command line holds
     SettingsMap settings;    ///< what the core is told
 
+    /// The folder in which the build runs the compiler; both programs of the unit are run there.
     [[nodiscard]] const std::string& Directory() const noexcept { return *command->absoluteDirectory; }
 };
 

@@ -19,10 +19,12 @@ namespace {
 constexpr const char* PredefinedMacro = "ORVANTA";
 constexpr std::size_t LongestSourceNamePart = 100; // of a unit's file names: file systems end names at 255 bytes
 
+// A name is looked for one by one, since on Windows its letter case doesn't count.
 void RemoveVariable(Environment& variables, std::string_view name) {
     std::erase_if(variables, [name](const auto& variable) { return IsSameVariable(variable.first, name); });
 }
 
+// The later layer wins. What would make the compiler write files goes last, so that no layer brings it back.
 Environment InvocationEnvironment(Environment variables, const Environment& ownVariables, const Environment& changes) {
     for (const Environment* const layer : {&ownVariables, &changes}) {
         for (const auto& [name, value] : *layer) {
@@ -34,11 +36,13 @@ Environment InvocationEnvironment(Environment variables, const Environment& ownV
     return variables;
 }
 
+// Behind all that the build says: among folders of headers, the build's own are searched first.
 void AddArgument(ParsedCommand& command, std::vector<std::string>& list, const char* flag, const std::string& value) {
     command.keptArguments.push_back(flag + value);
     list.push_back(value);
 }
 
+// By the paths as they are written: no link is followed.
 bool IsInSystemFolder(const UnitPlan& plan) {
     const std::vector<std::string>& folders = plan.parsed.systemIncludes;
     return std::any_of(folders.begin(), folders.end(), [&plan](const std::string& folder) {
@@ -52,6 +56,7 @@ bool IsInSystemFolder(const UnitPlan& plan) {
     });
 }
 
+// The exclusion comes first: of a unit that is both, the user hears what the user has said.
 UnitVerdict VerdictOn(const UnitPlan& plan, const RunSettings& settings) {
     if (IsExcluded(settings, plan.sourcePath)) {
         return UnitVerdict::ExcludedBySetting;
@@ -74,6 +79,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     plan.sourcePath = SourcePath(command);
     plan.model = GetPreprocessor(command.compiler->type);
     std::vector<std::string> arguments = command.arguments.ToVector();
+    // The program that was identified, by its own path: a bare name might find another one in the unit's environment.
     arguments.front() = command.compiler->path;
     plan.parsed = ReadCommandLine(*plan.model, arguments, command.source);
     if (plan.parsed.compilerType != plan.model->Type()) {
@@ -83,6 +89,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
         AddArgument(plan.parsed, plan.parsed.userIncludes, "-I", directory);
     }
     AddArgument(plan.parsed, plan.parsed.defines, "-D", PredefinedMacro);
+    // Before the environment and the settings, both of which depend on the platform.
     FindPlatform(plan.parsed);
     plan.verdict = VerdictOn(plan, settings_);
     plan.environment = EnvironmentOf(command, plan.parsed);
@@ -97,6 +104,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
 
 // Where no flag says for what the unit is compiled, its compiler tells.
 void UnitPlanner::FindPlatform(ParsedCommand& parsed) {
+    // Only these families know the question (-dumpmachine).
     const bool speaksGcc = parsed.compilerType == CompilerType::Gcc || parsed.compilerType == CompilerType::Clang;
     if (!speaksGcc || !parsed.platformWord.empty()) {
         return;
@@ -120,6 +128,7 @@ void UnitPlanner::TellPlatform(const ParsedCommand& parsed, const std::optional<
                     "tells it otherwise";
         }
     }
+    // Kept by the whole text: the same compiler may be told of again with another target.
     (void)toldPlatforms_.Get(text, [&] {
         log_.VerboseLine(text);
         return true;
@@ -148,7 +157,9 @@ UnitFiles UnitPlanner::NameFiles(const CompileCommand& command, std::size_t unit
 std::shared_ptr<const EnvironmentBlock> UnitPlanner::EnvironmentOf(const CompileCommand& invocation,
                                                                    const ParsedCommand& parsed) {
     const bool isMsvc = IsMsvcFamily(invocation.compiler->type);
+    // A trace may hold all of a build's variables: then ours are no part of it.
     const bool isWhole = invocation.environmentScope == EnvironmentScope::Whole;
+    // Nearly all units of nearly all builds: they share one block, which is made once.
     if (!isMsvc && !isWhole && invocation.environment->empty()) {
         return commonEnvironment_;
     }
@@ -174,6 +185,7 @@ std::string UnitPlanner::StandardOf(const UnitPlan& plan) {
     if (stated) {
         return std::string(StandardWord(*stated, language));
     }
+    // The user's word wins in any case, so no compiler need be asked.
     if (settings_.userSettings.contains("std")) {
         return "";
     }

@@ -44,10 +44,15 @@ public:
     [[nodiscard]] const EnvironmentBlock& CommonEnvironment() const noexcept { return *commonEnvironment_; }
 
 private:
+    // The variables that the unit's compiler is run with. May block while a set-up script is run.
     [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
                                                                         const ParsedCommand& parsed);
+    // The word for the unit's standard: what its flags say, else what the compiler answers; empty when the user's
+    // settings name one. Needs the plan's environment.
     [[nodiscard]] std::string StandardOf(const UnitPlan& plan);
+    // Fills in the platform where no flag has named one. May block while a cross compiler is asked.
     void FindPlatform(ParsedCommand& parsed);
+    // Says in the verbose log, once for each compiler, what it compiles for. An absent target is this machine's.
     void TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target);
 
     const RunSettings& settings_;

@@ -38,6 +38,7 @@ void TellPrecompiledForms(const UnitPlan& plan, Log& log) {
     }
 }
 
+// What the log shows of it depends on the verbosity; the reason goes into the list of failures.
 UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, const CapturedOutput& output,
                                  Log& log) {
     std::string text = "Source file can't be preprocessed!";
@@ -54,6 +55,7 @@ UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, 
     return {AnalyzerStatus::PreprocessingFailed, std::move(text)};
 }
 
+// A failure has thrown by then: only the end and a stop are left.
 AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
     return lastStep == ProcessOutcome::Succeeded ? AnalyzerStatus::Analyzed : AnalyzerStatus::Stopped;
 }
@@ -70,14 +72,17 @@ UnitResult UnitRun::Run(const UnitWork& work) {
         result.status = failure.Status();
         result.reason = failure.what();
         if (failure.Status() == AnalyzerStatus::PreprocessingFailed) {
+            // The report is read without the log: it must show that this source is missing from it.
             result.ownFindings.push_back(NotAnalyzedMessage(plan_.sourcePath));
         }
     } catch (const CoreUnusableException&) {
+        // Past the next handler, which would make it this unit's result.
         throw;
     } catch (const std::exception& error) {
         result.status = AnalyzerStatus::Failed;
         result.reason = error.what();
     }
+    // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
 }
@@ -92,10 +97,12 @@ AnalyzerStatus UnitRun::Do(const Work::Analyze&) {
 
 AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
     if (IsLeftOut()) {
+        // Otherwise the next run would plan the unit again, only to leave it out again.
         work.history.RecordLeftOut(plan_.unit);
         return AnalyzerStatus::Excluded;
     }
     RemoveTextAtEnd();
+    // Before the first byte is read: a file that changes from here on is not the one that the unit saw.
     UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
     std::optional<Dependencies> dependencies = seen.KnownDependencies();
     if (!dependencies) {
@@ -108,6 +115,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
         return AnalyzerStatus::Stopped;
     }
     const AnalyzerStatus status = AnalyzeText();
+    // Any other end drops the watch, which forgets the unit's earlier result.
     if (status == AnalyzerStatus::Analyzed) {
         seen.Keep(*dependencies, PathExists(fragmentPath_) ? ReadWholeFile(fragmentPath_) : std::string());
     }
@@ -117,6 +125,7 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
 AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
     RemoveTextAtEnd();
     UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
+    // Always made anew, whatever is known: a person has asked for it, or what is known is out of date.
     const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
     if (!dependencies) {
         return AnalyzerStatus::Stopped;
@@ -171,6 +180,7 @@ bool UnitRun::IsLeftOut() const {
 
 void UnitRun::RemoveTextAtEnd() {
     if (context_.places.unitFiles == SettingsFile::Lifetime::Remove) {
+        // Before it is made, so that half a text is removed as well.
         text_.emplace(plan_.files.preprocessedPath);
     }
 }
@@ -182,6 +192,7 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
         CapturedOutput output;
         const ProcessOutcome outcome =
             RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment}, context_.stop, output);
+        // Some flags make a compiler end well without preprocessing: the core's failure would then mislead.
         if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
             throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
                                        context_.log);
@@ -194,6 +205,7 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
     }
     context_.log.VerboseLine("  The precompiled header '" + parsed.precompiled.path +
                              "' can't be used: its header is preprocessed");
+    // It names no precompiled header, so this is the last attempt.
     ParsedCommand plain = parsed;
     IncludePlainHeader(plain, plan_.Directory());
     return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
@@ -201,12 +213,15 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
 
 ProcessOutcome UnitRun::Preprocess() const {
     if (context_.log.IsVerbose()) {
+        // Looks at the disk several times for each header: only where somebody reads what it says.
         TellPrecompiledForms(plan_, context_.log);
     }
+    // Or a compiler that writes nothing would have the text of an earlier run analyzed.
     RequireNone(plan_.files.preprocessedPath);
     try {
         return RunPreprocessing(plan_.parsed, plan_.preprocessing);
     } catch (const ProcessReturnCodeException& error) {
+        // A summary names only the command and its code; the compiler's own line says what is wrong.
         const std::string_view telling = TellingLine(error.Output().standardError);
         throw PreprocessingFailure(plan_, telling.empty() ? error.Summary() : telling, error.Output(), context_.log);
     } catch (const ProcessException& error) {
@@ -216,6 +231,7 @@ ProcessOutcome UnitRun::Preprocess() const {
 
 // Whether the text that the collecting stage has left still is what the unit's files say.
 bool UnitRun::IsCollectedTextCurrent(FileChanges& changes) const {
+    // Read once: the stage after this one needs it no more.
     const ScopedFile list(plan_.files.dependenciesPath);
     if (!PathExists(list.Path()) || !PathExists(plan_.files.preprocessedPath)) {
         return false;
@@ -241,6 +257,7 @@ std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen)
     if (Preprocess() == ProcessOutcome::Succeeded) {
         dependencies = ListDependencies();
     }
+    // The watch has begun anew where it does not cover the list. Once is enough: it then knows all files of the unit.
     if (!dependencies || seen.Covers(*dependencies)) {
         return dependencies;
     }
@@ -248,6 +265,7 @@ std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen)
 }
 
 AnalyzerStatus UnitRun::AnalyzeText() {
+    // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
     RequireNone(plan_.files.fragmentPath);
     fragmentPath_ = plan_.files.fragmentPath;
     CapturedOutput output;
@@ -274,11 +292,13 @@ ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) 
     try {
         return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.stop, output);
     } catch (const ProcessStartException& error) {
+        // A folder or an environment that hinders the start is this unit's own; the program is everybody's.
         if (error.WhatFailed() == ProcessStartException::Cause::Program) {
             throw CoreUnusableException(error.what());
         }
         throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessReturnCodeException& error) {
+        // With all that the core printed; the list of failures holds the beginning.
         context_.log.VerboseLine(error.what());
         throw UnitFailure(AnalyzerStatus::CoreFailed, CoreFailureReason(error));
     }
@@ -297,6 +317,7 @@ void UnitRun::RequireNone(const std::string& path) const {
         return; // the folder is new
     }
     RemoveFile(path);
+    // As one that another program holds open on Windows: it would be taken for this run's.
     if (PathExists(path)) {
         throw FileException("Can't remove", path, "it is of an earlier run");
     }

@@ -52,24 +52,42 @@ private:
 
     // The works.
     [[nodiscard]] AnalyzerStatus Do(const Work::Analyze& work);
+    // As Analyze; a result that is known to have ended well is kept, one that fails or is stopped is forgotten.
     [[nodiscard]] AnalyzerStatus Do(const Work::AnalyzeAndKeep& work);
+    // Units that are left out are listed too, when they are asked for: whether they stay so is another question.
     [[nodiscard]] AnalyzerStatus Do(const Work::ListDependencies& work);
+    // Leaves the text and the list of its files for the stage that performs.
     [[nodiscard]] AnalyzerStatus Do(const Work::Collect& work);
+    // As Collect, but a list that can't be made is a failure: the history needs it.
     [[nodiscard]] AnalyzerStatus Do(const Work::CollectAndKeep& work);
+    // Uses the text that was collected as long as it is what the files say.
     [[nodiscard]] AnalyzerStatus Do(const Work::Perform& work);
 
     // Their steps.
+    // Whether the plan's verdict leaves the unit out; the verbose log says so.
     [[nodiscard]] bool IsLeftOut() const;
+    // From here on the preprocessed text goes with this run, unless the user keeps the files of units.
     void RemoveTextAtEnd();
+    // Runs the compiler once, and once more when it stumbles over a precompiled header. A success has left the text.
     [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const;
+    // Leaves a text of this run, or throws UnitFailure with what the compiler said.
     [[nodiscard]] ProcessOutcome Preprocess() const;
+    // Whether the text that the collecting stage has left still is what the unit's files say. Removes the list.
     [[nodiscard]] bool IsCollectedTextCurrent(FileChanges& changes) const;
+    // The files that the text was made of, as the core reads them from it. Absent after a stop.
     [[nodiscard]] std::optional<Dependencies> ListDependencies();
+    // Makes the text and the list, once more when files have changed under the first. Absent after a stop.
     [[nodiscard]] std::optional<Dependencies> PreprocessAndList(UnitWatch& seen);
+    // Has the core analyze the text; its findings are the result's, also when it fails half-way.
     [[nodiscard]] AnalyzerStatus AnalyzeText();
+    // The same with a plan of the collecting stage; a failure leaves nothing that could be linked.
     [[nodiscard]] AnalyzerStatus CollectText();
+    // Runs the core with the unit's settings, and these flags behind them. Throws CoreUnusableException when no unit
+    // could run it, else UnitFailure.
     [[nodiscard]] ProcessOutcome RunCore(const Arguments& flags, CapturedOutput& output);
+    // Writes the settings file when it is first needed: a unit that can't be preprocessed needs none.
     [[nodiscard]] const std::string& SettingsPath();
+    // Afterwards nothing is at `path` that an earlier run could have left there.
     void RequireNone(const std::string& path) const;
 
     const UnitPlan& plan_;

@@ -10,6 +10,7 @@ namespace Orvanta {
 
 namespace {
 
+// What the script prints itself stands before it and may look like a variable.
 constexpr std::string_view Marker = "orvanta-environment";
 
 // The interpreter may go on behind a script that has failed: only one that has done its work names folders of headers.
@@ -38,16 +39,19 @@ std::vector<std::string> SetUpScriptPlaces(std::string_view compilerPath, PathRu
 std::string SetUpCommand(const std::string& script, std::string_view platformWord) {
     // Scripts of every age know these two words.
     const char* const platform = platformWord == "Win32" ? "x86" : "amd64";
+    // "&&" stops behind a script that says it has failed: then there is no marker.
     return '"' + script + "\" " + platform + " && echo " + std::string(Marker) + " && set";
 }
 
 std::optional<Environment> PrintedVariables(std::string_view output) {
+    // `echo` leaves the blank in front of "&&" at the end of its line.
     while (!output.empty() && Trim(TakeLine(output)) != Marker) {
     }
     Environment variables;
     while (!output.empty()) {
         const std::string_view line = TakeLine(output);
         const std::size_t equals = line.find('=');
+        // The interpreter's own entries for current folders begin with "=".
         if (equals != std::string_view::npos && equals > 0) {
             variables.emplace(line.substr(0, equals), line.substr(equals + 1));
         }
@@ -62,6 +66,7 @@ std::shared_ptr<const Environment> VisualStudioEnvironment::VariablesFor(const C
     if (host_.rules != PathRules::Windows) {
         return nullptr; // there are no such scripts
     }
+    // Starting the script costs seconds: threads that need the same environment wait for one of them.
     return environments_.Get(compiler.path + '\0' + platformWord, [&] { return Find(compiler, platformWord); });
 }
 
@@ -90,6 +95,7 @@ std::shared_ptr<const Environment> VisualStudioEnvironment::Find(const CompilerI
 
 void VisualStudioEnvironment::Tell(const CompilerInfo& compiler, const std::string& text) {
     {
+        // Not held while the line is written: the log has a lock of its own.
         const std::lock_guard lock(mutex_);
         if (!told_.insert(compiler.path).second) {
             return;

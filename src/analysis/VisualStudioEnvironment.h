@@ -35,6 +35,7 @@ public:
     /// `log` gets a line for each compiler whose script is missing or fails, and must outlive this.
     explicit VisualStudioEnvironment(Log& log) : VisualStudioEnvironment(log, Host()) {}
 
+    /// For another system than the one it runs on.
     VisualStudioEnvironment(Log& log, Host host);
 
     /// The whole environment for a compiler of the MSVC family that makes programs for `platformWord` ("x64" or
@@ -44,8 +45,10 @@ public:
                                                                   const std::string& platformWord);
 
 private:
+    // Looks for the script and runs it; null, with a line in the log, when it gives no environment.
     [[nodiscard]] std::shared_ptr<const Environment> Find(const CompilerInfo& compiler,
                                                           const std::string& platformWord);
+    // Says it once for each compiler, whatever its targets.
     void Tell(const CompilerInfo& compiler, const std::string& text);
 
     Log& log_;

@@ -30,9 +30,11 @@ WorkerPool::WorkerPool(std::size_t threads) {
     // back.
     const std::size_t half = (threads_.size() + 1) / 2;
     EndThreads();
+    // No thread is left that could see it.
     ending_ = false;
     StartThreads(half);
     if (threads_.empty() && threads > 0) {
+        // With a single thread the run still comes to its end, so only none at all is an error.
         throw ZelmException("Can't start a thread: " + fault_);
     }
 }
@@ -60,6 +62,7 @@ void WorkerPool::EndThreads() noexcept {
         const std::lock_guard lock(mutex_);
         ending_ = true;
     }
+    // Behind the lock: a thread that is woken finds it free.
     taskAdded_.notify_all();
     for (std::thread& thread : threads_) {
         thread.join();
@@ -77,23 +80,28 @@ void WorkerPool::push_task(std::function<void()> task) {
 
 bool WorkerPool::WaitForRoom(std::chrono::milliseconds longest) {
     std::unique_lock lock(mutex_);
+    // As many queued tasks as threads keep every one of them busy while this thread comes back with the next.
     return taskTaken_.wait_for(lock, longest, [this] { return queue_.size() < threads_.size(); });
 }
 
 void WorkerPool::WaitForTasks() {
     std::unique_lock lock(mutex_);
+    // An empty queue is not enough: a task that was taken from it may still run.
     allDone_.wait(lock, [this] { return queue_.empty() && running_ == 0; });
     if (failure_) {
+        // Handed on once, so that the next wait does not tell of it again.
         std::rethrow_exception(std::exchange(failure_, nullptr));
     }
 }
 
 void WorkerPool::Work() {
     std::optional<ThreadCrashRoom> crashRoom;
+    // On this thread, and before any task: the room is of the stack that it guards.
     MakeCrashRoom(crashRoom);
     std::unique_lock lock(mutex_);
     while (true) {
         taskAdded_.wait(lock, [this] { return ending_ || !queue_.empty(); });
+        // Only at the end: until then the wait goes on.
         if (queue_.empty()) {
             return;
         }
@@ -110,6 +118,7 @@ void WorkerPool::Work() {
         }
         task = nullptr; // what it holds may take locks of its own when it goes
         lock.lock();
+        // Later ones mostly follow from the first.
         if (failure && !failure_) {
             failure_ = failure;
         }

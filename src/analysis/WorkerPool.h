@@ -30,6 +30,7 @@ public:
     /// Why there are fewer than were asked for; empty when there are not.
     [[nodiscard]] const std::string& Fault() const noexcept { return fault_; }
 
+    /// Queues a task; never waits. Nobody takes it when there are no threads.
     void push_task(std::function<void()> task);
 
     /// Waits until fewer tasks are queued than there are threads, or `longest` has passed: whether there is room.
@@ -39,8 +40,11 @@ public:
     void WaitForTasks();
 
 private:
+    // Starts threads until there are so many; false, with `fault_` set, when the system grants fewer.
     bool StartThreads(std::size_t threads);
+    // Lets the threads finish what is queued, and joins them.
     void EndThreads() noexcept;
+    // What each thread does until the end: takes a task, runs it, and keeps the first exception.
     void Work();
 
     std::mutex mutex_;

@@ -32,6 +32,7 @@ constexpr const char* AnalysisModeHelp = "MODE defines the group of warnings tha
                                          "OWASP   - OWASP guidelines.\n"
                                          "Several types of warnings must be separated by ';', e.g. 'GA;OP;64'.";
 
+// What an option fills in: the kind of field decides whether it takes a value, and how often.
 using SwitchField = bool AnalyzeOptions::*;
 using ValueField = std::optional<std::string> AnalyzeOptions::*;
 using ListField = std::vector<std::string> AnalyzeOptions::*; // may be given several times
@@ -107,6 +108,7 @@ const OptionRow HiddenOptions[] = {
     {0,   "trace-dir",    "DIR",        "", nullptr, nullptr, &A::traceDirectory    },
 };
 
+// The names under which a row is found on the command line.
 args::Matcher MatcherOf(const OptionRow& row) {
     return row.shortName == 0 ? args::Matcher{std::string(row.longName)}
                               : args::Matcher{row.shortName, std::string(row.longName)};
@@ -117,6 +119,7 @@ class OptionReader {
 public:
     explicit OptionReader(args::Subparser& parser) : parser_(parser) {}
 
+    // Declares the rows on the parser in their order, which is that of the help.
     template <std::size_t Size>
     void Declare(const OptionRow (&rows)[Size], args::Options visibility) {
         for (const OptionRow& row : rows) {
@@ -124,6 +127,7 @@ public:
         }
     }
 
+    // After the parsing: what was not given leaves the record as it is.
     void StoreInto(AnalyzeOptions& options) const {
         for (const auto& store : stores_) {
             store(options);
@@ -131,6 +135,7 @@ public:
     }
 
 private:
+    // One for each kind of field: the parser library has a class of flags for each.
     void DeclareRow(const OptionRow& row, args::Options visibility, SwitchField field) {
         auto flag = std::make_shared<args::Flag>(parser_, row.longName, row.help, MatcherOf(row), visibility);
         stores_.emplace_back([flag, field](AnalyzeOptions& options) { options.*field = flag->Matched(); });
@@ -139,6 +144,7 @@ private:
     void DeclareRow(const OptionRow& row, args::Options visibility, ValueField field) {
         using Flag = args::ValueFlag<std::string>;
         auto flag = std::make_shared<Flag>(parser_, row.valueName, row.help, MatcherOf(row), visibility);
+        // Only shown: an option that was not given has no value, so that a settings file's counts.
         if (row.shownDefault != nullptr) {
             flag->HelpDefault(row.shownDefault);
         }
@@ -163,6 +169,7 @@ private:
     std::vector<std::function<void(AnalyzeOptions&)>> stores_; // each keeps its flag alive
 };
 
+// For a file that is only read later: a wrong name is told before hours of work.
 void RequireExisting(const std::optional<std::string>& path, const char* message) {
     if (path && !PathExists(*path)) {
         throw ZelmException(message + *path);
@@ -182,6 +189,7 @@ void RefuseEmpty(const std::optional<std::string>& value, const char* option) {
     }
 }
 
+// Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
         throw ZelmException(std::string("Flags ") + names + " cannot be used together");
@@ -290,6 +298,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
     RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
     RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
+    // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(GateOf(options));

@@ -1,5 +1,12 @@
 #pragma once
 
+// The options of `analyze`.
+//
+// They are one table: the parser's declarations, the help and the way into the record all come from its rows, so that
+// a new option is one row and one field. The record holds what was given, as it was given: words become numbers, modes
+// and paths where they are needed, after a settings file has had its say. So an absent option can be told from one that
+// has the default's value.
+
 #include "render/FindingGate.h"
 
 #include <cstddef>

@@ -21,6 +21,7 @@ namespace {
 
 constexpr unsigned AllPercents = 100;
 
+// The runner takes pointers, so that nothing of a large build is copied.
 std::vector<const CompileCommand*> PointersTo(std::span<const CompileCommand> commands) {
     std::vector<const CompileCommand*> pointers;
     pointers.reserve(commands.size());
@@ -54,6 +55,7 @@ void AnalyzePasses::Run() {
             const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
             history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
             if (input_.listedFiles && !input_.options.allowEmpty) {
+                // Before the first pass: a list that means nothing must not cost the listing of all units.
                 history_->RequireListedFile(*input_.listedFiles);
             }
         }
@@ -71,10 +73,12 @@ void AnalyzePasses::Run() {
 void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
     unsigned percent = 0;
     for (std::size_t index = 0; index < passes.size() && !stop_.IsSet(); ++index) {
+        // May take a while, as linking does, hence the second look at the stop behind it.
         const std::optional<Actions> actions = passes[index].select();
         if (stop_.IsSet() || !actions) {
             continue;
         }
+        // A pass that was passed over leaves its share to those behind it.
         const unsigned share = (AllPercents - percent) / static_cast<unsigned>(passes.size() - index);
         (this->*passes[index].run)(passes[index], *actions, {percent, percent + share});
         percent += share;
@@ -93,7 +97,9 @@ bool AnalyzePasses::Keep() {
     if (!history_) {
         return true;
     }
+    // After the failures of earlier passes are in: a unit that failed in one is to run again.
     const bool isSaved = history_->Save(outcome);
+    // Last, and only of a run without fault: what is marked may be left as it is by the next one.
     if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands)) {
         history_->MarkReport();
     }
@@ -147,6 +153,7 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListIntermodularPasses() {
         log_.Text("Intermodular analysis stage: Performing analysis.\n");
         return SelectAll(input_.commands.units, input_.settings);
     };
+    // Made before the first unit is collected: what changes from here on is seen.
     FileChanges& changes = changes_.emplace(places_.temporaryFolder);
     const UnitWork collecting = history_ ? UnitWork(Work::CollectAndKeep{history_->Units()}) : Work::Collect{};
     return {
@@ -163,6 +170,7 @@ std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForListing() {
 std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
     if (input_.listedFiles) {
         Actions actions = history_->SelectListedUnits(*input_.listedFiles);
+        // An excluded unit counts as selected: the user has listed it, and hears that it is excluded.
         if (!AreAll(actions, UnitAction::LeaveOut)) {
             return actions;
         }
@@ -176,9 +184,11 @@ std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
         return actions;
     }
     ending_.lastLine = "Nothing to analyze - no modified files were found.";
+    // Nothing is to run, but the report must be made from what the history has kept.
     if (!history_->IsReportWhole()) {
         return actions;
     }
+    // None is to run, so these two are all that is left of the actions.
     std::transform(actions.begin(), actions.end(), ending_.outcome.statuses.begin(), [](UnitAction action) {
         return action == UnitAction::CarryOver ? AnalyzerStatus::CarriedOver : AnalyzerStatus::Excluded;
     });
@@ -219,11 +229,14 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
     const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
     ending_.reportPath = input_.reportPath;
     FindingChain chain(*report, input_.base, shown_, SourceTreeRoot(input_.settings));
+    // Committed at once: from the first moment the report holds the notice of an outdated base, if there is one.
     chain.Front().Begin();
     report->Commit();
+    // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
     ReportCommitter committer(units_.size(), *report, chain.Front(),
                               [this](std::size_t unit) { return history_->Units().KeptFindings(unit); });
     Go({pass.work, actions, percents, committer}, ending_.outcome);
+    // Only of a pass that came to its end: after an error the last commit stands.
     chain.Front().End();
     if (input_.base) {
         ending_.outcome.hiddenFindings = chain.HiddenCount();

@@ -36,11 +36,13 @@ public:
     /// \throws ZelmException for what ends a run early; then, too, the ending holds what became of the units before
     void Run();
 
+    /// What came of the passes so far; whole when `Run` has ended, by whatever way.
     [[nodiscard]] const RunEnding& Ending() const noexcept { return ending_; }
 
 private:
     using Actions = std::vector<UnitAction>;
 
+    /// One entry of the list.
     struct Pass {
         UnitWork work;
         std::function<std::optional<Actions>()> select; ///< announces the pass; absent: there is nothing to do
@@ -48,17 +50,29 @@ private:
         const char* failure = ""; ///< stands before why a unit failed in it
     };
 
+    // Runs the passes in order; a stop ends it in front of the next one. Each has an equal share of what is left.
     void GoThrough(const std::vector<Pass>& passes);
+    // Puts together how each unit ended, and saves what later runs need. Returns whether all could be written.
     bool Keep();
+    // The list that the options ask for; starts nothing.
     [[nodiscard]] std::vector<Pass> ListPasses();
+    // Collecting and performing; the linking stands before the second selects its units.
     [[nodiscard]] std::vector<Pass> ListIntermodularPasses();
+    // Absent when the dependencies of all units are known.
     [[nodiscard]] std::optional<Actions> SelectForListing();
+    // Absent when the report needs no run: the ending then says why.
     [[nodiscard]] std::optional<Actions> SelectForAnalysis();
+    // A pass whose results are for those that follow, or for later runs.
     void Learn(const Pass& pass, const Actions& actions, PercentRange percents);
+    // The same, when none follows: its outcome is the run's.
     void LearnOnly(const Pass& pass, const Actions& actions, PercentRange percents);
+    // A pass whose results make up the report, which is opened here and whole at the end.
     void Report(const Pass& pass, const Actions& actions, PercentRange percents);
+    // The same, of units that carry their findings over to later runs.
     void ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents);
+    // Runs the pass; `outcome` is set also when it ends in an error.
     void Go(const RunPass& pass, RunOutcome& outcome);
+    // Reads the report that stays as it was, for the end of the run and its gate.
     void ShowKeptReport();
 
     const AnalyzeInput& input_;

@@ -22,6 +22,7 @@ namespace Orvanta {
 
 namespace {
 
+// What follows from the options alone: the rest is read when the run begins.
 AnalyzeInput InputOf(const AnalyzeOptions& options) {
     RunSettings settings = MakeRunSettings(options);
     const unsigned threads = ThreadCount(options);
@@ -43,6 +44,7 @@ void HideFromVersionControl(const std::string& folder) {
     }
 }
 
+// Findings on standard output have no folder: what later runs need is then kept where the user stands.
 std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
 }
@@ -57,13 +59,16 @@ AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
 
 void AnalyzeRun::Run() {
     ReadInputs();
+    // A stop while compilers are identified leaves part of the units: none of them may be taken for all.
     if (stop_.IsSet()) {
         throw ZelmRcException(InterruptedExitCode);
     }
+    // Before the units are counted, so that an empty database shows that nothing was found.
     if (input_.options.dumpJson) {
         WriteCompilationDatabase(AbsolutePath(*input_.options.dumpJson), input_.commands.units);
     }
     if (input_.commands.units.empty()) {
+        // The skipped invocations are told all the same: they are why there is nothing to analyze.
         End({});
         throw ZelmException("No source file to analyze");
     }
@@ -75,6 +80,7 @@ void AnalyzeRun::Run() {
 void AnalyzeRun::ReadInputs() {
     const AnalyzeOptions& options = input_.options;
     if (options.dumpLog) {
+        // Before all else, so that the log holds all that the rest says.
         log_.OpenFile(AbsolutePath(*options.dumpLog));
     }
     if (options.suppressFile) { // before the work of which a broken base would take the report
@@ -86,6 +92,7 @@ void AnalyzeRun::ReadInputs() {
 
 int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
+    // Inside the locks: what goes at the end goes before another run may begin.
     const TemporaryFolder temporaryFolder;
     RunPlaces places = MakePlaces(temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
@@ -97,8 +104,10 @@ int AnalyzeRun::Analyze() {
     try {
         passes.Run();
     } catch (...) {
+        // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
+    // Also after an error: the history may have been kept.
     HideFromVersionControl(OrvantaFolder(outputFolder_));
     End(passes.Ending());
     if (failure) {
@@ -108,11 +117,13 @@ int AnalyzeRun::Analyze() {
 }
 
 int AnalyzeRun::ResultOf(const RunEnding& ending) const {
+    // Nothing was to be analyzed, and the user has said that this is no error.
     if (ending.selectsNothing && input_.options.allowEmpty) {
         return 0;
     }
     const int code = CombinedResult(ending.outcome);
     if (code != 0 || HasFailedInvocation(input_.commands)) {
+        // An invocation that gave no unit is source code that nobody looked at.
         return code == 0 ? 1 : code;
     }
     return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
@@ -124,6 +135,7 @@ RunLocks AnalyzeRun::TakeLocks() {
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
         locks.TakeReport(input_.reportPath, stop_, log_);
     }
+    // The three that write into that folder.
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
         locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
@@ -160,9 +172,11 @@ void AnalyzeRun::End(const RunEnding& ending) {
     const CollectedCommands& commands = input_.commands;
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
+    // Ahead of the summary, which stays in sight when there are many.
     log_.Text(FailureList(commands, outcome));
     if (ending.summary.empty()) {
         const InvocationCounts counts = CountInvocations(commands, outcome);
+        // An empty report would look like clean code.
         if (counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
             log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
             if (outcome.inSystemFolders > 0) {
@@ -185,6 +199,7 @@ void AnalyzeRun::End(const RunEnding& ending) {
 
 // Findings that went to standard output have been seen.
 void AnalyzeRun::ShowFindings() {
+    // Who asks for findings with --show gets them, however quiet the rest is.
     if (!input_.options.quiet || input_.options.show) {
         log_.Text(shown_.Text(ShowsColours() ? ShownFindings::Colours::Yes : ShownFindings::Colours::No));
     }

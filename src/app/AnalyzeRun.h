@@ -42,13 +42,21 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    // Reads what there is to do. Starts compilers where they have to be identified, but no core; touches no report.
     void ReadInputs();
+    // From the locks to the end that the user sees. Returns the run's code; an error of the passes leaves it as thrown.
     [[nodiscard]] int Analyze();
+    // The locks of all that this run writes to and a later one reads. Waits a moment for another run.
     [[nodiscard]] RunLocks TakeLocks();
+    // Where the run's files go; makes the folder in which the user wants to keep them.
     [[nodiscard]] RunPlaces MakePlaces(const std::string& temporaryFolder);
+    // The core that the options name, else the one that is found; the log tells of the bundled one.
     [[nodiscard]] std::string CorePath();
+    // The exit code: of what became of the units first, then of the gate.
     [[nodiscard]] int ResultOf(const RunEnding& ending) const;
+    // Tells what came of the run, once, whatever it was.
     void End(const RunEnding& ending);
+    // Shows the worst findings, and how many of them stop the build.
     void ShowFindings();
 
     const Clock::time_point start_ = Clock::now();

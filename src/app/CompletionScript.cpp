@@ -10,6 +10,7 @@ namespace Orvanta {
 
 namespace {
 
+// A name that every shell takes for a function's.
 std::string FunctionName(const std::string& program) {
     std::string name = "_" + program;
     std::replace(name.begin(), name.end(), '-', '_');
@@ -25,6 +26,7 @@ std::string Joined(const std::vector<std::string>& words, std::string_view separ
     return text;
 }
 
+// The short name first, where there are both.
 std::vector<std::string> NamesOf(const OptionText& option) {
     std::vector<std::string> names;
     for (const std::string& name : {option.shortName, option.longName}) {
@@ -48,6 +50,7 @@ std::string ShortHelp(const std::string& help, std::string_view special) {
     return line;
 }
 
+// The program's own options stand under the empty name.
 std::vector<const CommandText*> CommandsAndOwn(const ProgramText& program) {
     std::vector<const CommandText*> all = {&program.own};
     for (const CommandText& command : program.commands) {
@@ -56,6 +59,7 @@ std::vector<const CommandText*> CommandsAndOwn(const ProgramText& program) {
     return all;
 }
 
+// With blanks between them, as the shells take lists of words.
 std::string CommandNames(const ProgramText& program) {
     std::vector<std::string> names;
     for (const CommandText& command : program.commands) {
@@ -68,6 +72,7 @@ std::string CommandNames(const ProgramText& program) {
 std::string BashValues(const CommandText& command) {
     std::string text;
     for (const OptionText& option : command.options) {
+        // What stands behind such an option is no value of it.
         if (option.kind == ValueKind::None) {
             continue;
         }
@@ -96,6 +101,7 @@ std::string BashValues(const CommandText& command) {
     return text;
 }
 
+// One function: it finds the subcommand, then the option whose value is typed, then offers names.
 std::string BashScript(const ProgramText& program) {
     const std::string function = FunctionName(program.name);
     std::string text = "# Completion of " + program.name + " for bash; made by " + program.name +
@@ -143,6 +149,7 @@ std::string BashScript(const ProgramText& program) {
     return text;
 }
 
+// "'*'" lets an option be given again. "+" and "=" have zsh accept the value in the same word and in the next one.
 std::string ZshOption(const OptionText& option) {
     constexpr std::string_view Special = "[]:\\";
     const std::vector<std::string> names = NamesOf(option);
@@ -166,6 +173,7 @@ std::string ZshOption(const OptionText& option) {
         case ValueKind::Choices: {
             std::string words = Joined(option.choices);
             for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
+                // A bare colon would end the list of words.
                 words.insert(at, 1, '\\');
             }
             text += "(" + words + ")";
@@ -180,6 +188,8 @@ std::string ZshOption(const OptionText& option) {
     return text + "' \\\n";
 }
 
+// A call of the function that knows options. `takesFiles` says what stands for all other words: reports, or the
+// subcommand with its own words behind it.
 std::string ZshArguments(const CommandText& command, bool takesFiles) {
     std::string text = "_arguments -S \\\n";
     for (const OptionText& option : command.options) {
@@ -188,6 +198,7 @@ std::string ZshArguments(const CommandText& command, bool takesFiles) {
     return text + (takesFiles ? "        '*:report:_files'\n" : "        '*::command:->command'\n");
 }
 
+// The function itself, which is also called when the file is loaded for the first time.
 std::string ZshScript(const ProgramText& program) {
     const std::string function = FunctionName(program.name);
     std::string text = "#compdef " + program.name + "\n# Made by " + program.name + " --print-completion zsh.\n" +
@@ -209,6 +220,7 @@ std::string ZshScript(const ProgramText& program) {
     return text + "}\n" + function + " \"$@\"\n";
 }
 
+// A line for each option; `condition` says when it counts, and is empty for a program without subcommands.
 std::string FishOptions(const std::string& program, const CommandText& command, const std::string& condition) {
     std::string text;
     for (const OptionText& option : command.options) {
@@ -219,6 +231,7 @@ std::string FishOptions(const std::string& program, const CommandText& command, 
         case ValueKind::None:
             break;
         case ValueKind::Any:
+            // "-x" takes a value and offers no files.
             text += " -x";
             break;
         case ValueKind::File:
@@ -241,12 +254,14 @@ std::string FishOptions(const std::string& program, const CommandText& command, 
     return text;
 }
 
+// A list of lines, none of which knows of the others.
 std::string FishScript(const ProgramText& program) {
     std::string text =
         "# Completion of " + program.name + " for fish; made by " + program.name + " --print-completion fish.\n";
     if (program.commands.empty()) {
         return text + FishOptions(program.name, program.own, "");
     }
+    // Fish has no state: each line says by itself when it counts.
     const std::string none = " -n 'not __fish_seen_subcommand_from " + CommandNames(program) + "'";
     text += FishOptions(program.name, program.own, none);
     for (const CommandText& command : program.commands) {

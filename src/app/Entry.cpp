@@ -37,6 +37,7 @@ constexpr const char* Epilog = "\n"
                                "  1 - Error (crash) during analysis of some source file(s);\n"
                                "\n";
 
+// The text without the words that are not to be shown.
 std::string WithoutRemovedWords(std::string text) {
     for (std::size_t at = text.find(RemovedWords); at != std::string::npos; at = text.find(RemovedWords, at)) {
         text.erase(at, RemovedWords.size());
@@ -44,6 +45,7 @@ std::string WithoutRemovedWords(std::string text) {
     return text;
 }
 
+// The words of the program's own help.
 void SetUpParser(args::ArgumentParser& parser) {
     parser.Prog(WithoutRemovedWords(ProgramName));
     parser.Description(WithoutRemovedWords(Description));
@@ -55,16 +57,19 @@ void SetUpParser(args::ArgumentParser& parser) {
 
 int RunProgram(int argumentCount, const char* const* arguments) {
     InstallCrashHandler();
+    // Both before the first word is parsed, since subcommands run inside the parser.
     InstallInterruptHandler(ProcessStopFlag());
 
     args::ArgumentParser parser("");
     SetUpParser(parser);
     const args::HelpFlag help(parser, "help", "Show help page", {'h', "help"}, args::Options::Global);
+    // Thrown out of the parser, which would otherwise ask for a subcommand.
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"},
                                    [] { throw PrintRequest(std::string(ProgramName) + " " + Version + "\n"); });
     const TextOptions texts(parser);
     const args::CompletionFlag completion(parser, {"complete"});
     args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
+    // The exit codes are those of this subcommand.
     analyze.Epilog(Epilog);
     const args::Command suppress(parser, "suppress",
                                  "Add analyzer messages to suppression file which can be used to hide analyzer "

@@ -21,6 +21,7 @@ public:
     /// Where findings go in.
     [[nodiscard]] OrvlogConverter::IOutput& Front() { return filter_; }
 
+    /// How many findings the base has hidden so far.
     [[nodiscard]] std::size_t HiddenCount() const noexcept { return filter_.HiddenCount(); }
 
 private:
@@ -38,6 +39,7 @@ private:
         OrvlogConverter::IOutput& watcher_;
     };
 
+    // The last stage first: each is made with the next one's address.
     std::optional<OrvlogConverter::SourceRootHider> root_;
     Watch watch_;
     OrvlogConverter::SuppressBaseFilter filter_;

@@ -24,6 +24,7 @@ constexpr const char* DefaultInput = "compile_commands.json";
 std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     const std::string& source = *options.sourceFile;
     std::vector<std::string> command;
+    // With a source file, the option names the compiler; it filters nothing.
     if (!options.compilers.empty()) {
         command.push_back(options.compilers.front());
     } else {
@@ -44,6 +45,7 @@ std::string InputPath(const std::string& given) {
     if (PathExists(path)) {
         return path;
     }
+    // Where builds mostly put it: only told, as another build's database may lie there.
     for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
         const std::string other = JoinPath(folder, DefaultInput);
         if (PathExists(other)) {
@@ -55,7 +57,9 @@ std::string InputPath(const std::string& given) {
                         "(strace), and name it with -f FILE");
 }
 
+// What became of invocations that give no unit; which ones, only in the verbose log.
 void TellSkipped(const CollectedCommands& commands, Log& log) {
+    // Told also without the verbose log: otherwise nobody would know why these are missing from the report.
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
         return skipped.fate == InvocationFate::SkippedLauncher;
     });
@@ -79,6 +83,7 @@ std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& opt
     if (!options.sourceList && !options.dependencyFile) {
         return std::nullopt;
     }
+    // Of both options: the same word means the same file in both.
     const std::vector<std::string> folders = FoldersOfLists();
     std::vector<ListedFile> files;
     if (options.sourceList) {
@@ -99,6 +104,7 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     CompilerIdentifier identifier(settings, log, stop);
     InvocationCollector collector(settings, registry, identifier, log);
     if (options.sourceFile) {
+        // In the current folder, as if the command had been typed there.
         collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
     } else {
         ReadBuildInput(InputPath(options.inputFile.value_or(DefaultInput)), collector);

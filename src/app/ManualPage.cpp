@@ -14,6 +14,7 @@ std::string Plain(std::string_view text) {
             plain += "\\&";
         }
         switch (character) {
+        // The escape character of troff.
         case '\\':
             plain += "\\e";
             break;
@@ -33,12 +34,14 @@ std::string Lines(std::string_view text) {
     std::string lines;
     while (!text.empty()) {
         const std::string_view line = TakeLine(text);
+        // An empty line becomes a request for one.
         lines += line.empty() ? ".sp" : Plain(line);
         lines += text.empty() ? "\n" : line.empty() ? "\n" : "\n.br\n";
     }
     return lines;
 }
 
+// "-o FILE, --output=FILE", or the value's name alone for an argument.
 std::string NameLine(const OptionText& option) {
     std::string line;
     for (const std::string& name : {option.shortName, option.longName}) {
@@ -55,6 +58,7 @@ std::string NameLine(const OptionText& option) {
 }
 
 void AppendOptions(std::string& page, const CommandText& command) {
+    // Options first, as on the command line.
     for (const std::vector<OptionText>* const list : {&command.options, &command.arguments}) {
         for (const OptionText& option : *list) {
             page += ".TP\n" + NameLine(option) + "\n" + Lines(option.help);
@@ -62,6 +66,7 @@ void AppendOptions(std::string& page, const CommandText& command) {
     }
 }
 
+// Headings of manual pages are in capitals.
 std::string UpperCase(std::string text) {
     for (char& character : text) {
         character = character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
@@ -72,6 +77,7 @@ std::string UpperCase(std::string text) {
 } // namespace
 
 std::string ManualPage(const ProgramText& program) {
+    // The description's first line is the summary that man's index shows; it is no sentence there.
     std::string_view rest = program.description;
     std::string_view summary = TakeLine(rest);
     if (summary.ends_with('.')) {

@@ -17,11 +17,13 @@ namespace {
 // Stands behind the value's name of what may be given several times.
 constexpr std::string_view Repeated = "...";
 
+// Functions, since some lists are made from tables of other rooms.
 struct ChoicesRow {
     const char* longName;
     std::vector<std::string> (*choices)();
 };
 
+// The words by which the groups of diagnostics are asked for, in the order of the help.
 std::vector<std::string> AnalyzerChoices() {
     return {"GA", "64", "OP", "CS", "MISRA", "AUTOSAR", "OWASP"};
 }
@@ -69,6 +71,7 @@ struct KindRow {
     ValueKind kind;
 };
 
+// The names that values have in the help say what a shell may offer.
 constexpr KindRow KindsOfValues[] = {
     {"FILE", ValueKind::File  },
     {"OLD",  ValueKind::File  },
@@ -76,6 +79,7 @@ constexpr KindRow KindsOfValues[] = {
     {"DIR",  ValueKind::Folder},
 };
 
+// Choices first: an option with a list of words is no file, whatever its value is called.
 void FindKind(OptionText& option) {
     for (const ChoicesRow& row : ChoicesOfOptions) {
         if (option.longName == row.longName) {
@@ -96,6 +100,7 @@ void FindKind(OptionText& option) {
 OptionText ReadOption(std::string_view names, std::string help) {
     OptionText option;
     option.help = std::move(help);
+    // Both names carry the value's name; the last one read counts, as they are the same.
     while (!names.empty()) {
         const std::size_t comma = names.find(", ");
         std::string_view name = names.substr(0, comma);
@@ -116,12 +121,14 @@ OptionText ReadOption(std::string_view names, std::string help) {
     return option;
 }
 
+// With the options of subcommands, which are not shown otherwise.
 args::HelpParams ParametersOf(const args::ArgumentParser& parser) {
     args::HelpParams parameters = parser.helpParams;
     parameters.showCommandChildren = true;
     return parameters;
 }
 
+// A row of the help: an option when its names say so, else an argument without a name.
 void AddRow(CommandText& command, const std::string& names, std::string help) {
     if (names.starts_with('-')) {
         command.options.push_back(ReadOption(names, std::move(help)));
@@ -139,9 +146,11 @@ ProgramText DescribeProgram(const args::ArgumentParser& parser) {
     ProgramText program = {parser.Prog(), Version, parser.Description(), parser.Epilog(), {}, {}};
     const args::HelpParams parameters = ParametersOf(parser);
     for (const args::Base* const child : parser.Children()) {
+        // The parser's list of children holds the hidden ones too.
         if ((child->GetOptions() & args::Options::HiddenFromDescription) != args::Options::None) {
             continue;
         }
+        // Of a subcommand: its own name, then the rows of its options.
         auto rows = child->GetDescription(parameters, 0);
         CommandText* target = &program.own;
         if (const auto* const command = dynamic_cast<const args::Command*>(child)) {
@@ -155,6 +164,7 @@ ProgramText DescribeProgram(const args::ArgumentParser& parser) {
     return program;
 }
 
+// Thrown from the parser's actions, so that nothing behind them on the command line is looked at.
 struct TextOptions::Flags {
     explicit Flags(args::ArgumentParser& parser)
         : manual(

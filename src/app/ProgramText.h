@@ -1,5 +1,13 @@
 #pragma once
 
+// What a program says of itself: the manual page and the completion of shells.
+//
+// Both are made from the parser's own tables, so an option that is declared is described, and none is described that
+// there is not. Pages kept by hand were rejected: nobody notices that they fall behind.
+//
+// The parser library hands out the rows of its help, not its options; ReadOption takes them apart again. That keeps
+// what is known of the library's form in one file.
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -61,6 +69,7 @@ struct ProgramText {
 /// Adds the hidden options that print these: --print-manual and --print-completion SHELL. Lives as long as the parser.
 class TextOptions {
 public:
+    /// The parser outlives the object.
     explicit TextOptions(args::ArgumentParser& parser);
     ~TextOptions();
     TextOptions(const TextOptions&) = delete;

@@ -25,6 +25,7 @@ bool IsRootOfCheckout(const std::string& folder) {
     return PathExists(JoinPath(folder, ".git"));
 }
 
+// No further than the checkout: a file above it is another project's, or somebody else's on a shared machine.
 std::optional<std::string> FindProjectSettings() {
     for (std::string folder = CurrentDirectory();;) {
         if (std::string path = JoinPath(folder, ProjectSettingsName); IsRegularFile(path)) {
@@ -48,6 +49,7 @@ std::optional<std::string> SettingsFileOf(const AnalyzeOptions& options) {
         return AbsolutePath(*options.settingsFile);
     }
     std::optional<std::string> found = FindProjectSettings();
+    // Told in any case: which settings count must not depend on the folder in silence.
     PrintLine(found ? "Using settings file: " + *found
                     : std::string("No settings file: there is no ") + ProjectSettingsName +
                           " here or above, up to the root of the checkout");
@@ -57,6 +59,7 @@ std::optional<std::string> SettingsFileOf(const AnalyzeOptions& options) {
 void DropUntrusted(SettingsMap& settings, const std::string& path) {
     std::set<std::string> dropped;
     for (auto entry = settings.begin(); entry != settings.end();) {
+        // A list of what is trusted, not of what is not: a key that is added later is not trusted by oversight.
         const bool isTrusted =
             std::find(std::begin(TrustedKeys), std::end(TrustedKeys), entry->first) != std::end(TrustedKeys);
         if (!isTrusted) {

@@ -39,6 +39,7 @@ std::optional<Mark> ReadMark(const std::string& path) {
     }
 }
 
+// Numbers alone: nothing in it has to be escaped, and what can't be read is no mark.
 std::string TextOf(const Mark& mark) {
     std::ostringstream text;
     for (const std::uint64_t number : {mark.contents.high, mark.contents.low, mark.report.size, mark.report.bytes.high,
@@ -50,6 +51,7 @@ std::string TextOf(const Mark& mark) {
     return text.str();
 }
 
+// Whether a later change must show in the stamp. In doubt it is not: the report is then read once more.
 bool IsProven(const FileStamp& stamp, const std::string& folder, std::chrono::steady_clock::time_point looked) {
     try {
         return FileSystemClock(folder).IsOlder(stamp, looked);
@@ -64,30 +66,36 @@ ReportMark::ReportMark(const std::string& orvantaFolder, TellUser tell)
     : folder_(orvantaFolder), path_(JoinPath(orvantaFolder, "report.mark")), tell_(std::move(tell)) {}
 
 bool ReportMark::Matches(const std::string& reportPath, const Fingerprint& contents) const {
+    // The cheap questions first: a report of another size, or of other units, need not be read.
     const std::optional<Mark> mark = ReadMark(path_);
     const std::optional<FileStamp> stamp = StampOf(reportPath);
     if (!mark || !stamp || mark->contents != contents || mark->report.size != stamp->size) {
         return false;
     }
+    // The only way that costs nothing, and the usual one.
     if (mark->isProven && mark->stamp == *stamp) {
         return true;
     }
     if (FingerprintOfFile(reportPath) != mark->report) {
         return false;
     }
+    // The content has proven it; the next run may go by the stamp.
     Write(reportPath, contents);
     return true;
 }
 
 void ReportMark::Write(const std::string& reportPath, const Fingerprint& contents) const {
+    // Before the look at the stamp: what is older than this moment was there when we looked.
     const auto looked = std::chrono::steady_clock::now();
     const std::optional<FileStamp> stamp = StampOf(reportPath);
     const std::optional<ContentFingerprint> report = stamp ? FingerprintOfFile(reportPath) : std::nullopt;
+    // Somebody writes to it while we read: no mark at all is better than one of a mixture.
     if (!report || StampOf(reportPath) != stamp) {
         RemoveFile(path_);
         return;
     }
     try {
+        // A pipe or a folder of that name: an atomic file would write into the one and fail oddly at the other.
         if (const PathKind kind = KindOf(path_); kind != PathKind::Nothing && kind != PathKind::File) {
             throw FileException(path_, "it is no file");
         }

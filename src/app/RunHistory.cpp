@@ -13,6 +13,7 @@ namespace Orvanta {
 
 namespace {
 
+// Which units there are, in their order, which is that of the report.
 Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
     FingerprintBuilder names;
     for (const UnitIdentity& identity : identities) {
@@ -29,6 +30,7 @@ std::vector<UnitIdentity> Identify(std::span<const CompileCommand> units, const 
     return identities;
 }
 
+// The history knows no log: it tells its lines to whoever wants them.
 TellUser TellIn(Log& log) {
     return [&log](const std::string& line) {
         log.Line(line);
@@ -58,6 +60,7 @@ void RunHistory::Read() {
         break;
     case UnitHistory::ReadResult::Unreadable:
         log_.Line("Couldn't read depend_info.json");
+        // The reason is for who wants to know; that the file is made anew is all that others need.
         log_.VerboseLine("  " + units_.Fault());
         break;
     }
@@ -87,6 +90,7 @@ void RunHistory::RequireListedFile(std::span<const ListedFile> listed) const {
     for (const ListedFile& file : listed) {
         places.insert(places.end(), file.places.begin(), file.places.end());
     }
+    // The disk first: it answers for nearly every list, and spares the question to the history.
     const bool isAnyThere = std::any_of(places.begin(), places.end(), [](const std::string& place) {
         const PathAnswer answer = LookAt(place);
         return answer.IsThere() && answer.kind != PathKind::Folder;
@@ -110,6 +114,7 @@ bool RunHistory::IsReportWhole() {
 
 bool RunHistory::Save(const RunOutcome& outcome) {
     for (const auto& [unit, reason] : outcome.failures) {
+        // A unit may fail after the history has kept its result, as when its findings can't be put into the report.
         units_.ForgetResult(unit);
     }
     return units_.Save();
@@ -128,6 +133,7 @@ Fingerprint RunHistory::ReportContents() {
     contents.Add(options_.suppressFile ? ReadWholeFile(*options_.suppressFile) : std::string());
     for (std::size_t unit = 0; unit < commands_.size(); ++unit) {
         const bool isExcluded = IsExcluded(settings_, SourcePath(commands_[unit])) || units_.IsLeftOut(unit);
+        // By unit: a changed exclusion lets findings in or takes some out, though no unit has changed.
         contents.Add(isExcluded ? 1 : 0);
     }
     return contents.Value();

@@ -33,6 +33,7 @@ public:
     RunHistory(const AnalyzeOptions& options, const RunSettings& settings, std::span<const CompileCommand> units,
                Places places, Log& log);
 
+    /// For the works of passes and the findings that are carried over; lives as long as this object.
     [[nodiscard]] UnitHistory& Units() noexcept { return units_; }
 
     /// The units whose dependencies are to be listed before units are selected.
@@ -57,7 +58,9 @@ public:
     void MarkReport();
 
 private:
+    // Reads the history and says what it could not read; a regeneration, which replaces it, says nothing.
     void Read();
+    // What the report of an incremental run depends on, beside what its units found. Reads the suppress file.
     [[nodiscard]] Fingerprint ReportContents();
 
     const AnalyzeOptions& options_;

@@ -14,6 +14,7 @@ constexpr std::chrono::milliseconds LongestWait{200};
 LockFile TakeOf(const std::string& path, const StopFlag& stop, Log& log, const char* fault) {
     LockFile lock;
     const LockFile::State state = lock.Take(path, LongestWait, stop);
+    // Not waited for any longer: a run may take hours.
     if (state == LockFile::State::HeldByOther) {
         throw ZelmException(fault + path);
     }
@@ -26,6 +27,7 @@ LockFile TakeOf(const std::string& path, const StopFlag& stop, Log& log, const c
 } // namespace
 
 RunLocks::~RunLocks() {
+    // In the reverse order of taking them.
     shared_.ReleaseAndRemove();
     report_.ReleaseAndRemove();
 }

@@ -39,12 +39,14 @@ void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile
     }
 }
 
+// An option that was not given leaves the file's value.
 void OverrideIfGiven(RunSettings& settings, const char* key, const std::optional<std::string>& value) {
     if (value) {
         OverrideSetting(settings, key, *value);
     }
 }
 
+// The last change of a name counts. An empty value is one: it sets the variable to nothing.
 void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
     const std::size_t equalsSign = change.find('=');
     if (equalsSign == 0 || equalsSign == std::string::npos) {
@@ -53,7 +55,9 @@ void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
     settings.environmentChanges[change.substr(0, equalsSign)] = change.substr(equalsSign + 1);
 }
 
+// Lays what was given over what the settings file says. Relative paths count from the current folder.
 void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
+    // As the number that the core takes; the file's value has become one when it was read.
     if (options.analysisMode) {
         OverrideSetting(settings, "analysis-mode", std::to_string(ParseAnalysisMode(*options.analysisMode)));
     }
@@ -71,6 +75,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     }
     ApplySettings(settings, excluded);
     for (const std::string& name : options.compilers) {
+        // A name given by hand is a compiler's, known or not, and the only ones that count are those given.
         settings.compilerNames.push_back(name);
         settings.compilerFilter.push_back(name);
     }
@@ -98,6 +103,7 @@ RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     if (const std::optional<std::string> path = SettingsFileOf(options)) {
         SettingsMap fromFile = ReadSettingsFile(*path);
         if (*options.settingsFile == FindSettingsFile) {
+            // Before anything of it is taken over.
             DropUntrusted(fromFile, *path);
         }
         MakeOwnPathsAbsolute(fromFile, *path);
@@ -109,6 +115,7 @@ RunSettings MakeRunSettings(const AnalyzeOptions& options) {
 
 unsigned ThreadCount(const AnalyzeOptions& options) {
     if (!options.threads) {
+        // Not the machine's: a container or an affinity mask may leave fewer.
         return AvailableProcessors();
     }
     const std::string& text = *options.threads;
@@ -122,6 +129,7 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
     if (options.outputFile) {
         if (options.outputFile->empty()) {
+            // As an unset variable of a script gives it: the findings must not go to standard output instead.
             throw OrvlogConverter::FilesystemException("Empty filepath");
         }
         if (*options.outputFile == OrvlogConverter::StandardStreamPath) {
@@ -146,6 +154,7 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
     if (reportPath.empty()) {
         return std::make_unique<ConsoleOutput>(format);
     }
+    // The name decides, also against the settings: readers judge by the name too.
     if (IsJsonDocumentName(reportPath)) {
         const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
         return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");

@@ -15,9 +15,11 @@ namespace {
 
 constexpr std::string_view Plain = "\x1B[0m";
 constexpr std::string_view Bold = "\x1B[1m";
+// Both by rank, the worst first.
 constexpr std::string_view ColoursOfLevels[LevelRanks] = {"\x1B[31m", "\x1B[33m", "\x1B[36m", "\x1B[36m"};
 constexpr std::uint32_t LevelsByRank[LevelRanks] = {1, 2, 3, 0};
 
+// A path below it as a person there would type it; any other as it is.
 std::string FromCurrentFolder(const std::string& file) {
     const std::string folder = CurrentDirectory();
     const bool isBelow =
@@ -32,13 +34,16 @@ bool ShownFindings::Write(const ReportMessage& message) {
         return true;
     }
     ++count_;
+    // The gate sees every finding, also those that are not shown.
     gateMatches_ += gate_ && gate_->Matches(message) ? 1U : 0U;
     const std::size_t rank = LevelRank(message.level);
+    // One that is as bad as the last of them came later: the earlier one stays.
     if (most_ == 0 || (worst_.size() == most_ && rank >= std::prev(worst_.end())->first)) {
         return true;
     }
     const Finding finding = FindingOf(message);
     std::string text = "[";
+    // Texts come from sources and reports: control characters in them must not reach a terminal.
     AppendEscaped(text, finding.rule, TextForm::Line);
     text += "] ";
     AppendEscaped(text, finding.text, TextForm::Line);

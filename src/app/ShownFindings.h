@@ -27,9 +27,11 @@ public:
     /// current folder; then how many more there are. Empty without findings, and when none are to be kept.
     [[nodiscard]] std::string Text(Colours colours) const;
 
+    /// How many findings the gate stops the build for; 0 without a gate.
     [[nodiscard]] std::size_t GateMatches() const noexcept { return gateMatches_; }
 
 private:
+    /// What is shown of a finding; `text` is ready for a terminal, `file` is not.
     struct Kept {
         std::string file;
         std::uint32_t line;

@@ -55,6 +55,7 @@ void SuppressCommand(args::Subparser& parser) {
     const SuppressOptions options = ParseOptions(parser);
     MakeRoomFor(options.basePath);
     OrvlogConverter::SuppressFilterSettings filter;
+    // All values are checked before the base is locked or the report read.
     filter.files = OrvlogConverter::ParseSuppressedFiles(options.files);
     if (IsDirectory(options.basePath)) {
         throw OrvlogConverter::FilesystemException(options.basePath + " is a directory");

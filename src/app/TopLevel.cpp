@@ -23,6 +23,7 @@ void Print(std::string_view text) {
     WriteToStandardOutput(text);
 }
 
+// The two hierarchies of errors have this in common: a text and a hint.
 template <class Error>
 void PrintError(const Error& error) {
     PrintLine(std::string("Error: ") + error.what());
@@ -31,12 +32,14 @@ void PrintError(const Error& error) {
     }
 }
 
+// In one piece, as all that is printed.
 void PrintHelp(const args::ArgumentParser& parser) {
     std::ostringstream text;
     text << parser;
     Print(text.str());
 }
 
+// The words as UTF-8 on both systems. A process may be started without even its own name.
 void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* arguments) {
     std::vector<std::string> words;
     if (argumentCount >= 1) {
@@ -46,6 +49,7 @@ void Parse(args::ArgumentParser& parser, int argumentCount, const char* const* a
     parser.ParseArgs(words);
 }
 
+// The advice only where it may help, which whoever read the input knows.
 void PrintNoInvocations(const NoCompilerInvocationsFound& error) {
     std::string text = "No compiler invocations were detected.";
     if (error.HintForUser() == NoCompilerInvocationsFound::Hint::NameTheCompiler) {
@@ -80,6 +84,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         }
         return 0;
     } catch (const args::Completion& completion) {
+        // The library ends these by exceptions too; they are no errors.
         Print(completion.what());
         return 0;
     } catch (const args::Help&) {
@@ -93,14 +98,17 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         PrintHelp(parser);
         PrintLine(error.what()); // the first one may be far up by now
     } catch (const OrvlogConverter::StoppedException&) {
+        // Who has stopped it knows: no message.
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
         PrintError(error);
     } catch (const NoCompilationCommandsToRun& error) {
+        // Without "Error: " in front, which the handler of its base would add.
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
         PrintNoInvocations(error);
     } catch (const ZelmRcException& error) {
+        // All has been told by then; only the code is left.
         return IsStandardOutputLost() ? 1 : error.ReturnCode();
     } catch (const ZelmException& error) {
         PrintError(error);

@@ -1,5 +1,12 @@
 #pragma once
 
+// The only place where errors become texts and exit codes.
+//
+// Everything below throws, so that no function has to hand a code up that it does not understand. A subcommand runs
+// inside the parser, as its callback: thus one list of handlers covers the command line and the work.
+//
+// Texts go to standard output, errors too, so that they stand in the order in which things happened.
+
 #include <exception>
 #include <functional>
 #include <string>
@@ -18,6 +25,7 @@ public:
     /// `text` is printed as it is.
     explicit PrintRequest(std::string text) : text_(std::move(text)) {}
 
+    /// The text to print.
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
 private:

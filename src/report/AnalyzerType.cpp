@@ -14,6 +14,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The names under which groups are asked for; with letter case.
 struct NameRow {
     std::string_view name;
     AnalyzerType analyzer;
@@ -30,6 +31,7 @@ constexpr NameRow Names[] = {
     {"AUTOSAR", AnalyzerType::Autosar         },
 };
 
+// Numbers from `first` to `last`, both included.
 struct RangeRow {
     std::uint32_t first;
     std::uint32_t last;
@@ -52,6 +54,7 @@ constexpr RangeRow Ranges[] = {
     {6000, 6999, AnalyzerType::GeneralAnalysis },
 };
 
+// Empty parts are parts: a specification with one is wrong, and must not pass for a shorter one.
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     for (std::size_t end = 0; end != std::string_view::npos;) {
@@ -62,6 +65,7 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
+// Throws for a name that means nothing.
 AnalyzerType AnalyzerNamed(std::string_view name) {
     const NameRow* const row = Orvanta::FindRow(Names, &NameRow::name, name);
     if (row == nullptr) {
@@ -92,12 +96,14 @@ std::uint32_t CodeNumber(std::string_view code) noexcept {
 }
 
 AnalyzerType ClassifyCode(std::string_view code) noexcept {
+    // 0 for what is no code, and no row holds it.
     const std::uint32_t number = CodeNumber(code);
     for (const RangeRow& row : Ranges) {
         if (number >= row.first && number <= row.last) {
             return row.analyzer;
         }
     }
+    // Findings of other tools have no number: they count among the general ones.
     return code == "External" ? AnalyzerType::GeneralAnalysis : AnalyzerType::Unknown;
 }
 
@@ -105,11 +111,13 @@ std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text) {
     if (text == "all" || text == "ALL") {
         return {};
     }
+    // One separator is left, so that a level's place in it is its place in what the user wrote.
     std::string separated(text);
     std::replace(separated.begin(), separated.end(), '+', ';');
     std::vector<AnalyzerLevels> analyzers;
     for (const std::string_view item : Split(separated, ';')) {
         const std::size_t colon = item.find(':');
+        // Without a colon all of the item is the name.
         AnalyzerLevels parsed = {AnalyzerNamed(item.substr(0, colon))};
         if (colon != std::string_view::npos) {
             for (const std::string_view level : Split(item.substr(colon + 1), ',')) {
@@ -122,6 +130,7 @@ std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text) {
 }
 
 LevelTable::LevelTable(const std::vector<AnalyzerLevels>& analyzers) {
+    // Nothing asked for lets everything pass; otherwise only what a row names does.
     passes_.fill(analyzers.empty());
     for (const AnalyzerLevels& row : analyzers) {
         const auto entries =

@@ -51,6 +51,7 @@ public:
     [[nodiscard]] bool Passes(std::string_view code, std::uint32_t level) const noexcept;
 
 private:
+    // All but `Unknown`, which has no entry: its messages always pass.
     static constexpr std::size_t Analyzers = 8;
     static constexpr std::size_t Levels = 3;
     std::array<bool, Analyzers * Levels> passes_;

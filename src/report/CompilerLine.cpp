@@ -24,6 +24,7 @@ constexpr KindRow Kinds[] = {
     {"error",   1},
 };
 
+// Takes the character off the front; false, with the text as it is, when another stands there.
 bool TakeCharacter(std::string_view& text, char character) {
     if (text.empty() || text.front() != character) {
         return false;
@@ -32,6 +33,7 @@ bool TakeCharacter(std::string_view& text, char character) {
     return true;
 }
 
+// Takes the digits off the front, which may be none.
 std::string_view TakeDigits(std::string_view& text) {
     std::size_t count = 0;
     while (count < text.size() && Orvanta::IsDigit(text[count])) {
@@ -42,6 +44,7 @@ std::string_view TakeDigits(std::string_view& text) {
     return digits;
 }
 
+// Takes blanks off the front, and no other white space.
 void SkipBlanks(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
 }
@@ -81,6 +84,7 @@ std::optional<Tail> ReadTail(std::string_view text) {
 } // namespace
 
 std::optional<ReportMessage> ReadCompilerLine(std::string_view line) {
+    // A line end inside would become part of the file's name or of the text.
     if (line.find_first_of("\r\n") != std::string_view::npos) {
         return std::nullopt;
     }
@@ -92,6 +96,7 @@ std::optional<ReportMessage> ReadCompilerLine(std::string_view line) {
         if (!tail) {
             continue;
         }
+        // The column is read and dropped: the record has no place for it.
         MessagePosition position;
         position.file = line.substr(0, colon);
         position.line = ParseNumber(tail->lineDigits);

@@ -17,6 +17,7 @@ public:
     bool Accept(const ReportMessage& message) override;
 
 private:
+    // A fingerprint's bits are spread already: half of them are a hash.
     struct FingerprintHash {
         std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
     };

@@ -9,6 +9,7 @@ namespace OrvlogConverter {
 /// Base of the report side's errors. Caught at the entry, which prints the text after "Error: ", then the hint.
 class ReportException : public std::runtime_error {
 public:
+    /// `text` says what is wrong.
     explicit ReportException(const std::string& text, std::string hint = "")
         : std::runtime_error(text), hint_(std::move(hint)) {}
 
@@ -40,6 +41,7 @@ public:
 /// The user has asked the program to stop in the middle of a report. Caught at the entry, which prints nothing.
 class StoppedException : public ReportException {
 public:
+    /// Its text is never shown.
     StoppedException() : ReportException("stopped") {}
 };
 

@@ -11,6 +11,7 @@ namespace OrvlogConverter {
 
 FinishedReport::FinishedReport(const std::string& path, ReportLook look) : file_(path), form_(look.form) {
     if (look.hasMark) {
+        // Those who read the earlier report may need it.
         file_.Append(Orvanta::Utf8Mark);
     }
 }
@@ -28,6 +29,7 @@ bool FinishedReport::Write(const ReportMessage& message) {
 
 void FinishedReport::Copy(std::string_view text) {
     BeginMessage();
+    // Only JSON must be UTF-8. The raw form has no encoding: its bytes go over as they are.
     if (text.starts_with('{') && !IsValidUtf8(text)) {
         line_.clear();
         AppendValidUtf8(line_, text);
@@ -48,6 +50,8 @@ void FinishedReport::BeginMessage() {
 }
 
 void FinishedReport::AddMember(const std::string& key, std::string_view value) {
+    // Members stay on the side of the array on which they stood. Those before it wait for it, since it is only known to
+    // begin when the first message comes.
     std::string& members = isArrayOpen_ ? membersBehind_ : membersBefore_;
     if (isArrayOpen_) {
         members += ", ";

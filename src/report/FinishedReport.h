@@ -38,9 +38,12 @@ public:
     [[nodiscard]] std::size_t Count() const noexcept { return count_; }
 
 private:
+    // Whether messages stand in an array, and members beside it.
     [[nodiscard]] bool IsDocument() const noexcept { return form_ == ReportForm::JsonDocument; }
 
+    // Writes what stands before the first message, when it isn't written yet.
     void OpenArray();
+    // Writes what stands between two messages, and counts the one that follows.
     void BeginMessage();
 
     WholeFile file_;

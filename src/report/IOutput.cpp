@@ -28,6 +28,7 @@ void ITransform::Begin() {
 }
 
 bool ITransform::Write(const ReportMessage& message) {
+    // The stage before keeps its own message: others may be handed the same one.
     const ReportMessage transformed = Transform(message);
     return next_ == nullptr || next_->Write(transformed);
 }

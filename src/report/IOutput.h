@@ -32,6 +32,7 @@ public:
 /// A stage that drops messages and hands the others on to the next one, which it does not own and which may be null.
 class IFilter : public IOutput {
 public:
+    /// Without a next stage (null), what passes is taken.
     explicit IFilter(IOutput* next) : next_(next) {}
 
     void Begin() override;
@@ -48,6 +49,7 @@ protected:
 /// A stage that rewrites messages and hands them on to the next one, which it does not own and which may be null.
 class ITransform : public IOutput {
 public:
+    /// Without a next stage (null), every message is taken.
     explicit ITransform(IOutput* next) : next_(next) {}
 
     void Begin() override;

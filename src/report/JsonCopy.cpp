@@ -25,6 +25,7 @@ void JsonCopy::Key(std::string_view name) {
 }
 
 void JsonCopy::Open(char bracket) {
+    // Before anything is written: whoever catches it has no half bracket.
     if (depth_ == std::size_t{DeepestJson}) {
         throw ParseException("nested more than " + std::to_string(DeepestJson) + " deep");
     }
@@ -41,6 +42,7 @@ void JsonCopy::Close(char bracket) {
 }
 
 void JsonCopy::BeginValue() {
+    // A value behind its key belongs to it; the comma stood in front of the key.
     if (depth_ > 0 && !isFirst_ && !isBehindKey_) {
         *target_ += ", ";
     }

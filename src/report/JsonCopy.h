@@ -29,7 +29,9 @@ public:
     void Close(char bracket);
 
 private:
+    // Writes the comma in front of a value or a key, where one is due.
     void BeginValue();
+    // Notes that a value is whole; the outermost one ends the copy.
     void EndValue();
 
     std::string* target_ = nullptr;

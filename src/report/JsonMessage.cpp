@@ -13,6 +13,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The way by a floating number takes "1.0" and "1e3" as well, which other writers of JSON make of whole numbers.
 std::uint32_t NumberOf(const nlohmann::json& value) {
     const auto number = value.get<double>(); // holds every number of the record exactly
     if (!(number >= 0 && number <= std::numeric_limits<std::uint32_t>::max())) {
@@ -21,6 +22,7 @@ std::uint32_t NumberOf(const nlohmann::json& value) {
     return static_cast<std::uint32_t>(number);
 }
 
+// Leaves `target` as it is when there is no such member. One of another type is an error all the same.
 void ReadIfPresent(const nlohmann::json& object, const char* key, std::string& target) {
     if (const auto found = object.find(key); found != object.end()) {
         found->get_to(target);
@@ -47,7 +49,9 @@ static void from_json(const nlohmann::json& object, MessagePosition& position) {
     position.line = NumberOf(object.at("line"));
 }
 
+// By the JSON library: slower than the scanner, but it takes every form of an object, and says what is wrong with it.
 static ReportMessage ReadAnyJsonMessage(std::string_view text) {
+    // Asked in front of every value: what is nested too deep ends the parsing before it is built.
     const auto isKept = [](int depth, nlohmann::json::parse_event_t /*event*/, const nlohmann::json& /*value*/) {
         if (depth > DeepestJson) {
             throw ParseException("nested more than " + std::to_string(DeepestJson) + " deep");
@@ -61,6 +65,7 @@ static ReportMessage ReadAnyJsonMessage(std::string_view text) {
     object.at("code").get_to(message.code);
     object.at("message").get_to(message.message);
     object.at("positions").get_to(message.positions);
+    // These may be left out by whoever writes the object.
     if (const auto cwe = object.find("cwe"); cwe != object.end()) {
         message.cwe = NumberOf(*cwe);
     }
@@ -75,9 +80,11 @@ static ReportMessage ReadAnyJsonMessage(std::string_view text) {
 
 ReportMessage ReadJsonMessage(std::string_view text) {
     ReportMessage message;
+    // Nearly every message ends here.
     if (JsonMessageScanner().Scan(text, message)) {
         return message;
     }
+    // The library refuses what is no UTF-8, so the copy is only made where there is some.
     if (IsValidUtf8(text)) {
         return ReadAnyJsonMessage(text);
     }
@@ -88,6 +95,8 @@ ReportMessage ReadJsonMessage(std::string_view text) {
 
 void AppendJsonMessage(std::string& text, const ReportMessage& message) {
     const MessagePosition& first = FirstPosition(message);
+    // By hand, and always with the same members in the same order: equal findings give equal texts, and the scanner
+    // finds each key where it looks first.
     text += message.falseAlarm ? "{\"falseAlarm\":true,\"level\":" : "{\"falseAlarm\":false,\"level\":";
     text += std::to_string(message.level);
     text += ",\"code\":";

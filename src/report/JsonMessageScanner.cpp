@@ -27,6 +27,7 @@ class Cursor {
 public:
     explicit Cursor(std::string_view text) : text_(text) {}
 
+    // White space may stand in front of every part.
     bool Take(char character) {
         SkipSpace();
         if (at_ == text_.size() || text_[at_] != character) {
@@ -36,11 +37,13 @@ public:
         return true;
     }
 
+    // Whether nothing but white space is left.
     bool IsAtEnd() {
         SkipSpace();
         return at_ == text_.size();
     }
 
+    // A longer word that begins so is met as a wrong separator behind it.
     bool TakeWord(std::string_view word) {
         SkipSpace();
         if (text_.substr(at_, word.size()) != word) {
@@ -64,6 +67,7 @@ public:
         return Take(':');
     }
 
+    // A whole number of 32 bits. Zeros in front are no JSON.
     bool TakeNumber(std::uint32_t& number) {
         SkipSpace();
         const char* const begin = text_.data() + at_;
@@ -77,6 +81,7 @@ public:
         return true;
     }
 
+    // The text of a string, with its escapes resolved. Runs of plain characters are copied at once.
     bool TakeString(std::string& target) {
         if (!Take('"')) {
             return false;
@@ -124,6 +129,7 @@ private:
         }
     }
 
+    // One character behind a backslash. Escapes by number are left to the library: they may come in pairs.
     bool TakeEscape(std::string& target) {
         constexpr std::string_view Escapes = "\"\\/bfnrt";
         constexpr std::string_view Meanings = "\"\\/\b\f\n\r\t";
@@ -140,11 +146,13 @@ private:
     std::size_t at_ = 0;
 };
 
+// The word decides; any other text is no boolean.
 bool TakeBoolean(Cursor& cursor, bool& value) {
     value = cursor.TakeWord("true");
     return value || cursor.TakeWord("false");
 }
 
+// Both members in either order, and no others.
 bool TakePosition(Cursor& cursor, MessagePosition& position) {
     std::string_view key;
     if (!cursor.Take('{') || !cursor.TakeKey(key)) {
@@ -164,6 +172,7 @@ bool TakePosition(Cursor& cursor, MessagePosition& position) {
            key == (isFileFirst ? "line" : "file") && (isFileFirst ? takeLine() : takeFile()) && cursor.Take('}');
 }
 
+// A list of positions, which may be empty.
 bool TakePositions(Cursor& cursor, std::vector<MessagePosition>& positions) {
     if (!cursor.Take('[')) {
         return false;
@@ -171,6 +180,7 @@ bool TakePositions(Cursor& cursor, std::vector<MessagePosition>& positions) {
     std::size_t count = 0;
     if (!cursor.Take(']')) {
         do {
+            // Those of the message before are filled anew, with the memory of their texts.
             if (count == positions.size()) {
                 positions.emplace_back();
             }
@@ -193,6 +203,7 @@ struct Target {
     std::array<std::string, 3>& lines;
 };
 
+// What the library requires, the scanner requires too: a message that lacks a key is told of by the library.
 struct KeyRow {
     std::string_view key;
     bool isRequired;
@@ -244,6 +255,7 @@ constexpr KeyRow Keys[] = {
 };
 constexpr std::size_t KeyCount = std::size(Keys);
 
+// One bit for each key, by its place in the table.
 constexpr unsigned RequiredKeys = [] {
     unsigned mask = 0;
     for (std::size_t index = 0; index < KeyCount; ++index) {
@@ -263,6 +275,7 @@ std::size_t IndexOf(std::string_view key, std::size_t expected) {
     return KeyCount;
 }
 
+// All members of the object; false as soon as one of them is not as expected, or at the end when one is missing.
 bool TakeMembers(Cursor& cursor, const Target& target) {
     unsigned seen = 0;
     std::size_t expected = 0;
@@ -272,6 +285,7 @@ bool TakeMembers(Cursor& cursor, const Target& target) {
             return false;
         }
         const std::size_t index = IndexOf(key, expected);
+        // An unknown key, or one that stands twice, is the library's to judge.
         if (index == KeyCount || (seen & 1U << index) != 0 || !Keys[index].take(cursor, target)) {
             return false;
         }
@@ -284,6 +298,7 @@ bool TakeMembers(Cursor& cursor, const Target& target) {
 } // namespace
 
 bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
+    // These keys may be missing; all others are overwritten.
     message.cwe = 0;
     message.sastId.clear();
     for (std::string& line : lines_) {
@@ -294,6 +309,7 @@ bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
     if (!cursor.Take('{') || !TakeMembers(cursor, target) || !cursor.Take('}') || !cursor.IsAtEnd()) {
         return false;
     }
+    // The record is used again: what the JSON form does not hold must not stay from another form's message.
     for (MessagePosition& position : message.positions) {
         for (std::string* const line : {&position.prevLine, &position.currLine, &position.nextLine}) {
             line->clear();
@@ -302,6 +318,7 @@ bool JsonMessageScanner::Scan(std::string_view text, ReportMessage& message) {
     }
     if (!message.positions.empty()) {
         MessagePosition& first = message.positions.front();
+        // Swapped, not moved: the memory of the earlier texts comes back for the next line.
         first.prevLine.swap(lines_[0]);
         first.currLine.swap(lines_[1]);
         first.nextLine.swap(lines_[2]);

@@ -34,6 +34,7 @@ void AppendJsonString(std::string& json, std::string_view text) {
             json += '\\';
             json += text[at];
         } else {
+            // From the beginning: it is rare, and the library takes whole texts only.
             json.resize(start);
             json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
             return;

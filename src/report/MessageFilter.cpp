@@ -11,11 +11,14 @@ namespace OrvlogConverter {
 
 namespace {
 
+// Of an identifier, as a source line is made of them.
 bool IsWordCharacter(char character) {
     const char lower = Orvanta::ToLowerAscii(character);
     return (lower >= 'a' && lower <= 'z') || Orvanta::IsDigit(character) || character == '_';
 }
 
+// Whether one of the words stands in the line as a whole word. Looks each word of the line up: however many are
+// excluded, the line is read once.
 template <class Words>
 bool HasWordOf(std::string_view line, const Words& words) {
     for (std::size_t begin = 0; begin < line.size();) {
@@ -37,6 +40,7 @@ MessageFilter::MessageFilter(IOutput* next, MessageFilterSettings settings)
     : IFilter(next), settings_(std::move(settings)), levels_(settings_.analyzers) {}
 
 bool MessageFilter::Accept(const ReportMessage& message) {
+    // The cheapest questions first.
     const MessagePosition& first = FirstPosition(message);
     if (settings_.disabledCodes.contains(message.code)) {
         return false;

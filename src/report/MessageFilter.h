@@ -23,6 +23,7 @@ struct MessageFilterSettings {
 /// Drops messages by code, mark, words of their line, analyzer and level, and path.
 class MessageFilter : public IFilter {
 public:
+    /// `next` may be null, and outlives the filter.
     MessageFilter(IOutput* next, MessageFilterSettings settings);
     /// Whether the message passes all restrictions.
     bool Accept(const ReportMessage& message) override;

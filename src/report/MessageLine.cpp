@@ -6,6 +6,7 @@
 namespace OrvlogConverter {
 
 ReportMessage ReadMessageLine(std::string_view line) {
+    // Both ends: a raw line may begin with "{", as its fields hold anything.
     const bool isJson = !line.empty() && line.front() == '{' && line.back() == '}';
     return isJson ? ReadJsonMessage(line) : ReadRawLine(line);
 }

@@ -23,6 +23,7 @@ void MultipleOutput::Begin() {
 bool MultipleOutput::Write(const ReportMessage& message) {
     bool isTaken = false;
     for (const auto& child : children_) {
+        // In this order: every child gets the message, whatever those before it said.
         isTaken = child->Write(message) || isTaken;
     }
     return isTaken;

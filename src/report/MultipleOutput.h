@@ -13,9 +13,11 @@ public:
     /// \throws ConfigException "output is nullptr"
     void Add(std::unique_ptr<IOutput> output);
 
+    /// Begins every child, until one throws.
     void Begin() override;
     /// True when a child took the message.
     bool Write(const ReportMessage& message) override;
+    /// Ends every child, also behind one that fails. Rethrows the first failure.
     void End() override;
 
 private:

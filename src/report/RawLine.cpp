@@ -15,6 +15,7 @@ namespace OrvlogConverter {
 namespace {
 
 constexpr std::string_view Separator = "<#~>";
+// What a separator inside a text becomes: a reader that splits fields does not see it.
 constexpr std::string_view BrokenSeparator = "<# ~>";
 constexpr std::string_view Tag = "Zelm64-EM";
 constexpr std::string_view CwePrefix = "CWE-";
@@ -40,8 +41,10 @@ enum Field : std::size_t {
 
 using Fields = std::array<std::string_view, FieldCount>;
 
+// The fields of a line, of which the last may be missing and is then empty. Throws for any other number of them.
 Fields SplitFields(std::string_view line) {
     Fields fields;
+    // Counted on to the line's end: one field too many is no message, rather than one with a longer last field.
     std::size_t count = 0;
     for (std::size_t end = 0; end != std::string_view::npos; ++count) {
         end = line.find(Separator);
@@ -66,6 +69,7 @@ std::string_view TakeItem(std::string_view& list) {
 
 // The list opens with the first position's own line.
 void ReadFurtherPositions(ReportMessage& message, std::string_view lines) {
+    // It is known from its own field.
     TakeItem(lines);
     while (!lines.empty()) {
         MessagePosition position;
@@ -75,6 +79,7 @@ void ReadFurtherPositions(ReportMessage& message, std::string_view lines) {
     }
 }
 
+// The number of "CWE-N"; absent for any other item.
 std::optional<std::uint32_t> CweOf(std::string_view item) {
     if (item.substr(0, CwePrefix.size()) != CwePrefix) {
         return std::nullopt;
@@ -103,6 +108,7 @@ void ReadStandards(ReportMessage& message, std::string_view standards) {
     }
 }
 
+// A text as a field: nothing in it may end the field or the line.
 void AppendField(std::string& line, std::string_view text) {
     for (std::size_t end = 0; end != std::string_view::npos;) {
         end = text.find(Separator);
@@ -118,7 +124,9 @@ void AppendField(std::string& line, std::string_view text) {
     }
 }
 
+// The lines of all positions, the first one's too. Empty when they lie in several files: the form has one file only.
 void AppendLines(std::string& line, const std::vector<MessagePosition>& positions) {
+    // Without regard to case: one file may be named in two ways by units of a system that does not regard it either.
     const auto isInFirstFile = [&positions](const MessagePosition& position) {
         return Orvanta::EqualsIgnoringCase(position.file, positions.front().file);
     };
@@ -133,6 +141,7 @@ void AppendLines(std::string& line, const std::vector<MessagePosition>& position
     }
 }
 
+// The last field: an empty one stands for no standard.
 void AppendStandards(std::string& line, const ReportMessage& message) {
     if (message.cwe != 0) {
         line += CwePrefix;
@@ -158,6 +167,7 @@ ReportMessage ReadRawLine(std::string_view line) {
     ReportMessage message;
     message.code = fields[CodeField];
     message.message = fields[MessageField];
+    // Any other word is a message that nobody has marked.
     message.falseAlarm = fields[FalseAlarmField] == "true";
     message.level = ParseNumber(fields[LevelField]);
     message.positions.push_back(std::move(first));
@@ -168,6 +178,7 @@ ReportMessage ReadRawLine(std::string_view line) {
 
 void AppendRawLine(std::string& text, const ReportMessage& message) {
     const MessagePosition& first = FirstPosition(message);
+    // The fields that are the same in every line, and have no place in the record.
     text += "Zelm64-EM<#~>full<#~>";
     text += std::to_string(first.line);
     text += Separator;

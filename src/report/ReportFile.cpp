@@ -14,6 +14,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// Beside the report, since names can only be swapped inside one folder; hidden from who lists it.
 std::string SparePathOf(const std::string& path) {
     return Orvanta::JoinPath(Orvanta::DirectoryOf(path), "." + std::string(Orvanta::FileNameOf(path)) + ".orvanta-new");
 }
@@ -35,11 +36,17 @@ struct ReportFile::State {
     std::optional<std::uint64_t> spareSize; // what the second copy has on disk; empty when it must be made anew
     std::string lag;                        // text that the report has and the second copy has not
 
+    // Puts a report without messages in place, and chooses how commits go: to a stream, in place, or by a second copy.
     void Create();
     void EnsureSpare();
+    // Puts bytes in the place of the second copy's tail. Meanwhile `spareSize` is empty: after an error on the way
+    // nobody takes the copy for whole.
     void WriteSpare(std::string_view bytes);
+    // Brings the second copy up to date and swaps the names. An error leaves the report as it was.
     void CommitFile();
+    // Writes behind what is there. An error takes the written part back, as far as it can.
     void CommitInPlace();
+    // Removes the second copy; the next commit would make it anew.
     void RemoveSpare() noexcept;
 };
 
@@ -55,6 +62,7 @@ void ReportFile::State::Create() {
         // A file that its owner protects stays, although the folder would let us put another in its place.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
+    // What stood there goes only now that there is something whole to take its place.
     Orvanta::AtomicFile file(path, Orvanta::AtomicFile::Durability::Synced);
     file.Append(frame.head + frame.tail);
     file.Commit();
@@ -102,6 +110,7 @@ void ReportFile::State::CommitFile() {
     EnsureSpare();
     const std::size_t lagSize = lag.size();
     try {
+        // The copy lacks what the last commit added, and what this one does: one write for both and the tail.
         lag += pending;
         lag += frame.tail;
         WriteSpare(lag);
@@ -151,6 +160,7 @@ ReportFile::~ReportFile() {
 }
 
 void ReportFile::Append(std::string_view messageText) {
+    // Before every message but the report's very first, whatever is committed already.
     if (state_->hasMessages || !state_->pending.empty()) {
         state_->pending += state_->frame.separator;
     }
@@ -158,6 +168,7 @@ void ReportFile::Append(std::string_view messageText) {
 }
 
 void ReportFile::Commit() {
+    // A commit without news would only swap two equal files.
     if (state_->pending.empty()) {
         return;
     }
@@ -172,6 +183,7 @@ void ReportFile::Commit() {
             }
         });
     } catch (...) {
+        // The caller counts these messages as not reported: they must not come with the next commit.
         Discard();
         throw;
     }
@@ -186,6 +198,7 @@ void ReportFile::Discard() noexcept {
 void ReportFile::Close() {
     if (state_->stream) {
         NamingFile(state_->givenPath, [this] { state_->stream->Append(state_->frame.tail); });
+        // Closed here, so that whoever reads the pipe sees its end.
         state_->stream.reset();
     } else {
         NamingFile(state_->givenPath,

@@ -23,8 +23,12 @@ public:
     /// JSON: what was looked at. Empty: there is no such member.
     /// \throws FilesystemException
     explicit JsonOutput(const std::string& path, const std::string& checked = {});
+    /// Always true; nothing is on disk before the next commit.
     bool Write(const ReportMessage& message) override;
+    /// Puts what was written since the last commit into the report, and the closing brackets behind it.
     void Commit() override;
+    /// Commits what is left, and makes the report final.
+    /// \throws FilesystemException
     void End() override;
 
 private:
@@ -38,8 +42,12 @@ public:
     /// Replaces what is at `path` by an empty report.
     /// \throws FilesystemException
     LineOutput(const std::string& path, LineFormat format);
+    /// Always true; nothing is on disk before the next commit.
     bool Write(const ReportMessage& message) override;
+    /// Puts the lines written since the last commit at the report's end.
     void Commit() override;
+    /// Commits what is left, and makes the report final.
+    /// \throws FilesystemException
     void End() override;
 
 private:
@@ -51,6 +59,8 @@ private:
 /// Raw lines.
 class RawOutput : public LineOutput {
 public:
+    /// Replaces what is at `path` by an empty report.
+    /// \throws FilesystemException
     explicit RawOutput(const std::string& path) : LineOutput(path, LineFormat::Raw) {}
 };
 
@@ -58,10 +68,15 @@ public:
 /// that can't take them stops the run.
 class ConsoleOutput : public ReportOutput {
 public:
+    /// Writes nothing yet.
     explicit ConsoleOutput(LineFormat format);
 
+    /// Always true; nothing is shown before the next commit.
     bool Write(const ReportMessage& message) override;
+    /// Writes the lines in one piece.
+    /// \throws FileException when standard output can't take them
     void Commit() override;
+    /// Writes what is left.
     void End() override;
 
 private:

@@ -30,10 +30,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Large enough that system calls don't count.
 constexpr std::size_t BlockSize = 262144;
 constexpr std::string_view RawStart = "Zelm64-EM<#~>";
 constexpr const char* WarningsKey = "warnings";
 
+// Whether a line is to be read as JSON: a broken object is told as one.
 bool HasJsonShape(std::string_view line) {
     return !line.empty() && line.front() == '{' && line.back() == '}';
 }
@@ -79,6 +81,7 @@ public:
     }
 
 private:
+    // Whether the event closes a value, so that it can be handed on.
     static bool IsWhole(Json::parse_event_t event) {
         return event == Json::parse_event_t::value || event == Json::parse_event_t::object_end ||
                event == Json::parse_event_t::array_end;
@@ -98,6 +101,7 @@ private:
         if (!IsWhole(event)) {
             return true;
         }
+        // Handed on and dropped: the document that stays behind is an empty object.
         if (!isWarnings_ && receiver_.takeMember && !key_.empty()) {
             receiver_.takeMember(key_, value.dump());
         }
@@ -114,6 +118,7 @@ private:
         const std::string text = value.dump();
         ReportMessage message;
         try {
+            // From the text, as for a line: one reader decides what a message is.
             message = ReadJsonMessage(text);
         } catch (const std::exception& error) {
             throw ParseException(path_ + ", entry " + std::to_string(entry_) + ": " + error.what());
@@ -134,6 +139,7 @@ private:
 ReportReader::ReportReader(std::string path) : path_(std::move(path)), isDocument_(IsJsonDocumentName(path_)) {
     if (path_ == StandardStreamPath) {
         auto input = std::make_unique<StandardInput>();
+        // There is no name that could say so.
         isDocument_ = LooksLikeDocument(input->Front(BlockSize));
         input_ = std::move(input);
         path_ = "standard input";
@@ -174,12 +180,14 @@ void ReportReader::Read(const ReportReceiver& receiver) {
     if (Orvanta::ProcessStopFlag().IsSet()) {
         throw StoppedException(); // a part of a report looks like a whole one
     }
+    // A stream ends like a file when its reading fails: the report would pass for a shorter one.
     if (input_->bad()) {
         throw FilesystemException("Couldn't read file " + path_);
     }
 }
 
 void ReportReader::ReadDocument(const ReportReceiver& receiver) {
+    // The library stops at the first byte that is no UTF-8, which the texts of source lines may hold.
     Utf8Buffer buffer(*input_);
     std::istream stream(&buffer);
     DocumentCutter cutter(path_, receiver);
@@ -196,6 +204,7 @@ void ReportReader::ReadDocument(const ReportReceiver& receiver) {
 void ReportReader::ReadLines(const ReportReceiver& receiver) {
     std::string_view text;
     for (std::size_t number = 1; NextLine(text); ++number) {
+        // The mark is the file's, not the first message's.
         if (number == 1) {
             text = Orvanta::WithoutUtf8Mark(text);
         }
@@ -208,6 +217,7 @@ void ReportReader::ReadLines(const ReportReceiver& receiver) {
         } catch (const std::exception& error) {
             throw ParseException(path_ + ", line " + std::to_string(number) + ": " + error.what());
         }
+        // Outside the handler above: what the receiver throws is no fault of this line.
         receiver.takeMessage(message_, text);
     }
 }
@@ -220,6 +230,7 @@ void ReportReader::ReadLine(std::string_view line) {
         return;
     }
     std::optional<ReportMessage> compilerMessage;
+    // A raw line's texts may look like a compiler's message, so its own start decides.
     if (!line.starts_with(RawStart)) {
         compilerMessage = ReadCompilerLine(line);
     }
@@ -236,6 +247,7 @@ bool ReportReader::NextLine(std::string_view& line) {
             begin_ = end + 1;
             return true;
         }
+        // What was handed on goes only now, a block at a time: the view of the last line is no longer used.
         buffer_.erase(0, begin_);
         begin_ = 0;
         searched = buffer_.size();
@@ -270,6 +282,7 @@ ReportLook LookAtReport(const std::string& path) {
     start.resize(static_cast<std::size_t>(file.gcount()));
     std::string_view text = Orvanta::WithoutUtf8Mark(start);
     look.hasMark = text.size() != start.size();
+    // Empty lines say nothing about the form.
     text.remove_prefix(std::min(text.find_first_not_of("\r\n"), text.size()));
     if (look.form != ReportForm::JsonDocument && !text.empty() && text.front() != '{') {
         look.form = ReportForm::RawLines;

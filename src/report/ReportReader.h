@@ -1,5 +1,20 @@
 #pragma once
 
+// How finished reports are read.
+//
+// A report may be in one of our two line forms, in that of compilers, or several of those put into one file. So a file
+// of lines has no form of its own: each line is judged by itself. Only a document must be known as one beforehand, by
+// its name or, on standard input, by how it begins: it has no lines that mean anything.
+//
+// Reports are larger than memory. Lines are cut from a buffer of some blocks, and a document is handed on message by
+// message while the JSON library parses it: what was handed on is dropped from the document that the library builds.
+//
+// A message is given with the text that it was read from, because a report may hold more than our record has room for:
+// whoever passes messages on without changing them copies the text.
+//
+// A fault ends the reading, with the line or the entry. Skipping it was rejected: a report with a gap looks like one
+// with fewer findings.
+
 #include "report/JsonMessageScanner.h"
 #include "report/ReportMessage.h"
 
@@ -48,6 +63,7 @@ private:
     void Open();
     /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);
+    /// A message a line, in any of the line forms; empty lines are none.
     void ReadLines(const ReportReceiver& receiver);
     /// Puts a line of any form into `message_`.
     void ReadLine(std::string_view line);

@@ -14,6 +14,7 @@ SourceRootTransformer::SourceRootTransformer(IOutput* next, std::string root)
     : ITransform(next), root_(std::move(root)) {}
 
 bool SourceRootTransformer::Write(const ReportMessage& message) {
+    // A message that stays as it is is not copied.
     if (!root_.empty()) {
         return ITransform::Write(message);
     }
@@ -27,6 +28,7 @@ ReportMessage SourceRootTransformer::Transform(ReportMessage message) {
     for (MessagePosition& position : message.positions) {
         if (const std::size_t marker = position.file.find(SourceRootMarker); marker != std::string::npos) {
             const std::string_view behind = std::string_view(position.file).substr(marker + SourceRootMarker.size());
+            // The marker stands for the root without its last separator, but a root such as "/" is one.
             const bool isDoubled = !behind.empty() && Orvanta::IsSeparator(behind.front(), PathRules::Windows) &&
                                    Orvanta::IsSeparator(root_.back());
             position.file.replace(marker, SourceRootMarker.size() + (isDoubled ? 1U : 0U), root_);
@@ -55,6 +57,7 @@ bool SourceRootHider::LiesBelowRoot(std::string_view file) const {
     if (file.size() <= root_.size() || !Orvanta::IsSeparator(file[root_.size()], rules_)) {
         return false;
     }
+    // Windows knows a path in either case and with either separator.
     return std::equal(root_.begin(), root_.end(), file.begin(), [this](char one, char other) {
         if (rules_ == PathRules::Posix) {
             return one == other;

@@ -17,7 +17,9 @@ class SourceRootTransformer : public ITransform {
 public:
     /// An empty root leaves every message as it is.
     SourceRootTransformer(IOutput* next, std::string root);
+    /// What the next stage says.
     bool Write(const ReportMessage& message) override;
+    /// Replaces the first marker in the file of each position.
     [[nodiscard]] ReportMessage Transform(ReportMessage message) override;
 
 private:
@@ -28,10 +30,13 @@ private:
 /// absolute path.
 class SourceRootHider : public ITransform {
 public:
+    /// Separators at the root's end don't count. `next` may be null, and outlives the stage.
     SourceRootHider(IOutput* next, std::string root, Orvanta::PathRules rules = Orvanta::HostPathRules());
+    /// Positions elsewhere stay as they are.
     [[nodiscard]] ReportMessage Transform(ReportMessage message) override;
 
 private:
+    // Whether the file is inside the root by whole components; the root itself is not.
     [[nodiscard]] bool LiesBelowRoot(std::string_view file) const;
 
     std::string root_; // without a separator at its end

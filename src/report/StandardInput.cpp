@@ -19,17 +19,20 @@ std::size_t EndOfString(std::string_view text, std::size_t at) noexcept {
     return std::min(at + 1, text.size());
 }
 
+// Whether a string is a key: a colon stands behind it.
 bool IsKey(std::string_view behind) noexcept {
     return behind.substr(std::min(behind.find_first_not_of(" \t"), behind.size())).starts_with(':');
 }
 
 } // namespace
 
+// The stream's buffer is the object itself, which must be made first: hence the order of the bases.
 StandardInput::StandardInput() : std::istream(static_cast<std::streambuf*>(this)) {}
 
 std::string_view StandardInput::Front(std::size_t size) {
     std::size_t filled = 0;
     buffer_.resize(size);
+    // A pipe gives a few bytes at a time; too few would not show the form.
     while (filled < size) {
         const std::size_t count = Orvanta::ReadFromStandardInput({buffer_.data() + filled, size - filled});
         if (count == 0) {
@@ -42,6 +45,7 @@ std::string_view StandardInput::Front(std::size_t size) {
 }
 
 std::streambuf::int_type StandardInput::underflow() {
+    // What Front has looked at comes first.
     if (gptr() < egptr()) {
         return std::streambuf::traits_type::to_int_type(*gptr());
     }
@@ -57,11 +61,13 @@ bool LooksLikeDocument(std::string_view start) noexcept {
     if (!start.starts_with('{')) {
         return false;
     }
+    // A scan, not a parse: the beginning of a document is no JSON yet, as it stops in the middle.
     std::size_t depth = 0;
     for (std::size_t at = 0; at < start.size(); ++at) {
         switch (start[at]) {
         case '"': {
             const std::size_t end = EndOfString(start, at);
+            // Only the document's own member counts: a text inside a message may hold the word.
             if (depth == 1 && start.substr(at, end - at) == "\"warnings\"" && IsKey(start.substr(end))) {
                 return true;
             }
@@ -74,10 +80,12 @@ bool LooksLikeDocument(std::string_view start) noexcept {
             break;
         case '}':
         case ']':
+            // The whole object stands on one line, without the member: a message.
             if (--depth == 0) {
                 return false;
             }
             break;
+        // An object that goes on behind a line's end is no message of a line form.
         case '\n':
             return true;
         default:

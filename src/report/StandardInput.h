@@ -11,6 +11,7 @@ namespace OrvlogConverter {
 /// The bytes of standard input, in blocks. One for a process: what it has read, no other can read again.
 class StandardInput : private std::streambuf, public std::istream {
 public:
+    /// Reads nothing yet.
     StandardInput();
 
     /// Looks at what comes first without taking it: at least `size` bytes, or all there are. Before the first reading.
@@ -18,6 +19,7 @@ public:
     [[nodiscard]] std::string_view Front(std::size_t size);
 
 protected:
+    // The next block, which may be short: a pipe gives what it has. Ends when nothing more comes.
     std::streambuf::int_type underflow() override;
 
 private:

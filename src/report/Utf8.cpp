@@ -12,6 +12,7 @@ namespace {
 constexpr std::string_view Replacement = "\xEF\xBF\xBD"; // U+FFFD
 constexpr std::size_t BlockSize = 65536;
 
+// A lead byte from `first` to `last` begins a character of `length` bytes.
 struct LeadRow {
     unsigned char first;
     unsigned char last;
@@ -33,6 +34,7 @@ constexpr LeadRow Leads[] = {
     {0xF4, 0xF4, 4, 0x80, 0x8F},
 };
 
+// The first place from `at` on that needs a closer look; the text's size when there is none.
 std::size_t FindNonAscii(std::string_view text, std::size_t at) noexcept {
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) {
         ++at;
@@ -51,6 +53,7 @@ Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept {
         for (std::size_t index = 1; index < row.length; ++index) {
             const unsigned char low = index == 1 ? row.secondFirst : 0x80;
             const unsigned char high = index == 1 ? row.secondLast : 0xBF;
+            // Cut off: one replacement stands for all the bytes that were there.
             if (at + index == text.size()) {
                 return {index, false};
             }
@@ -61,6 +64,7 @@ Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept {
         }
         return {row.length, true};
     }
+    // No character begins so: a byte from the middle of one, or one that UTF-8 never uses.
     return {1, false};
 }
 
@@ -90,6 +94,7 @@ void AppendValidUtf8(std::string& target, std::string_view text) {
 }
 
 void RefuseUtf16(const std::string& name, std::istream& text) {
+    // Puts back what it takes: the stream may be a pipe.
     const int first = text.peek();
     if (first == 0xFF || first == 0xFE) { // no UTF-8 begins so
         text.get();
@@ -105,6 +110,7 @@ void RefuseUtf16(const std::string& name, std::istream& text) {
 Utf8Buffer::int_type Utf8Buffer::underflow() {
     const std::size_t kept = raw_.size();
     raw_.resize(kept + BlockSize);
+    // Behind what the last block has left: at most the part of one character.
     bytes_.read(raw_.data() + kept, static_cast<std::streamsize>(BlockSize));
     const auto count = static_cast<std::size_t>(bytes_.gcount());
     raw_.resize(kept + count);
@@ -114,6 +120,7 @@ Utf8Buffer::int_type Utf8Buffer::underflow() {
     // A character that the block cuts waits for the next one.
     std::size_t end = raw_.size();
     if (count > 0) {
+        // A character has four bytes at most, so a cut one begins at one of the last three.
         constexpr std::size_t LongestPart = 3;
         for (std::size_t at = end - std::min(LongestPart, end); at < raw_.size(); ++at) {
             const bool isLead = static_cast<unsigned char>(raw_[at]) >= 0xC0;
@@ -124,6 +131,7 @@ Utf8Buffer::int_type Utf8Buffer::underflow() {
             }
         }
     }
+    // At the end of the stream nothing completes a part: it is replaced like any other.
     text_.clear();
     AppendValidUtf8(text_, std::string_view(raw_).substr(0, end));
     raw_.erase(0, end);

@@ -34,6 +34,7 @@ public:
     explicit Utf8Buffer(std::istream& bytes) : bytes_(bytes) {}
 
 protected:
+    // The next block, as valid UTF-8; a character that a block cuts comes with the next one.
     int_type underflow() override;
 
 private:

@@ -12,11 +12,13 @@ namespace OrvlogConverter {
 
 namespace {
 
+// Messages are small: written one by one, a system call for each would cost more than its text.
 constexpr std::size_t BlockSize = 262144;
 
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
     if (!Orvanta::IsOwnOpenFile(path) && Orvanta::IsRegularFile(path)) {
+        // Opened and closed again: the system knows best whether it may be written to.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
 }
@@ -58,9 +60,11 @@ void WholeFile::WriteBuffer() {
         if (file_) {
             file_->Append(buffer_);
         } else {
+            // Somebody waits for it: a full disk behind the redirection is an error.
             Orvanta::WriteResultToStandardOutput(buffer_);
         }
     });
+    // Its memory stays for the next block.
     buffer_.clear();
 }
 
@@ -70,6 +74,7 @@ void WholeFile::Commit() {
         return; // standard output
     }
     NamingFile(path_, [this] { file_->Commit(); });
+    // Told after the fact, since only the writing shows whether another file could take its place.
     if (file_->IsInPlace()) {
         TellInPlace(path_);
     }

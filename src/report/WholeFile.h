@@ -30,6 +30,7 @@ public:
     static void RequireReplaceable(const std::string& path);
 
 private:
+    // Hands what is gathered on to the file, or to standard output.
     void WriteBuffer();
 
     std::string path_;

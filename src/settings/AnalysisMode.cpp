@@ -11,6 +11,7 @@ namespace Orvanta {
 
 namespace {
 
+// One bit for each group; the core takes their sum as a decimal number.
 struct GroupRow {
     std::string_view name;
     std::uint8_t mask;
@@ -28,6 +29,7 @@ constexpr GroupRow Groups[] = {
 };
 constexpr std::uint8_t AllGroups = 255;
 
+// Throws for a name that means nothing: a group that is left out in silence would be missed by nobody.
 std::uint8_t MaskOfGroup(std::string_view name) {
     if (EqualsIgnoringCase(name, "all")) {
         return AllGroups;
@@ -52,6 +54,7 @@ std::uint8_t ParseAnalysisMode(std::string_view text) {
         return static_cast<std::uint8_t>(*number);
     }
     unsigned mask = 0;
+    // Empty parts, as a trailing separator leaves them, are passed over; nothing but such parts is an error.
     while (!text.empty()) {
         const std::string_view name = TakeUpTo(text, "+;");
         if (!name.empty()) {

@@ -71,11 +71,13 @@ bool ExclusionSet::Matches(std::string_view path) const {
 }
 
 bool ExclusionSet::MatchesPrefix(std::string_view path) const {
+    // Every unit asks, and most runs have no prefix: then nothing is folded or copied.
     if (prefixes_.empty()) {
         return false;
     }
     std::string folded;
     if (rules_ == PathRules::Windows) {
+        // Only ASCII is folded, in the prefixes too: the system's table of other letters depends on the volume.
         folded = ToLowerAscii(path);
         path = folded;
     }
@@ -94,6 +96,7 @@ bool ExclusionSet::MatchesPrefix(std::string_view path) const {
 }
 
 bool ExclusionSet::MatchesMask(std::string_view path) const {
+    // The same for masks: folding a path costs more than the question.
     if (masks_.empty()) {
         return false;
     }

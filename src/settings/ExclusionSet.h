@@ -17,6 +17,7 @@ namespace Orvanta {
 /// Once filled, any number of threads may ask.
 class ExclusionSet {
 public:
+    /// An empty set, which matches nothing. `rules` are those of the system that the paths are of.
     explicit ExclusionSet(PathRules rules = HostPathRules()) : rules_(rules) {}
 
     /// A mask when the value holds a wildcard, else an absolute path prefix, which need not be normalised. An empty
@@ -30,13 +31,16 @@ public:
     [[nodiscard]] bool IsEmpty() const noexcept { return prefixes_.empty() && masks_.empty(); }
 
 private:
+    // Look-ups by a view: the prefixes of a path are parts of it, and none is copied.
     struct PrefixHash {
         using is_transparent = void;
 
         std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
     };
 
+    // Whether one of the prefixes is the path or one of the folders above it.
     [[nodiscard]] bool MatchesPrefix(std::string_view path) const;
+    // Whether one of the masks fits the whole path. Costs one look at each mask.
     [[nodiscard]] bool MatchesMask(std::string_view path) const;
 
     PathRules rules_;

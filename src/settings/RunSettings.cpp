@@ -14,6 +14,7 @@ constexpr std::string_view DefaultExclusionMasks[] = {
     R"(?:\program files\microsoft visual studio\*)",
 };
 
+// What counts as a compiler by its name; settings and options add to it.
 constexpr const char* DefaultCompilerNames[] = {
     "x86_64-linux-gnu-gcc",
     "x86_64-linux-gnu-g++",
@@ -35,6 +36,7 @@ constexpr const char* DefaultCompilerNames[] = {
     "xc8-cc",
 };
 
+// A key that may stand once: what stood there before gives way.
 void ReplaceSetting(SettingsMap& settings, const std::string& key, std::string value) {
     settings.erase(key);
     settings.emplace(key, std::move(value));
@@ -50,12 +52,14 @@ RunSettings::RunSettings() : compilerNames(std::begin(DefaultCompilerNames), std
 
 void ApplySettings(RunSettings& run, const SettingsMap& settings) {
     for (const auto& [key, value] : settings) {
+        // All of them count, from wherever they come: an option adds to what the file excludes.
         if (key == "exclude-path") {
             run.exclusions.Add(value);
             run.userSettings.emplace(key, value);
             continue;
         }
         if (key == "compiler") {
+            // Added to the known names. It stays among the user's settings too, for the core to read.
             run.compilerNames.push_back(value);
         } else if (key == "response-file-quoting") {
             run.nativeResponseFiles = value == "native";
@@ -71,6 +75,7 @@ void OverrideSetting(RunSettings& run, const std::string& key, std::string value
 }
 
 bool IsExcluded(const RunSettings& run, std::string_view sourcePath) {
+    // An exclusion counts also for what `--analyze-only` names.
     return (!run.onlyPaths.IsEmpty() && !run.onlyPaths.Matches(sourcePath)) || run.exclusions.Matches(sourcePath);
 }
 

@@ -13,6 +13,7 @@ namespace Orvanta {
 
 namespace {
 
+// The keys whose relative values mean a place beside the settings file, wherever the program is started.
 constexpr std::string_view PathKeys[] = {"exclude-path", "rules-config", "intermodular-file", "vcprojectdir"};
 
 bool IsPathKey(std::string_view key) {
@@ -26,16 +27,19 @@ bool IsAbsoluteValue(std::string_view value) {
     return hasDrive || IsAbsolutePath(value);
 }
 
+// The value as it is kept: paths absolute, the mode as a number. All else stays as a person wrote it.
 std::string StoredValue(std::string_view key, std::string_view value, std::string_view baseDirectory) {
     if (key == "analysis-mode") {
         return std::to_string(ParseAnalysisMode(value));
     }
+    // A mask is matched against whole paths, so a folder in front of it would change what it fits.
     if (IsPathKey(key) && !value.empty() && !HasWildcard(value) && !IsAbsoluteValue(value)) {
         return JoinPath(baseDirectory, value);
     }
     return std::string(value);
 }
 
+// For messages, each of which is one line.
 std::string Escaped(std::string_view text) {
     std::string escaped;
     for (const char character : text) {
@@ -58,6 +62,7 @@ std::string_view ReadBackFault(std::string_view text) {
     return Trim(text).size() == text.size() ? std::string_view() : "white space at an end";
 }
 
+// What keeps the format from giving `key` back as a key; empty when nothing does.
 std::string_view KeyFault(std::string_view key) {
     if (key.find('=') != std::string_view::npos) {
         return "an equals sign";
@@ -77,6 +82,7 @@ void CheckEntry(const std::string& key, const std::string& value) {
     }
 }
 
+// The whole text is made before the file is opened: an entry that can't be held leaves what is there untouched.
 std::string TextOf(const SettingsMap& settings) {
     std::string text;
     for (const auto& [key, value] : settings) {
@@ -89,6 +95,7 @@ std::string TextOf(const SettingsMap& settings) {
     return text;
 }
 
+// The message names the file as a settings file, whatever the system says of it.
 OutputFile CreateConfigFile(const std::string& path) {
     try {
         return OutputFile(path, OutputFile::Mode::Replace);
@@ -97,6 +104,7 @@ OutputFile CreateConfigFile(const std::string& path) {
     }
 }
 
+// The same for reading: the user knows which file it was asked for, not why the system was asked.
 std::string ReadConfigFile(const std::string& path) {
     try {
         return ReadWholeFile(path);
@@ -108,10 +116,12 @@ std::string ReadConfigFile(const std::string& path) {
 } // namespace
 
 SettingsMap ParseSettings(std::string_view text, std::string_view baseDirectory) {
+    // Editors put the mark there; left in, it would be part of the first key.
     text = WithoutUtf8Mark(text);
     SettingsMap settings;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));
+        // The first one separates: values may hold others. A line without any says nothing, and stops nobody.
         const std::size_t equals = line.find('=');
         if (line.substr(0, 1) == "#" || equals == std::string_view::npos) {
             continue;
@@ -149,6 +159,7 @@ SettingsFile::SettingsFile(SettingsFile&& other) noexcept
       lifetime_(other.lifetime_) {}
 
 SettingsFile& SettingsFile::operator=(SettingsFile&& other) noexcept {
+    // A file moved onto itself must not be removed.
     if (this != &other) {
         RemoveOwned();
         settings_ = std::move(other.settings_);

@@ -29,15 +29,18 @@ public:
     /// and the value when the format can't hold one of them
     SettingsFile(SettingsMap settings, const std::string& basePath, Lifetime lifetime);
     ~SettingsFile();
+    /// The file goes over to the new object: the old one removes nothing any more.
     SettingsFile(SettingsFile&& other) noexcept;
     SettingsFile& operator=(SettingsFile&& other) noexcept;
 
     /// What the file holds.
     [[nodiscard]] const SettingsMap& Settings() const noexcept { return settings_; }
 
+    /// Where the file is; empty when it went over to another object.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
 private:
+    // Removes the file when its lifetime says so; a file that can't be removed is no failure.
     void RemoveOwned() noexcept;
 
     SettingsMap settings_;

@@ -5,6 +5,7 @@
 namespace Orvanta {
 
 std::optional<std::string> LastValue(const SettingsMap& settings, std::string_view key) {
+    // Entries of one key stand in the order of their addition, so the last of them is the last one given.
     const auto [first, end] = settings.equal_range(key);
     if (first == end) {
         return std::nullopt;

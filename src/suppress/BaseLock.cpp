@@ -14,20 +14,24 @@ namespace Orvanta {
 
 namespace {
 
+// Several jobs of one build may add to one base, one after the other.
 constexpr std::chrono::minutes LongestWait(2);
 
 } // namespace
 
 BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
     using State = LockFile::State;
+    // The lock by the path first: most bases have one name, and need no other.
     State state = lock_.Take(basePath, LongestWait, stop);
     if (state == State::Held) {
         if (const std::optional<FileIdentity> base = IdentityOf(basePath); base && base->names > 1) {
+            // By what the file is, in a folder that all who know it by any name share.
             const std::string name = "base-" + std::to_string(base->device) + "-" + std::to_string(base->number);
             state = sharedLock_.Take(JoinPath(SystemTemporaryFolder(), name), LongestWait, stop);
         }
     }
     if (state == State::HeldByOther) {
+        // A stop ends the wait: then it is not the other run's fault.
         if (stop.IsSet()) {
             throw OrvlogConverter::StoppedException();
         }
@@ -39,6 +43,7 @@ BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
 }
 
 BaseLock::~BaseLock() {
+    // In the reverse order of taking them.
     sharedLock_.ReleaseAndRemove();
     lock_.ReleaseAndRemove();
 }

@@ -26,6 +26,8 @@ constexpr std::array<Kind, 256> Kinds = [] {
     return kinds;
 }();
 
+// Fixed for good: the bases of all projects hold its values. Blanks don't count, so that code can be indented anew;
+// bytes above ASCII don't, as the same line may come in another encoding.
 std::uint32_t HashBytes(std::string_view line) {
     std::uint32_t hash = 0;
     for (const char character : line) {
@@ -48,6 +50,7 @@ bool IsMark(std::string_view text) {
     return (digits == 3 || digits == 4) && std::all_of(notDigit, text.end(), Orvanta::IsWhiteSpace);
 }
 
+// Without the marks at its end, of which there may be several: marking a line must not make it another one.
 std::string_view WithoutMarks(std::string_view line) {
     constexpr std::string_view Introducer = "//-";
     // Few lines end in a digit, so few are searched.
@@ -67,6 +70,7 @@ std::string_view WithoutMarks(std::string_view line) {
 std::string NormalizeText(std::string_view text) {
     text = Orvanta::Trim(text);
     std::string normal;
+    // The normal form is never longer.
     normal.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t begin = at;

@@ -1,5 +1,14 @@
 #pragma once
 
+// How findings are recognised after the code around them has moved.
+//
+// Not by their line numbers, which change with every edit above. A source line is known by a hash of its text, and the
+// text of a message without the numbers in it, which may count lines or sizes.
+//
+// The hash is short and simple, and stays so: its values stand in bases that people keep for years. Equal hashes alone
+// accept nothing: the file's name, the code and the text must agree as well. Rules that change get a version, and old
+// bases are matched by their own.
+
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -27,6 +27,7 @@ namespace {
 
 using Json = nlohmann::json;
 
+// A base that does not say by which rules it was made is one of the first.
 constexpr std::uint32_t VersionOfBasesWithoutOne = 1;
 
 /// The members of an entry, in the order in which they are written.
@@ -57,18 +58,22 @@ public:
     /// The document's other members, each behind ", ".
     [[nodiscard]] std::string Members() const { return members_; }
 
+    // The number, from 1, of the entry that is being read; 0 outside of them. For messages.
     [[nodiscard]] std::size_t Entry() const { return isInWarnings_ ? entryNumber_ : 0; }
 
+    // The parser's events. All return true, which has it go on: what is wrong is thrown.
     bool null() { return TakeScalar("null", "null"); }
 
     bool boolean(bool value) { return TakeScalar("boolean", value ? "true" : "false"); }
 
+    // Only negative ones come here, and no field is negative.
     bool number_integer(Json::number_integer_t value) { return TakeNumber(std::to_string(value), std::nullopt); }
 
     bool number_unsigned(Json::number_unsigned_t value) { return TakeNumber(std::to_string(value), value); }
 
     bool number_float(Json::number_float_t, const std::string& text) { return TakeNumber(text, std::nullopt); }
 
+    // A text, as the value of a field or as part of a copy.
     bool string(std::string& value) {
         if (copy_.IsOpen()) {
             copy_.Text(value);
@@ -85,6 +90,7 @@ public:
 
     bool binary(Json::binary_t&) { return TakeScalar("binary", "null"); }
 
+    // The document itself, an entry, or part of a copy; an object anywhere else is an error or passed over.
     bool start_object(std::size_t) {
         if (copy_.IsOpen()) {
             copy_.Open('{');
@@ -102,6 +108,7 @@ public:
         return true;
     }
 
+    // Decides what the value to come is: a field, the list of entries, or what people have added, which is copied.
     bool key(std::string& name) {
         if (copy_.IsOpen()) {
             copy_.Key(name);
@@ -119,6 +126,7 @@ public:
         return true;
     }
 
+    // An entry that is whole goes on at once: only the set of them holds it.
     bool end_object() {
         if (copy_.IsOpen()) {
             copy_.Close('}');
@@ -133,6 +141,7 @@ public:
         return true;
     }
 
+    // The list of entries, or part of a copy.
     bool start_array(std::size_t) {
         if (copy_.IsOpen()) {
             copy_.Open('[');
@@ -162,6 +171,7 @@ public:
         throw ParseException(error.what());
     }
 
+    // A document without the list is some other JSON file, named by mistake: it must not be written over as a base.
     void RequireWarnings() const {
         if (!hasWarnings_) {
             throw ParseException("field warnings is not found");
@@ -174,11 +184,13 @@ private:
     static constexpr std::size_t ListDepth = 2;
     static constexpr std::size_t EntryDepth = 3;
 
+    // Whether the value to come is the version, or a field that is a number.
     [[nodiscard]] bool IsNumberWanted() const {
         return (depth_ == RootDepth && rootKey_ == "version") ||
                (depth_ == EntryDepth && field_ != nullptr && field_->number != nullptr);
     }
 
+    // `value` is absent for what no field can hold, such as a fraction. In a copy the text counts, whatever its size.
     bool TakeNumber(const std::string& text, std::optional<Json::number_unsigned_t> value) {
         if (copy_.IsOpen() || !IsNumberWanted()) {
             return TakeScalar("number", text);
@@ -195,6 +207,7 @@ private:
         return true;
     }
 
+    // A value that no part of a base is made of: fine in a copy, an error where something else is wanted.
     bool TakeScalar(const char* type, std::string_view json) {
         if (copy_.IsOpen()) {
             copy_.Scalar(json);
@@ -204,6 +217,7 @@ private:
         return true;
     }
 
+    // The next value's text goes behind its key into `members`.
     void BeginCopy(std::string& members, const std::string& name) {
         members += ", ";
         AppendJsonString(members, name);
@@ -231,8 +245,10 @@ private:
         }
     }
 
+    // A field that stands twice counts with its last value, as in any JSON object.
     void MarkSeen() { seen_ |= 1U << static_cast<unsigned>(field_ - std::begin(Fields)); }
 
+    // An entry without one of them would hide other findings than the one it was made for.
     void RequireAllFields() const {
         for (std::size_t index = 0; index < std::size(Fields); ++index) {
             if ((seen_ & 1U << index) == 0) {
@@ -255,6 +271,7 @@ private:
     const FieldRow* field_ = nullptr; // of the value to come
 };
 
+// On one line, with the fields in the table's order: merges compare lines.
 void AppendEntry(std::string& line, const SuppressEntry& entry) {
     line += '{';
     for (const FieldRow& row : Fields) {
@@ -271,6 +288,7 @@ void AppendEntry(std::string& line, const SuppressEntry& entry) {
     line += '}';
 }
 
+// The message is about the base, which the user has named, whatever file could not be made beside it.
 WholeFile OpenBase(const std::string& path) {
     try {
         return WholeFile(path);
@@ -292,6 +310,7 @@ SuppressBase SuppressBase::Read(const std::string& path) {
         throw FilesystemException("Couldn't open file " + path);
     }
     Orvanta::InputStream& file = *opened;
+    // Editors of Windows may save it so; the JSON library would only say that a byte is wrong.
     RefuseUtf16(path, file);
     SuppressBase base;
     try {
@@ -310,6 +329,7 @@ SuppressBase SuppressBase::Parse(std::istream& text, const std::string& name) {
     SuppressBase base;
     BaseHandler handler([&base](SuppressEntry entry) { base.Add(std::move(entry)); });
     try {
+        // A person's note may be in an old encoding: the base is read all the same.
         Utf8Buffer buffer(text);
         std::istream stream(&buffer);
         Json::sax_parse(stream, &handler);
@@ -324,6 +344,7 @@ SuppressBase SuppressBase::Parse(std::istream& text, const std::string& name) {
 }
 
 void SuppressBase::Write(const std::string& path) const {
+    // Sorted when it is written, not when it is read: most runs only ask.
     std::vector<const SuppressEntry*> sorted;
     sorted.reserve(entries_.size());
     for (const SuppressEntry& entry : entries_) {

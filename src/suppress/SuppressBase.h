@@ -52,8 +52,10 @@ public:
     /// Whether nothing may be added any more.
     [[nodiscard]] bool IsOutdated() const noexcept { return version_ < CurrentBaseVersion; }
 
+    /// How many entries there are.
     [[nodiscard]] std::size_t Size() const noexcept { return entries_.size(); }
 
+    /// Whether the base holds an equal entry. One made by other hashing rules than the base's is not found.
     [[nodiscard]] bool Contains(const SuppressEntry& entry) const { return entries_.contains(entry); }
 
     /// False when it is there already.

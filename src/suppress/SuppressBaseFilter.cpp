@@ -10,6 +10,7 @@ ReportMessage OutdatedBaseNotice() {
     notice.message = OutdatedBaseText;
     notice.level = 1;
     notice.positions.resize(1);
+    // A message needs a place, and this one has none.
     notice.positions.front().file = " ";
     return notice;
 }
@@ -24,6 +25,7 @@ void SuppressBaseFilter::Begin() {
 }
 
 bool SuppressBaseFilter::Accept(const ReportMessage& message) {
+    // By the rules of the base's version, old ones too: an outdated base goes on hiding what it holds.
     const bool isHidden = base_ != nullptr && base_->Contains(MakeSuppressEntry(message, base_->Version()));
     hidden_ += isHidden ? 1U : 0U;
     return !isHidden;

@@ -13,7 +13,9 @@ public:
     /// Without a base (null), nothing is dropped. The base outlives the filter.
     SuppressBaseFilter(IOutput* next, const SuppressBase* base) : IFilter(next), base_(base) {}
 
+    /// Sends the notice of an outdated base ahead. It is no message that the base could hide.
     void Begin() override;
+    /// False, and counted, for a message that the base holds.
     bool Accept(const ReportMessage& message) override;
 
     /// The messages dropped so far.

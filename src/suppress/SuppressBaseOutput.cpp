@@ -13,11 +13,13 @@ SuppressBaseOutput::SuppressBaseOutput(std::string path, SuppressBase base)
 
 void SuppressBaseOutput::Begin() {
     if (base_.IsOutdated()) {
+        // Before the report is read: nothing of it could be added.
         throw ConfigException(OutdatedBaseText);
     }
 }
 
 bool SuppressBaseOutput::Write(const ReportMessage& message) {
+    // Accepting it would hide the link in every report to come.
     if (message.code == DocumentationLinkCode) {
         return false;
     }

@@ -16,6 +16,7 @@ std::string_view FileNameOf(std::string_view path) {
     return path.substr(path.find_last_of("/\\") + 1); // nothing found is the greatest number
 }
 
+// What tells entries apart, and in which order they are written. Without `more`, which people write.
 auto FieldsOf(const SuppressEntry& entry) {
     return std::tie(entry.fileName, entry.errorCode, entry.message, entry.codePrev, entry.codeCurrent, entry.codeNext);
 }
@@ -37,6 +38,7 @@ bool SuppressEntry::operator<(const SuppressEntry& other) const noexcept {
 }
 
 std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const {
+    // An odd constant whose bits are spread evenly, so that small numbers fill the whole width.
     constexpr std::uint64_t Spread = 0x9e3779b97f4a7c15U;
     std::uint64_t hash = std::hash<std::string>()(entry.message);
     for (const std::uint64_t part :
@@ -54,9 +56,12 @@ SuppressEntry MakeSuppressEntry(const ReportMessage& message, std::uint32_t vers
     entry.fileName = ValidText(FileNameOf(first.file));
     entry.errorCode = ValidText(message.code);
     entry.message = NormalizeText(message.message);
+    // Asked first: nearly all are, and need no copy.
     if (!IsValidUtf8(entry.message)) {
         entry.message = ValidText(entry.message);
     }
+    // Hashes that come with the message count: whoever made them had the lines. One that is missing makes all of them
+    // doubtful.
     if (first.prevHash != 0 && first.currHash != 0 && first.nextHash != 0) {
         entry.codePrev = first.prevHash;
         entry.codeCurrent = first.currHash;

@@ -26,6 +26,7 @@ struct SuppressEntry {
 
 /// Not declared `noexcept`: the standard library then keeps each entry's hash beside it and need not take it again.
 struct SuppressEntryHash {
+    /// Of all fields by which entries are told apart; of nothing else.
     [[nodiscard]] std::size_t operator()(const SuppressEntry& entry) const;
 };
 

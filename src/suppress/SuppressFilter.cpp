@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// The number behind the colon of "FILE:LINE"; 0 stands for every line.
 std::uint32_t ParseLine(std::string_view text) {
     std::uint32_t line = 0;
     const std::errc error = Orvanta::ReadWholeNumber(text, line);
@@ -30,11 +31,13 @@ std::vector<SuppressedFile> ParseSuppressedFiles(const std::vector<std::string>&
     std::vector<SuppressedFile> files;
     for (const std::string& value : values) {
         SuppressedFile file = {value};
+        // The last one: a name may hold others.
         if (const std::size_t colon = value.rfind(':'); colon != std::string::npos) {
             file = {value.substr(0, colon), ParseLine(std::string_view(value).substr(colon + 1))};
         }
         files.push_back(std::move(file));
     }
+    // All values are parsed before the first is judged, so that the order of the checks does not depend on theirs.
     for (std::size_t index = 0; index < files.size(); ++index) {
         if (values[index].empty()) { // as an unset variable of a script gives it; it would match every file
             throw ConfigException("The value of the '--file' argument is empty.");
@@ -73,14 +76,17 @@ bool SuppressFilter::Accept(const ReportMessage& message) {
     if (!settings_.files.empty() && !IsInFiles(message)) {
         return false;
     }
+    // The same rules as those of the converter, so that what is seen there can be accepted here.
     if (!levels_.Passes(message.code, message.level)) {
         return false;
     }
+    // By number, as the option takes codes with and without their letter.
     return settings_.codeNumbers.empty() || settings_.codeNumbers.contains(CodeNumber(message.code));
 }
 
 bool SuppressFilter::IsInFiles(const ReportMessage& message) const {
     const MessagePosition& first = FirstPosition(message);
+    // Part of the path is enough: the name alone is what people type.
     return std::any_of(settings_.files.begin(), settings_.files.end(), [&first](const SuppressedFile& file) {
         return first.file.find(file.name) != std::string::npos && (file.line == 0 || file.line == first.line);
     });

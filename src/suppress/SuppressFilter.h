@@ -38,11 +38,13 @@ struct SuppressFilterSettings {
 /// Chooses the messages that go into a base.
 class SuppressFilter : public IFilter {
 public:
+    /// `next` may be null, and outlives the filter.
     SuppressFilter(IOutput* next, SuppressFilterSettings settings);
     /// Whether the message is to be added to the base.
     bool Accept(const ReportMessage& message) override;
 
 private:
+    // Whether the message's primary position is in one of the files, on its line where one is named.
     [[nodiscard]] bool IsInFiles(const ReportMessage& message) const;
 
     SuppressFilterSettings settings_;

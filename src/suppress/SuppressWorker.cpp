@@ -28,7 +28,9 @@ void SuppressWorker::Run() {
             filter.Write(message);
         };
         PassReport(reportPath_, {takeMessage}, stop_);
+        // Writes the base: a report that can't be read to its end has thrown before, and adds nothing.
         filter.End();
+        // The lock goes before anything is told: others need not wait for the console.
         added = output.AddedCount();
     }
     PrintLine("Suppressed messages: " + std::to_string(added));

@@ -35,9 +35,11 @@ constexpr const char* Description =
     "Orvanta report converter.\n\nReads reports of the analyzer, leaves out what is not wanted and writes the rest in "
     "other forms.";
 
+// All values are taken as words: they are read where a wrong one can be told of by its option's name.
 using StringFlag = args::ValueFlag<std::string>;
 using StringListFlag = args::ValueFlagList<std::string>;
 
+// For the help: from the table of forms, so that none is left out.
 std::string KnownTypes() {
     std::string names;
     for (const RenderType& type : AllRenderTypes()) {
@@ -114,6 +116,7 @@ struct Options {
     args::PositionalList<std::string> reports;
 };
 
+// Empty parts, as trailing separators leave them, are no codes.
 std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& lists) {
     std::set<std::string, std::less<>> codes;
     for (std::string_view list : lists) {
@@ -126,12 +129,14 @@ std::set<std::string, std::less<>> SplitCodes(const std::vector<std::string>& li
     return codes;
 }
 
+// An empty name is the current folder.
 void RequireFolder(const std::string& folder) {
     if (!folder.empty() && !Orvanta::IsDirectory(folder)) {
         throw FilesystemException("Couldn't create directory: " + folder);
     }
 }
 
+// By what the files are: a link to a report is the report. A terminal may be both.
 void RequireNoReport(const std::string& path, const std::vector<std::string>& reports) {
     for (const std::string& report : reports) {
         if (Orvanta::IsSameFile(path, report) && Orvanta::IsRegularFile(path)) {
@@ -140,11 +145,13 @@ void RequireNoReport(const std::string& path, const std::vector<std::string>& re
     }
 }
 
+// Where each form goes. One that is asked for twice is written once; all places are checked before a report is read.
 std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, const std::string& output,
                                       const std::vector<std::string>& reports) {
     std::vector<RenderTarget> targets;
     for (const std::string& name : types) {
         const RenderType& type = RenderTypeNamed(name);
+        // By address: there is one row for each form.
         const auto isSame = [&type](const RenderTarget& target) {
             return target.type == &type;
         };
@@ -152,6 +159,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
             targets.push_back({&type, output});
         }
     }
+    // Nothing to write: whether places exist does not matter.
     if (targets.empty()) {
         return targets;
     }
@@ -163,11 +171,13 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
         targets.front().path = output;
         return targets;
     }
+    // Several forms need several files, which only a folder holds.
     const bool isFolder = targets.size() > 1 || output.empty() || Orvanta::IsDirectory(output);
     RequireFolder(isFolder ? output : std::string(DirectoryOf(output)));
     for (RenderTarget& target : targets) {
         if (isFolder) {
             const std::string_view first = reports.front();
+            // Of the first report: several that are merged are named after it.
             const std::string stem(first == StandardStreamPath ? "report" : Orvanta::StemOf(first));
             target.path = JoinPath(output, stem + std::string(target.type->suffix));
         }
@@ -176,6 +186,7 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
     return targets;
 }
 
+// All that can be wrong with the options is found here, before a report is read.
 LogParserSettings MakeSettings(Options& options) {
     LogParserSettings settings;
     settings.reports = options.reports.Get();
@@ -201,6 +212,7 @@ LogParserSettings MakeSettings(Options& options) {
     settings.render.programVersion = Orvanta::Version;
     settings.suppressBase = options.base.Get();
     settings.keepsSuppressed = options.keepSuppressed.Matched();
+    // Without a base, nothing would be marked, and nobody would know why.
     if (settings.keepsSuppressed && settings.suppressBase.empty()) {
         throw ConfigException("--keep-suppressed needs a suppression base", "Name it with --suppress-file FILE");
     }
@@ -231,6 +243,7 @@ int RunConverter(int argumentCount, const char* const* arguments) {
         Orvanta::MakeRoomFor(options.output.Get());
         LogParserWorker worker(MakeSettings(options), Orvanta::ProcessStopFlag());
         worker.Run();
+        // Only after everything is written: the gate says what the reports hold, and takes nothing from them.
         if (worker.GateMatches() > 0) {
             throw Orvanta::ZelmRcException(GateExitCode);
         }
