@@ -9,6 +9,7 @@ namespace Orvanta {
 
 void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     statuses[unit] = result.status;
+    inSystemFolders += result.isInSystemFolder ? 1 : 0;
     if (IsFailure(result.status)) {
         failures.emplace(unit, std::move(result.reason));
     }

@@ -19,6 +19,7 @@ struct RunOutcome {
     std::map<std::size_t, std::string> failures;     ///< by unit: why it failed
     std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
     std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
+    std::size_t inSystemFolders = 0;                 ///< units that were excluded because they lie there
     bool isReportKept = false;                       ///< the report stands as it was: its findings were not counted
 
     /// Takes over how a unit ended, and why.

@@ -30,6 +30,7 @@ Environment InvocationEnvironment(Environment variables, const Environment& ownV
             variables.emplace(name, value);
         }
     }
+    RemoveWritingVariables(variables);
     return variables;
 }
 
@@ -41,6 +42,9 @@ void AddArgument(ParsedCommand& command, std::vector<std::string>& list, const c
 bool IsInSystemFolder(const UnitPlan& plan) {
     const std::vector<std::string>& folders = plan.parsed.systemIncludes;
     return std::any_of(folders.begin(), folders.end(), [&plan](const std::string& folder) {
+        if (folder.empty()) {
+            return false; // compilers ignore it
+        }
         const std::string path = NormalizePath(JoinPath(plan.Directory(), folder));
         // A root ends in its separator: as a system root it would hold every source.
         return !IsSeparator(path.back()) && plan.sourcePath.size() > path.size() && plan.sourcePath.starts_with(path) &&
@@ -59,7 +63,7 @@ UnitVerdict VerdictOn(const UnitPlan& plan, const RunSettings& settings) {
 
 UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                          Log& log, const StopFlag& stop)
-    : settings_(settings), registry_(registry), places_(places), probe_(places.temporaryFolder, stop),
+    : settings_(settings), registry_(registry), places_(places), log_(log), probe_(places.temporaryFolder, stop),
       visualStudio_(log), commonEnvironment_(std::make_shared<EnvironmentBlock>(
                               InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
@@ -79,6 +83,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
         AddArgument(plan.parsed, plan.parsed.userIncludes, "-I", directory);
     }
     AddArgument(plan.parsed, plan.parsed.defines, "-D", PredefinedMacro);
+    FindPlatform(plan.parsed);
     plan.verdict = VerdictOn(plan, settings_);
     plan.environment = EnvironmentOf(command, plan.parsed);
     // The whole environment of a build is the compiler's business; the core belongs to this run.
@@ -88,6 +93,37 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, StandardOf(plan), plan.files);
     AddIntermodularSettings(plan.settings, mode, places_.MergedFile(), plan.files.collectedPath);
     return plan;
+}
+
+// Where no flag says for what the unit is compiled, its compiler tells.
+void UnitPlanner::FindPlatform(ParsedCommand& parsed) {
+    const bool speaksGcc = parsed.compilerType == CompilerType::Gcc || parsed.compilerType == CompilerType::Clang;
+    if (!speaksGcc || !parsed.platformWord.empty()) {
+        return;
+    }
+    const std::optional<TargetPlatform> target =
+        parsed.targetTriple.empty() ? platforms_.Get(parsed.compilerPath) : PlatformOfTriple(parsed.targetTriple);
+    if (target) {
+        parsed.platformWord = target->word;
+    }
+    if (log_.IsVerbose()) {
+        TellPlatform(parsed, target);
+    }
+}
+
+void UnitPlanner::TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target) {
+    std::string text = "Compiler platform: '" + parsed.compilerPath + "' is " + (target ? target->triple : "x64");
+    if (target) {
+        text.append(", for the core ").append(target->word);
+        if (target->isPlainCharUnsigned && !parsed.unsignedChar && !parsed.effects.Has(FlagEffect::UnsignedChar)) {
+            text += "; its own plain char is unsigned, the core is told signed: funsigned-char=yes in a settings file "
+                    "tells it otherwise";
+        }
+    }
+    (void)toldPlatforms_.Get(text, [&] {
+        log_.VerboseLine(text);
+        return true;
+    });
 }
 
 std::shared_ptr<const Compiler> UnitPlanner::GetPreprocessor(CompilerType type) const {

@@ -4,12 +4,15 @@
 #include "analysis/StandardProbe.h"
 #include "analysis/UnitPlan.h"
 #include "analysis/VisualStudioEnvironment.h"
+#include "compilers/TargetPlatform.h"
 #include "platform/Log.h"
+#include "platform/OnceMap.h"
 #include "platform/StopFlag.h"
 #include "settings/RunSettings.h"
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Orvanta {
@@ -44,11 +47,16 @@ private:
     [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
                                                                         const ParsedCommand& parsed);
     [[nodiscard]] std::string StandardOf(const UnitPlan& plan);
+    void FindPlatform(ParsedCommand& parsed);
+    void TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target);
 
     const RunSettings& settings_;
     const CompilerRegistry& registry_;
     const RunPlaces& places_;
+    Log& log_;
     StandardProbe probe_;
+    CompilerPlatforms platforms_;
+    OnceMap<bool> toldPlatforms_; // by compiler and what was told
     VisualStudioEnvironment visualStudio_;
     std::shared_ptr<const EnvironmentBlock> commonEnvironment_; // of invocations without variables of their own
 };

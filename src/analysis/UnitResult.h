@@ -12,6 +12,7 @@ namespace Orvanta {
 struct UnitResult {
     AnalyzerStatus status = AnalyzerStatus::Analyzed;
     std::string reason = {};                                      ///< of a failure
+    bool isInSystemFolder = false;                                ///< why it was excluded
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
 };

@@ -64,6 +64,8 @@ UnitResult UnitRun::Run(const UnitWork& work) {
     UnitResult result;
     try {
         result.status = std::visit([this](const auto& chosen) { return Do(chosen); }, work);
+        result.isInSystemFolder =
+            result.status == AnalyzerStatus::Excluded && plan_.verdict == UnitVerdict::InSystemFolder;
     } catch (const UnitFailure& failure) {
         result.status = failure.Status();
         result.reason = failure.what();
@@ -173,15 +175,37 @@ void UnitRun::RemoveTextAtEnd() {
     }
 }
 
+// A precompiled header that is missing, out of date or another compiler's gives way to the header behind it.
+ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const {
+    try {
+        const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
+        CapturedOutput output;
+        const ProcessOutcome outcome =
+            RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment}, context_.stop, output);
+        if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
+            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
+                                       context_.log);
+        }
+        return outcome;
+    } catch (const ProcessReturnCodeException&) {
+        if (parsed.precompiled.path.empty()) {
+            throw;
+        }
+    }
+    context_.log.VerboseLine("  The precompiled header '" + parsed.precompiled.path +
+                             "' can't be used: its header is preprocessed");
+    ParsedCommand plain = parsed;
+    IncludePlainHeader(plain, plan_.Directory());
+    return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
+}
+
 ProcessOutcome UnitRun::Preprocess() const {
     if (context_.log.IsVerbose()) {
         TellPrecompiledForms(plan_, context_.log);
     }
     RequireNone(plan_.files.preprocessedPath);
     try {
-        const StartableCommand command(plan_.preprocessing, plan_.parsed, plan_.files.basePath + ".rsp");
-        CapturedOutput output;
-        return RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment}, context_.stop, output);
+        return RunPreprocessing(plan_.parsed, plan_.preprocessing);
     } catch (const ProcessReturnCodeException& error) {
         const std::string_view telling = TellingLine(error.Output().standardError);
         throw PreprocessingFailure(plan_, telling.empty() ? error.Summary() : telling, error.Output(), context_.log);

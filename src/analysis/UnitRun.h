@@ -61,6 +61,7 @@ private:
     // Their steps.
     [[nodiscard]] bool IsLeftOut() const;
     void RemoveTextAtEnd();
+    [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const;
     [[nodiscard]] ProcessOutcome Preprocess() const;
     [[nodiscard]] bool IsCollectedTextCurrent(FileChanges& changes) const;
     [[nodiscard]] std::optional<Dependencies> ListDependencies();

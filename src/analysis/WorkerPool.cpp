@@ -1,11 +1,26 @@
 #include "analysis/WorkerPool.h"
 
+#include "platform/CrashHandler.h"
 #include "platform/Exceptions.h"
 
 #include <exception>
+#include <new>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
+
+namespace {
+
+void MakeCrashRoom(std::optional<ThreadCrashRoom>& room) noexcept {
+    try {
+        room.emplace();
+    } catch (const std::bad_alloc&) {
+        // a crash of this thread leaves no trace; the run goes on
+    }
+}
+
+} // namespace
 
 WorkerPool::WorkerPool(std::size_t threads) {
     if (StartThreads(threads)) {
@@ -74,6 +89,8 @@ void WorkerPool::WaitForTasks() {
 }
 
 void WorkerPool::Work() {
+    std::optional<ThreadCrashRoom> crashRoom;
+    MakeCrashRoom(crashRoom);
     std::unique_lock lock(mutex_);
     while (true) {
         taskAdded_.wait(lock, [this] { return ending_ || !queue_.empty(); });

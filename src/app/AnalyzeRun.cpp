@@ -118,14 +118,14 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
 }
 
-RunLocks AnalyzeRun::TakeLocks() const {
+RunLocks AnalyzeRun::TakeLocks() {
     const AnalyzeOptions& options = input_.options;
     RunLocks locks;
     if (!input_.reportPath.empty()) { // what is written to standard output needs no lock
-        locks.TakeReport(input_.reportPath, stop_);
+        locks.TakeReport(input_.reportPath, stop_, log_);
     }
     if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
-        locks.TakeShared(OrvantaFolder(outputFolder_), stop_);
+        locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
     return locks;
 }
@@ -165,6 +165,11 @@ void AnalyzeRun::End(const RunEnding& ending) {
         const InvocationCounts counts = CountInvocations(commands, outcome);
         if (counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
             log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
+            if (outcome.inSystemFolders > 0) {
+                log_.Line(std::to_string(outcome.inSystemFolders) +
+                          " files lie inside the folders of -isystem and the like: --analyze-specified-system-paths "
+                          "has them analyzed.");
+            }
         }
         progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath));
     } else {

@@ -44,7 +44,7 @@ private:
 
     void ReadInputs();
     [[nodiscard]] int Analyze();
-    [[nodiscard]] RunLocks TakeLocks() const;
+    [[nodiscard]] RunLocks TakeLocks();
     [[nodiscard]] RunPlaces MakePlaces(const std::string& temporaryFolder);
     [[nodiscard]] std::string CorePath();
     [[nodiscard]] int ResultOf(const RunEnding& ending) const;

@@ -13,7 +13,9 @@ namespace Orvanta {
 
 namespace {
 
-/// What the file holds, as a line of numbers.
+/// What the file holds, as a line of numbers. A report just written has a stamp that proves nothing yet: a change
+/// within the same tick of the clock would not show. The first run that finds it unchanged reads it once and marks it
+/// as proven.
 struct Mark {
     Fingerprint contents;
     ContentFingerprint report;

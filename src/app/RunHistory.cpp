@@ -22,11 +22,11 @@ Fingerprint NamesOf(std::span<const UnitIdentity> identities) {
 }
 
 // Fills `names` on the way.
-UnitHistory MakeHistory(const RunHistory::Places& places, std::span<const CompileCommand> units,
-                        const RunSettings& settings, TellUser tell, Fingerprint& names) {
-    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, places.makers);
+std::vector<UnitIdentity> Identify(std::span<const CompileCommand> units, const RunSettings& settings,
+                                   const ResultMakers& makers, Fingerprint& names) {
+    std::vector<UnitIdentity> identities = IdentifyUnits(units, settings, makers);
     names = NamesOf(identities);
-    return {places.orvantaFolder, units, std::move(identities), std::move(tell)};
+    return identities;
 }
 
 TellUser TellIn(Log& log) {
@@ -40,7 +40,8 @@ TellUser TellIn(Log& log) {
 RunHistory::RunHistory(const AnalyzeOptions& options, const RunSettings& settings,
                        std::span<const CompileCommand> units, Places places, Log& log)
     : options_(options), settings_(settings), commands_(units), places_(std::move(places)), log_(log),
-      units_(MakeHistory(places_, units, settings, TellIn(log), names_)), mark_(places_.orvantaFolder, TellIn(log)) {
+      units_(places_.orvantaFolder, units, Identify(units, settings, places_.makers, names_), TellIn(log)),
+      mark_(places_.orvantaFolder, TellIn(log)) {
     Read();
 }
 

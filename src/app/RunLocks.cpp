@@ -11,10 +11,16 @@ namespace {
 // A run that was killed while it started a child leaves its locks to that child for a moment.
 constexpr std::chrono::milliseconds LongestWait{200};
 
-void Take(LockFile& lock, const std::string& path, const StopFlag& stop, const char* fault) {
-    if (lock.Take(path, LongestWait, stop) == LockFile::State::HeldByOther) {
+LockFile TakeOf(const std::string& path, const StopFlag& stop, Log& log, const char* fault) {
+    LockFile lock;
+    const LockFile::State state = lock.Take(path, LongestWait, stop);
+    if (state == LockFile::State::HeldByOther) {
         throw ZelmException(fault + path);
     }
+    if (state == LockFile::State::Unsupported) {
+        log.Line("Note: the file system of " + path + " has no locks: let no two runs write there at a time");
+    }
+    return lock;
 }
 
 } // namespace
@@ -24,12 +30,12 @@ RunLocks::~RunLocks() {
     report_.ReleaseAndRemove();
 }
 
-void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop) {
-    Take(report_, reportPath, stop, "Another run is writing to ");
+void RunLocks::TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log) {
+    report_ = TakeOf(reportPath, stop, log, "Another run is writing to ");
 }
 
-void RunLocks::TakeShared(const std::string& orvantaFolder, const StopFlag& stop) {
-    Take(shared_, orvantaFolder, stop, "Another run is using ");
+void RunLocks::TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log) {
+    shared_ = TakeOf(orvantaFolder, stop, log, "Another run is using ");
 }
 
 } // namespace Orvanta

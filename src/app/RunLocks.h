@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/LockFile.h"
+#include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <string>
@@ -16,13 +17,13 @@ public:
     RunLocks(RunLocks&&) = default;
     RunLocks& operator=(RunLocks&&) = delete;
 
-    /// Waits a moment for another run to end, and no longer than `stop` lets it.
-    /// \throws ZelmException "Another run is writing to " and the report
-    void TakeReport(const std::string& reportPath, const StopFlag& stop);
+    /// Waits a moment for another run to end, and no longer than `stop` lets it. Where the file system has no locks,
+    /// the log says so. \throws ZelmException "Another run is writing to " and the report
+    void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
 
     /// Of the folder ".Orvanta", which need not exist.
     /// \throws ZelmException "Another run is using " and the folder
-    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop);
+    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log);
 
 private:
     LockFile report_;

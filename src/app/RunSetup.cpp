@@ -6,6 +6,7 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
+#include "report/ReportReader.h"
 #include "settings/AnalysisMode.h"
 #include "settings/SettingsFile.h"
 
@@ -138,7 +139,7 @@ std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& rep
     if (reportPath.empty()) {
         return std::make_unique<ConsoleOutput>(format);
     }
-    if (ExtensionOf(reportPath) == ".json") {
+    if (IsJsonDocumentName(reportPath)) {
         const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
         return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
     }

@@ -271,11 +271,12 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
                        "the program " + Quoted(arguments[0]) +
                            " looks like a launcher: the key \"launcher\" of a settings file makes it one"};
     }
-    const Directories directories = Share(workingDirectory);
+    Directories directories = Share(workingDirectory);
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
     if (std::optional<Refusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
     }
+    identified.compiler = OfDriverMode(identified.compiler, arguments);
     if (IsMsvcFamily(identified.compiler->type)) {
         std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
         if (scope == EnvironmentScope::Changes) {
@@ -283,7 +284,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         }
         AddArgumentsOfVariables(arguments, layers);
     }
-    ExpandResponseFiles(arguments, *directories.absolute);
+    ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
     const Compiler& model = ModelOf(identified.compiler->type);
     ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
@@ -299,6 +300,12 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
                 source.openValues = shared;
             }
         }
+    }
+    if (!outline.directory.empty()) {
+        directories = Share(JoinPath(*directories.absolute, outline.directory));
+    }
+    if (outline.missingResponseFile && leavesOutDeleted_ && !outline.makesObjects && outline.sources.empty()) {
+        return Refusal{InvocationFate::NotACompilation, "link only"}; // its list of objects has been removed
     }
     if (outline.missingResponseFile) {
         return Refusal{InvocationFate::Unreadable, "the response file " +
@@ -320,6 +327,42 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
                                     identified.wrapped, scope});
     }
     return std::nullopt;
+}
+
+/// How the response files of this compiler's commands are read.
+ResponseFileReading InvocationCollector::ReadingFor(const CompilerInfo& compiler) {
+    ResponseFileReading reading;
+    if (IsMsvcFamily(compiler.type)) {
+        reading.compilers = NativeQuoting::Windows;
+    } else if (SpeaksGcc(compiler.type)) {
+        reading.compilers = NativeQuoting::Gnu;
+    }
+    reading.isNative = settings_.nativeResponseFiles;
+    reading.tellDifference = [this](const std::string& path, const std::string& word, const std::string& native) {
+        if (toldResponseFiles_.insert(path).second) {
+            log_.Line("The response file " + Quoted(path) + " holds the word " + Quoted(word) +
+                      ", which the compiler reads as " + Quoted(native) +
+                      ": response-file-quoting=native in a settings file has it read so.");
+        }
+    };
+    return reading;
+}
+
+/// A clang that is told to read its command as cl does is a clang-cl.
+std::shared_ptr<const CompilerInfo>
+InvocationCollector::OfDriverMode(const std::shared_ptr<const CompilerInfo>& compiler,
+                                  const std::vector<std::string>& arguments) {
+    if (compiler->type != CompilerType::Clang ||
+        std::find(arguments.begin(), arguments.end(), "--driver-mode=cl") == arguments.end()) {
+        return compiler;
+    }
+    std::shared_ptr<const CompilerInfo>& inMode = inClMode_[compiler->path];
+    if (inMode == nullptr) {
+        auto copy = std::make_shared<CompilerInfo>(*compiler);
+        copy->type = CompilerType::ClangCl;
+        inMode = std::move(copy);
+    }
+    return inMode;
 }
 
 const Compiler& InvocationCollector::ModelOf(CompilerType type) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buildinput/BuildInput.h"
+#include "buildinput/ResponseFile.h"
 #include "compilers/CompilerIdentifier.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
@@ -104,6 +105,9 @@ private:
                                                            const std::string& directory) const;
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] ResponseFileReading ReadingFor(const CompilerInfo& compiler);
+    [[nodiscard]] std::shared_ptr<const CompilerInfo> OfDriverMode(const std::shared_ptr<const CompilerInfo>& compiler,
+                                                                   const std::vector<std::string>& arguments);
     [[nodiscard]] const Compiler& ModelOf(CompilerType type);
     [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
     [[nodiscard]] const std::shared_ptr<const Environment>& Share(const Environment& environment);
@@ -114,6 +118,8 @@ private:
     Log& log_;
     std::string baseDirectory_; // empty: not set
     std::map<CompilerType, std::shared_ptr<const Compiler>> models_;
+    std::map<std::string, std::shared_ptr<const CompilerInfo>> inClMode_; // by path
+    std::set<std::string> toldResponseFiles_;
     std::unordered_map<std::string, Directories> directories_; // by the directory as written
     std::set<std::shared_ptr<const Environment>, ContentLess> environments_;
     const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again

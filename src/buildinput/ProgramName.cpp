@@ -41,7 +41,13 @@ bool LooksLikeCompiler(std::string_view path) noexcept {
 }
 
 bool IsProgramNamed(std::string_view path, std::string_view name) noexcept {
-    return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
+    const std::string_view wantedName = FileNameOf(name);
+    if (wantedName.size() == name.size()) {
+        return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
+    }
+    // A path: a bare name may stand for it, another path does not.
+    const bool isBare = FileNameOf(path).size() == path.size();
+    return isBare ? EqualsIgnoringCase(WithoutExe(path), WithoutExe(wantedName)) : WithoutExe(path) == WithoutExe(name);
 }
 
 } // namespace Orvanta

@@ -12,8 +12,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
-
 // What stands in the root of a checkout. Of git, a file in a further working tree.
 constexpr const char* RootMarks[] = {".git", ".hg", ".svn"};
 
@@ -60,9 +58,7 @@ ListedFile FileInFolders(std::string_view path, std::span<const std::string> fol
 }
 
 std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const std::string> folders) {
-    if (text.starts_with(ByteOrderMark)) {
-        text.remove_prefix(ByteOrderMark.size());
-    }
+    text = WithoutUtf8Mark(text);
     std::vector<ListedFile> files;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));

@@ -160,8 +160,11 @@ private:
     }
 
     [[nodiscard]] InputKind KindOf(std::string_view name) const {
-        if (name == "-") {
+        if (name == "-" || name == "/dev/stdin") {
             return InputKind::StandardInput;
+        }
+        if (name == "/dev/null") {
+            return InputKind::NullDevice;
         }
         if (name.size() > 1 && name.front() == '@') {
             return InputKind::MissingResponseFile; // those that are there have been expanded

@@ -9,6 +9,8 @@ class Clang : public Gcc {
 public:
     Clang();
 
+    void FinishParse(ParsedCommand& command) const override;
+
     [[nodiscard]] const FlagTable* FrontEndFlags() const override { return &frontEnd_; }
 
 protected:

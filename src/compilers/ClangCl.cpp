@@ -10,6 +10,10 @@ constexpr FlagValue Glued = FlagValue::Glued;
 constexpr FlagRow ClangClFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
+    {"fmodules", FlagKind::Keep, FlagEffect::UsesModules},
+    {"driver-mode=cl", FlagKind::Keep},
+    {"working-directory", FlagKind::DropWithValue, FlagEffect::NamesDirectory},
+    {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"imsvc", FlagKind::SystemInclude},
     {"isystem", FlagKind::SystemInclude},
     {"winsysroot", FlagKind::SystemInclude},
@@ -61,6 +65,14 @@ static_assert(RowsAreSound(ClangClFlags),
 } // namespace
 
 ClangCl::ClangCl() : Cl(CompilerType::ClangCl, ClangClFlags) {}
+
+// A header that comes from a module leaves no text.
+void ClangCl::FinishParse(ParsedCommand& command) const {
+    Cl::FinishParse(command);
+    if (command.effects.Has(FlagEffect::UsesModules)) {
+        command.keptArguments.emplace_back("-fno-modules");
+    }
+}
 
 // The size of words that a flag states changes whatever target there is.
 TargetBits ClangCl::TargetOf(const ParsedCommand& command) const {

@@ -3,6 +3,7 @@
 #include "compilers/ArgumentWalker.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace Orvanta {
@@ -19,6 +20,9 @@ public:
         effects_.Add(row.effect);
         printsInformation_ = printsInformation_ || row.kind == FlagKind::NoCompilation;
         links_ = links_ || row.kind == FlagKind::LinkerPart;
+        if (row.effect == FlagEffect::NamesDirectory) {
+            outline_.directory = use.value;
+        }
     }
 
     void Input(const InputFile& input) {
@@ -33,6 +37,8 @@ public:
             outline_.openWords.push_back(input.index);
         }
     }
+
+    [[nodiscard]] bool MakesObjects() const { return Has(FlagEffect::StopsBeforeLinking); }
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
@@ -64,13 +70,16 @@ private:
         if (Has(InputKind::StandardInput)) {
             return "reads standard input";
         }
+        if (Has(InputKind::NullDevice)) {
+            return "a test of flags";
+        }
         if (Has(InputKind::Header)) {
             return "precompiled header";
         }
         if (Has(InputKind::Assembly)) {
             return "assembly";
         }
-        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::Compiles))) {
+        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::StopsBeforeLinking))) {
             return "no C or C++ source";
         }
         return Has(InputKind::LinkInput) || links_ ? "link only" : "no input";
@@ -129,8 +138,12 @@ void CommandVisitor::Flag(const FlagUse& use) {
     RecordCharSign(row.effect);
     RecordValue(use);
     // In the preprocessing command the source stands last, so that a later language would be its own.
+    const std::size_t before = command_.keptArguments.size();
     if (row.isKept && (row.kind != FlagKind::Language || use.index < source_.index)) {
         Keep(use);
+    }
+    if (row.effect == FlagEffect::NamesPrecompiled) {
+        command_.precompiled = {std::string(use.value), before, command_.keptArguments.size() - before};
     }
 }
 
@@ -216,6 +229,14 @@ void CommandVisitor::Keep(const FlagUse& use) {
     }
 }
 
+// Whether the header that the precompiled one was made from is included by force, too, as CMake writes it: "a.hxx.pch"
+// and "a.hxx".
+bool IsBesideItsHeader(const ParsedCommand& command) {
+    return !command.precompiled.path.empty() &&
+           std::any_of(command.forcedIncludes.begin(), command.forcedIncludes.end(),
+                       [&](const std::string& header) { return command.precompiled.path.starts_with(header); });
+}
+
 // The text of a file that is preprocessed already has a language, too.
 void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
     if (IsPreprocessed(kind) && !command.language) {
@@ -232,6 +253,7 @@ InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::
     OutlineVisitor visitor(outline);
     ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
+    outline.makesObjects = visitor.MakesObjects();
     if (!outline.reason.empty()) {
         outline.sources.clear();
     }
@@ -250,6 +272,9 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
                                                         ? std::span<const std::size_t>(*source.openValues)
                                                         : std::span<const std::size_t>();
     ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
+    if (IsBesideItsHeader(command)) {
+        DropPrecompiled(command);
+    }
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(command);

@@ -17,7 +17,9 @@ struct InvocationOutline {
     std::vector<SourceArgument> sources; ///< C and C++ sources, in the order of the command
     std::string_view reason;             ///< why there are none ("link only", ...); empty when there are some
     std::optional<std::size_t> missingResponseFile; ///< the first argument that names one, whatever else there is
-    std::vector<std::size_t> openWords;             ///< inputs that follow unknown flags: files, or the values of these
+    std::string_view directory;         ///< from which a flag has relative paths count; empty: the invocation's own
+    bool makesObjects = false;          ///< it stops before linking
+    std::vector<std::size_t> openWords; ///< inputs that follow unknown flags: files, or the values of these
 };
 
 /// Finds the sources of an invocation, or why it compiles none. `arguments` has the compiler first and no response

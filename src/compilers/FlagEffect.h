@@ -8,6 +8,7 @@ namespace Orvanta {
 enum class FlagEffect : std::uint8_t {
     None,
     Compiles,           ///< an object or assembly file is made, whatever else is asked for
+    StopsBeforeLinking, ///< likewise, unless the sources are only preprocessed
     PreprocessesOnly,   ///< nothing is compiled, unless another flag compiles
     ListsDependencies,  ///< likewise
     PrintsWithoutInput, ///< with no input, only information is printed
@@ -19,6 +20,9 @@ enum class FlagEffect : std::uint8_t {
     NamesCpp,
     NamesAssembly,
     NamesTarget,       ///< its value is the triple of the target
+    NamesDirectory,    ///< its value is the folder from which relative paths count
+    NamesPrecompiled,  ///< its value is a precompiled header that is taken for its text
+    UsesModules,       ///< headers may be taken from modules
     NamesSearchPrefix, ///< its value is where the driver looks for its parts before all other places
     NamesStandard,     ///< its value is a standard, as "std=" has it
     NamesMachine,      ///< its value is a machine, as "m" has it

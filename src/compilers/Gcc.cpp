@@ -103,11 +103,11 @@ constexpr FlagRow GccFlags[] = {
     // Every standard that has no row of its own.
     {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
 
-    // What the driver does with the sources. "-E" wins over the first two.
-    {"c", FlagKind::Keep, FlagEffect::Compiles},
-    {"compile", FlagKind::Drop, FlagEffect::Compiles},
-    {"S", FlagKind::Keep, FlagEffect::Compiles},
-    {"assemble", FlagKind::Drop, FlagEffect::Compiles},
+    // What the driver does with the sources. To preprocess wins over to compile.
+    {"c", FlagKind::Keep, FlagEffect::StopsBeforeLinking},
+    {"compile", FlagKind::Drop, FlagEffect::StopsBeforeLinking},
+    {"S", FlagKind::Keep, FlagEffect::StopsBeforeLinking},
+    {"assemble", FlagKind::Drop, FlagEffect::StopsBeforeLinking},
     {"preprocess", FlagKind::Drop, FlagEffect::PreprocessesOnly},
     {"M", FlagKind::Drop, FlagEffect::ListsDependencies},
     {"dependencies", FlagKind::Drop, FlagEffect::ListsDependencies},
@@ -160,7 +160,7 @@ constexpr FlagRow GccFlags[] = {
     {"frewrite-imports", FlagKind::Drop},
     {"frewrite-includes", FlagKind::Drop},
     {"fpch-preprocess", FlagKind::Drop},
-    {"include-pch", FlagKind::DropWithValue}, // the forced include beside it stands for the same text
+    {"include-pch", FlagKind::KeepWithValue, FlagEffect::NamesPrecompiled, FlagFile::Read},
 
     // What would write files of the build again, or fill the error output.
     {"H", FlagKind::Drop},
@@ -300,7 +300,9 @@ constexpr FlagRow GccFlags[] = {
     {"u", FlagKind::KeepWithValue},
     {"undefined", FlagKind::KeepWithValue},
     {"weak_framework", FlagKind::KeepWithValue},
-    {"working-directory", FlagKind::KeepWithValue},
+    // The unit is taken to work there.
+    {"working-directory", FlagKind::DropWithValue, FlagEffect::NamesDirectory},
+    {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"z", FlagKind::KeepWithValue},
 
     // What has its value in the next word, and never glued. Most of it is for other steps than preprocessing.

@@ -11,6 +11,13 @@ constexpr const char* DefaultSpecs = "specs";
 
 } // namespace
 
+void DropPrecompiled(ParsedCommand& command) {
+    const auto first = command.keptArguments.begin() + static_cast<std::ptrdiff_t>(command.precompiled.firstArgument);
+    command.keptArguments.erase(first, first + static_cast<std::ptrdiff_t>(command.precompiled.arguments));
+    std::erase(command.filesRead, command.precompiled.path);
+    command.precompiled = {};
+}
+
 std::vector<std::string> FilesNamedByFlags(const ParsedCommand& command) {
     std::vector<std::string> files = command.filesRead;
     for (const std::string& prefix : command.searchPrefixes) {

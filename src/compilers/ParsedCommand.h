@@ -5,11 +5,19 @@
 #include "compilers/FlagKind.h"
 #include "compilers/TargetBits.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace Orvanta {
+
+/// A precompiled header that a flag names, and the kept arguments that do.
+struct PrecompiledHeaderUse {
+    std::string path; ///< as written; empty: none
+    std::size_t firstArgument = 0;
+    std::size_t arguments = 0;
+};
 
 /// One compilation as its command line says it, for one of its source files.
 struct ParsedCommand {
@@ -26,6 +34,7 @@ struct ParsedCommand {
     std::vector<std::string> filesRead;      ///< that flags name beside these, as written; see FilesNamedByFlags
     std::vector<std::string> specFiles;      ///< likewise, looked for behind the search prefixes first
     std::vector<std::string> searchPrefixes; ///< where the driver looks for its parts first, as written
+    PrecompiledHeaderUse precompiled;        ///< whose text the compiler takes; the last counts
     FlagEffects effects;                     ///< of all flags
     std::optional<Language> language;        ///< when a flag states it, or the source is preprocessed already
     std::optional<FlagKind> cStandard;       ///< the last C standard flag (StandardAnsi counts for both languages)
@@ -35,6 +44,9 @@ struct ParsedCommand {
     std::string platformWord;                ///< for the core; empty when the command names no target
     bool unsignedChar = false;
 };
+
+/// Takes the flag that names a precompiled header out of the kept arguments.
+void DropPrecompiled(ParsedCommand& command);
 
 /// The files beside sources and headers that the compiler reads because a flag names them: specs, configurations,
 /// overlays, plug-ins. Relative ones are of the invocation's folder. Some of them may not exist: the compiler looks

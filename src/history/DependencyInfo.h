@@ -23,6 +23,11 @@ struct DependencyInfoEntry {
     std::vector<std::string> added; ///< those of the dependencies that a person has written there
 };
 
+// The JSON of a large build has hundreds of megabytes, so it is read by the parser's events and written in blocks. It
+// has the fields that other programs know, and one more: "added" repeats those of the dependencies that the core has
+// not listed. The binary file knows them as well, but when that is lost, nobody could say any more which of the files a
+// person wants to be there and which were only there once.
+
 /// Reads dependency information and hands on each entry as soon as it is complete: it is never whole in memory.
 /// \throws ZelmException for what is not JSON or not of this form; the text says what is wrong, without the path
 void ReadDependencyInfo(std::istream& input, const std::function<void(const DependencyInfoEntry&)>& take);

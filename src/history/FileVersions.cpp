@@ -76,7 +76,8 @@ void FileVersions::Look(FileNumber number, File& file) {
     }
 }
 
-// Reads the file between two looks that agree; a file that never holds still stays unknown.
+// Reads the file between two looks that agree: otherwise the content could be that of another stamp, and would be taken
+// for it for ever. A file that never holds still stays unknown.
 void FileVersions::ReadContent(File& file, const std::string& path) {
     constexpr int MostAttempts = 3;
     for (int attempt = 0; attempt < MostAttempts && file.stamp; ++attempt) {
@@ -165,7 +166,9 @@ VersionNumber FileVersions::UnseenVersion(FileNumber file) {
     return FindOrAddVersion(file, Sight::Unseen, lock);
 }
 
-// Whether what was found at the file is what a unit saw that was begun at `begin`.
+// Whether what was found at the file is what a unit saw that was begun at `begin`. That is so when it was looked at
+// before (whoever changes it while the unit runs is found out by DoubtChanged), or when it is older than that
+// beginning, by the clock that stamped it.
 bool FileVersions::IsTold(const File& file, Moment begin, const Lock&) const {
     if (file.isDoubted) {
         return false;
@@ -239,6 +242,8 @@ bool FileVersions::IsGone(FileNumber file) {
     return Orvanta::LookAt(path).kind == PathKind::Nothing;
 }
 
+// Between the look at a file and the end of a unit, somebody may have changed it, and changed it back. What is the same
+// now as it was then was the same in between, unless its stamp proves nothing.
 void FileVersions::DoubtChanged() {
     const Lock lock(mutex_); // nothing may be given out between this look and what is saved after it
     for (std::size_t place = 0; place < files_.size(); ++place) {
@@ -273,6 +278,7 @@ bool FileVersions::HasLearned() const {
     return hasLearned_;
 }
 
+// What no unit names any more is left behind here, so that neither the tables nor the looks at files grow for ever.
 void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions) {
     constexpr FileNumber NoFile{0xFFFFFFFFU};
     const Lock lock(mutex_);

@@ -16,6 +16,11 @@ namespace Orvanta {
 
 /// The findings of many units, in one file that only grows: what a kept range tells of is never written over. Any
 /// thread may call any function of it.
+///
+/// They stand apart from the binary file because that one is written as a whole: with them in it, each save would copy
+/// all findings of the project. A file for each unit would be a hundred thousand of them. What is replaced stays behind
+/// as waste until it is the larger part; then what counts is moved into a file with a new number, and the old one goes
+/// once the binary file tells of the new one. So a kill at any moment leaves a pair that fits.
 class FindingsStore {
 public:
     /// A file of its own in `folder`, under a new number, made when there is something to write.

@@ -16,7 +16,7 @@
 
 namespace Orvanta {
 
-/// How a file was seen.
+/// How a file was seen. Only the last two say something of its content, and only the last one without reading it.
 enum class Sight : std::uint32_t {
     Unseen,   ///< it is not known what the unit saw, or there was no file that it could have seen: never current
     NotThere, ///< the compiler looked for a file here, and there was none; current as long as there is none

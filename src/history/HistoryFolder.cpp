@@ -75,6 +75,7 @@ std::optional<ContentFingerprint> HistoryFolder::ReadInfoFingerprint(const Histo
     return infoOnDisk_;
 }
 
+// Whether a change of the file would have given it another stamp by now.
 bool HistoryFolder::IsProven(const FileStamp& stamp, std::chrono::steady_clock::time_point looked) const {
     try {
         return FileSystemClock(path_).IsOlder(stamp, looked);
@@ -126,6 +127,7 @@ void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
         hasLearned_ = false;
         return;
     }
+    // The new file is whole on disk before the binary file names it, and takes its place after that.
     DependencyInfoWriter writer(infoPath);
     writeInfo(writer);
     history.earlierInfo = onDisk;

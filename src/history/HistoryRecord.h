@@ -32,6 +32,12 @@ struct SeenList {
 ///
 /// The units of the run come first, in its order; behind them come the others that are known, so that a run of a part
 /// of the build forgets nothing of the rest.
+///
+/// A unit is its folder and its source. Several units of one source (two compilers, two sets of flags) are numbered,
+/// and known by their arguments, since which of them are in a run changes. Arguments are no part of what a unit is:
+/// with every new flag, all would be known twice.
+///
+/// Lists are replaced by being put behind the others. So a run can still be asked what a unit was made of before.
 class HistoryRecord {
 public:
     /// Knows nothing but the units of a run.

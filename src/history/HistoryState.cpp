@@ -72,7 +72,8 @@ UnitHistory::ReadResult HistoryState::ReadLists() {
     return UnitHistory::ReadResult::Read;
 }
 
-/// Forgets the units of other runs whose source is gone.
+/// Forgets the units of other runs whose source is gone: nothing else says that they will not be back. Those without a
+/// list are not worth keeping.
 void HistoryState::DropGoneUnits() {
     std::vector<bool> isGone;
     for (std::size_t unit = record.RunSize(); unit < record.Size(); ++unit) {
@@ -119,6 +120,8 @@ void HistoryState::FillInfo(DependencyInfoWriter& writer, const HistoryData& his
     });
 }
 
+// Only the copy is made under the lock, so that the workers go on while it is written. Looks at files belong into it: a
+// version that is given out between the look and the copy would be saved unchecked.
 bool HistoryState::Save(Extent extent) {
     const bool isLast = extent == Extent::All;
     const Lock oneAtATime(saving_);

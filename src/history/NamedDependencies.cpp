@@ -1,6 +1,7 @@
 #include "history/NamedDependencies.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvanta {
 
@@ -87,17 +88,18 @@ void InfoMatcher::AddUnit(std::size_t unit) {
 std::span<const std::size_t> InfoMatcher::UnitsOf(const DependencyInfoEntry& entry) {
     found_.clear();
     if (entry.id) {
-        const auto [id, namesake] = SplitId(*entry.id);
-        const Fingerprint source = FingerprintOf(id);
-        const auto [first, last] = unitsById_.equal_range(KeyOf(source, namesake));
+        const std::pair<std::string_view, std::uint32_t> id = SplitId(*entry.id);
+        const Fingerprint source = FingerprintOf(id.first);
+        const auto [first, last] = unitsById_.equal_range(KeyOf(source, id.second));
         const auto unit = std::find_if(first, last, [&](const auto& candidate) {
-            return record_[candidate.second].source == source && record_[candidate.second].namesake == namesake;
+            return record_[candidate.second].source == source && record_[candidate.second].namesake == id.second;
         });
         if (unit != last) {
             found_.push_back(unit->second);
         }
         return found_;
     }
+    // Entries without an id are rare: this index is not made for the others.
     for (std::size_t unit = unitsByArguments_.size(); unit < record_.RunSize(); ++unit) {
         unitsByArguments_.emplace(record_[unit].arguments.low, unit);
     }
@@ -188,6 +190,9 @@ void NamedDependencies::PutIntoRecord() {
     record_.isDirty = true; // the binary file is to belong to this JSON file
 }
 
+// What the core has listed and the file names goes first, what a hand has added follows. A file that the core has
+// listed and the hand has taken away stays among the rest: the unit was made of it, and it counts until the next
+// listing.
 SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVersions& seen) {
     SeenList list;
     std::vector<VersionNumber> added;

@@ -43,6 +43,7 @@ struct UnitHistory::State : HistoryState {
     std::vector<signed char> isCurrent; // by version: 1 it is, 0 it is not, -1 not asked yet
 };
 
+/// Asked once for each version: ten thousand units name the same headers.
 bool UnitHistory::State::IsCurrent(VersionNumber version) {
     const std::size_t place = PlaceOf(version);
     if (place >= isCurrent.size()) {
@@ -95,6 +96,9 @@ std::vector<FileNumber> UnitHistory::State::InputFilesOf(std::size_t unit, std::
     return numbers;
 }
 
+/// The list of a unit that was begun at `begin`, in the order that SeenList gives. What a person has added stays,
+/// unless the core lists it now. Of the rest, one may be missing where the compiler only looked for it; a source, or a
+/// file that the core has listed, can't be missing without a doubt about what was seen.
 SeenList UnitHistory::State::MakeList(std::size_t unit, Moment begin, std::span<const std::string> dependencies,
                                       std::span<const std::string> inputFiles) {
     SeenList list;
@@ -151,6 +155,7 @@ std::optional<FindingsRange> UnitHistory::State::KeepFindings(std::size_t unit, 
     }
 }
 
+/// Whether the dependency information says the same of the unit already: to write it anew costs more than all the rest.
 bool UnitHistory::State::NamesSameFiles(std::size_t unit, const SeenList& list, const Lock&) const {
     const KnownUnit& row = record[unit];
     const std::span<const VersionNumber> before = record.NamedOf(unit);
@@ -269,6 +274,8 @@ UnitWatch::~UnitWatch() {
     }
 }
 
+// A file that is looked at before the unit begins is known to be what the unit sees. For those that nobody knew of,
+// only their age can tell, or another watch.
 void UnitWatch::Begin() {
     UnitHistory::State& state = *history_->state_;
     state.files.ReadClock();

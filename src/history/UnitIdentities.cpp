@@ -20,6 +20,8 @@ constexpr std::uint64_t ResultVersion = 2;
 
 /// A variable of the driver's own environment that changes what a compiler reads. Others come and go with every
 /// terminal.
+/// One that only another family reads must not make this one's units run. Those of the invocation itself count all,
+/// whatever their names: a build that sets one has a reason.
 struct DecisiveVariable {
     std::string_view name;
     bool (*counts)(CompilerType type); // for this family

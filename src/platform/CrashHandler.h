@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 namespace Orvanta {
 
 /// The file that a crash leaves in the current directory.
@@ -10,5 +12,18 @@ inline constexpr const char* CrashReportFileName = "orvanta-analyzer.stacktrace.
 /// The process then ends as it would have without. First thing in the entry, once per process; aborts the process when
 /// the handling thread can't be started.
 void InstallCrashHandler();
+
+/// Room in which an overflow of a thread's stack is handled, for as long as this lives: without it, such a crash leaves
+/// no trace. `InstallCrashHandler` makes it for the main thread; the first thing on every other one of ours.
+class ThreadCrashRoom {
+public:
+    ThreadCrashRoom();
+    ~ThreadCrashRoom();
+    ThreadCrashRoom(const ThreadCrashRoom&) = delete;
+    ThreadCrashRoom& operator=(const ThreadCrashRoom&) = delete;
+
+private:
+    std::shared_ptr<void> room_; // as the system needs it
+};
 
 } // namespace Orvanta

@@ -26,6 +26,11 @@ bool IsRegularFile(const std::string& path) {
     return KindOf(path) == PathKind::File;
 }
 
+bool IsSameFile(const std::string& left, const std::string& right) {
+    const std::optional<FileIdentity> identity = IdentityOf(left);
+    return identity && identity == IdentityOf(right);
+}
+
 std::string TargetOf(const std::string& path) {
     if (PathExists(path)) {
         return ResolveLinks(path);

@@ -1,5 +1,16 @@
 #pragma once
 
+// Files, as the driver needs them on every system.
+//
+// Why not std::filesystem and streams: they lose the system's reason, take every failed question for "no", know no file
+// that is replaced in one step, and on Windows no path beyond the old limit. What is here instead throws FileException
+// with the path and the reason, or gives an answer that says it can't tell.
+//
+// A file of ours that replaces another is written beside it and renamed over it, so that a reader and a kill at any
+// moment find the old one or the new one. The file beside has a name made from the target's, locked while its writer
+// lives: the next writer of the same file sees that the one before is gone and takes its rest away, without a list of
+// what was begun.
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -61,20 +72,33 @@ struct PathAnswer {
 /// \throws FileException when it can't be told
 [[nodiscard]] std::string TargetOf(const std::string& path);
 
-/// Whether both paths lead to one file.
+/// What a file or a folder is to the system, whatever path leads to it.
+struct FileIdentity {
+    std::uint64_t device = 0; ///< of this machine: the volume
+    std::uint64_t number = 0; ///< on that device
+    std::uint64_t names = 1;  ///< how many paths name it beside links: hard links
+
+    /// Whether it is the same thing, however many names it has.
+    bool operator==(const FileIdentity& other) const noexcept {
+        return device == other.device && number == other.number;
+    }
+};
+
+/// The identity of what stands at `path`, links followed; absent when nothing does.
+/// \throws FileException when it can't be told
+[[nodiscard]] std::optional<FileIdentity> IdentityOf(const std::string& path);
+
+/// Whether both paths lead to one file that is there.
+/// \throws FileException when it can't be told
 [[nodiscard]] bool IsSameFile(const std::string& left, const std::string& right);
 
 /// Makes a folder with those on its way; one that is there is no fault.
 /// \throws FileException
 void MakeFolders(const std::string& path);
 
-/// Copies a file, over one that is there.
+/// Copies a file, over one that is there, with its owner, group and permissions as far as this user may give them.
 /// \throws FileException
 void CopyContents(const std::string& from, const std::string& to);
-
-/// Puts a finished file in the place of another, in one step and with the permissions that it had.
-/// \throws FileException
-void PutInPlaceOf(const std::string& from, const std::string& to);
 
 /// Removes a file; one that is not there is no fault.
 void RemoveFile(const std::string& path) noexcept;
@@ -103,6 +127,9 @@ public:
     /// Cuts the file to `size` bytes, or fills it up with zero bytes.
     void Truncate(std::uint64_t size);
 
+    /// Returns when the system has put on the disk what was written; nothing for what has none.
+    void Sync();
+
     /// False for pipes, terminals and devices, which have no place to write at and can't be replaced.
     [[nodiscard]] bool IsRegularFile() const noexcept;
 
@@ -111,13 +138,25 @@ private:
     std::unique_ptr<Handle> handle_;
 };
 
+/// Whether `path` is a name of a file that this process has open, such as /dev/stdout: what is written there goes on
+/// where that file stands, and nothing can take its place.
+[[nodiscard]] bool IsOwnOpenFile(const std::string& path);
+
 /// Replaces a file in one step: writes beside it, renames over it in `Commit`. Without `Commit`, nothing has changed. A
-/// link stays and the file it leads to is replaced, with the permissions it had. A device or a pipe can't be replaced:
-/// its bytes are written at once.
+/// link stays and the file it leads to is replaced, with the owner, the group and the permissions it had. A device or a
+/// pipe can't be replaced: its bytes are written at once.
+///
+/// Where no other file can take a file's place, it is overwritten in `Commit` as it stands: in a folder that may not be
+/// written to, mounted by itself, with several names (hard links), of an owner that only it can have.
 class AtomicFile {
 public:
+    enum class Durability {
+        Renamed, ///< a crash of the system may lose what was written lately
+        Synced,  ///< what was there goes only when the new bytes are on the disk
+    };
+
     /// \throws FileException
-    explicit AtomicFile(std::string path);
+    explicit AtomicFile(std::string path, Durability durability = Durability::Renamed);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -127,6 +166,9 @@ public:
     /// The last call.
     /// \throws FileException
     void Commit();
+
+    /// Whether the file is, or in `Commit` was, overwritten as it stands: a kill in the middle of that leaves a part.
+    [[nodiscard]] bool IsInPlace() const noexcept;
 
 private:
     struct Handle;

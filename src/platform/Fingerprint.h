@@ -25,6 +25,7 @@ public:
     FingerprintBuilder& Add(std::uint64_t number);
     FingerprintBuilder& Add(const Fingerprint& part);
 
+    /// Of what was added so far; more may be added behind it.
     [[nodiscard]] Fingerprint Value() const noexcept;
 
 private:
@@ -46,6 +47,7 @@ struct ContentFingerprint {
 /// Makes the fingerprint of a content that is never whole in memory: however it is cut into pieces, it is the same.
 class ContentFingerprinter {
 public:
+    /// The next bytes of the content.
     void Add(std::string_view piece);
 
     [[nodiscard]] ContentFingerprint Value() const;

@@ -3,9 +3,11 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Hash.h"
+#include "platform/LockHolder.h"
 #include "platform/Paths.h"
 
 #include <thread>
+#include <utility>
 
 namespace Orvanta {
 
@@ -24,8 +26,36 @@ std::string TargetIfKnown(const std::string& path) {
 
 } // namespace
 
+LockFile::LockFile(LockFile&& other) noexcept
+    : path_(std::move(other.path_)), holder_(std::move(other.holder_)),
+      state_(std::exchange(other.state_, State::None)) {}
+
+LockFile& LockFile::operator=(LockFile&& other) noexcept {
+    path_ = std::move(other.path_);
+    holder_ = std::move(other.holder_);
+    state_ = std::exchange(other.state_, State::None);
+    return *this;
+}
+
+LockFile::State LockFile::Take(const std::string& directory, const std::string& key) {
+    holder_.reset();
+    path_ = JoinPath(directory, FileName(key));
+    return state_ = OpenLocked(path_, holder_);
+}
+
+void LockFile::ReleaseAndRemove() noexcept {
+    if (holder_ != nullptr) {
+        RemoveLocked(path_, holder_);
+    }
+    state_ = State::None;
+}
+
 LockFile::State LockFile::Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop) {
     using Clock = std::chrono::steady_clock;
+    if (IsOwnOpenFile(path) || LookAt(path).kind == PathKind::Other) {
+        holder_.reset();
+        return state_ = State::Unavailable;
+    }
     const Clock::time_point end = Clock::now() + longest;
     const std::string target = TargetIfKnown(path);
     const std::string folder(DirectoryOf(target));

@@ -17,10 +17,11 @@ public:
         Held,        ///< this object holds the lock
         HeldByOther, ///< another object, in this process or another, holds it
         Unavailable, ///< the file can't be opened, for example in a read-only folder
+        Unsupported, ///< the file system has no locks; nothing is left there
     };
 
-    LockFile() noexcept;
-    ~LockFile();
+    LockFile() noexcept = default;
+    ~LockFile() = default;
     LockFile(LockFile&& other) noexcept;
     LockFile& operator=(LockFile&& other) noexcept;
 
@@ -30,21 +31,23 @@ public:
     /// The same for the lock of what stands, or is to stand, at `path`: one thing has one lock, however its path is
     /// spelt and whatever links lead there. The file lies beside it, where every machine that shares the folder finds
     /// it under one name; a number of the device or the file would be another one there. Waits for another holder for
-    /// `longest` at most, and no longer than `stop` lets it.
+    /// `longest` at most, and no longer than `stop` lets it. What can't be replaced, such as a pipe, has no lock
+    /// (`Unavailable`).
     State Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop);
 
     /// Gives up what is held and removes its file, for a lock that leaves nothing behind. Whoever waits for the lock
     /// gets it all the same.
     void ReleaseAndRemove() noexcept;
 
+    /// The answer of the last `Take`.
     [[nodiscard]] State CurrentState() const noexcept { return state_; }
 
     /// The name of the lock file of a key.
     [[nodiscard]] static std::string FileName(const std::string& key);
 
 private:
-    struct Handle;
-    std::unique_ptr<Handle> handle_;
+    std::string path_;             // of what is held
+    std::shared_ptr<void> holder_; // the open file; closing it gives the lock up
     State state_ = State::None;
 };
 

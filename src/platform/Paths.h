@@ -14,7 +14,9 @@ enum class PathRules {
 /// The rules of the system that the program was built for.
 [[nodiscard]] PathRules HostPathRules() noexcept;
 
+/// Whether the character stands between two components.
 [[nodiscard]] bool IsSeparator(char character, PathRules rules = HostPathRules()) noexcept;
+/// Whether the path means the same in every current directory: on Windows a drive or a UNC prefix and what follows.
 [[nodiscard]] bool IsAbsolutePath(std::string_view path, PathRules rules = HostPathRules()) noexcept;
 
 /// The last component; empty when the path ends in a separator.

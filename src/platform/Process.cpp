@@ -9,6 +9,8 @@ namespace Orvanta {
 
 namespace {
 
+constexpr std::chrono::milliseconds LongestWait = std::chrono::hours(24); // what every system can count
+
 constexpr WaitResult Stopped{.exitCode = 0, .finished = false};
 constexpr WaitResult TimedOut{.exitCode = 1, .finished = false};
 
@@ -55,6 +57,28 @@ void Process::RequireStartable(const Arguments& command) {
                                         Cause::Command);
         }
     }
+}
+
+bool Process::try_get_exit_status(int& exitStatus) {
+    if (!Look(std::chrono::milliseconds::zero())) {
+        return false;
+    }
+    exitStatus = *exitStatus_;
+    return true;
+}
+
+int Process::get_exit_status() {
+    while (!Look(std::nullopt)) {
+    }
+    return *exitStatus_;
+}
+
+bool Process::WaitForChange(std::chrono::milliseconds longest) {
+    return Look(std::clamp(longest, std::chrono::milliseconds::zero(), LongestWait)).has_value();
+}
+
+bool Process::HasEnded() const noexcept {
+    return exitStatus_.has_value();
 }
 
 OutputReceiver MakeRedirectToStringProcessor(std::string& target) {

@@ -1,5 +1,15 @@
 #pragma once
 
+// Children: how they are started, waited for, judged and ended.
+//
+// A child belongs to the thread that started it. That thread alone waits for it, and receives its outputs while it
+// waits: no reading threads, no queue, nothing to be locked. A wait blocks in the system until the child ends or
+// writes, and comes back to look at the stop flag every `PollInterval`; nothing sleeps while its child is already dead.
+//
+// Each child gets a process group (a job) of its own, so that ending it ends what it started, and Ctrl+C in a terminal
+// does not reach it past us. Why no library for this: those at hand start a shell, read with a thread for each output,
+// or wait by polling, and none says whether the program or its folder was at fault.
+
 #include "platform/Environment.h"
 #include "platform/Exceptions.h"
 #include "platform/StopFlag.h"
@@ -8,6 +18,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,6 +55,7 @@ public:
     /// The child's folder is at fault.
     ProcessStartException(const std::string& program, const std::string& directory, std::string reason);
 
+    /// Whether another try may succeed, and with what changed.
     [[nodiscard]] Cause WhatFailed() const noexcept { return cause_; }
 
     /// The system's words, or ours where the system was never asked.
@@ -149,8 +161,13 @@ private:
     /// \throws ProcessStartException
     static void RequireStartable(const Arguments& command);
 
+    /// Waits, at most that long (nothing: without limit), for something to happen, and deals with it. The code of the
+    /// child once it has ended.
+    std::optional<int> Look(std::optional<std::chrono::milliseconds> longest);
+
     struct Handles; // the system's handles of the child and of its pipes
     std::unique_ptr<Handles> handles_;
+    std::optional<int> exitStatus_;
 };
 
 /// How a wait ended. When `finished` is false, `exitCode` is 0 after a stop request and 1 after a time-out.

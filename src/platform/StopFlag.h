@@ -10,6 +10,7 @@ public:
     /// True when it was set before.
     bool Set() noexcept { return isSet_.exchange(true); }
 
+    /// Cheap enough to be asked for every message.
     [[nodiscard]] bool IsSet() const noexcept { return isSet_.load(); }
 
 private:

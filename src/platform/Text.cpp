@@ -20,6 +20,10 @@ std::string_view Trim(std::string_view text) noexcept {
     return text;
 }
 
+std::string_view WithoutUtf8Mark(std::string_view text) noexcept {
+    return text.starts_with(Utf8Mark) ? text.substr(Utf8Mark.size()) : text;
+}
+
 std::string_view TakeUpTo(std::string_view& text, std::string_view separators) noexcept {
     const std::string_view part = text.substr(0, text.find_first_of(separators));
     text.remove_prefix(std::min(part.size() + 1, text.size()));

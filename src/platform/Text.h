@@ -13,12 +13,19 @@ namespace Orvanta {
 /// Space, tab, line feed, vertical tab, form feed and carriage return.
 [[nodiscard]] bool IsWhiteSpace(char character) noexcept;
 
+/// ASCII digits, whatever the locale.
 [[nodiscard]] constexpr bool IsDigit(char character) noexcept {
     return character >= '0' && character <= '9';
 }
 
 /// `text` without white space at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text) noexcept;
+
+/// What begins a text that some editors save as UTF-8.
+inline constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+
+/// The text behind a byte order mark at its start.
+[[nodiscard]] std::string_view WithoutUtf8Mark(std::string_view text) noexcept;
 
 /// Cuts what stands before the first of `separators` off `text`, and that separator; all of it where there is none.
 [[nodiscard]] std::string_view TakeUpTo(std::string_view& text, std::string_view separators) noexcept;
@@ -45,7 +52,9 @@ template <std::integral Number>
 /// ASCII letters only; every other byte stays.
 [[nodiscard]] char ToLowerAscii(char character) noexcept;
 [[nodiscard]] std::string ToLowerAscii(std::string_view text);
+/// Whether the texts are the same but for the case of ASCII letters.
 [[nodiscard]] bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;
+/// Whether `part` stands somewhere in `text`, the case of ASCII letters aside. An empty part does.
 [[nodiscard]] bool ContainsIgnoringCase(std::string_view text, std::string_view part) noexcept;
 
 /// Fills the placeholders "%1%", "%2%", ... of `text`; each is replaced wherever it stands, values are put in as they

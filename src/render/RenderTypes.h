@@ -48,6 +48,7 @@ struct RenderTarget {
     std::string path;       ///< "-" is standard output
 };
 
+/// The table, in the order in which the help names them.
 [[nodiscard]] std::span<const RenderType> AllRenderTypes() noexcept;
 
 /// \throws ConfigException for a name that no type has

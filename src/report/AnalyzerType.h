@@ -25,6 +25,7 @@ enum class AnalyzerType : std::uint8_t {
 /// code.
 [[nodiscard]] std::uint32_t CodeNumber(std::string_view code) noexcept;
 
+/// The group of a code, by its number; `Unknown` for what is no code of ours, such as those of other tools.
 [[nodiscard]] AnalyzerType ClassifyCode(std::string_view code) noexcept;
 
 /// One analyzer that passes, with its levels; no level means all of them.

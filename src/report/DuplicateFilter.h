@@ -13,6 +13,7 @@ namespace OrvlogConverter {
 class DuplicateFilter : public IFilter {
 public:
     using IFilter::IFilter;
+    /// True for the first of equal messages.
     bool Accept(const ReportMessage& message) override;
 
 private:

@@ -1,13 +1,19 @@
 #include "report/FinishedReport.h"
 
+#include "platform/Text.h"
 #include "report/JsonText.h"
 #include "report/MessageLine.h"
+#include "report/Utf8.h"
 
 #include <utility>
 
 namespace OrvlogConverter {
 
-FinishedReport::FinishedReport(const std::string& path, ReportForm form) : file_(path), form_(form) {}
+FinishedReport::FinishedReport(const std::string& path, ReportLook look) : file_(path), form_(look.form) {
+    if (look.hasMark) {
+        file_.Append(Orvanta::Utf8Mark);
+    }
+}
 
 bool FinishedReport::Write(const ReportMessage& message) {
     BeginMessage();
@@ -22,6 +28,11 @@ bool FinishedReport::Write(const ReportMessage& message) {
 
 void FinishedReport::Copy(std::string_view text) {
     BeginMessage();
+    if (text.starts_with('{') && !IsValidUtf8(text)) {
+        line_.clear();
+        AppendValidUtf8(line_, text);
+        text = line_;
+    }
     file_.Append(text);
     if (!IsDocument() && !text.ends_with('\n')) { // the last line of a report
         file_.Append("\n");

@@ -13,15 +13,22 @@ namespace OrvlogConverter {
 /// A report made from others, which takes its place in `End`, when it is whole.
 class FinishedReport : public IOutput {
 public:
+    /// A report of the look that is asked for: with a mark, the mark is the first that stands in it.
     /// \throws FilesystemException
-    FinishedReport(const std::string& path, ReportForm form);
+    FinishedReport(const std::string& path, ReportLook look);
 
+    /// The same without a mark.
+    FinishedReport(const std::string& path, ReportForm form) : FinishedReport(path, ReportLook{form, false}) {}
+
+    /// Always true.
     bool Write(const ReportMessage& message) override;
 
     /// Writes a message as the text that it was read from, in a report of this one's kind (lines, or a document): what
-    /// the record has no room for stays.
+    /// the record has no room for stays. Invalid UTF-8 in JSON is replaced by U+FFFD.
     void Copy(std::string_view text);
 
+    /// Puts the report in its place.
+    /// \throws FilesystemException
     void End() override;
 
     /// Adds a member of a JSON document beside its messages. Nothing in the other forms.

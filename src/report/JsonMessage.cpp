@@ -48,7 +48,13 @@ static void from_json(const nlohmann::json& object, MessagePosition& position) {
 }
 
 static ReportMessage ReadAnyJsonMessage(std::string_view text) {
-    const nlohmann::json object = nlohmann::json::parse(text);
+    const auto isKept = [](int depth, nlohmann::json::parse_event_t /*event*/, const nlohmann::json& /*value*/) {
+        if (depth > DeepestJson) {
+            throw ParseException("nested more than " + std::to_string(DeepestJson) + " deep");
+        }
+        return true;
+    };
+    const nlohmann::json object = nlohmann::json::parse(text, isKept);
     ReportMessage message;
     object.at("falseAlarm").get_to(message.falseAlarm);
     message.level = NumberOf(object.at("level"));

@@ -24,6 +24,7 @@ struct MessageFilterSettings {
 class MessageFilter : public IFilter {
 public:
     MessageFilter(IOutput* next, MessageFilterSettings settings);
+    /// Whether the message passes all restrictions.
     bool Accept(const ReportMessage& message) override;
 
 private:

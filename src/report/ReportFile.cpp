@@ -26,7 +26,8 @@ struct ReportFile::State {
     bool hasMessages = false;
     std::string pending; // appended since the last commit
 
-    std::optional<Orvanta::OutputFile> stream; // set for what can't be replaced, and nothing below is then used
+    std::optional<Orvanta::OutputFile> stream;      // set for what can't be replaced, and nothing below is then used
+    std::optional<Orvanta::OutputFile> overwritten; // the report, where no second copy can take its place
     std::string path;
     std::string sparePath;
     std::uint64_t end = 0;                  // where the report's tail begins
@@ -38,26 +39,32 @@ struct ReportFile::State {
     void EnsureSpare();
     void WriteSpare(std::string_view bytes);
     void CommitFile();
+    void CommitInPlace();
     void RemoveSpare() noexcept;
 };
 
 void ReportFile::State::Create() {
     const Orvanta::PathKind kind = Orvanta::KindOf(givenPath);
-    if (kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
+    if (Orvanta::IsOwnOpenFile(givenPath) || kind == Orvanta::PathKind::Folder || kind == Orvanta::PathKind::Other) {
         stream.emplace(givenPath, Orvanta::OutputFile::Mode::Keep);
         stream->Append(frame.head);
         return;
     }
-    path = Orvanta::ResolveLinks(givenPath); // so that a link stays one
+    path = Orvanta::TargetOf(givenPath); // so that a link stays one
     if (kind == Orvanta::PathKind::File) {
         // A file that its owner protects stays, although the folder would let us put another in its place.
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
-    Orvanta::AtomicFile file(path);
+    Orvanta::AtomicFile file(path, Orvanta::AtomicFile::Durability::Synced);
     file.Append(frame.head + frame.tail);
     file.Commit();
-    sparePath = SparePathOf(path);
     end = frame.head.size();
+    if (file.IsInPlace()) {
+        overwritten.emplace(path, Orvanta::OutputFile::Mode::Keep);
+        TellInPlace(givenPath);
+    } else {
+        sparePath = SparePathOf(path);
+    }
 }
 
 // Makes the second copy from the report when there is none of the right size: at first, after a failed write that could
@@ -79,7 +86,7 @@ void ReportFile::State::WriteSpare(std::string_view bytes) {
     const std::uint64_t oldSize = *std::exchange(spareSize, std::nullopt);
     try {
         file.WriteAt(bytes, spareEnd);
-    } catch (const Orvanta::ZelmException&) {
+    } catch (const Orvanta::FileException&) {
         file.Truncate(spareEnd); // the tail comes with the next write
         spareSize = spareEnd;
         throw;
@@ -109,6 +116,18 @@ void ReportFile::State::CommitFile() {
     spareEnd = std::exchange(end, newEnd);
     spareSize = spareEnd + frame.tail.size();
     lag.swap(pending);
+}
+
+// One write for all that is new, the tail included: as near to one step as it gets.
+void ReportFile::State::CommitInPlace() {
+    try {
+        overwritten->WriteAt(pending + frame.tail, end);
+    } catch (const Orvanta::FileException&) {
+        overwritten->Truncate(end);
+        overwritten->WriteAt(frame.tail, end);
+        throw;
+    }
+    end += pending.size();
 }
 
 void ReportFile::State::RemoveSpare() noexcept {
@@ -146,6 +165,8 @@ void ReportFile::Commit() {
         NamingFile(state_->givenPath, [this] {
             if (state_->stream) {
                 state_->stream->Append(state_->pending);
+            } else if (state_->overwritten) {
+                state_->CommitInPlace();
             } else {
                 state_->CommitFile();
             }
@@ -166,6 +187,9 @@ void ReportFile::Close() {
     if (state_->stream) {
         NamingFile(state_->givenPath, [this] { state_->stream->Append(state_->frame.tail); });
         state_->stream.reset();
+    } else {
+        NamingFile(state_->givenPath,
+                   [this] { Orvanta::OutputFile(state_->path, Orvanta::OutputFile::Mode::Keep).Sync(); });
     }
     state_->RemoveSpare();
 }

@@ -1,5 +1,15 @@
 #pragma once
 
+// The report of a run, complete on disk after every unit.
+//
+// A run of hours must not lose what it has found: not to a kill, not to a full disk. So each commit has to leave a
+// whole document, with its closing bracket, under the report's name. Two ways were rejected. Appending and moving the
+// bracket leaves a broken document for a moment at each commit. Writing it all anew and renaming costs the whole report
+// for every unit: a long run would spend its time on that.
+//
+// So there are two copies that take turns: the one beside the report lags by one commit; it gets what it lacks, the new
+// messages and the tail, and the two names are swapped. A commit costs twice what it adds, whatever the report's size.
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,7 +27,8 @@ struct ReportFrame {
 /// of the last `Commit`, never less and never a part of one. It keeps a second copy beside the report that is one
 /// commit behind, brings that one up to date and swaps the two names, so a commit costs what it adds. A reader that
 /// keeps the file open for longer than one further commit can see the one after that being written. Pipes and terminals
-/// are written to as they are. One thread at a time.
+/// are written to as they are; a file in whose place no other can be put is overwritten, which is said. One thread at a
+/// time.
 class ReportFile {
 public:
     /// Replaces what is at `path` by a report without messages.
@@ -38,7 +49,8 @@ public:
     /// Drops what was appended since the last commit.
     void Discard() noexcept;
 
-    /// The report as it stands is final; a pipe or terminal gets its tail.
+    /// The report as it stands is final, and on the disk; a pipe or terminal gets its tail.
+    /// \throws FilesystemException
     void Close();
 
 private:

@@ -19,7 +19,9 @@ public:
 /// One JSON document: an object whose "warnings" holds the messages. Closed again by every commit.
 class JsonOutput : public ReportOutput {
 public:
-    /// `checked` is the value of the member of that name, as JSON: what was looked at. Empty: there is no such member.
+    /// Replaces what is at `path` by a report without messages. `checked` is the value of the member of that name, as
+    /// JSON: what was looked at. Empty: there is no such member.
+    /// \throws FilesystemException
     explicit JsonOutput(const std::string& path, const std::string& checked = {});
     bool Write(const ReportMessage& message) override;
     void Commit() override;
@@ -33,6 +35,8 @@ private:
 /// One message a line, in the JSON or the raw form.
 class LineOutput : public ReportOutput {
 public:
+    /// Replaces what is at `path` by an empty report.
+    /// \throws FilesystemException
     LineOutput(const std::string& path, LineFormat format);
     bool Write(const ReportMessage& message) override;
     void Commit() override;

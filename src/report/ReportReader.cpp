@@ -3,9 +3,11 @@
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 #include "report/CompilerLine.h"
 #include "report/Exceptions.h"
 #include "report/JsonMessage.h"
+#include "report/JsonText.h"
 #include "report/RawLine.h"
 #include "report/StandardInput.h"
 #include "report/Utf8.h"
@@ -26,7 +28,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t BlockSize = 262144;
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view RawStart = "Zelm64-EM<#~>";
 constexpr const char* WarningsKey = "warnings";
 
@@ -52,6 +53,9 @@ public:
     // The answer says whether the library is to keep the value.
     bool operator()(int depth, Json::parse_event_t event, const Json& value) {
         constexpr int MemberDepth = 1; // of what the document's object holds
+        if (depth > DeepestJson) {
+            throw ParseException(Place() + ": nested more than " + std::to_string(DeepestJson) + " deep");
+        }
         if (depth == MemberDepth) {
             return TakeMemberEvent(event, value);
         }
@@ -95,6 +99,11 @@ private:
             receiver_.takeMember(key_, value.dump());
         }
         return false;
+    }
+
+    // Of what is being read: the document, or the message.
+    [[nodiscard]] std::string Place() const {
+        return isWarnings_ ? path_ + ", entry " + std::to_string(entry_ + 1) : path_;
     }
 
     void TakeMessage(const Json& value) {
@@ -147,6 +156,7 @@ void ReportReader::Open() {
 }
 
 void ReportReader::Read(const ReportReceiver& receiver) {
+    RefuseUtf16(path_, *input_);
     if (isDocument_) {
         ReadDocument(receiver);
     } else {
@@ -174,10 +184,10 @@ void ReportReader::ReadDocument(const ReportReceiver& receiver) {
 void ReportReader::ReadLines(const ReportReceiver& receiver) {
     std::string_view text;
     for (std::size_t number = 1; NextLine(text); ++number) {
-        std::string_view line = WithoutLineEnd(text);
-        if (number == 1 && line.starts_with(ByteOrderMark)) {
-            line.remove_prefix(ByteOrderMark.size());
+        if (number == 1) {
+            text = Orvanta::WithoutUtf8Mark(text);
         }
+        const std::string_view line = WithoutLineEnd(text);
         if (line.empty()) {
             continue;
         }
@@ -229,26 +239,30 @@ bool ReportReader::NextLine(std::string_view& line) {
 }
 
 bool IsJsonDocumentName(std::string_view path) {
-    return Orvanta::ExtensionOf(path) == ".json";
+    constexpr std::string_view Ending = ".json";
+    const std::string name = Orvanta::ComparablePath(Orvanta::FileNameOf(path));
+    return name.ends_with(Ending);
 }
 
-ReportForm DetectReportForm(const std::string& path) {
+ReportLook LookAtReport(const std::string& path) {
+    ReportLook look;
     if (IsJsonDocumentName(path)) {
-        return ReportForm::JsonDocument;
+        look.form = ReportForm::JsonDocument;
     }
     if (Orvanta::LookAt(path).kind != Orvanta::PathKind::File) {
-        return ReportForm::JsonLines;
+        return look;
     }
     std::ifstream file(Orvanta::NativePath(path), std::ios::binary);
     std::string start(BlockSize, '\0');
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<std::size_t>(file.gcount()));
-    std::string_view text = start;
-    if (text.starts_with(ByteOrderMark)) {
-        text.remove_prefix(ByteOrderMark.size());
-    }
+    std::string_view text = Orvanta::WithoutUtf8Mark(start);
+    look.hasMark = text.size() != start.size();
     text.remove_prefix(std::min(text.find_first_not_of("\r\n"), text.size()));
-    return text.empty() || text.front() == '{' ? ReportForm::JsonLines : ReportForm::RawLines;
+    if (look.form != ReportForm::JsonDocument && !text.empty() && text.front() != '{') {
+        look.form = ReportForm::RawLines;
+    }
+    return look;
 }
 
 } // namespace OrvlogConverter

@@ -21,7 +21,8 @@ enum class ReportForm {
 
 /// Takes the parts of a report in their order. What it is handed lasts until it returns.
 struct ReportReceiver {
-    /// A message, with the text that it was read from: a line with its end, or the object of a document.
+    /// A message, with the text that it was read from: a line with its end, or the object of a document. A byte order
+    /// mark in front of it is no part of it.
     std::function<void(const ReportMessage& message, std::string_view text)> takeMessage;
     /// A member of a document beside "warnings": its key and its value as JSON. May be empty.
     std::function<void(const std::string& key, const std::string& value)> takeMember = {};
@@ -43,10 +44,14 @@ public:
     void Read(const ReportReceiver& receiver);
 
 private:
+    /// Opens the report.
     void Open();
+    /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);
     void ReadLines(const ReportReceiver& receiver);
+    /// Puts a line of any form into `message_`.
     void ReadLine(std::string_view line);
+    /// The next line with its end, which lasts until the next call; false at the end of the report.
     [[nodiscard]] bool NextLine(std::string_view& line);
 
     std::string path_;
@@ -58,11 +63,17 @@ private:
     JsonMessageScanner scanner_;
 };
 
-/// Whether the name is that of a JSON document.
+/// Whether the name is that of a JSON document: it ends in ".json", and in ".JSON" where names don't regard case.
 [[nodiscard]] bool IsJsonDocumentName(std::string_view path);
 
-/// The form of a report: by its name, then by its first line. A report without lines counts as JSON lines, as does one
-/// that is no regular file and could be read only once.
-[[nodiscard]] ReportForm DetectReportForm(const std::string& path);
+/// What a report looks like from its name and its first bytes.
+struct ReportLook {
+    ReportForm form = ReportForm::JsonLines;
+    bool hasMark = false; ///< it begins with a byte order mark
+};
+
+/// Looks at a report before it is read. One without lines counts as JSON lines, as does one that is no regular file and
+/// could be read only once.
+[[nodiscard]] ReportLook LookAtReport(const std::string& path);
 
 } // namespace OrvlogConverter

@@ -15,6 +15,7 @@ inline constexpr std::string_view SourceRootMarker = "|?|";
 /// very objects that they are.
 class SourceRootTransformer : public ITransform {
 public:
+    /// An empty root leaves every message as it is.
     SourceRootTransformer(IOutput* next, std::string root);
     bool Write(const ReportMessage& message) override;
     [[nodiscard]] ReportMessage Transform(ReportMessage message) override;

@@ -1,6 +1,7 @@
 #include "report/StandardInput.h"
 
 #include "platform/Console.h"
+#include "platform/Text.h"
 
 #include <algorithm>
 
@@ -9,7 +10,6 @@ namespace OrvlogConverter {
 namespace {
 
 constexpr std::size_t BlockSize = 262144;
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 // The place behind the string that begins at `at`.
 std::size_t EndOfString(std::string_view text, std::size_t at) noexcept {
@@ -52,9 +52,7 @@ std::streambuf::int_type StandardInput::underflow() {
 }
 
 bool LooksLikeDocument(std::string_view start) noexcept {
-    if (start.starts_with(ByteOrderMark)) {
-        start.remove_prefix(ByteOrderMark.size());
-    }
+    start = Orvanta::WithoutUtf8Mark(start);
     start.remove_prefix(std::min(start.find_first_not_of(" \t\r\n"), start.size()));
     if (!start.starts_with('{')) {
         return false;

@@ -1,6 +1,9 @@
 #include "report/Utf8.h"
 
+#include "report/Exceptions.h"
+
 #include <algorithm>
+#include <istream>
 
 namespace OrvlogConverter {
 
@@ -84,6 +87,19 @@ void AppendValidUtf8(std::string& target, std::string_view text) {
         at += step.length;
     }
     target += text.substr(begin);
+}
+
+void RefuseUtf16(const std::string& name, std::istream& text) {
+    const int first = text.peek();
+    if (first == 0xFF || first == 0xFE) { // no UTF-8 begins so
+        text.get();
+        const bool isMark = text.peek() == (first == 0xFF ? 0xFE : 0xFF);
+        text.unget();
+        if (isMark) {
+            throw ParseException(name + ": the text is UTF-16, expected UTF-8");
+        }
+    }
+    text.clear(text.rdstate() & ~std::ios::eofbit); // of a text without a second byte
 }
 
 Utf8Buffer::int_type Utf8Buffer::underflow() {

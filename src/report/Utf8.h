@@ -17,7 +17,12 @@ struct Utf8Step {
 /// Looks at the character that begins at `at`, which is inside `text`.
 [[nodiscard]] Utf8Step NextUtf8(std::string_view text, std::size_t at) noexcept;
 
+/// Whether the text is UTF-8 from its beginning to its end: no overlong form, no surrogate, nothing cut off.
 [[nodiscard]] bool IsValidUtf8(std::string_view text) noexcept;
+
+/// For the start of a text file that is to be UTF-8: looks for the mark that UTF-16 begins with, and consumes nothing.
+/// \throws ParseException "NAME: the text is UTF-16, expected UTF-8"
+void RefuseUtf16(const std::string& name, std::istream& text);
 
 /// Appends the text, with U+FFFD for each sequence that is no UTF-8, as the JSON library replaces them.
 void AppendValidUtf8(std::string& target, std::string_view text);

@@ -16,7 +16,7 @@ constexpr std::size_t BlockSize = 262144;
 
 // A file that its owner protects stays, although the folder would let us put another in its place.
 void ProbeExisting(const std::string& path) {
-    if (Orvanta::IsRegularFile(path)) {
+    if (!Orvanta::IsOwnOpenFile(path) && Orvanta::IsRegularFile(path)) {
         const Orvanta::OutputFile probe(path, Orvanta::OutputFile::Mode::Keep);
     }
 }
@@ -32,7 +32,7 @@ WholeFile::WholeFile(std::string path) : path_(std::move(path)) {
     }
     NamingFile(path_, [this] {
         ProbeExisting(path_);
-        file_.emplace(path_);
+        file_.emplace(path_, Orvanta::AtomicFile::Durability::Synced);
     });
 }
 
@@ -66,8 +66,12 @@ void WholeFile::WriteBuffer() {
 
 void WholeFile::Commit() {
     WriteBuffer();
-    if (file_) {
-        NamingFile(path_, [this] { file_->Commit(); });
+    if (!file_) {
+        return; // standard output
+    }
+    NamingFile(path_, [this] { file_->Commit(); });
+    if (file_->IsInPlace()) {
+        TellInPlace(path_);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "report/Exceptions.h"
 
@@ -17,6 +18,13 @@ void NamingFile(const std::string& path, const Work& work) {
     } catch (const Orvanta::FileException& error) {
         throw FilesystemException("Can't write to file: " + path + ": " + error.Reason());
     }
+}
+
+/// Says of a file that no other one could take its place.
+inline void TellInPlace(const std::string& path) {
+    Orvanta::PrintLine("Note: " + path +
+                       " is overwritten where it stands, as nothing can take its place: whoever reads it "
+                       "meanwhile, and a kill, meets a part of it");
 }
 
 } // namespace OrvlogConverter

@@ -26,6 +26,7 @@ public:
     /// `path` is absolute and normalised.
     [[nodiscard]] bool Matches(std::string_view path) const;
 
+    /// Whether it excludes nothing.
     [[nodiscard]] bool IsEmpty() const noexcept { return prefixes_.empty() && masks_.empty(); }
 
 private:

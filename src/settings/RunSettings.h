@@ -27,6 +27,7 @@ struct RunSettings {
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     bool ignoreCcache = false;
+    bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
     bool showCoreOutputOfMsvc = false; ///< show what the core prints for units of cl and clang-cl too
 };

@@ -13,7 +13,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view PathKeys[] = {"exclude-path", "rules-config", "intermodular-file", "vcprojectdir"};
 
 bool IsPathKey(std::string_view key) {
@@ -109,9 +108,7 @@ std::string ReadConfigFile(const std::string& path) {
 } // namespace
 
 SettingsMap ParseSettings(std::string_view text, std::string_view baseDirectory) {
-    if (text.substr(0, ByteOrderMark.size()) == ByteOrderMark) {
-        text.remove_prefix(ByteOrderMark.size());
-    }
+    text = WithoutUtf8Mark(text);
     SettingsMap settings;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));

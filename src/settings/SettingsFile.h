@@ -32,6 +32,7 @@ public:
     SettingsFile(SettingsFile&& other) noexcept;
     SettingsFile& operator=(SettingsFile&& other) noexcept;
 
+    /// What the file holds.
     [[nodiscard]] const SettingsMap& Settings() const noexcept { return settings_; }
 
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }

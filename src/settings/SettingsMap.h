@@ -1,5 +1,11 @@
 #pragma once
 
+// Settings as they travel: from a settings file and the command line to the run, and from the run to the core.
+//
+// The form is the file's own, a sorted list of keys and values in which a key may stand several times, because the core
+// reads back what a person may have written: what we don't know passes through unchanged. What the run itself looks at
+// is taken out once, into RunSettings, where it has types.
+
 #include <map>
 #include <optional>
 #include <string>

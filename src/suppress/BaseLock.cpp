@@ -1,9 +1,14 @@
 #include "suppress/BaseLock.h"
 
+#include "platform/Console.h"
 #include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+#include "platform/TemporaryPlace.h"
 #include "report/Exceptions.h"
 
 #include <chrono>
+#include <optional>
 
 namespace Orvanta {
 
@@ -14,15 +19,27 @@ constexpr std::chrono::minutes LongestWait(2);
 } // namespace
 
 BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
-    if (lock_.Take(basePath, LongestWait, stop) == LockFile::State::HeldByOther) {
+    using State = LockFile::State;
+    State state = lock_.Take(basePath, LongestWait, stop);
+    if (state == State::Held) {
+        if (const std::optional<FileIdentity> base = IdentityOf(basePath); base && base->names > 1) {
+            const std::string name = "base-" + std::to_string(base->device) + "-" + std::to_string(base->number);
+            state = sharedLock_.Take(JoinPath(SystemTemporaryFolder(), name), LongestWait, stop);
+        }
+    }
+    if (state == State::HeldByOther) {
         if (stop.IsSet()) {
             throw OrvlogConverter::StoppedException();
         }
         throw ZelmException("Another run is still writing to " + basePath);
     }
+    if (state == State::Unsupported) {
+        PrintLine("Note: the file system of " + basePath + " has no locks: let no two runs add to it at a time");
+    }
 }
 
 BaseLock::~BaseLock() {
+    sharedLock_.ReleaseAndRemove();
     lock_.ReleaseAndRemove();
 }
 

@@ -42,9 +42,10 @@ void FilterWorker::Run() {
     if (isInPlace_) {
         WholeFile::RequireReplaceable(reportPath_);
     }
-    const ReportForm input = DetectReportForm(reportPath_);
+    const ReportLook look = LookAtReport(reportPath_);
+    const ReportForm input = look.form;
     const ReportForm form = isInPlace_ ? input : FormOfOutput(input, outputPath_);
-    FinishedReport output(isInPlace_ ? reportPath_ : outputPath_, form);
+    FinishedReport output(isInPlace_ ? reportPath_ : outputPath_, {form, look.hasMark});
     const bool isSameKind = (form == ReportForm::JsonDocument) == (input == ReportForm::JsonDocument);
     if (!isSameKind && form == ReportForm::JsonDocument) {
         output.AddMember("version", "1");

@@ -4,6 +4,7 @@
 #include "platform/NativePath.h"
 #include "platform/Table.h"
 #include "report/Exceptions.h"
+#include "report/JsonCopy.h"
 #include "report/JsonText.h"
 #include "report/Utf8.h"
 #include "report/WholeFile.h"
@@ -44,7 +45,7 @@ constexpr FieldRow Fields[] = {
     {"CodeNext",    nullptr,                   &SuppressEntry::codeNext   },
 };
 
-/// Receives the events of a base's document. Values that are no part of a base are passed over.
+/// Receives the events of a base's document. Members that are no part of a base are kept as they are.
 class BaseHandler {
 public:
     using TakeEntry = std::function<void(SuppressEntry entry)>;
@@ -53,56 +54,44 @@ public:
 
     [[nodiscard]] std::uint32_t Version() const { return version_.value_or(VersionOfBasesWithoutOne); }
 
+    /// The document's other members, each behind ", ".
+    [[nodiscard]] std::string Members() const { return members_; }
+
     [[nodiscard]] std::size_t Entry() const { return isInWarnings_ ? entryNumber_ : 0; }
 
-    bool null() { return TakeOther("null"); }
+    bool null() { return TakeScalar("null", "null"); }
 
-    bool boolean(bool) { return TakeOther("boolean"); }
+    bool boolean(bool value) { return TakeScalar("boolean", value ? "true" : "false"); }
 
-    bool number_integer(Json::number_integer_t value) {
-        if (IsNumberWanted()) {
-            throw ParseException("number out of range: " + std::to_string(value));
-        }
-        return TakeOther("number");
-    }
+    bool number_integer(Json::number_integer_t value) { return TakeNumber(std::to_string(value), std::nullopt); }
 
-    bool number_unsigned(Json::number_unsigned_t value) {
-        if (!IsNumberWanted()) {
-            return TakeOther("number");
-        }
-        if (value > std::numeric_limits<std::uint32_t>::max()) {
-            throw ParseException("number out of range: " + std::to_string(value));
-        }
-        if (depth_ == RootDepth) {
-            version_ = static_cast<std::uint32_t>(value);
-        } else {
-            MarkSeen();
-            entry_.*field_->number = static_cast<std::uint32_t>(value);
-        }
-        return true;
-    }
+    bool number_unsigned(Json::number_unsigned_t value) { return TakeNumber(std::to_string(value), value); }
 
-    bool number_float(Json::number_float_t, const std::string& text) {
-        if (IsNumberWanted()) {
-            throw ParseException("number out of range: " + text);
-        }
-        return TakeOther("number");
-    }
+    bool number_float(Json::number_float_t, const std::string& text) { return TakeNumber(text, std::nullopt); }
 
     bool string(std::string& value) {
+        if (copy_.IsOpen()) {
+            copy_.Text(value);
+            return true;
+        }
         if (field_ == nullptr || field_->text == nullptr) {
-            return TakeOther("string");
+            RequireNothingElse("string");
+            return true;
         }
         MarkSeen();
         entry_.*field_->text = std::move(value);
         return true;
     }
 
-    bool binary(Json::binary_t&) { return TakeOther("binary"); }
+    bool binary(Json::binary_t&) { return TakeScalar("binary", "null"); }
 
     bool start_object(std::size_t) {
+        if (copy_.IsOpen()) {
+            copy_.Open('{');
+            return true;
+        }
         if (depth_ != 0 && !(depth_ == ListDepth && isInWarnings_)) {
-            TakeOther("object");
+            RequireNothingElse("object");
         }
         if (depth_ == ListDepth && isInWarnings_) {
             ++entryNumber_;
@@ -114,15 +103,27 @@ public:
     }
 
     bool key(std::string& name) {
-        if (depth_ == RootDepth) {
+        if (copy_.IsOpen()) {
+            copy_.Key(name);
+        } else if (depth_ == RootDepth) {
             rootKey_ = name;
+            if (name != "warnings" && name != "version") {
+                BeginCopy(members_, name);
+            }
         } else if (depth_ == EntryDepth && isInWarnings_) {
             field_ = Orvanta::FindRow(Fields, &FieldRow::key, name);
+            if (field_ == nullptr) {
+                BeginCopy(entry_.more, name);
+            }
         }
         return true;
     }
 
     bool end_object() {
+        if (copy_.IsOpen()) {
+            copy_.Close('}');
+            return true;
+        }
         --depth_;
         if (depth_ == ListDepth && isInWarnings_) {
             RequireAllFields();
@@ -133,16 +134,24 @@ public:
     }
 
     bool start_array(std::size_t) {
+        if (copy_.IsOpen()) {
+            copy_.Open('[');
+            return true;
+        }
         if (depth_ == RootDepth && rootKey_ == "warnings") {
             isInWarnings_ = hasWarnings_ = true;
         } else {
-            TakeOther("array");
+            RequireNothingElse("array");
         }
         ++depth_;
         return true;
     }
 
     bool end_array() {
+        if (copy_.IsOpen()) {
+            copy_.Close(']');
+            return true;
+        }
         --depth_;
         isInWarnings_ = isInWarnings_ && depth_ != RootDepth;
         return true;
@@ -170,8 +179,40 @@ private:
                (depth_ == EntryDepth && field_ != nullptr && field_->number != nullptr);
     }
 
-    // A value of another type than the one that is wanted here; nothing may be wanted.
-    bool TakeOther(const std::string& type) {
+    bool TakeNumber(const std::string& text, std::optional<Json::number_unsigned_t> value) {
+        if (copy_.IsOpen() || !IsNumberWanted()) {
+            return TakeScalar("number", text);
+        }
+        if (!value || *value > std::numeric_limits<std::uint32_t>::max()) {
+            throw ParseException("number out of range: " + text);
+        }
+        if (depth_ == RootDepth) {
+            version_ = static_cast<std::uint32_t>(*value);
+        } else {
+            MarkSeen();
+            entry_.*field_->number = static_cast<std::uint32_t>(*value);
+        }
+        return true;
+    }
+
+    bool TakeScalar(const char* type, std::string_view json) {
+        if (copy_.IsOpen()) {
+            copy_.Scalar(json);
+        } else {
+            RequireNothingElse(type);
+        }
+        return true;
+    }
+
+    void BeginCopy(std::string& members, const std::string& name) {
+        members += ", ";
+        AppendJsonString(members, name);
+        members += ": ";
+        copy_.Begin(members);
+    }
+
+    // For a value of this type: another one may be wanted here.
+    void RequireNothingElse(const std::string& type) {
         const char* wanted = nullptr;
         if (depth_ == 0 || (depth_ == ListDepth && isInWarnings_)) {
             wanted = "object";
@@ -188,7 +229,6 @@ private:
             }
             throw ParseException(std::string("type must be ") + wanted + ", but is " + type);
         }
-        return true;
     }
 
     void MarkSeen() { seen_ |= 1U << static_cast<unsigned>(field_ - std::begin(Fields)); }
@@ -203,7 +243,9 @@ private:
 
     TakeEntry takeEntry_;
     std::optional<std::uint32_t> version_;
-    std::size_t depth_ = 0;
+    std::size_t depth_ = 0; // of what is no part of a copy
+    JsonCopy copy_;         // of a member that is no part of a base
+    std::string members_;
     std::string rootKey_;
     bool isInWarnings_ = false;
     bool hasWarnings_ = false;
@@ -225,6 +267,7 @@ void AppendEntry(std::string& line, const SuppressEntry& entry) {
             line += std::to_string(entry.*row.number);
         }
     }
+    line += entry.more;
     line += '}';
 }
 
@@ -246,6 +289,7 @@ SuppressBase SuppressBase::Read(const std::string& path) {
     if (!file.is_open()) {
         throw FilesystemException("Couldn't open file " + path);
     }
+    RefuseUtf16(path, file);
     SuppressBase base = Parse(file, path);
     if (file.bad()) {
         throw FilesystemException("Couldn't read file " + path);
@@ -266,6 +310,7 @@ SuppressBase SuppressBase::Parse(std::istream& text, const std::string& name) {
         throw ParseException(name + entry + ": " + error.what());
     }
     base.version_ = handler.Version();
+    base.members_ = handler.Members();
     return base;
 }
 
@@ -279,7 +324,7 @@ void SuppressBase::Write(const std::string& path) const {
               [](const SuppressEntry* left, const SuppressEntry* right) { return *left < *right; });
 
     WholeFile file = OpenBase(path);
-    file.Append("{\"version\": " + std::to_string(version_) + ", \"warnings\": [");
+    file.Append("{\"version\": " + std::to_string(version_) + members_ + ", \"warnings\": [");
     std::string line;
     for (const SuppressEntry* const entry : sorted) {
         line = entry == sorted.front() ? "\n" : ",\n";

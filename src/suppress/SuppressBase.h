@@ -1,5 +1,16 @@
 #pragma once
 
+// The base of accepted findings: one JSON document that people keep with their sources and merge by hand.
+//
+// Hence one entry a line, sorted: two branches that accept different findings merge without a conflict, and a base that
+// did not change is not written at all. An entry has no line number. A finding is recognised by its file, code and text
+// and by hashes of its source line and the two around it, so that it stays accepted when code above it grows.
+//
+// What else people write into a base or an entry, such as a reason, stays when it is written again.
+//
+// Entries are read as a stream and held once, in a hash set. The version says by which rules the hashes were made; a
+// base of older rules is still matched by them, but not added to, as one base can't hold entries of two kinds.
+
 #include "suppress/LineHash.h"
 #include "suppress/SuppressEntry.h"
 
@@ -35,8 +46,10 @@ public:
     /// \throws ParseException
     [[nodiscard]] static SuppressBase Parse(std::istream& text, const std::string& name);
 
+    /// By which rules the hashes of its entries were made.
     [[nodiscard]] std::uint32_t Version() const noexcept { return version_; }
 
+    /// Whether nothing may be added any more.
     [[nodiscard]] bool IsOutdated() const noexcept { return version_ < CurrentBaseVersion; }
 
     [[nodiscard]] std::size_t Size() const noexcept { return entries_.size(); }
@@ -52,6 +65,7 @@ public:
 
 private:
     std::uint32_t version_ = CurrentBaseVersion;
+    std::string members_; // others that the document has, each behind ", "
     std::unordered_set<SuppressEntry, SuppressEntryHash> entries_;
 };
 

@@ -16,6 +16,7 @@ public:
     void Begin() override;
     bool Accept(const ReportMessage& message) override;
 
+    /// The messages dropped so far.
     [[nodiscard]] std::size_t HiddenCount() const noexcept { return hidden_; }
 
 private:

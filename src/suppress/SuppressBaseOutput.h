@@ -21,6 +21,7 @@ public:
     /// \throws FilesystemException
     void End() override;
 
+    /// The entries that the base did not have before.
     [[nodiscard]] std::size_t AddedCount() const noexcept { return added_; }
 
 private:

@@ -16,6 +16,10 @@ std::string_view FileNameOf(std::string_view path) {
     return path.substr(path.find_last_of("/\\") + 1); // nothing found is the greatest number
 }
 
+auto FieldsOf(const SuppressEntry& entry) {
+    return std::tie(entry.fileName, entry.errorCode, entry.message, entry.codePrev, entry.codeCurrent, entry.codeNext);
+}
+
 std::string ValidText(std::string_view text) {
     std::string valid;
     AppendValidUtf8(valid, text);
@@ -24,12 +28,12 @@ std::string ValidText(std::string_view text) {
 
 } // namespace
 
+bool SuppressEntry::operator==(const SuppressEntry& other) const noexcept {
+    return FieldsOf(*this) == FieldsOf(other);
+}
+
 bool SuppressEntry::operator<(const SuppressEntry& other) const noexcept {
-    const auto fields = [](const SuppressEntry& entry) {
-        return std::tie(entry.fileName, entry.errorCode, entry.message, entry.codePrev, entry.codeCurrent,
-                        entry.codeNext);
-    };
-    return fields(*this) < fields(other);
+    return FieldsOf(*this) < FieldsOf(other);
 }
 
 std::size_t SuppressEntryHash::operator()(const SuppressEntry& entry) const {

@@ -17,8 +17,9 @@ struct SuppressEntry {
     std::uint32_t codePrev = 0;
     std::uint32_t codeCurrent = 0;
     std::uint32_t codeNext = 0;
+    std::string more = {}; ///< other members that it has in a base, each behind ", "; no part of what tells it apart
 
-    bool operator==(const SuppressEntry&) const = default;
+    bool operator==(const SuppressEntry& other) const noexcept;
     /// By all fields, texts byte for byte: the order in which a base is written.
     [[nodiscard]] bool operator<(const SuppressEntry& other) const noexcept;
 };

@@ -39,6 +39,7 @@ struct SuppressFilterSettings {
 class SuppressFilter : public IFilter {
 public:
     SuppressFilter(IOutput* next, SuppressFilterSettings settings);
+    /// Whether the message is to be added to the base.
     bool Accept(const ReportMessage& message) override;
 
 private:

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """compare_texts DRIVER CORE FAMILY [--all]: what the driver preprocesses is the compiler's own text, flag by flag.
 
-Makes command lines of every option that the compiler lists, in the forms in which it may be written: alone, with a value
-in the next word, with a glued one. Each line that the compiler accepts is preprocessed by it, and by the driver as an
-entry of a database. The texts must be equal, each entry must be one unit, and the driver must leave no file in the
-project. The sources spell out macros and look for headers, so that a lost value, or one that swallows the next flag, is
-another text. Without --all, every option with a value in the next word is tried and an even choice of the others.
+Makes command lines of every option that the compiler lists, in the forms in which it may be written: alone, with a
+value in the next word, with a glued one. Each line that the compiler accepts is preprocessed by it, and by the driver
+as an entry of a database. The texts must be equal, each entry must be one unit, and the driver must leave no file in
+the project. The sources spell out macros and look for headers, so that a lost value, or one that swallows the next
+flag, is another text. Without --all, an even choice of the options is tried.
 FAMILY is gcc, clang, clang-cl or arm-none-eabi-gcc. CORE is any program that keeps the core's protocol.
 """
 import concurrent.futures
@@ -20,25 +20,26 @@ import tempfile
 CHOICE = 200  # options without a value in the next word, of each family
 BEFORE, AFTER = "-DBEFORE=1", "-DAFTER=2"
 VALUES = ("dir", "forced.h", "1", "spare.o")  # the first that the compiler accepts counts
-VALUES_OF = {"--assert": "machine=x", "-A": "machine=x", "--std": "c99", "--stdlib": "libc++", "--machine": "32",
+VALUES_OF = {"-x": "c",
+             "--assert": "machine=x", "-A": "machine=x", "--std": "c99", "--stdlib": "libc++", "--machine": "32",
              "--param": "max-inline-insns-single=9", "-target": "x86_64-linux-gnu", "-arch": "x86_64",
              "-meabi": "gnu", "-mhwdiv": "arm", "--mhwdiv": "arm", "-mthread-model": "single", "--language": "c",
-             "-Xlinker": "-z", "--for-linker": "-z", "-Xassembler": "-v", "--for-assembler": "-v", "--specs": "own.specs",
+             "-Xlinker": "-z", "--for-linker": "-z", "-Xassembler": "-v", "--for-assembler": "-v",
+             "--specs": "own.specs",
              "-Xclang": "-Wall", "-Xpreprocessor": "-Wall", "-mllvm": "-time-passes"}
 GLUED = ("1", "dir")
-# What these print or make is no compilation, or they ask for the text in another form: docs/compilers.md, docs/fates.md.
+# What these print or make is no compilation, or they ask for the text in another form, or for what the driver leaves
+# out on purpose (docs/compilers.md). The last line is of those that name the output.
 LEFT_OUT = re.compile(r"""--?(
-    E|M|MM|MG|S|c|dM|dD|dN|dI|dU|d|dump|preprocess|assemble|compile|precompile|dependencies|user-dependencies|
-    fsyntax-only|emit-.*|analyze|migrate|rewrite-.*|verify-pch|extract-api|gen-cdb-fragment-path=?|
-    C|CC|P|comments(-in-macros)?|no-line-commands|traditional(-cpp)?|fdirectives-only|fpreprocessed|fminimize-whitespace|
-    frewrite-.*|fpch-preprocess|fpch-deps|fkeep-system-includes|fuse-line-directives|
-    g\w*3|ggdb3|O.*|optimize.*|x|language=?|o|output.*|imacros|H|HELP|
-    help.*|target-help|version|v|verbose|\#\#\#|print-.*|dumpversion|dumpfullversion|dumpmachine|dumpspecs|
-    autocomplete=|via-file-asm|no-integrated-cpp|wrapper|
-    ccc-.*|fbuild-session-.*|D|define-macro=?|U|undefine-macro=?
+    E|M|MM|MG|S|c|preprocess|assemble|compile|precompile|dependencies|user-dependencies|fsyntax-only|emit-.*|analyze|
+    migrate|rewrite-.*|verify-pch|extract-api|help.*|HELP|target-help|version|v|verbose|\#\#\#|print-.*|dumpversion|
+    dumpfullversion|dumpmachine|dumpspecs|autocomplete=|via-file-asm|wrapper|ccc-print-.*|
+    C|CC|P|comments(-in-macros)?|no-line-commands|fdirectives-only|fminimize-whitespace|frewrite-.*|fpch-preprocess|
+    fdebug-cpp|d|dM|dD|dN|dI|dU|dump|g\w*3|O.*|optimize.*|
+    o|output.*
     )""", re.VERBOSE)
-LEFT_OUT_CL = re.compile(r"[-/](c|E|EP|P|C|d1PP|Zs|\?|help|HELP|O.*|F[adeimopRrx].*|Y.*|link|T[cp]|D|U|showIncludes.*|o|"
-                         r"v|-version|###|-analyze|clang:|Xclang|emit-.*|analyze.*|fsyntax-only|print.*|TC|TP)")
+LEFT_OUT_CL = re.compile(r"[-/](c|E|EP|P|C|d1PP|Zs|\?|help|HELP|O.*|F[adeimopRr].*|Y.*|link|T[cp]|showIncludes.*|o|v|"
+                         r"-version|###|-analyze|emit-.*|analyze.*|fsyntax-only|print.*)")
 
 
 def run(command, folder):

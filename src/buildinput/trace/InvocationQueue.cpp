@@ -50,7 +50,9 @@ bool InvocationQueue::TakeFirst(bool mayGuess) {
     if (place == Place::Unknown && !mayGuess) {
         return false;
     }
-    if (place != Place::Within && !(invocation.isTransparent && invocation.startedCompilation)) {
+    if (place != Place::Within && !invocation.fault.empty()) {
+        HandOver(invocation, {}); // in whatever folder
+    } else if (place != Place::Within && !(invocation.isTransparent && invocation.startedCompilation)) {
         std::optional<std::string> directory = AbsoluteDirectory(invocation.directory);
         if (!directory) {
             if (!mayGuess) {
@@ -70,18 +72,26 @@ bool InvocationQueue::TakeFirst(bool mayGuess) {
 
 InvocationQueue::Place InvocationQueue::PlaceOf(const TracedInvocation& invocation) {
     Enclosure enclosure = EnclosureOf(invocation);
-    while (enclosure.invocation != nullptr) {
-        if (!enclosure.invocation->isTransparent) {
-            return Place::Within;
-        }
+    while (enclosure.invocation != nullptr && enclosure.invocation->isTransparent && !enclosure.invocation->isWithin) {
         enclosure = EnclosureOf(*enclosure.invocation);
     }
-    return enclosure.unknown != nullptr ? Place::Unknown : Place::OfItsOwn;
+    if (enclosure.unknown != nullptr) {
+        return Place::Unknown;
+    }
+    const bool isWithin = enclosure.invocation != nullptr && enclosure.invocation->isWithin.value_or(true);
+    // So that a chain of launchers is gone through once, not once for each.
+    for (Enclosure passed = EnclosureOf(invocation);
+         passed.invocation != nullptr && passed.invocation->isTransparent && !passed.invocation->isWithin;
+         passed = EnclosureOf(*passed.invocation)) {
+        passed.invocation->isWithin = isWithin;
+    }
+    return isWithin ? Place::Within : Place::OfItsOwn;
 }
 
 /// The launchers around a compilation don't count: it counts in their place.
 void InvocationQueue::TellLaunchers(const TracedInvocation& invocation) {
-    for (Enclosure enclosure = EnclosureOf(invocation); enclosure.invocation != nullptr;
+    for (Enclosure enclosure = EnclosureOf(invocation);
+         enclosure.invocation != nullptr && !enclosure.invocation->startedCompilation;
          enclosure = EnclosureOf(*enclosure.invocation)) {
         enclosure.invocation->startedCompilation = true;
     }

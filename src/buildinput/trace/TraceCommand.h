@@ -22,6 +22,7 @@ struct ExecutedProgram {
 struct TracedCommand {
     std::vector<std::string> arguments; ///< the compiler, or ccache, by its path first
     bool isCut = false;                 ///< the trace shows some argument only in part, or not all of them
+    std::string fault;                  ///< why it can't be used; empty: it can, unless it is cut
     bool isTransparent = false;         ///< a launcher that is not looked into: what it starts counts in its place
 };
 
@@ -38,8 +39,10 @@ public:
     /// The compiler's command; no value when the program is none.
     [[nodiscard]] std::optional<TracedCommand> Find(const ExecutedProgram& program) const;
 
-private:
+    /// Whether a program with this path counts as a compiler.
     [[nodiscard]] bool IsCompiler(std::string_view path) const;
+
+private:
     [[nodiscard]] bool IsLauncher(std::string_view path) const;
     [[nodiscard]] std::optional<TracedCommand> Unwrap(std::vector<std::string> words) const;
 

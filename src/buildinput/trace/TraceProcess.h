@@ -25,6 +25,11 @@ struct ProcessOrigin {
         Root,    ///< the trace does not tell its start
     };
 
+    ProcessOrigin() = default;
+    ProcessOrigin(const ProcessOrigin&) = delete;
+    ProcessOrigin& operator=(const ProcessOrigin&) = delete;
+    ~ProcessOrigin();
+
     State state = State::Unknown;
     ProcessId process = 0;
     std::size_t line = 0;                        ///< where it was seen first
@@ -36,6 +41,11 @@ struct ProcessOrigin {
 
 /// A compiler that a traced process has executed.
 struct TracedInvocation {
+    TracedInvocation() = default;
+    TracedInvocation(const TracedInvocation&) = delete;
+    TracedInvocation& operator=(const TracedInvocation&) = delete;
+    ~TracedInvocation();
+
     std::vector<std::string> arguments;             ///< the compiler first, by its path
     std::shared_ptr<const Environment> environment; ///< null: the trace does not show it
     TraceDirectory directory;
@@ -46,6 +56,7 @@ struct TracedInvocation {
     std::string fault;               ///< why it can't be used; empty: it can
     bool isTransparent = false;      ///< a launcher that counts only when it starts no compiler
     bool startedCompilation = false; ///< of a transparent one
+    std::optional<bool> isWithin;    ///< of a transparent one, once known: whether it is part of a compiler's run
 };
 
 /// Who started a process within a compiler's run.

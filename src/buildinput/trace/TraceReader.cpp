@@ -1,5 +1,6 @@
 #include "buildinput/trace/TraceReader.h"
 
+#include "buildinput/ProgramName.h"
 #include "buildinput/trace/InvocationQueue.h"
 #include "buildinput/trace/LineReader.h"
 #include "buildinput/trace/ProcessTree.h"
@@ -11,6 +12,7 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <map>
 #include <utility>
 
 namespace Orvanta {
@@ -54,6 +56,7 @@ private:
     void ReadLooseEnd(const TraceLine& line);
     void ReadEnd(const TraceLine& line);
     void Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
+    void AddUnreadable(TraceProcess& process, const TracedCall& call, const char* what, std::size_t callLine);
     bool Fold(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
     void FoldStart(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
     bool FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine);
@@ -72,7 +75,8 @@ private:
     ProcessTree tree_;
     TraceEnvironments environments_;
     ExecutedProgram program_; // of the execution read last: used again, so that its arrays keep their memory
-    std::size_t number_ = 0;  // of the line
+    std::map<std::string, std::size_t> passedOver_; // programs that look like compilers and are not known, with calls
+    std::size_t number_ = 0;                        // of the line
     bool isTrace_ = false;
     ProcessId unnamed_ = UnnamedProcess;        // what the process without a number turned out to be
     std::optional<ProcessId> interrupted_ = {}; // whose call a message of the tracer's own has interrupted
@@ -203,7 +207,25 @@ void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_vi
     const TracedCall parsed = ParseTracedCall(call, text);
     const bool isRead = parsed.isReadable && (!parsed.HasSucceeded() || Fold(process, parsed, text, callLine));
     if (!isRead) {
-        warnings_.Malformed(callLine, HasResult(text) ? "this call can't be read" : "this call is cut short");
+        const char* const what = HasResult(text) ? "this call can't be read" : "this call is cut short";
+        warnings_.Malformed(callLine, what);
+        AddUnreadable(process, parsed, what, callLine);
+    }
+}
+
+/// A compiler has been executed, but not all of the call is to be seen: its invocation has failed.
+void TraceReader::AddUnreadable(TraceProcess& process, const TracedCall& call, const char* what, std::size_t callLine) {
+    const bool isExecution = call.call == TraceCall::Execute || call.call == TraceCall::ExecuteAt;
+    if (!isExecution || call.path.raw.empty()) {
+        return;
+    }
+    TakeProgramPath(process, call);
+    if (finder_.IsCompiler(program_.path)) {
+        program_.environment.isWhole = false;
+        TracedCommand command;
+        command.arguments = {program_.path};
+        command.fault = "line " + std::to_string(callLine) + " of the trace: " + what;
+        Execute(process, std::move(command), callLine);
     }
 }
 
@@ -247,6 +269,9 @@ void TraceReader::FoldStart(TraceProcess& process, const TracedCall& call, std::
 bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine) {
     TakeProgramPath(process, call);
     const bool mayCompile = finder_.MayCompile(program_.path);
+    if (!mayCompile && LooksLikeCompiler(program_.path) && process.FindEnclosure().invocation == nullptr) {
+        ++passedOver_[std::string(FileNameOf(program_.path, PathRules::Posix))];
+    }
     const bool needsGuess = process.origin->guessedDirectory.empty() && process.directory->IsStartOf(process.origin);
     TraceTextReader reader(call.rest);
     if (mayCompile || needsGuess) {
@@ -303,6 +328,7 @@ void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::siz
     invocation->process = process.id;
     invocation->line = line;
     invocation->isTransparent = command.isTransparent;
+    invocation->fault = std::move(command.fault);
     if (command.isCut) {
         invocation->fault = "line " + std::to_string(line) + " of the trace: " + AdviceForCutTexts;
     }
@@ -379,6 +405,7 @@ bool TraceReader::Finish() {
     tree_.ForEach([this](const TraceProcess& process) { AddLaunchers(process); });
     tree_.Settle();
     warnings_.Finish();
+    warnings_.PassedOver(passedOver_);
     if (!tree_.HasRoot()) {
         throw ZelmException("No roots found");
     }

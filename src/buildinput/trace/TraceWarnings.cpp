@@ -32,4 +32,18 @@ void TraceWarnings::TellRest(std::size_t count, const std::string& text) {
     }
 }
 
+void TraceWarnings::PassedOver(const std::map<std::string, std::size_t>& programs) {
+    if (programs.empty()) {
+        return;
+    }
+    std::size_t calls = 0;
+    std::string names;
+    for (const auto& [name, count] : programs) {
+        calls += count;
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    log_.Line(path_ + ": " + std::to_string(calls) + " calls of programs that look like compilers are passed over (" +
+              names + "): -C NAME has them read");
+}
+
 } // namespace Orvanta

@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,9 @@ public:
     void NeverStarted(ProcessId process, std::size_t line);
 
     void Malformed(std::size_t line, const std::string& what);
+
+    /// Names the programs that look like compilers and are not known, with the number of their calls.
+    void PassedOver(const std::map<std::string, std::size_t>& programs);
 
     /// Tells how many there were beyond those that were told.
     void Finish();

@@ -1,6 +1,4 @@
-#include "platform/CrashHandler.h"
-
-#include <backward.hpp>
+#include "platform/CrashReport.h"
 
 #include <array>
 #include <atomic>
@@ -22,29 +20,7 @@ namespace Orvanta {
 
 namespace {
 
-constexpr const char* SupportAddress = "support@orvanta.example";
-constexpr std::size_t LongestTrace = 64;
-
-// Printing allocates, and the crash may have happened inside the allocator: longer than this nobody waits for a trace.
-constexpr std::time_t LongestReportSeconds = 30;
-
 constexpr std::size_t SignalStackSize = std::size_t(128) * 1024; // resident only when used
-
-// Decides where the stack of a crash goes.
-struct WriteCrashReport {
-    void operator()(backward::Printer& printer, const backward::StackTrace& trace) const {
-        std::FILE* const file = std::fopen(CrashReportFileName, "we");
-        if (file == nullptr) {
-            printer.print(trace, stdout);
-            std::fflush(stdout);
-            return;
-        }
-        std::fprintf(stderr, "Application has crashed. Please send file %s to %s\n", CrashReportFileName,
-                     SupportAddress);
-        printer.print(trace, file);
-        std::fclose(file);
-    }
-};
 
 // What the handlers and the crash thread share. Never destroyed: a crash may come at the very end.
 struct CrashState {
@@ -110,7 +86,7 @@ void ReportCrashes(CrashState& state) {
     WaitFor(state.captured);
     backward::Printer printer;
     printer.address = true;
-    WriteCrashReport()(printer, state.trace);
+    WriteCrashReport(printer, state.trace, nullptr);
     ::sem_post(&state.reported);
 }
 
@@ -138,6 +114,33 @@ void UseSignalStack() {
 }
 
 } // namespace
+
+namespace {
+
+// A thread's second stack, and the one that it had before.
+struct SecondStack {
+    std::unique_ptr<std::byte[]> memory; // NOLINT(modernize-avoid-c-arrays): not initialised, resident only when used
+    stack_t before{};
+};
+
+} // namespace
+
+ThreadCrashRoom::ThreadCrashRoom() {
+    auto room = std::make_shared<SecondStack>();
+    room->memory.reset(new std::byte[SignalStackSize]);
+    stack_t stack{};
+    stack.ss_sp = room->memory.get();
+    stack.ss_size = SignalStackSize;
+    if (::sigaltstack(&stack, &room->before) == 0) {
+        room_ = std::move(room);
+    }
+}
+
+ThreadCrashRoom::~ThreadCrashRoom() {
+    if (room_ != nullptr) {
+        ::sigaltstack(&static_cast<SecondStack*>(room_.get())->before, nullptr);
+    }
+}
 
 void InstallCrashHandler() {
     CrashState& state = *std::make_unique<CrashState>().release();

@@ -1,7 +1,10 @@
 #include "platform/posix/Descriptor.h"
 
+#include "platform/Text.h"
+
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -12,7 +15,8 @@ namespace Orvanta {
 
 namespace {
 
-// Locks an open file; false, with EWOULDBLOCK, when another holds it or `path` names another file by now.
+// Locks an open file; false, with EWOULDBLOCK, when another holds it or `path` names another file by now; false with
+// another error where there are no locks.
 bool LockAs(int descriptor, const std::string& path) {
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         return false;
@@ -48,6 +52,59 @@ Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
     return Descriptor(number);
 }
 
+std::optional<int> OwnDescriptor(std::string_view path) {
+    constexpr std::pair<std::string_view, int> Streams[] = {
+        {"/dev/stdin",  STDIN_FILENO },
+        {"/dev/stdout", STDOUT_FILENO},
+        {"/dev/stderr", STDERR_FILENO},
+    };
+    std::optional<int> number;
+    for (const auto& [name, stream] : Streams) {
+        if (path == name) {
+            number = stream;
+        }
+    }
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        if (path.starts_with(folder)) {
+            number = WholeNumber<int>(path.substr(folder.size()));
+        }
+    }
+    return number && *number >= 0 && ::fcntl(*number, F_GETFD) >= 0 ? number : std::nullopt;
+}
+
+Descriptor DuplicateOf(int descriptor) {
+    return Descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+}
+
+bool SyncToDisk(int descriptor) noexcept {
+    while (::fsync(descriptor) != 0) {
+        if (errno == EINVAL || errno == ENOTSUP || errno == EROFS) {
+            return true;
+        }
+        if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool GiveRightsOf(const struct stat& other, int descriptor) noexcept {
+    constexpr mode_t PermissionBits = 07777;
+
+    struct stat own {};
+
+    if (::fstat(descriptor, &own) != 0) {
+        return false;
+    }
+    const bool isOthers = own.st_uid != other.st_uid || own.st_gid != other.st_gid;
+    if (isOthers && ::fchown(descriptor, other.st_uid, other.st_gid) != 0) {
+        return false;
+    }
+    // A file system without permissions has none to lose.
+    static_cast<void>(::fchmod(descriptor, other.st_mode & PermissionBits));
+    return true;
+}
+
 bool WriteAll(int descriptor, std::string_view bytes) noexcept {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
@@ -64,9 +121,9 @@ bool WriteAll(int descriptor, std::string_view bytes) noexcept {
 }
 
 Descriptor MakeLockedFile(const std::string& path, unsigned mode) {
-    Descriptor file = OpenFile(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+    Descriptor file = OpenFile(path, O_RDWR | O_CREAT | O_EXCL, mode);
     // Between the two calls another may have taken the file for an abandoned one: then it is lost.
-    if (file.IsOpen() && !LockAs(file.Number(), path)) {
+    if (file.IsOpen() && !LockAs(file.Number(), path) && errno == EWOULDBLOCK) {
         file.Reset();
         errno = EEXIST;
     }

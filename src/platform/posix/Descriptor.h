@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Orvanta {
@@ -51,12 +53,25 @@ private:
 /// Opens a file, close-on-exec, again after an interruption; not open when it fails, with `errno` set.
 [[nodiscard]] Descriptor OpenFile(const std::string& path, int flags, unsigned mode = 0);
 
+/// The number of the open file of this process that `path` names, as /dev/stdout and /dev/fd/3 do; absent for all other
+/// paths and where no such file is open.
+[[nodiscard]] std::optional<int> OwnDescriptor(std::string_view path);
+
+/// Another descriptor of the same open file, close-on-exec; not open when it fails, with `errno` set.
+[[nodiscard]] Descriptor DuplicateOf(int descriptor);
+
+/// Has the system write a file to its disk; false, with `errno` set, when it can't. True where there is no disk.
+[[nodiscard]] bool SyncToDisk(int descriptor) noexcept;
+
+/// Gives an open file owner, group and permissions of another. False when this user may not give it that owner.
+[[nodiscard]] bool GiveRightsOf(const struct stat& other, int descriptor) noexcept;
+
 /// Writes all of `bytes` where the descriptor stands; false, with `errno` set, when it can't.
 [[nodiscard]] bool WriteAll(int descriptor, std::string_view bytes) noexcept;
 
 /// A file that this process has just made, locked for as long as its descriptor is open. Whoever can take the lock of
-/// such a file knows that its maker is gone.
-/// Not open, with `errno` set, when it can't be made or exists already (`EEXIST`).
+/// such a file knows that its maker is gone. A file system without locks gives it without one: it is then taken for
+/// that of a maker at work for ever. Not open, with `errno` set, when it can't be made or exists already (`EEXIST`).
 [[nodiscard]] Descriptor MakeLockedFile(const std::string& path, unsigned mode);
 
 /// Opens an existing file and takes its lock without waiting. Not open when another holds it or the file has changed

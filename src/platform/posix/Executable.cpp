@@ -1,6 +1,5 @@
 #include "platform/Executable.h"
 
-#include "platform/Environment.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
 #include "platform/posix/SearchPath.h"
@@ -30,11 +29,6 @@ std::string FindAlong(std::string_view program, std::string_view searchPath, con
         begin = end + 1;
     }
     return {};
-}
-
-std::string FindExecutable(const std::string& program) {
-    const auto searchPath = EnvironmentVariable("PATH");
-    return searchPath ? FindExecutableIn(program, *searchPath) : std::string();
 }
 
 std::string FindExecutableIn(const std::string& program, const std::string& searchPath) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace Orvanta {
@@ -71,9 +72,16 @@ std::string EndOfLinks(std::string path) {
     throw FileException(path, SystemReason(ELOOP));
 }
 
-bool IsSameFile(const std::string& left, const std::string& right) {
-    std::error_code error;
-    return fs::equivalent(left, right, error);
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) == 0) {
+        return FileIdentity{status.st_dev, status.st_ino, status.st_nlink};
+    }
+    if (!IsAbsence(errno)) {
+        throw FileException(path, SystemReason(errno));
+    }
+    return std::nullopt;
 }
 
 void MakeFolders(const std::string& path) {
@@ -86,16 +94,13 @@ void CopyContents(const std::string& from, const std::string& to) {
     std::error_code error;
     fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
     Check(to, error);
-}
 
-void PutInPlaceOf(const std::string& from, const std::string& to) {
-    std::error_code error;
-    const fs::file_status status = fs::status(to, error);
-    if (!error && fs::exists(status)) {
-        fs::permissions(from, status.permissions(), error); // a file system without any has none to lose
+    struct stat original {};
+
+    const Descriptor copy = OpenFile(to, O_WRONLY);
+    if (copy.IsOpen() && ::stat(from.c_str(), &original) == 0) {
+        static_cast<void>(GiveRightsOf(original, copy.Number()));
     }
-    fs::rename(from, to, error);
-    Check(to, error);
 }
 
 } // namespace Orvanta

@@ -1,9 +1,6 @@
 #include "platform/Files.h"
 
 #include "platform/Exceptions.h"
-#include "platform/Hash.h"
-#include "platform/LinkEnd.h"
-#include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileSwap.h"
 
@@ -22,7 +19,6 @@ namespace Orvanta {
 namespace {
 
 constexpr unsigned NewFileMode = 0666;
-constexpr mode_t PermissionBits = 0777;
 
 [[noreturn]] void Fail(const std::string& path, int error) {
     throw FileException(path, SystemReason(error));
@@ -47,17 +43,6 @@ void ReadToEnd(const std::string& path, int descriptor, std::size_t sizeHint, st
         } else if (errno != EINTR) {
             Fail(path, errno);
         }
-    }
-}
-
-constexpr std::string_view TemporaryStem = ".orvtmp-";
-
-// Removes the file at `path` if the run that made it is gone. Whether there is still something in the way is for the
-// caller to find out.
-void RemoveAbandoned(const std::string& path) {
-    const Descriptor lock = TakeExistingLock(path);
-    if (lock.IsOpen()) {
-        ::unlink(path.c_str());
     }
 }
 
@@ -92,14 +77,16 @@ struct OutputFile::Handle {
 
 OutputFile::OutputFile(const std::string& path, Mode mode) : handle_(std::make_unique<Handle>()) {
     handle_->path = path;
-    handle_->descriptor = OpenFile(path, O_WRONLY | O_CREAT | (mode == Mode::Replace ? O_TRUNC : 0), NewFileMode);
+    const std::optional<int> own = OwnDescriptor(path);
+    handle_->descriptor = own ? DuplicateOf(*own)
+                              : OpenFile(path, O_WRONLY | O_CREAT | (mode == Mode::Replace ? O_TRUNC : 0), NewFileMode);
 
     struct stat status {};
 
     if (!handle_->descriptor.IsOpen() || ::fstat(handle_->descriptor.Number(), &status) != 0) {
         Fail(path, errno);
     }
-    handle_->isRegular = S_ISREG(status.st_mode);
+    handle_->isRegular = S_ISREG(status.st_mode) && !own;
     handle_->end = static_cast<std::uint64_t>(status.st_size);
 }
 
@@ -138,83 +125,14 @@ void OutputFile::Truncate(std::uint64_t size) {
     handle_->end = size;
 }
 
+void OutputFile::Sync() {
+    if (handle_->isRegular && !SyncToDisk(handle_->descriptor.Number())) {
+        Fail(handle_->path, errno);
+    }
+}
+
 bool OutputFile::IsRegularFile() const noexcept {
     return handle_->isRegular;
-}
-
-struct AtomicFile::Handle {
-    std::string target;        // where the links of the given path end
-    std::string temporaryPath; // empty for what can't be replaced: a device or a pipe
-    Descriptor file;
-};
-
-AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
-    handle_->target = EndOfLinks(path_);
-
-    struct stat existing {};
-
-    const bool exists = ::stat(handle_->target.c_str(), &existing) == 0;
-    if (!exists && !IsAbsence(errno)) {
-        Fail(path_, errno);
-    }
-    if (exists && !S_ISREG(existing.st_mode)) {
-        handle_->file = OpenFile(handle_->target, O_WRONLY);
-        if (!handle_->file.IsOpen()) {
-            Fail(path_, errno);
-        }
-        return;
-    }
-
-    // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
-    // at the same time need further names.
-    const std::string stem = std::string(TemporaryStem) + std::to_string(Fnv1a(handle_->target)) + "-";
-    for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
-        constexpr int MostWriters = 1000;
-        const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
-        RemoveAbandoned(candidate);
-        handle_->file = MakeLockedFile(candidate, NewFileMode);
-        if (!handle_->file.IsOpen() && (errno != EEXIST || attempt == MostWriters)) {
-            Fail(path_, errno);
-        }
-        handle_->temporaryPath = candidate;
-    }
-    if (exists) {
-        // A file system without owners and modes has none to lose.
-        static_cast<void>(::fchmod(handle_->file.Number(), existing.st_mode & PermissionBits));
-    }
-}
-
-AtomicFile::~AtomicFile() {
-    if (!handle_->temporaryPath.empty()) {
-        ::unlink(handle_->temporaryPath.c_str());
-    }
-}
-
-void AtomicFile::Append(std::string_view bytes) {
-    if (!WriteAll(handle_->file.Number(), bytes)) {
-        Fail(path_, errno);
-    }
-}
-
-void AtomicFile::Commit() {
-    if (!handle_->temporaryPath.empty() && std::rename(handle_->temporaryPath.c_str(), handle_->target.c_str()) != 0) {
-        Fail(path_, errno);
-    }
-    handle_->temporaryPath.clear();
-    // Some file systems tell only now that bytes got lost.
-    if (::close(handle_->file.Release()) != 0 && errno != EINTR) {
-        Fail(path_, errno);
-    }
-}
-
-void RemoveAbandonedFiles(const std::string& folder) noexcept {
-    std::error_code error;
-    std::filesystem::directory_iterator file(folder, error);
-    for (const std::filesystem::directory_iterator end; !error && file != end; file.increment(error)) {
-        if (file->path().filename().native().starts_with(TemporaryStem)) {
-            RemoveAbandoned(file->path().native());
-        }
-    }
 }
 
 void SwapByRenaming(const std::string& first, const std::string& second) {

@@ -1,6 +1,4 @@
-#include "platform/LockFile.h"
-
-#include "platform/Paths.h"
+#include "platform/LockHolder.h"
 #include "platform/posix/Descriptor.h"
 
 #include <cerrno>
@@ -32,49 +30,31 @@ bool IsRemoved(int descriptor) {
 
 } // namespace
 
-struct LockFile::Handle {
-    std::string path;
-    Descriptor file;
-};
-
-LockFile::LockFile() noexcept = default;
-
-LockFile::~LockFile() = default;
-
-LockFile::LockFile(LockFile&& other) noexcept
-    : handle_(std::move(other.handle_)), state_(std::exchange(other.state_, State::None)) {}
-
-LockFile& LockFile::operator=(LockFile&& other) noexcept {
-    handle_ = std::move(other.handle_);
-    state_ = std::exchange(other.state_, State::None);
-    return *this;
-}
-
-LockFile::State LockFile::Take(const std::string& directory, const std::string& key) {
-    handle_.reset();
-    const std::string path = JoinPath(directory, FileName(key));
+LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holder) {
+    using State = LockFile::State;
     while (true) {
         Descriptor file = OpenLockFile(path);
         if (!file.IsOpen()) {
-            return state_ = State::Unavailable;
+            return State::Unavailable;
         }
         if (::flock(file.Number(), LOCK_EX | LOCK_NB) != 0) {
-            return state_ = errno == EWOULDBLOCK ? State::HeldByOther : State::Unavailable;
+            if (errno == EWOULDBLOCK) {
+                return State::HeldByOther;
+            }
+            ::unlink(path.c_str()); // nobody holds a lock there
+            return State::Unsupported;
         }
         // Its last holder may have removed it between the two calls: then the lock is worth nothing.
         if (!IsRemoved(file.Number())) {
-            handle_ = std::make_unique<Handle>(Handle{path, std::move(file)});
-            return state_ = State::Held;
+            holder = std::make_shared<Descriptor>(std::move(file));
+            return State::Held;
         }
     }
 }
 
-void LockFile::ReleaseAndRemove() noexcept {
-    if (handle_ != nullptr) {
-        ::unlink(handle_->path.c_str()); // first: once given up, it may be another's
-        handle_.reset();
-    }
-    state_ = State::None;
+void RemoveLocked(const std::string& path, std::shared_ptr<void>& holder) noexcept {
+    ::unlink(path.c_str()); // first: once given up, it may be another's
+    holder.reset();
 }
 
 } // namespace Orvanta

@@ -256,7 +256,7 @@ struct Process::Handles {
     }
 
     void Start(const Arguments& command, const StartConditions& conditions);
-    bool Look(int milliseconds);
+    void Look(int milliseconds);
 
     void SendSignal(int signal) const noexcept { ::kill(group == ProcessGroup::Own ? -pid : pid, signal); }
 
@@ -296,12 +296,8 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
     standardError.pipe = std::move(error.read);
 }
 
-// Waits, at most for the given time (-1: without limit), for something to happen, and deals with it. True when the
-// child has ended.
-bool Process::Handles::Look(int milliseconds) {
-    if (exitStatus) {
-        return true;
-    }
+// Waits, at most for the given time (-1: without limit), for something to happen, and deals with it.
+void Process::Handles::Look(int milliseconds) {
     std::array<pollfd, 3> events = {
         {
          {.fd = end.Number(), .events = POLLIN, .revents = 0},
@@ -314,12 +310,12 @@ bool Process::Handles::Look(int milliseconds) {
         throw ProcessException("Couldn't wait for a child process: " + SystemReason(errno));
     }
     if (count <= 0) {
-        return false;
+        return;
     }
     standardOutput.Receive(events[1].revents);
     standardError.Receive(events[2].revents);
     if (events[0].revents == 0) {
-        return false;
+        return;
     }
     standardOutput.Drain();
     standardError.Drain();
@@ -328,7 +324,6 @@ bool Process::Handles::Look(int milliseconds) {
     }
     TakeStatus();
     end.Reset();
-    return true;
 }
 
 void Process::Handles::TakeStatus() noexcept {
@@ -356,18 +351,12 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
 
 Process::~Process() = default;
 
-bool Process::try_get_exit_status(int& exitStatus) {
-    if (!handles_->Look(0)) {
-        return false;
+std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
+    if (!exitStatus_) {
+        handles_->Look(longest ? static_cast<int>(longest->count()) : -1);
+        exitStatus_ = handles_->exitStatus;
     }
-    exitStatus = *handles_->exitStatus;
-    return true;
-}
-
-int Process::get_exit_status() {
-    while (!handles_->Look(-1)) {
-    }
-    return *handles_->exitStatus;
+    return exitStatus_;
 }
 
 void Process::kill(bool force) {
@@ -377,16 +366,20 @@ void Process::kill(bool force) {
     }
 }
 
-bool Process::WaitForChange(std::chrono::milliseconds longest) {
-    return handles_->Look(static_cast<int>(std::max<std::chrono::milliseconds::rep>(longest.count(), 0)));
-}
-
-bool Process::HasEnded() const noexcept {
-    return handles_->exitStatus.has_value();
-}
-
-bool IsTooLongToStart(const Arguments& /*command*/) {
-    return false; // the limit depends on what else the child gets, and is far away
+bool IsTooLongToStart(const Arguments& command) {
+    // Words and variables of a child share one space, of which the words get half; a single word has a limit of its
+    // own.
+    constexpr std::size_t LongestWord = std::size_t{128} * 1024;
+    const long space = ::sysconf(_SC_ARG_MAX);
+    const std::size_t most = space > 0 ? static_cast<std::size_t>(space) / 2 : std::size_t{1024} * 1024;
+    std::size_t size = 0;
+    for (const std::string& word : command) {
+        size += word.size() + 1 + sizeof(char*);
+        if (word.size() >= LongestWord) {
+            return true;
+        }
+    }
+    return size > most;
 }
 
 std::string RunAndRead(const std::string& commandLine) {

@@ -4,10 +4,12 @@
 #include "platform/LinkEnd.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
+#include "platform/TemporaryPlace.h"
 #include "platform/windows/FileAccess.h"
 #include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
 
+#include <array>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
@@ -32,6 +34,39 @@ void RemoveAbandoned(const std::string& path) {
                                        FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
 }
 
+// A file that goes away with its handle, for bytes that wait.
+Handle MakeNamelessFile() {
+    const std::wstring folder = WidePath(SystemTemporaryFolder());
+    std::array<wchar_t, MAX_PATH + 1> path{};
+    if (::GetTempFileNameW(folder.c_str(), L"orv", 0, path.data()) == 0) {
+        return {};
+    }
+    return Handle(::CreateFileW(path.data(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr));
+}
+
+// Puts all that `from` holds in the place of what `to`, which stands at its start, holds; false, with the system's
+// error set, when it can't.
+bool Overwrite(const Handle& to, const Handle& from) {
+    constexpr std::size_t BlockSize = 65536;
+    std::array<char, BlockSize> block{};
+    if (::SetFilePointerEx(from.Get(), {}, nullptr, FILE_BEGIN) == FALSE) {
+        return false;
+    }
+    while (true) {
+        DWORD count = 0;
+        if (::ReadFile(from.Get(), block.data(), BlockSize, &count, nullptr) == FALSE) {
+            return false;
+        }
+        if (count == 0) {
+            return ::SetEndOfFile(to.Get()) != FALSE;
+        }
+        if (!WriteAll(to, {block.data(), count})) {
+            return false;
+        }
+    }
+}
+
 // Opens a console, a pipe or the like, which can't be replaced.
 Handle OpenDevice(const std::string& path) {
     return Handle(::CreateFileW(WidePath(path).c_str(), GENERIC_WRITE, AnySharing, nullptr, OPEN_EXISTING,
@@ -42,11 +77,32 @@ Handle OpenDevice(const std::string& path) {
 
 struct AtomicFile::Handle {
     std::string target;        // where the links of the given path end
-    std::string temporaryPath; // empty for what can't be replaced: a device or a pipe
-    Orvanta::Handle file;
+    std::string temporaryPath; // empty for what is not replaced: overwritten in place, a device, a pipe
+    Orvanta::Handle file;      // takes the bytes
+    bool isInPlace = false;
+    bool isToBeSynced = false;
+
+    // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
+    // at the same time need further names. ERROR_SUCCESS, or why there can be no such file.
+    DWORD MakeBeside() {
+        const std::string stem = std::string(TemporaryStem) + std::to_string(Fnv1a(target)) + "-";
+        for (int attempt = 0; !file.IsOpen(); ++attempt) {
+            constexpr int MostWriters = 1000;
+            const std::string candidate = JoinPath(DirectoryOf(target), stem + std::to_string(attempt));
+            RemoveAbandoned(candidate);
+            file = MakeLocked(candidate);
+            const DWORD error = ::GetLastError();
+            if (!file.IsOpen() && (error != ERROR_FILE_EXISTS || attempt == MostWriters)) {
+                return error;
+            }
+            temporaryPath = candidate;
+        }
+        return ERROR_SUCCESS;
+    }
 };
 
-AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
+AtomicFile::AtomicFile(std::string path, Durability durability)
+    : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
     handle_->target = EndOfLinks(path_);
     const PathAnswer target = LookAt(handle_->target);
     if (!target.kind) {
@@ -62,20 +118,20 @@ AtomicFile::AtomicFile(std::string path) : path_(std::move(path)), handle_(std::
         }
         return;
     }
-
-    // The name depends on the target alone, so that the next writer finds what a killed one left; only writers at work
-    // at the same time need further names.
-    const std::string stem = std::string(TemporaryStem) + std::to_string(Fnv1a(handle_->target)) + "-";
-    for (int attempt = 0; !handle_->file.IsOpen(); ++attempt) {
-        constexpr int MostWriters = 1000;
-        const std::string candidate = JoinPath(DirectoryOf(handle_->target), stem + std::to_string(attempt));
-        RemoveAbandoned(candidate);
-        handle_->file = MakeLocked(candidate);
-        const DWORD error = ::GetLastError();
-        if (!handle_->file.IsOpen() && (error != ERROR_FILE_EXISTS || attempt == MostWriters)) {
-            FailFile(path_, error);
+    const bool exists = target.kind == PathKind::File;
+    handle_->isToBeSynced = exists && durability == Durability::Synced;
+    const bool hasOneName = !exists || IdentityOf(handle_->target).value_or(FileIdentity()).names == 1;
+    const DWORD error = hasOneName ? handle_->MakeBeside() : ERROR_SUCCESS;
+    if (error != ERROR_SUCCESS && (!exists || error != ERROR_ACCESS_DENIED)) {
+        FailFile(path_, error);
+    }
+    if (handle_->temporaryPath.empty()) {
+        handle_->isInPlace = true;
+        handle_->file = MakeNamelessFile();
+        const Orvanta::Handle probe = OpenForWriting(handle_->target);
+        if (!handle_->file.IsOpen() || !probe.IsOpen()) {
+            FailFile(path_, ::GetLastError());
         }
-        handle_->temporaryPath = candidate;
     }
 }
 
@@ -93,7 +149,16 @@ void AtomicFile::Append(std::string_view bytes) {
 }
 
 void AtomicFile::Commit() {
-    if (!handle_->temporaryPath.empty()) {
+    if (handle_->isInPlace) {
+        const Orvanta::Handle target = OpenForWriting(handle_->target);
+        if (!target.IsOpen() || !Overwrite(target, handle_->file) ||
+            (handle_->isToBeSynced && ::FlushFileBuffers(target.Get()) == FALSE)) {
+            FailFile(path_, ::GetLastError());
+        }
+    } else if (!handle_->temporaryPath.empty()) {
+        if (handle_->isToBeSynced && ::FlushFileBuffers(handle_->file.Get()) == FALSE) {
+            FailFile(path_, ::GetLastError());
+        }
         try {
             RenameOver(handle_->temporaryPath, handle_->target);
         } catch (const SystemFault& fault) {
@@ -102,6 +167,15 @@ void AtomicFile::Commit() {
     }
     handle_->temporaryPath.clear();
     handle_->file.Reset();
+}
+
+bool AtomicFile::IsInPlace() const noexcept {
+    return handle_->isInPlace;
+}
+
+// The system has no such names.
+bool IsOwnOpenFile(const std::string& /*path*/) {
+    return false;
 }
 
 void RemoveAbandonedFiles(const std::string& folder) noexcept {

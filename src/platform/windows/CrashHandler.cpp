@@ -1,8 +1,5 @@
-#include "platform/CrashHandler.h"
-
+#include "platform/CrashReport.h"
 #include "platform/windows/Handle.h"
-
-#include <backward.hpp>
 
 #include <atomic>
 #include <csignal>
@@ -16,32 +13,7 @@ namespace Orvanta {
 
 namespace {
 
-constexpr const char* SupportAddress = "support@orvanta.example";
-constexpr std::size_t LongestTrace = 64;
-
-// Printing allocates, and the crash may have happened inside the allocator: longer than this nobody waits for a trace.
-constexpr DWORD LongestReportMilliseconds = 30'000;
-
 constexpr ULONG StackForHandling = 64 * 1024; // what an overflow leaves for the handler
-
-// Decides where the stack of a crash goes.
-struct WriteCrashReport {
-    void operator()(backward::Printer& printer, const backward::StackTrace& trace) const {
-        std::FILE* const file = std::fopen(CrashReportFileName, "wb");
-        if (file == nullptr) {
-            printer.print(trace, stdout);
-            std::fflush(stdout);
-            return;
-        }
-        std::fprintf(stderr, "Application has crashed. Please send file %s to %s\n", CrashReportFileName,
-                     SupportAddress);
-        std::fflush(stderr);
-        printer.print(trace, file);
-        // With it, a tool that reads our debug information finds the places of the addresses.
-        std::fprintf(file, "The program is loaded at %p\n", static_cast<void*>(::GetModuleHandleW(nullptr)));
-        std::fclose(file);
-    }
-};
 
 // What the handlers and the crash thread share. Never destroyed: a crash may come at the very end.
 struct CrashState {
@@ -84,7 +56,7 @@ DWORD WINAPI ReportCrash(void* /*parameter*/) {
     ::WaitForSingleObject(state.captured.Get(), INFINITE);
     backward::Printer printer;
     printer.address = true;
-    WriteCrashReport()(printer, UnwoundTrace(state.context));
+    WriteCrashReport(printer, UnwoundTrace(state.context), ::GetModuleHandleW(nullptr));
     ::SetEvent(state.reported.Get());
     return 0;
 }
@@ -97,7 +69,7 @@ void Report(const CONTEXT& context) {
     }
     state.context = context;
     ::SetEvent(state.captured.Get());
-    ::WaitForSingleObject(state.reported.Get(), LongestReportMilliseconds);
+    ::WaitForSingleObject(state.reported.Get(), LongestReportSeconds * 1000);
 }
 
 void ReportHere() {
@@ -166,6 +138,22 @@ void HandleInvalidParameters() {
 
 } // namespace
 
+namespace {
+
+// Of the stack that the thread has: nothing to be kept.
+void ReserveStackForHandling() {
+    ULONG guarantee = StackForHandling;
+    ::SetThreadStackGuarantee(&guarantee);
+}
+
+} // namespace
+
+ThreadCrashRoom::ThreadCrashRoom() {
+    ReserveStackForHandling();
+}
+
+ThreadCrashRoom::~ThreadCrashRoom() = default;
+
 void InstallCrashHandler() {
     CrashState& state = *std::make_unique<CrashState>().release();
     state.captured = Handle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -175,8 +163,7 @@ void InstallCrashHandler() {
     if (!thread.IsOpen()) {
         std::abort();
     }
-    ULONG guarantee = StackForHandling;
-    ::SetThreadStackGuarantee(&guarantee);
+    ReserveStackForHandling();
 
     ShowNoMessageBoxes();
     ::SetUnhandledExceptionFilter(&HandleException);

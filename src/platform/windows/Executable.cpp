@@ -82,11 +82,6 @@ std::string FindAlong(std::string_view program, std::string_view searchPath, std
     return Walk({program, extensions, directory, &IsFile}, searchPath);
 }
 
-std::string FindExecutable(const std::string& program) {
-    const auto searchPath = EnvironmentVariable("PATH");
-    return searchPath ? FindExecutableIn(program, *searchPath) : std::string();
-}
-
 std::string FindExecutableIn(const std::string& program, const std::string& searchPath) {
     return Walk({program, OwnExtensions(), {}, &IsThere}, searchPath);
 }

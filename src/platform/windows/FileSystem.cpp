@@ -70,14 +70,19 @@ std::string EndOfLinks(std::string path) {
     return ResolveLinks(path);
 }
 
-bool IsSameFile(const std::string& left, const std::string& right) {
-    const Handle files[] = {OpenForLooking(left), OpenForLooking(right)};
-    BY_HANDLE_FILE_INFORMATION one{};
-    BY_HANDLE_FILE_INFORMATION other{};
-    return files[0].IsOpen() && files[1].IsOpen() && ::GetFileInformationByHandle(files[0].Get(), &one) != FALSE &&
-           ::GetFileInformationByHandle(files[1].Get(), &other) != FALSE &&
-           one.dwVolumeSerialNumber == other.dwVolumeSerialNumber && one.nFileIndexHigh == other.nFileIndexHigh &&
-           one.nFileIndexLow == other.nFileIndexLow;
+std::optional<FileIdentity> IdentityOf(const std::string& path) {
+    const Handle file = OpenForLooking(path);
+    BY_HANDLE_FILE_INFORMATION information{};
+    if (file.IsOpen() && ::GetFileInformationByHandle(file.Get(), &information) != FALSE) {
+        const std::uint64_t high = information.nFileIndexHigh;
+        return FileIdentity{information.dwVolumeSerialNumber, high << 32U | information.nFileIndexLow,
+                            information.nNumberOfLinks};
+    }
+    const DWORD error = ::GetLastError();
+    if (file.IsOpen() || IsAbsence(error)) {
+        return std::nullopt; // a device has no identity of its own
+    }
+    FailFile(path, error);
 }
 
 void MakeFolders(const std::string& path) {
@@ -99,14 +104,6 @@ void MakeFolders(const std::string& path) {
 void CopyContents(const std::string& from, const std::string& to) {
     if (::CopyFileW(WidePath(from).c_str(), WidePath(to).c_str(), FALSE) == FALSE) {
         FailFile(to, ::GetLastError());
-    }
-}
-
-void PutInPlaceOf(const std::string& from, const std::string& to) {
-    try {
-        RenameOver(from, to);
-    } catch (const SystemFault& fault) {
-        FailFile(to, fault.error);
     }
 }
 

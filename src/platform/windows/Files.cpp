@@ -110,6 +110,12 @@ void OutputFile::Truncate(std::uint64_t size) {
     handle_->end = size;
 }
 
+void OutputFile::Sync() {
+    if (handle_->isRegular && ::FlushFileBuffers(handle_->file.Get()) == FALSE) {
+        FailFile(handle_->path, ::GetLastError());
+    }
+}
+
 bool OutputFile::IsRegularFile() const noexcept {
     return handle_->isRegular;
 }

@@ -1,6 +1,4 @@
-#include "platform/LockFile.h"
-
-#include "platform/Paths.h"
+#include "platform/LockHolder.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/WideText.h"
 
@@ -27,53 +25,31 @@ bool IsThere(const std::string& path) {
 
 } // namespace
 
-struct LockFile::Handle {
-    std::string path; // in the active code page
-    Orvanta::Handle file;
-};
-
-LockFile::LockFile() noexcept = default;
-
-LockFile::~LockFile() = default;
-
-LockFile::LockFile(LockFile&& other) noexcept
-    : handle_(std::move(other.handle_)), state_(std::exchange(other.state_, State::None)) {}
-
-LockFile& LockFile::operator=(LockFile&& other) noexcept {
-    handle_ = std::move(other.handle_);
-    state_ = std::exchange(other.state_, State::None);
-    return *this;
-}
-
-LockFile::State LockFile::Take(const std::string& directory, const std::string& key) {
-    handle_.reset();
-    const auto path = ToActiveCodePage(JoinPath(directory, FileName(key)));
-    if (!path) {
-        return state_ = State::Unavailable;
+LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holder) {
+    using State = LockFile::State;
+    const auto narrow = ToActiveCodePage(path);
+    if (!narrow) {
+        return State::Unavailable;
     }
-    Orvanta::Handle file = OpenAlone(*path);
+    Handle file = OpenAlone(*narrow);
     for (int attempt = 1; !file.IsOpen(); ++attempt) {
         const DWORD error = ::GetLastError();
         if (error == ERROR_SHARING_VIOLATION) {
-            return state_ = State::HeldByOther;
+            return State::HeldByOther;
         }
-        if (error != ERROR_ACCESS_DENIED || IsThere(*path) || attempt == MostAttempts) {
-            return state_ = State::Unavailable;
+        if (error != ERROR_ACCESS_DENIED || IsThere(*narrow) || attempt == MostAttempts) {
+            return State::Unavailable;
         }
         ::Sleep(PauseMilliseconds);
-        file = OpenAlone(*path);
+        file = OpenAlone(*narrow);
     }
-    handle_ = std::make_unique<Handle>(Handle{*path, std::move(file)});
-    return state_ = State::Held;
+    holder = std::make_shared<Handle>(std::move(file));
+    return State::Held;
 }
 
-void LockFile::ReleaseAndRemove() noexcept {
-    if (handle_ != nullptr) {
-        handle_->file.Reset();
-        ::DeleteFileA(handle_->path.c_str()); // fails where another has it by now
-        handle_.reset();
-    }
-    state_ = State::None;
+void RemoveLocked(const std::string& path, std::shared_ptr<void>& holder) noexcept {
+    holder.reset();
+    ::DeleteFileW(WidePath(path).c_str()); // fails where another has it by now
 }
 
 } // namespace Orvanta

@@ -5,7 +5,6 @@
 #include "platform/windows/SystemReason.h"
 #include "platform/windows/WideText.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <optional>
@@ -29,7 +28,7 @@ struct Process::Handles {
     }
 
     void Start(const Arguments& command, const StartConditions& conditions);
-    bool Look(DWORD milliseconds);
+    void Look(DWORD milliseconds);
     void EndTree() noexcept;
     void TakeStatus();
 
@@ -48,11 +47,8 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
     standardError.StartReading();
 }
 
-// Waits, at most for the given time, for something to happen, and deals with it. True when the child has ended.
-bool Process::Handles::Look(DWORD milliseconds) {
-    if (exitStatus) {
-        return true;
-    }
+// Waits, at most for the given time, for something to happen, and deals with it.
+void Process::Handles::Look(DWORD milliseconds) {
     std::array<HANDLE, 3> events{child.process.Get()};
     DWORD count = 1;
     for (const OutputPipe* const output : {&standardOutput, &standardError}) {
@@ -65,17 +61,16 @@ bool Process::Handles::Look(DWORD milliseconds) {
         throw ProcessException("Couldn't wait for a child process: " + SystemReason(::GetLastError()));
     }
     if (event == WAIT_TIMEOUT) {
-        return false;
+        return;
     }
     standardOutput.Receive();
     standardError.Receive();
     if (event != WAIT_OBJECT_0) {
-        return false;
+        return;
     }
     standardOutput.Drain();
     standardError.Drain();
     TakeStatus();
-    return true;
 }
 
 void Process::Handles::EndTree() noexcept {
@@ -112,18 +107,12 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
 
 Process::~Process() = default;
 
-bool Process::try_get_exit_status(int& exitStatus) {
-    if (!handles_->Look(0)) {
-        return false;
+std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
+    if (!exitStatus_) {
+        handles_->Look(longest ? static_cast<DWORD>(longest->count()) : INFINITE);
+        exitStatus_ = handles_->exitStatus;
     }
-    exitStatus = *handles_->exitStatus;
-    return true;
-}
-
-int Process::get_exit_status() {
-    while (!handles_->Look(INFINITE)) {
-    }
-    return *handles_->exitStatus;
+    return exitStatus_;
 }
 
 // A program without a window of its own can't be asked to end.
@@ -132,15 +121,6 @@ void Process::kill(bool /*force*/) {
         handles_->isToBeKilled = true;
         handles_->EndTree();
     }
-}
-
-bool Process::WaitForChange(std::chrono::milliseconds longest) {
-    constexpr std::chrono::milliseconds::rep Longest = INFINITE - 1;
-    return handles_->Look(static_cast<DWORD>(std::clamp<std::chrono::milliseconds::rep>(longest.count(), 0, Longest)));
-}
-
-bool Process::HasEnded() const noexcept {
-    return handles_->exitStatus.has_value();
 }
 
 std::string RunAndRead(const std::string& commandLine) {

@@ -126,6 +126,19 @@ TEST_F(FileIdentityTest, FindsListedFilesThroughLinks) {
         fs::rename(sandbox.Path("kept"), sandbox.Path(".Orvanta"));
     }
     fs::remove(link);
+
+    // To the system, ".." leads up from where the link ends; to who stands there, from the link.
+    fs::create_directories(sandbox.Path("far/sub"));
+    fs::create_directory_symlink(sandbox.Path("far/sub"), sandbox.Path("near"));
+    sandbox.Write("far/sub/list.txt", "../b.c\n");
+    sandbox.ForgetCoreCalls();
+    Environment environment = sandbox.DriverEnvironment();
+    environment["PWD"] = sandbox.Path("near");
+    const Arguments command = Sandbox::AnalyzeCommand(
+        {"-f", sandbox.Path("compile_commands.json"), "-S", "list.txt", "-o", sandbox.Path("report.json")});
+    const RunResult result = RunningDriver(command, sandbox.Path("near"), environment).Wait();
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(Analyzed(), Names{"b.c"}) << result;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // runs leave for ever. Not for both systems: killing a process that is just starting crashes the server of Wine.
 
 #include "e2e/support/SandboxTest.h"
+#include "support/Seed.h"
 
 #include <chrono>
 #include <random>
@@ -41,7 +42,7 @@ TEST_F(KillAtAnyMomentTest, LeavesAWholeReport) {
     ASSERT_EQ(sandbox.Analyze({"-q", "-j", "4", "-o", "report.json"}).exitCode, 0);
     const auto length = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
 
-    std::mt19937 random{std::random_device()()};
+    std::mt19937 random(ChosenSeed());
     std::uniform_int_distribution<std::int64_t> moment(0, length.count());
     for (int kill = 0; kill < 30; ++kill) {
         const bool isJson = kill % 2 == 0;

@@ -48,7 +48,7 @@ protected:
         return names;
     }
 
-    /// The names of the sources whose dependencies the last run listed, in their order.
+    /// The names of the sources whose dependencies the last run listed.
     [[nodiscard]] std::vector<std::string> Listed() const {
         std::vector<std::string> names;
         for (const CoreCall& call : sandbox.CoreCalls()) {

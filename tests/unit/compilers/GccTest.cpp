@@ -49,7 +49,7 @@ const KeptCase KeptCases[] = {
     {"LinkInputs", "gcc a.c b.o libx.a -lm -L. -Wl,-z,now -o prog", "-lm -L. -Wl,-z,now"},
     {"OtherSources", "gcc -c -Ia a.c b.c -Ib c.c", "-c -Ia -Ib"},
     {"LaterLanguage", "gcc -c -x c++ a.inc -x c b.inc -DA", "-c -x c++ -DA"},
-    {"StageFlags", "gcc -E -c -S -P -C -v -H -save-temps=obj a.c", "-c -S"},
+    {"StageFlags", "gcc -c -S -P -C -v -H -save-temps=obj a.c", "-c -S"},
     {"LongForms",
      "gcc --include-directory=i --define-macro A --undefine-macro=B --output=x.o --std=c11 --compile a.c",
      "--include-directory=i --define-macro A --undefine-macro=B --std=c11"},
@@ -109,6 +109,7 @@ const StandardCase StandardCases[] = {
     {"OneOfEach",           "gcc -std=c99 --std=c++14 -c a.c",      "c99", "c++14"},
     {"Ansi",                "gcc -ansi -c a.c",                     "c90", "c++98"},
     {"AnsiThenC11",         "gcc -ansi -std=c11 -c a.c",            "c11", "c++98"},
+    {"ValueInTheNextWord",  "gcc --std c99 --machine 32 -c a.c",    "c99", ""     },
     {"Concepts",            "g++ -std=c++17 -fconcepts -c a.cpp",   "",    "c++20"},
 };
 

@@ -1,25 +1,15 @@
 #include "platform/Files.h"
 
-#include "platform/Exceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <string>
 
 namespace Orvanta {
 namespace {
-
-std::string ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-        return "no error";
-    } catch (const ZelmException& error) {
-        return error.what();
-    }
-}
 
 std::ptrdiff_t EntriesOf(const std::string& folder) {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());

@@ -132,6 +132,11 @@ extern "C" void CrashOnPurpose(std::string_view way) {
         OverflowOnPurpose(&outermost);
     } else if (way == "thread") {
         std::thread([] { CrashOnPurpose("segv"); }).join();
+    } else if (way == "thread-overflow") {
+        std::thread([] {
+            const ThreadCrashRoom room;
+            CrashOnPurpose("overflow");
+        }).join();
     }
     std::cerr << "still alive after " << way << '\n';
 }

@@ -4,6 +4,7 @@
 #include "platform/Paths.h"
 #include "support/TestFolder.h"
 #include "unit/platform/ChildProgram.h"
+#include "unit/platform/StartError.h"
 
 #include <gtest/gtest.h>
 
@@ -44,6 +45,34 @@ TEST(ProcessExceptions, NameTheCommandWordByWord) {
     EXPECT_EQ(full.Output().standardError, "Stdout:");
     EXPECT_EQ(full.ExitCode(), 2);
     EXPECT_STREQ(ProcessInterruptedException(command).what(), "Command \"cc -c a b.c \" was interrupted.");
+}
+
+TEST(ChildThatCannotStart, SaysWhatWasMissing) {
+    using Cause = ProcessStartException::Cause;
+    const TestFolder folder;
+    const std::string text = folder.Write("text", "no folder\n");
+    const std::string nowhere = HostPath("/nowhere/cc");
+    const std::string child = ORVANTA_PLATFORM_CHILD;
+    const std::string quoted = '"' + child + '"';
+    const std::string zero("a\0b", 3);
+    const std::string huge(4'000'000, 'x');
+
+    const auto program = [](const std::string& words) {
+        return StartError(words, Cause::Program);
+    };
+    const auto directory = [&](const std::string& name, const std::string& reason) {
+        return StartError(quoted + " in \"" + name + "\": " + reason, Cause::Directory);
+    };
+    const auto command = [&](const std::string& reason) {
+        return StartError(quoted + ": " + reason, Cause::Command);
+    };
+    EXPECT_EQ(TryToStart({nowhere}), program('"' + nowhere + "\": No such file or directory"));
+    EXPECT_EQ(TryToStart({"no-such-cc"}, folder.Path()), program("\"no-such-cc\": No such file or directory"));
+    EXPECT_EQ(TryToStart({}), program("\"\": the command is empty"));
+    EXPECT_EQ(TryToStart({child}, nowhere), directory(nowhere, "No such file or directory"));
+    EXPECT_EQ(TryToStart({child}, text), directory(text, "Not a directory"));
+    EXPECT_EQ(TryToStart({child, zero}), command("an argument holds a zero byte"));
+    EXPECT_EQ(TryToStart({child, huge}), command("Argument list too long"));
 }
 
 TEST(Child, GivesBothOutputsWholeHoweverLong) {

@@ -1,6 +1,7 @@
 #include "report/AnalyzerType.h"
 
 #include "report/Exceptions.h"
+#include "support/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -101,12 +102,8 @@ TEST(AnalyzerSpecification, IsRejectedWithItsFault) {
         {"64+GA:9999999999", "Wrong analyzers format: 64+GA:9999999999"},
     };
     for (const SpecificationFault& row : cases) {
-        try {
-            static_cast<void>(ParseAnalyzerSpecification(row.text));
-            ADD_FAILURE() << row.text << " was taken";
-        } catch (const ConfigException& error) {
-            EXPECT_EQ(error.what(), row.message);
-        }
+        EXPECT_EQ(Orvanta::ErrorOf<ConfigException>([&] { static_cast<void>(ParseAnalyzerSpecification(row.text)); }),
+                  row.message);
     }
 }
 

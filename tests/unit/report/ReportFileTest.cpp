@@ -3,6 +3,7 @@
 #include "platform/Files.h"
 #include "report/Exceptions.h"
 #include "report/ReportOutputs.h"
+#include "support/ErrorOf.h"
 #include "support/Meeting.h"
 #include "support/TestFolder.h"
 
@@ -17,6 +18,7 @@
 namespace OrvlogConverter {
 namespace {
 
+using Orvanta::ErrorOf;
 using Orvanta::TestFolder;
 
 const ReportFrame Frame = {"[", ",", "]"};
@@ -28,16 +30,6 @@ std::vector<std::string> NamesIn(const TestFolder& folder) {
     }
     std::sort(names.begin(), names.end());
     return names;
-}
-
-template <class Action>
-std::string ErrorOf(const Action& action) {
-    try {
-        action();
-    } catch (const FilesystemException& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 TEST(ReportFile, CannotBeMadeEverywhere) {

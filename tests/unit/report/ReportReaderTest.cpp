@@ -6,17 +6,17 @@
 #include "report/MessageLine.h"
 #include "report/StandardInput.h"
 #include "report/Utf8.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 #include "unit/report/RandomMessages.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <functional>
-
 namespace OrvlogConverter {
 namespace {
 
+using Orvanta::ErrorOf;
 using Orvanta::TestFolder;
 
 struct ReadReport {
@@ -35,15 +35,6 @@ ReadReport Read(const std::string& path) {
                                  report.members += key + "=" + value + ";";
                              }});
     return report;
-}
-
-std::string FaultOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ReportException& error) {
-        return error.what();
-    }
-    return "none";
 }
 
 std::string LineOf(const ReportMessage& message, LineFormat format) {
@@ -72,7 +63,7 @@ TEST(ReportReader, ReadsBackWhatWasWrittenInEveryForm) {
          {std::pair("r.json", ReportForm::JsonDocument), std::pair("r.jsonl", ReportForm::JsonLines),
           std::pair("r.log", ReportForm::RawLines)}) {
         Write(folder / name, form, messages);
-        EXPECT_EQ(DetectReportForm(folder / name), form);
+        EXPECT_EQ(LookAtReport(folder / name).form, form);
         const ReadReport report = Read(folder / name);
         ASSERT_EQ(report.messages.size(), messages.size()) << name;
         for (std::size_t index = 0; index < messages.size(); ++index) {
@@ -117,7 +108,7 @@ TEST(ReportReader, TellsTheFormsOfLinesApart) {
     EXPECT_EQ(report.messages[2],
               ReportMessage({"External", "text", "", {{"x.c", 3, "", "", "", 0, 0, 0}}, 0, 2, false}));
     EXPECT_EQ(report.messages[3], message);
-    EXPECT_EQ(report.texts, "\xEF\xBB\xBF" + raw + "\r\n" + json + "\nx.c:3:7: warning: text\r\n" + json);
+    EXPECT_EQ(report.texts, raw + "\r\n" + json + "\nx.c:3:7: warning: text\r\n" + json);
 }
 
 TEST(ReportReader, ReadsLinesLongerThanItsBlocks) {
@@ -153,34 +144,76 @@ struct FaultCase {
 
 TEST(ReportReader, NamesThePlaceOfAFault) {
     const std::string good = LineOf({}, LineFormat::Json);
-    const std::string twoLines = good + "\n\nnonsense\n";
-    const std::string badNumber =
-        good + "\nZelm64-EM<#~>full<#~>x<#~>a.c<#~>error<#~>V1<#~>m<#~>false<#~>1<#~><#~><#~><#~>";
-    const std::string noKey = "{\"level\":1}\n";
-    const std::string badEntry = "{\"warnings\":[" + good + "," + good + ",{\"falseAlarm\":true}]}";
+    const std::string two = good + "\n\nnonsense\n";
+    const std::string bad = good + "\nZelm64-EM<#~>full<#~>x<#~>a.c<#~>error<#~>V1<#~>m<#~>false<#~>1<#~><#~><#~><#~>";
+    const std::string entry = "{\"warnings\":[" + good + "," + good + ",{\"falseAlarm\":true}]}";
+    const std::string key = "[json.exception.out_of_range.403] key ";
     const FaultCase cases[] = {
-        {"r.log",  twoLines,                      ", line 3: error parsing old format message"                            },
-        {"r.log",  badNumber,                     ", line 2: invalid stoi argument"                                       },
-        {"r.log",  noKey,                         ", line 1: [json.exception.out_of_range.403] key 'falseAlarm' not found"},
-        {"r.log",  "a.c:99999999999:1: error: x", ", line 1: stoi argument out of range"                                  },
-        {"r.json", badEntry,                      ", entry 3: [json.exception.out_of_range.403] key 'level' not found"    },
-        {"r.json", "{\"warnings\":[7]}",          ", entry 1: [json.exception.type_error.304] cannot use at() with number"},
-        {"r.json", "{}",                          ": field warnings is not found"                                         },
-        {"r.json", "{\"other\":[{}]}",            ": field warnings is not found"                                         },
-        {"r.json", "{\"warnings\":{}}",           ": type must be array, but is object"                                   },
-        {"r.json", "{\"warnings\":null}",         ": type must be array, but is null"                                     },
-        {"r.json", "[]",                          ": type must be object, but is array"                                   },
+        {"r.log",  two,                           ", line 3: error parsing old format message" },
+        {"r.log",  bad,                           ", line 2: invalid stoi argument"            },
+        {"r.log",  R"({"level":1})",              ", line 1: " + key + "'falseAlarm' not found"},
+        {"r.log",  "a.c:99999999999:1: error: x", ", line 1: stoi argument out of range"       },
+        {"r.json", entry,                         ", entry 3: " + key + "'level' not found"    },
+        {"r.json", "{}",                          ": field warnings is not found"              },
+        {"r.json", R"({"other":[{}]})",           ": field warnings is not found"              },
+        {"r.json", R"({"warnings":{}})",          ": type must be array, but is object"        },
+        {"r.json", R"({"warnings":null})",        ": type must be array, but is null"          },
+        {"r.json", "[]",                          ": type must be object, but is array"        },
     };
     const TestFolder folder;
     for (const FaultCase& row : cases) {
         const std::string path = folder.Write(row.name, row.text);
-        EXPECT_EQ(FaultOf([&] { Read(path); }), path + row.fault);
+        EXPECT_EQ(ErrorOf([&] { Read(path); }), path + row.fault);
     }
+    const std::string number = folder.Write("r.json", R"({"warnings":[7]})");
+    EXPECT_EQ(ErrorOf([&] { Read(number); }),
+              number + ", entry 1: [json.exception.type_error.304] cannot use at() with number");
     const std::string cut = folder.Write("r.json", "{\"warnings\":[");
-    EXPECT_EQ(FaultOf([&] { Read(cut); }).find(cut + ": [json.exception.parse_error.101]"), 0U);
-    EXPECT_EQ(FaultOf([&] { Read(folder / "none.log"); }), "Couldn't open file " + (folder / "none.log"));
-    EXPECT_EQ(FaultOf([&] { Read(folder.Path()); }), folder.Path() + " is a directory");
-    EXPECT_EQ(FaultOf([&] { Read(""); }), "Empty filepath");
+    EXPECT_EQ(ErrorOf([&] { Read(cut); }).find(cut + ": [json.exception.parse_error.101]"), 0U);
+    EXPECT_EQ(ErrorOf([&] { Read(folder / "none.log"); }), "Couldn't open file " + (folder / "none.log"));
+    EXPECT_EQ(ErrorOf([&] { Read(folder.Path()); }), folder.Path() + " is a directory");
+    EXPECT_EQ(ErrorOf([&] { Read(""); }), "Empty filepath");
+}
+
+TEST(ReportReader, RefusesWhatIsNestedWithoutEnd) {
+    const TestFolder folder;
+    const std::string deep = std::string(1'000'000, '[') + std::string(1'000'000, ']');
+    const std::string fault = "nested more than 1000 deep";
+    const std::string line = folder.Write("r.log", "{\"x\":" + deep + "}\n");
+    EXPECT_EQ(ErrorOf([&] { Read(line); }), line + ", line 1: " + fault);
+    for (const std::string& text : {deep, "{\"x\":" + deep + "}", std::string(1'000'000, '[')}) {
+        const std::string document = folder.Write("r.json", text);
+        EXPECT_EQ(ErrorOf([&] { Read(document); }), document + ": " + fault);
+    }
+    const std::string entry = folder.Write("r.json", "{\"warnings\":[{\"x\":" + deep + "}]}");
+    EXPECT_EQ(ErrorOf([&] { Read(entry); }), entry + ", entry 1: " + fault);
+}
+
+TEST(ReportReader, TellsUtf16AndKnowsDocumentsByTheirNames) {
+    const TestFolder folder;
+    using namespace std::string_literals;
+    for (const char* const name : {"r.json", "r.log"}) {
+        for (const std::string& start : {"\xFF\xFE{\0"s, "\xFE\xFF\0{"s}) {
+            const std::string path = folder.Write(name, start);
+            EXPECT_EQ(ErrorOf([&] { Read(path); }), path + ": the text is UTF-16, expected UTF-8");
+        }
+        const std::string other = folder.Write(name, "\xFF");
+        EXPECT_EQ(ErrorOf([&] { Read(other); }).find("UTF-16"), std::string::npos);
+    }
+    EXPECT_TRUE(IsJsonDocumentName("a/.json"));
+    EXPECT_FALSE(IsJsonDocumentName("a.json/r"));
+    EXPECT_EQ(IsJsonDocumentName("R.JSON"), Orvanta::HostPathRules() == Orvanta::PathRules::Windows);
+}
+
+TEST(ReportReader, ReadsTheGreatestNumbersOfTheRecordInEveryForm) {
+    const std::uint32_t most = 4294967295U;
+    const ReportMessage message = {"V1", "m", "", {{"a.c", most, "", "", "", 0, 0, 0}}, most, most, false};
+    const TestFolder folder;
+    for (const auto& [name, form] :
+         {std::pair("r.json", ReportForm::JsonDocument), std::pair("r.log", ReportForm::RawLines)}) {
+        Write(folder / name, form, {message});
+        EXPECT_EQ(Read(folder / name).messages, std::vector(1, message)) << name;
+    }
 }
 
 // A reader either takes a damaged report or names the fault; nothing else may come of it.

@@ -1,6 +1,7 @@
 #include "settings/AnalysisMode.h"
 
 #include "platform/Exceptions.h"
+#include "support/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -58,12 +59,7 @@ TEST(AnalysisMode, SaysWhatIsWrong) {
         {"GA; OP",       "Wrong diagnostic group name: ' OP'"                                        },
     };
     for (const ModeFaultCase& row : cases) {
-        try {
-            static_cast<void>(ParseAnalysisMode(row.text));
-            ADD_FAILURE() << row.text << " was taken";
-        } catch (const ZelmException& error) {
-            EXPECT_EQ(error.what(), row.error);
-        }
+        EXPECT_EQ(ErrorOf<ZelmException>([&] { static_cast<void>(ParseAnalysisMode(row.text)); }), row.error);
     }
 }
 

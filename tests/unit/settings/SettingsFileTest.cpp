@@ -3,6 +3,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "support/ErrorOf.h"
 #include "support/HostPath.h"
 #include "support/TestFolder.h"
 
@@ -81,16 +82,6 @@ TEST(SettingsFile, LeavesOtherValuesAlone) {
         ASSERT_EQ(settings.size(), 1U) << row.line;
         EXPECT_EQ(settings.begin()->second, row.value) << row.line;
     }
-}
-
-template <class Action>
-std::string ErrorOf(const Action& action) {
-    try {
-        action();
-    } catch (const ZelmException& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 TEST(SettingsFile, FaultsOfReadingNameTheFileOrTheValue) {

@@ -1,6 +1,7 @@
 #include "suppress/SuppressBase.h"
 
 #include "report/Exceptions.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 #include "suppress/SuppressBaseFilter.h"
 #include "suppress/SuppressBaseOutput.h"
@@ -9,24 +10,14 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <functional>
-
 namespace OrvlogConverter {
 namespace {
 
+using Orvanta::ErrorOf;
 using Orvanta::TestFolder;
 
 constexpr const char* Entry =
     R"({"FileName":"a.c","ErrorCode":"V501","Message":"m","CodePrev":1,"CodeCurrent":2,"CodeNext":4294967295})";
-
-std::string FaultOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ReportException& error) {
-        return error.what();
-    }
-    return "none";
-}
 
 TEST(SuppressBase, IsOneSortedEntryALine) {
     const TestFolder folder;
@@ -37,16 +28,11 @@ TEST(SuppressBase, IsOneSortedEntryALine) {
     EXPECT_FALSE(base.Add({"b.c", "V1", "m", 1, 2, 3}));
     base.Write(folder / "base.json");
     const std::string text = folder.Read("base.json");
-    EXPECT_EQ(
-        text,
-        R"({"version": 2, "warnings": [)"
-        "\n"
-        R"({"FileName": "a.c", "ErrorCode": "V2", "Message": "\"q\"\t\\", "CodePrev": 1, "CodeCurrent": 1, "CodeNext": 3},)"
-        "\n"
-        R"({"FileName": "a.c", "ErrorCode": "V2", "Message": "\"q\"\t\\", "CodePrev": 1, "CodeCurrent": 2, "CodeNext": 3},)"
-        "\n"
-        R"({"FileName": "b.c", "ErrorCode": "V1", "Message": "m", "CodePrev": 1, "CodeCurrent": 2, "CodeNext": 3})"
-        "\n]}\n");
+    const std::string start = R"({"FileName": "a.c", "ErrorCode": "V2", "Message": "\"q\"\t\\", "CodePrev": 1, )";
+    EXPECT_EQ(text, "{\"version\": 2, \"warnings\": [\n" + start + "\"CodeCurrent\": 1, \"CodeNext\": 3},\n" + start +
+                        "\"CodeCurrent\": 2, \"CodeNext\": 3},\n"
+                        R"({"FileName": "b.c", "ErrorCode": "V1", "Message": "m", "CodePrev": 1, )"
+                        "\"CodeCurrent\": 2, \"CodeNext\": 3}\n]}\n");
     SuppressBase::Read(folder / "base.json").Write(folder / "again.json");
     EXPECT_EQ(folder.Read("again.json"), text);
 }
@@ -66,6 +52,27 @@ TEST(SuppressBase, ReadsWhatOthersWrite) {
     const SuppressBase later = SuppressBase::Read(folder.Write("base.json", R"({"warnings":[],"version":7})"));
     EXPECT_EQ(later.Version(), 7U);
     EXPECT_FALSE(later.IsOutdated());
+}
+
+TEST(SuppressBase, KeepsTheMembersThatOthersAdded) {
+    const TestFolder folder;
+    const std::string reason = R"("why": [{"by": "x", "also": [[], {}, null, true, -1.5]}, "\u00e9\""])";
+    const std::string entry = std::string(Entry).insert(1, reason + ", ");
+    folder.Write("base.json",
+                 R"({"owner": {"team": ["a", {"b": 1}]}, "version": 2, "warnings": [)" + entry + "], " + reason + "}");
+    SuppressBase base = SuppressBase::Read(folder / "base.json");
+    EXPECT_FALSE(base.Add({"a.c", "V501", "m", 1, 2, 4294967295U})) << "it is the entry that is there";
+    EXPECT_TRUE(base.Add({"b.c", "V1", "m", 1, 2, 3}));
+    base.Write(folder / "base.json");
+    const nlohmann::json expected = nlohmann::json::parse(
+        R"({"owner": {"team": ["a", {"b": 1}]}, "version": 2, "warnings": [)" + entry +
+        R"(, {"FileName":"b.c","ErrorCode":"V1","Message":"m","CodePrev":1,"CodeCurrent":2,"CodeNext":3}], )" + reason +
+        "}");
+    EXPECT_EQ(nlohmann::json::parse(folder.Read("base.json")), expected);
+    const std::string deep = folder.Write("deep.json", "{\"x\":" + std::string(1'000'000, '['));
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(deep); }), deep + ": nested more than 1000 deep");
+    const std::string wide = folder.Write("wide.json", std::string("\xFF\xFE{\0", 4));
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(wide); }), wide + ": the text is UTF-16, expected UTF-8");
 }
 
 struct FaultCase {
@@ -95,20 +102,20 @@ TEST(SuppressBase, NamesThePlaceOfAFault) {
     const TestFolder folder;
     for (const FaultCase& row : cases) {
         const std::string path = folder.Write("base.json", row.text);
-        EXPECT_EQ(FaultOf([&] { (void)SuppressBase::Read(path); }), path + std::string(row.fault));
+        EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(path); }), path + std::string(row.fault));
     }
     for (const char* const key : {"FileName", "ErrorCode", "Message", "CodePrev", "CodeCurrent", "CodeNext"}) {
         auto entry = nlohmann::json::parse(Entry);
         entry.erase(key);
         const std::string path =
             folder.Write("base.json", "{\"warnings\":[" + std::string(Entry) + "," + entry.dump() + "]}");
-        EXPECT_EQ(FaultOf([&] { (void)SuppressBase::Read(path); }), path + ", entry 2: field " + key + " is not found");
+        EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(path); }), path + ", entry 2: field " + key + " is not found");
     }
     const std::string cut = folder.Write("base.json", "{\"warnings\":[{\"FileName\":");
-    EXPECT_EQ(FaultOf([&] { (void)SuppressBase::Read(cut); }).find(cut + ": [json.exception.parse_error.101]"), 0U);
-    EXPECT_EQ(FaultOf([&] { (void)SuppressBase::Read(folder / "none"); }), "Couldn't open file " + (folder / "none"));
-    EXPECT_EQ(FaultOf([&] { (void)SuppressBase::Read(folder.Path()); }), folder.Path() + " is a directory");
-    EXPECT_EQ(FaultOf([&] { SuppressBase().Write(folder / "none/base.json"); }),
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(cut); }).find(cut + ": [json.exception.parse_error.101]"), 0U);
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(folder / "none"); }), "Couldn't open file " + (folder / "none"));
+    EXPECT_EQ(ErrorOf([&] { (void)SuppressBase::Read(folder.Path()); }), folder.Path() + " is a directory");
+    EXPECT_EQ(ErrorOf([&] { SuppressBase().Write(folder / "none/base.json"); }),
               "File doesn't exists: " + (folder / "none/base.json"));
 }
 
@@ -129,8 +136,8 @@ TEST(SuppressBase, SurvivesDamage) {
                                         : text.erase(at, random.Below(30));
         }
         const std::string path = folder.Write("base.json", text);
-        const std::string fault = FaultOf([&] { (void)SuppressBase::Read(path); });
-        EXPECT_TRUE(fault == "none" || fault.starts_with(path)) << fault;
+        const std::string fault = ErrorOf([&] { (void)SuppressBase::Read(path); });
+        EXPECT_TRUE(fault == "no error" || fault.starts_with(path)) << fault;
     }
 }
 
@@ -208,7 +215,7 @@ TEST(OutdatedBase, IsNotAddedToAndIsToldOf) {
     const std::string text = R"({"warnings":[]})";
     const SuppressBase old = SuppressBase::Read(folder.Write("base.json", text));
     SuppressBaseOutput output(folder / "base.json", old);
-    EXPECT_EQ(FaultOf([&] { output.Begin(); }), OutdatedBaseText);
+    EXPECT_EQ(ErrorOf([&] { output.Begin(); }), OutdatedBaseText);
     EXPECT_EQ(folder.Read("base.json"), text);
 
     Recorder recorder;

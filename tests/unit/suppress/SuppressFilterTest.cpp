@@ -1,13 +1,14 @@
 #include "suppress/SuppressFilter.h"
 
 #include "report/Exceptions.h"
+#include "support/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace OrvlogConverter {
 namespace {
+
+using Orvanta::ErrorOf;
 
 ReportMessage Finding(const std::string& code, const std::string& file = "/p/src/test.c", std::uint32_t line = 22) {
     return {code, "m", "", {{file, line, "", "", "", 0, 0, 0}}, 0, 1, false};
@@ -65,15 +66,6 @@ TEST(SuppressFilter, ChoosesByFileLineLevelAndCode) {
     }
 }
 
-std::string FaultOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ConfigException& error) {
-        return error.what();
-    }
-    return "none";
-}
-
 struct FaultCase {
     std::vector<std::string> values;
     std::string_view fault;
@@ -100,7 +92,7 @@ TEST(SuppressFilter, RejectsFilesWithTheirFault) {
         {{""},                            "The value of the '--file' argument is empty."},
     };
     for (const FaultCase& row : cases) {
-        EXPECT_EQ(FaultOf([&] { (void)ParseSuppressedFiles(row.values); }), row.fault) << row.values.front();
+        EXPECT_EQ(ErrorOf([&] { (void)ParseSuppressedFiles(row.values); }), row.fault) << row.values.front();
     }
     EXPECT_EQ(ParseSuppressedFiles({
                   "a:b.c:3", "d.c"
@@ -113,7 +105,7 @@ TEST(SuppressFilter, TakesCodesWithAndWithoutTheirLetter) {
     EXPECT_EQ(ParseCodeNumber("V501"), 501U);
     EXPECT_EQ(ParseCodeNumber("V0501"), 501U);
     for (const char* const value : {"", "V", "501,502", "v501", "-1", "V501 ", "99999999999"}) {
-        EXPECT_EQ(FaultOf([&] { (void)ParseCodeNumber(value); }), "Wrong value of --warning: \"" + std::string(value) +
+        EXPECT_EQ(ErrorOf([&] { (void)ParseCodeNumber(value); }), "Wrong value of --warning: \"" + std::string(value) +
                                                                       "\", expected a code such as V501 or its number");
     }
 }

@@ -1,6 +1,7 @@
 #include "report/Exceptions.h"
 #include "report/JsonMessage.h"
 #include "report/RawLine.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 #include "suppress/FilterWorker.h"
 #include "suppress/SuppressBase.h"
@@ -140,6 +141,34 @@ TEST_F(Workers, OutdatedBaseIsToldOfFirstInTheFormOfTheReport) {
     EXPECT_EQ(folder.Read("base.json"), R"({"warnings":[]})");
 }
 
+TEST_F(Workers, AMarkStaysAtTheStartAndInvalidTextIsNoInvalidJson) {
+    const std::string mark = "\xEF\xBB\xBF";
+    folder.Write("old.log", JsonLine("old"));
+    Suppress("base.json", "old.log");
+    folder.Write("r.log", mark + JsonLine("old") + JsonLine("new") + RawLine("\xFF"));
+    Filter("base.json", "r.log");
+    EXPECT_EQ(folder.Read("r.log"), mark + JsonLine("new") + RawLine("\xFF"));
+    folder.Write("outdated.json", R"({"warnings":[]})");
+    Filter("outdated.json", "r.log");
+    const std::string report = folder.Read("r.log");
+    EXPECT_EQ(report.rfind(mark), 0U);
+    EXPECT_TRUE(report.ends_with("\n" + JsonLine("new") + RawLine("\xFF"))) << report;
+    std::string invalid = JsonLine("new");
+    invalid.insert(invalid.find("new"), "\xFF");
+    folder.Write("r.log", invalid);
+    Filter("base.json", "r.log");
+    EXPECT_EQ(folder.Read("r.log"), invalid.replace(invalid.find('\xFF'), 1, "\xEF\xBF\xBD"));
+}
+
+TEST_F(Workers, AReportOfTheUsersBesideStays) {
+    folder.Write("r.log", JsonLine("x"));
+    folder.Write("r.log.new", "mine");
+    folder.Write("none.log", "");
+    Suppress("base.json", "none.log");
+    Filter("base.json", "r.log");
+    EXPECT_EQ(folder.Read("r.log.new"), "mine");
+}
+
 TEST_F(Workers, ABadLineLeavesEverythingAsItWas) {
     folder.Write("none.log", "");
     Suppress("base.json", "none.log");
@@ -149,12 +178,8 @@ TEST_F(Workers, ABadLineLeavesEverythingAsItWas) {
     const std::vector<std::string> names = Names();
     for (const std::optional<std::string>& output :
          {std::optional<std::string>(), std::optional<std::string>("out.log")}) {
-        try {
-            Filter("base.json", "r.log", output);
-            ADD_FAILURE() << "the line was taken";
-        } catch (const OrvlogConverter::ParseException& error) {
-            EXPECT_EQ(error.what(), (folder / "r.log") + ", line 2: error parsing old format message");
-        }
+        EXPECT_EQ(ErrorOf<OrvlogConverter::ParseException>([&] { Filter("base.json", "r.log", output); }),
+                  (folder / "r.log") + ", line 2: error parsing old format message");
     }
     EXPECT_THROW(Suppress("base.json", "r.log"), OrvlogConverter::ParseException);
     EXPECT_EQ(folder.Read("r.log"), JsonLine("x") + "nonsense\n");

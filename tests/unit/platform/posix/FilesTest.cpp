@@ -3,6 +3,7 @@
 #include "platform/Exceptions.h"
 #include "platform/LockFile.h"
 #include "platform/posix/FileSwap.h"
+#include "support/ErrorOf.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -62,12 +63,7 @@ TEST(AtomicFileOnPosix, WritesToADeviceInsteadOfReplacingIt) {
 
     fs::create_symlink("/dev/full", folder / "full");
     AtomicFile full(folder / "full");
-    try {
-        full.Append("no room");
-        FAIL() << "the device is full";
-    } catch (const ZelmException& error) {
-        EXPECT_EQ(error.what(), (folder / "full") + ": No space left on device");
-    }
+    EXPECT_EQ(ErrorOf<ZelmException>([&] { full.Append("no room"); }), (folder / "full") + ": No space left on device");
 }
 
 TEST(OutputFileOnPosix, CanAppendToWhatHasNoPlaces) {

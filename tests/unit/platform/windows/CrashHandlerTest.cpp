@@ -27,11 +27,12 @@ struct CrashCase {
 };
 
 const CrashCase CrashCases[] = {
-    {"segv",      AccessViolation},
-    {"abort",     Aborted        },
-    {"exception", Aborted        },
-    {"thread",    AccessViolation},
-    {"overflow",  StackOverflow  },
+    {"segv",            AccessViolation},
+    {"abort",           Aborted        },
+    {"exception",       Aborted        },
+    {"thread",          AccessViolation},
+    {"overflow",        StackOverflow  },
+    {"thread-overflow", StackOverflow  },
 };
 
 TEST(Crash, LeavesTheStackInAFileAndEndsAsBefore) {

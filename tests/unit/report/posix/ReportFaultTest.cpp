@@ -1,5 +1,6 @@
 #include "report/Exceptions.h"
 #include "report/ReportOutputs.h"
+#include "support/ErrorOf.h"
 #include "unit/report/WrittenReport.h"
 
 namespace OrvlogConverter {
@@ -32,20 +33,10 @@ TEST(ReportFault, APipeGetsTheReportAsItComes) {
 
 TEST(ReportFault, AFullDeviceIsNamed) {
     const std::string error = "Can't write to file: /dev/full: No space left on device";
-    try {
-        JsonOutput output("/dev/full");
-        ADD_FAILURE() << "the head was written";
-    } catch (const FilesystemException& exception) {
-        EXPECT_EQ(exception.what(), error);
-    }
+    EXPECT_EQ(Orvanta::ErrorOf<FilesystemException>([&] { JsonOutput("/dev/full"); }), error);
     RawOutput output("/dev/full");
     output.Write({});
-    try {
-        output.Commit();
-        ADD_FAILURE() << "the line was written";
-    } catch (const FilesystemException& exception) {
-        EXPECT_EQ(exception.what(), error);
-    }
+    EXPECT_EQ(Orvanta::ErrorOf<FilesystemException>([&] { output.Commit(); }), error);
 }
 
 } // namespace

@@ -25,5 +25,23 @@ TEST(ReportFileOnPosix, KeepsALinkToTheReportAndItsPermissions) {
     EXPECT_EQ(fs::status(folder / "there/report").permissions(), fs::perms(0600));
 }
 
+TEST(ReportFileOnPosix, ThatIsALinkToNothingOrHasTwoNamesIsWrittenThere) {
+    const TestFolder folder;
+    fs::create_symlink("later", folder / "link");
+    fs::create_hard_link(folder.Write("report", "an earlier report that is longer"), folder / "name");
+    for (const std::string& path : {folder / "link", folder / "name"}) {
+        ReportFile report(path, {"[", ",", "]"});
+        for (const char* const text : {"1", "2", "3"}) {
+            report.Append(text);
+            report.Commit();
+        }
+        report.Close();
+    }
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_EQ(folder.Read("later"), "[1,2,3]");
+    EXPECT_EQ(folder.Read("report"), "[1,2,3]");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()), 4);
+}
+
 } // namespace
 } // namespace OrvlogConverter
