@@ -71,8 +71,12 @@ std::optional<std::string> SourcePaths::BelowRoot(std::string_view file) const {
     return path.starts_with("./") ? path.substr(2) : path;
 }
 
-std::string SourcePaths::Shown(std::string_view file) const {
-    return BelowRoot(file).value_or(WithSlashes(file));
+const std::string& SourcePaths::Shown(std::string_view file) const {
+    if (file != lastFile_ || lastShown_.empty()) {
+        lastShown_ = BelowRoot(file).value_or(WithSlashes(file));
+        lastFile_ = file;
+    }
+    return lastShown_;
 }
 
 std::string SourcePaths::RootAddress() const {

@@ -16,8 +16,9 @@ public:
     /// The path from the root, for a file below it; absent for one that lies elsewhere.
     [[nodiscard]] std::optional<std::string> BelowRoot(std::string_view file) const;
 
-    /// The path from the root where there is one, else the path as it is, with "/" between its names.
-    [[nodiscard]] std::string Shown(std::string_view file) const;
+    /// The path from the root where there is one, else the path as it is, with "/" between its names. The text lasts
+    /// until the next call. One thread at a time.
+    [[nodiscard]] const std::string& Shown(std::string_view file) const;
 
     /// The root, absolute, as an address that ends in "/".
     [[nodiscard]] std::string RootAddress() const;
@@ -25,6 +26,9 @@ public:
 private:
     std::string given_;    // without a separator at its end
     std::string absolute_; // likewise, with "/" between its names
+    // Findings of one file mostly stand together.
+    mutable std::string lastFile_;
+    mutable std::string lastShown_;
 };
 
 /// A path with "/" between its names as a reference: relative, or a "file:" address when it is absolute. What an

@@ -21,7 +21,7 @@ protected:
     void AppendFinding(std::string& text, const ReportMessage& message) override {
         constexpr std::string_view Severities[LevelRanks] = {"critical", "major", "minor", "info"};
         const Finding finding = FindingOf(message);
-        const std::string file = HasFile(message) ? paths_.Shown(finding.file) : std::string(finding.file);
+        const std::string_view file = HasFile(message) ? std::string_view(paths_.Shown(finding.file)) : finding.file;
         text += isFirst_ ? "\n{\"description\": " : ",\n{\"description\": ";
         isFirst_ = false;
         AppendVisibleJson(text, finding.text);
@@ -38,7 +38,7 @@ protected:
 
 private:
     // Of findings with one name, the platform shows one.
-    std::string UniqueName(const ReportMessage& message, const std::string& file) {
+    std::string UniqueName(const ReportMessage& message, std::string_view file) {
         const FindingNames::Name name = names_.Next(MakeSuppressEntry(message, CurrentBaseVersion), file);
         Orvanta::FingerprintBuilder builder;
         return HexadecimalText(builder.Add(name.entry).Add(file).Add(name.ordinal).Value());

@@ -13,14 +13,6 @@ namespace {
 // A suite says in front how many tests it has, so it is held until it is whole.
 constexpr std::size_t LargestSuite = 1000;
 
-void AppendAttribute(std::string& text, std::string_view name, std::string_view value) {
-    text += ' ';
-    text += name;
-    text += "=\"";
-    AppendEscaped(text, value, TextForm::Markup);
-    text += '"';
-}
-
 /// A suite for each file; a file whose findings are many, or not together, has several.
 class JunitOutput : public FormOutput {
 public:
@@ -34,25 +26,23 @@ protected:
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
         const Finding finding = FindingOf(message);
-        std::string file = HasFile(message) ? paths_.Shown(finding.file) : std::string(finding.file);
+        const std::string_view file = HasFile(message) ? std::string_view(paths_.Shown(finding.file)) : finding.file;
         if (file != suite_ || failures_ == LargestSuite) {
             AppendSuite(text);
-            suite_ = std::move(file);
+            suite_ = file;
+            suiteText_.clear();
+            AppendEscaped(suiteText_, suite_, TextForm::Markup);
         }
         ++failures_;
         ++all_;
         const std::string line = std::to_string(finding.line);
-        tests_ += "<testcase";
-        AppendAttribute(tests_, "classname", suite_);
-        AppendAttribute(tests_, "name", std::string(finding.rule) + " at line " + line);
-        AppendAttribute(tests_, "file", suite_);
-        AppendAttribute(tests_, "line", line);
-        tests_ += "><failure";
-        AppendAttribute(tests_, "type", LevelWord(message.level));
-        AppendAttribute(tests_, "message", finding.text);
-        tests_ += '>';
-        AppendEscaped(tests_, suite_, TextForm::Markup);
-        tests_ += ":" + line + ": ";
+        tests_ += "<testcase classname=\"" + suiteText_ + "\" name=\"";
+        AppendEscaped(tests_, finding.rule, TextForm::Markup);
+        tests_ += " at line " + line + "\" file=\"" + suiteText_ + "\" line=\"" + line + "\"><failure type=\"";
+        tests_ += LevelWord(message.level);
+        tests_ += "\" message=\"";
+        AppendEscaped(tests_, finding.text, TextForm::Markup);
+        tests_ += "\">" + suiteText_ + ":" + line + ": ";
         AppendEscaped(tests_, FirstPosition(message).currLine, TextForm::Markup);
         tests_ += "</failure></testcase>\n";
     }
@@ -72,17 +62,15 @@ private:
             return;
         }
         const std::string count = std::to_string(std::exchange(failures_, 0));
-        text += "<testsuite";
-        AppendAttribute(text, "name", suite_);
-        AppendAttribute(text, "tests", count);
-        AppendAttribute(text, "failures", count);
+        text += "<testsuite name=\"" + suiteText_ + "\" tests=\"" + count + "\" failures=\"" + count + "\"";
         text += " errors=\"0\">\n" + tests_ + "</testsuite>\n";
         tests_.clear();
     }
 
     SourcePaths paths_;
-    std::string suite_; // the file that the open suite is about
-    std::string tests_; // of the open suite
+    std::string suite_;     // the file that the open suite is about
+    std::string suiteText_; // the same, escaped
+    std::string tests_;     // of the open suite
     std::size_t failures_ = 0;
     std::size_t all_ = 0;
 };

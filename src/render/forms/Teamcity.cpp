@@ -35,7 +35,7 @@ protected:
         text += "##teamcity[inspection";
         AppendValue(text, "typeId", finding.rule);
         AppendValue(text, "message", finding.text);
-        AppendValue(text, "file", HasFile(message) ? paths_.Shown(finding.file) : std::string(finding.file));
+        AppendValue(text, "file", HasFile(message) ? std::string_view(paths_.Shown(finding.file)) : finding.file);
         AppendValue(text, "line", std::to_string(finding.line));
         AppendValue(text, "SEVERITY", Severities[LevelRank(message.level)]);
         text += "]\n";
