@@ -1,5 +1,5 @@
 # One command each; what it does stands in the script of that name under tools/.
-.PHONY: demo test test-windows package-windows check format bench fuzz kill-test coverage hard
+.PHONY: demo test test-windows package package-windows check format bench fuzz kill-test fault-test coverage hard
 
 demo: ## Build, analyze a real project and show its first findings
 	@tools/demo
@@ -11,6 +11,10 @@ test: ## Build and run every test
 test-windows: ## Cross-build for Windows and run the tests under Wine
 	@tools/install-packages build test windows
 	@tools/test windows
+
+package: ## Build for users and put what they need into a .deb and a .tar.gz
+	@tools/install-packages build package
+	@tools/package
 
 package-windows: ## Cross-build for Windows and put what a user needs into a zip
 	@tools/install-packages build windows
@@ -32,10 +36,14 @@ kill-test: ## Kill and stop runs at random moments, 700 times; SEED=n repeats a 
 	@tools/install-packages build test
 	@tools/kill-test --rounds 700 $(if $(SEED),--seed $(SEED))
 
+fault-test: ## Let every call of the system fail once, in every way to run the programs
+	@tools/install-packages build test
+	@tools/fault-test
+
 coverage: ## Run the native tests and show which lines none of them reaches
 	@tools/coverage
 
-hard: ## The long runs: all tests under the sanitizers, two minutes of fuzzing a target, 700 kills
+hard: ## The long runs: all tests under the sanitizers, two minutes of fuzzing a target, 700 kills, every fault
 	@tools/hard
 
 bench: ## Build the benchmarks and run them

@@ -6,12 +6,16 @@ namespace Orvanta {
 
 namespace {
 
-constexpr std::string_view Usage = "usage: Orvanta.exe --cfg FILE [--display-dependencies --skip-analysis]";
+constexpr std::string_view Usage = "usage: Orvanta.exe --version | --cfg FILE [--display-dependencies --skip-analysis]";
 
 } // namespace
 
 CoreOptions ReadCoreOptions(std::span<const std::string_view> arguments) {
     CoreOptions options;
+    if (arguments.size() == 1 && arguments.front() == "--version") {
+        options.task = CoreTask::TellVersion;
+        return options;
+    }
     bool displayDependencies = false;
     bool skipAnalysis = false;
     for (std::size_t i = 0; i < arguments.size(); ++i) {

@@ -63,6 +63,19 @@ std::string FindCppcheck() {
     return program;
 }
 
+std::string CppcheckVersion(const std::string& workingDirectory) {
+    const std::string program = FindCppcheck();
+    std::string output;
+    Process process({program, "--version"}, {workingDirectory, OwnEnvironmentBlock(), ProcessGroup::Inherited},
+                    MakeRedirectToStringProcessor(output), [](std::string_view) {});
+    if (const int exitCode = process.get_exit_status(); exitCode != 0) {
+        throw ZelmException("Cppcheck ended with code " + std::to_string(exitCode));
+    }
+    // One of the same version that was built anew is another one.
+    const ContentFingerprint content = FingerprintOfFile(program).value_or(ContentFingerprint());
+    return std::string(Trim(output)) + ", " + ResolveLinks(program) + ", " + std::to_string(content.bytes.low);
+}
+
 CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& workingDirectory) {
     std::string standardOutput;
     std::string standardError;

@@ -14,6 +14,10 @@ namespace Orvanta {
 /// \throws ZelmException when it is missing
 [[nodiscard]] std::string FindCppcheck();
 
+/// What stands behind this core, in a line: what Cppcheck says of its version, and which file it is.
+/// \throws ZelmException when it is missing, can't be started or fails
+[[nodiscard]] std::string CppcheckVersion(const std::string& workingDirectory);
+
 /// Runs a command of Cppcheck to its end.
 /// \throws ZelmException when it can't be started or fails
 [[nodiscard]] CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& workingDirectory);

@@ -1,4 +1,5 @@
 #include "cppcheck/CoreOptions.h"
+#include "cppcheck/CppcheckRun.h"
 #include "cppcheck/Linking.h"
 #include "cppcheck/Unit.h"
 #include "platform/Console.h"
@@ -17,6 +18,10 @@ namespace {
 
 void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
+    if (options.task == Orvanta::CoreTask::TellVersion) {
+        Orvanta::WriteToStandardOutput(Orvanta::CppcheckVersion(currentDirectory) + "\n");
+        return;
+    }
     const Orvanta::SettingsMap settings = Orvanta::ReadSettingsFile(options.settingsPath);
     if (options.task == Orvanta::CoreTask::Analyze &&
         Orvanta::ReadIntermodularStage(settings, options.settingsPath) == Orvanta::IntermodularStage::Linking) {
@@ -25,6 +30,8 @@ void Run(const Orvanta::CoreOptions& options) {
     }
     const Orvanta::UnitSettings unit = Orvanta::ReadUnitSettings(settings, options.settingsPath, currentDirectory);
     switch (options.task) {
+    case Orvanta::CoreTask::TellVersion:
+        break;
     case Orvanta::CoreTask::ListDependencies:
         Orvanta::WriteToStandardOutput(Orvanta::DependencyLines(unit, currentDirectory));
         break;

@@ -1,26 +1,41 @@
 #pragma once
 
-#include "analysis/AnalyzerStatus.h"
-#include "analysis/FileChanges.h"
+#include "analysis/PassProgress.h"
 #include "analysis/Progress.h"
-#include "analysis/RunOutcome.h"
-#include "analysis/RunPlan.h"
-#include "analysis/StandardProbe.h"
+#include "analysis/RunPass.h"
+#include "analysis/RunPlaces.h"
+#include "analysis/UnitPlanner.h"
 #include "analysis/UnitResult.h"
-#include "analysis/UnitSettings.h"
-#include "analysis/VisualStudioEnvironment.h"
-#include "buildinput/CompileCommand.h"
-#include "compilers/CompilerRegistry.h"
 #include "platform/Exceptions.h"
 #include "settings/RunSettings.h"
-#include "settings/SettingsFile.h"
 
 #include <atomic>
-#include <memory>
+#include <cstddef>
 #include <optional>
 #include <span>
-#include <string>
-#include <vector>
+
+// How units are analyzed.
+//
+// A unit goes through three places, each of which knows one thing:
+//
+//     UnitPlanner     decides. A UnitPlan is a plain record: the compiler's model, the command as read, environments,
+//                     the preprocessing command, what the core is told, whether the unit is left out. It is made
+//                     without a core and without a report, so that whatever prints, checks or repeats the run of a
+//                     unit has all it needs, and decides nothing a second time.
+//     UnitRun         executes a plan. Each kind of work (Work::...) is one function that reads from top to bottom.
+//     AnalyzerRunner  knows of many: which units are queued, on how many threads, when a pass ends.
+//
+// A pass is a work, what is done with each unit, its share of the progress, and who takes the results. The receiver
+// puts them in input order, or only counts them; the runner need not know.
+//
+// An outcome is a value and a failure an exception, never both. A failure travels up to UnitRun::Run, where it becomes
+// the unit's result; only that the core can't be started at all goes on from there, and ends the pass. A stop is an
+// outcome: it ends a function by its value, and leaves no reason behind.
+//
+// Rejected: one list of steps for all works, each of which asks whether there is a history and which stage this is. It
+// was shorter, and nobody could say what one kind of run does. A base class with a virtual function for each step: the
+// works differ in which steps they have, not in how a step is done. A prober that asks compilers after a unit has been
+// preprocessed, which spares the question for units that fail: then a plan would be no plan.
 
 namespace Orvanta {
 
@@ -30,94 +45,56 @@ public:
     NoCompilationCommandsToRun() : ZelmException("No compilation units were found.") {}
 };
 
-class PassProgress;
-
 /// One queued unit.
 struct AnalysisTask {
     const CompileCommand* command = nullptr;
     IntermodularAnalysisMode mode = IntermodularAnalysisMode::None;
-    std::size_t unit = 0;          ///< position among the run's units
-    const RunPlan* plan = nullptr; ///< not null
-    PassProgress* pass = nullptr;  ///< not null
+    std::size_t unit = 0;             ///< position among the run's units
+    const UnitWork* work = nullptr;   ///< not null
+    PassProgress* progress = nullptr; ///< not null
 };
 
-/// Where a run finds its core and puts its files.
-struct RunPlaces {
-    std::string corePath;
-    std::string unitFolder;      ///< takes the files of the units; exists
-    std::string temporaryFolder; ///< takes all other files that go with the run; exists
-    std::string outputFolder;    ///< of the report: what later runs and stages need lies in ".Orvanta" in there
-    SettingsFile::Lifetime unitFiles = SettingsFile::Lifetime::Remove; ///< of the preprocessed and the settings files
-};
-
-/// The folder in the output folder that takes what later runs and stages need.
-[[nodiscard]] std::string OrvantaFolder(const std::string& outputFolder);
-
-/// Analyzes units: preprocesses each with its compiler and hands it to the core. `Run` may be called by any number of
-/// threads at once.
+/// Analyzes the units of a run.
 class AnalyzerRunner {
 public:
     /// All must outlive the runner.
-    AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, RunPlaces places, Log& log,
+    AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places, Log& log,
                    AnalyzerProgress& progress, const StopFlag& stop);
 
-    /// Analyzes one unit. What goes wrong with it is its result.
+    /// Does its work with one unit. What goes wrong with it is its result. Any number of threads may call it at once.
+    /// \throws CoreUnusableException
     [[nodiscard]] UnitResult Run(const AnalysisTask& task);
 
-    /// Goes through the units with `threads` workers, does with each what `plan` says, hands the results to `receiver`
-    /// and returns the CombinedResult of what that makes of them. \throws NoCompilationCommandsToRun for an empty list,
-    /// ZelmException when the core can't be started at all
-    int RunParallel(std::span<const CompileCommand* const> commands, unsigned threads, IntermodularAnalysisMode mode,
-                    ResultReceiver& receiver, const RunPlan& plan = {});
+    /// Goes through the units with up to `threads` workers, does with each what `pass` says, hands the results to its
+    /// receiver and returns the CombinedResult of what that makes of them. After a stop, units that need no run are
+    /// handed over all the same.
+    /// \throws NoCompilationCommandsToRun for an empty list
+    /// \throws CoreUnusableException
+    /// \throws ZelmException when no thread can be started
+    int RunParallel(std::span<const CompileCommand* const> commands, unsigned threads, const RunPass& pass);
 
-    /// To be called before the first of the three stages: makes the folder that takes what they leave.
-    /// \throws ZelmException when there is no output folder, or the folder can't be made
-    void PrepareIntermodular();
-
-    /// Lets the core link what the first run has collected of these units.
-    /// \throws ProcessException when the core fails, ZelmException when a file can't be written
-    /// \return whether it came to its end; false after a stop
-    bool RunMerge(std::span<const CompileCommand* const> commands);
-
-    /// Removes what the first run has collected.
-    void RemoveCollected(std::span<const CompileCommand* const> commands) const noexcept;
+    /// Lets the core link what was collected of these units, in ".Orvanta"; after a stop, in part.
+    /// \throws ProcessException when the core fails, ZelmException "can't find output directory", "Couldn't create
+    /// path: " and the path, or when a file can't be written
+    void RunMerge(std::span<const CompileCommand* const> commands);
 
 private:
-    struct Unit;
-
-    [[nodiscard]] std::shared_ptr<const Compiler> GetPreprocessor(CompilerType type) const;
-    [[nodiscard]] Unit PrepareUnit(const AnalysisTask& task);
-    [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
-                                                                        const ParsedCommand& command);
-    [[nodiscard]] UnitFiles NameFiles(std::size_t unit, const CompileCommand& command) const;
-    [[nodiscard]] std::string MergedFile() const;
-    UnitResult RunUnit(const AnalysisTask& task);
-    void RunPreprocessedUnit(const AnalysisTask& task, const Unit& unit, UnitHistory::Moment moment,
-                             UnitResult& result);
-    void TellPrecompiledForms(const Unit& unit) const;
-    bool IsPreprocessed(const AnalysisTask& task, const Unit& unit);
-    bool PreprocessUnit(const Unit& unit, UnitResult& result);
-    void ReportPreprocessingFailure(const Unit& unit, const CapturedOutput& output, UnitResult& result);
-    [[nodiscard]] SettingsMap SettingsOf(const Unit& unit, IntermodularAnalysisMode mode);
-    bool RunCore(const Unit& unit, const Arguments& command, CapturedOutput& output, UnitResult& result);
-    bool ListDependencies(const Unit& unit, const std::string& settingsPath, std::vector<std::string>& dependencies,
-                          UnitResult& result);
-    void AnalyzeUnit(const Unit& unit, const std::string& settingsPath, UnitResult& result);
-    [[nodiscard]] bool IsInSystemFolder(const Unit& unit) const;
-    [[nodiscard]] std::optional<UnitResult> SettledResult(const AnalysisTask& task) const;
+    void RunTask(const AnalysisTask& task, ResultReceiver& receiver);
+    [[nodiscard]] std::optional<UnitResult> SettledResult(const CompileCommand& command, UnitAction action) const;
     [[nodiscard]] bool ShouldEnd() const noexcept;
 
     const RunSettings& settings_;
-    const CompilerRegistry& registry_;
-    RunPlaces places_;
+    const RunPlaces& places_;
     Log& log_;
     AnalyzerProgress& progress_;
     const StopFlag& stop_;
-    StandardProbe probe_;
-    VisualStudioEnvironment visualStudio_;
-    std::shared_ptr<const EnvironmentBlock> commonEnvironment_; // of invocations without variables of their own
-    std::optional<FileChanges> changes_;                        // since the first stage began
+    UnitPlanner planner_;
     std::atomic<bool> coreIsUnusable_ = false;
 };
+
+/// Makes the folder in which the core links, empty of what it has linked before: before the first unit is collected, so
+/// that a missing folder doesn't cost the collecting.
+/// \throws ZelmException like RunMerge
+void PrepareMerge(const RunPlaces& places);
 
 } // namespace Orvanta

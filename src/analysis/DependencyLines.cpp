@@ -17,7 +17,7 @@ std::vector<std::string> ReadDependencyLines(std::string_view output, std::strin
         const std::string_view line = TakeLine(output);
         if (line.starts_with(IncludeMark)) {
             const std::string_view path = line.substr(IncludeMark.size());
-            paths.push_back(path.empty() ? std::string() : NormalizePath(JoinPath(directory, path)));
+            paths.push_back(path.empty() ? std::string() : JoinPath(directory, path));
         }
     }
     return paths;

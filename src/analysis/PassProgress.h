@@ -1,7 +1,6 @@
 #pragma once
 
 #include "analysis/Progress.h"
-#include "analysis/RunPlan.h"
 
 #include <atomic>
 #include <cstddef>

@@ -1,6 +1,10 @@
 #include "analysis/PrecompiledHeader.h"
 
 #include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <cstddef>
+#include <iterator>
 
 namespace Orvanta {
 
@@ -14,6 +18,18 @@ std::optional<std::string> FindPrecompiledForm(const std::string& header, Log& l
         }
     }
     return std::nullopt;
+}
+
+void IncludePlainHeader(ParsedCommand& command, const std::string& directory) {
+    const std::string path = command.precompiled.path;
+    const auto place = static_cast<std::ptrdiff_t>(command.precompiled.firstArgument);
+    DropPrecompiled(command);
+    const std::string header = path.substr(0, path.size() - ExtensionOf(path).size());
+    // Where no header stands beside it, the compiler looks for one of its name among the folders of headers.
+    const bool isBeside = PathExists(JoinPath(directory, header));
+    const std::string words[] = {"-include", isBeside ? header : std::string(FileNameOf(header))};
+    command.keptArguments.insert(command.keptArguments.begin() + place, std::begin(words), std::end(words));
+    command.forcedIncludes.push_back(words[1]);
 }
 
 } // namespace Orvanta

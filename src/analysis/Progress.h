@@ -8,11 +8,24 @@
 
 namespace Orvanta {
 
+/// The stages that a unit goes through, as progress counts them.
+namespace ProgressStage {
+inline constexpr unsigned Analyzing = 0;
+inline constexpr unsigned ParsingIncludes = 1;
+inline constexpr unsigned Parsing = 2;
+} // namespace ProgressStage
+
+/// The part of a run's progress that one pass over the units is.
+struct PercentRange {
+    unsigned begin = 0;
+    unsigned end = 100;
+};
+
 /// Receives how far a run has come. Any thread may call it.
 class AnalyzerProgress {
 public:
     virtual ~AnalyzerProgress() = default;
-    /// One unit has gone through a stage: 0 analyzing, 1 parsing includes, 2 parsing.
+    /// One unit has gone through a stage, a number of ProgressStage.
     virtual void Step(unsigned percent, unsigned stage, std::string_view file) = 0;
     /// The run has ended: `summary` holds whole lines.
     virtual void Finish(std::string_view summary) = 0;

@@ -1,5 +1,6 @@
 #include "analysis/ReportCommitter.h"
 
+#include "analysis/ScopedFile.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
@@ -17,8 +18,16 @@ namespace Orvanta {
 
 namespace {
 
-// What an earlier run found can't be lost any more: it need not be on disk at once.
-constexpr std::size_t CarriedTogether = 256;
+// What an earlier run found can't be lost any more: it need not be on disk at once. So what has not changed costs a few
+// writes of the report in all, and little memory.
+constexpr std::size_t UnitsTogether = 256;
+constexpr std::size_t BytesTogether = std::size_t{1} << 20U;
+
+// Whether the unit took no time: its findings, if any, were known.
+bool IsSettled(AnalyzerStatus status) {
+    return status == AnalyzerStatus::CarriedOver || status == AnalyzerStatus::Excluded ||
+           status == AnalyzerStatus::NotListed || status == AnalyzerStatus::Stopped;
+}
 
 void MarkFailed(UnitResult& result, std::string reason) {
     if (!IsFailure(result.status)) { // the first reason stays
@@ -30,59 +39,76 @@ void MarkFailed(UnitResult& result, std::string reason) {
 } // namespace
 
 ReportCommitter::ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output,
-                                 OrvlogConverter::IOutput& chain)
-    : output_(output), chain_(&chain) {
+                                 OrvlogConverter::IOutput& chain, KeptFindings keptFindings)
+    : output_(output), chain_(&chain), keptFindings_(std::move(keptFindings)) {
     outcome_.statuses.assign(units, AnalyzerStatus::Stopped);
 }
 
 void ReportCommitter::Commit(std::size_t unit, UnitResult result) {
     const std::lock_guard lock(mutex_);
+    const bool isSettled = IsSettled(result.status);
     waiting_.emplace(unit, std::move(result));
-    CommitReady(lock);
-}
-
-void ReportCommitter::CommitReady(Locked lock) {
     for (auto ready = waiting_.find(next_); ready != waiting_.end(); ready = waiting_.find(next_)) {
         CommitUnit(lock, next_, ready->second);
         waiting_.erase(ready);
-        ++next_;
+    }
+    if (!isSettled) { // the next one that runs will take its time, too
+        Publish(lock);
     }
 }
 
+void ReportCommitter::Flush() {
+    const std::lock_guard lock(mutex_);
+    Publish(lock);
+}
+
 void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& result) {
-    unitFindings_ = {};
-    if (!result.fragmentPath.empty()) {
-        if (result.status != AnalyzerStatus::Stopped) {
-            try {
-                PassOnFragment(lock, result);
-            } catch (const FileException& error) {
-                MarkFailed(result, std::string("The core's findings can't be read: ") + error.what());
-            }
+    try {
+        PassOnFragment(lock, result);
+        if (result.status == AnalyzerStatus::CarriedOver) {
+            PassOnLines(lock, keptFindings_(unit), result);
         }
-        RemoveFile(result.fragmentPath);
+    } catch (const std::exception& error) {
+        MarkFailed(result, std::string("The core's findings can't be read: ") + error.what());
     }
-    PassOnKept(lock, result);
     for (const OrvlogConverter::ReportMessage& message : result.ownFindings) {
         PassOn(lock, message);
     }
+    outcome_.Settle(unit, result);
+    ++next_;
+    if (!IsSettled(result.status) || next_ - published_ >= UnitsTogether || bytesWaiting_ >= BytesTogether) {
+        Publish(lock);
+    }
+}
+
+// Puts on disk what was passed on since the last time. When that fails, the units whose findings it were have failed.
+void ReportCommitter::Publish(Locked) {
     try {
-        if (result.status != AnalyzerStatus::CarriedOver || ++carriedSinceCommit_ == CarriedTogether) {
-            output_.Commit();
-            carriedSinceCommit_ = 0;
-        }
-        for (std::size_t level = 0; level < unitFindings_.size(); ++level) {
-            outcome_.findingsByLevel[level] += unitFindings_[level];
+        output_.Commit();
+        for (std::size_t level = 0; level < findingsWaiting_.size(); ++level) {
+            outcome_.findingsByLevel[level] += findingsWaiting_[level];
         }
     } catch (const std::exception& error) {
-        MarkFailed(result, error.what());
+        for (; published_ < next_; ++published_) {
+            const AnalyzerStatus status = outcome_.statuses[published_];
+            if (status == AnalyzerStatus::CarriedOver || !IsSettled(status)) {
+                outcome_.Fail(published_, error.what());
+            }
+        }
     }
-    outcome_.Settle(unit, result);
+    published_ = next_;
+    findingsWaiting_ = {};
+    bytesWaiting_ = 0;
 }
 
 // A core that found nothing may have made no file. One that failed may have left half a line; every whole finding is
 // kept all the same.
 void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
-    if (!PathExists(result.fragmentPath)) {
+    if (result.fragmentPath.empty()) {
+        return;
+    }
+    const ScopedFile file(result.fragmentPath);
+    if (result.status == AnalyzerStatus::Stopped || !PathExists(result.fragmentPath)) {
         return;
     }
     std::ifstream fragment(NativePath(result.fragmentPath), std::ios::binary);
@@ -98,10 +124,10 @@ void ReportCommitter::PassOnFragment(Locked lock, UnitResult& result) {
     }
 }
 
-void ReportCommitter::PassOnKept(Locked lock, UnitResult& result) {
-    std::string_view rest = result.keptFindings;
-    for (std::size_t number = 1; !rest.empty(); ++number) {
-        PassOnLine(lock, TakeLine(rest), number, result);
+void ReportCommitter::PassOnLines(Locked lock, std::string_view lines, UnitResult& result) {
+    bytesWaiting_ += lines.size();
+    for (std::size_t number = 1; !lines.empty(); ++number) {
+        PassOnLine(lock, TakeLine(lines), number, result);
     }
 }
 
@@ -121,7 +147,7 @@ void ReportCommitter::PassOnLine(Locked lock, std::string_view line, std::size_t
 
 void ReportCommitter::PassOn(Locked, const OrvlogConverter::ReportMessage& message) {
     if (chain_.Write(message)) {
-        ++unitFindings_[message.level < unitFindings_.size() ? message.level : 0];
+        ++findingsWaiting_[message.level < findingsWaiting_.size() ? message.level : 0];
     }
 }
 

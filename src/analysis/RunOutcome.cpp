@@ -9,8 +9,16 @@ namespace Orvanta {
 
 void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     statuses[unit] = result.status;
+    inSystemFolders += result.isInSystemFolder ? 1 : 0;
     if (IsFailure(result.status)) {
         failures.emplace(unit, std::move(result.reason));
+    }
+}
+
+void RunOutcome::Fail(std::size_t unit, const std::string& reason, AnalyzerStatus status) {
+    if (!IsFailure(statuses[unit]) && statuses[unit] != AnalyzerStatus::Excluded) {
+        statuses[unit] = status;
+        failures.emplace(unit, reason);
     }
 }
 

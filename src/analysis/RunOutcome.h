@@ -19,10 +19,14 @@ struct RunOutcome {
     std::map<std::size_t, std::string> failures;     ///< by unit: why it failed
     std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
     std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
+    std::size_t inSystemFolders = 0;                 ///< units that were excluded because they lie there
     bool isReportKept = false;                       ///< the report stands as it was: its findings were not counted
 
     /// Takes over how a unit ended, and why.
     void Settle(std::size_t unit, UnitResult& result);
+
+    /// Makes the unit a failed one after all. One that has failed already or was excluded stays so.
+    void Fail(std::size_t unit, const std::string& reason, AnalyzerStatus status = AnalyzerStatus::Failed);
 };
 
 /// The exit code that the outcome of a run stands for: 0 when every unit that was not left out was analyzed, 1 when one
@@ -39,6 +43,10 @@ public:
 
     /// Takes the result of a unit, once per unit. Any thread may call it.
     virtual void Commit(std::size_t unit, UnitResult result) = 0;
+
+    /// The next results will take their time: what the results so far have led to is to be on disk. Any thread may call
+    /// it.
+    virtual void Flush() {}
 
     /// What became of the units so far. Only when no thread is in Commit.
     [[nodiscard]] virtual const RunOutcome& Outcome() const noexcept = 0;

@@ -1,56 +1,93 @@
 #include "analysis/SourceSelection.h"
 
-#include "platform/Paths.h"
+#include "history/UnitHistory.h"
+#include "platform/Files.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace Orvanta {
 
-ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
-                         std::span<const std::string> listed) {
-    std::vector<bool> isMatched;
-    const std::vector<bool> isMadeOfListed = history.UnitsMadeOf(listed, isMatched);
-    std::unordered_map<std::string, std::vector<std::size_t>> places; // in `listed`, by the comparable form of the path
-    for (std::size_t place = 0; place < listed.size(); ++place) {
-        places[ComparablePath(listed[place])].push_back(place);
-    }
-    ListedUnits selection;
-    selection.actions.reserve(units.size());
+namespace {
+
+UnitAction RunUnlessExcluded(const CompileCommand& unit, const RunSettings& settings) {
+    return IsExcluded(settings, SourcePath(unit)) ? UnitAction::Exclude : UnitAction::Run;
+}
+
+// The action of each unit.
+template <typename ActionOf>
+std::vector<UnitAction> ForEachUnit(std::span<const CompileCommand> units, const ActionOf& actionOf) {
+    std::vector<UnitAction> actions;
+    actions.reserve(units.size());
     for (std::size_t unit = 0; unit < units.size(); ++unit) {
-        const auto named = places.find(ComparablePath(SourcePath(units[unit])));
-        if (named != places.end()) {
-            for (const std::size_t place : named->second) {
-                isMatched[place] = true;
-            }
-        }
-        const bool isSelected = named != places.end() || isMadeOfListed[unit];
-        selection.actions.push_back(isSelected ? UnitAction::Run : UnitAction::LeaveOut);
+        actions.push_back(actionOf(unit));
     }
-    for (std::size_t place = 0; place < listed.size(); ++place) {
-        if (!isMatched[place]) {
-            selection.unmatched.push_back(listed[place]);
-        }
+    return actions;
+}
+
+// The first place at which there is something, else the first.
+const std::string& LikeliestPlace(const ListedFile& file) {
+    const auto place = std::find_if(file.places.begin(), file.places.end(),
+                                    [](const std::string& path) { return LookAt(path).IsThere(); });
+    return place == file.places.end() ? file.places.front() : *place;
+}
+
+} // namespace
+
+std::vector<UnitAction> SelectAll(std::span<const CompileCommand> units, const RunSettings& settings) {
+    return ForEachUnit(units, [&](std::size_t unit) { return RunUnlessExcluded(units[unit], settings); });
+}
+
+ListedUnits SelectListed(std::span<const CompileCommand> units, const UnitHistory& history,
+                         std::span<const ListedFile> listed, const RunSettings& settings) {
+    std::vector<std::string> places;
+    for (const ListedFile& file : listed) {
+        places.insert(places.end(), file.places.begin(), file.places.end());
     }
+    std::vector<bool> isMatched;
+    static_cast<void>(history.UnitsMadeOf(places, isMatched));
+    ListedUnits selection;
+    std::vector<std::string> chosen;
+    std::size_t first = 0; // of the file's places
+    for (const ListedFile& file : listed) {
+        std::size_t place = 0;
+        while (place < file.places.size() && !isMatched[first + place]) {
+            ++place;
+        }
+        if (place < file.places.size()) {
+            chosen.push_back(file.places[place]);
+        } else {
+            selection.unmatched.push_back(LikeliestPlace(file));
+        }
+        first += file.places.size();
+    }
+    const std::vector<bool> isSelected = history.UnitsMadeOf(chosen, isMatched);
+    selection.actions = ForEachUnit(units, [&](std::size_t unit) {
+        return isSelected[unit] ? RunUnlessExcluded(units[unit], settings) : UnitAction::LeaveOut;
+    });
     return selection;
 }
 
 std::vector<UnitAction> SelectModified(std::span<const CompileCommand> units, UnitHistory& history,
                                        const RunSettings& settings) {
-    std::vector<UnitAction> actions;
-    actions.reserve(units.size());
-    for (std::size_t unit = 0; unit < units.size(); ++unit) {
-        if (IsExcluded(settings, SourcePath(units[unit])) || history.IsLeftOut(unit)) {
-            actions.push_back(UnitAction::Exclude);
-        } else {
-            actions.push_back(history.IsUnchanged(unit) ? UnitAction::CarryOver : UnitAction::Run);
+    return ForEachUnit(units, [&](std::size_t unit) {
+        const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        if (action == UnitAction::Exclude) {
+            return action;
         }
-    }
-    return actions;
+        if (history.IsLeftOut(unit)) {
+            return UnitAction::ExcludeSystem;
+        }
+        return history.IsUnchanged(unit) ? UnitAction::CarryOver : UnitAction::Run;
+    });
 }
 
-bool RunsNone(std::span<const UnitAction> actions) {
-    return std::none_of(actions.begin(), actions.end(), [](UnitAction action) { return action == UnitAction::Run; });
+std::vector<UnitAction> SelectUnlisted(std::span<const CompileCommand> units, UnitHistory& history,
+                                       const RunSettings& settings) {
+    return ForEachUnit(units, [&](std::size_t unit) {
+        const UnitAction action = RunUnlessExcluded(units[unit], settings);
+        const bool isKnown = history.IsLeftOut(unit) || history.KnowsDependencies(unit);
+        return action == UnitAction::Run && isKnown ? UnitAction::LeaveOut : action;
+    });
 }
 
 } // namespace Orvanta

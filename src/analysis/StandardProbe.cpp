@@ -2,6 +2,7 @@
 
 #include "analysis/ScopedFile.h"
 #include "analysis/StartableCommand.h"
+#include "compilers/Compiler.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
@@ -86,7 +87,9 @@ void AppendDecisiveArguments(std::string& key, std::span<const std::string> argu
         const auto* const neutral =
             std::find_if(std::begin(NeutralFlags), std::end(NeutralFlags),
                          [&](const NeutralFlag& flag) { return argument.starts_with(flag.name); });
-        if (neutral == std::end(NeutralFlags)) {
+        // They hand arguments on: any flag may stand in them.
+        const bool isList = argument.starts_with("-Wp,") || argument.starts_with("-Wc,");
+        if (neutral == std::end(NeutralFlags) || isList) {
             key += '\0';
             key += argument;
         } else if (argument == neutral->name && neutral->takesValue) {
@@ -95,11 +98,25 @@ void AppendDecisiveArguments(std::string& key, std::span<const std::string> argu
     }
 }
 
-std::string AnswerKey(const ParsedCommand& command, Language language, const Environment& ownVariables) {
+// Whether a flag names a file by a path that means another file in another folder.
+bool NamesRelativeFile(const ParsedCommand& command) {
+    const auto isRelative = [](const std::string& path) {
+        return !IsAbsolutePath(path);
+    };
+    return std::any_of(command.filesRead.begin(), command.filesRead.end(), isRelative) ||
+           std::any_of(command.specFiles.begin(), command.specFiles.end(), isRelative) ||
+           std::any_of(command.searchPrefixes.begin(), command.searchPrefixes.end(), isRelative);
+}
+
+std::string AnswerKey(const ParsedCommand& command, Language language, const std::string& folder,
+                      const Environment& ownVariables) {
     std::string key = command.compilerPath;
     key += '\0';
     key += language == Language::C ? "C" : "C++";
     AppendDecisiveArguments(key, command.keptArguments);
+    if (NamesRelativeFile(command)) {
+        key.append(1, '\0').append(folder);
+    }
     for (const auto& [name, value] : ownVariables) {
         if (std::find(std::begin(NeutralVariables), std::end(NeutralVariables), name) == std::end(NeutralVariables)) {
             key += '\0';
@@ -146,13 +163,12 @@ StandardProbe::StandardProbe(std::string folder, const StopFlag& stop) : folder_
 
 std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command, Language language,
                                                  ProcessPlace place, const Environment& ownVariables) {
-    return answers_.Get(AnswerKey(command, language, ownVariables), [&] {
-        try {
-            return Ask(model, command, language, place);
-        } catch (const ZelmException&) {
-            return FallbackStandard(language); // not an error: a compiler need not answer
-        }
-    });
+    try {
+        return answers_.Get(AnswerKey(command, language, place.workingDirectory, ownVariables),
+                            [&] { return Ask(model, command, language, place); });
+    } catch (const ZelmException&) {
+        return FallbackStandard(language); // not an error: a compiler need not answer
+    }
 }
 
 std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
@@ -164,6 +180,9 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
     OutputFile(source.Path(), OutputFile::Mode::Replace).Append(language == Language::C ? CTestText : CppTestText);
 
     ParsedCommand probe = command;
+    if (!probe.precompiled.path.empty()) {
+        DropPrecompiled(probe); // it does not fit another source
+    }
     probe.sourceFile = source.Path();
     if (IsMsvcFamily(model.Type())) {
         // Without them the macro has a fixed old value, and a banner stands in the output.
@@ -177,8 +196,12 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
                     MakeRedirectToStringProcessor(output.standardOutput),
                     MakeRedirectToStringProcessor(output.standardError));
     const WaitResult end = WaitWithTimeout(process, ProbeTimeout, PollInterval, stop_);
-    if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
-        return FallbackStandard(language);
+    try {
+        if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
+            return FallbackStandard(language);
+        }
+    } catch (const ProcessInterruptedException&) {
+        return FallbackStandard(language); // it would hang again
     }
     const std::optional<long> version = LastNumber(ReadWholeFile(result.Path()));
     return version ? std::string(StandardWordOfVersion(*version, language)) : FallbackStandard(language);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "analysis/ProcessRun.h"
-#include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
 #include "platform/OnceMap.h"
 
@@ -11,9 +10,12 @@
 
 namespace Orvanta {
 
+class Compiler;
+
 /// Asks compilers for the language standard that they take when no flag names one. Asks once for each compiler,
 /// language and set of those arguments and variables that can change the answer; threads that want the same answer wait
-/// for it.
+/// for it. A compiler that can't be started, or fails, is asked again for the next command: what kept it from answering
+/// (a missing folder, a forced include) may be that command's own.
 class StandardProbe {
 public:
     /// `folder` takes the probe's files, which are removed again. Both must outlive the probe.

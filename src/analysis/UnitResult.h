@@ -12,8 +12,8 @@ namespace Orvanta {
 struct UnitResult {
     AnalyzerStatus status = AnalyzerStatus::Analyzed;
     std::string reason = {};                                      ///< of a failure
+    bool isInSystemFolder = false;                                ///< why it was excluded
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
-    std::string keptFindings = {};                                ///< those of an earlier run, in the core's own lines
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
 };
 

@@ -1,5 +1,6 @@
 #include "analysis/UnitSettings.h"
 
+#include "compilers/Compiler.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "settings/AnalysisMode.h"
@@ -46,8 +47,8 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
         {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},
         {"analysis-mode",     DefaultAnalysisMode                                                  },
         {"funsigned-char",    YesOrNo(command.unsignedChar)                                        },
-        {"fshort-float",      YesOrNo(command.shortFloat)                                          },
-        {"fshort-double",     YesOrNo(command.shortDouble)                                         },
+        {"fshort-float",      YesOrNo(command.effects.Has(FlagEffect::ShortFloat))                 },
+        {"fshort-double",     YesOrNo(command.effects.Has(FlagEffect::ShortDouble))                },
         {"std",               standard                                                             },
         {"new-output-format", "yes"                                                                },
     };
@@ -60,7 +61,7 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
         addDefault(key, value);
     }
     if (IsMsvcFamily(command.compilerType)) {
-        addDefault("msvc-await", YesOrNo(command.msvcAwait));
+        addDefault("msvc-await", YesOrNo(command.effects.Has(FlagEffect::Coroutines)));
     }
 
     Replace(settings, "source-file", command.sourceFile);

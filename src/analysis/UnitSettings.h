@@ -1,13 +1,14 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
-#include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
 #include "settings/SettingsMap.h"
 
 #include <string>
 
 namespace Orvanta {
+
+class Compiler;
 
 /// The files of one unit's run.
 struct UnitFiles {

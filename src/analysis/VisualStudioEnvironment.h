@@ -1,6 +1,6 @@
 #pragma once
 
-#include "compilers/CompilerIdentifier.h"
+#include "compilers/CompilerInfo.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Log.h"

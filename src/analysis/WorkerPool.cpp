@@ -1,22 +1,61 @@
 #include "analysis/WorkerPool.h"
 
 #include "platform/CrashHandler.h"
+#include "platform/Exceptions.h"
 
+#include <exception>
+#include <new>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
 
-WorkerPool::WorkerPool(unsigned threads) {
-    threads_.reserve(threads);
-    for (unsigned i = 0; i < threads; ++i) {
-        threads_.emplace_back([this] {
-            const ThreadCrashRoom crashRoom;
-            Work();
-        });
+namespace {
+
+void MakeCrashRoom(std::optional<ThreadCrashRoom>& room) noexcept {
+    try {
+        room.emplace();
+    } catch (const std::bad_alloc&) {
+        // a crash of this thread leaves no trace; the run goes on
+    }
+}
+
+} // namespace
+
+WorkerPool::WorkerPool(std::size_t threads) {
+    if (StartThreads(threads)) {
+        return;
+    }
+    // A thread alone does nothing: it needs memory, and starts a child. So half of what there was room for is given
+    // back.
+    const std::size_t half = (threads_.size() + 1) / 2;
+    EndThreads();
+    ending_ = false;
+    StartThreads(half);
+    if (threads_.empty() && threads > 0) {
+        throw ZelmException("Can't start a thread: " + fault_);
     }
 }
 
 WorkerPool::~WorkerPool() {
+    EndThreads();
+}
+
+// False when there are fewer than that.
+bool WorkerPool::StartThreads(std::size_t threads) {
+    try {
+        while (threads_.size() < threads) {
+            threads_.emplace_back([this] { Work(); });
+        }
+        return true;
+    } catch (const std::exception& error) { // no room for a thread, or in the list of them
+        fault_ = error.what();
+        return false;
+    }
+}
+
+// Those that run finish what is queued.
+void WorkerPool::EndThreads() noexcept {
     {
         const std::lock_guard lock(mutex_);
         ending_ = true;
@@ -25,6 +64,7 @@ WorkerPool::~WorkerPool() {
     for (std::thread& thread : threads_) {
         thread.join();
     }
+    threads_.clear();
 }
 
 void WorkerPool::push_task(std::function<void()> task) {
@@ -49,6 +89,8 @@ void WorkerPool::WaitForTasks() {
 }
 
 void WorkerPool::Work() {
+    std::optional<ThreadCrashRoom> crashRoom;
+    MakeCrashRoom(crashRoom);
     std::unique_lock lock(mutex_);
     while (true) {
         taskAdded_.wait(lock, [this] { return ending_ || !queue_.empty(); });

@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,10 +17,18 @@ namespace Orvanta {
 /// queued and joins the threads. One thread pushes and waits.
 class WorkerPool {
 public:
-    explicit WorkerPool(unsigned threads);
+    /// Starts as many of the threads as the system grants.
+    /// \throws ZelmException "Can't start a thread: " and the reason when it grants none
+    explicit WorkerPool(std::size_t threads);
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
+
+    /// How many threads there are.
+    [[nodiscard]] std::size_t Size() const noexcept { return threads_.size(); }
+
+    /// Why there are fewer than were asked for; empty when there are not.
+    [[nodiscard]] const std::string& Fault() const noexcept { return fault_; }
 
     void push_task(std::function<void()> task);
 
@@ -30,6 +39,8 @@ public:
     void WaitForTasks();
 
 private:
+    bool StartThreads(std::size_t threads);
+    void EndThreads() noexcept;
     void Work();
 
     std::mutex mutex_;
@@ -40,6 +51,7 @@ private:
     std::size_t running_ = 0;                 // guarded by mutex_
     std::exception_ptr failure_;              // guarded by mutex_
     bool ending_ = false;                     // guarded by mutex_
+    std::string fault_;
     std::vector<std::thread> threads_;
 };
 

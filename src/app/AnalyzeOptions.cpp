@@ -4,6 +4,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 
 #include <args.hxx>
 
@@ -50,41 +51,47 @@ using A = AnalyzeOptions;
 
 // The help shows the rows of this table, in this order.
 const OptionRow VisibleOptions[] = {
-    {'j', "threads",                        "N",             "Allow N Orvanta analyzers at once",                         nullptr,                 nullptr, &A::threads             },
-    {'i', "incremental",                    "",              "Use incremental analysis",                                  nullptr,                 nullptr, &A::incremental         },
-    {'o', "output-file",                    "FILE",          "Place the analyzer's report into FILE",                     nullptr,                 nullptr, &A::outputFile          },
-    {'c', "cfg",                            "FILE",          "Run Orvanta using config FILE",                             nullptr,                 nullptr, &A::settingsFile        },
-    {'s', "suppress-file",                  "FILE",          "Path to suppress file",                                     nullptr,                 nullptr, &A::suppressFile        },
-    {'q', "quiet",                          "",              "Analysis progress is not displayed",                        nullptr,                 nullptr, &A::quiet               },
-    {0,   "verbose",                        "",              "Tell what is done with every compiler invocation, and why", nullptr,                 nullptr, &A::verbose             },
-    {'f', "file",                           "FILE",          "Use trace output or compile commands database FILE",        "compile_commands.json",
-     "'compile_commands.json', 'strace_out'",                                                                                                               &A::inputFile           },
+    {'j', "threads",                        "N",             "Allow N Orvanta analyzers at once",                                        nullptr,                 nullptr, &A::threads             },
+    {'i', "incremental",                    "",              "Use incremental analysis",                                                 nullptr,                 nullptr, &A::incremental         },
+    {'o', "output-file",                    "FILE",          "Place the analyzer's report into FILE",                                    nullptr,                 nullptr, &A::outputFile          },
+    {'c', "cfg",                            "FILE",          "Run Orvanta using config FILE",                                            nullptr,                 nullptr, &A::settingsFile        },
+    {'s', "suppress-file",                  "FILE",          "Path to suppress file",                                                    nullptr,                 nullptr, &A::suppressFile        },
+    {'q', "quiet",                          "",              "Analysis progress is not displayed",                                       nullptr,                 nullptr, &A::quiet               },
+    {0,   "verbose",                        "",              "Tell what is done with every compiler invocation, and why",                nullptr,                 nullptr, &A::verbose             },
+    {0,   "show",                           "N",             "Show the N worst findings at the end, 0 for none",                         "10",                    nullptr, &A::show                },
+    {0,   "fail-on",                        "TYPES",
+     "End with exit code 2 when a finding that is shown is one of these analyzers and levels, such as 'GA:1;64'; 'all' "
+     "is any finding",                                                                                                                   nullptr,                 nullptr, &A::failOn              },
+    {'f', "file",                           "FILE",          "Use trace output or compile commands database FILE",                       "compile_commands.json",
+     "'compile_commands.json', 'strace_out'",                                                                                                                              &A::inputFile           },
     {'S', "source-files",                   "FILE",
      "Allows to analyze a list of source files, taking into account compile dependencies. The list of files is "
-     "plaintext, with every file on a separate line, absolute or relative paths.",                                        nullptr,                 nullptr, &A::sourceList          },
-    {'C', "compiler",                       "COMPILER_NAME", "Filter compiler commands by compiler name",                 nullptr,                 nullptr, &A::compilers           },
-    {'E', "env",                            "VAR=VALUE",     "Modify environment for preprocessor",                       nullptr,                 nullptr, &A::environment         },
-    {'e', "exclude-path",                   "PATH",          "Directory whose files are not necessary to check",          nullptr,                 nullptr,
-     &A::excludePaths                                                                                                                                                               },
-    {'a', "analysis-mode",                  "MODE",          AnalysisModeHelp,                                            "GA",                    nullptr, &A::analysisMode        },
-    {'r', "sourcetree-root",                "DIR",           "Replace absolute paths in report with relative paths",      nullptr,                 nullptr,
-     &A::sourceTreeRoot                                                                                                                                                             },
-    {'p', "preprocessor",                   "NAME",          "Preprocessor (gcc or clang)",                               "<auto-detected>",       nullptr, &A::preprocessor        },
-    {0,   "platform",                       "NAME",          "Platform (linux64, linux32)",                               "linux64",               nullptr, &A::platform            },
-    {0,   "orvanta-path",                   "FILE",          "Path to Orvanta",                                           nullptr,                 nullptr, &A::corePath            },
-    {'R', "rules-config",                   "FILE",          "Path to the diagnostic configuration file (.orvconfig)",    nullptr,                 nullptr,
-     &A::rulesConfig                                                                                                                                                                },
+     "plaintext, with every file on a separate line, absolute or relative paths.",                                                       nullptr,                 nullptr, &A::sourceList          },
+    {0,   "allow-empty",                    "",              "A list of source files of which nothing belongs to the build is no error", nullptr,                 nullptr,
+     &A::allowEmpty                                                                                                                                                                                },
+    {'C', "compiler",                       "COMPILER_NAME", "Filter compiler commands by compiler name",                                nullptr,                 nullptr, &A::compilers           },
+    {'E', "env",                            "VAR=VALUE",     "Modify environment for preprocessor",                                      nullptr,                 nullptr, &A::environment         },
+    {'e', "exclude-path",                   "PATH",          "Directory whose files are not necessary to check",                         nullptr,                 nullptr,
+     &A::excludePaths                                                                                                                                                                              },
+    {'a', "analysis-mode",                  "MODE",          AnalysisModeHelp,                                                           "GA",                    nullptr, &A::analysisMode        },
+    {'r', "sourcetree-root",                "DIR",           "Replace absolute paths in report with relative paths",                     nullptr,                 nullptr,
+     &A::sourceTreeRoot                                                                                                                                                                            },
+    {'p', "preprocessor",                   "NAME",          "Preprocessor (gcc or clang)",                                              "<auto-detected>",       nullptr, &A::preprocessor        },
+    {0,   "platform",                       "NAME",          "Platform (linux64, linux32)",                                              "linux64",               nullptr, &A::platform            },
+    {0,   "orvanta-path",                   "FILE",          "Path to Orvanta",                                                          nullptr,                 nullptr, &A::corePath            },
+    {'R', "rules-config",                   "FILE",          "Path to the diagnostic configuration file (.orvconfig)",                   nullptr,                 nullptr,
+     &A::rulesConfig                                                                                                                                                                               },
     {0,   "ignore-ccache",                  "",
      "Enables the analysis of all source files ignoring the current ccache state. Even if ccache decides that compiler "
-     "should not run, the analyzer will still analyze the corresponding source files.",                                   nullptr,                 nullptr, &A::ignoreCcache        },
+     "should not run, the analyzer will still analyze the corresponding source files.",                                                  nullptr,                 nullptr, &A::ignoreCcache        },
     {0,   "analyze-specified-system-paths", "",
      "Enables the analysis of files inside directories specified by the following compiler flags: 'isystem', "
-     "'isysroot', 'system_include_dir' etc.",                                                                             nullptr,                 nullptr, &A::analyzeSystemPaths  },
-    {0,   "intermodular",                   "",              "Enable intermodular analysis",                              nullptr,                 nullptr, &A::intermodular        },
+     "'isysroot', 'system_include_dir' etc.",                                                                                            nullptr,                 nullptr, &A::analyzeSystemPaths  },
+    {0,   "intermodular",                   "",              "Enable intermodular analysis",                                             nullptr,                 nullptr, &A::intermodular        },
     {0,   "regenerate-depend-info",         "OPTION",
      "Regenerates compilation dependency information for each source file and saves it into depend_info.json.\n"
      "skip-analysis - performs regeneration without starting the analysis;\n"
-     "run-analysis - performs regeneration and starts the analysis.",                                                     nullptr,                 nullptr, &A::regenerateDependInfo},
+     "run-analysis - performs regeneration and starts the analysis.",                                                                    nullptr,                 nullptr, &A::regenerateDependInfo},
 };
 
 const OptionRow HiddenOptions[] = {
@@ -247,6 +254,22 @@ std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
     return warnings;
 }
 
+std::size_t FindingsToShow(const AnalyzeOptions& options) {
+    constexpr std::size_t Default = 10;
+    if (!options.show) {
+        return Default;
+    }
+    const auto count = WholeNumber<std::size_t>(*options.show);
+    if (!count) {
+        throw ZelmException("Wrong value of --show: \"" + *options.show + "\", expected a number of 0 or more");
+    }
+    return *count;
+}
+
+std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
+    return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
@@ -256,7 +279,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.rulesConfig, "--rules-config");
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
-    if (options.settingsFile) {
+    if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
     RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");
@@ -268,6 +291,8 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
     RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
     static_cast<void>(RegenerationOf(options));
+    static_cast<void>(FindingsToShow(options));
+    static_cast<void>(GateOf(options));
     for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));
     }

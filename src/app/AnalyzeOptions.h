@@ -1,5 +1,8 @@
 #pragma once
 
+#include "render/FindingGate.h"
+
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +19,9 @@ enum class RegenerateDependInfoOption {
     RunAnalysis,  ///< it is made before the analysis
 };
 
+/// The value of --cfg that has the project's own settings file searched.
+inline constexpr const char* FindSettingsFile = "auto";
+
 /// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
 struct AnalyzeOptions {
     std::optional<std::string> threads;
@@ -25,8 +31,11 @@ struct AnalyzeOptions {
     std::optional<std::string> suppressFile;
     bool quiet = false;
     bool verbose = false;
+    std::optional<std::string> show;
+    std::optional<std::string> failOn;
     std::optional<std::string> inputFile;
     std::optional<std::string> sourceList;
+    bool allowEmpty = false;
     std::vector<std::string> compilers;
     std::vector<std::string> environment; ///< "VAR=VALUE"
     std::vector<std::string> excludePaths;
@@ -60,6 +69,14 @@ struct AnalyzeOptions {
 /// Declares the options of `analyze` on its parser and parses the rest of the command line.
 /// \throws args::Error and the parser library's other exceptions
 [[nodiscard]] AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser);
+
+/// How many findings are shown at the end.
+/// \throws ZelmException
+[[nodiscard]] std::size_t FindingsToShow(const AnalyzeOptions& options);
+
+/// The gate of `--fail-on`; absent when it was not given.
+/// \throws OrvlogConverter::ConfigException
+[[nodiscard]] std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options);
 
 /// Checks what the options say before any work: files that must exist, options that exclude each other, and words that
 /// mean nothing.

@@ -1,22 +1,34 @@
 #pragma once
 
-#include "analysis/AnalyzerRunner.h"
-#include "app/AnalyzeOptions.h"
-#include "app/ReportMark.h"
-#include "buildinput/BuildInput.h"
+#include "analysis/Progress.h"
+#include "analysis/RunPlaces.h"
+#include "app/AnalyzeInput.h"
+#include "app/RunLocks.h"
+#include "app/ShownFindings.h"
 #include "compilers/CompilerRegistry.h"
-#include "platform/LockFile.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
-#include "suppress/SuppressBase.h"
 
 #include <chrono>
-#include <optional>
-#include <span>
 #include <string>
-#include <vector>
+
+// The program: what the user asks for, and what the user is told.
+//
+// `Entry` picks the subcommand, each of which has a file of its own: the parser's declarations, the checks that need no
+// work, and the work. `TopLevel` is the only place that turns errors into texts and codes. All below throws.
+//
+// A run of `analyze` has three parts. AnalyzeRun reads what there is to do and takes the locks; AnalyzePasses is the
+// list of passes over the units that the options ask for; and End tells what came of it. There is one end, whatever
+// the passes came to, so that no way to analyze can forget the list of failures or the summary. An error that ends the
+// passes early is told after it.
+//
+// The order at the start is a promise. Everything that can be wrong without a core is found before one is started: the
+// options, a broken base, the input, another run. Then the core is started for the first time, to ask for its version,
+// and only then is the report opened: a run that can't begin leaves the report of the one before as it was.
 
 namespace Orvanta {
+
+struct RunEnding;
 
 /// One run of `analyze`, from the checked options to the exit code.
 class AnalyzeRun {
@@ -30,50 +42,23 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    [[nodiscard]] bool UsesHistory() const;
-    [[nodiscard]] std::chrono::milliseconds Elapsed() const;
-    [[nodiscard]] std::string OutputFolder() const;
+    void ReadInputs();
+    [[nodiscard]] int Analyze();
+    [[nodiscard]] RunLocks TakeLocks();
     [[nodiscard]] RunPlaces MakePlaces(const std::string& temporaryFolder);
     [[nodiscard]] std::string CorePath();
-    void TakeLocks();
+    [[nodiscard]] int ResultOf(const RunEnding& ending) const;
+    void End(const RunEnding& ending);
+    void ShowFindings();
 
-    // The ways to analyze; all return the run's code.
-    int Analyze();
-    int AnalyzeAll(AnalyzerRunner& runner);
-    int AnalyzeAcrossUnits(AnalyzerRunner& runner);
-    int AnalyzeByHistory(AnalyzerRunner& runner, const std::string& corePath);
-
-    void ReadHistory(UnitHistory& history);
-    RunOutcome ListDependencies(AnalyzerRunner& runner, UnitHistory& history);
-    [[nodiscard]] RunPlan SelectUnits(UnitHistory& history);
-    void TellNotListed(std::span<const UnitAction> actions);
-    [[nodiscard]] Fingerprint ReportContents(const Fingerprint& names, UnitHistory& history) const;
-    void AnalyzeUnits(AnalyzerRunner& runner, IntermodularAnalysisMode mode, const RunPlan& plan);
-    void AddEarlierFailures(const RunOutcome& earlier, const char* what);
-
-    // The ways to end; all tell the user and return the run's code.
-    int EndWithoutAnalysis(const RunOutcome& listed);
-    int EndWithNothingModified(AnalyzerRunner& runner, const RunPlan& plan, const Fingerprint& contents);
-    int EndAnalysis(const std::string& reportPath);
-
-    const AnalyzeOptions& options_;
     const Clock::time_point start_ = Clock::now();
     const StopFlag& stop_ = ProcessStopFlag();
     const CompilerRegistry registry_;
-    RunSettings settings_;
-    unsigned threads_;
-    std::string reportPath_; // empty: the findings go to standard output
-    ReportMark mark_;
+    AnalyzeInput input_;
+    std::string outputFolder_; // of the report, or the current one
     Log log_;
+    ShownFindings shown_;
     StdOutProgress progress_;
-    LockFile reportLock_;
-    LockFile folderLock_;
-    std::optional<OrvlogConverter::SuppressBase> base_; // of --suppress-file
-    std::optional<std::vector<std::string>> listedFiles_;
-    CollectedCommands commands_;
-    std::vector<const CompileCommand*> units_; // of commands_
-    PercentRange analysisPercents_;            // what is left for the analysis
-    RunOutcome outcome_;
 };
 
 } // namespace Orvanta

@@ -2,6 +2,7 @@
 
 #include "app/AnalyzeCommand.h"
 #include "app/FilterSuppressedCommand.h"
+#include "app/ProgramText.h"
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
@@ -60,7 +61,8 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     SetUpParser(parser);
     const args::HelpFlag help(parser, "help", "Show help page", {'h', "help"}, args::Options::Global);
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"},
-                                   [] { throw VersionRequest(std::string(ProgramName) + " " + Version); });
+                                   [] { throw PrintRequest(std::string(ProgramName) + " " + Version + "\n"); });
+    const TextOptions texts(parser);
     const args::CompletionFlag completion(parser, {"complete"});
     args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
     analyze.Epilog(Epilog);

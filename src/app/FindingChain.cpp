@@ -3,9 +3,11 @@
 namespace Orvanta {
 
 FindingChain::FindingChain(OrvlogConverter::ReportOutput& report,
-                           const std::optional<OrvlogConverter::SuppressBase>& base, const std::string& sourceRoot)
+                           const std::optional<OrvlogConverter::SuppressBase>& base, OrvlogConverter::IOutput& watcher,
+                           const std::string& sourceRoot)
     : root_(sourceRoot.empty() ? std::nullopt
                                : std::make_optional<OrvlogConverter::SourceRootHider>(&report, sourceRoot)),
-      filter_(root_ ? static_cast<OrvlogConverter::IOutput*>(&*root_) : &report, base ? &*base : nullptr) {}
+      watch_(root_ ? static_cast<OrvlogConverter::IOutput*>(&*root_) : &report, watcher),
+      filter_(&watch_, base ? &*base : nullptr) {}
 
 } // namespace Orvanta

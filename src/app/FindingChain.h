@@ -10,14 +10,13 @@
 
 namespace Orvanta {
 
-/// What stands between the findings of a run and its report: the base hides what it holds, then the root of the source
-/// tree leaves the paths.
+/// What stands between the findings of a run and its report: the base hides what it holds, what is left is watched,
+/// then the root of the source tree leaves the paths.
 class FindingChain {
 public:
-    /// Without a base nothing is hidden, with an empty root paths stay as they are. `report` and `base` outlive the
-    /// chain.
+    /// Without a base nothing is hidden, with an empty root paths stay as they are. All but the root outlive the chain.
     FindingChain(OrvlogConverter::ReportOutput& report, const std::optional<OrvlogConverter::SuppressBase>& base,
-                 const std::string& sourceRoot);
+                 OrvlogConverter::IOutput& watcher, const std::string& sourceRoot);
 
     /// Where findings go in.
     [[nodiscard]] OrvlogConverter::IOutput& Front() { return filter_; }
@@ -25,7 +24,22 @@ public:
     [[nodiscard]] std::size_t HiddenCount() const noexcept { return filter_.HiddenCount(); }
 
 private:
+    /// Shows every finding to an output beside the road.
+    class Watch : public OrvlogConverter::IFilter {
+    public:
+        Watch(OrvlogConverter::IOutput* next, OrvlogConverter::IOutput& watcher) : IFilter(next), watcher_(watcher) {}
+
+        bool Accept(const OrvlogConverter::ReportMessage& message) override {
+            watcher_.Write(message);
+            return true;
+        }
+
+    private:
+        OrvlogConverter::IOutput& watcher_;
+    };
+
     std::optional<OrvlogConverter::SourceRootHider> root_;
+    Watch watch_;
     OrvlogConverter::SuppressBaseFilter filter_;
 };
 

@@ -4,6 +4,8 @@
 #include "buildinput/CommandStringSplitter.h"
 #include "buildinput/InvocationCollector.h"
 #include "buildinput/SourceList.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -36,6 +38,23 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     return command;
 }
 
+// A folder stands for the database in it. What can't be there is told with what to do.
+std::string InputPath(const std::string& given) {
+    const std::string path = IsDirectory(given) ? JoinPath(given, DefaultInput) : given;
+    if (PathExists(path)) {
+        return path;
+    }
+    for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
+        const std::string other = JoinPath(folder, DefaultInput);
+        if (PathExists(other)) {
+            throw ZelmException("Couldn't open file " + path, other + " exists: -f " + other);
+        }
+    }
+    throw ZelmException("Couldn't open file " + path,
+                        "Have the build make a database (cmake -DCMAKE_EXPORT_COMPILE_COMMANDS=ON) or a trace "
+                        "(strace), and name it with -f FILE");
+}
+
 void TellSkipped(const CollectedCommands& commands, Log& log) {
     const auto launchers = std::count_if(commands.skipped.begin(), commands.skipped.end(), [](const auto& skipped) {
         return skipped.fate == InvocationFate::SkippedLauncher;
@@ -56,26 +75,23 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
 
 } // namespace
 
-std::optional<std::vector<std::string>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
+std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
     if (!options.sourceList && !options.dependencyFile) {
         return std::nullopt;
     }
-    std::vector<std::string> paths;
+    const std::vector<std::string> folders = FoldersOfLists();
+    std::vector<ListedFile> files;
     if (options.sourceList) {
         log.Line("Using source list file: " + *options.sourceList);
-        SourceList list = ReadSourceList(*options.sourceList);
-        if (list.isEmpty) {
-            throw ZelmException("The list of source files is empty.");
+        files = ReadSourceList(*options.sourceList, folders);
+        if (files.empty() && !options.allowEmpty) {
+            throw ZelmException("The list of source files is empty.", "Use --allow-empty when that is no error");
         }
-        if (list.paths.empty()) {
-            throw ZelmException("The list of source files does not contain valid paths.");
-        }
-        paths = std::move(list.paths);
     }
     if (options.dependencyFile) {
-        paths.push_back(AbsolutePath(*options.dependencyFile));
+        files.push_back(FileInFolders(*options.dependencyFile, folders));
     }
-    return paths;
+    return files;
 }
 
 CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
@@ -85,7 +101,7 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     if (options.sourceFile) {
         collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
     } else {
-        ReadBuildInput(options.inputFile.value_or(DefaultInput), collector);
+        ReadBuildInput(InputPath(options.inputFile.value_or(DefaultInput)), collector);
     }
     CollectedCommands commands = collector.Take();
     TellSkipped(commands, log);

@@ -2,6 +2,7 @@
 
 #include "app/AnalyzeOptions.h"
 #include "buildinput/BuildInput.h"
+#include "buildinput/SourceList.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
@@ -15,7 +16,7 @@ namespace Orvanta {
 
 /// The files that `--source-files` lists and `--dep-file` names, absolute and normalised; absent when neither is given.
 /// \throws ZelmException for a list without paths
-[[nodiscard]] std::optional<std::vector<std::string>> ReadListedFiles(const AnalyzeOptions& options, Log& log);
+[[nodiscard]] std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log);
 
 /// Reads the compiler invocations that a run works on: those of the build input, or the one that `--source-file` makes
 /// up. Tells in the log which were skipped, and why.

@@ -1,6 +1,7 @@
 #include "app/RunSetup.h"
 
 #include "app/OutputCheck.h"
+#include "app/ProjectSettings.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
@@ -94,10 +95,12 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
 
 RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     RunSettings settings;
-    if (options.settingsFile) {
-        const std::string path = AbsolutePath(*options.settingsFile);
-        SettingsMap fromFile = ReadSettingsFile(path);
-        MakeOwnPathsAbsolute(fromFile, path);
+    if (const std::optional<std::string> path = SettingsFileOf(options)) {
+        SettingsMap fromFile = ReadSettingsFile(*path);
+        if (*options.settingsFile == FindSettingsFile) {
+            DropUntrusted(fromFile, *path);
+        }
+        MakeOwnPathsAbsolute(fromFile, *path);
         ApplySettings(settings, fromFile);
     }
     ApplyOptions(settings, options);

@@ -1,6 +1,7 @@
 #include "app/TopLevel.h"
 
 #include "analysis/AnalyzerRunner.h"
+#include "analysis/RunOutcome.h"
 #include "buildinput/BuildInput.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -20,6 +21,14 @@ namespace {
 
 void Print(std::string_view text) {
     WriteToStandardOutput(text);
+}
+
+template <class Error>
+void PrintError(const Error& error) {
+    PrintLine(std::string("Error: ") + error.what());
+    if (!error.Hint().empty()) {
+        PrintLine(error.Hint());
+    }
 }
 
 void PrintHelp(const args::ArgumentParser& parser) {
@@ -76,16 +85,17 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const args::Help&) {
         PrintHelp(parser);
         return 0;
-    } catch (const VersionRequest& version) {
-        PrintLine(version.what());
+    } catch (const PrintRequest& request) {
+        Print(request.what());
         return 0;
     } catch (const args::Error& error) {
         PrintLine(error.what());
         PrintHelp(parser);
+        PrintLine(error.what()); // the first one may be far up by now
     } catch (const OrvlogConverter::StoppedException&) {
         return InterruptedExitCode;
     } catch (const OrvlogConverter::ReportException& error) {
-        PrintLine(std::string("Error: ") + error.what());
+        PrintError(error);
     } catch (const NoCompilationCommandsToRun& error) {
         PrintLine(error.what());
     } catch (const NoCompilerInvocationsFound& error) {
@@ -93,7 +103,7 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     } catch (const ZelmRcException& error) {
         return IsStandardOutputLost() ? 1 : error.ReturnCode();
     } catch (const ZelmException& error) {
-        PrintLine(std::string("Error: ") + error.what());
+        PrintError(error);
     } catch (const std::exception& error) {
         PrintLine(std::string("Unexpected exception was thrown: ") + error.what());
     }

@@ -11,11 +11,12 @@ class ArgumentParser;
 
 namespace Orvanta {
 
-/// The user asks for a program's version; thrown by a flag's action, caught by ParseAndRun only.
-class VersionRequest : public std::exception {
+/// The user asks for a text and nothing else, such as a program's version; thrown by a flag's action, caught by
+/// ParseAndRun only.
+class PrintRequest : public std::exception {
 public:
-    /// `text` names the program and its version.
-    explicit VersionRequest(std::string text) : text_(std::move(text)) {}
+    /// `text` is printed as it is.
+    explicit PrintRequest(std::string text) : text_(std::move(text)) {}
 
     [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 

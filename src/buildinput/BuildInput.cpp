@@ -2,7 +2,7 @@
 
 #include "buildinput/CompilationDatabase.h"
 #include "buildinput/InvocationCollector.h"
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
@@ -22,7 +22,7 @@ void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     if (!input.is_open()) {
         throw ZelmException("Couldn't open file " + path);
     }
-    if (ComparablePath(ExtensionOf(path)) == ".json") {
+    if (ExtensionOf(path) == ".json") {
         input.close();
         collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
         if (!ReadCompilationDatabase(path, collector)) {

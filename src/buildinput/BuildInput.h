@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+// What this room is for: to learn from one file which commands a build has run. A compilation database says it entry by
+// entry, a trace call by call (trace/); both end in the InvocationCollector, so that nothing behind it can tell where a
+// unit came from. Databases and traces are read as streams: their length does not count, only what is kept of them.
+
 namespace Orvanta {
 
 /// A build input was read, but it holds no invocation of a known compiler. Only the entry catches it.

@@ -4,6 +4,7 @@
 #include "platform/BlockReader.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/Text.h"
 
 #include <nlohmann/json.hpp>
 
@@ -327,7 +328,11 @@ void DatabaseHandler::HandOver() {
     const Environment environment = TakeEnvironment(entry_);
     const std::string& directory = RequireText(entry_.directory);
     if (entry_.argumentsType.empty()) {
-        SplitCommandString(RequireText(entry_.command), rules_, entry_.arguments);
+        const std::string& command = RequireText(entry_.command);
+        SplitCommandString(command, rules_, entry_.arguments);
+        if (entry_.arguments.empty() && std::all_of(command.begin(), command.end(), IsWhiteSpace)) {
+            entry_.arguments = {":"}; // a step that runs nothing, as ninja lists it
+        }
     } else if (entry_.argumentsType != Array) {
         throw TypeError(Array, entry_.argumentsType);
     } else if (!entry_.wrongArgumentType.empty()) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "buildinput/ArgumentList.h"
-#include "compilers/CommandLineReader.h"
-#include "compilers/CompilerIdentifier.h"
+#include "compilers/CompilerInfo.h"
+#include "compilers/SourceArgument.h"
 #include "platform/Environment.h"
 
 #include <cstddef>

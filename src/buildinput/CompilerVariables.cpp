@@ -40,7 +40,20 @@ std::vector<std::string> WordsOf(std::string_view value) {
     return words;
 }
 
+// Beginnings of the names: GCC's lists of dependencies, and clang's logs.
+constexpr std::string_view WritingVariables[] = {
+    "DEPENDENCIES_OUTPUT", "SUNPRO_DEPENDENCIES", "CC_PRINT_HEADERS",       "CC_LOG_DIAGNOSTICS",
+    "CC_PRINT_OPTIONS",    "CC_PRINT_PROC_STAT",  "CC_PRINT_INTERNAL_STAT",
+};
+
 } // namespace
+
+void RemoveWritingVariables(Environment& variables) {
+    std::erase_if(variables, [](const auto& variable) {
+        return std::any_of(std::begin(WritingVariables), std::end(WritingVariables),
+                           [&](std::string_view beginning) { return variable.first.starts_with(beginning); });
+    });
+}
 
 void AddArgumentsOfVariables(std::vector<std::string>& arguments, std::span<const Environment* const> layers) {
     std::vector<std::string> front = WordsOf(ValueOf(FrontArgumentsVariable, layers));

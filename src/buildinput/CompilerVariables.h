@@ -17,4 +17,7 @@ inline constexpr std::string_view BackArgumentsVariable = "_CL_";
 /// `layers` are the environments in which a variable may stand, the one that counts most first.
 void AddArgumentsOfVariables(std::vector<std::string>& arguments, std::span<const Environment* const> layers);
 
+/// Takes out what would make a compiler write files while it preprocesses, whoever has set it.
+void RemoveWritingVariables(Environment& variables);
+
 } // namespace Orvanta

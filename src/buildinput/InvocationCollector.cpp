@@ -1,9 +1,12 @@
 #include "buildinput/InvocationCollector.h"
 
 #include "buildinput/CompilerVariables.h"
+#include "buildinput/Launchers.h"
 #include "buildinput/OptionFile.h"
 #include "buildinput/ProgramName.h"
 #include "buildinput/ResponseFile.h"
+#include "buildinput/ShellLine.h"
+#include "compilers/CommandLineReader.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
@@ -97,7 +100,8 @@ void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments,
     ++collected_.invocations;
     std::optional<Refusal> refusal;
     try {
-        refusal = Collect(arguments, workingDirectory, environment, scope);
+        refusal = IsShellLine(arguments) ? CollectShellLine(arguments, workingDirectory, environment, scope)
+                                         : CollectLaunched(arguments, workingDirectory, environment, scope);
     } catch (const ZelmException& error) {
         refusal = Refusal{InvocationFate::Unreadable, error.what()};
     }
@@ -134,9 +138,6 @@ bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments
 std::optional<InvocationCollector::Refusal> InvocationCollector::Refuse(const std::vector<std::string>& arguments,
                                                                         const std::string& workingDirectory,
                                                                         const Environment& environment) const {
-    if (arguments.empty()) {
-        return Refusal{InvocationFate::Unreadable, "the command string can't be split"};
-    }
     if (arguments[0].empty()) {
         return Refusal{InvocationFate::Unreadable, "the command names no compiler"};
     }
@@ -173,6 +174,91 @@ InvocationCollector::RefuseCompiler(const CompilerIdentifier::Result& identified
     return std::nullopt;
 }
 
+bool InvocationCollector::IsCompiler(std::string_view program) const {
+    const std::vector<std::string>& names = settings_.compilerNames;
+    return LooksLikeCompiler(program) || std::any_of(names.begin(), names.end(), [program](std::string_view name) {
+               return IsProgramNamed(program, name);
+           });
+}
+
+/// A program that is not known, with a compiler as the first of its words.
+bool InvocationCollector::LooksLikeLauncher(const std::vector<std::string>& arguments) const {
+    if (IsCompiler(arguments[0]) || FileNameOf(arguments[0]) == Ccache) {
+        return false;
+    }
+    const auto word = std::find_if(arguments.begin() + 1, arguments.end(),
+                                   [](std::string_view argument) { return !argument.starts_with("--"); });
+    return word != arguments.end() && IsCompiler(*word);
+}
+
+/// Takes the compiler's commands of a line that was meant for a shell.
+std::optional<InvocationCollector::Refusal> InvocationCollector::CollectShellLine(std::vector<std::string>& arguments,
+                                                                                  const std::string& workingDirectory,
+                                                                                  const Environment& environment,
+                                                                                  EnvironmentScope scope) {
+    std::optional<Refusal> refusal = Refusal{InvocationFate::NotACompilation, "no command of a compiler"};
+    bool gaveUnits = false;
+    for (ShellCommand& command : SplitShellLine(arguments)) {
+        const bool mayCompile = std::any_of(command.words.begin(), command.words.end(),
+                                            [this](std::string_view word) { return IsCompiler(word); });
+        if (!mayCompile) {
+            continue;
+        }
+        const std::string directory =
+            command.directory.empty() ? workingDirectory : JoinPath(workingDirectory, command.directory);
+        std::optional<Refusal> own = CollectLaunched(command.words, directory, environment, scope);
+        gaveUnits = gaveUnits || !own;
+        refusal = std::move(own);
+    }
+    return gaveUnits ? std::nullopt : refusal;
+}
+
+/// Takes a command with whatever stands in front of its compiler.
+std::optional<InvocationCollector::Refusal> InvocationCollector::CollectLaunched(std::vector<std::string>& arguments,
+                                                                                 const std::string& workingDirectory,
+                                                                                 const Environment& environment,
+                                                                                 EnvironmentScope scope) {
+    if (arguments.empty()) {
+        return Refusal{InvocationFate::Unreadable, "the command string can't be split"};
+    }
+    const LauncherEffects effects = RemoveLaunchers(arguments, settings_.launcherNames);
+    if (!effects.otherPurpose.empty()) {
+        return Refusal{InvocationFate::NotACompilation, std::string(effects.otherPurpose)};
+    }
+    if (!effects.any) {
+        return Collect(arguments, workingDirectory, environment, scope);
+    }
+    if (arguments.empty()) {
+        return Refusal{InvocationFate::NotACompilation, "no command of a compiler"};
+    }
+    Environment variables = effects.variables;
+    variables.insert(environment.begin(), environment.end());
+    const std::string directory =
+        effects.directory.empty() ? workingDirectory : JoinPath(workingDirectory, effects.directory);
+    return Collect(arguments, directory, variables, scope);
+}
+
+/// The words behind unknown flags that are no files: they are kept with the flags. A source that is missing, but would
+/// be the command's only one, is a source.
+std::vector<std::size_t> InvocationCollector::ValuesOfUnknown(const InvocationOutline& outline,
+                                                              const std::vector<std::string>& arguments,
+                                                              const std::string& directory) const {
+    std::vector<std::size_t> values;
+    std::size_t sources = outline.sources.size();
+    for (const std::size_t word : outline.openWords) {
+        const bool isSource = std::any_of(outline.sources.begin(), outline.sources.end(),
+                                          [word](const SourceArgument& source) { return source.index == word; });
+        if (PathExists(JoinPath(directory, arguments[word])) || (isSource && sources == 1)) {
+            continue;
+        }
+        sources -= isSource ? 1 : 0;
+        log_.VerboseLine("  The flag " + Quoted(arguments[word - 1]) + " is not known: " + Quoted(arguments[word]) +
+                         " behind it is no file, and is taken for its value");
+        values.push_back(word);
+    }
+    return values;
+}
+
 std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::vector<std::string>& arguments,
                                                                          const std::string& workingDirectory,
                                                                          const Environment& environment,
@@ -180,11 +266,17 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     if (std::optional<Refusal> refusal = Refuse(arguments, workingDirectory, environment)) {
         return refusal;
     }
-    const Directories directories = Share(workingDirectory);
+    if (LooksLikeLauncher(arguments)) {
+        return Refusal{InvocationFate::UnknownCompiler,
+                       "the program " + Quoted(arguments[0]) +
+                           " looks like a launcher: the key \"launcher\" of a settings file makes it one"};
+    }
+    Directories directories = Share(workingDirectory);
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
     if (std::optional<Refusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
     }
+    identified.compiler = OfDriverMode(identified.compiler, arguments);
     if (IsMsvcFamily(identified.compiler->type)) {
         std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
         if (scope == EnvironmentScope::Changes) {
@@ -192,13 +284,29 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         }
         AddArgumentsOfVariables(arguments, layers);
     }
-    ExpandResponseFiles(arguments, *directories.absolute);
+    ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
     const Compiler& model = ModelOf(identified.compiler->type);
     ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
-    const InvocationOutline outline = OutlineInvocation(model, arguments);
+    InvocationOutline outline = OutlineInvocation(model, arguments);
+    if (!outline.sources.empty() && !outline.openWords.empty()) {
+        if (std::vector<std::size_t> values = ValuesOfUnknown(outline, arguments, *directories.absolute);
+            !values.empty()) {
+            outline = OutlineInvocation(model, arguments, values);
+            const auto shared = std::make_shared<const std::vector<std::size_t>>(std::move(values));
+            for (SourceArgument& source : outline.sources) {
+                source.openValues = shared;
+            }
+        }
+    }
+    if (!outline.directory.empty()) {
+        directories = Share(JoinPath(*directories.absolute, outline.directory));
+    }
+    if (outline.missingResponseFile && leavesOutDeleted_ && !outline.makesObjects && outline.sources.empty()) {
+        return Refusal{InvocationFate::NotACompilation, "link only"}; // its list of objects has been removed
+    }
     if (outline.missingResponseFile) {
         return Refusal{InvocationFate::Unreadable, "the response file " +
                                                        Quoted(arguments[*outline.missingResponseFile].substr(1)) +
@@ -219,6 +327,42 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
                                     identified.wrapped, scope});
     }
     return std::nullopt;
+}
+
+/// How the response files of this compiler's commands are read.
+ResponseFileReading InvocationCollector::ReadingFor(const CompilerInfo& compiler) {
+    ResponseFileReading reading;
+    if (IsMsvcFamily(compiler.type)) {
+        reading.compilers = NativeQuoting::Windows;
+    } else if (SpeaksGcc(compiler.type)) {
+        reading.compilers = NativeQuoting::Gnu;
+    }
+    reading.isNative = settings_.nativeResponseFiles;
+    reading.tellDifference = [this](const std::string& path, const std::string& word, const std::string& native) {
+        if (toldResponseFiles_.insert(path).second) {
+            log_.Line("The response file " + Quoted(path) + " holds the word " + Quoted(word) +
+                      ", which the compiler reads as " + Quoted(native) +
+                      ": response-file-quoting=native in a settings file has it read so.");
+        }
+    };
+    return reading;
+}
+
+/// A clang that is told to read its command as cl does is a clang-cl.
+std::shared_ptr<const CompilerInfo>
+InvocationCollector::OfDriverMode(const std::shared_ptr<const CompilerInfo>& compiler,
+                                  const std::vector<std::string>& arguments) {
+    if (compiler->type != CompilerType::Clang ||
+        std::find(arguments.begin(), arguments.end(), "--driver-mode=cl") == arguments.end()) {
+        return compiler;
+    }
+    std::shared_ptr<const CompilerInfo>& inMode = inClMode_[compiler->path];
+    if (inMode == nullptr) {
+        auto copy = std::make_shared<CompilerInfo>(*compiler);
+        copy->type = CompilerType::ClangCl;
+        inMode = std::move(copy);
+    }
+    return inMode;
 }
 
 const Compiler& InvocationCollector::ModelOf(CompilerType type) {

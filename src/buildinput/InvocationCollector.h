@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buildinput/BuildInput.h"
+#include "buildinput/ResponseFile.h"
 #include "compilers/CompilerIdentifier.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
@@ -14,7 +15,16 @@
 #include <unordered_map>
 #include <vector>
 
+// Each invocation of the input, whatever reader brought it, goes through these steps: it is refused where it can't be
+// one (no words, zero bytes, another compiler than asked for), its compiler is identified, variables and files with
+// further arguments are put in place, its outline is taken, and each of its sources becomes a unit. It ends as units or
+// as one SkippedInvocation with a reason: nothing is dropped in silence, and what is wrong with one is never an error
+// of the run. A build has a hundred thousand of them, so that folders, environments and compilers are held once, and a
+// unit is little more than its packed words.
+
 namespace Orvanta {
+
+struct InvocationOutline;
 
 /// Takes the invocations of a build one by one, identifies their compilers and keeps the units that they compile.
 /// One thread at a time.
@@ -82,8 +92,22 @@ private:
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
                                                  const std::string& workingDirectory, const Environment& environment,
                                                  EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectShellLine(std::vector<std::string>& arguments,
+                                                          const std::string& workingDirectory,
+                                                          const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] std::optional<Refusal> CollectLaunched(std::vector<std::string>& arguments,
+                                                         const std::string& workingDirectory,
+                                                         const Environment& environment, EnvironmentScope scope);
+    [[nodiscard]] bool IsCompiler(std::string_view program) const;
+    [[nodiscard]] bool LooksLikeLauncher(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] std::vector<std::size_t> ValuesOfUnknown(const InvocationOutline& outline,
+                                                           const std::vector<std::string>& arguments,
+                                                           const std::string& directory) const;
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] ResponseFileReading ReadingFor(const CompilerInfo& compiler);
+    [[nodiscard]] std::shared_ptr<const CompilerInfo> OfDriverMode(const std::shared_ptr<const CompilerInfo>& compiler,
+                                                                   const std::vector<std::string>& arguments);
     [[nodiscard]] const Compiler& ModelOf(CompilerType type);
     [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
     [[nodiscard]] const std::shared_ptr<const Environment>& Share(const Environment& environment);
@@ -94,6 +118,8 @@ private:
     Log& log_;
     std::string baseDirectory_; // empty: not set
     std::map<CompilerType, std::shared_ptr<const Compiler>> models_;
+    std::map<std::string, std::shared_ptr<const CompilerInfo>> inClMode_; // by path
+    std::set<std::string> toldResponseFiles_;
     std::unordered_map<std::string, Directories> directories_; // by the directory as written
     std::set<std::shared_ptr<const Environment>, ContentLess> environments_;
     const Directories* lastDirectories_ = nullptr; // of the invocation before: mostly the same again

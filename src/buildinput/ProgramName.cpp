@@ -13,10 +13,41 @@ std::string_view WithoutExe(std::string_view name) {
     return ends ? name.substr(0, name.size() - Exe.size()) : name;
 }
 
+constexpr std::string_view CompilerStems[] = {"gcc", "g++", "cc", "c++", "clang", "clang++"};
+constexpr std::string_view CompilerNames[] = {"cl",     "clang-cl", "armcc", "armclang", "armcl", "iccarm",
+                                              "icc",    "icx",      "icpc",  "icpx",     "qcc",   "q++",
+                                              "xc8-cc", "xlc",      "tcc",   "nvc",      "nvc++"};
+
 } // namespace
 
+bool LooksLikeCompiler(std::string_view path) noexcept {
+    std::string_view name = WithoutExe(FileNameOf(path));
+    for (const std::string_view known : CompilerNames) {
+        if (EqualsIgnoringCase(name, known)) {
+            return true;
+        }
+    }
+    const std::size_t version = name.find_last_not_of("0123456789.");
+    if (version != std::string_view::npos && name[version] == '-' && version + 1 < name.size()) {
+        name = name.substr(0, version);
+    }
+    name = name.substr(name.rfind('-') == std::string_view::npos ? 0 : name.rfind('-') + 1);
+    for (const std::string_view stem : CompilerStems) {
+        if (EqualsIgnoringCase(name, stem)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool IsProgramNamed(std::string_view path, std::string_view name) noexcept {
-    return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
+    const std::string_view wantedName = FileNameOf(name);
+    if (wantedName.size() == name.size()) {
+        return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
+    }
+    // A path: a bare name may stand for it, another path does not.
+    const bool isBare = FileNameOf(path).size() == path.size();
+    return isBare ? EqualsIgnoringCase(WithoutExe(path), WithoutExe(wantedName)) : WithoutExe(path) == WithoutExe(name);
 }
 
 } // namespace Orvanta

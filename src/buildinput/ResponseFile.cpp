@@ -1,5 +1,6 @@
 #include "buildinput/ResponseFile.h"
 
+#include "buildinput/CommandStringSplitter.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -75,10 +76,82 @@ bool NamesResponseFile(std::string_view argument, const std::string& directory) 
     return kind == PathKind::File || kind == PathKind::Other;
 }
 
+/// What the response files of one command have come to.
+struct Totals {
+    std::size_t words = 0;
+    std::size_t bytes = 0;
+};
+
+/// Files that name each other many times can hold more than any memory, however flat they are.
+void Count(Totals& totals, std::size_t words, std::size_t bytes, const std::string& path,
+           const ResponseFileReading& reading) {
+    totals.words += words;
+    totals.bytes += bytes;
+    if (totals.words > reading.mostWords || totals.bytes > reading.mostBytes) {
+        throw ZelmException("The response files of one command hold more than " + std::to_string(reading.mostWords) +
+                            " words or " + std::to_string(reading.mostBytes >> 20U) + " MB. Check the file \"" + path +
+                            "\".");
+    }
+}
+
+std::vector<std::string> SplitGnu(std::string_view text) {
+    std::vector<std::string> words;
+    while (true) {
+        text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+        if (text.empty()) {
+            return words;
+        }
+        std::string word;
+        char quote = '\0';
+        std::size_t position = 0;
+        for (; position < text.size() && (quote != '\0' || !IsWhiteSpace(text[position])); ++position) {
+            const char character = text[position];
+            if (character == '\\' && position + 1 < text.size()) {
+                word += text[++position];
+            } else if (character == quote) {
+                quote = '\0';
+            } else if (quote == '\0' && (character == '"' || character == '\'')) {
+                quote = character;
+            } else {
+                word += character;
+            }
+        }
+        words.push_back(std::move(word));
+        text.remove_prefix(position);
+    }
+}
+
+void TellDifference(const std::vector<std::string>& words, const std::vector<std::string>& native,
+                    const std::string& path, const ResponseFileReading& reading) {
+    const auto [own, other] = std::mismatch(words.begin(), words.end(), native.begin(), native.end());
+    if (own != words.end() || other != native.end()) {
+        reading.tellDifference(path, own != words.end() ? *own : std::string(),
+                               other != native.end() ? *other : std::string());
+    }
+}
+
+std::vector<std::string> WordsOf(std::string_view text, const std::string& path, const ResponseFileReading& reading) {
+    if (!reading.compilers) {
+        return SplitResponseFile(text, path);
+    }
+    if (reading.isNative) {
+        return SplitAsCompiler(text, *reading.compilers);
+    }
+    std::vector<std::string> words = SplitResponseFile(text, path);
+    if (reading.tellDifference) {
+        TellDifference(words, SplitAsCompiler(text, *reading.compilers), path, reading);
+    }
+    return words;
+}
+
+std::vector<std::string> Expand(const std::string& path, const std::string& directory,
+                                const ResponseFileReading& reading, Totals& totals);
+
 /// Appends the argument, or what the response file that it names stands for.
-void AppendExpanded(std::vector<std::string>& arguments, std::string argument, const std::string& directory) {
+void AppendExpanded(std::vector<std::string>& arguments, std::string argument, const std::string& directory,
+                    const ResponseFileReading& reading, Totals& totals) {
     if (NamesResponseFile(argument, directory)) {
-        std::vector<std::string> expansion = ExpandResponseFile(argument.substr(1), directory);
+        std::vector<std::string> expansion = Expand(argument.substr(1), directory, reading, totals);
         arguments.insert(arguments.end(), std::make_move_iterator(expansion.begin()),
                          std::make_move_iterator(expansion.end()));
     } else {
@@ -86,7 +159,36 @@ void AppendExpanded(std::vector<std::string>& arguments, std::string argument, c
     }
 }
 
+std::vector<std::string> Expand(const std::string& path, const std::string& directory,
+                                const ResponseFileReading& reading, Totals& totals) {
+    const DepthCounter depth(path);
+    const std::string text = ReadWholeFile(JoinPath(directory, path));
+    Count(totals, 0, text.size(), path, reading);
+    std::vector<std::string> words = WordsOf(text, path, reading);
+    Count(totals, words.size(), 0, path, reading);
+    std::vector<std::string> arguments;
+    for (std::string& word : words) {
+        AppendExpanded(arguments, std::move(word), directory, reading, totals);
+    }
+    return arguments;
+}
+
 } // namespace
+
+std::vector<std::string> SplitAsCompiler(std::string_view text, NativeQuoting quoting) {
+    if (text.starts_with(ByteOrderMark)) {
+        text.remove_prefix(ByteOrderMark.size());
+    }
+    if (quoting == NativeQuoting::Gnu) {
+        return SplitGnu(text);
+    }
+    // The splitter takes the first word for a program and reads it by other rules.
+    std::string line = "cl " + std::string(text);
+    std::replace_if(line.begin(), line.end(), IsWhiteSpace, ' ');
+    std::vector<std::string> words = SplitCommandString(line, CommandStringRules::Windows);
+    words.erase(words.begin(), words.begin() + (words.empty() ? 0 : 1));
+    return words;
+}
 
 std::vector<std::string> SplitResponseFile(std::string_view text, const std::string& path) {
     if (text.starts_with(ByteOrderMark)) {
@@ -105,26 +207,25 @@ std::vector<std::string> SplitResponseFile(std::string_view text, const std::str
     return tokens;
 }
 
-std::vector<std::string> ExpandResponseFile(const std::string& path, const std::string& directory) {
-    const DepthCounter depth(path);
-    std::vector<std::string> arguments;
-    for (std::string& token : SplitResponseFile(ReadWholeFile(JoinPath(directory, path)), path)) {
-        AppendExpanded(arguments, std::move(token), directory);
-    }
-    return arguments;
+std::vector<std::string> ExpandResponseFile(const std::string& path, const std::string& directory,
+                                            const ResponseFileReading& reading) {
+    Totals totals;
+    return Expand(path, directory, reading, totals);
 }
 
-void ExpandResponseFiles(std::vector<std::string>& arguments, const std::string& directory) {
+void ExpandResponseFiles(std::vector<std::string>& arguments, const std::string& directory,
+                         const ResponseFileReading& reading) {
     const auto mayName = [](const std::string& argument) {
         return argument.starts_with('@');
     };
     if (std::none_of(arguments.begin(), arguments.end(), mayName)) {
         return;
     }
+    Totals totals;
     std::vector<std::string> expanded;
     expanded.reserve(arguments.size());
     for (const std::string& argument : arguments) {
-        AppendExpanded(expanded, argument, directory);
+        AppendExpanded(expanded, argument, directory, reading, totals);
     }
     arguments = std::move(expanded);
 }

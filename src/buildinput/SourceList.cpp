@@ -1,32 +1,76 @@
 #include "buildinput/SourceList.h"
 
+#include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <algorithm>
+#include <optional>
+
 namespace Orvanta {
 
-std::vector<std::string> ParseSourceList(std::string_view text) {
+namespace {
+
+// What stands in the root of a checkout. Of git, a file in a further working tree.
+constexpr const char* RootMarks[] = {".git", ".hg", ".svn"};
+
+std::optional<std::string> CheckoutRoot(std::string folder) {
+    while (true) {
+        for (const char* const mark : RootMarks) {
+            if (LookAt(JoinPath(folder, mark)).IsThere()) {
+                return folder;
+            }
+        }
+        std::string parent(DirectoryOf(folder));
+        if (parent.empty() || parent.size() >= folder.size()) {
+            return std::nullopt;
+        }
+        folder = std::move(parent);
+    }
+}
+
+} // namespace
+
+std::vector<std::string> FoldersOfLists() {
+    const std::string current = CurrentDirectory();
+    std::vector<std::string> folders = {current};
+    if (std::optional<std::string> root = CheckoutRoot(current); root && *root != current) {
+        folders.push_back(std::move(*root));
+    }
+    const std::optional<std::string> spelt = EnvironmentVariable("PWD");
+    if (spelt && *spelt != current && IsAbsolutePath(*spelt) && IsSameFile(*spelt, current)) {
+        folders.push_back(*spelt);
+    }
+    return folders;
+}
+
+ListedFile FileInFolders(std::string_view path, std::span<const std::string> folders) {
+    ListedFile file;
+    if (IsAbsolutePath(path)) {
+        file.places.push_back(NormalizePath(path));
+        return file;
+    }
+    for (const std::string& folder : folders) {
+        file.places.push_back(NormalizePath(JoinPath(folder, path)));
+    }
+    return file;
+}
+
+std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const std::string> folders) {
     text = WithoutUtf8Mark(text);
-    std::vector<std::string> paths;
+    std::vector<ListedFile> files;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));
         if (!line.empty()) {
-            paths.push_back(AbsolutePath(line));
+            files.push_back(FileInFolders(line, folders));
         }
     }
-    return paths;
+    return files;
 }
 
-SourceList ReadSourceList(const std::string& path) {
-    SourceList list;
-    list.paths = ParseSourceList(ReadWholeFile(path));
-    list.isEmpty = list.paths.empty();
-    std::erase_if(list.paths, [](const std::string& listed) {
-        const PathKind kind = KindOf(listed);
-        return kind == PathKind::Nothing || kind == PathKind::Folder;
-    });
-    return list;
+std::vector<ListedFile> ReadSourceList(const std::string& path, std::span<const std::string> folders) {
+    return ParseSourceList(ReadWholeFile(path), folders);
 }
 
 } // namespace Orvanta

@@ -24,11 +24,11 @@ enum class FlagRoute {
 /// One flag of a command line, with the value that belongs to it.
 struct FlagUse {
     FlagMatch match;
-    std::string_view value;
-    std::size_t index = 0; ///< of the argument that holds it
+    std::string_view value; ///< the first, where there are several
+    std::size_t index = 0;  ///< of the argument that holds it
     FlagRoute route = FlagRoute::Direct;
     std::string_view handedOnBy;           ///< the flag that hands it on: "-Wp", "/clang:"; empty when direct
-    std::array<std::string_view, 2> words; ///< as written
+    std::array<std::string_view, 4> words; ///< as written
     std::size_t wordCount = 0;
 };
 
@@ -37,7 +37,8 @@ struct InputFile {
     std::size_t index = 0;  ///< of the argument that names it
     std::size_t offset = 0; ///< where the name begins in that argument
     InputKind kind = InputKind::LinkInput;
-    bool isStated = false; ///< a flag, not the extension, gives the kind
+    bool isStated = false;   ///< a flag, not the extension, gives the kind
+    bool mayBeValue = false; ///< it follows a flag of which nobody knows whether it takes a value
 };
 
 /// Goes once through a command line (compiler first, response files expanded) and calls `visitor.Flag(const FlagUse&)`
@@ -46,8 +47,10 @@ struct InputFile {
 template <typename Visitor>
 class ArgumentWalker {
 public:
-    ArgumentWalker(const Compiler& model, std::span<const std::string> arguments, Visitor& visitor)
-        : model_(model), arguments_(arguments), visitor_(visitor) {}
+    /// `openValues` are the arguments that are the values of unknown flags before them.
+    ArgumentWalker(const Compiler& model, std::span<const std::string> arguments, Visitor& visitor,
+                   std::span<const std::size_t> openValues = {})
+        : model_(model), arguments_(arguments), visitor_(visitor), openValues_(openValues) {}
 
     void Walk() {
         ofAll_ = model_.KindOfAllInputs(arguments_);
@@ -117,15 +120,14 @@ private:
         FlagUse use;
         use.match = model_.Flags().Find(argument.substr(introducer.size()), introducer);
         use.index = index;
-        if (use.match.kind == FlagKind::Preprocessor) {
+        if (use.match.row->kind == FlagKind::Preprocessor) {
             ReadHandedOn(index, argument, use.match);
-        } else if (use.match.kind == FlagKind::SourceOfLanguage) {
+        } else if (use.match.row->kind == FlagKind::SourceOfLanguage) {
             ReadSourceOfLanguage(index, argument, use.match);
-        } else if (use.match.kind == FlagKind::LinkerPart) {
+        } else if (use.match.row->kind == FlagKind::LinkerPart) {
             next_ = arguments_.size();
             visitor_.Flag(use);
-        } else if (use.match.name.empty() && introducer == "/" &&
-                   IsSource(model_.KindOfInput(argument, std::nullopt))) {
+        } else if (!use.match.IsKnown() && introducer == "/" && IsSource(model_.KindOfInput(argument, std::nullopt))) {
             ReadInput(index); // an absolute path, no flag
         } else {
             ReadFlag(use, argument);
@@ -135,11 +137,16 @@ private:
     void ReadFlag(FlagUse& use, std::string_view argument) {
         AddWord(use, argument);
         use.value = use.match.gluedValue;
-        if (use.match.takesNext && next_ < arguments_.size()) {
-            use.value = arguments_[next_++];
-            AddWord(use, use.value);
+        const bool isOpen = !use.match.IsKnown() && IsValueOfUnknown(next_);
+        behindUnknown_ = use.match.IsKnown() || isOpen ? 0 : next_;
+        for (unsigned left = isOpen ? 1 : use.match.following; left > 0 && next_ < arguments_.size(); --left) {
+            AddWord(use, arguments_[next_++]);
         }
-        if (use.match.kind == FlagKind::Language) {
+        if (use.wordCount > 1) {
+            use.value = use.words[1];
+        }
+        TakeNamedFlag(use);
+        if (use.match.row->kind == FlagKind::Language) {
             SetStatedKind(use.value);
         }
         visitor_.Flag(use);
@@ -148,12 +155,16 @@ private:
     void ReadInput(std::size_t index) {
         const std::string_view name = arguments_[index];
         const InputKind kind = KindOf(name);
-        visitor_.Input(InputFile{index, 0, kind, (stated_ ? stated_ : ofAll_) == kind});
+        const bool mayBeValue = index == behindUnknown_ && !onlyInputs_;
+        visitor_.Input(InputFile{index, 0, kind, (stated_ ? stated_ : ofAll_) == kind, mayBeValue});
     }
 
     [[nodiscard]] InputKind KindOf(std::string_view name) const {
-        if (name == "-") {
+        if (name == "-" || name == "/dev/stdin") {
             return InputKind::StandardInput;
+        }
+        if (name == "/dev/null") {
+            return InputKind::NullDevice;
         }
         if (name.size() > 1 && name.front() == '@') {
             return InputKind::MissingResponseFile; // those that are there have been expanded
@@ -162,8 +173,8 @@ private:
     }
 
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
-        const InputKind kind = KindNamedBy(match.effect).value_or(InputKind::LinkInput);
-        if (!match.takesNext) {
+        const InputKind kind = KindNamedBy(match.row->effect).value_or(InputKind::LinkInput);
+        if (match.following == 0) {
             visitor_.Input(InputFile{index, argument.size() - match.gluedValue.size(), kind, true});
         } else if (next_ < arguments_.size()) {
             visitor_.Input(InputFile{next_++, 0, kind, true});
@@ -182,7 +193,7 @@ private:
     void ReadHandedOn(std::size_t index, std::string_view argument, const FlagMatch& match) {
         FlagUse use;
         use.index = index;
-        if (match.takesNext) {
+        if (match.following > 0) {
             Pairs pairs{arguments_, next_, argument};
             next_ = index;
             use.route = FlagRoute::Paired;
@@ -192,7 +203,7 @@ private:
             return;
         }
         use.handedOnBy = argument.substr(0, argument.size() - match.gluedValue.size());
-        if (use.handedOnBy.ends_with(':')) {
+        if (match.row->value == FlagValue::Glued) {
             Prefixed words{arguments_, next_, use.handedOnBy};
             next_ = index;
             use.route = FlagRoute::Prefixed;
@@ -213,7 +224,7 @@ private:
             const Compiler& model = model_.ModelOfHandedOn();
             std::string_view introducer;
             if (model.MatchLongestPrefixFlag(*piece, introducer)) {
-                use.match = model.Flags().Find(piece->substr(introducer.size()), introducer);
+                use.match = FindPiece(piece->substr(introducer.size()), introducer, use.route);
                 ReadValueOfPiece(pieces, use);
             }
             visitor_.Flag(use);
@@ -231,11 +242,42 @@ private:
         }
         std::string_view introducer;
         const bool isBare = !model_.ModelOfHandedOn().MatchLongestPrefixFlag(*following, introducer);
-        if (use.match.takesNext || (use.match.kind == FlagKind::Drop && isBare)) {
+        if (use.match.following > 0 || (use.match.row->kind == FlagKind::Drop && isBare)) {
             pieces.Advance();
             use.value = *following;
             AddWord(use, *following);
         }
+        // Of a flag that hands its value on once more, only a value that writes a file matters.
+        if (use.match.row->kind == FlagKind::Preprocessor && !isBare) {
+            const FlagMatch inner = FindPiece(following->substr(introducer.size()), introducer, use.route);
+            if (inner.row->file == FlagFile::Written) {
+                use.match = inner;
+            }
+        }
+    }
+
+    // What a driver hands on word by word or in a list is read by another program, with more flags than the driver's.
+    [[nodiscard]] FlagMatch FindPiece(std::string_view piece, std::string_view introducer, FlagRoute route) const {
+        const Compiler& model = model_.ModelOfHandedOn();
+        const FlagTable* const frontEnd = route == FlagRoute::Prefixed ? nullptr : model.FrontEndFlags();
+        FlagMatch match;
+        if (frontEnd != nullptr) {
+            match = frontEnd->Find(piece, introducer);
+        }
+        return match.IsKnown() ? match : model.Flags().Find(piece, introducer);
+    }
+
+    // "--std c99" is "-std=c99": the flag that its value names has the facts.
+    void TakeNamedFlag(FlagUse& use) const {
+        const FlagEffect effect = use.match.row->effect;
+        if (effect == FlagEffect::NamesStandard || effect == FlagEffect::NamesMachine) {
+            const std::string name = std::string(effect == FlagEffect::NamesStandard ? "std=" : "m").append(use.value);
+            use.match.row = model_.Flags().Find(name, "-").row;
+        }
+    }
+
+    [[nodiscard]] bool IsValueOfUnknown(std::size_t index) const {
+        return std::find(openValues_.begin(), openValues_.end(), index) != openValues_.end();
     }
 
     static void AddWord(FlagUse& use, std::string_view word) { use.words[use.wordCount++] = word; }
@@ -244,6 +286,8 @@ private:
     std::span<const std::string> arguments_;
     Visitor& visitor_;
     std::size_t next_ = 1;
+    std::span<const std::size_t> openValues_;
+    std::size_t behindUnknown_ = 0;   // the argument behind an unknown flag; 0: none
     bool onlyInputs_ = false;         // after "--"
     std::optional<InputKind> ofAll_;  // what a flag makes of every source
     std::optional<InputKind> stated_; // by the last language flag for the files after it

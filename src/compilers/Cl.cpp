@@ -1,7 +1,5 @@
 #include "compilers/Cl.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -9,7 +7,6 @@ namespace {
 constexpr std::string_view ClName = "visualcpp";
 constexpr std::string_view ClIntroducers[] = {"/", "-", "--"};
 constexpr FlagValue Glued = FlagValue::Glued;
-constexpr FlagEffect NoEffect = FlagEffect::None;
 
 // Of the rows that fit, the one with the longest name wins; their order is for the reader. A flag without a row is
 // kept.
@@ -30,9 +27,13 @@ constexpr FlagRow ClFlags[] = {
     {"Tp", FlagKind::SourceOfLanguage, FlagEffect::NamesCpp},
     {"link", FlagKind::LinkerPart},
 
-    // Said again beside the source.
-    {"TC", FlagKind::Drop},
-    {"TP", FlagKind::Drop},
+    // They hold for every source, wherever they stand, and are said again beside it.
+    {"TC", FlagKind::Drop, FlagEffect::NamesC},
+    {"TP", FlagKind::Drop, FlagEffect::NamesCpp},
+
+    {"J", FlagKind::Keep, FlagEffect::UnsignedChar},
+    {"await", FlagKind::Keep, FlagEffect::Coroutines},
+    {"await:strict", FlagKind::Keep, FlagEffect::Coroutines},
 
     // These suppress compilation, also beside "c".
     {"E", FlagKind::Drop, FlagEffect::PreprocessesOnly},
@@ -65,52 +66,52 @@ constexpr FlagRow ClFlags[] = {
     {"headerName:angle", FlagKind::KeepWithValue},
 
     // Precompiled headers: the unit is preprocessed from the headers that they were made from.
-    {"Yc", FlagKind::Drop, NoEffect, Glued},
-    {"Yu", FlagKind::Drop, NoEffect, Glued},
-    {"Yl", FlagKind::Drop, NoEffect, Glued},
+    {"Yc", FlagKind::Drop, Glued},
+    {"Yu", FlagKind::Drop, Glued},
+    {"Yl", FlagKind::Drop, Glued},
     {"Yd", FlagKind::Drop},
-    {"YX", FlagKind::Drop, NoEffect, Glued},
+    {"YX", FlagKind::Drop, Glued},
     {"Y-", FlagKind::Drop},
-    {"Fp", FlagKind::Drop, NoEffect, Glued},
+    {"Fp", FlagKind::Drop, Glued},
     {"Fp:", FlagKind::DropWithValue},
 
     // What the build writes. Only the form with a colon may have its name in an argument of its own.
-    {"Fo", FlagKind::Output, NoEffect, Glued},
+    {"Fo", FlagKind::Output, Glued},
     {"Fo:", FlagKind::Output},
     {"o", FlagKind::Output},
-    {"Fa", FlagKind::Drop, NoEffect, Glued},
-    {"Fa:", FlagKind::DropWithValue},
-    {"FA", FlagKind::Drop},
-    {"FAc", FlagKind::Drop},
-    {"FAcs", FlagKind::Drop},
-    {"FAcsu", FlagKind::Drop},
-    {"FAs", FlagKind::Drop},
-    {"FAsu", FlagKind::Drop},
-    {"FAu", FlagKind::Drop},
-    {"Fd", FlagKind::Drop, NoEffect, Glued},
-    {"Fd:", FlagKind::DropWithValue},
-    {"Fe", FlagKind::Drop, NoEffect, Glued},
-    {"Fe:", FlagKind::DropWithValue},
-    {"Fi", FlagKind::Drop, NoEffect, Glued},
-    {"Fi:", FlagKind::DropWithValue},
-    {"Fm", FlagKind::Drop, NoEffect, Glued},
-    {"Fm:", FlagKind::DropWithValue},
-    {"FR", FlagKind::Drop, NoEffect, Glued},
-    {"FR:", FlagKind::DropWithValue},
-    {"Fr", FlagKind::Drop, NoEffect, Glued},
-    {"Fr:", FlagKind::DropWithValue},
-    {"Fx", FlagKind::Drop},
-    {"doc", FlagKind::Drop},
-    {"doc:", FlagKind::Drop, NoEffect, Glued},
-    {"ifcOutput", FlagKind::DropWithValue},
-    {"sourceDependencies", FlagKind::DropWithValue},
-    {"analyze:log", FlagKind::DropWithValue},
+    {"Fa", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fa:", FlagKind::DropWithValue, FlagFile::Written},
+    {"FA", FlagKind::Drop, FlagFile::Written},
+    {"FAc", FlagKind::Drop, FlagFile::Written},
+    {"FAcs", FlagKind::Drop, FlagFile::Written},
+    {"FAcsu", FlagKind::Drop, FlagFile::Written},
+    {"FAs", FlagKind::Drop, FlagFile::Written},
+    {"FAsu", FlagKind::Drop, FlagFile::Written},
+    {"FAu", FlagKind::Drop, FlagFile::Written},
+    {"Fd", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fd:", FlagKind::DropWithValue, FlagFile::Written},
+    {"Fe", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fe:", FlagKind::DropWithValue, FlagFile::Written},
+    {"Fi", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fi:", FlagKind::DropWithValue, FlagFile::Written},
+    {"Fm", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fm:", FlagKind::DropWithValue, FlagFile::Written},
+    {"FR", FlagKind::Drop, Glued, FlagFile::Written},
+    {"FR:", FlagKind::DropWithValue, FlagFile::Written},
+    {"Fr", FlagKind::Drop, Glued, FlagFile::Written},
+    {"Fr:", FlagKind::DropWithValue, FlagFile::Written},
+    {"Fx", FlagKind::Drop, FlagFile::Written},
+    {"doc", FlagKind::Drop, FlagFile::Written},
+    {"doc:", FlagKind::Drop, Glued, FlagFile::Written},
+    {"ifcOutput", FlagKind::DropWithValue, FlagFile::Written},
+    {"sourceDependencies", FlagKind::DropWithValue, FlagFile::Written},
+    {"analyze:log", FlagKind::DropWithValue, FlagFile::Written},
     {"analyze:plugin", FlagKind::DropWithValue},
     {"analyze:ruleset", FlagKind::DropWithValue},
-    {"experimental:log", FlagKind::DropWithValue},
+    {"experimental:log", FlagKind::DropWithValue, FlagFile::Written},
 
     // Code generation, and the tools that belong to it.
-    {"O", FlagKind::Drop, NoEffect, Glued},
+    {"O", FlagKind::Drop, Glued},
     {"Zi", FlagKind::Drop},
     {"ZI", FlagKind::Drop},
     {"Z7", FlagKind::Drop},
@@ -118,7 +119,7 @@ constexpr FlagRow ClFlags[] = {
     {"FS", FlagKind::Drop},
     {"Gm", FlagKind::Drop},
     {"Gm-", FlagKind::Drop},
-    {"MP", FlagKind::Drop, NoEffect, Glued},
+    {"MP", FlagKind::Drop, Glued},
     {"F", FlagKind::DropWithValue}, // the size of the stack
 
     // What would change the preprocessed text, or leave out its line markers.
@@ -131,38 +132,23 @@ constexpr FlagRow ClFlags[] = {
     {"showIncludes", FlagKind::Drop},
     {"showIncludes:user", FlagKind::Drop},
     {"WX-", FlagKind::Drop},
-    {"we", FlagKind::Drop, NoEffect, Glued},
+    {"we", FlagKind::Drop, Glued},
 
     // Begin like a flag with a value, and have another meaning.
     {"FC", FlagKind::Keep},
     {"FT", FlagKind::Keep},
-    {"openmp", FlagKind::Keep, NoEffect, Glued},
+    {"openmp", FlagKind::Keep, Glued},
     {"options:strict", FlagKind::Keep},
 };
 // clang-format on
-static_assert(NamesAreUnique(ClFlags), "a name stands twice: its second row would never be read");
-
-// The arguments that the compiler itself reads, without the compiler: up to the linker's part and the bare file names.
-std::span<const std::string> CompilersPart(std::span<const std::string> arguments) {
-    arguments = arguments.subspan(std::min<std::size_t>(1, arguments.size()));
-    const auto end = std::find_if(arguments.begin(), arguments.end(), [](std::string_view argument) {
-        return argument == "/link" || argument == "-link" || argument == "--";
-    });
-    return arguments.first(static_cast<std::size_t>(end - arguments.begin()));
-}
-
-// Whether the argument is the flag `name`, by either introducer.
-bool IsFlag(std::string_view argument, std::string_view name) {
-    return argument.size() == name.size() + 1 && (argument.front() == '/' || argument.front() == '-') &&
-           argument.ends_with(name);
-}
+static_assert(RowsAreSound(ClFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
 Cl::Cl() : Cl(CompilerType::Cl, {}) {}
 
 Cl::Cl(CompilerType type, std::span<const FlagRow> extension)
-    : Compiler(type, ClName, ClIntroducers, FlagTable(ClFlags, extension)) {}
+    : Compiler(type, ClName, ClIntroducers, FlagTable({extension, ClFlags})) {}
 
 std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command, const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 4);
@@ -176,24 +162,8 @@ void Cl::AddSource(const std::string& source, std::vector<std::string>& words) c
     words.push_back(WithFolder(source));
 }
 
-void Cl::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    for (const std::string& argument : CompilersPart(arguments)) {
-        command.unsignedChar = command.unsignedChar || IsFlag(argument, "J");
-        command.msvcAwait = command.msvcAwait || IsFlag(argument, "await") || IsFlag(argument, "await:strict");
-    }
+void Cl::FinishParse(ParsedCommand& command) const {
     command.platformWord = TargetOf(command) == TargetBits::Bits64 ? "x64" : "Win32";
-}
-
-std::optional<InputKind> Cl::KindOfAllInputs(std::span<const std::string> arguments) const {
-    std::optional<InputKind> kind;
-    for (const std::string& argument : CompilersPart(arguments)) {
-        if (IsFlag(argument, "TC")) {
-            kind = InputKind::C;
-        } else if (IsFlag(argument, "TP")) {
-            kind = InputKind::Cpp;
-        }
-    }
-    return kind;
 }
 
 InputKind Cl::KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const {

@@ -12,9 +12,8 @@ public:
     Cl();
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
-    /// Sets the platform word, by the compiler's path as it stands first in `arguments`: it should be absolute.
-    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
-    [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const override;
+    /// Sets the platform word, by the compiler's path, which should be absolute.
+    void FinishParse(ParsedCommand& command) const override;
     [[nodiscard]] InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const override;
     void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
 

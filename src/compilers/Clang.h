@@ -9,9 +9,16 @@ class Clang : public Gcc {
 public:
     Clang();
 
+    void FinishParse(ParsedCommand& command) const override;
+
+    [[nodiscard]] const FlagTable* FrontEndFlags() const override { return &frontEnd_; }
+
 protected:
     /// A compiler with clang's flags.
-    explicit Clang(CompilerType type);
+    Clang(CompilerType type, CharSign charSign);
+
+private:
+    FlagTable frontEnd_;
 };
 
 } // namespace Orvanta

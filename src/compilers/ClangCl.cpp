@@ -1,18 +1,19 @@
 #include "compilers/ClangCl.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
 
 constexpr FlagValue Glued = FlagValue::Glued;
-constexpr FlagEffect NoEffect = FlagEffect::None;
 
 // clang-format off
 constexpr FlagRow ClangClFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
+    {"fmodules", FlagKind::Keep, FlagEffect::UsesModules},
+    {"driver-mode=cl", FlagKind::Keep},
+    {"working-directory", FlagKind::DropWithValue, FlagEffect::NamesDirectory},
+    {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"imsvc", FlagKind::SystemInclude},
     {"isystem", FlagKind::SystemInclude},
     {"winsysroot", FlagKind::SystemInclude},
@@ -21,13 +22,13 @@ constexpr FlagRow ClangClFlags[] = {
     {"diasdkdir", FlagKind::SystemInclude},
     {"vctoolsversion", FlagKind::KeepWithValue},
     {"winsdkversion", FlagKind::KeepWithValue},
-    {"clang:", FlagKind::Preprocessor, NoEffect, Glued},
-    {"Xclang", FlagKind::Preprocessor},
-    {"mllvm", FlagKind::KeepWithValue},
-    {"target", FlagKind::KeepWithValue},
-    {"target=", FlagKind::Keep},
+    {"clang:", FlagKind::Preprocessor, Glued},
+    {"Xclang", FlagKind::Preprocessor, FlagValue::Next},
+    {"mllvm", FlagKind::Preprocessor, FlagValue::Next},
+    {"target", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesTarget},
+    {"target=", FlagKind::Keep, FlagEffect::NamesTarget},
     {"resource-dir", FlagKind::KeepWithValue},
-    {"ivfsoverlay", FlagKind::KeepWithValue},
+    {"ivfsoverlay", FlagKind::KeepWithValue, FlagFile::Read},
 
     // What would make a warning fail the unit.
     {"Werror", FlagKind::Drop},
@@ -36,9 +37,20 @@ constexpr FlagRow ClangClFlags[] = {
 
     // What would write files of the build again, or change the preprocessed text.
     {"fdebug-macro", FlagKind::Drop},
-    {"ftime-trace", FlagKind::Drop},
-    {"ftime-trace=", FlagKind::Drop},
+    {"ftime-trace", FlagKind::Drop, FlagFile::Written},
+    {"ftime-trace=", FlagKind::Drop, FlagFile::Written},
     {"object-file-name=", FlagKind::Drop},
+    {"fproc-stat-report", FlagKind::Drop},
+    {"fproc-stat-report=", FlagKind::Drop, FlagFile::Written},
+    {"save-stats", FlagKind::Drop, FlagFile::Written},
+    {"save-stats=", FlagKind::Drop, FlagFile::Written},
+    {"gen-cdb-fragment-path", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"foptimization-record-file=", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record=", FlagKind::Drop, FlagFile::Written},
+    {"serialize-diagnostics", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"MJ", FlagKind::DropWithValue, FlagFile::Written},
+    {"dependency-file", FlagKind::DropWithValue, FlagFile::Written},
 
     // Information instead of work.
     {"###", FlagKind::NoCompilation},
@@ -47,48 +59,27 @@ constexpr FlagRow ClangClFlags[] = {
     {"v", FlagKind::Drop, FlagEffect::PrintsWithoutInput},
 };
 // clang-format on
-static_assert(NamesAreUnique(ClangClFlags), "a name stands twice: its second row would never be read");
-
-constexpr std::string_view TargetFlags[] = {"--target=", "-target=", "/clang:--target=", "-clang:--target="};
-
-// The target that the last flag for it names.
-std::optional<TargetBits> StatedTarget(std::span<const std::string> arguments) {
-    std::optional<TargetBits> target;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string_view argument = arguments[i];
-        if (argument == "-target" && i + 1 < arguments.size()) {
-            target = TargetByTriple(arguments[i + 1]);
-        }
-        for (const std::string_view flag : TargetFlags) {
-            if (argument.starts_with(flag)) {
-                target = TargetByTriple(argument.substr(flag.size()));
-            }
-        }
-    }
-    return target;
-}
+static_assert(RowsAreSound(ClangClFlags),
+              "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
 ClangCl::ClangCl() : Cl(CompilerType::ClangCl, ClangClFlags) {}
 
-void ClangCl::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    const std::vector<std::string>& kept = command.keptArguments;
-    command.unsignedChar = std::any_of(kept.begin(), kept.end(), [](std::string_view argument) {
-        return argument.ends_with("clang:-funsigned-char");
-    });
-    Cl::FinishParse(arguments, command);
+// A header that comes from a module leaves no text.
+void ClangCl::FinishParse(ParsedCommand& command) const {
+    Cl::FinishParse(command);
+    if (command.effects.Has(FlagEffect::UsesModules)) {
+        command.keptArguments.emplace_back("-fno-modules");
+    }
 }
 
 // The size of words that a flag states changes whatever target there is.
 TargetBits ClangCl::TargetOf(const ParsedCommand& command) const {
-    if (command.platformWord == "linux32") {
-        return TargetBits::Bits32;
+    if (command.targetBits) {
+        return *command.targetBits;
     }
-    if (command.platformWord == "linux64") {
-        return TargetBits::Bits64;
-    }
-    if (const std::optional<TargetBits> target = StatedTarget(command.keptArguments)) {
+    if (const std::optional<TargetBits> target = TargetByTriple(command.targetTriple)) {
         return *target;
     }
     return Targets().TargetOf(command.compilerPath, CompilerTargets::PathMeaning::Host);

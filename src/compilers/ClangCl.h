@@ -9,7 +9,7 @@ namespace Orvanta {
 class ClangCl : public Cl {
 public:
     ClangCl();
-    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    void FinishParse(ParsedCommand& command) const override;
 
     /// Behind "/clang:" and "-Xclang" stand the arguments of plain clang.
     [[nodiscard]] const Compiler& ModelOfHandedOn() const override { return clang_; }

@@ -3,6 +3,7 @@
 #include "compilers/ArgumentWalker.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace Orvanta {
@@ -12,25 +13,32 @@ namespace {
 // Finds out what an invocation does and to which files.
 class OutlineVisitor {
 public:
-    explicit OutlineVisitor(std::vector<SourceArgument>& sources) : sources_(sources) {}
+    explicit OutlineVisitor(InvocationOutline& outline) : outline_(outline) {}
 
     void Flag(const FlagUse& use) {
-        effects_ |= Bit(use.match.effect);
-        printsInformation_ = printsInformation_ || use.match.kind == FlagKind::NoCompilation;
-        links_ = links_ || use.match.kind == FlagKind::LinkerPart;
+        const FlagRow& row = *use.match.row;
+        effects_.Add(row.effect);
+        printsInformation_ = printsInformation_ || row.kind == FlagKind::NoCompilation;
+        links_ = links_ || row.kind == FlagKind::LinkerPart;
+        if (row.effect == FlagEffect::NamesDirectory) {
+            outline_.directory = use.value;
+        }
     }
 
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
-        if (input.kind == InputKind::MissingResponseFile && !missingResponseFile_) {
-            missingResponseFile_ = input.index;
+        if (input.kind == InputKind::MissingResponseFile && !outline_.missingResponseFile) {
+            outline_.missingResponseFile = input.index;
         }
         if (IsSource(input.kind)) {
-            sources_.push_back({input.index, input.offset});
+            outline_.sources.push_back({input.index, input.offset});
+        }
+        if (input.mayBeValue) {
+            outline_.openWords.push_back(input.index);
         }
     }
 
-    [[nodiscard]] std::optional<std::size_t> MissingResponseFile() const { return missingResponseFile_; }
+    [[nodiscard]] bool MakesObjects() const { return Has(FlagEffect::StopsBeforeLinking); }
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
@@ -48,15 +56,13 @@ public:
         if (Has(FlagEffect::MakesPrecompiledHeader)) {
             return "precompiled header";
         }
-        return sources_.empty() ? ReasonOfInputs() : std::string_view();
+        return outline_.sources.empty() ? ReasonOfInputs() : std::string_view();
     }
 
 private:
-    static constexpr unsigned Bit(FlagEffect effect) { return 1U << static_cast<unsigned>(effect); }
-
     static constexpr unsigned Bit(InputKind kind) { return 1U << static_cast<unsigned>(kind); }
 
-    [[nodiscard]] bool Has(FlagEffect effect) const { return (effects_ & Bit(effect)) != 0; }
+    [[nodiscard]] bool Has(FlagEffect effect) const { return effects_.Has(effect); }
 
     [[nodiscard]] bool Has(InputKind kind) const { return (inputs_ & Bit(kind)) != 0; }
 
@@ -64,24 +70,42 @@ private:
         if (Has(InputKind::StandardInput)) {
             return "reads standard input";
         }
+        if (Has(InputKind::NullDevice)) {
+            return "a test of flags";
+        }
         if (Has(InputKind::Header)) {
             return "precompiled header";
         }
         if (Has(InputKind::Assembly)) {
             return "assembly";
         }
-        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::Compiles))) {
+        if (Has(InputKind::OtherLanguage) || (Has(InputKind::LinkInput) && Has(FlagEffect::StopsBeforeLinking))) {
             return "no C or C++ source";
         }
         return Has(InputKind::LinkInput) || links_ ? "link only" : "no input";
     }
 
-    std::vector<SourceArgument>& sources_;
-    std::optional<std::size_t> missingResponseFile_;
-    unsigned effects_ = 0; // one bit for each effect met
-    unsigned inputs_ = 0;  // one bit for each kind of input met
+    InvocationOutline& outline_;
+    FlagEffects effects_;
+    unsigned inputs_ = 0; // one bit for each kind of input met
     bool printsInformation_ = false;
     bool links_ = false; // a part for the linker was met
+};
+
+// A list of a ParsedCommand and the flags whose values it takes.
+struct ValueList {
+    bool (*takes)(const FlagRow& row);
+    std::vector<std::string> ParsedCommand::*list;
+};
+
+constexpr ValueList ValueLists[] = {
+    {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; },           &ParsedCommand::userIncludes  },
+    {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; },         &ParsedCommand::systemIncludes},
+    {[](const FlagRow& row) { return row.kind == FlagKind::Define; },                &ParsedCommand::defines       },
+    {[](const FlagRow& row) { return row.kind == FlagKind::ForcedInclude; },         &ParsedCommand::forcedIncludes},
+    {[](const FlagRow& row) { return row.file == FlagFile::Read; },                  &ParsedCommand::filesRead     },
+    {[](const FlagRow& row) { return row.file == FlagFile::ReadAsSpecs; },           &ParsedCommand::specFiles     },
+    {[](const FlagRow& row) { return row.effect == FlagEffect::NamesSearchPrefix; }, &ParsedCommand::searchPrefixes},
 };
 
 // Fills a ParsedCommand for one source of the invocation.
@@ -96,9 +120,10 @@ public:
     [[nodiscard]] InputKind KindOfSource() const { return kindOfSource_; }
 
 private:
-    void RecordStandard(const FlagMatch& match);
+    void RecordStandard(const FlagRow& row);
     void RecordCharSign(FlagEffect effect);
-    static void AddFolders(const FlagUse& use, std::vector<std::string>& folders);
+    void RecordValue(const FlagUse& use);
+    static void AddValues(const FlagUse& use, std::vector<std::string>& list);
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
@@ -107,64 +132,19 @@ private:
 };
 
 void CommandVisitor::Flag(const FlagUse& use) {
-    RecordStandard(use.match);
-    RecordCharSign(use.match.effect);
-    switch (use.match.kind) {
-    case FlagKind::LinkerPart:
-    case FlagKind::Drop:
-    case FlagKind::DropWithValue:
-    case FlagKind::NoCompilation:
-        return;
-    case FlagKind::Output:
-        if (use.route == FlagRoute::Direct) {
-            command_.outputFile = use.value;
-        }
-        return;
-    case FlagKind::Language:
-        // In the preprocessing command the source stands last, so that a later language would be its own.
-        if (use.index < source_.index) {
-            Keep(use);
-        }
-        return;
-    case FlagKind::UserInclude:
-        AddFolders(use, command_.userIncludes);
-        break;
-    case FlagKind::SystemInclude:
-        AddFolders(use, command_.systemIncludes);
-        break;
-    case FlagKind::Define:
-        command_.defines.emplace_back(use.value);
-        break;
-    case FlagKind::ForcedInclude:
-        command_.forcedIncludes.emplace_back(use.value);
-        break;
-    case FlagKind::Target32:
-        command_.platformWord = "linux32";
-        break;
-    case FlagKind::Target64:
-        command_.platformWord = "linux64";
-        break;
-    case FlagKind::Keep:
-    case FlagKind::KeepWithValue:
-    case FlagKind::Undefine:
-    case FlagKind::SourceOfLanguage:
-    case FlagKind::Preprocessor:
-    case FlagKind::MainFileName:
-    case FlagKind::StandardAnsi:
-    case FlagKind::StandardC90:
-    case FlagKind::StandardC99:
-    case FlagKind::StandardC11:
-    case FlagKind::StandardC17:
-    case FlagKind::StandardC2x:
-    case FlagKind::StandardCpp98:
-    case FlagKind::StandardCpp03:
-    case FlagKind::StandardCpp11:
-    case FlagKind::StandardCpp14:
-    case FlagKind::StandardCpp17:
-    case FlagKind::StandardCpp20:
-        break;
+    const FlagRow& row = *use.match.row;
+    command_.effects.Add(row.effect);
+    RecordStandard(row);
+    RecordCharSign(row.effect);
+    RecordValue(use);
+    // In the preprocessing command the source stands last, so that a later language would be its own.
+    const std::size_t before = command_.keptArguments.size();
+    if (row.isKept && (row.kind != FlagKind::Language || use.index < source_.index)) {
+        Keep(use);
     }
-    Keep(use);
+    if (row.effect == FlagEffect::NamesPrecompiled) {
+        command_.precompiled = {std::string(use.value), before, command_.keptArguments.size() - before};
+    }
 }
 
 void CommandVisitor::Input(const InputFile& input) {
@@ -178,19 +158,19 @@ void CommandVisitor::Input(const InputFile& input) {
     }
 }
 
-void CommandVisitor::RecordStandard(const FlagMatch& match) {
-    if (match.effect == FlagEffect::UnknownStandard) {
+void CommandVisitor::RecordStandard(const FlagRow& row) {
+    if (row.effect == FlagEffect::UnknownStandard) {
         command_.cStandard.reset();
         command_.cppStandard.reset();
     }
-    if (!IsStandard(match.kind)) {
+    if (!IsStandard(row.kind)) {
         return;
     }
-    if (match.kind < FlagKind::StandardCpp98) {
-        command_.cStandard = match.kind;
+    if (row.kind < FlagKind::StandardCpp98) {
+        command_.cStandard = row.kind;
     }
-    if (match.kind == FlagKind::StandardAnsi || match.kind >= FlagKind::StandardCpp98) {
-        command_.cppStandard = match.kind;
+    if (row.kind == FlagKind::StandardAnsi || row.kind >= FlagKind::StandardCpp98) {
+        command_.cppStandard = row.kind;
     }
 }
 
@@ -200,13 +180,30 @@ void CommandVisitor::RecordCharSign(FlagEffect effect) {
     }
 }
 
-void CommandVisitor::AddFolders(const FlagUse& use, std::vector<std::string>& folders) {
+void CommandVisitor::RecordValue(const FlagUse& use) {
+    const FlagRow& row = *use.match.row;
+    if (row.kind == FlagKind::Target32 || row.kind == FlagKind::Target64) {
+        command_.targetBits = row.kind == FlagKind::Target32 ? TargetBits::Bits32 : TargetBits::Bits64;
+    } else if (row.kind == FlagKind::Output && use.route == FlagRoute::Direct) {
+        command_.outputFile = use.value;
+    } else if (row.effect == FlagEffect::NamesTarget) {
+        command_.targetTriple = use.value;
+    } else {
+        for (const ValueList& list : ValueLists) {
+            if (list.takes(row)) {
+                AddValues(use, command_.*list.list);
+            }
+        }
+    }
+}
+
+void CommandVisitor::AddValues(const FlagUse& use, std::vector<std::string>& list) {
     std::string_view rest = use.value;
-    while (use.match.isList && rest.find(',') != std::string_view::npos) {
-        folders.emplace_back(rest.substr(0, rest.find(',')));
+    while (use.match.row->value == FlagValue::List && rest.find(',') != std::string_view::npos) {
+        list.emplace_back(rest.substr(0, rest.find(',')));
         rest.remove_prefix(rest.find(',') + 1);
     }
-    folders.emplace_back(rest);
+    list.emplace_back(rest);
 }
 
 void CommandVisitor::Keep(const FlagUse& use) {
@@ -232,6 +229,14 @@ void CommandVisitor::Keep(const FlagUse& use) {
     }
 }
 
+// Whether the header that the precompiled one was made from is included by force, too, as CMake writes it: "a.hxx.pch"
+// and "a.hxx".
+bool IsBesideItsHeader(const ParsedCommand& command) {
+    return !command.precompiled.path.empty() &&
+           std::any_of(command.forcedIncludes.begin(), command.forcedIncludes.end(),
+                       [&](const std::string& header) { return command.precompiled.path.starts_with(header); });
+}
+
 // The text of a file that is preprocessed already has a language, too.
 void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
     if (IsPreprocessed(kind) && !command.language) {
@@ -242,12 +247,13 @@ void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, Parsed
 
 } // namespace
 
-InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments) {
+InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments,
+                                    std::span<const std::size_t> openValues) {
     InvocationOutline outline;
-    OutlineVisitor visitor(outline.sources);
-    ArgumentWalker<OutlineVisitor>(model, arguments, visitor).Walk();
-    outline.missingResponseFile = visitor.MissingResponseFile();
+    OutlineVisitor visitor(outline);
+    ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
+    outline.makesObjects = visitor.MakesObjects();
     if (!outline.reason.empty()) {
         outline.sources.clear();
     }
@@ -262,10 +268,16 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source);
-    ArgumentWalker<CommandVisitor>(model, arguments, visitor).Walk();
+    const std::span<const std::size_t> openValues = source.openValues != nullptr
+                                                        ? std::span<const std::size_t>(*source.openValues)
+                                                        : std::span<const std::size_t>();
+    ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
+    if (IsBesideItsHeader(command)) {
+        DropPrecompiled(command);
+    }
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
-    model.FinishParse(arguments, command);
+    model.FinishParse(command);
     return command;
 }
 

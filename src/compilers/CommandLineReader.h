@@ -2,6 +2,7 @@
 
 #include "compilers/Compiler.h"
 #include "compilers/ParsedCommand.h"
+#include "compilers/SourceArgument.h"
 
 #include <optional>
 #include <span>
@@ -11,22 +12,21 @@
 
 namespace Orvanta {
 
-/// One source file that an invocation compiles.
-struct SourceArgument {
-    std::size_t index = 0;  ///< of the argument that names it
-    std::size_t offset = 0; ///< where the file's name begins in that argument
-};
-
 /// What an invocation is, before it is read in full.
 struct InvocationOutline {
     std::vector<SourceArgument> sources; ///< C and C++ sources, in the order of the command
     std::string_view reason;             ///< why there are none ("link only", ...); empty when there are some
     std::optional<std::size_t> missingResponseFile; ///< the first argument that names one, whatever else there is
+    std::string_view directory;         ///< from which a flag has relative paths count; empty: the invocation's own
+    bool makesObjects = false;          ///< it stops before linking
+    std::vector<std::size_t> openWords; ///< inputs that follow unknown flags: files, or the values of these
 };
 
 /// Finds the sources of an invocation, or why it compiles none. `arguments` has the compiler first and no response
-/// files left in it. Allocates nothing but the result.
-[[nodiscard]] InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments);
+/// files left in it. `openValues` are those of its words that are known to be values of the unknown flags before them.
+/// Allocates nothing but the result.
+[[nodiscard]] InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::string> arguments,
+                                                  std::span<const std::size_t> openValues = {});
 
 /// Reads the invocation in full, for the source that argument `source` names.
 [[nodiscard]] ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments,

@@ -18,21 +18,24 @@ bool Compiler::MatchLongestPrefixFlag(std::string_view argument, std::string_vie
     return !introducer.empty();
 }
 
-void Compiler::FinishParse(std::span<const std::string> /*arguments*/, ParsedCommand& /*command*/) const {}
+void Compiler::FinishParse(ParsedCommand& /*command*/) const {}
 
 std::optional<InputKind> Compiler::KindOfAllInputs(std::span<const std::string> arguments) const {
     std::optional<InputKind> kind;
-    if (!flags_.StatesLanguage()) {
+    if (!flags_.StatesLanguage() || arguments.empty()) {
         return kind;
     }
-    for (const std::string& argument : arguments) {
+    for (const std::string& argument : arguments.subspan(1)) {
         std::string_view introducer;
         if (!MatchLongestPrefixFlag(argument, introducer)) {
             continue;
         }
-        const FlagMatch match = flags_.Find(std::string_view(argument).substr(introducer.size()), introducer);
-        if (match.kind != FlagKind::SourceOfLanguage) {
-            const std::optional<InputKind> named = KindNamedBy(match.effect);
+        const FlagRow& row = *flags_.Find(std::string_view(argument).substr(introducer.size()), introducer).row;
+        if (row.kind == FlagKind::LinkerPart || argument == "--") {
+            break; // no flags of the compiler behind them
+        }
+        if (row.kind != FlagKind::SourceOfLanguage) {
+            const std::optional<InputKind> named = KindNamedBy(row.effect);
             kind = named ? named : kind;
         }
     }

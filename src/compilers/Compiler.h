@@ -12,6 +12,19 @@
 #include <string_view>
 #include <vector>
 
+// What this room is for: to know, of a command line as a build wrote it, what is compiled and how, and to write the
+// command that gives the same text with the same compiler.
+//
+// A family of compilers is a table of flags (FlagTable.h) and the few words in which its driver differs (the virtual
+// functions below). The readers know no family: ArgumentWalker.h decides what is a flag, what its value and what a
+// file, CommandLineReader.h makes records of that. So a family is added without touching what reads the others, and
+// what is learned of one flag is written in one row.
+//
+// What is not known is kept. A flag that nobody has heard of mostly changes the text or does not matter; dropping it
+// would give another text in silence, while a flag that the compiler refuses is a failure that is told. Only what
+// writes files, or takes the line markers away, has to be known by name. The other way, to list what is kept, was not
+// taken: the lists of the compilers have thousands of flags, and grow with each release.
+
 namespace Orvanta {
 
 /// A flag that names a file with further arguments.
@@ -52,11 +65,11 @@ public:
     [[nodiscard]] virtual std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                           const std::string& outputPath) const = 0;
 
-    /// The family's last adjustment of what was read, made when all `arguments` have been seen.
-    virtual void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const;
+    /// The family's last adjustment of what was read, made when all arguments have been seen.
+    virtual void FinishParse(ParsedCommand& command) const;
 
     /// What a flag makes of every source, before and behind it; no value when there is no such flag.
-    [[nodiscard]] virtual std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
+    [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
 
     /// What the compiler takes a file for by its name, when a flag makes `ofAll` of every source.
     [[nodiscard]] virtual InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const;
@@ -73,6 +86,9 @@ public:
 
     /// The model that reads what flags such as "-Xclang" hand on.
     [[nodiscard]] virtual const Compiler& ModelOfHandedOn() const;
+
+    /// What the program behind the driver knows beside the driver's flags; null when it is not known.
+    [[nodiscard]] virtual const FlagTable* FrontEndFlags() const { return nullptr; }
 
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
 

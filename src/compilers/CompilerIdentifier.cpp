@@ -112,13 +112,17 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
             result.compiler = lookUp.compiler;
             return result;
         }
-        lookUp.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
-        lookUp.isJudged = true;
+        result.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
+        lookUp.isJudged = judged_.contains(lookUp.compiler->path);
+        if (lookUp.isJudged) {
+            lookUp.compiler = result.compiler;
+        }
+    } else {
+        result.compiler = lookUp.compiler;
     }
-    result.compiler = lookUp.compiler;
-    if (lookUp.compiler->type != CompilerType::Unknown) {
+    if (result.compiler->type != CompilerType::Unknown) {
         result.verdict = IdentificationVerdict::Known;
-    } else if (!lookUp.compiler->fault.empty()) {
+    } else if (!result.compiler->fault.empty()) {
         result.verdict = IdentificationVerdict::Unusable;
     }
     return result;
@@ -179,6 +183,7 @@ CompilerIdentifier::LookUp& CompilerIdentifier::Remember(std::string key, std::s
     return lookUps_.emplace(std::move(key), LookUp{std::move(info), exists, false}).first->second;
 }
 
+// Remembers the compiler unless it could not be asked for a reason that lies in this invocation.
 std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string& path,
                                                               const std::string& workingDirectory,
                                                               const Environment& environment) {
@@ -190,8 +195,8 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     info->path = path;
     if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
         info->type = *type;
-    } else {
-        AskForVersion(*info, workingDirectory, environment);
+    } else if (!AskForVersion(*info, workingDirectory, environment)) {
+        return info;
     }
     if (log_.IsVerbose()) {
         log_.VerboseLine("Compiler family: '" + path + "' is " + std::string(FamilyTitle(info->type)));
@@ -201,8 +206,9 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
 }
 
 // Decides by what the compiler prints for "--version". The type stays unknown when it can't be started, doesn't end, or
-// the user wants to stop.
-void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
+// the user wants to stop. False when it never ran because of the folder or the variables, which are this invocation's:
+// another one may be able to ask. One that has run is not asked again, whatever came of it.
+bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory,
                                        const Environment& environment) {
     const Arguments command = {compiler.path, "--version"};
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
@@ -219,7 +225,7 @@ void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
                     "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
                     {CommandLineText(command), VariableLines(variables)}));
             }
-            return;
+            return true;
         }
         compiler.version = output.standardOutput + output.standardError;
         compiler.type = CompilerTypeByVersionText(compiler.version);
@@ -230,7 +236,9 @@ void CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
         }
     } catch (const ProcessStartException& error) {
         compiler.fault = error.what();
+        return error.WhatFailed() == ProcessStartException::Cause::Program;
     }
+    return true;
 }
 
 std::optional<CompilerType> CompilerTypeByName(std::string_view path) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compilers/CompilerInfo.h"
 #include "compilers/CompilerType.h"
 #include "platform/Environment.h"
 #include "platform/Log.h"
@@ -16,15 +17,13 @@
 #include <unordered_map>
 #include <vector>
 
-namespace Orvanta {
+// Which family a compiler is of. Its name decides where names are told apart for certain; every other program is asked
+// with "--version", because a name such as "cc" says nothing and vendors rename their compilers. Asking is the
+// costliest part of reading a build: it is done once for each path, and what a word of a command leads to on the disk
+// is looked up once for each word, folder and search path. The folder and the environment of one entry can be what
+// keeps a program from starting.
 
-/// A compiler found on this machine. One record per path, shared by all commands that use it.
-struct CompilerInfo {
-    CompilerType type = CompilerType::Unknown;
-    std::string path;    ///< absolute
-    std::string version; ///< the text that "--version" printed; empty when the name alone decided
-    std::string fault;   ///< why it can't be started; empty when it can, as far as is known
-};
+namespace Orvanta {
 
 /// How identification of one invocation ended.
 enum class IdentificationVerdict {
@@ -77,7 +76,7 @@ private:
     const std::string& SearchPath(const Environment& environment) const;
     std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
                                               const Environment& environment);
-    void AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
+    bool AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
 
     const RunSettings& settings_;
     Log& log_;

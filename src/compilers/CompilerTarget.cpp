@@ -79,20 +79,25 @@ OutputReceiver ReceiveUpToLimit(std::string& target) {
 
 // cl takes the question for an unknown option, and prints its banner all the same.
 std::optional<TargetBits> AskForTarget(const std::string& path) {
-    CapturedOutput output;
-    try {
-        Process process({path, "--version"}, std::string(), OwnEnvironmentBlock(),
-                        ReceiveUpToLimit(output.standardOutput), ReceiveUpToLimit(output.standardError));
-        if (!WaitWithTimeout(process, VersionQueryTimeout, PollInterval, ProcessStopFlag()).finished) {
-            process.kill(true);
-        }
-    } catch (const ProcessException&) {
-        return std::nullopt; // the preprocessing that follows will say why it can't be started
-    }
+    const CapturedOutput output = AskCompiler(path, "--version");
     return TargetByVersionText(output.standardOutput + '\n' + output.standardError);
 }
 
 } // namespace
+
+CapturedOutput AskCompiler(const std::string& path, const char* question) {
+    CapturedOutput output;
+    try {
+        Process process({path, question}, std::string(), OwnEnvironmentBlock(), ReceiveUpToLimit(output.standardOutput),
+                        ReceiveUpToLimit(output.standardError));
+        if (!WaitWithTimeout(process, VersionQueryTimeout, PollInterval, ProcessStopFlag()).finished) {
+            process.kill(true);
+        }
+    } catch (const ProcessException&) {
+        return {}; // the preprocessing that follows will say why it can't be started
+    }
+    return output;
+}
 
 std::optional<TargetBits> TargetByCompilerPath(std::string_view path) {
     TakeLastComponent(path); // the compiler itself

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "compilers/TargetBits.h"
 #include "platform/OnceMap.h"
+#include "platform/Process.h"
 
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace Orvanta {
-
-/// What programs a compiler makes.
-enum class TargetBits { Bits32, Bits64 };
 
 /// The target that a compiler's place in Visual Studio tells, such as "Hostx64\x86"; both separators count.
 [[nodiscard]] std::optional<TargetBits> TargetByCompilerPath(std::string_view path);
@@ -19,6 +18,10 @@ enum class TargetBits { Bits32, Bits64 };
 
 /// The target that a banner or version text names: its first word that is one.
 [[nodiscard]] std::optional<TargetBits> TargetByVersionText(std::string_view text);
+
+/// What a compiler prints when it is asked with one argument; nothing when it can't be started or does not answer.
+/// Starts it and waits for it.
+[[nodiscard]] CapturedOutput AskCompiler(const std::string& path, const char* question);
 
 /// Knows the targets of compilers, each learnt once per path. Any thread may use it.
 class CompilerTargets {

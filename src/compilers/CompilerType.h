@@ -28,6 +28,12 @@ enum class CompilerType : std::uint8_t {
     return type == CompilerType::Cl || type == CompilerType::ClangCl;
 }
 
+/// Whether the family's driver reads GCC's argument language.
+[[nodiscard]] constexpr bool SpeaksGcc(CompilerType type) noexcept {
+    return type == CompilerType::Gcc || type == CompilerType::Clang || type == CompilerType::Keil6 ||
+           type == CompilerType::GccARM || type == CompilerType::Qcc || type == CompilerType::XC8;
+}
+
 /// What people call the family, such as "Keil 5".
 [[nodiscard]] std::string_view FamilyTitle(CompilerType type) noexcept;
 

@@ -19,15 +19,20 @@ bool StandsBefore(const FlagRow& left, const FlagRow& right) {
 }
 
 // Whether an argument longer than the row's name, which begins with it, can be this flag.
-bool FitsAsBeginning(const FlagRow& row, std::string_view argument, std::string_view introducer) {
-    const char next = argument[row.name.size()];
+bool FitsAsBeginning(const FlagRow& row, char next, std::string_view introducer) {
     switch (row.value) {
-    case FlagValue::OfKind:
-        return (TakesValue(row.kind) || row.name.back() == '=') && (row.kind != FlagKind::Preprocessor || next == ',');
+    case FlagValue::None:
+    case FlagValue::Next:
+    case FlagValue::NextTwo:
+    case FlagValue::NextThree:
+        return false;
     case FlagValue::ShortGlued:
         return introducer != "--";
     case FlagValue::Long:
         return next == '=';
+    case FlagValue::CommaList:
+        return next == ',';
+    case FlagValue::GluedOrNext:
     case FlagValue::Glued:
     case FlagValue::List:
     case FlagValue::GluedAndNext:
@@ -42,24 +47,30 @@ bool Fits(const FlagRow& row, std::string_view argument, std::string_view introd
     if (size == argument.size()) {
         return row.name == argument;
     }
-    return size < argument.size() && FitsAsBeginning(row, argument, introducer) && argument.starts_with(row.name);
+    return size < argument.size() && FitsAsBeginning(row, argument[size], introducer) && argument.starts_with(row.name);
 }
 
-// Whether the value of the flag is the argument after it.
-bool TakesNext(const FlagRow& row, std::string_view rest) {
-    switch (row.value) {
-    case FlagValue::OfKind:
-        return rest.empty() && TakesValue(row.kind) && row.name.back() != '=';
+// How many arguments after the flag are its value.
+unsigned Following(FlagValue value, std::string_view rest) {
+    switch (value) {
+    case FlagValue::GluedOrNext:
     case FlagValue::Long:
     case FlagValue::List:
-        return rest.empty();
+        return rest.empty() ? 1 : 0;
+    case FlagValue::Next:
     case FlagValue::GluedAndNext:
-        return true;
+        return 1;
+    case FlagValue::NextTwo:
+        return 2;
+    case FlagValue::NextThree:
+        return 3;
+    case FlagValue::None:
     case FlagValue::Glued:
     case FlagValue::ShortGlued:
-        return false;
+    case FlagValue::CommaList:
+        return 0;
     }
-    return false;
+    return 0;
 }
 
 bool StatesLanguageOfAll(const FlagRow& row) {
@@ -69,10 +80,10 @@ bool StatesLanguageOfAll(const FlagRow& row) {
 
 } // namespace
 
-FlagTable::FlagTable(std::span<const FlagRow> rows, std::span<const FlagRow> extension) {
-    rows_.reserve(rows.size() + extension.size());
-    rows_.assign(extension.begin(), extension.end());
-    rows_.insert(rows_.end(), rows.begin(), rows.end());
+FlagTable::FlagTable(std::initializer_list<std::span<const FlagRow>> parts) {
+    for (const std::span<const FlagRow> part : parts) {
+        rows_.insert(rows_.end(), part.begin(), part.end());
+    }
     statesLanguage_ = std::any_of(rows_.begin(), rows_.end(), StatesLanguageOfAll);
     std::stable_sort(rows_.begin(), rows_.end(), StandsBefore);
 
@@ -97,52 +108,14 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
         const FlagRow& row = rows_[i];
         if (Fits(row, argument, introducer)) {
             std::string_view rest = argument.substr(row.name.size());
-            const bool takesNext = TakesNext(row, rest);
+            const unsigned following = Following(row.value, rest);
             if (row.value == FlagValue::Long && !rest.empty()) {
                 rest.remove_prefix(1);
             }
-            return {row.kind, row.effect, takesNext, row.value == FlagValue::List, row.name, rest};
+            return {&row, rest, following};
         }
     }
     return {};
-}
-
-bool TakesValue(FlagKind kind) noexcept {
-    switch (kind) {
-    case FlagKind::KeepWithValue:
-    case FlagKind::Output:
-    case FlagKind::UserInclude:
-    case FlagKind::SystemInclude:
-    case FlagKind::Define:
-    case FlagKind::Undefine:
-    case FlagKind::DropWithValue:
-    case FlagKind::SourceOfLanguage:
-    case FlagKind::Preprocessor:
-    case FlagKind::Language:
-    case FlagKind::ForcedInclude:
-    case FlagKind::MainFileName:
-        return true;
-    case FlagKind::Keep:
-    case FlagKind::Drop:
-    case FlagKind::NoCompilation:
-    case FlagKind::Target32:
-    case FlagKind::Target64:
-    case FlagKind::LinkerPart:
-    case FlagKind::StandardAnsi:
-    case FlagKind::StandardC90:
-    case FlagKind::StandardC99:
-    case FlagKind::StandardC11:
-    case FlagKind::StandardC17:
-    case FlagKind::StandardC2x:
-    case FlagKind::StandardCpp98:
-    case FlagKind::StandardCpp03:
-    case FlagKind::StandardCpp11:
-    case FlagKind::StandardCpp14:
-    case FlagKind::StandardCpp17:
-    case FlagKind::StandardCpp20:
-        return false;
-    }
-    return false;
 }
 
 } // namespace Orvanta

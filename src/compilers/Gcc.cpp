@@ -1,7 +1,5 @@
 #include "compilers/Gcc.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -13,8 +11,8 @@ constexpr std::string_view GccIntroducers[] = {"-", "--"};
 // clang-format off
 constexpr FlagRow GccFlags[] = {
     {"E", FlagKind::Drop, FlagEffect::PreprocessesOnly},
-    {"MD", FlagKind::Drop},
-    {"MMD", FlagKind::Drop},
+    {"MD", FlagKind::Drop, FlagFile::Written},
+    {"MMD", FlagKind::Drop, FlagFile::Written},
     {"MP", FlagKind::Drop},
     {"MM", FlagKind::Drop, FlagEffect::ListsDependencies},
     {"dM", FlagKind::Drop},
@@ -34,7 +32,7 @@ constexpr FlagRow GccFlags[] = {
     {"Og", FlagKind::Drop},
     {"O", FlagKind::Drop},
     {"MT", FlagKind::DropWithValue},
-    {"MF", FlagKind::DropWithValue},
+    {"MF", FlagKind::DropWithValue, FlagFile::Written},
     {"MQ", FlagKind::DropWithValue},
     {"I", FlagKind::UserInclude},
     {"isystem", FlagKind::SystemInclude},
@@ -98,20 +96,18 @@ constexpr FlagRow GccFlags[] = {
     {"m32", FlagKind::Target32},
     {"m64", FlagKind::Target64},
 
-    // Where FinishParse does not decide itself, the last of these does.
-    {"fsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
-    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    // Plain char is unsigned as soon as this flag stands anywhere; families in which the last of all four decides have
+    // rows for the others.
     {"funsigned-char", FlagKind::Keep, FlagEffect::UnsignedChar},
-    {"fno-signed-char", FlagKind::Keep, FlagEffect::UnsignedChar},
 
     // Every standard that has no row of its own.
     {"std=", FlagKind::Keep, FlagEffect::UnknownStandard},
 
-    // What the driver does with the sources. "-E" wins over the first two.
-    {"c", FlagKind::Keep, FlagEffect::Compiles},
-    {"compile", FlagKind::Drop, FlagEffect::Compiles},
-    {"S", FlagKind::Keep, FlagEffect::Compiles},
-    {"assemble", FlagKind::Drop, FlagEffect::Compiles},
+    // What the driver does with the sources. To preprocess wins over to compile.
+    {"c", FlagKind::Keep, FlagEffect::StopsBeforeLinking},
+    {"compile", FlagKind::Drop, FlagEffect::StopsBeforeLinking},
+    {"S", FlagKind::Keep, FlagEffect::StopsBeforeLinking},
+    {"assemble", FlagKind::Drop, FlagEffect::StopsBeforeLinking},
     {"preprocess", FlagKind::Drop, FlagEffect::PreprocessesOnly},
     {"M", FlagKind::Drop, FlagEffect::ListsDependencies},
     {"dependencies", FlagKind::Drop, FlagEffect::ListsDependencies},
@@ -159,41 +155,67 @@ constexpr FlagRow GccFlags[] = {
     {"dN", FlagKind::Drop},
     {"dU", FlagKind::Drop},
     {"fdirectives-only", FlagKind::Drop},
+    {"fdebug-cpp", FlagKind::Drop},
     {"fminimize-whitespace", FlagKind::Drop},
     {"frewrite-imports", FlagKind::Drop},
     {"frewrite-includes", FlagKind::Drop},
     {"fpch-preprocess", FlagKind::Drop},
-    {"include-pch", FlagKind::DropWithValue}, // the forced include beside it stands for the same text
+    {"include-pch", FlagKind::KeepWithValue, FlagEffect::NamesPrecompiled, FlagFile::Read},
 
     // What would write files of the build again, or fill the error output.
     {"H", FlagKind::Drop},
     {"trace-includes", FlagKind::Drop},
     {"MG", FlagKind::Drop},
     {"MV", FlagKind::Drop},
-    {"MJ", FlagKind::DropWithValue},
-    {"write-dependencies", FlagKind::Drop},
-    {"write-user-dependencies", FlagKind::Drop},
+    {"MJ", FlagKind::DropWithValue, FlagFile::Written},
+    {"write-dependencies", FlagKind::Drop, FlagFile::Written},
+    {"write-user-dependencies", FlagKind::Drop, FlagFile::Written},
     {"print-missing-file-dependencies", FlagKind::Drop},
-    {"dependency-dot", FlagKind::DropWithValue},
-    {"dependency-file", FlagKind::DropWithValue},
-    {"header-include-file", FlagKind::DropWithValue},
-    {"fdeps-file=", FlagKind::Drop},
+    {"dependency-dot", FlagKind::DropWithValue, FlagFile::Written},
+    {"dependency-file", FlagKind::DropWithValue, FlagFile::Written},
+    {"header-include-file", FlagKind::DropWithValue, FlagFile::Written},
+    {"fdeps-file=", FlagKind::Drop, FlagFile::Written},
     {"fdeps-format=", FlagKind::Drop},
     {"fdeps-target=", FlagKind::Drop},
-    {"fdiagnostics-add-output=", FlagKind::Drop},
+    {"fdiagnostics-add-output=", FlagKind::Drop, FlagFile::Written},
     {"fdiagnostics-format=", FlagKind::Drop},
-    {"fdiagnostics-set-output=", FlagKind::Drop},
+    {"fdiagnostics-set-output=", FlagKind::Drop, FlagFile::Written},
     {"ftime-report", FlagKind::Drop},
-    {"ftime-trace", FlagKind::Drop},
-    {"ftime-trace=", FlagKind::Drop},
-    {"save-temps", FlagKind::Drop},
-    {"save-temps=", FlagKind::Drop},
-    {"aux-info", FlagKind::DropWithValue},
-    {"index-store-path", FlagKind::DropWithValue},
-    {"index-unit-output-path", FlagKind::DropWithValue},
-    {"serialize-diagnostics", FlagKind::DropWithValue},
-    {"serialize-diagnostic-file", FlagKind::DropWithValue},
+    {"ftime-trace", FlagKind::Drop, FlagFile::Written},
+    {"ftime-trace=", FlagKind::Drop, FlagFile::Written},
+    {"save-temps", FlagKind::Drop, FlagFile::Written},
+    {"save-temps=", FlagKind::Drop, FlagFile::Written},
+    {"aux-info", FlagKind::DropWithValue, FlagFile::Written},
+    {"index-store-path", FlagKind::DropWithValue, FlagFile::Written},
+    {"index-unit-output-path", FlagKind::DropWithValue, FlagFile::Written},
+    {"serialize-diagnostics", FlagKind::DropWithValue, FlagFile::Written},
+    {"serialize-diagnostic-file", FlagKind::DropWithValue, FlagFile::Written},
     {"wrapper", FlagKind::DropWithValue},
+    {"Hd", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"Hf", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"Xf", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"d", FlagKind::Keep, FlagValue::ShortGlued},
+    {"dump", FlagKind::DropWithValue, FlagValue::Long, FlagFile::Written},
+    {"fdump-", FlagKind::Drop, FlagValue::Glued, FlagFile::Written},
+    {"gen-cdb-fragment-path", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"module-dependency-dir", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"save-stats", FlagKind::Drop, FlagFile::Written},
+    {"save-stats=", FlagKind::Drop, FlagFile::Written},
+    {"stats-file=", FlagKind::Drop, FlagFile::Written},
+    {"diagnostic-log-file", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
+    {"info-output-file=", FlagKind::Drop, FlagFile::Written}, // behind -mllvm
+    {"time", FlagKind::Drop},
+    {"time=", FlagKind::Drop, FlagFile::Written},
+    {"fproc-stat-report", FlagKind::Drop},
+    {"fproc-stat-report=", FlagKind::Drop, FlagFile::Written},
+    {"fcallgraph-info", FlagKind::Drop, FlagFile::Written},
+    {"fcallgraph-info=", FlagKind::Drop, FlagFile::Written},
+    {"fstack-usage", FlagKind::Drop, FlagFile::Written},
+    {"foptimization-record-file=", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record", FlagKind::Drop, FlagFile::Written},
+    {"fsave-optimization-record=", FlagKind::Drop, FlagFile::Written},
+    {"freport-bug", FlagKind::Drop, FlagFile::Written},
+    {"fcrash-diagnostics-dir=", FlagKind::Drop},
 
     // More ways to name folders, files and macros.
     {"iquote", FlagKind::UserInclude},
@@ -218,12 +240,13 @@ constexpr FlagRow GccFlags[] = {
     {"language=", FlagKind::Language},
     {"output", FlagKind::Output},
     {"output=", FlagKind::Output},
-    {"Xpreprocessor", FlagKind::Preprocessor},
-    {"Xclang", FlagKind::Preprocessor},
+    {"Xpreprocessor", FlagKind::Preprocessor, FlagValue::Next},
+    {"Xclang", FlagKind::Preprocessor, FlagValue::Next},
 
     // What has a value of its own, which is no input. Most of it is for the linker and harmless.
     {"A", FlagKind::KeepWithValue},
-    {"B", FlagKind::KeepWithValue},
+    {"B", FlagKind::KeepWithValue, FlagEffect::NamesSearchPrefix},
+    {"prefix", FlagKind::KeepWithValue, FlagValue::Long, FlagEffect::NamesSearchPrefix},
     {"F", FlagKind::KeepWithValue},
     {"G", FlagKind::KeepWithValue},
     {"L", FlagKind::KeepWithValue},
@@ -241,60 +264,189 @@ constexpr FlagRow GccFlags[] = {
     {"bundle_loader", FlagKind::KeepWithValue},
     {"compatibility_version", FlagKind::KeepWithValue},
     {"current_version", FlagKind::KeepWithValue},
+    {"config", FlagKind::KeepWithValue, FlagValue::Next, FlagFile::Read},
+    {"config=", FlagKind::Keep, FlagFile::Read},
     {"dumpbase", FlagKind::KeepWithValue},
     {"dumpbase-ext", FlagKind::KeepWithValue},
     {"dumpdir", FlagKind::KeepWithValue},
     {"e", FlagKind::KeepWithValue},
     {"entry", FlagKind::KeepWithValue},
+    {"fmodule-file=", FlagKind::Keep, FlagFile::Read},
+    {"fmodule-map-file=", FlagKind::Keep, FlagFile::Read},
+    {"fmodule-mapper=", FlagKind::Keep, FlagFile::Read},
+    {"fplugin=", FlagKind::Keep, FlagFile::Read},
     {"framework", FlagKind::KeepWithValue},
     {"gcc-toolchain", FlagKind::KeepWithValue},
-    {"imacros", FlagKind::KeepWithValue},
+    {"imacros", FlagKind::KeepWithValue, FlagFile::Read},
     {"imultiarch", FlagKind::KeepWithValue},
     {"imultilib", FlagKind::KeepWithValue},
     {"include-prefix", FlagKind::KeepWithValue},
     {"include-with-prefix", FlagKind::KeepWithValue},
     {"install_name", FlagKind::KeepWithValue},
     {"iprefix", FlagKind::KeepWithValue},
-    {"ivfsoverlay", FlagKind::KeepWithValue},
+    {"ivfsoverlay", FlagKind::KeepWithValue, FlagFile::Read},
     {"iwithprefix", FlagKind::KeepWithValue},
     {"iwithprefixbefore", FlagKind::KeepWithValue},
     {"l", FlagKind::KeepWithValue},
     {"library-directory", FlagKind::KeepWithValue},
-    {"mllvm", FlagKind::KeepWithValue},
+    {"mllvm", FlagKind::Preprocessor, FlagValue::Next},
     {"param", FlagKind::KeepWithValue},
     {"resource-dir", FlagKind::KeepWithValue},
     {"rpath", FlagKind::KeepWithValue},
-    {"specs", FlagKind::KeepWithValue},
-    {"target", FlagKind::KeepWithValue},
+    {"specs", FlagKind::KeepWithValue, FlagFile::ReadAsSpecs},
+    {"specs=", FlagKind::Keep, FlagFile::ReadAsSpecs},
+    {"target", FlagKind::KeepWithValue, FlagEffect::NamesTarget},
+    {"target=", FlagKind::Keep, FlagEffect::NamesTarget},
     {"u", FlagKind::KeepWithValue},
     {"undefined", FlagKind::KeepWithValue},
     {"weak_framework", FlagKind::KeepWithValue},
-    {"working-directory", FlagKind::KeepWithValue},
+    // The unit is taken to work there.
+    {"working-directory", FlagKind::DropWithValue, FlagEffect::NamesDirectory},
+    {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"z", FlagKind::KeepWithValue},
+
+    // What has its value in the next word, and never glued. Most of it is for other steps than preprocessing.
+    {"allowable_client", FlagKind::KeepWithValue, FlagValue::Next},
+    {"arcmt-migrate-report-output", FlagKind::KeepWithValue, FlagValue::Next},
+    {"ccc-arcmt-migrate", FlagKind::KeepWithValue, FlagValue::Next},
+    {"ccc-gcc-name", FlagKind::KeepWithValue, FlagValue::Next},
+    {"ccc-install-dir", FlagKind::KeepWithValue, FlagValue::Next},
+    {"ccc-objcmt-migrate", FlagKind::KeepWithValue, FlagValue::Next},
+    {"client_name", FlagKind::KeepWithValue, FlagValue::Next},
+    {"darwin-target-variant", FlagKind::KeepWithValue, FlagValue::Next},
+    {"dyld-prefix", FlagKind::KeepWithValue, FlagValue::Next},
+    {"dylib_file", FlagKind::KeepWithValue, FlagValue::Next},
+    {"exported_symbols_list", FlagKind::KeepWithValue, FlagValue::Next},
+    {"filelist", FlagKind::KeepWithValue, FlagValue::Next},
+    {"fintrinsic-modules-path", FlagKind::KeepWithValue, FlagValue::Next},
+    {"fmodules-user-build-path", FlagKind::KeepWithValue, FlagValue::Next},
+    {"for-assembler", FlagKind::KeepWithValue, FlagValue::Next},
+    {"for-linker", FlagKind::KeepWithValue, FlagValue::Next},
+    {"force-link", FlagKind::KeepWithValue, FlagValue::Next},
+    {"force_load", FlagKind::KeepWithValue, FlagValue::Next},
+    {"gnatO", FlagKind::KeepWithValue, FlagValue::Next},
+    {"iframeworkwithsysroot", FlagKind::KeepWithValue, FlagValue::Next},
+    {"image_base", FlagKind::KeepWithValue, FlagValue::Next},
+    {"include-with-prefix-after", FlagKind::KeepWithValue, FlagValue::Next},
+    {"include-with-prefix-before", FlagKind::KeepWithValue, FlagValue::Next},
+    {"init", FlagKind::KeepWithValue, FlagValue::Next},
+    {"keep_private_extern", FlagKind::KeepWithValue, FlagValue::Next},
+    {"lazy_framework", FlagKind::KeepWithValue, FlagValue::Next},
+    {"lazy_library", FlagKind::KeepWithValue, FlagValue::Next},
+    {"meabi", FlagKind::KeepWithValue, FlagValue::Next},
+    {"mhwdiv", FlagKind::KeepWithValue, FlagValue::Next},
+    {"mthread-model", FlagKind::KeepWithValue, FlagValue::Next},
+    {"multiply_defined", FlagKind::KeepWithValue, FlagValue::Next},
+    {"multiply_defined_unused", FlagKind::KeepWithValue, FlagValue::Next},
+    {"pagezero_size", FlagKind::KeepWithValue, FlagValue::Next},
+    {"read_only_relocs", FlagKind::KeepWithValue, FlagValue::Next},
+    {"reexport_framework", FlagKind::KeepWithValue, FlagValue::Next},
+    {"reexport_library", FlagKind::KeepWithValue, FlagValue::Next},
+    {"rtlib", FlagKind::KeepWithValue, FlagValue::Next},
+    {"seg1addr", FlagKind::KeepWithValue, FlagValue::Next},
+    {"seg_addr_table", FlagKind::KeepWithValue, FlagValue::Next},
+    {"seg_addr_table_filename", FlagKind::KeepWithValue, FlagValue::Next},
+    {"segs_read_only_addr", FlagKind::KeepWithValue, FlagValue::Next},
+    {"segs_read_write_addr", FlagKind::KeepWithValue, FlagValue::Next},
+    {"stdlib", FlagKind::KeepWithValue, FlagValue::Next},
+    {"sub_library", FlagKind::KeepWithValue, FlagValue::Next},
+    {"sub_umbrella", FlagKind::KeepWithValue, FlagValue::Next},
+    {"umbrella", FlagKind::KeepWithValue, FlagValue::Next},
+    {"unexported_symbols_list", FlagKind::KeepWithValue, FlagValue::Next},
+    {"weak_library", FlagKind::KeepWithValue, FlagValue::Next},
+    {"weak_reference_mismatches", FlagKind::KeepWithValue, FlagValue::Next},
+    {"encoding", FlagKind::KeepWithValue, FlagValue::Next},
+    {"classpath", FlagKind::KeepWithValue, FlagValue::Next},
+    {"bootclasspath", FlagKind::KeepWithValue, FlagValue::Next},
+    {"CLASSPATH", FlagKind::KeepWithValue, FlagValue::Next},
+    {"extdirs", FlagKind::KeepWithValue, FlagValue::Next},
+    {"output-class-directory", FlagKind::KeepWithValue, FlagValue::Next},
+    {"resource", FlagKind::KeepWithValue, FlagValue::Next},
+    {"Xarch_device", FlagKind::KeepWithValue, FlagValue::Next},
+    {"Xarch_host", FlagKind::KeepWithValue, FlagValue::Next},
+    {"analyzer-output", FlagKind::KeepWithValue, FlagValue::Next},
+    {"dsym-dir", FlagKind::KeepWithValue, FlagValue::Next},
+    {"segaddr", FlagKind::KeepWithValue, FlagValue::NextTwo},
+    {"sectobjectsymbols", FlagKind::KeepWithValue, FlagValue::NextTwo},
+    {"sectcreate", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"segcreate", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"sectalign", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"sectorder", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"segprot", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"platform_version", FlagKind::KeepWithValue, FlagValue::NextThree},
+    {"fxray-always-instrument=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"fxray-attr-list=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"fxray-instruction-threshold=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"fxray-instrumentation-bundle=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"fxray-modes=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"fxray-never-instrument=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    {"Xarch_", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
+    {"Xopenmp-target=", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
+    {"J", FlagKind::KeepWithValue},
+    {"b", FlagKind::KeepWithValue},
+    {"assert", FlagKind::KeepWithValue, FlagValue::Next},
+    {"std", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesStandard},
+    {"machine", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesMachine},
+    {"machine=", FlagKind::Keep, FlagEffect::NamesMachine},
+    {"stdlib++-isystem", FlagKind::SystemInclude},
+
+    // Every other flag that begins so has its value glued, if any: a word behind it is no value.
+    {"f", FlagKind::Keep, FlagValue::ShortGlued},
+    {"m", FlagKind::Keep, FlagValue::ShortGlued},
+    {"W", FlagKind::Keep, FlagValue::ShortGlued},
+    {"g", FlagKind::Keep, FlagValue::ShortGlued},
+    {"O0", FlagKind::Keep},
+    {"Oz", FlagKind::Keep},
+    {"R", FlagKind::Keep, FlagValue::ShortGlued},
+    {"p", FlagKind::Keep, FlagValue::ShortGlued},
+    {"n", FlagKind::Keep, FlagValue::ShortGlued},
+    {"s", FlagKind::Keep, FlagValue::ShortGlued},
+    {"r", FlagKind::Keep, FlagValue::ShortGlued},
+    {"Q", FlagKind::Keep, FlagValue::ShortGlued},
+    {"t", FlagKind::Keep, FlagValue::ShortGlued},
+    {"w", FlagKind::Keep},
+    {"ObjC", FlagKind::Keep},
+    {"ObjC++", FlagKind::Keep},
+    {"coverage", FlagKind::Keep},
+    {"undef", FlagKind::Keep},
+    {"pipe", FlagKind::Keep},
 };
 // clang-format on
-static_assert(NamesAreUnique(GccFlags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(GccFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
+
+// For families in which the last of the four flags for plain char decides.
+constexpr FlagRow LastCharFlags[] = {
+    {"fsigned-char",      FlagKind::Keep, FlagEffect::SignedChar  },
+    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar  },
+    {"fno-signed-char",   FlagKind::Keep, FlagEffect::UnsignedChar},
+};
 
 } // namespace
 
-Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}) {}
+Gcc::Gcc() : Gcc(CompilerType::Gcc, "gcc", {}, CharSign::UnsignedByFlag) {}
 
-Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension)
-    : Compiler(type, name, GccIntroducers, FlagTable(GccFlags, extension)) {}
+Gcc::Gcc(CompilerType type, std::string_view name, std::span<const FlagRow> extension, CharSign charSign)
+    : Compiler(type, name, GccIntroducers,
+               FlagTable({extension,
+                          charSign == CharSign::ByLastFlag ? std::span<const FlagRow>(LastCharFlags)
+                                                           : std::span<const FlagRow>(),
+                          GccFlags})) {}
 
 std::vector<std::string> Gcc::BuildPreprocessCommand(const ParsedCommand& command,
                                                      const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 5);
     words.emplace_back("-w");
-    words.emplace_back(command.compilerType == CompilerType::Qcc ? "-P" : "-E");
+    words.emplace_back(StageFlag());
     words.emplace_back("-o");
     words.push_back(outputPath);
     words.push_back(WithFolder(command.sourceFile));
     return words;
 }
 
-void Gcc::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    command.unsignedChar = std::find(arguments.begin(), arguments.end(), "-funsigned-char") != arguments.end();
+void Gcc::FinishParse(ParsedCommand& command) const {
+    if (command.targetBits) {
+        command.platformWord = *command.targetBits == TargetBits::Bits32 ? "linux32" : "linux64";
+    }
 }
 
 // Drivers skip the preprocessing of a file that is preprocessed already, and write no output then. Taken for a plain
@@ -303,16 +455,6 @@ void Gcc::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
     if (IsPreprocessed(kind)) {
         command.keptArguments.emplace_back("-x");
         command.keptArguments.emplace_back(command.language == Language::C ? "c" : "c++");
-    }
-}
-
-void Gcc::TakeCharSign(std::span<const std::string> arguments, ParsedCommand& command) {
-    for (const std::string& argument : arguments) {
-        if (argument == "-fsigned-char") {
-            command.unsignedChar = false;
-        } else if (argument == "-funsigned-char") {
-            command.unsignedChar = true;
-        }
     }
 }
 

@@ -2,10 +2,9 @@
 
 namespace Orvanta {
 
-GccARM::GccARM() : Gcc(CompilerType::GccARM, "gcc", {}) {}
+GccARM::GccARM() : Gcc(CompilerType::GccARM, "gcc", {}, CharSign::ByLastFlag) {}
 
-void GccARM::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    TakeCharSign(arguments, command);
+void GccARM::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
 }
 

@@ -1,7 +1,5 @@
 #include "compilers/IARArm_v7_OrOlder.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -11,7 +9,6 @@ constexpr OptionFileFlag IarOptionFiles[] = {
     {"--f", OptionFileFlag::Value::Next       },
     {"-f",  OptionFileFlag::Value::GluedOrNext},
 };
-constexpr FlagEffect NoEffect = FlagEffect::None;
 constexpr FlagValue Long = FlagValue::Long;
 constexpr FlagValue GluedAndNext = FlagValue::GluedAndNext;
 
@@ -26,20 +23,19 @@ constexpr FlagRow IarFlags[] = {
     {"c++", FlagKind::Keep, FlagEffect::NamesCpp},
     {"ec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
     {"eec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
-    {"char_is_signed", FlagKind::Keep, FlagEffect::SignedChar},
-    {"char_is_unsigned", FlagKind::Keep, FlagEffect::UnsignedChar},
+    {"char_is_signed", FlagKind::Keep, FlagEffect::SignedChar}, // wins over "char_is_unsigned", which says what is so
 
     // Folders, files and macros.
     {"I", FlagKind::UserInclude},
-    {"system_include_dir", FlagKind::SystemInclude, NoEffect, Long},
-    {"preinclude", FlagKind::ForcedInclude, NoEffect, Long},
-    {"include", FlagKind::ForcedInclude, NoEffect, Long},
+    {"system_include_dir", FlagKind::SystemInclude, Long},
+    {"preinclude", FlagKind::ForcedInclude, Long},
+    {"include", FlagKind::ForcedInclude, Long},
     {"D", FlagKind::Define},
     {"U", FlagKind::Undefine},
 
     // Preprocessed text: with an "n" nothing is compiled. Its file stands in the next argument.
     {"preprocess", FlagKind::DropWithValue},
-    {"preprocess=", FlagKind::DropWithValue, NoEffect, GluedAndNext},
+    {"preprocess=", FlagKind::DropWithValue, GluedAndNext},
     {"preprocess=n", FlagKind::DropWithValue, FlagEffect::PreprocessesOnly, GluedAndNext},
     {"preprocess=cn", FlagKind::DropWithValue, FlagEffect::PreprocessesOnly, GluedAndNext},
     {"preprocess=ln", FlagKind::DropWithValue, FlagEffect::PreprocessesOnly, GluedAndNext},
@@ -50,14 +46,14 @@ constexpr FlagRow IarFlags[] = {
 
     // What the build writes.
     {"o", FlagKind::Output},
-    {"output", FlagKind::Output, NoEffect, Long},
-    {"l", FlagKind::DropWithValue, NoEffect, GluedAndNext},
-    {"dependencies", FlagKind::DropWithValue},
-    {"dependencies=", FlagKind::DropWithValue, NoEffect, GluedAndNext},
-    {"diagnostics_tables", FlagKind::DropWithValue, NoEffect, Long},
+    {"output", FlagKind::Output, Long},
+    {"l", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},
+    {"dependencies", FlagKind::DropWithValue, FlagFile::Written},
+    {"dependencies=", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},
+    {"diagnostics_tables", FlagKind::DropWithValue, Long, FlagFile::Written},
     {"stack_usage", FlagKind::Drop},
     {"header_context", FlagKind::Drop},
-    {"public_equ", FlagKind::KeepWithValue, NoEffect, Long},
+    {"public_equ", FlagKind::KeepWithValue, Long},
 
     // How the tools of the environment talk, and how loud.
     {"IDE2", FlagKind::Drop},
@@ -67,14 +63,14 @@ constexpr FlagRow IarFlags[] = {
     {"silent", FlagKind::Drop},
     {"S", FlagKind::Drop},
     {"no_warnings", FlagKind::Drop},
-    {"error_limit", FlagKind::DropWithValue, NoEffect, Long},
+    {"error_limit", FlagKind::DropWithValue, Long},
 
     // The encodings of the sources and of the preprocessed text are those of the preprocessing command.
     {"enable_multibytes", FlagKind::Drop},
     {"utf8_text_in", FlagKind::Drop},
     {"utf8_text_out", FlagKind::Drop},
-    {"source_encoding", FlagKind::DropWithValue, NoEffect, Long},
-    {"text_out", FlagKind::DropWithValue, NoEffect, Long},
+    {"source_encoding", FlagKind::DropWithValue, Long},
+    {"text_out", FlagKind::DropWithValue, Long},
     {"no_bom", FlagKind::Drop},
 
     // Several sources compiled as one: each is a unit of its own here.
@@ -82,26 +78,27 @@ constexpr FlagRow IarFlags[] = {
     {"discard_unused_publics", FlagKind::Drop},
 
     // What has a value of its own, which is no input.
-    {"cpu", FlagKind::KeepWithValue, NoEffect, Long},
-    {"fpu", FlagKind::KeepWithValue, NoEffect, Long},
-    {"cpu_mode", FlagKind::KeepWithValue, NoEffect, Long},
-    {"endian", FlagKind::KeepWithValue, NoEffect, Long},
-    {"dlib_config", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_error", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_remark", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_suppress", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_warning", FlagKind::KeepWithValue, NoEffect, Long},
-    {"lock_regs", FlagKind::KeepWithValue, NoEffect, Long},
-    {"section", FlagKind::KeepWithValue, NoEffect, Long},
+    {"cpu", FlagKind::KeepWithValue, Long},
+    {"fpu", FlagKind::KeepWithValue, Long},
+    {"cpu_mode", FlagKind::KeepWithValue, Long},
+    {"endian", FlagKind::KeepWithValue, Long},
+    {"dlib_config", FlagKind::KeepWithValue, Long},
+    {"diag_error", FlagKind::KeepWithValue, Long},
+    {"diag_remark", FlagKind::KeepWithValue, Long},
+    {"diag_suppress", FlagKind::KeepWithValue, Long},
+    {"diag_warning", FlagKind::KeepWithValue, Long},
+    {"lock_regs", FlagKind::KeepWithValue, Long},
+    {"section", FlagKind::KeepWithValue, Long},
 };
 // clang-format on
-static_assert(NamesAreUnique(IarFlags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(IarFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
 IARArm_v7_OrOlder::IARArm_v7_OrOlder() : IARArm_v7_OrOlder(CompilerType::IARArm_v7_OrOlder) {}
 
-IARArm_v7_OrOlder::IARArm_v7_OrOlder(CompilerType type) : Compiler(type, "iar", IarIntroducers, FlagTable(IarFlags)) {}
+IARArm_v7_OrOlder::IARArm_v7_OrOlder(CompilerType type)
+    : Compiler(type, "iar", IarIntroducers, FlagTable({IarFlags})) {}
 
 std::vector<std::string> IARArm_v7_OrOlder::BuildPreprocessCommand(const ParsedCommand& command,
                                                                    const std::string& outputPath) const {
@@ -111,10 +108,7 @@ std::vector<std::string> IARArm_v7_OrOlder::BuildPreprocessCommand(const ParsedC
     return words;
 }
 
-void IARArm_v7_OrOlder::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    if (std::find(arguments.begin(), arguments.end(), "--char_is_signed") != arguments.end()) {
-        command.unsignedChar = false;
-    }
+void IARArm_v7_OrOlder::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
 }
 

@@ -10,7 +10,7 @@ public:
     IARArm_v7_OrOlder();
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
-    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    void FinishParse(ParsedCommand& command) const override;
     [[nodiscard]] OptionFileSyntax OptionFiles() const noexcept override;
 
     [[nodiscard]] bool IsPlainCharUnsigned() const noexcept override { return true; }

@@ -28,6 +28,8 @@ constexpr InputKindRow Extensions[] = {
     {".CPP",  InputKind::Cpp            },
     {".CXX",  InputKind::Cpp            },
     {".cppm", InputKind::Cpp            },
+    {".ixx",  InputKind::Cpp            },
+    {".mpp",  InputKind::Cpp            },
     {".ccm",  InputKind::Cpp            },
     {".cxxm", InputKind::Cpp            },
     {".c++m", InputKind::Cpp            },

@@ -19,6 +19,7 @@ enum class InputKind : std::uint8_t {
     OtherLanguage, ///< Objective-C, Fortran and others that the driver hands to other compilers
     LinkInput,     ///< objects, libraries, and all that no extension tells apart
     StandardInput,
+    NullDevice,          ///< holds nothing: builds test flags on it
     MissingResponseFile, ///< "@" and the name of a file that isn't there: the driver fails on it
 };
 

@@ -1,7 +1,5 @@
 #include "compilers/Keil5.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -10,7 +8,6 @@ constexpr std::string_view Keil5Introducers[] = {"-", "--"};
 constexpr OptionFileFlag Keil5OptionFiles[] = {
     {"--via", OptionFileFlag::Value::EqualsOrNext},
 };
-constexpr FlagEffect NoEffect = FlagEffect::None;
 constexpr FlagValue Long = FlagValue::Long;
 
 // Of the rows that fit, the one with the longest name wins; their order is for the reader. A flag without a row is
@@ -24,13 +21,14 @@ constexpr FlagRow Keil5Flags[] = {
     {"cpp11", FlagKind::StandardCpp11, FlagEffect::NamesCpp},
     {"signed_chars", FlagKind::Keep, FlagEffect::SignedChar},
     {"unsigned_chars", FlagKind::Keep, FlagEffect::UnsignedChar},
+    {"gnu", FlagKind::Keep, FlagEffect::GnuExtensions},
     {"old_style_preprocessing", FlagKind::Keep}, // the build reads the source in this way, too
 
     // Folders, files and macros.
-    {"I", FlagKind::UserInclude, NoEffect, FlagValue::List},
-    {"J", FlagKind::SystemInclude, NoEffect, FlagValue::List},
-    {"preinclude", FlagKind::ForcedInclude, NoEffect, Long},
-    {"include", FlagKind::ForcedInclude, NoEffect, Long},
+    {"I", FlagKind::UserInclude, FlagValue::List},
+    {"J", FlagKind::SystemInclude, FlagValue::List},
+    {"preinclude", FlagKind::ForcedInclude, Long},
+    {"include", FlagKind::ForcedInclude, Long},
     {"D", FlagKind::Define},
     {"U", FlagKind::Undefine},
 
@@ -46,12 +44,12 @@ constexpr FlagRow Keil5Flags[] = {
 
     // What the build writes.
     {"o", FlagKind::Output},
-    {"output_dir", FlagKind::DropWithValue, NoEffect, Long},
-    {"omf_browse", FlagKind::DropWithValue, NoEffect, Long},
-    {"depend", FlagKind::DropWithValue, NoEffect, Long},
-    {"depend_dir", FlagKind::DropWithValue, NoEffect, Long},
-    {"depend_format", FlagKind::DropWithValue, NoEffect, Long},
-    {"depend_target", FlagKind::DropWithValue, NoEffect, Long},
+    {"output_dir", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"omf_browse", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"depend", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"depend_dir", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"depend_format", FlagKind::DropWithValue, Long},
+    {"depend_target", FlagKind::DropWithValue, Long},
     {"depend_single_line", FlagKind::Drop},
     {"no_depend_single_line", FlagKind::Drop},
     {"depend_system_headers", FlagKind::Drop},
@@ -59,61 +57,61 @@ constexpr FlagRow Keil5Flags[] = {
     {"ignore_missing_headers", FlagKind::Drop},
     {"phony_targets", FlagKind::Drop},
     {"no_phony_targets", FlagKind::Drop},
-    {"md", FlagKind::Drop},
-    {"asm", FlagKind::Drop},
-    {"asm_dir", FlagKind::DropWithValue, NoEffect, Long},
+    {"md", FlagKind::Drop, FlagFile::Written},
+    {"asm", FlagKind::Drop, FlagFile::Written},
+    {"asm_dir", FlagKind::DropWithValue, Long, FlagFile::Written},
     {"interleave", FlagKind::Drop},
-    {"list", FlagKind::Drop},
-    {"list_dir", FlagKind::DropWithValue, NoEffect, Long},
-    {"errors", FlagKind::DropWithValue, NoEffect, Long},
-    {"feedback", FlagKind::DropWithValue, NoEffect, Long},
-    {"profile", FlagKind::DropWithValue, NoEffect, Long},
+    {"list", FlagKind::Drop, FlagFile::Written},
+    {"list_dir", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"errors", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"feedback", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"profile", FlagKind::DropWithValue, Long, FlagFile::Written},
 
     // Precompiled headers: the unit is preprocessed from the headers that they were made from.
     {"pch", FlagKind::Drop},
-    {"pch_dir", FlagKind::DropWithValue, NoEffect, Long},
+    {"pch_dir", FlagKind::DropWithValue, Long},
     {"pch_messages", FlagKind::Drop},
     {"pch_verbose", FlagKind::Drop},
-    {"create_pch", FlagKind::DropWithValue, NoEffect, Long},
-    {"use_pch", FlagKind::DropWithValue, NoEffect, Long},
+    {"create_pch", FlagKind::DropWithValue, Long},
+    {"use_pch", FlagKind::DropWithValue, Long},
 
     // Hand arguments on to the assembler and the linker.
     {"A", FlagKind::DropWithValue},
     {"L", FlagKind::DropWithValue},
 
     // What has a value of its own, which is no input.
-    {"cpu", FlagKind::KeepWithValue, NoEffect, Long},
-    {"fpu", FlagKind::KeepWithValue, NoEffect, Long},
-    {"apcs", FlagKind::KeepWithValue, NoEffect, Long},
-    {"arch", FlagKind::KeepWithValue, NoEffect, Long},
-    {"device", FlagKind::KeepWithValue, NoEffect, Long},
-    {"bss_threshold", FlagKind::KeepWithValue, NoEffect, Long},
-    {"compatible", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_error", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_remark", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_style", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_suppress", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_warning", FlagKind::KeepWithValue, NoEffect, Long},
-    {"fpmode", FlagKind::KeepWithValue, NoEffect, Long},
-    {"gnu_version", FlagKind::KeepWithValue, NoEffect, Long},
-    {"library_type", FlagKind::KeepWithValue, NoEffect, Long},
-    {"locale", FlagKind::KeepWithValue, NoEffect, Long},
-    {"message_locale", FlagKind::KeepWithValue, NoEffect, Long},
-    {"min_array_alignment", FlagKind::KeepWithValue, NoEffect, Long},
-    {"pointer_alignment", FlagKind::KeepWithValue, NoEffect, Long},
-    {"project", FlagKind::KeepWithValue, NoEffect, Long},
+    {"cpu", FlagKind::KeepWithValue, Long},
+    {"fpu", FlagKind::KeepWithValue, Long},
+    {"apcs", FlagKind::KeepWithValue, Long},
+    {"arch", FlagKind::KeepWithValue, Long},
+    {"device", FlagKind::KeepWithValue, Long},
+    {"bss_threshold", FlagKind::KeepWithValue, Long},
+    {"compatible", FlagKind::KeepWithValue, Long},
+    {"diag_error", FlagKind::KeepWithValue, Long},
+    {"diag_remark", FlagKind::KeepWithValue, Long},
+    {"diag_style", FlagKind::KeepWithValue, Long},
+    {"diag_suppress", FlagKind::KeepWithValue, Long},
+    {"diag_warning", FlagKind::KeepWithValue, Long},
+    {"fpmode", FlagKind::KeepWithValue, Long},
+    {"gnu_version", FlagKind::KeepWithValue, Long},
+    {"library_type", FlagKind::KeepWithValue, Long},
+    {"locale", FlagKind::KeepWithValue, Long},
+    {"message_locale", FlagKind::KeepWithValue, Long},
+    {"min_array_alignment", FlagKind::KeepWithValue, Long},
+    {"pointer_alignment", FlagKind::KeepWithValue, Long},
+    {"project", FlagKind::KeepWithValue, Long},
     {"reinitialize_workdir", FlagKind::Keep},
-    {"workdir", FlagKind::KeepWithValue, NoEffect, Long},
+    {"workdir", FlagKind::KeepWithValue, Long},
 };
 // clang-format on
-static_assert(NamesAreUnique(Keil5Flags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(Keil5Flags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
 Keil5::Keil5() : Keil5(CompilerType::Keil5, "keil5") {}
 
 Keil5::Keil5(CompilerType type, std::string_view name)
-    : Compiler(type, name, Keil5Introducers, FlagTable(Keil5Flags)) {}
+    : Compiler(type, name, Keil5Introducers, FlagTable({Keil5Flags})) {}
 
 std::vector<std::string> Keil5::BuildPreprocessCommand(const ParsedCommand& command,
                                                        const std::string& outputPath) const {
@@ -122,9 +120,9 @@ std::vector<std::string> Keil5::BuildPreprocessCommand(const ParsedCommand& comm
     return words;
 }
 
-void Keil5::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
+void Keil5::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
-    if (std::find(arguments.begin(), arguments.end(), "--gnu") != arguments.end()) {
+    if (command.effects.Has(FlagEffect::GnuExtensions)) {
         command.compilerType = CompilerType::Keil5Gnu;
     }
 }

@@ -11,7 +11,7 @@ public:
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
     /// Sets the platform word; "--gnu" makes the unit one of Keil5Gnu.
-    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    void FinishParse(ParsedCommand& command) const override;
     [[nodiscard]] OptionFileSyntax OptionFiles() const noexcept override;
 
     [[nodiscard]] bool IsPlainCharUnsigned() const noexcept override { return true; }

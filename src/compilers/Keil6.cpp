@@ -2,9 +2,10 @@
 
 namespace Orvanta {
 
-Keil6::Keil6() : Clang(CompilerType::Keil6) {}
+Keil6::Keil6() : Clang(CompilerType::Keil6, CharSign::ByLastFlag) {}
 
-void Keil6::FinishParse(std::span<const std::string> /*arguments*/, ParsedCommand& command) const {
+void Keil6::FinishParse(ParsedCommand& command) const {
+    Clang::FinishParse(command);
     command.platformWord = "arm";
 }
 

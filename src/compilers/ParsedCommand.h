@@ -1,13 +1,23 @@
 #pragma once
 
 #include "compilers/CompilerType.h"
+#include "compilers/FlagEffect.h"
 #include "compilers/FlagKind.h"
+#include "compilers/TargetBits.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace Orvanta {
+
+/// A precompiled header that a flag names, and the kept arguments that do.
+struct PrecompiledHeaderUse {
+    std::string path; ///< as written; empty: none
+    std::size_t firstArgument = 0;
+    std::size_t arguments = 0;
+};
 
 /// One compilation as its command line says it, for one of its source files.
 struct ParsedCommand {
@@ -21,14 +31,26 @@ struct ParsedCommand {
     std::vector<std::string> systemIncludes; ///< and system roots
     std::vector<std::string> defines;        ///< "NAME" or "NAME=VALUE"
     std::vector<std::string> forcedIncludes;
-    std::optional<Language> language;    ///< when a flag states it, or the source is preprocessed already
-    std::optional<FlagKind> cStandard;   ///< the last C standard flag (StandardAnsi counts for both languages)
-    std::optional<FlagKind> cppStandard; ///< the last C++ standard flag
-    std::string platformWord;            ///< empty when the command names no target
+    std::vector<std::string> filesRead;      ///< that flags name beside these, as written; see FilesNamedByFlags
+    std::vector<std::string> specFiles;      ///< likewise, looked for behind the search prefixes first
+    std::vector<std::string> searchPrefixes; ///< where the driver looks for its parts first, as written
+    PrecompiledHeaderUse precompiled;        ///< whose text the compiler takes; the last counts
+    FlagEffects effects;                     ///< of all flags
+    std::optional<Language> language;        ///< when a flag states it, or the source is preprocessed already
+    std::optional<FlagKind> cStandard;       ///< the last C standard flag (StandardAnsi counts for both languages)
+    std::optional<FlagKind> cppStandard;     ///< the last C++ standard flag
+    std::optional<TargetBits> targetBits;    ///< that a flag for the size of words states
+    std::string targetTriple;                ///< empty when the command names none
+    std::string platformWord;                ///< for the core; empty when the command names no target
     bool unsignedChar = false;
-    bool shortFloat = false;
-    bool shortDouble = false;
-    bool msvcAwait = false; ///< cl's first form of coroutines is on
 };
+
+/// Takes the flag that names a precompiled header out of the kept arguments.
+void DropPrecompiled(ParsedCommand& command);
+
+/// The files beside sources and headers that the compiler reads because a flag names them: specs, configurations,
+/// overlays, plug-ins. Relative ones are of the invocation's folder. Some of them may not exist: the compiler looks
+/// there before it looks elsewhere, so that one that appears counts.
+[[nodiscard]] std::vector<std::string> FilesNamedByFlags(const ParsedCommand& command);
 
 } // namespace Orvanta

@@ -16,10 +16,10 @@ constexpr FlagRow QccFlags[] = {
     {"Y", FlagKind::KeepWithValue},
 };
 // clang-format on
-static_assert(NamesAreUnique(QccFlags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(QccFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
-Qcc::Qcc() : Gcc(CompilerType::Qcc, "gcc", QccFlags) {}
+Qcc::Qcc() : Gcc(CompilerType::Qcc, "gcc", QccFlags, CharSign::UnsignedByFlag) {}
 
 } // namespace Orvanta

@@ -8,6 +8,9 @@ namespace Orvanta {
 class Qcc : public Gcc {
 public:
     Qcc();
+
+protected:
+    [[nodiscard]] const char* StageFlag() const noexcept override { return "-P"; }
 };
 
 } // namespace Orvanta

@@ -2,8 +2,6 @@
 
 #include "platform/Paths.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -14,8 +12,6 @@ constexpr OptionFileFlag TiOptionFiles[] = {
     {"-@=",        OptionFileFlag::Value::Glued       },
     {"-@",         OptionFileFlag::Value::GluedOrNext },
 };
-constexpr std::string_view CppByDefault = "--cpp_default";
-constexpr FlagEffect NoEffect = FlagEffect::None;
 constexpr FlagValue Glued = FlagValue::Glued;
 constexpr FlagValue Short = FlagValue::ShortGlued;
 constexpr FlagValue Long = FlagValue::Long;
@@ -76,88 +72,88 @@ constexpr FlagRow TiFlags[] = {
 
     // Folders, files and macros.
     {"include_path=", FlagKind::UserInclude},
-    {"include_path", FlagKind::UserInclude, NoEffect, Long},
+    {"include_path", FlagKind::UserInclude, Long},
     {"I", FlagKind::UserInclude},
     {"I=", FlagKind::UserInclude},
-    {"preinclude", FlagKind::ForcedInclude, NoEffect, Long},
-    {"define", FlagKind::Define, NoEffect, Long},
+    {"preinclude", FlagKind::ForcedInclude, Long},
+    {"define", FlagKind::Define, Long},
     {"D", FlagKind::Define},
     {"D=", FlagKind::Define},
-    {"undefine", FlagKind::Undefine, NoEffect, Long},
+    {"undefine", FlagKind::Undefine, Long},
     {"U", FlagKind::Undefine},
     {"U=", FlagKind::Undefine},
 
     // What the build writes.
-    {"output_file", FlagKind::Output, NoEffect, Long},
-    {"fe", FlagKind::Output, NoEffect, Short},
+    {"output_file", FlagKind::Output, Long},
+    {"fe", FlagKind::Output, Short},
     {"fe=", FlagKind::Output},
-    {"obj_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"fr", FlagKind::Drop, NoEffect, Short},
-    {"asm_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"fs", FlagKind::Drop, NoEffect, Short},
-    {"list_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"ff", FlagKind::Drop, NoEffect, Short},
-    {"temp_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"ft", FlagKind::Drop, NoEffect, Short},
-    {"pp_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"abs_directory", FlagKind::DropWithValue, NoEffect, Long},
-    {"fb", FlagKind::Drop, NoEffect, Short},
+    {"obj_directory", FlagKind::DropWithValue, Long},
+    {"fr", FlagKind::Drop, Short},
+    {"asm_directory", FlagKind::DropWithValue, Long},
+    {"fs", FlagKind::Drop, Short},
+    {"list_directory", FlagKind::DropWithValue, Long},
+    {"ff", FlagKind::Drop, Short},
+    {"temp_directory", FlagKind::DropWithValue, Long},
+    {"ft", FlagKind::Drop, Short},
+    {"pp_directory", FlagKind::DropWithValue, Long},
+    {"abs_directory", FlagKind::DropWithValue, Long},
+    {"fb", FlagKind::Drop, Short},
     {"obj_extension=", FlagKind::Drop},
-    {"eo", FlagKind::Drop, NoEffect, Short},
-    {"keep_asm", FlagKind::Drop},
-    {"k", FlagKind::Drop},
-    {"asm_listing", FlagKind::Drop},
-    {"al", FlagKind::Drop},
-    {"asm_cross_reference_listing", FlagKind::Drop},
-    {"ax", FlagKind::Drop},
-    {"asm_dependency", FlagKind::DropWithValue, NoEffect, Long},
-    {"apd", FlagKind::Drop},
-    {"asm_includes", FlagKind::DropWithValue, NoEffect, Long},
-    {"api", FlagKind::Drop},
-    {"gen_preprocessor_listing", FlagKind::Drop},
-    {"gen_cross_reference_listing", FlagKind::Drop},
-    {"write_diagnostics_file", FlagKind::Drop},
-    {"pdf", FlagKind::Drop},
+    {"eo", FlagKind::Drop, Short},
+    {"keep_asm", FlagKind::Drop, FlagFile::Written},
+    {"k", FlagKind::Drop, FlagFile::Written},
+    {"asm_listing", FlagKind::Drop, FlagFile::Written},
+    {"al", FlagKind::Drop, FlagFile::Written},
+    {"asm_cross_reference_listing", FlagKind::Drop, FlagFile::Written},
+    {"ax", FlagKind::Drop, FlagFile::Written},
+    {"asm_dependency", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"apd", FlagKind::Drop, FlagFile::Written},
+    {"asm_includes", FlagKind::DropWithValue, Long, FlagFile::Written},
+    {"api", FlagKind::Drop, FlagFile::Written},
+    {"gen_preprocessor_listing", FlagKind::Drop, FlagFile::Written},
+    {"gen_cross_reference_listing", FlagKind::Drop, FlagFile::Written},
+    {"write_diagnostics_file", FlagKind::Drop, FlagFile::Written},
+    {"pdf", FlagKind::Drop, FlagFile::Written},
     {"emit_warnings_as_errors", FlagKind::Drop}, // a warning must not fail the unit
     {"pdew", FlagKind::Drop},
 
     // Precompiled headers: the unit is preprocessed from the headers that they were made from.
     {"pch", FlagKind::Drop},
-    {"pch_dir", FlagKind::DropWithValue, NoEffect, Long},
+    {"pch_dir", FlagKind::DropWithValue, Long},
     {"pch_verbose", FlagKind::Drop},
-    {"create_pch", FlagKind::DropWithValue, NoEffect, Long},
-    {"use_pch", FlagKind::DropWithValue, NoEffect, Long},
+    {"create_pch", FlagKind::DropWithValue, Long},
+    {"use_pch", FlagKind::DropWithValue, Long},
 
     // Everything behind them is the linker's.
     {"run_linker", FlagKind::LinkerPart},
     {"z", FlagKind::LinkerPart},
 
     // What has a value of its own, which is no input.
-    {"silicon_version", FlagKind::KeepWithValue, NoEffect, Long},
-    {"float_support", FlagKind::KeepWithValue, NoEffect, Long},
-    {"code_state", FlagKind::KeepWithValue, NoEffect, Long},
-    {"endian", FlagKind::KeepWithValue, NoEffect, Long},
-    {"abi", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_error", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_remark", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_suppress", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_warning", FlagKind::KeepWithValue, NoEffect, Long},
-    {"diag_wrap", FlagKind::KeepWithValue, NoEffect, Long},
-    {"c_extension", FlagKind::KeepWithValue, NoEffect, Long},
-    {"cpp_extension", FlagKind::KeepWithValue, NoEffect, Long},
-    {"asm_extension", FlagKind::KeepWithValue, NoEffect, Long},
-    {"ec", FlagKind::Keep, NoEffect, Short},
-    {"ep", FlagKind::Keep, NoEffect, Short},
-    {"ea", FlagKind::Keep, NoEffect, Short},
-    {"opt_level", FlagKind::KeepWithValue, NoEffect, Long},
-    {"symdebug:", FlagKind::Keep, NoEffect, Glued},
+    {"silicon_version", FlagKind::KeepWithValue, Long},
+    {"float_support", FlagKind::KeepWithValue, Long},
+    {"code_state", FlagKind::KeepWithValue, Long},
+    {"endian", FlagKind::KeepWithValue, Long},
+    {"abi", FlagKind::KeepWithValue, Long},
+    {"diag_error", FlagKind::KeepWithValue, Long},
+    {"diag_remark", FlagKind::KeepWithValue, Long},
+    {"diag_suppress", FlagKind::KeepWithValue, Long},
+    {"diag_warning", FlagKind::KeepWithValue, Long},
+    {"diag_wrap", FlagKind::KeepWithValue, Long},
+    {"c_extension", FlagKind::KeepWithValue, Long},
+    {"cpp_extension", FlagKind::KeepWithValue, Long},
+    {"asm_extension", FlagKind::KeepWithValue, Long},
+    {"ec", FlagKind::Keep, Short},
+    {"ep", FlagKind::Keep, Short},
+    {"ea", FlagKind::Keep, Short},
+    {"opt_level", FlagKind::KeepWithValue, Long},
+    {"symdebug:", FlagKind::Keep, Glued},
 };
 // clang-format on
-static_assert(NamesAreUnique(TiFlags), "a name stands twice: its second row would never be read");
+static_assert(RowsAreSound(TiFlags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
-TiArmCGT::TiArmCGT() : Compiler(CompilerType::TiArmCGT, "ti_arm_cgt", TiIntroducers, FlagTable(TiFlags)) {}
+TiArmCGT::TiArmCGT() : Compiler(CompilerType::TiArmCGT, "ti_arm_cgt", TiIntroducers, FlagTable({TiFlags})) {}
 
 std::vector<std::string> TiArmCGT::BuildPreprocessCommand(const ParsedCommand& command,
                                                           const std::string& outputPath) const {
@@ -167,7 +163,7 @@ std::vector<std::string> TiArmCGT::BuildPreprocessCommand(const ParsedCommand& c
     return words;
 }
 
-void TiArmCGT::FinishParse(std::span<const std::string> /*arguments*/, ParsedCommand& command) const {
+void TiArmCGT::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
 }
 
@@ -180,9 +176,8 @@ void TiArmCGT::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
         return;
     }
     if (kind == InputKind::Cpp && byExtension == InputKind::C) {
-        if (std::none_of(kept.begin(), kept.end(),
-                         [](std::string_view word) { return word == CppByDefault || word == "-fg"; })) {
-            kept.emplace_back(CppByDefault);
+        if (!command.effects.Has(FlagEffect::NamesCpp)) {
+            kept.emplace_back("--cpp_default");
         }
         return;
     }

@@ -1,7 +1,5 @@
 #include "compilers/XC8.h"
 
-#include <algorithm>
-
 namespace Orvanta {
 
 namespace {
@@ -10,23 +8,18 @@ namespace {
 constexpr FlagRow XC8Flags[] = {
     // MPLAB X writes it into every command. It speaks of assembly sources only: a C source stays one.
     {"xassembler-with-cpp", FlagKind::Keep},
-    {"fasmfile", FlagKind::Drop}, // writes a listing
+    {"fasmfile", FlagKind::Drop, FlagFile::Written}, // a listing
+    {"fno-short-float", FlagKind::Keep, FlagEffect::ShortFloat},
+    {"fno-short-double", FlagKind::Keep, FlagEffect::ShortDouble},
 };
 // clang-format on
-static_assert(NamesAreUnique(XC8Flags), "a name stands twice: its second row would never be read");
-
-bool Contains(std::span<const std::string> arguments, std::string_view flag) {
-    return std::find(arguments.begin(), arguments.end(), flag) != arguments.end();
-}
+static_assert(RowsAreSound(XC8Flags), "a name stands twice, or a flag is kept that makes the compiler write a file");
 
 } // namespace
 
-XC8::XC8() : Gcc(CompilerType::XC8, "gcc", XC8Flags) {}
+XC8::XC8() : Gcc(CompilerType::XC8, "gcc", XC8Flags, CharSign::ByLastFlag) {}
 
-void XC8::FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const {
-    TakeCharSign(arguments, command);
-    command.shortFloat = Contains(arguments, "-fno-short-float");
-    command.shortDouble = Contains(arguments, "-fno-short-double");
+void XC8::FinishParse(ParsedCommand& command) const {
     command.platformWord = "pic8";
 }
 

@@ -8,7 +8,7 @@ namespace Orvanta {
 class XC8 : public Gcc {
 public:
     XC8();
-    void FinishParse(std::span<const std::string> arguments, ParsedCommand& command) const override;
+    void FinishParse(ParsedCommand& command) const override;
 
     [[nodiscard]] bool IsPlainCharUnsigned() const noexcept override { return true; }
 };

@@ -6,7 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cstdint>
 #include <utility>
 
 namespace Orvanta {
@@ -16,7 +15,7 @@ namespace {
 using nlohmann::json;
 using OrvlogConverter::AppendJsonString;
 
-enum class Member { Other, Id, Arguments, Dependencies };
+enum class Member { Other, Id, Added, Arguments, Dependencies };
 
 struct MemberName {
     std::string_view name;
@@ -24,6 +23,7 @@ struct MemberName {
 };
 
 constexpr MemberName MemberNames[] = {
+    {"added",        Member::Added       },
     {"arguments",    Member::Arguments   },
     {"dependencies", Member::Dependencies},
     {"id",           Member::Id          },
@@ -36,6 +36,15 @@ Member MemberOf(std::string_view name) {
         }
     }
     return Member::Other;
+}
+
+std::string_view NameOf(Member member) {
+    for (const MemberName& row : MemberNames) {
+        if (row.member == member) {
+            return row.name;
+        }
+    }
+    return {};
 }
 
 [[noreturn]] void FailField(std::string_view name, const std::string& fault) {
@@ -60,11 +69,12 @@ struct TextArray {
         (*texts)[count++] = text;
     }
 
-    void Finish(std::string_view name) const {
+    void Finish() const { texts->resize(isFound ? count : 0); }
+
+    void Require(Member member) const {
         if (!isFound) {
-            FailField(name, "is not found");
+            FailField(NameOf(member), "is not found");
         }
-        texts->resize(count);
     }
 };
 
@@ -114,6 +124,7 @@ private:
     bool TakeOther();
     bool Skip();
     bool EndSkipped();
+    TextArray* ArrayOf(Member member);
     void FinishEntry();
 
     const std::function<void(const DependencyInfoEntry&)>& take_;
@@ -121,6 +132,7 @@ private:
     std::size_t skippedDepth_ = 0;
     Member member_ = Member::Other;
     DependencyInfoEntry entry_;
+    TextArray added_{&entry_.added};
     TextArray arguments_{&entry_.arguments};
     TextArray dependencies_{&entry_.dependencies};
     TextArray* texts_ = nullptr; // the one that is being read
@@ -138,11 +150,11 @@ bool EntryHandler::TakeOther() {
             FailField("id", "is no text");
         }
         if (member_ != Member::Other) {
-            FailField(member_ == Member::Arguments ? "arguments" : "dependencies", "is no array");
+            FailField(NameOf(member_), "is no array");
         }
         break;
     case Place::Texts:
-        FailField(texts_ == &arguments_ ? "arguments" : "dependencies", "holds something other than texts");
+        FailField(NameOf(member_), "holds something other than texts");
     case Place::Skipped:
         break;
     }
@@ -167,7 +179,7 @@ bool EntryHandler::start_object(std::size_t) {
     }
     place_ = Place::Entry;
     entry_.id.reset();
-    arguments_.isFound = dependencies_.isFound = false;
+    added_.isFound = arguments_.isFound = dependencies_.isFound = false;
     return true;
 }
 
@@ -176,13 +188,29 @@ bool EntryHandler::start_array(std::size_t) {
         place_ = Place::Entries;
         return true;
     }
-    if (place_ != Place::Entry || (member_ != Member::Arguments && member_ != Member::Dependencies)) {
+    TextArray* const array = place_ == Place::Entry ? ArrayOf(member_) : nullptr;
+    if (array == nullptr) {
         return Skip();
     }
-    texts_ = member_ == Member::Arguments ? &arguments_ : &dependencies_;
+    texts_ = array;
     texts_->Begin();
     place_ = Place::Texts;
     return true;
+}
+
+TextArray* EntryHandler::ArrayOf(Member member) {
+    switch (member) {
+    case Member::Added:
+        return &added_;
+    case Member::Arguments:
+        return &arguments_;
+    case Member::Dependencies:
+        return &dependencies_;
+    case Member::Id:
+    case Member::Other:
+        break;
+    }
+    return nullptr;
 }
 
 // An array or object of which nothing is read.
@@ -218,8 +246,11 @@ bool EntryHandler::end_array() {
 }
 
 void EntryHandler::FinishEntry() {
-    arguments_.Finish("arguments");
-    dependencies_.Finish("dependencies");
+    arguments_.Require(Member::Arguments);
+    dependencies_.Require(Member::Dependencies);
+    for (const TextArray* const array : {&added_, &arguments_, &dependencies_}) {
+        array->Finish();
+    }
     take_(entry_);
 }
 
@@ -237,25 +268,25 @@ void ReadDependencyInfo(std::istream& input, const std::function<void(const Depe
 
 DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path), text_("[") {}
 
-void DependencyInfoWriter::Add(std::string_view id, const ArgumentList& arguments, const PathTable& paths,
-                               std::span<const std::uint32_t> dependencies) {
-    for (auto number = static_cast<std::uint32_t>(pathTexts_.size()); number < paths.Size(); ++number) {
-        AppendJsonString(pathTexts_.emplace_back(), paths.Reported(number));
+void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string> arguments, const PathTable& paths,
+                               std::span<const FileNumber> listed, std::span<const FileNumber> added) {
+    for (std::size_t place = pathTexts_.size(); place < paths.Size(); ++place) {
+        AppendJsonString(pathTexts_.emplace_back(), paths.Reported(static_cast<FileNumber>(place)));
     }
-    text_ += std::exchange(isFirst_, false) ? "\n{\"arguments\":[" : ",\n{\"arguments\":[";
+    text_ += std::exchange(isFirst_, false) ? "\n{" : ",\n{";
+    if (!added.empty()) {
+        AppendList("\"added\":[", added);
+        text_ += "],";
+    }
+    text_ += "\"arguments\":[";
     std::string_view separator;
-    for (const std::string& argument : arguments.ToVector()) {
+    for (const std::string& argument : arguments) {
         text_ += separator;
         AppendJsonString(text_, argument);
         separator = ",";
     }
-    text_ += "],\"dependencies\":[";
-    separator = {};
-    for (const std::uint32_t number : dependencies) {
-        text_ += separator;
-        text_ += pathTexts_[number];
-        separator = ",";
-    }
+    AppendList("],\"dependencies\":[", listed);
+    AppendList(listed.empty() || added.empty() ? "" : ",", added);
     text_ += "],\"id\":";
     AppendJsonString(text_, id);
     text_ += '}';
@@ -265,10 +296,19 @@ void DependencyInfoWriter::Add(std::string_view id, const ArgumentList& argument
     }
 }
 
-ContentFingerprint DependencyInfoWriter::Commit() {
+void DependencyInfoWriter::AppendList(std::string_view opening, std::span<const FileNumber> files) {
+    text_ += opening;
+    std::string_view separator;
+    for (const FileNumber file : files) {
+        text_ += separator;
+        text_ += pathTexts_[PlaceOf(file)];
+        separator = ",";
+    }
+}
+
+ContentFingerprint DependencyInfoWriter::Finish() {
     text_ += "\n]\n";
     WriteText();
-    file_.Commit();
     return content_.Value();
 }
 

@@ -3,7 +3,6 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "platform/Text.h"
 
 #include <utility>
 
@@ -17,31 +16,36 @@ void FileVersions::Adopt(PathTable paths, std::vector<FileVersion> versions) {
     versions_ = std::move(versions);
     AddFiles(lock);
     nextVersion_.resize(versions_.size());
-    for (std::uint32_t version = 0; version < versions_.size(); ++version) {
-        nextVersion_[version] = std::exchange(files_[versions_[version].path].firstVersion, version);
+    for (std::size_t place = 0; place < versions_.size(); ++place) {
+        File& file = FileAt(versions_[place].file, lock);
+        nextVersion_[place] = std::exchange(file.firstVersion, static_cast<VersionNumber>(place));
     }
 }
 
-std::uint32_t FileVersions::NumberOf(std::string_view reported, const std::string& directory) {
+FileNumber FileVersions::NumberOf(std::string_view reported, const std::string& directory) {
     const bool isWhole = reported.empty() || IsAbsolutePath(reported);
     const std::string joined = isWhole ? std::string() : JoinPath(directory, reported);
     const Lock lock(mutex_);
-    const std::uint32_t number =
-        isWhole ? paths_.Add(reported, 0) : paths_.Add(joined, joined.size() - reported.size());
+    const FileNumber number = isWhole ? paths_.Add(reported, 0) : paths_.Add(joined, joined.size() - reported.size());
     AddFiles(lock);
     return number;
 }
 
-void FileVersions::LookAt(std::uint32_t file) {
-    File* found = nullptr;
-    {
-        const Lock lock(mutex_);
-        found = &files_[file];
-    }
-    std::call_once(found->once, [this, file, found] { Look(file, *found); });
+void FileVersions::LookAt(FileNumber file) {
+    Looked(file);
 }
 
-void FileVersions::Look(std::uint32_t number, File& file) {
+FileVersions::File& FileVersions::Looked(FileNumber number) {
+    File* file = nullptr;
+    {
+        const Lock lock(mutex_);
+        file = &FileAt(number, lock);
+    }
+    std::call_once(file->once, [this, number, file] { Look(number, *file); });
+    return *file;
+}
+
+void FileVersions::Look(FileNumber number, File& file) {
     file.looked = std::chrono::steady_clock::now();
     std::string path;
     {
@@ -59,8 +63,8 @@ void FileVersions::Look(std::uint32_t number, File& file) {
     ReadContent(file, path);
     const bool isProven = file.isKnown && IsProven(*file.stamp, file.looked);
     const Lock lock(mutex_);
-    for (std::uint32_t version = file.firstVersion; file.isKnown && version != None; version = nextVersion_[version]) {
-        FileVersion& known = versions_[version];
+    for (VersionNumber version = file.firstVersion; file.isKnown && version != None; version = Next(version, lock)) {
+        FileVersion& known = At(version, lock);
         if ((known.sight == Sight::Young || known.sight == Sight::Proven) && known.content == file.content &&
             known.stamp.size == file.stamp->size) {
             const Sight sight = isProven ? Sight::Proven : Sight::Young;
@@ -72,7 +76,8 @@ void FileVersions::Look(std::uint32_t number, File& file) {
     }
 }
 
-// Reads the file between two looks that agree; a file that never holds still stays unknown.
+// Reads the file between two looks that agree: otherwise the content could be that of another stamp, and would be taken
+// for it for ever. A file that never holds still stays unknown.
 void FileVersions::ReadContent(File& file, const std::string& path) {
     constexpr int MostAttempts = 3;
     for (int attempt = 0; attempt < MostAttempts && file.stamp; ++attempt) {
@@ -91,11 +96,11 @@ void FileVersions::ReadContent(File& file, const std::string& path) {
 // The version that the stamp alone tells.
 void FileVersions::FindCurrent(File& file, const Lock& lock) {
     if (!file.stamp) {
-        file.current = FindVersion(file, Sight::Absent, lock);
+        file.current = FindVersion(file, Sight::NotThere, lock);
         return;
     }
-    for (std::uint32_t version = file.firstVersion; version != None; version = nextVersion_[version]) {
-        if (versions_[version].sight == Sight::Proven && versions_[version].stamp == *file.stamp) {
+    for (VersionNumber version = file.firstVersion; version != None; version = Next(version, lock)) {
+        if (At(version, lock).sight == Sight::Proven && At(version, lock).stamp == *file.stamp) {
             file.current = version;
         }
     }
@@ -117,24 +122,36 @@ void FileVersions::ReadClock() {
     });
 }
 
-std::uint32_t FileVersions::FindVersion(const File& file, Sight sight, const Lock&) const {
-    std::uint32_t version = file.firstVersion;
-    while (version != None && versions_[version].sight != sight) {
-        version = nextVersion_[version];
+FileVersions::File& FileVersions::FileAt(FileNumber number, const Lock&) {
+    return files_[PlaceOf(number)];
+}
+
+FileVersion& FileVersions::At(VersionNumber version, const Lock&) {
+    return versions_[PlaceOf(version)];
+}
+
+VersionNumber FileVersions::Next(VersionNumber version, const Lock&) const {
+    return nextVersion_[PlaceOf(version)];
+}
+
+VersionNumber FileVersions::FindVersion(const File& file, Sight sight, const Lock& lock) const {
+    VersionNumber version = file.firstVersion;
+    while (version != None && versions_[PlaceOf(version)].sight != sight) {
+        version = Next(version, lock);
     }
     return version;
 }
 
-std::uint32_t FileVersions::AddVersion(File& file, const FileVersion& version, const Lock&) {
-    const auto number = static_cast<std::uint32_t>(versions_.size());
+VersionNumber FileVersions::AddVersion(File& file, const FileVersion& version, const Lock&) {
+    const auto number = static_cast<VersionNumber>(versions_.size());
     versions_.push_back(version);
     nextVersion_.push_back(std::exchange(file.firstVersion, number));
     return number;
 }
 
-std::uint32_t FileVersions::FindOrAddVersion(std::uint32_t number, Sight sight, const Lock& lock) {
-    File& file = files_[number];
-    const std::uint32_t found = FindVersion(file, sight, lock);
+VersionNumber FileVersions::FindOrAddVersion(FileNumber number, Sight sight, const Lock& lock) {
+    File& file = FileAt(number, lock);
+    const VersionNumber found = FindVersion(file, sight, lock);
     return found != None ? found : AddVersion(file, {number, sight, {}, {}}, lock);
 }
 
@@ -144,30 +161,36 @@ void FileVersions::AddFiles(const Lock&) {
     }
 }
 
-std::uint32_t FileVersions::UnseenVersion(std::uint32_t file) {
+VersionNumber FileVersions::UnseenVersion(FileNumber file) {
     const Lock lock(mutex_);
     return FindOrAddVersion(file, Sight::Unseen, lock);
 }
 
-std::uint32_t FileVersions::VersionSeenBy(std::uint32_t number, Moment begin) {
-    LookAt(number);
+// Whether what was found at the file is what a unit saw that was begun at `begin`. That is so when it was looked at
+// before (whoever changes it while the unit runs is found out by DoubtChanged), or when it is older than that
+// beginning, by the clock that stamped it.
+bool FileVersions::IsTold(const File& file, Moment begin, const Lock&) const {
+    if (file.isDoubted) {
+        return false;
+    }
+    const bool isEarly = file.looked <= begin;
+    if (!file.stamp) {
+        return isEarly; // it may have been there later, for a while of which nobody can tell
+    }
+    return (file.current != None || file.isKnown) && (isEarly || (clock_ && clock_->IsOlder(*file.stamp, begin)));
+}
+
+VersionNumber FileVersions::VersionSeenBy(FileNumber number, Moment begin, WhenAbsent whenAbsent) {
+    File& file = Looked(number);
     ReadClock();
     const Lock lock(mutex_);
-    File& file = files_[number];
-    const bool isEarly = file.looked <= begin;
     file.isGivenOut = true;
-    if (!file.stamp) {
-        // What was absent before was not there for the unit either, or only for a while of which nobody can tell.
-        const bool isTold = (isEarly || paths_.Path(number).empty()) && !file.isDoubted;
-        const std::uint32_t version = FindOrAddVersion(number, isTold ? Sight::Absent : Sight::Unseen, lock);
-        file.current = isTold ? version : file.current;
-        return version;
-    }
-    const bool isTold = (file.current != None || file.isKnown) && !file.isDoubted;
-    if (!isTold || (!isEarly && !(clock_ && clock_->IsOlder(*file.stamp, begin)))) {
+    if (!IsTold(file, begin, lock) || (!file.stamp && whenAbsent == WhenAbsent::Doubt)) {
         return FindOrAddVersion(number, Sight::Unseen, lock);
     }
-    if (file.current == None) {
+    if (!file.stamp) {
+        file.current = FindOrAddVersion(number, Sight::NotThere, lock);
+    } else if (file.current == None) {
         const bool isProven = clock_ && clock_->IsOlder(*file.stamp, file.looked);
         file.current =
             AddVersion(file, {number, isProven ? Sight::Proven : Sight::Young, *file.stamp, file.content}, lock);
@@ -175,51 +198,79 @@ std::uint32_t FileVersions::VersionSeenBy(std::uint32_t number, Moment begin) {
     return file.current;
 }
 
-bool FileVersions::IsCurrent(std::uint32_t version) {
-    const std::uint32_t number = FileOf(version);
-    LookAt(number);
+bool FileVersions::IsTooNewFor(FileNumber number, Moment begin) {
+    const File& file = Looked(number);
+    ReadClock();
     const Lock lock(mutex_);
-    return versions_[version].sight != Sight::Unseen && files_[number].current == version;
+    return file.stamp && !file.isDoubted && !IsTold(file, begin, lock);
 }
 
-std::uint32_t FileVersions::FileOf(std::uint32_t version) const {
+bool FileVersions::IsCurrent(VersionNumber version) {
+    const File& file = Looked(FileOf(version));
     const Lock lock(mutex_);
-    return versions_[version].path;
+    return At(version, lock).sight != Sight::Unseen && file.current == version;
 }
 
-std::vector<std::uint32_t> FileVersions::Files() const {
+FileNumber FileVersions::FileOf(VersionNumber version) const {
     const Lock lock(mutex_);
-    std::vector<std::uint32_t> files;
+    return versions_[PlaceOf(version)].file;
+}
+
+std::vector<FileNumber> FileVersions::Files() const {
+    const Lock lock(mutex_);
+    std::vector<FileNumber> files;
     files.reserve(versions_.size());
     for (const FileVersion& version : versions_) {
-        files.push_back(version.path);
+        files.push_back(version.file);
     }
     return files;
 }
 
+std::optional<FileStamp> FileVersions::StampOfFile(FileNumber file) {
+    return Looked(file).stamp;
+}
+
+bool FileVersions::IsGone(FileNumber file) {
+    if (StampOfFile(file)) {
+        return false;
+    }
+    std::string path;
+    {
+        const Lock lock(mutex_);
+        path = paths_.Path(file);
+    }
+    return Orvanta::LookAt(path).kind == PathKind::Nothing;
+}
+
+// Between the look at a file and the end of a unit, somebody may have changed it, and changed it back. What is the same
+// now as it was then was the same in between, unless its stamp proves nothing.
 void FileVersions::DoubtChanged() {
     const Lock lock(mutex_); // nothing may be given out between this look and what is saved after it
-    for (std::uint32_t number = 0; number < files_.size(); ++number) {
-        File& file = files_[number];
-        if (!file.isGivenOut || file.isDoubted) {
-            continue;
-        }
-        const std::string path(paths_.Path(number));
-        bool hasChanged = StampOf(path) != file.stamp;
-        if (!hasChanged && file.current != None && versions_[file.current].sight == Sight::Young) {
-            const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
-            hasChanged = !content || content->bytes != versions_[file.current].content;
-        }
-        if (!hasChanged) {
+    for (std::size_t place = 0; place < files_.size(); ++place) {
+        File& file = files_[place];
+        const auto number = static_cast<FileNumber>(place);
+        if (!file.isGivenOut || file.isDoubted || !HasChangedSince(file, std::string(paths_.Path(number)), lock)) {
             continue;
         }
         file.isDoubted = true;
-        const std::uint32_t doubted = file.stamp ? file.current : FindVersion(file, Sight::Absent, lock);
+        const VersionNumber doubted = file.stamp ? file.current : FindVersion(file, Sight::NotThere, lock);
         if (doubted != None) {
-            versions_[doubted] = {number, Sight::Unseen, {}, {}};
+            At(doubted, lock) = {number, Sight::Unseen, {}, {}};
             hasLearned_ = true;
         }
     }
+}
+
+// Whether the file is not as it was when it was looked at.
+bool FileVersions::HasChangedSince(const File& file, const std::string& path, const Lock& lock) {
+    if (StampOf(path) != file.stamp) {
+        return true;
+    }
+    if (file.current == None || At(file.current, lock).sight != Sight::Young) {
+        return false;
+    }
+    const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
+    return !content || content->bytes != At(file.current, lock).content;
 }
 
 bool FileVersions::HasLearned() const {
@@ -227,20 +278,22 @@ bool FileVersions::HasLearned() const {
     return hasLearned_;
 }
 
-void FileVersions::CopyUsed(std::span<std::uint32_t> lists, PathTable& paths, std::vector<FileVersion>& versions) {
+// What no unit names any more is left behind here, so that neither the tables nor the looks at files grow for ever.
+void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions) {
+    constexpr FileNumber NoFile{0xFFFFFFFFU};
     const Lock lock(mutex_);
-    std::vector<std::uint32_t> newVersions(versions_.size(), None);
-    std::vector<std::uint32_t> newPaths(paths_.Size(), None);
-    for (std::uint32_t& version : lists) {
-        std::uint32_t& newVersion = newVersions[version];
+    std::vector<VersionNumber> newVersions(versions_.size(), None);
+    std::vector<FileNumber> newFiles(paths_.Size(), NoFile);
+    for (VersionNumber& version : lists) {
+        VersionNumber& newVersion = newVersions[PlaceOf(version)];
         if (newVersion == None) {
-            FileVersion copy = versions_[version];
-            std::uint32_t& newPath = newPaths[copy.path];
-            if (newPath == None) {
-                newPath = paths.AddNew(paths_.Path(copy.path), paths_.DirectorySize(copy.path));
+            FileVersion copy = At(version, lock);
+            FileNumber& newFile = newFiles[PlaceOf(copy.file)];
+            if (newFile == NoFile) {
+                newFile = paths.AddNew(paths_.Path(copy.file), paths_.DirectorySize(copy.file));
             }
-            copy.path = newPath;
-            newVersion = static_cast<std::uint32_t>(versions.size());
+            copy.file = newFile;
+            newVersion = static_cast<VersionNumber>(versions.size());
             versions.push_back(copy);
         }
         version = newVersion;
@@ -248,12 +301,17 @@ void FileVersions::CopyUsed(std::span<std::uint32_t> lists, PathTable& paths, st
     hasLearned_ = false;
 }
 
-std::vector<std::string> FileVersions::ComparablePaths() const {
+std::string FileVersions::PathOf(FileNumber file) const {
+    const Lock lock(mutex_);
+    return std::string(paths_.Path(file));
+}
+
+std::vector<std::string> FileVersions::Paths() const {
     const Lock lock(mutex_);
     std::vector<std::string> paths;
     paths.reserve(paths_.Size());
-    for (std::uint32_t number = 0; number < paths_.Size(); ++number) {
-        paths.push_back(ComparablePath(NormalizePath(paths_.Path(number))));
+    for (std::size_t place = 0; place < paths_.Size(); ++place) {
+        paths.emplace_back(paths_.Path(static_cast<FileNumber>(place)));
     }
     return paths;
 }

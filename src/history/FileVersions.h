@@ -1,6 +1,7 @@
 #pragma once
 
 #include "history/HistoryFile.h"
+#include "history/Numbers.h"
 #include "platform/FileStamp.h"
 #include "platform/FileSystemClock.h"
 #include "platform/Fingerprint.h"
@@ -20,10 +21,20 @@ namespace Orvanta {
 /// The files that units are made of, in all versions that some unit saw. Each file is looked up on disk once in a run,
 /// and read only where its stamp does not tell whether it is a known version.
 ///
+/// A list of a unit holds numbers of versions and not a time of the whole list, because that is what makes an unchanged
+/// build cheap: a header of ten thousand units is one version, asked for once. The time of a run decides nothing:
+/// clocks of file systems are coarse, are not this machine's, and are set back.
+///
 /// Any thread may call any function but `Adopt`.
 class FileVersions {
 public:
     using Moment = std::chrono::steady_clock::time_point;
+
+    /// What it means that a file is not there.
+    enum class WhenAbsent {
+        Doubt, ///< the unit was made of it: it can't be told how
+        Seen,  ///< the compiler looked there, and then elsewhere
+    };
 
     /// `folder` is where the clock of the file system is read, and made for that if need be.
     explicit FileVersions(std::string folder);
@@ -36,25 +47,34 @@ public:
     void ReadClock();
 
     /// The number of the file that a core has reported for a unit which runs in `directory`.
-    [[nodiscard]] std::uint32_t NumberOf(std::string_view reported, const std::string& directory);
+    [[nodiscard]] FileNumber NumberOf(std::string_view reported, const std::string& directory);
 
     /// Looks at a file, unless that has been done. Waits for another thread that is doing it.
-    void LookAt(std::uint32_t file);
+    void LookAt(FileNumber file);
 
     /// The version of a file of which it is not known how a unit saw it.
-    [[nodiscard]] std::uint32_t UnseenVersion(std::uint32_t file);
+    [[nodiscard]] VersionNumber UnseenVersion(FileNumber file);
 
     /// The version that a unit saw which was begun at `begin` and has ended: UnseenVersion where that can't be told.
-    [[nodiscard]] std::uint32_t VersionSeenBy(std::uint32_t number, Moment begin);
+    [[nodiscard]] VersionNumber VersionSeenBy(FileNumber number, Moment begin, WhenAbsent whenAbsent);
+
+    /// Whether a unit that is run once more would let it be told better which version of the file such units see.
+    [[nodiscard]] bool IsTooNewFor(FileNumber number, Moment begin);
 
     /// Whether the file has this version now.
-    [[nodiscard]] bool IsCurrent(std::uint32_t version);
+    [[nodiscard]] bool IsCurrent(VersionNumber version);
 
     /// The file that it is a version of.
-    [[nodiscard]] std::uint32_t FileOf(std::uint32_t version) const;
+    [[nodiscard]] FileNumber FileOf(VersionNumber version) const;
 
     /// By version: the file that it is a version of.
-    [[nodiscard]] std::vector<std::uint32_t> Files() const;
+    [[nodiscard]] std::vector<FileNumber> Files() const;
+
+    /// Looks at the file, as LookAt does; absent when there is none.
+    [[nodiscard]] std::optional<FileStamp> StampOfFile(FileNumber file);
+
+    /// Whether the file is not there for certain.
+    [[nodiscard]] bool IsGone(FileNumber file);
 
     /// Looks once more at the files whose versions VersionSeenBy has given out: where one has changed since, units may
     /// have seen it one way or the other, and what was given out becomes a version that is not known.
@@ -64,37 +84,45 @@ public:
     [[nodiscard]] bool HasLearned() const;
 
     /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
-    void CopyUsed(std::span<std::uint32_t> lists, PathTable& paths, std::vector<FileVersion>& versions);
+    void CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions);
 
-    /// By file: its path in the comparable form.
-    [[nodiscard]] std::vector<std::string> ComparablePaths() const;
+    [[nodiscard]] std::string PathOf(FileNumber file) const;
+
+    /// By file: its path.
+    [[nodiscard]] std::vector<std::string> Paths() const;
 
 private:
-    static constexpr std::uint32_t None = 0xFFFFFFFFU;
+    static constexpr VersionNumber None{0xFFFFFFFFU};
 
     /// What is known of a file in this run.
     struct File {
         std::once_flag once;
-        Moment looked;                  // set by the look, as all up to `isSteady`
+        Moment looked;                  // set by the look, as all up to `isKnown`
         std::optional<FileStamp> stamp; // absent: no file
         Fingerprint content;            // when it is no known version
         bool isKnown = false;           // whether the content could be read
-        std::uint32_t current = None;   // the version that it is, guarded by mutex_, as all that follows
-        std::uint32_t firstVersion = None;
+        VersionNumber current = None;   // the version that it is, guarded by mutex_, as all that follows
+        VersionNumber firstVersion = None;
         bool isGivenOut = false;
         bool isDoubted = false;
     };
 
     using Lock = std::lock_guard<std::mutex>;
 
-    void Look(std::uint32_t number, File& file);
+    File& Looked(FileNumber number);
+    void Look(FileNumber number, File& file);
     void ReadContent(File& file, const std::string& path);
     void FindCurrent(File& file, const Lock& lock);
     [[nodiscard]] bool IsProven(const FileStamp& stamp, Moment looked);
+    [[nodiscard]] bool HasChangedSince(const File& file, const std::string& path, const Lock& lock);
+    [[nodiscard]] bool IsTold(const File& file, Moment begin, const Lock& lock) const;
 
-    [[nodiscard]] std::uint32_t FindVersion(const File& file, Sight sight, const Lock& lock) const;
-    std::uint32_t AddVersion(File& file, const FileVersion& version, const Lock& lock);
-    std::uint32_t FindOrAddVersion(std::uint32_t number, Sight sight, const Lock& lock);
+    [[nodiscard]] File& FileAt(FileNumber number, const Lock& lock);
+    [[nodiscard]] FileVersion& At(VersionNumber version, const Lock& lock);
+    [[nodiscard]] VersionNumber Next(VersionNumber version, const Lock& lock) const;
+    [[nodiscard]] VersionNumber FindVersion(const File& file, Sight sight, const Lock& lock) const;
+    VersionNumber AddVersion(File& file, const FileVersion& version, const Lock& lock);
+    VersionNumber FindOrAddVersion(FileNumber number, Sight sight, const Lock& lock);
     void AddFiles(const Lock& lock);
 
     std::string folder_;
@@ -104,8 +132,8 @@ private:
     mutable std::mutex mutex_;
     PathTable paths_;                        // guarded by mutex_, as all that follows
     std::vector<FileVersion> versions_;      //
-    std::vector<std::uint32_t> nextVersion_; // of the same file, by version
-    std::deque<File> files_;                 // by path; its elements stay where they are
+    std::vector<VersionNumber> nextVersion_; // of the same file, by version
+    std::deque<File> files_;                 // by file; its elements stay where they are
     bool hasLearned_ = false;
 };
 

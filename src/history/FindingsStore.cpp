@@ -1,6 +1,7 @@
 #include "history/FindingsStore.h"
 
 #include "platform/Exceptions.h"
+#include "platform/FileStamp.h"
 #include "platform/NativePath.h"
 #include "platform/Paths.h"
 
@@ -40,36 +41,25 @@ void VisitFindingsFiles(const std::string& folder, const Visit& visit) {
     }
 }
 
-std::optional<std::string> TryRead(const FindingsStore& store, const FindingsRange& range) {
-    try {
-        return store.Read(range);
-    } catch (const ZelmException&) {
-        return std::nullopt;
-    }
-}
-
 } // namespace
 
 FindingsStore::FindingsStore(std::string folder) : folder_(std::move(folder)) {}
 
-bool FindingsStore::Continue(std::uint64_t number, std::uint64_t end) {
-    const std::lock_guard lock(mutex_);
-    if (number == 0) {
-        return true;
-    }
-    const std::optional<std::uint64_t> size = FileSize(FileName(number));
-    if (!size || *size < end) {
-        greatestUsed_ = number;
-        return false;
+std::uint64_t FindingsStore::Continue(std::uint64_t number, std::uint64_t end) {
+    const Lock lock(mutex_);
+    greatestUsed_ = number;
+    const std::optional<FileStamp> stamp = number == 0 ? std::nullopt : StampOf(FileName(number));
+    if (!stamp) {
+        return 0;
     }
     number_ = number;
-    end_ = end;
-    return true;
+    end_ = std::min(end, stamp->size); // what is cut off is lost in any case: it may be written over
+    return end_;
 }
 
 FindingsRange FindingsStore::Append(std::string_view text) {
     const Fingerprint fingerprint = FingerprintOf(text);
-    const std::lock_guard lock(mutex_); // the order of the texts is that of the calls
+    const Lock lock(mutex_); // the order of the texts is that of the calls
     if (text.empty()) {
         return {0, 0, fingerprint};
     }
@@ -89,38 +79,60 @@ FindingsRange FindingsStore::Append(std::string_view text) {
     return {begin, text.size(), fingerprint};
 }
 
-std::string FindingsStore::Read(const FindingsRange& range) const {
-    std::string text;
+std::optional<std::string_view> FindingsStore::View(const FindingsRange& range, const Lock&) const {
+    constexpr std::uint64_t SmallestWindow = std::uint64_t{256} << 10U;
     if (range.size == 0) {
-        return text;
+        return std::string_view();
     }
-    const std::lock_guard lock(mutex_); // there is one place in the file for all who read
-    const std::string path = FileName(number_);
-    if (!input_.is_open()) {
-        input_.open(NativePath(path), std::ios::binary);
+    if (range.begin < windowBegin_ || range.begin + range.size > windowBegin_ + window_.size()) {
+        if (!input_.is_open()) {
+            input_.open(NativePath(FileName(number_)), std::ios::binary);
+        }
+        windowBegin_ = range.begin;
+        window_.resize(std::max(range.size, SmallestWindow));
+        input_.clear();
+        input_.seekg(static_cast<std::streamoff>(range.begin));
+        input_.read(window_.data(), static_cast<std::streamsize>(window_.size()));
+        window_.resize(input_.bad() ? 0 : static_cast<std::size_t>(std::max<std::streamsize>(input_.gcount(), 0)));
     }
-    text.resize(range.size);
-    input_.clear();
-    input_.seekg(static_cast<std::streamoff>(range.begin));
-    input_.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!input_ || FingerprintOf(text) != range.text) {
-        throw ZelmException(path + ": the findings kept here are damaged; remove this file to have them found anew");
+    if (range.begin + range.size > windowBegin_ + window_.size()) {
+        return std::nullopt;
     }
-    return text;
+    const std::string_view text = std::string_view(window_).substr(range.begin - windowBegin_, range.size);
+    return FingerprintOf(text) == range.text ? std::optional(text) : std::nullopt;
+}
+
+std::string FindingsStore::Read(const FindingsRange& range) const {
+    const Lock lock(mutex_); // there is one window for all who read
+    const std::optional<std::string_view> text = View(range, lock);
+    if (!text) {
+        throw FileException(FileName(number_), "the findings kept here are damaged");
+    }
+    return std::string(*text);
+}
+
+bool FindingsStore::IsIntact(const FindingsRange& range) const {
+    const Lock lock(mutex_);
+    return View(range, lock).has_value();
+}
+
+std::string FindingsStore::Path() const {
+    const Lock lock(mutex_);
+    return FileName(std::max(number_, greatestUsed_));
 }
 
 std::uint64_t FindingsStore::Number() const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return number_;
 }
 
 std::uint64_t FindingsStore::End() const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return end_;
 }
 
 void FindingsStore::RemoveOthers() const noexcept {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     VisitFindingsFiles(folder_, [this](const std::string& path, std::uint64_t number) {
         if (number != number_) {
             RemoveFile(path);
@@ -146,8 +158,8 @@ std::unique_ptr<FindingsStore> CompactFindings(const FindingsStore& store, const
     std::vector<std::optional<FindingsRange>> moved;
     moved.reserve(units.size());
     for (const KnownUnit& unit : units) {
-        const std::optional<std::string> text = TryRead(store, unit.findings);
-        moved.push_back(text ? std::optional(compact->Append(*text)) : std::nullopt);
+        const bool isIntact = store.IsIntact(unit.findings);
+        moved.push_back(isIntact ? std::optional(compact->Append(store.Read(unit.findings))) : std::nullopt);
     }
     for (std::size_t unit = 0; unit < units.size(); ++unit) {
         units[unit].findings = moved[unit].value_or(FindingsRange());

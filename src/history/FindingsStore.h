@@ -16,19 +16,30 @@ namespace Orvanta {
 
 /// The findings of many units, in one file that only grows: what a kept range tells of is never written over. Any
 /// thread may call any function of it.
+///
+/// They stand apart from the binary file because that one is written as a whole: with them in it, each save would copy
+/// all findings of the project. A file for each unit would be a hundred thousand of them. What is replaced stays behind
+/// as waste until it is the larger part; then what counts is moved into a file with a new number, and the old one goes
+/// once the binary file tells of the new one. So a kill at any moment leaves a pair that fits.
 class FindingsStore {
 public:
     /// A file of its own in `folder`, under a new number, made when there is something to write.
     explicit FindingsStore(std::string folder);
 
-    /// Goes on with the first `end` bytes of the file `number`; false when they are not there.
-    [[nodiscard]] bool Continue(std::uint64_t number, std::uint64_t end);
+    /// Goes on with the file `number`, of which `end` bytes count. Returns how many of them are there.
+    [[nodiscard]] std::uint64_t Continue(std::uint64_t number, std::uint64_t end);
 
-    /// \throws ZelmException: the path, then the system's reason
+    /// \throws FileException
     [[nodiscard]] FindingsRange Append(std::string_view text);
 
-    /// \throws ZelmException when the text can't be read or is not what was appended
+    /// \throws FileException when the text can't be read or is not what was appended
     [[nodiscard]] std::string Read(const FindingsRange& range) const;
+
+    /// Whether the text can be read and is what was appended.
+    [[nodiscard]] bool IsIntact(const FindingsRange& range) const;
+
+    /// Where the findings stand.
+    [[nodiscard]] std::string Path() const;
 
     /// 0: there is no file.
     [[nodiscard]] std::uint64_t Number() const;
@@ -40,7 +51,10 @@ public:
     void RemoveOthers() const noexcept;
 
 private:
+    using Lock = std::lock_guard<std::mutex>;
+
     [[nodiscard]] std::string FileName(std::uint64_t number) const;
+    [[nodiscard]] std::optional<std::string_view> View(const FindingsRange& range, const Lock& lock) const;
 
     std::string folder_;
     mutable std::mutex mutex_;
@@ -49,11 +63,13 @@ private:
     std::uint64_t greatestUsed_ = 0;   // of the numbers that are taken
     std::optional<OutputFile> output_; // once something is written
     mutable std::ifstream input_;      // once something is read
+    mutable std::string window_;       // what was read last, ahead of what was asked for: units are asked for in order
+    mutable std::uint64_t windowBegin_ = 0;
 };
 
 /// Moves the findings of `units` into a new store when most of what is in this one belongs to no unit any more; null
 /// otherwise. What can't be read is not moved, and the unit has no result then.
-/// \throws ZelmException when the new file can't be written; the units are as before then
+/// \throws FileException when the new file can't be written; the units are as before then
 [[nodiscard]] std::unique_ptr<FindingsStore> CompactFindings(const FindingsStore& store, const std::string& folder,
                                                              std::span<KnownUnit> units);
 

@@ -1,5 +1,6 @@
 #include "history/HistoryFile.h"
 
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 
 #include <algorithm>
@@ -11,9 +12,12 @@ namespace Orvanta {
 
 namespace {
 
+constexpr const char* Damage = "it is damaged";
+
 // Read as a number, so that a system with another order of bytes does not take the file for its own.
 constexpr std::uint64_t Magic = 0x1A5453484E56524FU;
-constexpr std::uint64_t FormatVersion = 1;
+// To be raised with every change of the head or of a row: their sizes below are those of this version.
+constexpr std::uint64_t FormatVersion = 2;
 
 /// The beginning of the file; the tables follow in the order of their sizes.
 struct Header {
@@ -25,11 +29,16 @@ struct Header {
     std::uint64_t versionCount = 0;
     std::uint64_t unitCount = 0;
     std::uint64_t listsSize = 0;
-    ContentFingerprint dependencyInfo;
-    std::uint64_t isAhead = 0;
+    ContentFingerprint info;
+    ContentFingerprint earlierInfo;
+    FileStamp infoStamp;
     std::uint64_t findingsNumber = 0;
     std::uint64_t findingsEnd = 0;
 };
+
+static_assert(sizeof(Header) == 176 && sizeof(PathTable::Entry) == 16 && sizeof(FileVersion) == 64 &&
+                  sizeof(KnownUnit) == 128 && sizeof(VersionNumber) == 4,
+              "a row has another layout: raise FormatVersion");
 
 // The bytes of a table. They are what its rows hold: there are no gaps in a row.
 template <typename Table>
@@ -69,7 +78,7 @@ bool FillsFile(const Header& header, std::uint64_t size) {
         {header.pathCount,    sizeof(PathTable::Entry)},
         {header.versionCount, sizeof(FileVersion)     },
         {header.unitCount,    sizeof(KnownUnit)       },
-        {header.listsSize,    sizeof(std::uint32_t)   }
+        {header.listsSize,    sizeof(VersionNumber)   }
     };
     std::uint64_t rest = size - sizeof(Header);
     for (const auto& [rows, rowSize] : tables) {
@@ -89,20 +98,18 @@ void ReadTable(std::istream& input, Table& table, std::uint64_t rows) {
 }
 
 bool IsSound(const FileVersion& version, const PathTable& paths) {
-    return version.path < paths.Size() && version.sight <= Sight::Proven;
+    return PlaceOf(version.file) < paths.Size() && version.sight <= Sight::Proven;
 }
 
 bool IsSound(const KnownUnit& unit, const HistoryData& history) {
-    const std::uint64_t listSize = std::uint64_t{unit.named} + unit.unnamed;
-    return unit.listBegin <= history.lists.size() && listSize <= history.lists.size() - unit.listBegin &&
-           unit.findings.begin <= history.findingsEnd &&
+    return unit.listBegin <= history.lists.size() && unit.ListSize() <= history.lists.size() - unit.listBegin &&
+           (unit.sourcePlace < unit.ListSize() || unit.hasList == 0) && unit.findings.begin <= history.findingsEnd &&
            unit.findings.size <= history.findingsEnd - unit.findings.begin;
 }
 
 bool IsSound(const HistoryData& history) {
-    const std::uint32_t greatest =
-        history.lists.empty() ? 0 : *std::max_element(history.lists.begin(), history.lists.end());
-    return (history.lists.empty() || greatest < history.versions.size()) &&
+    const auto greatest = std::max_element(history.lists.begin(), history.lists.end());
+    return (greatest == history.lists.end() || PlaceOf(*greatest) < history.versions.size()) &&
            std::all_of(history.versions.begin(), history.versions.end(),
                        [&history](const FileVersion& version) { return IsSound(version, history.paths); }) &&
            std::all_of(history.units.begin(), history.units.end(),
@@ -111,16 +118,17 @@ bool IsSound(const HistoryData& history) {
 
 } // namespace
 
-std::span<const std::uint32_t> ListOf(const KnownUnit& unit, const std::vector<std::uint32_t>& lists) {
-    return std::span(lists).subspan(unit.listBegin, std::uint64_t{unit.named} + unit.unnamed);
-}
-
-std::optional<HistoryData> ReadHistory(std::istream& input, HistoryChecksum checksum) {
+HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum) {
     const std::uint64_t size = SizeOf(input);
     Header header;
-    if (size < sizeof header || !input.read(reinterpret_cast<char*>(&header), sizeof header) || header.magic != Magic ||
-        header.formatVersion != FormatVersion || !FillsFile(header, size)) {
-        return std::nullopt;
+    if (size < sizeof header || !input.read(reinterpret_cast<char*>(&header), sizeof header) || header.magic != Magic) {
+        throw ZelmException(Damage);
+    }
+    if (header.formatVersion != FormatVersion) {
+        throw ZelmException("another version of this program wrote it");
+    }
+    if (!FillsFile(header, size)) {
+        throw ZelmException(Damage);
     }
     HistoryData history;
     std::string text;
@@ -131,16 +139,17 @@ std::optional<HistoryData> ReadHistory(std::istream& input, HistoryChecksum chec
     ReadTable(input, history.units, header.unitCount);
     ReadTable(input, history.lists, header.listsSize);
     if (!input || !PathTable::AreSound(text, entries)) {
-        return std::nullopt;
+        throw ZelmException(Damage);
     }
     history.paths = PathTable(std::move(text), std::move(entries));
-    history.dependencyInfo = header.dependencyInfo;
-    history.isAhead = header.isAhead;
+    history.info = header.info;
+    history.earlierInfo = header.earlierInfo;
+    history.infoStamp = header.infoStamp;
     history.findingsNumber = header.findingsNumber;
     history.findingsEnd = header.findingsEnd;
     const bool isIntact = checksum == HistoryChecksum::Ignore || Checksum(header, history) == header.checksum;
     if (!isIntact || !IsSound(history)) {
-        return std::nullopt;
+        throw ZelmException(Damage);
     }
     return history;
 }
@@ -152,8 +161,9 @@ void WriteHistoryFile(const std::string& path, const HistoryData& history) {
     header.versionCount = history.versions.size();
     header.unitCount = history.units.size();
     header.listsSize = history.lists.size();
-    header.dependencyInfo = history.dependencyInfo;
-    header.isAhead = history.isAhead;
+    header.info = history.info;
+    header.earlierInfo = history.earlierInfo;
+    header.infoStamp = history.infoStamp;
     header.findingsNumber = history.findingsNumber;
     header.findingsEnd = history.findingsEnd;
     header.checksum = Checksum(header, history);

@@ -1,16 +1,25 @@
 #include "history/NamedDependencies.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace Orvanta {
 
 namespace {
 
-Fingerprint ArgumentsFingerprint(const std::vector<std::string>& arguments) {
+Fingerprint ArgumentsFingerprint(std::span<const std::string> arguments) {
     FingerprintBuilder builder;
     for (const std::string& argument : arguments) {
         builder.Add(argument);
     }
     return builder.Value();
 }
+
+std::uint64_t KeyOf(const Fingerprint& source, std::uint32_t namesake) {
+    return source.low + namesake;
+}
+
+} // namespace
 
 /// By file: the version that the unit at hand saw.
 class SeenVersions {
@@ -20,120 +29,193 @@ public:
         order_.clear();
     }
 
-    void Add(std::uint32_t file, std::uint32_t version) {
-        if (file >= seen_.size()) {
-            seen_.resize(file + 1);
+    void Add(FileNumber file, VersionNumber version, bool isListed) {
+        if (PlaceOf(file) >= seen_.size()) {
+            seen_.resize(PlaceOf(file) + 1);
         }
-        if (seen_[file].unit != unit_) {
-            seen_[file] = {unit_, version, false};
+        if (!Has(file)) {
+            seen_[PlaceOf(file)] = {unit_, version, isListed, false};
             order_.push_back(file);
         }
     }
 
-    std::optional<std::uint32_t> Take(std::uint32_t file) {
-        if (file >= seen_.size() || seen_[file].unit != unit_) {
-            return std::nullopt;
-        }
-        seen_[file].isTaken = true;
-        return seen_[file].version;
+    [[nodiscard]] bool Has(FileNumber file) const {
+        return PlaceOf(file) < seen_.size() && seen_[PlaceOf(file)].unit == unit_;
+    }
+
+    /// Whether the core has listed the file.
+    [[nodiscard]] bool IsListed(FileNumber file) const { return Has(file) && seen_[PlaceOf(file)].isListed; }
+
+    /// Only of a file that it has.
+    VersionNumber Take(FileNumber file) {
+        seen_[PlaceOf(file)].isTaken = true;
+        return seen_[PlaceOf(file)].version;
     }
 
     /// Appends the versions that were not taken.
-    std::uint32_t AppendRest(std::vector<std::uint32_t>& list) const {
-        const std::size_t before = list.size();
-        for (const std::uint32_t file : order_) {
-            if (!seen_[file].isTaken) {
-                list.push_back(seen_[file].version);
+    void AppendRest(std::vector<VersionNumber>& list) const {
+        for (const FileNumber file : order_) {
+            if (!seen_[PlaceOf(file)].isTaken) {
+                list.push_back(seen_[PlaceOf(file)].version);
             }
         }
-        return static_cast<std::uint32_t>(list.size() - before);
     }
 
 private:
     struct Seen {
         std::size_t unit = 0; // from 1
-        std::uint32_t version = 0;
+        VersionNumber version = {};
+        bool isListed = false;
         bool isTaken = false;
     };
 
     std::size_t unit_ = 0;
-    std::vector<Seen> seen_;           // by file
-    std::vector<std::uint32_t> order_; // the files of this unit
+    std::vector<Seen> seen_;        // by file
+    std::vector<FileNumber> order_; // the files of this unit
 };
 
-} // namespace
-
-NamedDependencies::NamedDependencies(std::span<const UnitIdentity> identities, std::span<const CompileCommand> commands,
-                                     FileVersions& files)
-    : identities_(identities), commands_(commands), files_(files), named_(identities.size()) {
-    unitsById_.reserve(identities.size());
-    for (std::size_t unit = 0; unit < identities.size(); ++unit) {
-        unitsById_.emplace(identities[unit].id, unit);
+InfoMatcher::InfoMatcher(const HistoryRecord& record) : record_(record) {
+    unitsById_.reserve(record.Size());
+    for (std::size_t unit = 0; unit < record.Size(); ++unit) {
+        AddUnit(unit);
     }
 }
+
+void InfoMatcher::AddUnit(std::size_t unit) {
+    unitsById_.emplace(KeyOf(record_[unit].source, record_[unit].namesake), unit);
+}
+
+std::span<const std::size_t> InfoMatcher::UnitsOf(const DependencyInfoEntry& entry) {
+    found_.clear();
+    if (entry.id) {
+        const std::pair<std::string_view, std::uint32_t> id = SplitId(*entry.id);
+        const Fingerprint source = FingerprintOf(id.first);
+        const auto [first, last] = unitsById_.equal_range(KeyOf(source, id.second));
+        const auto unit = std::find_if(first, last, [&](const auto& candidate) {
+            return record_[candidate.second].source == source && record_[candidate.second].namesake == id.second;
+        });
+        if (unit != last) {
+            found_.push_back(unit->second);
+        }
+        return found_;
+    }
+    // Entries without an id are rare: this index is not made for the others.
+    for (std::size_t unit = unitsByArguments_.size(); unit < record_.RunSize(); ++unit) {
+        unitsByArguments_.emplace(record_[unit].arguments.low, unit);
+    }
+    const Fingerprint arguments = ArgumentsFingerprint(entry.arguments);
+    const auto [first, last] = unitsByArguments_.equal_range(arguments.low);
+    for (auto unit = first; unit != last; ++unit) {
+        if (record_[unit->second].arguments == arguments) {
+            found_.push_back(unit->second);
+        }
+    }
+    return found_;
+}
+
+NamedDependencies::NamedDependencies(HistoryRecord& record, std::span<const CompileCommand> commands,
+                                     FileVersions& files)
+    : record_(record), commands_(commands), files_(files), matcher_(record), named_(record.Size()) {}
 
 void NamedDependencies::Take(const DependencyInfoEntry& entry) {
-    if (entry.id) {
-        const auto unit = unitsById_.find(*entry.id);
-        if (unit == unitsById_.end()) {
-            isOtherwiseWritten_ = true;
-            return;
-        }
-        isOtherwiseWritten_ = isOtherwiseWritten_ || named_[unit->second].has_value() ||
-                              commands_[unit->second].arguments.ToVector() != entry.arguments;
-        named_[unit->second].reset();
-        TakeFor(unit->second, entry);
+    const std::span<const std::size_t> units = matcher_.UnitsOf(entry);
+    if (entry.id && (units.empty() || units.front() >= record_.RunSize())) {
+        TakeOther(entry, units.empty() ? std::nullopt : std::optional(units.front()));
         return;
     }
-    isOtherwiseWritten_ = true;
-    FindArguments();
-    const auto [first, last] = unitsByArguments_.equal_range(ArgumentsFingerprint(entry.arguments).low);
-    for (auto unit = first; unit != last; ++unit) {
-        TakeFor(unit->second, entry);
+    for (const std::size_t unit : units) {
+        // What another hand wrote without an id, or twice, is written in our way by the next save.
+        record_.isInfoBehind = record_.isInfoBehind || !entry.id || named_[unit] ||
+                               record_[unit].arguments != ArgumentsFingerprint(entry.arguments);
+        if (entry.id) {
+            named_[unit].reset();
+        }
+        TakeFor(unit, entry, *commands_[unit].absoluteDirectory, commands_[unit].SourceFile());
     }
 }
 
-void NamedDependencies::FindArguments() {
-    for (std::size_t unit = unitsByArguments_.size(); unit < commands_.size(); ++unit) {
-        unitsByArguments_.emplace(ArgumentsFingerprint(commands_[unit].arguments.ToVector()).low, unit);
+// The id of a unit that is not of this run tells its folder and its source.
+void NamedDependencies::TakeOther(const DependencyInfoEntry& entry, std::optional<std::size_t> known) {
+    constexpr std::string_view Separator = ": ";
+    const auto [id, namesake] = SplitId(*entry.id);
+    const std::size_t end = id.find(Separator);
+    if (end == std::string_view::npos && !known) {
+        return; // nobody could say whose source that is
     }
+    const std::size_t unit = known ? *known : record_.AddOther(FingerprintOf(id), namesake);
+    if (!known) {
+        matcher_.AddUnit(unit);
+        named_.resize(record_.Size());
+    }
+    named_[unit].reset();
+    const bool isTold = end != std::string_view::npos;
+    TakeFor(unit, entry, std::string(isTold ? id.substr(0, end) : ""),
+            isTold ? id.substr(end + Separator.size()) : std::string_view());
 }
 
-void NamedDependencies::TakeFor(std::size_t unit, const DependencyInfoEntry& entry) {
+void NamedDependencies::TakeFor(std::size_t unit, const DependencyInfoEntry& entry, const std::string& directory,
+                                std::string_view source) {
     if (!named_[unit]) {
         named_[unit].emplace();
+        named_[unit]->source = files_.NumberOf(source, directory);
     }
-    named_[unit]->reserve(entry.dependencies.size());
-    for (const std::string& dependency : entry.dependencies) {
-        named_[unit]->push_back(files_.NumberOf(dependency, *commands_[unit].absoluteDirectory));
-    }
+    Named& named = *named_[unit];
+    const auto addAll = [&](const std::vector<std::string>& paths, std::vector<FileNumber>& files) {
+        files.reserve(files.size() + paths.size());
+        for (const std::string& path : paths) {
+            files.push_back(files_.NumberOf(path, directory));
+        }
+    };
+    addAll(entry.dependencies, named.files);
+    addAll(entry.added, named.added);
 }
 
-void NamedDependencies::MakeLists(std::span<KnownUnit> units, std::vector<std::uint32_t>& lists) const {
-    std::vector<std::uint32_t> newLists;
+void NamedDependencies::PutIntoRecord() {
     SeenVersions seen;
-    for (std::size_t unit = 0; unit < units.size(); ++unit) {
-        KnownUnit& known = units[unit];
-        seen.Begin();
-        for (const std::uint32_t version : ListOf(known, lists)) {
-            seen.Add(files_.FileOf(version), version);
-        }
-        known.listBegin = newLists.size();
-        known.named = known.unnamed = known.hasList = 0;
+    for (std::size_t unit = 0; unit < record_.Size(); ++unit) {
         if (!named_[unit]) {
-            known.hasResult = 0;
-            known.findings = {};
+            record_.ReadNoList(unit);
             continue;
         }
-        known.hasList = 1;
-        known.named = static_cast<std::uint32_t>(named_[unit]->size());
-        for (const std::uint32_t file : *named_[unit]) {
-            const std::optional<std::uint32_t> version = seen.Take(file);
-            newLists.push_back(version ? *version : files_.UnseenVersion(file));
+        seen.Begin();
+        const std::span<const VersionNumber> before = record_.ListOf(unit);
+        for (std::size_t place = 0; place < before.size(); ++place) {
+            const FileNumber file = files_.FileOf(before[place]);
+            seen.Add(file, before[place], place < record_[unit].named);
+            named_[unit]->source = place == record_[unit].sourcePlace ? file : named_[unit]->source;
         }
-        known.unnamed = seen.AppendRest(newLists);
+        record_.ReadList(unit, ListOf(unit, *named_[unit], seen));
+        named_[unit].reset();
     }
-    lists.swap(newLists);
+    record_.isDirty = true; // the binary file is to belong to this JSON file
+}
+
+// What the core has listed and the file names goes first, what a hand has added follows. A file that the core has
+// listed and the hand has taken away stays among the rest: the unit was made of it, and it counts until the next
+// listing.
+SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVersions& seen) {
+    SeenList list;
+    std::vector<VersionNumber> added;
+    const auto take = [&](FileNumber file) {
+        return seen.Has(file) ? seen.Take(file) : files_.UnseenVersion(file);
+    };
+    for (const FileNumber file : named.files) {
+        const bool isTold = std::find(named.added.begin(), named.added.end(), file) != named.added.end();
+        const bool isAdded = record_[unit].hasList != 0 ? !seen.IsListed(file) : isTold;
+        record_.isInfoBehind = record_.isInfoBehind || isAdded != isTold;
+        (isAdded ? added : list.versions).push_back(take(file));
+    }
+    list.named = list.versions.size();
+    list.added = added.size();
+    list.versions.insert(list.versions.end(), added.begin(), added.end());
+    const VersionNumber source = take(named.source);
+    seen.AppendRest(list.versions);
+    const auto place = std::find(list.versions.begin(), list.versions.end(), source);
+    list.sourcePlace = static_cast<std::size_t>(place - list.versions.begin());
+    if (place == list.versions.end()) {
+        list.versions.push_back(source);
+    }
+    return list;
 }
 
 } // namespace Orvanta

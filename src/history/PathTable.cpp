@@ -20,9 +20,11 @@ bool PathTable::AreSound(std::string_view text, const std::vector<Entry>& entrie
     return begin == text.size();
 }
 
-std::uint32_t PathTable::Add(std::string_view path, std::uint64_t directorySize) {
+FileNumber PathTable::Add(std::string_view path, std::uint64_t directorySize) {
+    // A run in which nothing has changed asks for no number, and is spared the index.
     for (; indexed_ < Size(); ++indexed_) {
-        numbers_.emplace(FingerprintOf(Path(indexed_)).low, indexed_);
+        const auto file = static_cast<FileNumber>(indexed_);
+        numbers_.emplace(FingerprintOf(Path(file)).low, file);
     }
     const auto [first, last] = numbers_.equal_range(FingerprintOf(path).low);
     for (auto entry = first; entry != last; ++entry) {
@@ -33,19 +35,20 @@ std::uint32_t PathTable::Add(std::string_view path, std::uint64_t directorySize)
     return AddNew(path, directorySize);
 }
 
-std::uint32_t PathTable::AddNew(std::string_view path, std::uint64_t directorySize) {
+FileNumber PathTable::AddNew(std::string_view path, std::uint64_t directorySize) {
     text_ += path;
     entries_.push_back({text_.size(), directorySize});
-    return Size() - 1;
+    return static_cast<FileNumber>(Size() - 1);
 }
 
-std::string_view PathTable::Path(std::uint32_t number) const {
-    const std::uint64_t begin = number == 0 ? 0 : entries_[number - 1].end;
-    return std::string_view(text_).substr(begin, entries_[number].end - begin);
+std::string_view PathTable::Path(FileNumber file) const {
+    const std::size_t place = PlaceOf(file);
+    const std::uint64_t begin = place == 0 ? 0 : entries_[place - 1].end;
+    return std::string_view(text_).substr(begin, entries_[place].end - begin);
 }
 
-std::string_view PathTable::Reported(std::uint32_t number) const {
-    return Path(number).substr(DirectorySize(number));
+std::string_view PathTable::Reported(FileNumber file) const {
+    return Path(file).substr(DirectorySize(file));
 }
 
 } // namespace Orvanta

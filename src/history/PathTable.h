@@ -1,5 +1,7 @@
 #pragma once
 
+#include "history/Numbers.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -10,6 +12,9 @@ namespace Orvanta {
 
 /// The paths that dependency lists name, each kept once and known by its number. A path that a core has reported
 /// relative to the directory of its unit is kept behind that directory.
+///
+/// All paths stand in one text, behind each other: a build has a hundred thousand of them, and a string for each would
+/// take twice the memory, and an allocation when the file is read.
 class PathTable {
 public:
     struct Entry {
@@ -26,19 +31,20 @@ public:
     [[nodiscard]] static bool AreSound(std::string_view text, const std::vector<Entry>& entries);
 
     /// The number of a path, new or old.
-    [[nodiscard]] std::uint32_t Add(std::string_view path, std::uint64_t directorySize);
+    [[nodiscard]] FileNumber Add(std::string_view path, std::uint64_t directorySize);
 
     /// Adds a path that is not in the table, which is not looked at.
-    std::uint32_t AddNew(std::string_view path, std::uint64_t directorySize);
+    FileNumber AddNew(std::string_view path, std::uint64_t directorySize);
 
-    [[nodiscard]] std::uint32_t Size() const noexcept { return static_cast<std::uint32_t>(entries_.size()); }
+    [[nodiscard]] std::size_t Size() const noexcept { return entries_.size(); }
 
-    [[nodiscard]] std::string_view Path(std::uint32_t number) const;
+    [[nodiscard]] std::string_view Path(FileNumber file) const;
 
-    [[nodiscard]] std::uint64_t DirectorySize(std::uint32_t number) const { return entries_[number].directorySize; }
+    /// How much of the path, from its beginning, the core did not report.
+    [[nodiscard]] std::uint64_t DirectorySize(FileNumber file) const { return entries_[PlaceOf(file)].directorySize; }
 
     /// The path as the core reported it.
-    [[nodiscard]] std::string_view Reported(std::uint32_t number) const;
+    [[nodiscard]] std::string_view Reported(FileNumber file) const;
 
     [[nodiscard]] const std::string& Text() const noexcept { return text_; }
 
@@ -47,8 +53,8 @@ public:
 private:
     std::string text_;
     std::vector<Entry> entries_;
-    std::unordered_multimap<std::uint64_t, std::uint32_t> numbers_; // by hash, of the first paths; made when needed
-    std::uint32_t indexed_ = 0;                                     // how many of them
+    std::unordered_multimap<std::uint64_t, FileNumber> numbers_; // by hash, of the first paths; made when needed
+    std::size_t indexed_ = 0;                                    // how many of them
 };
 
 } // namespace Orvanta

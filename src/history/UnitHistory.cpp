@@ -1,102 +1,179 @@
 #include "history/UnitHistory.h"
 
 #include "history/HistoryState.h"
+#include "history/PathShortener.h"
+#include "history/WantedFiles.h"
+#include "platform/Exceptions.h"
+#include "platform/Paths.h"
 
 #include <algorithm>
-#include <unordered_map>
 #include <utility>
 
 namespace Orvanta {
 
-using Lock = HistoryState::Lock;
+namespace {
+
+using Moment = FileVersions::Moment;
+using WhenAbsent = FileVersions::WhenAbsent;
+
+} // namespace
 
 struct UnitHistory::State : HistoryState {
     using HistoryState::HistoryState;
 
+    // Of the questions.
+    [[nodiscard]] bool IsCurrent(VersionNumber version);
     [[nodiscard]] bool HasCurrentList(std::size_t unit);
-    void ReviewVersions();
-    [[nodiscard]] std::uint32_t SourceOf(std::size_t unit);
-    [[nodiscard]] FindingsRange Keep(std::size_t unit, std::string_view text);
-    [[nodiscard]] bool NamesSameFiles(const KnownUnit& known, std::span<const std::uint32_t> named, const Lock& lock);
-    void SetList(KnownUnit& known, std::span<const std::uint32_t> list, std::size_t named, const Lock& lock);
+    [[nodiscard]] bool HasFindings(std::size_t unit);
 
-    // Of the questions: by version, whether the file has another content now.
-    std::vector<bool> isChanged;
-    bool isAnyChanged = false;
-    bool isReviewed = false;
+    // Of a run of a unit.
+    [[nodiscard]] const std::string& DirectoryOfUnit(std::size_t unit) const {
+        return *commands[unit].absoluteDirectory;
+    }
+
+    [[nodiscard]] FileNumber NumberOf(std::size_t unit, std::string_view path);
+    [[nodiscard]] FileNumber SourceOf(std::size_t unit);
+    [[nodiscard]] std::vector<FileNumber> InputFilesOf(std::size_t unit, std::span<const std::string> named);
+    [[nodiscard]] SeenList MakeList(std::size_t unit, Moment begin, std::span<const std::string> dependencies,
+                                    std::span<const std::string> inputFiles);
+    [[nodiscard]] std::optional<FindingsRange> KeepFindings(std::size_t unit, std::string_view text);
+    [[nodiscard]] bool NamesSameFiles(std::size_t unit, const SeenList& list, const Lock& lock) const;
+
+    PathShortener shortener;
+    std::vector<signed char> isCurrent; // by version: 1 it is, 0 it is not, -1 not asked yet
 };
 
-/// Looks at all files, so that a unit whose files are all as they were costs nothing.
-void UnitHistory::State::ReviewVersions() {
-    isChanged.resize(files.Files().size());
-    for (std::uint32_t version = 0; version < isChanged.size(); ++version) {
-        isChanged[version] = !files.IsCurrent(version);
-        isAnyChanged = isAnyChanged || isChanged[version];
+/// Asked once for each version: ten thousand units name the same headers.
+bool UnitHistory::State::IsCurrent(VersionNumber version) {
+    const std::size_t place = PlaceOf(version);
+    if (place >= isCurrent.size()) {
+        isCurrent.resize(place + 1, -1);
     }
-    isReviewed = true;
+    if (isCurrent[place] < 0) {
+        isCurrent[place] = files.IsCurrent(version) ? 1 : 0;
+    }
+    return isCurrent[place] == 1;
 }
 
 bool UnitHistory::State::HasCurrentList(std::size_t unit) {
-    const KnownUnit& known = units[unit];
-    if (known.hasList == 0 || known.inputs != identities[unit].inputs) {
-        return false;
-    }
-    if (!isReviewed) {
-        ReviewVersions();
-    }
-    const std::span<const std::uint32_t> list = ListOf(known, lists);
-    return !isAnyChanged ||
-           std::none_of(list.begin(), list.end(), [this](std::uint32_t version) { return isChanged[version]; });
+    const std::span<const VersionNumber> list = record.ListOf(unit);
+    return record.HasList(unit) &&
+           std::all_of(list.begin(), list.end(), [this](VersionNumber version) { return IsCurrent(version); });
 }
 
-std::uint32_t UnitHistory::State::SourceOf(std::size_t unit) {
-    return files.NumberOf(commands[unit].SourceFile(), *commands[unit].absoluteDirectory);
+/// Whether what the last success of the unit found can be read. It is looked at here, before anything relies on it:
+/// when the report is written it is too late to run the unit.
+bool UnitHistory::State::HasFindings(std::size_t unit) {
+    if (!record.HasResult(unit) || findings->IsIntact(record[unit].findings)) {
+        return record.HasResult(unit);
+    }
+    folder.Tell(FileException(findings->Path(), "the findings kept here are damaged"), Loss::Known);
+    record.ForgetResult(unit);
+    return false;
 }
 
-/// Where the findings of a unit stand from now on: where they do already when they are as before.
-FindingsRange UnitHistory::State::Keep(std::size_t unit, std::string_view text) {
-    {
-        const Lock lock(mutex);
-        const FindingsRange& before = units[unit].findings;
-        if (before.size == text.size() && before.text == FingerprintOf(text)) {
-            return before;
+FileNumber UnitHistory::State::NumberOf(std::size_t unit, std::string_view path) {
+    const std::string& directory = DirectoryOfUnit(unit);
+    return IsAbsolutePath(path) ? files.NumberOf(shortener.Shorten(std::string(path)), directory)
+                                : files.NumberOf(path, directory);
+}
+
+FileNumber UnitHistory::State::SourceOf(std::size_t unit) {
+    return NumberOf(unit, JoinPath(DirectoryOfUnit(unit), commands[unit].SourceFile()));
+}
+
+/// The files that decide the unit's result and that it is not made of, its source first.
+std::vector<FileNumber> UnitHistory::State::InputFilesOf(std::size_t unit, std::span<const std::string> named) {
+    std::vector<FileNumber> numbers = {SourceOf(unit)};
+    if (const auto& programs = identities[unit].programs) {
+        for (const std::string& path : *programs) {
+            numbers.push_back(files.NumberOf(path, DirectoryOfUnit(unit)));
         }
     }
-    return findings->Append(text);
+    for (const std::string& path : named) {
+        numbers.push_back(files.NumberOf(path, DirectoryOfUnit(unit)));
+    }
+    return numbers;
 }
 
-bool UnitHistory::State::NamesSameFiles(const KnownUnit& known, std::span<const std::uint32_t> named, const Lock&) {
-    const std::span<const std::uint32_t> before = ListOf(known, lists).first(known.named);
-    return known.hasList != 0 && std::equal(before.begin(), before.end(), named.begin(), named.end(),
-                                            [this](std::uint32_t left, std::uint32_t right) {
-                                                return left == right || files.FileOf(left) == files.FileOf(right);
-                                            });
+/// The list of a unit that was begun at `begin`, in the order that SeenList gives. What a person has added stays,
+/// unless the core lists it now. Of the rest, one may be missing where the compiler only looked for it; a source, or a
+/// file that the core has listed, can't be missing without a doubt about what was seen.
+SeenList UnitHistory::State::MakeList(std::size_t unit, Moment begin, std::span<const std::string> dependencies,
+                                      std::span<const std::string> inputFiles) {
+    SeenList list;
+    std::vector<FileNumber> listed;
+    const auto add = [&](FileNumber file, WhenAbsent whenAbsent) {
+        listed.push_back(file);
+        list.versions.push_back(files.VersionSeenBy(file, begin, whenAbsent));
+    };
+    const auto placeOf = [&](FileNumber file) {
+        return static_cast<std::size_t>(std::find(listed.begin(), listed.end(), file) - listed.begin());
+    };
+    for (const std::string& dependency : dependencies) {
+        add(NumberOf(unit, dependency), WhenAbsent::Doubt);
+    }
+    list.named = listed.size();
+    std::vector<VersionNumber> added;
+    {
+        const Lock lock(mutex);
+        const std::span<const VersionNumber> before = record.NamedOf(unit).subspan(record[unit].named);
+        added.assign(before.begin(), before.end());
+    }
+    for (const VersionNumber version : added) {
+        if (const FileNumber file = files.FileOf(version); placeOf(file) == listed.size()) {
+            add(file, WhenAbsent::Doubt);
+        }
+    }
+    list.added = listed.size() - list.named;
+    const std::vector<FileNumber> inputs = InputFilesOf(unit, inputFiles);
+    for (const FileNumber file : inputs) {
+        if (placeOf(file) == listed.size()) {
+            add(file, file == inputs.front() ? WhenAbsent::Doubt : WhenAbsent::Seen);
+        }
+    }
+    list.sourcePlace = placeOf(inputs.front());
+    return list;
 }
 
-void UnitHistory::State::SetList(KnownUnit& known, std::span<const std::uint32_t> list, std::size_t named,
-                                 const Lock& lock) {
-    isInfoBehind = isInfoBehind || !NamesSameFiles(known, list.first(named), lock);
-    known.hasList = 1;
-    known.named = static_cast<std::uint32_t>(named);
-    known.unnamed = static_cast<std::uint32_t>(list.size() - named);
-    known.listBegin = lists.size();
-    lists.insert(lists.end(), list.begin(), list.end());
+/// Where the findings of a unit stand from now on: where they do already when they are as before. Absent when they
+/// can't be written.
+std::optional<FindingsRange> UnitHistory::State::KeepFindings(std::size_t unit, std::string_view text) {
+    FindingsRange before;
+    {
+        const Lock lock(mutex);
+        before = record[unit].findings;
+    }
+    if (before.size == text.size() && before.text == FingerprintOf(text) && findings->IsIntact(before)) {
+        return before;
+    }
+    try {
+        return findings->Append(text);
+    } catch (const FileException& exception) {
+        folder.Tell(exception, Loss::New);
+        return std::nullopt;
+    }
+}
+
+/// Whether the dependency information says the same of the unit already: to write it anew costs more than all the rest.
+bool UnitHistory::State::NamesSameFiles(std::size_t unit, const SeenList& list, const Lock&) const {
+    const KnownUnit& row = record[unit];
+    const std::span<const VersionNumber> before = record.NamedOf(unit);
+    return row.hasList != 0 && row.named == list.named && row.added == list.added &&
+           std::equal(before.begin(), before.end(), list.versions.begin(),
+                      [this](VersionNumber left, VersionNumber right) {
+                          return left == right || files.FileOf(left) == files.FileOf(right);
+                      });
 }
 
 UnitHistory::UnitHistory(std::string folder, std::span<const CompileCommand> commands,
-                         std::vector<UnitIdentity> identities)
-    : state_(std::make_unique<State>(std::move(folder), commands, std::move(identities))) {}
+                         std::vector<UnitIdentity> identities, TellUser tell)
+    : state_(std::make_unique<State>(std::move(folder), commands, std::move(identities), std::move(tell))) {}
 
 UnitHistory::~UnitHistory() = default;
 
 UnitHistory::ReadResult UnitHistory::Read() {
-    const ReadResult result = state_->Read();
-    if (result == ReadResult::Unreadable) {
-        const std::string fault = state_->fault;
-        state_ = std::make_unique<State>(state_->folder, state_->commands, state_->identities);
-        state_->fault = fault;
-    }
-    return result;
+    return state_->Read();
 }
 
 const std::string& UnitHistory::Fault() const {
@@ -108,44 +185,44 @@ bool UnitHistory::KnowsDependencies(std::size_t unit) {
 }
 
 bool UnitHistory::IsUnchanged(std::size_t unit) {
-    return IsLeftOut(unit) || (state_->units[unit].hasResult != 0 && state_->HasCurrentList(unit));
+    return IsLeftOut(unit) ||
+           (state_->record.HasResult(unit) && state_->HasCurrentList(unit) && state_->HasFindings(unit));
 }
 
 bool UnitHistory::IsLeftOut(std::size_t unit) {
-    const Fingerprint& with = state_->units[unit].leftOutWith;
-    return with != Fingerprint{} && with == state_->identities[unit].inputs;
+    return state_->record.IsLeftOut(unit);
 }
 
 std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, std::vector<bool>& found) const {
-    std::unordered_map<std::string, std::vector<std::size_t>> places; // in `paths`
-    for (std::size_t place = 0; place < paths.size(); ++place) {
-        places[ComparablePath(paths[place])].push_back(place);
+    State& state = *state_;
+    std::vector<FileNumber> sources; // by unit
+    for (std::size_t unit = 0; unit < state.record.RunSize(); ++unit) {
+        sources.push_back(state.SourceOf(unit));
     }
+    const WantedFiles wanted(paths);
+    const std::vector<std::string> filePaths = state.files.Paths();
+    const std::vector<FileNumber> fileOf = state.files.Files();
+    std::vector<std::optional<std::vector<std::size_t>>> placesOf(filePaths.size()); // of each file, once it is met
+    std::vector<bool> isMadeOf(state.record.RunSize());
     found.assign(paths.size(), false);
-    std::vector<const std::vector<std::size_t>*> wantedFiles;
-    for (const std::string& path : state_->files.ComparablePaths()) {
-        const auto place = places.find(path);
-        wantedFiles.push_back(place == places.end() ? nullptr : &place->second);
-    }
-    std::vector<const std::vector<std::size_t>*> wanted; // by version
-    for (const std::uint32_t file : state_->files.Files()) {
-        wanted.push_back(wantedFiles[file]);
-    }
-    std::vector<bool> isMadeOf(state_->units.size());
-    std::vector<bool> isMet(wanted.size()); // by version
-    for (std::size_t unit = 0; unit < isMadeOf.size(); ++unit) {
-        const KnownUnit& known = state_->units[unit];
-        for (const std::uint32_t version : ListOf(known, state_->lists).first(known.named)) {
-            if (wanted[version] != nullptr) {
-                isMadeOf[unit] = true;
-                isMet[version] = true;
+    const auto meet = [&](std::size_t unit, FileNumber file, bool onlyMissing) {
+        std::optional<std::vector<std::size_t>>& places = placesOf[PlaceOf(file)];
+        if (!places) {
+            places = wanted.PlacesOf(filePaths[PlaceOf(file)], state.files.StampOfFile(file));
+        }
+        for (const std::size_t place : *places) {
+            if (!onlyMissing || wanted.IsMissing(place)) {
+                isMadeOf[unit] = found[place] = true;
             }
         }
-    }
-    for (std::size_t version = 0; version < isMet.size(); ++version) {
-        if (isMet[version]) {
-            std::for_each(wanted[version]->begin(), wanted[version]->end(),
-                          [&found](std::size_t place) { found[place] = true; });
+    };
+    for (std::size_t unit = 0; unit < isMadeOf.size(); ++unit) {
+        meet(unit, sources[unit], false);
+        for (const VersionNumber version : state.record.NamedOf(unit)) {
+            meet(unit, fileOf[PlaceOf(version)], false);
+        }
+        for (const VersionNumber version : state.record.EarlierNamedOf(unit)) {
+            meet(unit, fileOf[PlaceOf(version)], true);
         }
     }
     return isMadeOf;
@@ -154,100 +231,120 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
 std::string UnitHistory::KeptFindings(std::size_t unit) const {
     FindingsRange range;
     {
-        const Lock lock(state_->mutex);
-        range = state_->units[unit].findings;
+        const State::Lock lock(state_->mutex);
+        range = state_->record[unit].findings;
     }
     return state_->findings->Read(range);
 }
 
-UnitHistory::Moment UnitHistory::Begin(std::size_t unit) {
-    State& state = *state_;
-    state.files.ReadClock();
-    std::vector<std::uint32_t> versions;
-    {
-        const Lock lock(state.mutex);
-        const std::span<const std::uint32_t> list = ListOf(state.units[unit], state.lists);
-        versions.assign(list.begin(), list.end());
-    }
-    for (const std::uint32_t version : versions) {
-        state.files.LookAt(state.files.FileOf(version));
-    }
-    state.files.LookAt(state.SourceOf(unit));
-    return {std::chrono::steady_clock::now()};
-}
-
-bool UnitHistory::CanTellWhatWasSeen(std::size_t unit, Moment moment, std::span<const std::string> dependencies) {
-    FileVersions& files = state_->files;
-    const std::string& directory = *state_->commands[unit].absoluteDirectory;
-    // All are looked at, so that all are known before the unit is begun again.
-    return std::count_if(dependencies.begin(), dependencies.end(), [&](const std::string& dependency) {
-               return !files.IsCurrent(files.VersionSeenBy(files.NumberOf(dependency, directory), moment.begin));
-           }) == 0;
-}
-
-void UnitHistory::Record(std::size_t unit, Moment moment, std::span<const std::string> dependencies,
-                         std::optional<std::string_view> findings) {
-    State& state = *state_;
-    const std::string& directory = *state.commands[unit].absoluteDirectory;
-    std::vector<std::uint32_t> list;
-    list.reserve(dependencies.size() + 1);
-    for (const std::string& dependency : dependencies) {
-        list.push_back(state.files.VersionSeenBy(state.files.NumberOf(dependency, directory), moment.begin));
-    }
-    const std::uint32_t source = state.files.VersionSeenBy(state.SourceOf(unit), moment.begin);
-    if (std::find(list.begin(), list.end(), source) == list.end()) {
-        list.push_back(source);
-    }
-    std::optional<FindingsRange> range;
-    if (findings) {
-        range = state.Keep(unit, *findings);
-    }
-    {
-        const Lock lock(state.mutex);
-        KnownUnit& known = state.units[unit];
-        const std::span<const std::uint32_t> before = ListOf(known, state.lists);
-        const bool isSame = known.hasList != 0 && known.inputs == state.identities[unit].inputs &&
-                            known.named == dependencies.size() &&
-                            std::equal(before.begin(), before.end(), list.begin(), list.end());
-        if (!isSame) {
-            state.SetList(known, list, dependencies.size(), lock);
-            ForgetFindings(known);
-        }
-        known.inputs = state.identities[unit].inputs;
-        known.leftOutWith = {};
-        if (range) {
-            known.hasResult = 1;
-            known.findings = *range;
-        }
-        state.isDirty = state.isDirty || !isSame || range;
-    }
-    state.SaveNowAndThen();
+UnitWatch UnitHistory::Watch(std::size_t unit, std::span<const std::string> inputFiles) {
+    return {*this, unit, inputFiles};
 }
 
 void UnitHistory::RecordLeftOut(std::size_t unit) {
-    const Lock lock(state_->mutex);
-    KnownUnit& known = state_->units[unit];
-    if (known.leftOutWith != state_->identities[unit].inputs) {
-        known.leftOutWith = state_->identities[unit].inputs;
-        ForgetFindings(known);
-        state_->isDirty = true;
-    }
+    const State::Lock lock(state_->mutex);
+    state_->record.LeaveOut(unit);
 }
 
 void UnitHistory::ForgetResult(std::size_t unit) {
-    const Lock lock(state_->mutex);
-    KnownUnit& known = state_->units[unit];
-    state_->isDirty = state_->isDirty || known.hasResult != 0 || known.leftOutWith != Fingerprint{};
-    known.leftOutWith = {};
-    ForgetFindings(known);
+    const State::Lock lock(state_->mutex);
+    state_->record.ForgetResult(unit);
 }
 
-void UnitHistory::SaveProgress() {
-    state_->Save(HistoryState::Extent::Progress);
+bool UnitHistory::SaveProgress() {
+    return state_->Save(State::Extent::Progress);
 }
 
-void UnitHistory::Save() {
-    state_->Save(HistoryState::Extent::All);
+bool UnitHistory::Save() {
+    return state_->Save(State::Extent::All);
+}
+
+UnitWatch::UnitWatch(UnitHistory& history, std::size_t unit, std::span<const std::string> inputFiles)
+    : history_(&history), unit_(unit), inputFiles_(inputFiles.begin(), inputFiles.end()) {
+    Begin();
+}
+
+UnitWatch::UnitWatch(UnitWatch&& other) noexcept
+    : history_(std::exchange(other.history_, nullptr)), unit_(other.unit_), inputFiles_(std::move(other.inputFiles_)),
+      begin_(other.begin_) {}
+
+UnitWatch::~UnitWatch() {
+    if (history_ != nullptr) {
+        history_->ForgetResult(unit_);
+    }
+}
+
+// A file that is looked at before the unit begins is known to be what the unit sees. For those that nobody knew of,
+// only their age can tell, or another watch.
+void UnitWatch::Begin() {
+    UnitHistory::State& state = *history_->state_;
+    state.files.ReadClock();
+    std::vector<VersionNumber> versions;
+    {
+        const UnitHistory::State::Lock lock(state.mutex);
+        const std::span<const VersionNumber> list = state.record.ListOf(unit_);
+        versions.assign(list.begin(), list.end());
+    }
+    for (const VersionNumber version : versions) {
+        state.files.LookAt(state.files.FileOf(version));
+    }
+    for (const FileNumber file : state.InputFilesOf(unit_, inputFiles_)) {
+        state.files.LookAt(file);
+    }
+    begin_ = std::chrono::steady_clock::now();
+}
+
+std::optional<std::vector<std::string>> UnitWatch::KnownDependencies() const {
+    UnitHistory::State& state = *history_->state_;
+    std::vector<VersionNumber> list;
+    std::size_t named = 0;
+    {
+        const UnitHistory::State::Lock lock(state.mutex);
+        if (!state.record.HasList(unit_)) {
+            return std::nullopt;
+        }
+        const std::span<const VersionNumber> known = state.record.ListOf(unit_);
+        list.assign(known.begin(), known.end());
+        named = state.record[unit_].named;
+    }
+    if (!std::all_of(list.begin(), list.end(),
+                     [&state](VersionNumber version) { return state.files.IsCurrent(version); })) {
+        return std::nullopt;
+    }
+    std::vector<std::string> paths;
+    for (const VersionNumber version : std::span(list).first(named)) {
+        paths.push_back(state.files.PathOf(state.files.FileOf(version)));
+    }
+    return paths;
+}
+
+bool UnitWatch::Covers(std::span<const std::string> dependencies) {
+    UnitHistory::State& state = *history_->state_;
+    // All are looked at, so that all are known before the unit is begun again.
+    const auto tooNew = std::count_if(dependencies.begin(), dependencies.end(), [&](const std::string& dependency) {
+        return state.files.IsTooNewFor(state.NumberOf(unit_, dependency), begin_);
+    });
+    if (tooNew != 0) {
+        Begin();
+    }
+    return tooNew == 0;
+}
+
+void UnitWatch::Keep(std::span<const std::string> dependencies, std::optional<std::string_view> findings) {
+    UnitHistory::State& state = *history_->state_;
+    const SeenList list = state.MakeList(unit_, begin_, dependencies, inputFiles_);
+    const std::optional<FindingsRange> range = findings ? state.KeepFindings(unit_, *findings) : std::nullopt;
+    {
+        const UnitHistory::State::Lock lock(state.mutex);
+        state.record.SetList(unit_, list, state.NamesSameFiles(unit_, list, lock));
+        if (range) {
+            state.record.SetResult(unit_, *range);
+        } else if (findings) {
+            state.record.ForgetResult(unit_);
+        }
+    }
+    history_ = nullptr;
+    state.SaveNowAndThen();
 }
 
 } // namespace Orvanta

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "buildinput/CompileCommand.h"
-#include "history/UnitHistory.h"
+#include "history/UnitIdentity.h"
 #include "settings/RunSettings.h"
 
 #include <span>
@@ -10,10 +10,21 @@
 
 namespace Orvanta {
 
+/// What makes the results of a run, beside the compilers.
+struct ResultMakers {
+    std::string corePath;
+    std::string coreVersion; ///< what the core says stands behind it; empty when it doesn't say
+    std::string ownVersion;  ///< of this program
+};
+
 /// How the history of a build knows these units: by their folder and source, and by all that decides their results
 /// beside the files that they are made of. That is the command line, the variables of the invocation and those in which
-/// compilers look for more, the settings with the file of rules, and the compiler's and the core's own files.
+/// compilers of its family look for more, the settings with the file of rules, and which compiler and core they are.
+///
+/// The programs themselves are among a unit's files, where their content counts: a compiler that was installed again,
+/// or that lies in another layer of a container, has another stamp and is the same. But one that its path now leads to
+/// elsewhere is another one, though it be a copy: it may look for its parts beside itself.
 [[nodiscard]] std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units,
-                                                      const RunSettings& settings, const std::string& corePath);
+                                                      const RunSettings& settings, const ResultMakers& makers);
 
 } // namespace Orvanta

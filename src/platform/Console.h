@@ -52,6 +52,10 @@ void WriteToStandardError(std::string_view bytes) noexcept;
 /// \throws FileException
 [[nodiscard]] std::size_t ReadFromStandardInput(std::span<char> target);
 
+/// Whether what is written to standard output may be coloured: it goes to a terminal that knows colours. NO_COLOR
+/// forbids them, CLICOLOR_FORCE asks for them wherever the output goes.
+[[nodiscard]] bool ShowsColours();
+
 /// The processors that this process may use, at least 1.
 [[nodiscard]] unsigned AvailableProcessors() noexcept;
 

@@ -10,12 +10,17 @@ namespace Orvanta {
 /// unit's failure.
 class ZelmException : public std::exception {
 public:
-    explicit ZelmException(std::string message) : message_(std::move(message)) {}
+    explicit ZelmException(std::string message, std::string hint = "")
+        : message_(std::move(message)), hint_(std::move(hint)) {}
 
     [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
+    /// A line on what to do about it; empty when the message says all.
+    [[nodiscard]] const std::string& Hint() const noexcept { return hint_; }
+
 private:
     std::string message_;
+    std::string hint_;
 };
 
 /// A file or a folder can't be used. Whoever knows it by another name than the one that failed (a file beside it, the

@@ -18,6 +18,7 @@ nanoseconds Offset() {
 
 FileStamp StampOfNewFile(const std::string& folder) {
     const std::string path = JoinPath(folder, ".orvtmp-clock");
+    RemoveFile(path); // whatever stands there: a pipe would hold us until somebody reads it
     OutputFile(path, OutputFile::Mode::Replace).Append("\n");
     const std::optional<FileStamp> stamp = StampOf(path);
     RemoveFile(path);

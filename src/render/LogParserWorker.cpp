@@ -1,10 +1,14 @@
 #include "render/LogParserWorker.h"
 
 #include "platform/Console.h"
+#include "render/NoticeFilter.h"
 #include "report/DocumentationLink.h"
+#include "report/DuplicateFilter.h"
 #include "report/Exceptions.h"
 #include "report/ReportPass.h"
 #include "report/SourceRootTransformer.h"
+#include "report/WholeFile.h"
+#include "suppress/SuppressBaseFilter.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -16,14 +20,24 @@ namespace OrvlogConverter {
 
 namespace {
 
-/// A filter that owns what stands behind it.
-class OwningFilter : public MessageFilter {
+/// What stands in front of one output, which it owns.
+class TargetChain : public IOutput {
 public:
-    OwningFilter(std::unique_ptr<IOutput> output, MessageFilterSettings settings)
-        : MessageFilter(output.get(), std::move(settings)), output_(std::move(output)) {}
+    TargetChain(std::unique_ptr<IOutput> output, MessageFilterSettings filter, const SuppressBase* base)
+        : output_(std::move(output)), notices_(output_.get()), suppressed_(&notices_, base),
+          filter_(&suppressed_, std::move(filter)) {}
+
+    void Begin() override { filter_.Begin(); }
+
+    bool Write(const ReportMessage& message) override { return filter_.Write(message); }
+
+    void End() override { filter_.End(); }
 
 private:
     std::unique_ptr<IOutput> output_;
+    NoticeFilter notices_;
+    SuppressBaseFilter suppressed_;
+    MessageFilter filter_;
 };
 
 } // namespace
@@ -32,8 +46,19 @@ LogParserWorker::LogParserWorker(LogParserSettings settings, const Orvanta::Stop
     : settings_(std::move(settings)), stop_(stop) {}
 
 void LogParserWorker::Run() {
+    if (!settings_.suppressBase.empty()) {
+        base_ = SuppressBase::Read(settings_.suppressBase);
+    }
+    ReadEarlierReport();
     OpenTargets();
-    SourceRootTransformer chain(&outputs_, settings_.sourceRoot);
+    const bool isCompared = !settings_.earlierReport.empty();
+    NewFindingFilter onlyNew(&outputs_, earlier_);
+    DuplicateFilter once(isCompared ? static_cast<IOutput*>(&onlyNew) : &outputs_);
+    // One report holds each finding once already.
+    IOutput* const merged = settings_.reports.size() > 1 ? &once
+                            : isCompared                 ? static_cast<IOutput*>(&onlyNew)
+                                                         : &outputs_;
+    SourceRootTransformer chain(merged, settings_.sourceRoot);
     chain.Begin();
     if (settings_.documentationLink == LogParserSettings::DocumentationLink::Write) {
         chain.Write(DocumentationLinkMessage());
@@ -53,8 +78,28 @@ void LogParserWorker::Run() {
         AddChecked(report, checked);
     }
     chain.End();
-    Orvanta::PrintLine("Total messages: " + std::to_string(total));
-    Orvanta::PrintLine("Filtered messages: " + std::to_string(taken));
+    Tell("Total messages: " + std::to_string(total));
+    Tell("Filtered messages: " + std::to_string(taken));
+    if (gate_ != nullptr) {
+        Tell("Findings that stop the build: " + std::to_string(gate_->Count()));
+    }
+    if (isCompared) {
+        Tell("Gone since " + settings_.earlierReport + ": " + std::to_string(earlier_.CountGone()));
+    }
+}
+
+// What the filters hide now would else count as gone.
+void LogParserWorker::ReadEarlierReport() {
+    if (settings_.earlierReport.empty()) {
+        return;
+    }
+    SuppressBaseFilter suppressed(&earlier_, Base());
+    MessageFilter filter(&suppressed, settings_.filter);
+    SourceRootTransformer chain(&filter, settings_.sourceRoot);
+    PassReport(settings_.earlierReport, {[&chain](const ReportMessage& message, std::string_view /*text*/) {
+                   chain.Write(message);
+               }},
+               stop_);
 }
 
 void LogParserWorker::AddChecked(const std::string& report, const std::string& checked) const {
@@ -70,13 +115,49 @@ void LogParserWorker::OpenTargets() {
         throw ConfigException("Render type is required");
     }
     PrintIgnoredFlags();
+    if (settings_.documentationLink == LogParserSettings::DocumentationLink::LeaveOut) {
+        settings_.filter.disabledCodes.emplace(DocumentationLinkCode);
+    }
+    settings_.render.tell = [this](std::string_view line) {
+        Tell(line);
+    };
+    settings_.render.comparedWith = settings_.earlierReport;
+    settings_.render.countGone = [this] {
+        return earlier_.CountGone();
+    };
     for (const RenderTarget& target : settings_.targets) {
         MessageFilterSettings filter = settings_.filter;
-        if (target.type->isMisra) {
+        RenderSettings render = settings_.render;
+        const bool isKeeping = settings_.keepsSuppressed && target.type->marksSuppressed;
+        if (isKeeping) {
+            render.suppressed = Base();
+        }
+        if (isKeeping || target.type->isMisra) {
             filter.falseAlarms = MessageFilterSettings::FalseAlarms::Keep;
         }
-        outputs_.Add(
-            std::make_unique<OwningFilter>(target.type->make(target.path, settings_.render), std::move(filter)));
+        AddOutput(target.type->make(target.path, render), std::move(filter), isKeeping ? nullptr : Base());
+    }
+    if (settings_.gate) {
+        auto gate = std::make_unique<GateOutput>(*settings_.gate);
+        gate_ = gate.get();
+        AddOutput(std::move(gate), settings_.filter, Base());
+    }
+}
+
+void LogParserWorker::AddOutput(std::unique_ptr<IOutput> output, MessageFilterSettings filter,
+                                const SuppressBase* base) {
+    outputs_.Add(std::make_unique<TargetChain>(std::move(output), std::move(filter), base));
+}
+
+// A report on standard output is to stay one.
+void LogParserWorker::Tell(std::string_view line) const {
+    const bool isOutputTaken =
+        std::any_of(settings_.targets.begin(), settings_.targets.end(),
+                    [](const RenderTarget& target) { return target.path == StandardStreamPath; });
+    if (isOutputTaken) {
+        Orvanta::WriteToStandardError(std::string(line) + "\n");
+    } else {
+        Orvanta::PrintLine(line);
     }
 }
 
@@ -90,8 +171,8 @@ void LogParserWorker::PrintIgnoredFlags() const {
     };
     for (const auto& [isGiven, name] : flags) {
         if (isGiven && !isMisra) {
-            Orvanta::PrintLine(std::string("The use of the '") + name +
-                               "' flag is valid only for the 'misra' format. Otherwise, it will be ignored.");
+            Tell(std::string("The use of the '") + name +
+                 "' flag is valid only for the 'misra' format. Otherwise, it will be ignored.");
         }
     }
 }

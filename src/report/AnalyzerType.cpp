@@ -5,6 +5,7 @@
 #include "report/Exceptions.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -69,10 +70,14 @@ AnalyzerType AnalyzerNamed(std::string_view name) {
     return row->analyzer;
 }
 
-int ParseLevel(std::string_view text, std::string_view specification) {
+// `text` is a part of `separated`, which differs from the specification in separators only.
+int ParseLevel(std::string_view text, const std::string& separated, std::string_view specification) {
     const std::optional<int> level = Orvanta::WholeNumber<int>(text);
     if (!level) {
-        throw ConfigException("Wrong analyzers format: " + std::string(specification));
+        const auto place = static_cast<std::size_t>(text.data() - separated.data()) + 1;
+        throw ConfigException("Wrong analyzers format: " + std::string(specification),
+                              "\"" + std::string(text) + "\" at character " + std::to_string(place) +
+                                  " is no level; write analyzers and levels without blanks, such as GA:1,2;64:1");
     }
     return *level;
 }
@@ -108,7 +113,7 @@ std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text) {
         AnalyzerLevels parsed = {AnalyzerNamed(item.substr(0, colon))};
         if (colon != std::string_view::npos) {
             for (const std::string_view level : Split(item.substr(colon + 1), ',')) {
-                parsed.levels.push_back(ParseLevel(level, text));
+                parsed.levels.push_back(ParseLevel(level, separated, text));
             }
         }
         analyzers.push_back(std::move(parsed));

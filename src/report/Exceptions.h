@@ -1,13 +1,22 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 namespace OrvlogConverter {
 
-/// Base of the report side's errors. Caught at the entry, which prints the text after "Error: ".
+/// Base of the report side's errors. Caught at the entry, which prints the text after "Error: ", then the hint.
 class ReportException : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ReportException(const std::string& text, std::string hint = "")
+        : std::runtime_error(text), hint_(std::move(hint)) {}
+
+    /// A line on what to do about it, or where exactly it is; empty when the text says all.
+    [[nodiscard]] const std::string& Hint() const noexcept { return hint_; }
+
+private:
+    std::string hint_;
 };
 
 /// A setting of the report side is wrong. Caught at the entry.

@@ -44,6 +44,7 @@ public:
     void Read(const ReportReceiver& receiver);
 
 private:
+    /// Opens the report.
     void Open();
     /// One JSON document, cut into messages and other members as it is parsed.
     void ReadDocument(const ReportReceiver& receiver);

@@ -67,7 +67,7 @@ void WholeFile::WriteBuffer() {
 void WholeFile::Commit() {
     WriteBuffer();
     if (!file_) {
-        return;
+        return; // standard output
     }
     NamingFile(path_, [this] { file_->Commit(); });
     if (file_->IsInPlace()) {

@@ -57,6 +57,10 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
         }
         if (key == "compiler") {
             run.compilerNames.push_back(value);
+        } else if (key == "response-file-quoting") {
+            run.nativeResponseFiles = value == "native";
+        } else if (key == "launcher") {
+            run.launcherNames.push_back(value);
         }
         ReplaceSetting(run.userSettings, key, value);
     }

@@ -21,18 +21,20 @@ struct RunSettings {
     ExclusionSet exclusions;  ///< by "exclude-path" and `--exclude-path`, and the default masks
     ExclusionSet onlyPaths;   ///< `--analyze-only`: when not empty, other paths are left out in silence
     std::vector<std::string> compilerNames;  ///< names of programs that count as compilers
+    std::vector<std::string> launcherNames;  ///< of programs that only start a compiler, beside the known ones
     std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     bool ignoreCcache = false;
+    bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
     bool showCoreOutputOfMsvc = false; ///< show what the core prints for units of cl and clang-cl too
 };
 
 /// Takes over what a settings file or an option says: into the user settings, where "exclude-path" may stand several
 /// times and of any other key the last value counts, every "exclude-path" into the exclusion set as well, and every
-/// "compiler" into the known names. `settings` is not `run.userSettings` itself.
+/// "compiler" and "launcher" into the known names. `settings` is not `run.userSettings` itself.
 void ApplySettings(RunSettings& run, const SettingsMap& settings);
 
 /// Puts a given option's value in the place of the settings file's values of that key.

@@ -14,9 +14,10 @@
 //   listing STEP / first-run STEP     a step of the listing of dependencies, or of the collecting stage; the steps
 //                                     without such a word are those of an analysis
 //
-// It lists the files that the line markers of the preprocessed text name. In the collecting stage it leaves the unit's
-// source as the unit's information, in the linking stage it gathers that of all units (or plays the step in
-// FAKE_CORE_MERGE), and in the performing stage it reports what was gathered as one more finding.
+// It tells its version when FAKE_CORE_VERSION holds one. It lists the files that the line markers of the preprocessed
+// text name. In the collecting stage it leaves the unit's source as the unit's information, in the linking stage it
+// gathers that of all units (or plays the step in FAKE_CORE_MERGE), and in the performing stage it reports what was
+// gathered as one more finding.
 
 #include "doubles/Script.h"
 #include "doubles/SiblingProcess.h"
@@ -287,6 +288,10 @@ void Play(const Unit& unit, const std::string& program) {
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments = ProgramArguments(argc, argv);
+    if (const auto version = EnvironmentVariable("FAKE_CORE_VERSION"); version && arguments.back() == "--version") {
+        std::cout << *version << std::endl;
+        return 0;
+    }
     if (arguments.size() == 4 && arguments[1] == "--hang") {
         Hang(arguments[2], arguments[3]);
     }

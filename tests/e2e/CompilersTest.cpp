@@ -152,19 +152,6 @@ TEST_F(CompilersTest, CompilerIsFoundAsTheCommandWouldFindIt) {
     EXPECT_EQ(sandbox.CompilerCalls("my-gcc", "-E"), 2U);
 }
 
-TEST_F(CompilersTest, FailedVersionQueryAndFailedProbeAreNoErrors) {
-    sandbox.AddCompiler("fake-gcc", "clang version 14\n", "version-exit 7\naccept-only -c -E -w -o -D\n");
-    sandbox.Write("a.cpp", "int a;\n");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "-c", "a.cpp"}
-    });
-    const RunResult result = sandbox.Analyze({"--verbose"});
-    EXPECT_EQ(result.exitCode, 0) << result;
-    EXPECT_TRUE(result.Says("Compiler version output command returned code 7.")) << result;
-    ASSERT_EQ(sandbox.CoreCalls().size(), 1U) << result;
-    EXPECT_EQ(sandbox.CoreCalls().front().Setting("preprocessor"), "clang");
-}
-
 TEST_F(CompilersTest, SourcesInSystemFoldersAreLeftOutUnlessWanted) {
     sandbox.AddUnit("sys/a.c", {}, {"-isystem", "sys"});
     sandbox.AddUnit("b.c", {}, {"-isystem", "sys", "--sysroot=/"});

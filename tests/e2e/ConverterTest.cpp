@@ -54,17 +54,81 @@ TEST_F(ConverterTest, FiltersAsItIsTold) {
     }
 }
 
+TEST_F(ConverterTest, MergesReportsAndHoldsWhatTheyShareOnce) {
+    sandbox.Write("s.log", "c.c:1:1: error: three\n" + sandbox.Read("r.log"));
+    const RunResult result = Convert({"r.log", "s.log", "r.log", "-t", "text", "-o", "-", "-r", "/p/"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(result.output, "/p/a.c:3:1: error: one [V501]\nc.c:1:1: error: three [External]\n");
+    EXPECT_EQ(result.errors, "Total messages: 7\nFiltered messages: 2\n"); // standard output is the report's
+
+    // What a report says of itself stands once, however often it is converted.
+    sandbox.Write("old.json", R"({"version":1,"warnings":[]})");
+    for (const char* const report : {"r.log", "1.json", "2.json"}) {
+        const std::string next = std::string(report) == "r.log"    ? "1.json"
+                                 : std::string(report) == "1.json" ? "2.json"
+                                                                   : "3.json";
+        EXPECT_EQ(Convert({report, "-t", "json", "-o", next, "-s", "old.json"}).exitCode, 0);
+    }
+    const std::string last = sandbox.Read("3.json");
+    EXPECT_EQ(last.find("Help:"), last.rfind("Help:"));
+    EXPECT_EQ(last.find("V014"), last.rfind("V014"));
+    EXPECT_EQ(Convert({"3.json", "-t", "json", "-o", "4.json", "-n"}).exitCode, 0);
+    EXPECT_EQ(sandbox.Read("4.json").find("Help:"), std::string::npos);
+}
+
+TEST_F(ConverterTest, ShowsWhatIsNewAndStopsABuildForIt) {
+    sandbox.Write("new.log", "Zelm64-EM<#~>full<#~>33<#~>|?|/a.c<#~>error<#~>V501<#~>one<#~>false<#~>1<#~><#~>x = a;"
+                             "<#~><#~>33<#~>\n" // moved
+                             "Zelm64-EM<#~>full<#~>4<#~>|?|/b.c<#~>error<#~>V112<#~>size 8<#~>false<#~>2<#~><#~>y<#~>"
+                             "<#~>4<#~>\n");
+    sandbox.Write("gone.log", sandbox.Read("r.log") + "c.c:1:1: error: three\n");
+    const RunResult compared =
+        Convert({"new.log", "-t", "text", "-o", "out.txt", "--diff", "gone.log", "--fail-on", "GA"});
+    EXPECT_EQ(compared.exitCode, 0) << compared;
+    EXPECT_EQ(compared.output, "Total messages: 2\nFiltered messages: 1\nFindings that stop the build: 0\n"
+                               "Gone since gone.log: 1\n");
+    EXPECT_EQ(sandbox.Read("out.txt"), "|?|/b.c:4:1: warning: size 8 [V112]\n");
+
+    const std::string base = R"({"version":2,"warnings":[{"FileName":"b.c","ErrorCode":"V112","Message":"size _",)"
+                             R"("CodePrev":0,"CodeCurrent":121,"CodeNext":0}]})";
+    sandbox.Write("base.json", base);
+    const std::pair<Arguments, int> gates[] = {
+        {{"--fail-on", "all"},                                                       2},
+        {{"--fail-on", "64:2"},                                                      2},
+        {{"--fail-on", "64:1;OP"},                                                   0},
+        {{"--fail-on", "64", "-s", "base.json"},                                     0},
+        {{"--fail-on", "all", "-s", "base.json"},                                    2},
+        {{"--fail-on", "all", "-s", "base.json", "--diff", "r.log"},                 0},
+        {{"--fail-on", "64", "-s", "base.json", "-t", "sarif", "--keep-suppressed"}, 0},
+        {{"--fail-on", "64", "-d", "V112"},                                          0},
+        {{"--fail-on", "64:x"},                                                      1},
+    };
+    for (const auto& [options, exitCode] : gates) {
+        Arguments arguments = {"new.log", "-t", "totals"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const RunResult result = Convert(arguments);
+        EXPECT_EQ(result.exitCode, exitCode) << result;
+    }
+    EXPECT_NE(sandbox.Read("new.sarif").find("\"kind\": \"external\""), std::string::npos);
+}
+
 TEST_F(ConverterTest, TellsItsFaults) {
     sandbox.Write("bad.log", sandbox.Read("r.log") + "nonsense\n");
     sandbox.Write("r.json", "{\"warnings\":[]}");
     sandbox.Write("out.json", "before");
     const std::pair<Arguments, std::string> cases[] = {
-        {{"r.log"},                                      "Error: Render type is required\n"                                      },
-        {{"r.log", "-t", "html"},                        "Error: Wrong render type: \"html\", expected one of json, raw, misra\n"},
-        {{"r.log", "-t", "json", "-o", "none/out.json"}, "Error: Couldn't create directory: none\n"                              },
-        {{"bad.log", "-t", "json", "-o", "out.json"},    "Error: bad.log, line 3: error parsing old format message\n"            },
-        {{"r.json", "-t", "json"},                       "Error: The output would replace the report it is made from: r.json\n"  },
-        {{"r.log", "-t", "json", "-a", "x"},             "Error: Wrong analyzer name: x\n"                                       },
+        {{"r.log"},                                       "Error: Render type is required\n"                                    },
+        {{"r.log", "-t", "raw", "-t", "json", "-o", "-"},
+         "Error: Standard output takes one form, not 2\nGive a folder with -o, or ask for one form\n"                           },
+        {{"r.log", "-t", "text", "--keep-suppressed"},
+         "Error: --keep-suppressed needs a suppression base\nName it with --suppress-file FILE\n"                               },
+        {{"r.log", "-t", "text", "-a", "GA: 1"},
+         "Error: Wrong analyzers format: GA: 1\n\" 1\" at character 4 is no level; write analyzers and levels without "
+         "blanks, such as GA:1,2;64:1\n"                                                                                        },
+        {{"r.log", "-t", "json", "-o", "none/out.json"},  "Error: Couldn't create directory: none\n"                            },
+        {{"bad.log", "-t", "json", "-o", "out.json"},     "Error: bad.log, line 3: error parsing old format message\n"          },
+        {{"r.json", "-t", "json"},                        "Error: The output would replace the report it is made from: r.json\n"},
+        {{"r.log", "-t", "json", "-a", "x"},              "Error: Wrong analyzer name: x\n"                                     },
     };
     for (const auto& [arguments, output] : cases) {
         const RunResult result = Convert(arguments);

@@ -56,25 +56,25 @@ TEST_F(IntermodularTest, CollectsLinksAndPerforms) {
     ASSERT_EQ(second.size(), 2U);
     EXPECT_EQ(second[0].Setting("intermodular-file"), merged);
     EXPECT_EQ(second[0].Setting("intermodular-unit-file"), first[0].Setting("intermodular-unit-file"));
-    EXPECT_TRUE(second[0].Setting("intermodular-unit-file").starts_with(sandbox.Path(".Orvanta")));
 
     const std::vector<std::string> messages = MessagesOf(Report());
     EXPECT_EQ(std::count(messages.begin(), messages.end(), "Linked: a.c b.c excluded.c "), 2) << result;
-    EXPECT_FALSE(sandbox.Exists(".Orvanta/1_a.c.Orvanta.dfo"));
     EXPECT_TRUE(sandbox.Leftovers().empty());
 }
 
-TEST_F(IntermodularTest, PreprocessesAgainOnlyWhatHasChangedSinceCollecting) {
+TEST_F(IntermodularTest, PreprocessesAgainOnlyWhatMayHaveChangedSinceCollecting) {
     sandbox.Write("edited.h", "int old;\n");
     sandbox.AddUnit("a.c");
     sandbox.Write("a.c", "#include \"edited.h\"\n");
     sandbox.AddUnit("b.c", {"first-run append " + sandbox.Path("edited.h") + " int added;"});
+    sandbox.AddUnit("c.c", {"listing exit 4"}); // what it includes is not known, so neither is whether that has changed
     const RunResult result = AnalyzeAcross({"-j", "1"});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("a.c")), 2U);
     EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("b.c")), 1U);
+    EXPECT_EQ(sandbox.CompilerCalls("fake-gcc", sandbox.Path("c.c")), 2U);
     const std::vector<CoreCall> second = CallsOf("second-run");
-    ASSERT_EQ(second.size(), 2U);
+    ASSERT_EQ(second.size(), 3U);
     EXPECT_NE(second[0].preprocessed.find("int added;"), std::string::npos);
 }
 
@@ -85,9 +85,9 @@ TEST_F(IntermodularTest, AFailedLinkingEndsTheAnalysis) {
     const RunResult result = AnalyzeAcross();
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("returned code 7.\n")) << result;
+    EXPECT_LT(result.output.find("Compiler invocations: 1 ("), result.output.find("Error: ")) << result;
     EXPECT_FALSE(result.Says(Performing)) << result;
     EXPECT_EQ(sandbox.Read("report.json"), "of an earlier run");
-    EXPECT_FALSE(sandbox.Exists(".Orvanta/1_a.c.Orvanta.dfo"));
     EXPECT_TRUE(sandbox.Leftovers().empty());
     const RunResult nowhere = sandbox.Analyze({"--intermodular", "-o", "missing/report.json"});
     EXPECT_EQ(nowhere.exitCode, 1);

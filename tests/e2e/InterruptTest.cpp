@@ -111,23 +111,35 @@ TEST_F(InterruptTest, EndsAnAnalysisAcrossUnitsInWhateverStage) {
         const bool isLastStage = std::string_view(stage) == "second-run";
         EXPECT_EQ(result.Says("Performing analysis.\n"), isLastStage) << stage << result;
         EXPECT_EQ(own.Read("report.json") == "of an earlier run", !isLastStage) << stage;
-        EXPECT_FALSE(own.Exists(".Orvanta/1_a.c.Orvanta.dfo")) << stage;
         EXPECT_TRUE(own.Leftovers().empty()) << stage;
     }
 }
 
-TEST_F(InterruptTest, KeepsWhatAnIncrementalRunHasFinished) {
+TEST_F(InterruptTest, KeepsWhatAnIncrementalRunHasFinishedAndWhatHasNotChanged) {
+    const auto interrupt = [this] {
+        sandbox.ForgetCoreCalls();
+        sandbox.WriteScript("b.c", {"hang"});
+        InterruptibleRun run(sandbox, {"-i", "-j", "1", "-o", "report.json"});
+        EXPECT_TRUE(HoldsSoon([&] { return IsReady("records/core-of-b.c.hangs"); }));
+        run.Interrupt();
+        const RunResult result = run.Wait();
+        EXPECT_EQ(result.exitCode, 130) << result;
+        return result;
+    };
     sandbox.AddUnit("a.c", {"finding V501 1 1 finished"});
-    sandbox.AddUnit("b.c", {"hang"});
-    InterruptibleRun run(sandbox, {"-i", "-j", "1", "-o", "report.json"});
-    ASSERT_TRUE(HoldsSoon([&] { return IsReady("records/core-of-b.c.hangs"); }));
-    run.Interrupt();
-    EXPECT_EQ(run.Wait().exitCode, 130);
+    sandbox.AddUnit("b.c");
+    sandbox.AddUnit("c.c", {"finding V501 1 1 behind it"});
+    interrupt();
     sandbox.WriteScript("b.c", {"finding V501 1 1 found at last"});
     sandbox.ForgetCoreCalls();
     EXPECT_EQ(sandbox.Analyze({"-i", "-o", "report.json"}).exitCode, 0);
-    EXPECT_EQ(sandbox.AnalyzedSources(), std::vector{sandbox.Path("b.c")});
-    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"finished", "found at last"}));
+    EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("b.c"), sandbox.Path("c.c")}));
+    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"finished", "found at last", "behind it"}));
+
+    sandbox.Write("b.c", "int changed;\n");
+    const RunResult result = interrupt();
+    EXPECT_TRUE(result.Says("(0 analyzed, 2 carried over, 0 failed, 0 skipped, 0 excluded, 1 stopped)")) << result;
+    EXPECT_EQ(MessagesOf(Report()), (std::vector<std::string>{"finished", "behind it"}));
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 // Guards against findings that are lost when the driver is killed, and against files of a run that another one clears.
 
 #include "e2e/support/SandboxTest.h"
+#include "platform/NativePath.h"
+
+#include <filesystem>
 
 namespace Orvanta {
 
@@ -34,6 +37,20 @@ TEST_F(KillTest, FinishedUnitsStayAndTheNextRunClearsTheRest) {
         EXPECT_EQ(own.Analyze({"-q", "-o", report}).exitCode, 0);
         EXPECT_EQ(MessagesIn(own, report), (std::vector<std::string>{"first", "second", "third", "fourth"}));
         EXPECT_TRUE(own.Leftovers().empty()) << "what the killed run left is not cleared";
+    }
+}
+
+TEST_F(KillTest, WhatWasCollectedIsClearedByAnyRun) {
+    sandbox.AddUnit("a.c");
+    sandbox.AddUnit("b.c", {"first-run hang"});
+    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"--intermodular", "-j", "1", "-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("records/core-of-b.c.hangs"); }));
+    run->Kill();
+    EXPECT_FALSE(sandbox.Leftovers().empty());
+    EXPECT_EQ(sandbox.Analyze({"-q"}).exitCode, 0);
+    EXPECT_TRUE(sandbox.Leftovers().empty());
+    for (const auto& entry : std::filesystem::directory_iterator(NativePath(sandbox.Path(".Orvanta")))) {
+        EXPECT_EQ(PathText(entry.path().filename()), ".gitignore");
     }
 }
 

@@ -224,9 +224,12 @@ TEST_F(OptionsTest, LogFileHoldsTheVerboseLinesOfAQuietRun) {
 
 TEST_F(OptionsTest, DumpedFilesStayAndAreTheUnits) {
     sandbox.AddUnit("a.c");
+    sandbox.Write(".Orvanta/1_a.c.Orvanta.findings", "of a killed run");
+    sandbox.Write(".Orvanta/1_a.c.Orvanta.i", "of a killed run");
     const RunResult result = sandbox.Analyze({"--dump-files", "-o", "report.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
     const CoreCall call = OnlyCall();
+    EXPECT_EQ(call.preprocessed.find("of a killed run"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(call.arguments.at(2))) << call.arguments.at(2);
     EXPECT_TRUE(std::filesystem::exists(call.Setting("i-file"))) << call.Setting("i-file");
 }
@@ -246,6 +249,23 @@ TEST_F(OptionsTest, OneFileIsAnalyzedWithoutABuildInput) {
     EXPECT_EQ(OnlyCall().Setting("source-file"), "a b.c");
     EXPECT_EQ(OnlyCall().Setting("std"), "c11");
     EXPECT_EQ(sandbox.CompilerCalls("cc", "-DX=1 2"), 1U);
+}
+
+TEST_F(OptionsTest, TheSettingsFileOfAProjectIsFoundAndNotTrusted) {
+    sandbox.AddUnit("a.c");
+    sandbox.Write(".git/HEAD", "");
+    const RunResult without = sandbox.Analyze({"--cfg", "auto"});
+    EXPECT_EQ(without.exitCode, 0) << without;
+    EXPECT_TRUE(without.Says("No settings file: there is no .orvanta.cfg here or above")) << without;
+    sandbox.Write(".orvanta.cfg", "analysis-mode=OP\nlauncher=evil\ncore-key=x\noutput-file=/evil\n");
+    sandbox.ForgetCoreCalls();
+    const RunResult result = sandbox.Analyze({"--cfg", "auto", "-i", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Using settings file: " + sandbox.Path(".orvanta.cfg") + "\n")) << result;
+    EXPECT_TRUE(result.Says("which came with the sources: core-key, launcher, output-file (")) << result;
+    EXPECT_EQ(sandbox.CoreCalls().back().Setting("analysis-mode"), "8");
+    EXPECT_EQ(sandbox.CoreCalls().back().Setting("core-key"), "(absent)");
+    EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
 }
 
 } // namespace

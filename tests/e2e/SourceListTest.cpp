@@ -1,6 +1,9 @@
 // Guards against a list of source files that selects the wrong units, or nothing without a word.
 
 #include "e2e/support/SandboxTest.h"
+#include "platform/NativePath.h"
+
+#include <filesystem>
 
 namespace Orvanta {
 
@@ -71,7 +74,7 @@ TEST_F(SourceListTest, SelectsUnitsByWhatTheyInclude) {
     sandbox.Write("sub/b.c", "#include \"../inner.h\"\n");
     const RunResult second = sandbox.Analyze({"--dep-file", "inner.h", "-o", "report.json"});
     EXPECT_EQ(second.exitCode, 0) << second;
-    EXPECT_EQ(second.Count("%] Parsing includes: "), 3U) << "one to select by, two with the analysis" << second;
+    EXPECT_EQ(second.Count("%] Parsing includes: "), 1U) << second;
     EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("a.c"), sandbox.Path("sub/b.c")}));
     EXPECT_EQ(Report().size(), 2U);
 }
@@ -83,6 +86,35 @@ TEST_F(SourceListTest, AUnitWhoseDependenciesCannotBeListedHasFailed) {
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says(sandbox.Path("a.c") + ": Its dependencies could not be listed: ")) << result;
     EXPECT_TRUE(result.Says("3 (1 analyzed, 1 failed, 1 skipped")) << result;
+}
+
+// As version control prints them: from the checkout's root, with files that are gone.
+TEST_F(SourceListTest, TakesTheListOfAVersionControl) {
+    sandbox.Write("gone.h", "int gone;\n");
+    sandbox.Write("a.c", "#include \"gone.h\"\n");
+    sandbox.Write("checkout/.git", "");
+    sandbox.AddUnit("checkout/sub/d.c");
+    sandbox.AddUnit("checkout/lib/d.c");
+    ASSERT_EQ(sandbox.Analyze({"-i", "-o", "report.json"}).exitCode, 0);
+    std::filesystem::remove(NativePath(sandbox.Path("gone.h")));
+    sandbox.Write("a.c", "int a;\n");
+    sandbox.ForgetCoreCalls();
+    sandbox.Write("list.txt", "gone.h\nnever.h\n");
+    const RunResult gone = sandbox.Analyze({"-S", "list.txt", "-o", "report.json"});
+    EXPECT_EQ(gone.exitCode, 0) << gone;
+    EXPECT_EQ(sandbox.AnalyzedSources(), std::vector{sandbox.Path("a.c")}) << gone;
+    EXPECT_TRUE(gone.Says("Warning: no source file of the build is or includes " + sandbox.Path("never.h") + "\n"))
+        << gone;
+    EXPECT_EQ(gone.Count("Warning: "), 1U) << gone;
+
+    sandbox.ForgetCoreCalls();
+    sandbox.Write("checkout/sub/list.txt", "lib/d.c\n");
+    Arguments command =
+        Sandbox::AnalyzeCommand({"-f", sandbox.Path("compile_commands.json"), "-S", "list.txt", "-o", "report.json"});
+    const RunResult fromBelow =
+        RunningDriver(command, sandbox.Path("checkout/sub"), sandbox.DriverEnvironment()).Wait();
+    EXPECT_EQ(fromBelow.exitCode, 0) << fromBelow;
+    EXPECT_EQ(sandbox.AnalyzedSources(), std::vector{sandbox.Path("checkout/lib/d.c")}) << fromBelow;
 }
 
 } // namespace

@@ -103,7 +103,9 @@ TEST_F(SuppressionTest, FaultsAreToldAndNothingIsTouched) {
         {{"suppress", "r.log", "-f", "test.c:x"},              "Error: invalid stoul argument\n"                           },
         {{"suppress", "r.log", "-o", "d", "-a", "XX"},         "Error: d is a directory\n"                                 },
         {{"suppress", "none.log", "-a", "XX"},                 "Error: Wrong analyzer name: XX\n"                          },
-        {{"suppress", "none.log", "-a", "GA:x"},               "Error: Wrong analyzers format: GA:x\n"                     },
+        {{"suppress", "none.log", "-a", "GA:x"},
+         "Error: Wrong analyzers format: GA:x\n\"x\" at character 4 is no level; write analyzers and levels without "
+         "blanks, such as GA:1,2;64:1\n"                                                                                   },
         {{"suppress", "none.log"},                             "Error: Couldn't open file none.log\n"                      },
         {{"suppress", "bad.log"},                              "Error: bad.log, line 1: error parsing old format message\n"},
         {{"suppress", "r.log", "-o", "bad.json"},              "Error: bad.json, entry 1: field FileName is not found\n"   },

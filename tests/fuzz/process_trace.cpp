@@ -1,5 +1,5 @@
 #include "FuzzInput.h"
-#include "buildinput/TraceReader.h"
+#include "buildinput/trace/TraceReader.h"
 #include "platform/StopFlag.h"
 
 #include <sstream>

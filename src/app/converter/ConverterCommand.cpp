@@ -1,15 +1,18 @@
 #include "app/converter/ConverterCommand.h"
 
+#include "app/ProgramText.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/StopFlag.h"
 #include "platform/Text.h"
 #include "render/LogParserWorker.h"
 #include "report/Exceptions.h"
+#include "report/WholeFile.h"
 
 #include <args.hxx>
 
@@ -35,12 +38,22 @@ constexpr const char* Description =
 using StringFlag = args::ValueFlag<std::string>;
 using StringListFlag = args::ValueFlagList<std::string>;
 
+std::string KnownTypes() {
+    std::string names;
+    for (const RenderType& type : AllRenderTypes()) {
+        names += (names.empty() ? "" : ", ") + std::string(type.name);
+    }
+    return names;
+}
+
 /// The options, in the order of the help.
 struct Options {
     explicit Options(args::ArgumentParser& parser)
-        : types(parser, "TYPE", "Form to render: json, raw or misra. Can be specified multiple times.",
+        : types(parser, "TYPE", "Form to render: " + KnownTypes() + ". Can be specified multiple times.",
                 {'t', "render-types"}),
-          output(parser, "PATH", "File to write; a folder for the files when it names one, and with several forms",
+          output(parser, "PATH",
+                 "File to write, or - for standard output; a folder for the files when it names one, and with several "
+                 "forms",
                  {'o', "output"}),
           analyzers(parser, "TYPES", "Analyzers and levels to keep, such as 'GA:1,2;64:1;OP:1,2,3;CS:1;MISRA:1,2'",
                     {'a', "analyzer"}, "all"),
@@ -51,7 +64,19 @@ struct Options {
           paths(parser, "TEXT",
                 "Leave out messages about files with this text in their path. Can be specified multiple times.",
                 {'e', "exclude-path"}),
-          root(parser, "DIR", "Folder to put in the place of \"|?|\"", {'r', "sourcetree-root"}),
+          base(parser, "FILE", "Leave out what this suppression base holds", {'s', "suppress-file"}),
+          keepSuppressed(parser, "keep-suppressed",
+                         "Keep what the base holds, and false alarms, and mark them as suppressed, in the form sarif",
+                         {"keep-suppressed"}),
+          earlier(parser, "OLD", "Leave out what the report OLD holds too, and count what is gone", {"diff"}),
+          failOn(parser, "TYPES",
+                 "End with exit code 2 when a finding that is shown is one of these analyzers and levels, such as "
+                 "'GA:1;64'; 'all' is any finding",
+                 {"fail-on"}),
+          root(parser, "DIR",
+               "Root of the source tree: put in the place of \"|?|\", and what paths are relative to where a form "
+               "wants that",
+               {'r', "sourcetree-root"}),
           categories(parser, "FILE", "File that re-categorises MISRA guidelines, for the form misra", {'g', "grp"}),
           standards(parser, "NAME",
                     "MISRA standard to judge by, such as 'C:2012' or 'C++:2023', for the form misra. Can be specified "
@@ -64,7 +89,8 @@ struct Options {
                      {'m', "misra_deviations"}),
           noLink(parser, "no-help-messages", "Do not write the message that says where the warnings are described",
                  {'n', "no-help-messages"}),
-          reports(parser, "Orvanta log", "Reports to read", args::Options::Required) {
+          reports(parser, "Orvanta log", "Reports to read, - for standard input; what several hold is written once",
+                  args::Options::Required) {
         analyzers.HelpDefault("all");
         output.HelpDefault("the current folder");
     }
@@ -75,6 +101,10 @@ struct Options {
     StringListFlag codes;
     StringListFlag words;
     StringListFlag paths;
+    StringFlag base;
+    args::Flag keepSuppressed;
+    StringFlag earlier;
+    StringFlag failOn;
     StringFlag root;
     StringFlag categories;
     StringListFlag standards;
@@ -125,11 +155,20 @@ std::vector<RenderTarget> MakeTargets(const std::vector<std::string>& types, con
     if (targets.empty()) {
         return targets;
     }
+    if (output == StandardStreamPath) {
+        if (targets.size() > 1) {
+            throw ConfigException("Standard output takes one form, not " + std::to_string(targets.size()),
+                                  "Give a folder with -o, or ask for one form");
+        }
+        targets.front().path = output;
+        return targets;
+    }
     const bool isFolder = targets.size() > 1 || output.empty() || Orvanta::IsDirectory(output);
     RequireFolder(isFolder ? output : std::string(DirectoryOf(output)));
     for (RenderTarget& target : targets) {
         if (isFolder) {
-            const std::string stem(Orvanta::StemOf(reports.front()));
+            const std::string_view first = reports.front();
+            const std::string stem(first == StandardStreamPath ? "report" : Orvanta::StemOf(first));
             target.path = JoinPath(output, stem + std::string(target.type->suffix));
         }
         RequireNoReport(target.path, reports);
@@ -157,6 +196,18 @@ LogParserSettings MakeSettings(Options& options) {
         settings.render.misraChecked->ReadFile(options.checked.Get());
     }
     settings.render.countDeviations = options.deviations.Matched();
+    settings.render.sourceRoot = options.root.Get();
+    settings.render.namesSourceRoot = options.root.Matched();
+    settings.render.programVersion = Orvanta::Version;
+    settings.suppressBase = options.base.Get();
+    settings.keepsSuppressed = options.keepSuppressed.Matched();
+    if (settings.keepsSuppressed && settings.suppressBase.empty()) {
+        throw ConfigException("--keep-suppressed needs a suppression base", "Name it with --suppress-file FILE");
+    }
+    settings.earlierReport = options.earlier.Get();
+    if (options.failOn.Matched()) {
+        settings.gate.emplace(options.failOn.Get());
+    }
     return settings;
 }
 
@@ -171,13 +222,19 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     Orvanta::SetHelpWords(parser);
     const args::HelpFlag help(parser, "help", "Show help page", {'h', "help"});
     const args::ActionFlag version(parser, "version", "Show the program's version", {"version"}, [] {
-        throw Orvanta::VersionRequest(std::string(ProgramName) + " " + Orvanta::Version);
+        throw Orvanta::PrintRequest(std::string(ProgramName) + " " + Orvanta::Version + "\n");
     });
+    const Orvanta::TextOptions texts(parser);
     const args::CompletionFlag completion(parser, {"complete"});
     Options options(parser);
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
-        Orvanta::MakeRoomFor(options.output.Get());
-        LogParserWorker(MakeSettings(options), Orvanta::ProcessStopFlag()).Run();
+        LogParserSettings settings = MakeSettings(options);
+        Orvanta::MakeRoomFor(options.output.Get()); // what the options ask for is possible: from here on it is a report
+        LogParserWorker worker(std::move(settings), Orvanta::ProcessStopFlag());
+        worker.Run();
+        if (worker.GateMatches() > 0) {
+            throw Orvanta::ZelmRcException(GateExitCode);
+        }
     });
 }
 

@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/ColourChoice.h"
 #include "platform/ConsoleStream.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -11,9 +12,11 @@
 #include <charconv>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <limits>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -126,6 +129,14 @@ std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcep
     const std::lock_guard lock(outputInUse);
     return WriteAll(stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO, bytes) ? std::string()
                                                                                              : SystemReason(errno);
+}
+
+bool ShowsColours() {
+    if (const std::optional<bool> asked = ColoursAskedFor()) {
+        return *asked;
+    }
+    const char* const terminal = std::getenv("TERM");
+    return ::isatty(STDOUT_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {

@@ -21,7 +21,7 @@ std::optional<FileStamp> StampOf(const std::string& path) {
         return std::nullopt;
     }
     return FileStamp{static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim),
-                     Nanoseconds(status.st_ctim)};
+                     Nanoseconds(status.st_ctim), status.st_dev, status.st_ino};
 }
 
 } // namespace Orvanta

@@ -366,8 +366,20 @@ void Process::kill(bool force) {
     }
 }
 
-bool IsTooLongToStart(const Arguments& /*command*/) {
-    return false; // the limit depends on what else the child gets, and is far away
+bool IsTooLongToStart(const Arguments& command) {
+    // Words and variables of a child share one space, of which the words get half; a single word has a limit of its
+    // own.
+    constexpr std::size_t LongestWord = std::size_t{128} * 1024;
+    const long space = ::sysconf(_SC_ARG_MAX);
+    const std::size_t most = space > 0 ? static_cast<std::size_t>(space) / 2 : std::size_t{1024} * 1024;
+    std::size_t size = 0;
+    for (const std::string& word : command) {
+        size += word.size() + 1 + sizeof(char*);
+        if (word.size() >= LongestWord) {
+            return true;
+        }
+    }
+    return size > most;
 }
 
 std::string RunAndRead(const std::string& commandLine) {

@@ -1,5 +1,6 @@
 #include "platform/Console.h"
 
+#include "platform/ColourChoice.h"
 #include "platform/ConsoleStream.h"
 #include "platform/windows/ConsoleHandler.h"
 #include "platform/windows/FileAccess.h"
@@ -10,6 +11,7 @@
 #include <atomic>
 #include <bitset>
 #include <mutex>
+#include <optional>
 
 #include <windows.h>
 
@@ -97,6 +99,16 @@ std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcep
     return WriteBytesTo(stream == StandardStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE, bytes)
                ? std::string()
                : SystemReason(::GetLastError());
+}
+
+bool ShowsColours() {
+    if (const std::optional<bool> asked = ColoursAskedFor()) {
+        return *asked;
+    }
+    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return ::GetConsoleMode(output, &mode) != FALSE &&
+           ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {

@@ -16,6 +16,10 @@ std::int64_t Nanoseconds(const LARGE_INTEGER& time) {
     return time.QuadPart == 0 ? 0 : (time.QuadPart - UnixEpoch) * PerStep;
 }
 
+std::uint64_t Whole(DWORD high, DWORD low) {
+    return (std::uint64_t{high} << 32U) | low;
+}
+
 } // namespace
 
 std::optional<FileStamp> StampOf(const std::string& path) {
@@ -24,15 +28,16 @@ std::optional<FileStamp> StampOf(const std::string& path) {
     }
     const Handle file = OpenForLooking(path);
     FILE_BASIC_INFO times{};
-    FILE_STANDARD_INFO standard{};
+    BY_HANDLE_FILE_INFORMATION information{};
     if (!file.IsOpen() || !IsOnDisk(file) ||
         ::GetFileInformationByHandleEx(file.Get(), FileBasicInfo, &times, sizeof times) == FALSE ||
-        ::GetFileInformationByHandleEx(file.Get(), FileStandardInfo, &standard, sizeof standard) == FALSE ||
-        standard.Directory != FALSE) {
+        ::GetFileInformationByHandle(file.Get(), &information) == FALSE ||
+        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         return std::nullopt;
     }
-    return FileStamp{static_cast<std::uint64_t>(standard.EndOfFile.QuadPart), Nanoseconds(times.LastWriteTime),
-                     Nanoseconds(times.ChangeTime)};
+    return FileStamp{Whole(information.nFileSizeHigh, information.nFileSizeLow), Nanoseconds(times.LastWriteTime),
+                     Nanoseconds(times.ChangeTime), information.dwVolumeSerialNumber,
+                     Whole(information.nFileIndexHigh, information.nFileIndexLow)};
 }
 
 } // namespace Orvanta

@@ -8,7 +8,7 @@ namespace {
 const UnitRow Rows[] = {
     // STM32CubeIDE
     {"arm-none-eabi-gcc <../Core/Src/main.c> -mcpu=cortex-m4 -std=gnu11 {-g3} -DUSE_HAL_DRIVER -DSTM32F407xx -c "
-     "-I../Core/Inc -I../Drivers/CMSIS/Include -O0 -ffunction-sections -fdata-sections -Wall -fstack-usage {-MMD -MP "
+     "-I../Core/Inc -I../Drivers/CMSIS/Include -O0 -ffunction-sections -fdata-sections -Wall {-fstack-usage -MMD -MP "
      "-MF main.d -MT main.o} --specs=nano.specs -mfpu=fpv4-sp-d16 -mfloat-abi=hard -mthumb {-o main.o}",
      "C", "c11", "unsigned", "../Core/Inc|../Drivers/CMSIS/Include", "USE_HAL_DRIVER|STM32F407xx"},
     // CMake with a toolchain file

@@ -117,6 +117,8 @@ TEST_F(FirmwareTest, BundledCoreFindsTheErrorsOfARealProject) {
     const RunResult result = sandbox.Run({"analyze", "-o", "report.json", "--verbose"});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_TRUE(result.Says("arm-none-eabi-gcc' is GCC\n")) << result;
+    EXPECT_TRUE(result.Says("arm-none-eabi-gcc' is arm-none-eabi, for the core arm; its own plain char is unsigned"))
+        << result;
     EXPECT_TRUE(result.Says("link only")) << result;
     ExpectOverrunAt("src/main.c", 9);
     ExpectOverrunAt("src/registers.h", 7);

@@ -64,6 +64,22 @@ TEST_F(ResourcesTest, TooFewFilesAreToldOrAreEnough) {
     EXPECT_TRUE(wereEnough);
 }
 
+// With stacks of a gigabyte, a limit of memory leaves room for a few threads only.
+TEST_F(ResourcesTest, GoesOnWithTheThreadsThatTheSystemGrants) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "a sanitizer takes more memory than the limit grants";
+#endif
+    constexpr std::size_t Units = 12;
+    for (std::size_t unit = 0; unit < Units; ++unit) {
+        sandbox.AddUnit("unit" + std::to_string(unit) + ".c");
+    }
+    const RunResult result = AnalyzeWithin("ulimit -s 1000000; ulimit -v 5000000; exec \"$@\"",
+                                           {"-o", "report.json", "-q", "-j", std::to_string(Units)});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says(" of 12 threads could be started: ")) << result;
+    EXPECT_EQ(Report().size(), Units);
+}
+
 TEST_F(ResourcesTest, CompilerThatVanishesAfterItsIdentificationFailsItsUnits) {
     const std::string compiler = sandbox.AddCompiler("vanishing", "gcc 12\n", "version-remove-self\n");
     sandbox.AddUnit("a.c");

@@ -102,6 +102,35 @@ TEST(ReportCommitter, CommitsAUnitAsSoonAsItsTurnHasCome) {
     EXPECT_EQ(output.committed, std::vector<std::string>{"second"});
 }
 
+TEST(ReportCommitter, FetchesWhatIsCarriedOverWhenItsTurnHasCome) {
+    MemoryOutput output;
+    std::vector<std::size_t> fetched;
+    ReportCommitter committer(5, output, [&fetched](std::size_t unit) {
+        fetched.push_back(unit);
+        return unit == 4 ? throw OrvlogConverter::FilesystemException("gone")
+                         : LineOf(Finding("carried " + std::to_string(unit)));
+    });
+    const UnitResult carried = {.status = AnalyzerStatus::CarriedOver};
+    committer.Commit(1, carried);
+    EXPECT_TRUE(fetched.empty()) << "it would wait in memory";
+    committer.Commit(0, carried);
+    committer.Flush(); // before a unit is started
+    EXPECT_EQ(output.committed, (std::vector<std::string>{"carried 0", "carried 1"}));
+    committer.Commit(3, carried);
+    output.failNext = true;
+    committer.Commit(2, carried);
+    committer.Flush();
+    committer.Commit(4, carried);
+    EXPECT_EQ(fetched, (std::vector<std::size_t>{0, 1, 2, 3, 4}));
+    EXPECT_EQ(committer.Outcome().findingsByLevel[1], 2U);
+    EXPECT_EQ(committer.Outcome().failures,
+              (std::map<std::size_t, std::string>{
+                  {2, "no space"                               },
+                  {3, "no space"                               },
+                  {4, "The core's findings can't be read: gone"}
+    }));
+}
+
 TEST(ReportCommitter, ReportsAFindingOfManyUnitsOnce) {
     const TestFolder folder;
     MemoryOutput output;

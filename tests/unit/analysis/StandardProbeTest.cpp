@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <thread>
 #include <vector>
 
 namespace Orvanta {
@@ -106,22 +105,12 @@ TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
     EXPECT_TRUE(compiler.LeftNothing());
 }
 
-TEST(StandardProbe, LetsThreadsShareOneAnswer) {
-    ScriptedCompiler compiler(AnswersByLanguage);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&compiler] { EXPECT_EQ(compiler.Probe(Language::C), "c11"); });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_EQ(compiler.Calls(), 1U);
-}
-
 TEST(StandardProbe, FallsBackWhenTheCompilerFailsOrSaysNothing) {
     ScriptedCompiler failing("exit 3\n");
     EXPECT_EQ(failing.Probe(Language::C), "c99");
     EXPECT_EQ(failing.Probe(Language::Cpp), "c++14");
+    EXPECT_EQ(failing.Probe(Language::C, {"-include", "of-another-unit.h"}), "c99");
+    EXPECT_EQ(failing.Calls(), 3U) << "a failure is no answer for other units";
     ScriptedCompiler silent("empty-output\n");
     EXPECT_EQ(silent.Probe(Language::Cpp), "c++14");
     EXPECT_TRUE(silent.LeftNothing());

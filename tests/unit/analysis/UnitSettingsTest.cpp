@@ -101,7 +101,7 @@ TEST(BuildUnitSettings, TellsOfCoroutinesInTheMsvcFamilyOnly) {
     ParsedCommand command = CommandFor("cl", "a.cpp");
     command.compilerType = CompilerType::Cl;
     EXPECT_EQ(LastValue(BuildUnitSettings({}, model, command, "", Files), "msvc-await"), "no");
-    command.msvcAwait = true;
+    command.effects.Add(FlagEffect::Coroutines);
     EXPECT_EQ(LastValue(BuildUnitSettings({}, model, command, "", Files), "msvc-await"), "yes");
     const SettingsMap user = {
         {"msvc-await", "no"}

@@ -6,6 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
 namespace Orvanta {
 
 namespace {
@@ -88,6 +92,83 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
     }
     EXPECT_EQ(collected.skipped[std::size(rows)].fate, InvocationFate::Unreadable);
     EXPECT_EQ(collected.skipped[std::size(rows) + 1].fate, InvocationFate::Unreadable);
+}
+
+// What stands in front of a compiler, or around it, as databases have it. A row is the command and what it becomes: its
+// folder and words, or "(REASON)".
+struct LaunchedCase {
+    const char* command;
+    const char* outcome;
+};
+
+// clang-format off
+const LaunchedCase LaunchedCases[] = {
+    {"distcc %/clang -c a.c", "%: %/clang -c a.c"},
+    {"/opt/bin/sccache %/clang -c a.c", "%: %/clang -c a.c"},
+    {"buildcache icecc %/clang -c a.c", "%: %/clang -c a.c"},
+    {"env -i -u X A=1 PATH=/p %/clang -c a.c", "% A=1 PATH=/p: %/clang -c a.c"},
+    {"env -C sub -- %/clang -c a.c", "%/sub: %/clang -c a.c"},
+    {"nice -n 5 time -o t %/clang -c a.c", "%: %/clang -c a.c"},
+    {"timeout -k 9 60 %/clang -c a.c", "%: %/clang -c a.c"},
+    {"cmake -E env --unset=B A=1 %/clang -c a.c", "% A=1: %/clang -c a.c"},
+    {"/usr/bin/cmake -E __run_co_compile --launcher=x --tidy=clang-tidy;-p --source=a.c -- %/clang -c a.c",
+     "%: %/clang -c a.c"},
+    {"cmake -E copy a.c b.c", "(a tool of CMake)"},
+    {"/bin/sh ../libtool --tag=CC --mode=compile %/clang -prefer-pic -Wc,-DA -Xcompiler -DB -c a.c -o a.lo",
+     "%: %/clang -DA -DB -c a.c -o a.lo"},
+    {"./libtool --mode=link %/clang -o liba.la a.lo", "(another step of libtool than to compile)"},
+    {"wrap-it %/clang -c a.c", "%: %/clang -c a.c"},
+    {"other-wrap %/clang -c a.c", "(the program \"other-wrap\" looks like a launcher: the key \"launcher\" of a settings "
+                                  "file makes it one)"},
+    {"%/ccache distcc %/clang -c a.c", "(ccache command)"},
+    {"nice %/ccache depend_mode=true %/clang -c a.c", "(ccache command)"},
+    // Lines for a shell, as ninja's own list of commands has them.
+    {":", "(no command of a compiler)"},
+    {": && %/clang a.o -o a && :", "(link only)"},
+    {": && cmake -E rm -f a.a && ar qc a.a a.o && :", "(no command of a compiler)"},
+    {"cd %/e && cd f && %/clang -c a.c -DA 2> err && touch x", "%/e/f: %/clang -c a.c -DA"},
+    {"python3 gen.py ; env A=1 %/clang -c a.c > log", "% A=1: %/clang -c a.c"},
+    {"cd sub && cmake -E touch x", "(no command of a compiler)"},
+    // A flag that nobody knows, and what stands behind it.
+    {"%/clang --new-flag value -c a.c", "%: %/clang --new-flag value -c a.c"},
+    {"%/clang --new-flag a.c", "%: %/clang --new-flag a.c"},
+};
+
+// clang-format on
+
+std::string WithSlashes(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+TEST_F(InvocationCollectorTest, FindsTheCompilerInWhatStandsAroundIt) {
+    collecting_.settings.launcherNames = {"wrap-it"};
+    const auto inFolder = [this](std::string text) {
+        for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%')) {
+            text.replace(at, 1, folder_.Path());
+        }
+        return text;
+    };
+    for (const LaunchedCase& row : LaunchedCases) {
+        std::istringstream stream(inFolder(row.command));
+        Add(Words(std::istream_iterator<std::string>(stream), {}), folder_.Path());
+        const CollectedCommands collected = collecting_.collector.Take();
+        ASSERT_EQ(collected.units.size() + collected.skipped.size(), 1U) << row.command;
+        std::string outcome;
+        if (collected.units.empty()) {
+            outcome = '(' + collected.skipped[0].reason + ')';
+        } else {
+            outcome = *collected.units[0].absoluteDirectory;
+            for (const auto& [name, value] : *collected.units[0].environment) {
+                outcome += ' ' + name + '=' + value;
+            }
+            outcome += ':';
+            for (const std::string& word : collected.units[0].arguments.ToVector()) {
+                outcome += ' ' + word;
+            }
+        }
+        EXPECT_EQ(WithSlashes(outcome), WithSlashes(inFolder(row.outcome))) << row.command;
+    }
 }
 
 TEST_F(InvocationCollectorTest, CutsALongCommandOnlyBetweenCharacters) {

@@ -109,4 +109,58 @@ TEST(ResponseFile, MayNestAsDeepAsTheLimitInEachThread) {
 
 } // namespace
 
+// What compilers read differently from the driver, by the rules of both kinds.
+TEST(SplitAsCompiler, ReadsQuotesWhereverTheyStand) {
+    using Words = std::vector<std::string>;
+
+    const struct {
+        const char* text;
+        Words gnu;
+        Words windows;
+    } cases[] = {
+        {R"(-DA="b c" d)",     {"-DA=b c", "d"},     {"-DA=b c", "d"}         },
+        {R"(-DA=\"b\" 'c d')", {"-DA=\"b\"", "c d"}, {"-DA=\"b\"", "'c", "d'"}},
+        {R"(-I\x\y "a\\b")",   {"-Ixy", "a\\b"},     {R"(-I\x\y)", R"(a\\b)"} },
+        {"a\r\nb \"\"\n",      {"a", "b", ""},       {"a", "b", ""}           },
+        {"",                   {},                   {}                       },
+    };
+
+    for (const auto& row : cases) {
+        EXPECT_EQ(SplitAsCompiler(row.text, NativeQuoting::Gnu), row.gnu) << row.text;
+        EXPECT_EQ(SplitAsCompiler(row.text, NativeQuoting::Windows), row.windows) << row.text;
+    }
+}
+
+TEST(ExpandResponseFile, TellsWhatTheCompilerReadsAnotherWay) {
+    const TestFolder folder;
+    (void)folder.Write("same.rsp", "-c 'a b.c' @other.rsp");
+    (void)folder.Write("other.rsp", R"(-DA="b c")");
+    std::string told;
+    ResponseFileReading reading;
+    reading.compilers = NativeQuoting::Gnu;
+    reading.tellDifference = [&told](const std::string& path, const std::string& word, const std::string& native) {
+        told += path + ": " + word + " is " + native + "\n";
+    };
+    EXPECT_EQ(ExpandResponseFile("same.rsp", folder.Path(), reading),
+              (std::vector<std::string>{"-c", "a b.c", "-DA=\"b", "c\""}));
+    EXPECT_EQ(told, "other.rsp: -DA=\"b is -DA=b c\n");
+    reading.isNative = true;
+    EXPECT_EQ(ExpandResponseFile("same.rsp", folder.Path(), reading),
+              (std::vector<std::string>{"-c", "a b.c", "-DA=b c"}));
+}
+
+// Flat files that name each other would fill any memory.
+TEST(ExpandResponseFile, RefusesMoreThanACommandCanHold) {
+    const TestFolder folder;
+    (void)folder.Write("a", "@b @b @b");
+    (void)folder.Write("b", "x x x");
+    ResponseFileReading reading;
+    reading.mostWords = 11;
+    EXPECT_THROW((void)ExpandResponseFile("a", folder.Path(), reading), ZelmException);
+    reading.mostWords = 12;
+    EXPECT_EQ(ExpandResponseFile("a", folder.Path(), reading).size(), 9U);
+    reading.mostBytes = 22;
+    EXPECT_THROW((void)ExpandResponseFile("a", folder.Path(), reading), ZelmException);
+}
+
 } // namespace Orvanta

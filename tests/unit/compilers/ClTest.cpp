@@ -170,11 +170,11 @@ TEST(Cl, TakesTargetAndSwitchesFromPathAndFlags) {
     const ParsedCommand plain = ReadAs<Cl>(X64 + "a.cpp");
     EXPECT_EQ(plain.platformWord, "x64");
     EXPECT_FALSE(plain.unsignedChar);
-    EXPECT_FALSE(plain.msvcAwait);
+    EXPECT_FALSE(plain.effects.Has(FlagEffect::Coroutines));
     const ParsedCommand other = ReadAs<Cl>(X86 + "-J /await:strict a.cpp");
     EXPECT_EQ(other.platformWord, "Win32");
     EXPECT_TRUE(other.unsignedChar);
-    EXPECT_TRUE(other.msvcAwait);
+    EXPECT_TRUE(other.effects.Has(FlagEffect::Coroutines));
     EXPECT_FALSE(ReadAs<Cl>(X64 + "a.cpp /link /J").unsignedChar);
 }
 

@@ -42,8 +42,6 @@ const SourceCase SourceCases[] = {
     {"StatedLanguageEnds", "gcc -c -xc a.inc -x none b.inc c.c", "a.inc c.c"},
     {"LanguageLongForm", "gcc -c --language=c++ a.inc", "a.inc"},
     {"ProcessorWordIsNoLanguage", "icc -xHost -c a.c", "a.c"},
-    {"CompilingBeatsPreprocessing", "gcc -E -c a.c", "a.c"},
-    {"CompilingBeatsDependencies", "gcc -M -MF a.d -c a.c", "a.c"},
     {"HeaderBesideSource", "gcc -c a.h b.c", "b.c"},
     {"VerboseCompilation", "gcc -v -c a.c", "a.c"},
 };
@@ -67,6 +65,8 @@ const ValueCase ValueCases[] = {
     {"ClangValues", "clang -mllvm x.c -Xclang y.c -include-pch p.c -serialize-diagnostics d.c -MJ j.c -c a.c"},
     {"FolderValues", "gcc -I i.c -isystem s.c -iquote q.c --sysroot r.c -B b.c -c a.c"},
     {"MacroValues", "gcc -D d.c -U u.c -A a=b.c -c a.c"},
+    {"SeveralValues", "clang -sectcreate x.c y.c z.c -segaddr s.c t.c -Xarch_arm u.c -Xopenmp-target=a v.c -c a.c"},
+    {"ValuesOfLongNames", "gcc --for-linker l.c --assert x.c --prefix p.c --include-with-prefix-after i.c -c a.c"},
     {"DumpValues", "gcc -dumpbase b.c -dumpdir d.c -aux-info x.c -c a.c"},
     {"PieceIsNoInput", "gcc -Wp,-MMD,dep.c -Wl,x.c -Wa,y.c -c a.c"},
     {"ValueMissingAtTheEnd", "gcc -c a.c -o"},
@@ -92,6 +92,10 @@ const ReasonCase ReasonCases[] = {
     {"StandardInputAfterTwoDashes", "gcc -c -x c -- -", "reads standard input"},
     {"Preprocessing", "gcc -E a.c -o a.i", "preprocessing only"},
     {"PreprocessingLong", "gcc --preprocess a.c", "preprocessing only"},
+    {"PreprocessingBeatsCompiling", "gcc -E -c a.c", "preprocessing only"},
+    {"DependenciesBeatCompiling", "gcc -c -MM a.c", "dependencies only"},
+    {"FlagTest", "gcc -Wfoo -c -x c /dev/null -o a.o", "a test of flags"},
+    {"StandardInputByItsName", "gcc -c -x c /dev/stdin", "reads standard input"},
     {"Macros", "gcc -dM -E -x c /dev/null", "preprocessing only"},
     {"Dependencies", "gcc -M a.c", "dependencies only"},
     {"UserDependencies", "g++ -MM -MF a.d -MT a.o a.cpp", "dependencies only"},
@@ -146,7 +150,7 @@ namespace {
 // A family with flags that name a source of a given language and open the linker's part.
 class SlashFamily : public Compiler {
 public:
-    SlashFamily() : Compiler(CompilerType::Cl, "slash", Introducers, FlagTable(Rows)) {}
+    SlashFamily() : Compiler(CompilerType::Cl, "slash", Introducers, FlagTable({Rows})) {}
 
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override {

@@ -141,6 +141,18 @@ TEST_F(IdentifierTest, AsksACompilerOnceHoweverItIsNamed) {
     EXPECT_EQ(Calls("bin/mycc"), "--version\n");
 }
 
+// More than some systems start a program with.
+TEST_F(IdentifierTest, HoldsWhatIsWrongWithAnInvocationsVariablesAgainstNoOther) {
+    const std::string path = MakeCompiler("mycc", "clang version 99\n");
+    const CompilerIdentifier::Result first = Identify(path + " -c a.c", {
+                                                                            {"HUGE", std::string(1U << 20U, 'x')}
+    });
+    EXPECT_TRUE(first.verdict == IdentificationVerdict::Known || first.verdict == IdentificationVerdict::Unusable);
+    EXPECT_EQ(Identify(path + " -c b.c").verdict, IdentificationVerdict::Known);
+    EXPECT_EQ(Identify(path + " -c c.c").verdict, IdentificationVerdict::Known);
+    EXPECT_EQ(Calls("mycc"), "--version\n");
+}
+
 TEST_F(IdentifierTest, LooksInTheWorkingDirectoryBeforeTheSearchPath) {
     const std::string here = MakeCompiler("mycc", "here\n");
     (void)MakeCompiler("bin/mycc", "there\n");

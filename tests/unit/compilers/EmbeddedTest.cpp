@@ -1,5 +1,5 @@
-// What the tables of the embedded families say about whole invocations, and what FinishParse decides by itself. What is
-// read of each flag stands in the end-to-end tests' tables of families.
+// What the tables of the embedded families say about whole invocations, and what families decide by
+// whole arguments. What is read of each flag stands in the end-to-end tests' tables of families.
 
 #include "compilers/CompilerRegistry.h"
 #include "unit/compilers/Reading.h"
@@ -48,32 +48,35 @@ const OutlineCase OutlineCases[] = {
     {GccARM,            "arm-none-eabi-gcc -T link.c -specs=x.c a.c b.s",              "a.c"                      },
 };
 
-struct FinishCase {
+struct FlagCase {
     CompilerType type;
-    const char* command;
-    bool entry; // of the flag for plain char
+    const char* flags;
     const char* result;
 };
 
-// Where no whole argument decides, the entry value stays.
-const FinishCase FinishCases[] = {
-    {Gcc,               "-fsigned-char",                       true,  "signed"              },
-    {Qcc,               "-funsigned-char -fsigned-char",       false, "unsigned"            },
-    {Qcc,               "-fno-signed-char",                    true,  "signed"              },
-    {Keil5,             "--signed_chars",                      true,  "unsigned arm"        },
-    {Keil5,             "--unsigned_chars --gnu=x",            false, "signed arm"          },
-    {Keil5,             "--gnu",                               true,  "unsigned arm gnu"    },
-    {Keil5Gnu,          "--c99",                               true,  "unsigned arm gnu"    },
-    {Keil6,             "-funsigned-char",                     false, "signed arm"          },
-    {TiArmCGT,          "--plain_char=signed",                 true,  "unsigned arm"        },
-    {GccARM,            "-fsigned-char",                       true,  "signed arm"          },
-    {GccARM,            "-fsigned-char -funsigned-char",       true,  "unsigned arm"        },
-    {GccARM,            "-fsigned-char=1 -fno-unsigned-char",  true,  "unsigned arm"        },
-    {IARArm_v7_OrOlder, "--char_is_signed",                    true,  "signed arm"          },
-    {IARArm,            "--char_is_signed --char_is_unsigned", true,  "signed arm"          },
-    {IARArm,            "--char_is_unsigned",                  false, "signed arm"          },
-    {XC8,               "-fsigned-char -fno-short-float",      true,  "signed pic8 float"   },
-    {XC8,               "-fno-short-double -fno-short-floatx", true,  "unsigned pic8 double"},
+// What families decide by whole arguments, wherever these stand: the sign of plain char, the platform, the mode.
+const FlagCase FlagCases[] = {
+    {Gcc,               "-fsigned-char",                       "signed"              },
+    {Gcc,               "-funsigned-char -fsigned-char",       "unsigned"            },
+    {Qcc,               "-fno-signed-char",                    "signed"              },
+    {Keil5,             "--signed_chars",                      "signed arm"          },
+    {Keil5,             "--unsigned_chars --gnu=x",            "unsigned arm"        },
+    {Keil5,             "--gnu",                               "unsigned arm gnu"    },
+    {Keil5Gnu,          "--c99",                               "unsigned arm gnu"    },
+    {Keil6,             "-funsigned-char -fsigned-char",       "signed arm"          },
+    {Keil6,             "-fno-unsigned-char -fno-signed-char", "unsigned arm"        },
+    {TiArmCGT,          "--plain_char=signed",                 "signed arm"          },
+    {GccARM,            "-m32",                                "unsigned arm"        },
+    {GccARM,            "-fsigned-char",                       "signed arm"          },
+    {GccARM,            "-fsigned-char -funsigned-char",       "unsigned arm"        },
+    {GccARM,            "-fno-unsigned-char",                  "signed arm"          },
+    {GccARM,            "-fsigned-char=1",                     "unsigned arm"        },
+    {IARArm_v7_OrOlder, "--char_is_signed",                    "signed arm"          },
+    {IARArm,            "--char_is_signed --char_is_unsigned", "signed arm"          },
+    {IARArm,            "--char_is_unsigned",                  "unsigned arm"        },
+    {XC8,               "-fsigned-char -fno-short-float",      "signed pic8 float"   },
+    {XC8,               "-fno-signed-char",                    "unsigned pic8"       },
+    {XC8,               "-fno-short-double -fno-short-floatx", "unsigned pic8 double"},
 };
 
 } // namespace
@@ -92,19 +95,17 @@ TEST(EmbeddedFamilies, TellSourcesFromValuesAndWhatCompilesNothing) {
     }
 }
 
-TEST(EmbeddedFamilies, FinishWhatWasReadByWholeArguments) {
+TEST(EmbeddedFamilies, DecideByWholeArguments) {
     const CompilerRegistry registry;
-    for (const FinishCase& row : FinishCases) {
-        ParsedCommand command;
-        command.compilerType = row.type;
-        command.unsignedChar = row.entry;
-        registry.Get(row.type)->FinishParse(Split(row.command), command);
+    for (const FlagCase& row : FlagCases) {
+        const Words words = Split("compiler -c a.c " + std::string(row.flags));
+        const ParsedCommand command = ReadCommandLine(*registry.Get(row.type), words, {2, 0});
         std::string result = command.unsignedChar ? "unsigned" : "signed";
         result += (command.platformWord.empty() ? "" : " ") + command.platformWord;
         result += command.compilerType == Keil5Gnu ? " gnu" : "";
-        result += command.shortFloat ? " float" : "";
-        result += command.shortDouble ? " double" : "";
-        EXPECT_EQ(result, row.result) << row.command;
+        result += command.effects.Has(FlagEffect::ShortFloat) ? " float" : "";
+        result += command.effects.Has(FlagEffect::ShortDouble) ? " double" : "";
+        EXPECT_EQ(result, row.result) << row.flags;
     }
 }
 

@@ -1,5 +1,6 @@
 #include "compilers/Gcc.h"
 
+#include "compilers/Qcc.h"
 #include "unit/compilers/Reading.h"
 
 #include <gtest/gtest.h>
@@ -48,7 +49,7 @@ const KeptCase KeptCases[] = {
     {"LinkInputs", "gcc a.c b.o libx.a -lm -L. -Wl,-z,now -o prog", "-lm -L. -Wl,-z,now"},
     {"OtherSources", "gcc -c -Ia a.c b.c -Ib c.c", "-c -Ia -Ib"},
     {"LaterLanguage", "gcc -c -x c++ a.inc -x c b.inc -DA", "-c -x c++ -DA"},
-    {"StageFlags", "gcc -E -c -S -P -C -v -H -save-temps=obj a.c", "-c -S"},
+    {"StageFlags", "gcc -c -S -P -C -v -H -save-temps=obj a.c", "-c -S"},
     {"LongForms",
      "gcc --include-directory=i --define-macro A --undefine-macro=B --output=x.o --std=c11 --compile a.c",
      "--include-directory=i --define-macro A --undefine-macro=B --std=c11"},
@@ -108,6 +109,7 @@ const StandardCase StandardCases[] = {
     {"OneOfEach",           "gcc -std=c99 --std=c++14 -c a.c",      "c99", "c++14"},
     {"Ansi",                "gcc -ansi -c a.c",                     "c90", "c++98"},
     {"AnsiThenC11",         "gcc -ansi -std=c11 -c a.c",            "c11", "c++98"},
+    {"ValueInTheNextWord",  "gcc --std c99 --machine 32 -c a.c",    "c99", ""     },
     {"Concepts",            "g++ -std=c++17 -fconcepts -c a.cpp",   "",    "c++20"},
 };
 
@@ -142,6 +144,14 @@ TEST(Gcc, TakesTargetAndCharacterSignFromTheirFlags) {
     EXPECT_FALSE(ReadAs<Gcc>("gcc -fno-signed-char -c a.c").unsignedChar);
 }
 
+TEST(Gcc, TellsTheFilesThatFlagsName) {
+    EXPECT_EQ(Join(FilesNamedByFlags(ReadAs<Gcc>("gcc -imacros m.h -specs=nano.specs -specs=/s/own.specs -B /b -Bt "
+                                                 "-fplugin=p.so --config=c.cfg -Xclang -ivfsoverlay -Xclang v.yaml "
+                                                 "-I i -include f.h -MF d -T link.ld -c a.c"))),
+              "m.h p.so c.cfg v.yaml /b/specs t/specs /b/nano.specs t/nano.specs nano.specs /s/own.specs");
+    EXPECT_EQ(Join(FilesNamedByFlags(ReadAs<Gcc>("gcc -O2 -c a.c"))), "");
+}
+
 TEST(Gcc, ReadsEachOfSeveralSourcesByItself) {
     const Gcc model;
     const Words words = Split("gcc -DA -c a.c -x c++ b.txt");
@@ -160,8 +170,7 @@ TEST(Gcc, BuildsThePreprocessingCommandInItsOrder) {
     EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
               Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-E", "-o", "/t/a.i", "a.c"}));
 
-    command.compilerType = CompilerType::Qcc;
-    EXPECT_EQ(Gcc().BuildPreprocessCommand(command, "/t/a.i"),
+    EXPECT_EQ(Qcc().BuildPreprocessCommand(command, "/t/a.i"),
               Words({"env", "-i", "/usr/bin/gcc", "-DA", "-c", "-Ib", "-w", "-P", "-o", "/t/a.i", "a.c"}));
 }
 

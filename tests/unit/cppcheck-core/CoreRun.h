@@ -34,8 +34,13 @@ protected:
     }
 
     CoreEnd Run(const std::string& settings, const Environment& changes = {}, const Arguments& moreArguments = {}) {
-        Arguments command = {ORVANTA_CORE_PATH, "--cfg", settings};
-        command.insert(command.end(), moreArguments.begin(), moreArguments.end());
+        Arguments arguments = {"--cfg", settings};
+        arguments.insert(arguments.end(), moreArguments.begin(), moreArguments.end());
+        return RunWith(arguments, changes);
+    }
+
+    CoreEnd RunWith(Arguments command, const Environment& changes) {
+        command.insert(command.begin(), ORVANTA_CORE_PATH);
         CoreEnd end;
         Process process(command, project_, EnvironmentBlock(WithChanges(changes)),
                         MakeRedirectToStringProcessor(end.standardOutput),

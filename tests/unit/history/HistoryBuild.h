@@ -48,9 +48,15 @@ public:
         std::vector<UnitIdentity> identities;
         for (const CompileCommand& command : commands) {
             const std::string source(command.SourceFile());
-            identities.push_back({idPrefix + source, FingerprintOf(source), FingerprintOf(source + inputs)});
+            FingerprintBuilder arguments;
+            for (const std::string& argument : command.arguments.ToVector()) {
+                arguments.Add(argument);
+            }
+            identities.push_back({idPrefix + source, arguments.Value(), arguments.Add(inputs).Value(),
+                                  std::make_shared<const Names>(Names{folder / "core"})});
         }
-        return std::make_unique<UnitHistory>(folder / ".Orvanta", commands, std::move(identities));
+        return std::make_unique<UnitHistory>(folder / ".Orvanta", commands, std::move(identities),
+                                             [this](const std::string& line) { told.push_back(line); });
     }
 
     [[nodiscard]] std::unique_ptr<UnitHistory>
@@ -66,8 +72,7 @@ public:
     }
 
     void Run(UnitHistory& history, std::size_t unit, std::string_view findings) const {
-        const UnitHistory::Moment moment = history.Begin(unit);
-        history.Record(unit, moment, DependenciesOf(unit), findings);
+        history.Watch(unit).Keep(DependenciesOf(unit), findings);
     }
 
     /// What there is to find in a unit.
@@ -107,6 +112,7 @@ public:
     std::vector<CompileCommand> commands;
     std::string inputs;   // of all units
     std::string idPrefix; // of all units
+    mutable Names told;   // what the histories have told the user
 };
 
 } // namespace Orvanta

@@ -1,15 +1,12 @@
 #include "history/UnitHistory.h"
 
 #include "HistoryBuild.h"
-#include "platform/Exceptions.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
-#include <functional>
-#include <map>
 #include <thread>
 
 namespace Orvanta {
@@ -37,7 +34,7 @@ TEST(UnitHistory, WritesTheListsAsTheCoreReportedThem) {
     build.AddUnit("a.c");
     const auto history = build.Make();
     const Names reported = {"sub/../common.h", "", "with \"quote\"", build.folder / "x.h", "sub/../common.h"};
-    history->Record(0, history->Begin(0), reported, std::nullopt);
+    history->Watch(0).Keep(reported);
     history->Save();
     std::string whole = build.folder / "x.h";
     for (std::size_t at = 0; (at = whole.find('\\', at)) != std::string::npos; at += 2) {
@@ -67,6 +64,7 @@ const ChangeCase ChangeCases[] = {
     {Change::Write,            "shared.h",                  "shared",  Both   },
     {Change::Write,            "a.c",                       "int a;",  {"b.c"}},
     {Change::Write,            "none.h",                    "none",    Both   },
+    {Change::Write,            "core",                      "new",     None   },
     {Change::Remove,           "own.h",                     "",        {"a.c"}},
     {Change::Remove,           "a.c",                       "",        {"b.c"}},
     {Change::MakeFolder,       "own.h",                     "",        {"a.c"}},
@@ -107,14 +105,56 @@ TEST(UnitHistory, FollowsTheUnitsOfTheBuild) {
     std::swap(build.commands[0], build.commands[1]);
     build.AddUnit("c.c");
     EXPECT_EQ(build.Unchanged(*build.Read()), (Names{"b.c", "a.c"}));
-    build.commands.erase(build.commands.begin() + 1);
-    build.Read()->Save();
-    EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json").find("a.c"), std::string::npos);
-    const auto history = build.Read();
-    EXPECT_EQ(build.Unchanged(*history), Names{"b.c"});
-    EXPECT_EQ(history->KeptFindings(0), "found in b.c\n");
     build.inputs = "other settings";
     EXPECT_EQ(build.Unchanged(*build.Read()), None);
+}
+
+// A run of a part of the build, or of another build in the same folder.
+TEST(UnitHistory, KeepsWhatIsKnownOfOtherUnitsUntilTheirSourceIsGone) {
+    HistoryBuild build(Both);
+    const CompileCommand a = build.commands[0];
+    build.commands.erase(build.commands.begin());
+    build.AddUnit("c.c");
+    for (const bool isJsonRead : {false, true}) {
+        auto history = build.Read();
+        EXPECT_EQ(build.Unchanged(*history), (isJsonRead ? Names{"b.c", "c.c"} : Names{"b.c"}));
+        build.Run(*history, 1, "found in c.c\n");
+        history->Save();
+        build.RunAll();
+        EXPECT_NE(build.folder.Read(".Orvanta/depend_info.json").find("\"id\":\"a.c\""), std::string::npos);
+        std::swap(build.commands[0], build.commands.emplace_back(a));
+        history = build.Read();
+        EXPECT_EQ(build.Unchanged(*history).size(), 3U);
+        EXPECT_EQ(history->KeptFindings(0), "found in a.c\n");
+        std::swap(build.commands[0], build.commands.back());
+        build.commands.pop_back();
+        build.folder.Write(".Orvanta/depend_info.json", build.folder.Read(".Orvanta/depend_info.json") + "\n");
+    }
+    fs::remove(NativePath(build.folder / "a.c"));
+    build.Read()->Save();
+    EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json").find("a.c"), std::string::npos);
+    EXPECT_EQ(build.Unchanged(*build.Read()), (Names{"b.c", "c.c"}));
+}
+
+// Two of one source, as two compilers compile it, whichever of them is in a run.
+TEST(UnitHistory, TellsUnitsOfOneSourceApartByTheirArguments) {
+    HistoryBuild build(Names{"a.c", "a.c"});
+    build.commands[1].arguments = ArgumentList(Names{"clang", "a.c"});
+    build.RunAll();
+    for (const std::size_t alone : {1U, 0U}) {
+        HistoryBuild* const part = &build;
+        const std::vector<CompileCommand> all = std::exchange(part->commands, {build.commands[alone]});
+        const auto history = build.Read();
+        EXPECT_TRUE(history->IsUnchanged(0));
+        build.Run(*history, 0, "found by " + std::to_string(alone));
+        history->Save();
+        part->commands = all;
+    }
+    std::swap(build.commands[0], build.commands[1]);
+    const auto history = build.Read();
+    EXPECT_EQ(build.Unchanged(*history).size(), 2U);
+    EXPECT_EQ(history->KeptFindings(0), "found by 1");
+    EXPECT_EQ(history->KeptFindings(1), "found by 0");
 }
 
 TEST(UnitHistory, RunsAgainOnlyUntilTheNextSuccess) {
@@ -136,13 +176,27 @@ TEST(UnitHistory, TakesNoFileForSeenThatWasMadeAfterTheUnitBegan) {
     for (const bool isUnchanged : {false, true}) {
         const auto history = build.Make();
         static_cast<void>(history->Read());
-        const UnitHistory::Moment moment = history->Begin(0);
+        UnitWatch seen = history->Watch(0);
         if (!isUnchanged) {
             build.folder.Write("shared.h", "made during the run");
         }
-        history->Record(0, moment, build.DependenciesOf(0), "");
+        seen.Keep(build.DependenciesOf(0), "");
         history->Save();
         EXPECT_EQ(build.Read()->IsUnchanged(0), isUnchanged);
+    }
+}
+
+// What the compiler looked for in vain is another matter: see the core in the rows above.
+TEST(UnitHistory, DoubtsAFileThatIsListedAndNotThere) {
+    const HistoryBuild build(Both);
+    for (int run = 0; run < 2; ++run) {
+        const auto history = build.Read();
+        EXPECT_EQ(build.Unchanged(*history), run == 0 ? Both : Names{"b.c"});
+        UnitWatch seen = history->Watch(0);
+        const Names dependencies = {build.folder / "shared.h", build.folder / "none.h"};
+        EXPECT_TRUE(seen.Covers(dependencies)) << "another run would tell no more";
+        seen.Keep(dependencies, "");
+        history->Save();
     }
 }
 
@@ -151,9 +205,9 @@ TEST(UnitHistory, DoubtsWhatWasChangedAndChangedBackDuringTheRun) {
     const std::string path = build.folder.Write("own.h", "other");
     fs::last_write_time(NativePath(path), fs::file_time_type::clock::now() - std::chrono::hours(1));
     const auto history = build.Read();
-    const UnitHistory::Moment moment = history->Begin(1);
+    UnitWatch seen = history->Watch(1);
     build.folder.Write("own.h", "what the unit sees");
-    history->Record(1, moment, build.DependenciesOf(1), "of what it saw");
+    seen.Keep(build.DependenciesOf(1), "of what it saw");
     build.folder.Write("own.h", "other");
     history->Save();
     EXPECT_EQ(build.Unchanged(*build.Read()), Names{"a.c"});
@@ -164,7 +218,7 @@ TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {
     build.folder.Write("own.h", "other");
     const auto history = build.Read();
     for (const std::size_t unit : {0U, 1U}) {
-        history->Record(unit, history->Begin(unit), build.DependenciesOf(unit), std::nullopt);
+        history->Watch(unit).Keep(build.DependenciesOf(unit));
     }
     history->Save();
     const auto next = build.Read();
@@ -177,7 +231,7 @@ TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {
 TEST(UnitHistory, ForgetsAResultButNotTheList) {
     const HistoryBuild build(Both);
     const auto history = build.Read();
-    history->ForgetResult(1);
+    static_cast<void>(history->Watch(1)); // and nothing is kept
     history->Save();
     const auto next = build.Read();
     EXPECT_EQ(build.Unchanged(*next), Names{"a.c"});
@@ -210,7 +264,7 @@ TEST(UnitHistory, FindsTheUnitsThatAreMadeOfFiles) {
     HistoryBuild build(Both);
     build.AddUnit("c.c");
     const auto history = build.Read();
-    history->Record(2, history->Begin(2), Names{"sub/../relative.h"}, std::nullopt);
+    history->Watch(2).Keep(Names{"sub/../relative.h"});
     const Names paths = {build.folder / "own.h", build.folder / "none.h", build.folder / "relative.h",
                          build.folder / "own.h"};
     std::vector<bool> found;
@@ -251,6 +305,29 @@ void WriteInfo(const HistoryBuild& build, std::string text) {
         text.replace(at, 2, folder);
     }
     build.folder.Write(".Orvanta/depend_info.json", text);
+}
+
+// A person may name what the core can't see.
+TEST(UnitHistory, KeepsWhatAPersonHasAddedToAList) {
+    HistoryBuild build(Both);
+    build.folder.Write("data.txt", "1");
+    WriteInfo(build, R"([{"dependencies": ["@/shared.h", "@/data.txt"], "arguments": ["gcc", "a.c"], "id": "a.c"},
+                         {"dependencies": ["@/shared.h", "@/own.h"], "arguments": ["gcc", "b.c"], "id": "b.c"}])");
+    EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"});
+    build.RunAll();
+    build.RunAll(); // data.txt is known before it
+    EXPECT_EQ(build.Unchanged(*build.Read()), Both);
+    // The binary file may be lost as well.
+    fs::remove(NativePath(build.folder / ".Orvanta/unit_history.bin"));
+    build.RunAll();
+    build.RunAll();
+    build.folder.Write("data.txt", "another");
+    EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"});
+    build.RunAll();
+    EXPECT_NE(build.folder.Read(".Orvanta/depend_info.json").find("data.txt\"],\"id\":\"a.c\""), std::string::npos);
+    WriteInfo(build, R"([{"dependencies": ["@/shared.h"], "arguments": ["gcc", "a.c"], "id": "a.c"}])");
+    build.RunAll();
+    EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json").find("data.txt"), std::string::npos);
 }
 
 TEST(UnitHistory, TakesTheListsAsTheyStandInTheFile) {
@@ -307,119 +384,9 @@ TEST(UnitHistory, TellsWhereTextIsNoJson) {
     EXPECT_TRUE(build.Unchanged(*history).empty());
 }
 
-/// The files of a history as they stood at one moment.
-using Kept = std::map<std::string, std::string>;
-
-Kept KeptNow(const HistoryBuild& build) {
-    Kept kept;
-    for (const std::string& name : build.KeptFiles()) {
-        kept[name] = build.folder.Read(".Orvanta/" + name);
-    }
-    return kept;
-}
-
-TEST(UnitHistory, IsOfUseWheneverTheRunIsKilled) {
-    const HistoryBuild build(Both);
-    const Kept before = KeptNow(build);
-    build.folder.Write("shared.h", "other");
-    build.folder.Write("own.h", "another");
-    build.folder.Write("new.h", "new");
-    const Names dependencies[] = {
-        {build.folder / "shared.h"},
-        { build.folder / "shared.h",   build.folder / "own.h"}
-    };
-    auto history = build.Read();
-    history->Record(0, history->Begin(0), dependencies[0], "new in a.c\n");
-    const Kept begun = KeptNow(build);
-    history->SaveProgress();
-    const Kept saved = KeptNow(build);
-    const UnitHistory::Moment moment = history->Begin(1);
-    history->Record(1, moment, Names{build.folder / "own.h"}, "new in b.c\n");
-    const Kept recorded = KeptNow(build);
-    history->Save();
-    const Kept after = KeptNow(build);
-    history.reset(); // its files can't be removed everywhere while they are open
-    Kept halfSaved = after;
-    halfSaved["unit_history.bin"] = saved.at("unit_history.bin");
-    Kept halfSavedWithoutProgress = after;
-    halfSavedWithoutProgress["unit_history.bin"] = before.at("unit_history.bin");
-    EXPECT_NE(before.at("depend_info.json"), after.at("depend_info.json"));
-
-    struct Moment {
-        const char* name;
-        const Kept& kept;
-        Names unchanged;
-    };
-
-    const Moment moments[] = {
-        {"nothing is saved",                             begun,                    {}     },
-        {"the progress is saved",                        saved,                    {"a.c"}},
-        {"something is recorded after that",             recorded,                 {"a.c"}},
-        {"one of two files is replaced",                 halfSaved,                {"a.c"}},
-        {"one of two files is replaced, the first time", halfSavedWithoutProgress, {}     },
-        {"all is saved",                                 after,                    Both   },
-    };
-    for (const Moment& row : moments) {
-        fs::remove_all(NativePath(build.folder / ".Orvanta"));
-        for (const auto& [name, bytes] : row.kept) {
-            build.folder.Write(".Orvanta/" + name, bytes);
-        }
-        const auto next = build.Read();
-        EXPECT_EQ(build.Unchanged(*next), row.unchanged) << row.name;
-        for (const std::size_t unit : {0U, 1U}) {
-            if (next->IsUnchanged(unit)) {
-                EXPECT_EQ(next->KeptFindings(unit), unit == 0 ? "new in a.c\n" : "new in b.c\n") << row.name;
-            }
-        }
-    }
-}
-
-TEST(UnitHistory, RemovesWhatOnlyKilledRunsNeeded) {
-    const HistoryBuild build(Both);
-    for (const char* const name : {".orvtmp-1-0", "findings-7", "findings-of mine"}) {
-        build.folder.Write(std::string(".Orvanta/") + name, "left");
-    }
-    const auto history = build.Read();
-    history->ForgetResult(0);
-    history->Save();
-    EXPECT_EQ(build.KeptFiles(),
-              (std::set<std::string>{"depend_info.json", "findings-1", "findings-of mine", "unit_history.bin"}));
-}
-
-TEST(UnitHistory, ForgetsTheRoomThatOldFindingsTook) {
-    const HistoryBuild build(Both);
-    const std::string large(600'000, 'x');
-    for (const char mark : {'1', '2', '3', '4'}) {
-        const auto history = build.Read();
-        build.Run(*history, 0, large + mark);
-        history->Save();
-    }
-    std::uintmax_t size = 0;
-    for (const std::string& name : build.KeptFiles()) {
-        size += name.starts_with("findings-") ? fs::file_size(NativePath(build.folder / ".Orvanta/" + name)) : 0;
-    }
-    EXPECT_LT(size, 3 * large.size());
-    const auto history = build.Read();
-    EXPECT_EQ(history->KeptFindings(0), large + '4');
-    EXPECT_EQ(history->KeptFindings(1), "found in b.c\n");
-}
-
-TEST(UnitHistory, NamesTheFileOfDamagedFindings) {
-    const HistoryBuild build(Both);
-    build.folder.Write(".Orvanta/findings-1", std::string(build.folder.Read(".Orvanta/findings-1").size(), 'x'));
-    const auto history = build.Read();
-    try {
-        static_cast<void>(history->KeptFindings(0));
-        FAIL() << "it is not noticed";
-    } catch (const ZelmException& fault) {
-        EXPECT_EQ(fault.what(), build.folder / ".Orvanta/findings-1" +
-                                    ": the findings kept here are damaged; remove this file to have them found anew");
-    }
-}
-
 TEST(UnitHistory, TakesRecordsOfManyThreads) {
     constexpr std::size_t Units = 40;
-    HistoryBuild build;
+    HistoryBuild build(None);
     for (std::size_t unit = 0; unit < Units; ++unit) {
         build.AddUnit("unit" + std::to_string(unit) + ".c");
     }

@@ -17,7 +17,7 @@ class UnitIdentities : public testing::Test {
 protected:
     UnitIdentities() {
         folder_.Write("rules", "all");
-        folder_.Write("core", "");
+        makers_.corePath = folder_ / "core";
         CompilerInfo compiler;
         compiler.type = CompilerType::Gcc;
         compiler.path = folder_ / "gcc";
@@ -35,13 +35,12 @@ protected:
         return ArgumentList(std::vector<std::string>{std::istream_iterator<std::string>(words), {}});
     }
 
-    [[nodiscard]] UnitIdentity Identity() const {
-        return IdentifyUnits({&unit_, 1}, settings_, folder_ / "core").front();
-    }
+    [[nodiscard]] UnitIdentity Identity() const { return IdentifyUnits({&unit_, 1}, settings_, makers_).front(); }
 
     TestFolder folder_;
     CompileCommand unit_;
     RunSettings settings_;
+    ResultMakers makers_;
 };
 
 // A change that goes unseen here would leave out of date findings in a report for ever.
@@ -69,13 +68,17 @@ TEST_F(UnitIdentities, InputsHoldAllThatDecidesAResult) {
          [&] {
              unit_.environmentScope = EnvironmentScope::Whole;
          }},
-        {"compiler's file",
+        {"version of the core",
          [&] {
-             folder_.Write("gcc", "new");
+             makers_.coreVersion = "2";
          }},
-        {"core's file",
+        {"version of the program",
          [&] {
-             folder_.Write("core", "new");
+             makers_.ownVersion = "2";
+         }},
+        {"place of the core",
+         [&] {
+             makers_.corePath = folder_ / "other";
          }},
         {"setting",
          [&] {
@@ -108,11 +111,12 @@ TEST_F(UnitIdentities, InputsHoldAllThatDecidesAResult) {
     EXPECT_EQ(Identity().inputs, before) << "where the report goes decides no result";
 }
 
-TEST_F(UnitIdentities, UnitsOfOneSourceAreToldApart) {
-    const std::vector<CompileCommand> units = {unit_, unit_};
-    const std::vector<UnitIdentity> identities = IdentifyUnits(units, settings_, folder_ / "core");
-    EXPECT_NE(identities[0].id, identities[1].id);
-    EXPECT_EQ(identities[0].inputs, identities[1].inputs);
+// Their content counts, not when and where they were installed: it is looked at like that of a header.
+TEST_F(UnitIdentities, ProgramsAreAmongTheFilesOfAUnit) {
+    EXPECT_EQ(*Identity().programs, (std::vector<std::string>{folder_ / "gcc", folder_ / "core"}));
+    const Fingerprint before = Identity().inputs;
+    folder_.Write("gcc", "new");
+    EXPECT_EQ(Identity().inputs, before);
 }
 
 } // namespace

@@ -77,6 +77,14 @@ TEST_F(CoreWithCppcheck, FailsWhenCppcheckFails) {
     }
 }
 
+TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItInALine) {
+    const CoreEnd one = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1\n"));
+    EXPECT_EQ(one.exitCode, 0) << one.standardError;
+    EXPECT_THAT(one.standardOutput, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\n"));
+    const CoreEnd built = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1 # built anew\n"));
+    EXPECT_NE(built.standardOutput, one.standardOutput);
+}
+
 TEST_F(CoreWithCppcheck, CppcheckEndsWithTheCoresProcessGroup) {
     // The fifth word of these files is the process group.
     const std::string groups = folder_ / "groups";

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "settings/SettingsFile.h"
+
+#include <string>
+
+namespace Orvanta {
+
+/// Where a run finds its core and puts its files.
+struct RunPlaces {
+    std::string corePath;
+    std::string coreVersion;     ///< what the core says stands behind it; empty when it doesn't say
+    std::string unitFolder;      ///< takes the files of the units; exists
+    std::string temporaryFolder; ///< takes all other files that go with the run; exists
+    std::string outputFolder;    ///< of the report: what later runs and stages need lies in ".Orvanta" in there
+    SettingsFile::Lifetime unitFiles = SettingsFile::Lifetime::Remove; ///< of the preprocessed and the settings files
+
+    /// What the core links of all units in an intermodular analysis.
+    [[nodiscard]] std::string MergedFile() const;
+};
+
+/// The folder in the output folder that takes what later runs and stages need.
+[[nodiscard]] std::string OrvantaFolder(const std::string& outputFolder);
+
+} // namespace Orvanta

@@ -1,0 +1,184 @@
+#include "analysis/UnitPlanner.h"
+
+#include "buildinput/CompilerVariables.h"
+#include "compilers/CommandLineReader.h"
+#include "compilers/CompilerRegistry.h"
+#include "platform/EnvironmentNames.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr const char* PredefinedMacro = "ORVANTA";
+constexpr std::size_t LongestSourceNamePart = 100; // of a unit's file names: file systems end names at 255 bytes
+
+void RemoveVariable(Environment& variables, std::string_view name) {
+    std::erase_if(variables, [name](const auto& variable) { return IsSameVariable(variable.first, name); });
+}
+
+Environment InvocationEnvironment(Environment variables, const Environment& ownVariables, const Environment& changes) {
+    for (const Environment* const layer : {&ownVariables, &changes}) {
+        for (const auto& [name, value] : *layer) {
+            RemoveVariable(variables, name);
+            variables.emplace(name, value);
+        }
+    }
+    RemoveWritingVariables(variables);
+    return variables;
+}
+
+void AddArgument(ParsedCommand& command, std::vector<std::string>& list, const char* flag, const std::string& value) {
+    command.keptArguments.push_back(flag + value);
+    list.push_back(value);
+}
+
+bool IsInSystemFolder(const UnitPlan& plan) {
+    const std::vector<std::string>& folders = plan.parsed.systemIncludes;
+    return std::any_of(folders.begin(), folders.end(), [&plan](const std::string& folder) {
+        if (folder.empty()) {
+            return false; // compilers ignore it
+        }
+        const std::string path = NormalizePath(JoinPath(plan.Directory(), folder));
+        // A root ends in its separator: as a system root it would hold every source.
+        return !IsSeparator(path.back()) && plan.sourcePath.size() > path.size() && plan.sourcePath.starts_with(path) &&
+               IsSeparator(plan.sourcePath[path.size()]);
+    });
+}
+
+UnitVerdict VerdictOn(const UnitPlan& plan, const RunSettings& settings) {
+    if (IsExcluded(settings, plan.sourcePath)) {
+        return UnitVerdict::ExcludedBySetting;
+    }
+    return !settings.analyzeSystemPaths && IsInSystemFolder(plan) ? UnitVerdict::InSystemFolder : UnitVerdict::Analyze;
+}
+
+} // namespace
+
+UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
+                         Log& log, const StopFlag& stop)
+    : settings_(settings), registry_(registry), places_(places), log_(log), probe_(places.temporaryFolder, stop),
+      visualStudio_(log), commonEnvironment_(std::make_shared<EnvironmentBlock>(
+                              InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
+
+UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, IntermodularAnalysisMode mode) {
+    UnitPlan plan;
+    plan.command = &command;
+    plan.unit = unit;
+    plan.sourcePath = SourcePath(command);
+    plan.model = GetPreprocessor(command.compiler->type);
+    std::vector<std::string> arguments = command.arguments.ToVector();
+    arguments.front() = command.compiler->path;
+    plan.parsed = ReadCommandLine(*plan.model, arguments, command.source);
+    if (plan.parsed.compilerType != plan.model->Type()) {
+        plan.model = GetPreprocessor(plan.parsed.compilerType); // a flag makes it one of a sibling family
+    }
+    for (const std::string& directory : settings_.extraIncludes) {
+        AddArgument(plan.parsed, plan.parsed.userIncludes, "-I", directory);
+    }
+    AddArgument(plan.parsed, plan.parsed.defines, "-D", PredefinedMacro);
+    FindPlatform(plan.parsed);
+    plan.verdict = VerdictOn(plan, settings_);
+    plan.environment = EnvironmentOf(command, plan.parsed);
+    // The whole environment of a build is the compiler's business; the core belongs to this run.
+    plan.coreEnvironment = command.environmentScope == EnvironmentScope::Whole ? commonEnvironment_ : plan.environment;
+    plan.files = NameFiles(command, unit);
+    plan.preprocessing = plan.model->BuildPreprocessCommand(plan.parsed, plan.files.preprocessedPath);
+    plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, StandardOf(plan), plan.files);
+    AddIntermodularSettings(plan.settings, mode, places_.MergedFile(), plan.files.collectedPath);
+    return plan;
+}
+
+// Where no flag says for what the unit is compiled, its compiler tells.
+void UnitPlanner::FindPlatform(ParsedCommand& parsed) {
+    const bool speaksGcc = parsed.compilerType == CompilerType::Gcc || parsed.compilerType == CompilerType::Clang;
+    if (!speaksGcc || !parsed.platformWord.empty()) {
+        return;
+    }
+    const std::optional<TargetPlatform> target =
+        parsed.targetTriple.empty() ? platforms_.Get(parsed.compilerPath) : PlatformOfTriple(parsed.targetTriple);
+    if (target) {
+        parsed.platformWord = target->word;
+    }
+    if (log_.IsVerbose()) {
+        TellPlatform(parsed, target);
+    }
+}
+
+void UnitPlanner::TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target) {
+    std::string text = "Compiler platform: '" + parsed.compilerPath + "' is " + (target ? target->triple : "x64");
+    if (target) {
+        text.append(", for the core ").append(target->word);
+        if (target->isPlainCharUnsigned && !parsed.unsignedChar && !parsed.effects.Has(FlagEffect::UnsignedChar)) {
+            text += "; its own plain char is unsigned, the core is told signed: funsigned-char=yes in a settings file "
+                    "tells it otherwise";
+        }
+    }
+    (void)toldPlatforms_.Get(text, [&] {
+        log_.VerboseLine(text);
+        return true;
+    });
+}
+
+std::shared_ptr<const Compiler> UnitPlanner::GetPreprocessor(CompilerType type) const {
+    return registry_.Get(type);
+}
+
+UnitFiles UnitPlanner::NameFiles(const CompileCommand& command, std::size_t unit) const {
+    const std::string_view sourceName = FileNameOf(command.SourceFile());
+    const std::string name = std::to_string(unit + 1) + "_" + std::string(sourceName.substr(0, LongestSourceNamePart));
+    UnitFiles files;
+    files.basePath = JoinPath(places_.unitFolder, name);
+    files.preprocessedPath = files.basePath + ".Orvanta.i";
+    files.fragmentPath = files.basePath + ".Orvanta.findings";
+    // What one stage leaves to the next goes with the run, wherever the user wants the unit's files: so the next run
+    // clears what a killed one has left.
+    const std::string stagesPath = JoinPath(places_.temporaryFolder, name);
+    files.dependenciesPath = stagesPath + ".Orvanta.dependencies";
+    files.collectedPath = stagesPath + ".Orvanta.dfo";
+    return files;
+}
+
+std::shared_ptr<const EnvironmentBlock> UnitPlanner::EnvironmentOf(const CompileCommand& invocation,
+                                                                   const ParsedCommand& parsed) {
+    const bool isMsvc = IsMsvcFamily(invocation.compiler->type);
+    const bool isWhole = invocation.environmentScope == EnvironmentScope::Whole;
+    if (!isMsvc && !isWhole && invocation.environment->empty()) {
+        return commonEnvironment_;
+    }
+    Environment base = isWhole ? Environment() : OwnEnvironment();
+    if (isMsvc) {
+        if (const auto setUp = visualStudio_.VariablesFor(*invocation.compiler, parsed.platformWord)) {
+            base = *setUp;
+        }
+    }
+    Environment variables =
+        InvocationEnvironment(std::move(base), *invocation.environment, settings_.environmentChanges);
+    if (isMsvc) {
+        // Their words stand among the arguments already.
+        RemoveVariable(variables, FrontArgumentsVariable);
+        RemoveVariable(variables, BackArgumentsVariable);
+    }
+    return std::make_shared<const EnvironmentBlock>(variables);
+}
+
+std::string UnitPlanner::StandardOf(const UnitPlan& plan) {
+    const Language language = UnitLanguage(plan.parsed);
+    const std::optional<FlagKind> stated = language == Language::C ? plan.parsed.cStandard : plan.parsed.cppStandard;
+    if (stated) {
+        return std::string(StandardWord(*stated, language));
+    }
+    if (settings_.userSettings.contains("std")) {
+        return "";
+    }
+    return probe_.ProbeLanguageStandard(*plan.model, plan.parsed, language, {plan.Directory(), *plan.environment},
+                                        *plan.command->environment);
+}
+
+} // namespace Orvanta

@@ -1,0 +1,305 @@
+#include "analysis/UnitRun.h"
+
+#include "analysis/DependencyLines.h"
+#include "analysis/FileChanges.h"
+#include "analysis/PathList.h"
+#include "analysis/PrecompiledHeader.h"
+#include "analysis/ProcessRun.h"
+#include "analysis/StartableCommand.h"
+#include "analysis/UnitFailure.h"
+#include "compilers/Compiler.h"
+#include "history/UnitHistory.h"
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+std::string EnvironmentText(const EnvironmentBlock& environment) {
+    std::string text;
+    for (const std::string& entry : environment.Entries()) {
+        text += entry;
+        text += '\n';
+    }
+    return text;
+}
+
+// A forced include is always preprocessed from its header: a precompiled form holds no text, and may be out of date.
+void TellPrecompiledForms(const UnitPlan& plan, Log& log) {
+    for (const std::string& header : plan.parsed.forcedIncludes) {
+        if (const std::optional<std::string> form = FindPrecompiledForm(JoinPath(plan.Directory(), header), log)) {
+            log.VerboseLine("  The header is preprocessed in place of '" + *form + "'");
+        }
+    }
+}
+
+UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, const CapturedOutput& output,
+                                 Log& log) {
+    std::string text = "Source file can't be preprocessed!";
+    log.Line(text);
+    if (log.IsVerbose()) {
+        std::string details = "Environment variables:\n" + EnvironmentText(*plan.environment);
+        details += "Stdout:\n" + output.standardOutput;
+        if (!output.standardError.empty()) {
+            details += "\nStderr:\n" + output.standardError;
+        }
+        log.VerboseLine(details);
+    }
+    text.append(" ").append(reason);
+    return {AnalyzerStatus::PreprocessingFailed, std::move(text)};
+}
+
+AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
+    return lastStep == ProcessOutcome::Succeeded ? AnalyzerStatus::Analyzed : AnalyzerStatus::Stopped;
+}
+
+} // namespace
+
+UnitResult UnitRun::Run(const UnitWork& work) {
+    UnitResult result;
+    try {
+        result.status = std::visit([this](const auto& chosen) { return Do(chosen); }, work);
+        result.isInSystemFolder =
+            result.status == AnalyzerStatus::Excluded && plan_.verdict == UnitVerdict::InSystemFolder;
+    } catch (const UnitFailure& failure) {
+        result.status = failure.Status();
+        result.reason = failure.what();
+        if (failure.Status() == AnalyzerStatus::PreprocessingFailed) {
+            result.ownFindings.push_back(NotAnalyzedMessage(plan_.sourcePath));
+        }
+    } catch (const CoreUnusableException&) {
+        throw;
+    } catch (const std::exception& error) {
+        result.status = AnalyzerStatus::Failed;
+        result.reason = error.what();
+    }
+    result.fragmentPath = std::move(fragmentPath_);
+    return result;
+}
+
+AnalyzerStatus UnitRun::Do(const Work::Analyze&) {
+    if (IsLeftOut()) {
+        return AnalyzerStatus::Excluded;
+    }
+    RemoveTextAtEnd();
+    return Preprocess() == ProcessOutcome::Stopped ? AnalyzerStatus::Stopped : AnalyzeText();
+}
+
+AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
+    if (IsLeftOut()) {
+        work.history.RecordLeftOut(plan_.unit);
+        return AnalyzerStatus::Excluded;
+    }
+    RemoveTextAtEnd();
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
+    std::optional<Dependencies> dependencies = seen.KnownDependencies();
+    if (!dependencies) {
+        dependencies = PreprocessAndList(seen);
+        if (!dependencies) {
+            return AnalyzerStatus::Stopped;
+        }
+        progress_.Step(ProgressStage::ParsingIncludes, plan_.sourcePath);
+    } else if (Preprocess() == ProcessOutcome::Stopped) {
+        return AnalyzerStatus::Stopped;
+    }
+    const AnalyzerStatus status = AnalyzeText();
+    if (status == AnalyzerStatus::Analyzed) {
+        seen.Keep(*dependencies, PathExists(fragmentPath_) ? ReadWholeFile(fragmentPath_) : std::string());
+    }
+    return status;
+}
+
+AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
+    RemoveTextAtEnd();
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
+    const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
+    if (!dependencies) {
+        return AnalyzerStatus::Stopped;
+    }
+    seen.Keep(*dependencies);
+    return AnalyzerStatus::Analyzed;
+}
+
+AnalyzerStatus UnitRun::Do(const Work::Collect&) {
+    if (Preprocess() == ProcessOutcome::Stopped) {
+        return AnalyzerStatus::Stopped;
+    }
+    try {
+        if (const std::optional<Dependencies> dependencies = ListDependencies()) {
+            WritePathList(plan_.files.dependenciesPath, *dependencies);
+        }
+    } catch (const UnitFailure& failure) {
+        // Without the list, the unit is preprocessed again when it is analyzed.
+        context_.log.VerboseLine("  The core can't list what the unit includes: " + std::string(failure.what()));
+    }
+    return CollectText();
+}
+
+AnalyzerStatus UnitRun::Do(const Work::CollectAndKeep& work) {
+    UnitWatch seen = work.history.Watch(plan_.unit, FilesNamedByFlags(plan_.parsed));
+    const std::optional<Dependencies> dependencies = PreprocessAndList(seen);
+    if (!dependencies) {
+        return AnalyzerStatus::Stopped;
+    }
+    seen.Keep(*dependencies);
+    WritePathList(plan_.files.dependenciesPath, *dependencies);
+    return CollectText();
+}
+
+AnalyzerStatus UnitRun::Do(const Work::Perform& work) {
+    if (IsLeftOut()) {
+        return AnalyzerStatus::Excluded;
+    }
+    RemoveTextAtEnd();
+    if (!IsCollectedTextCurrent(work.changes) && Preprocess() == ProcessOutcome::Stopped) {
+        return AnalyzerStatus::Stopped;
+    }
+    return AnalyzeText();
+}
+
+bool UnitRun::IsLeftOut() const {
+    if (plan_.verdict == UnitVerdict::InSystemFolder) {
+        context_.log.VerboseLine("  Exclusion by system folder: '" + plan_.sourcePath + "'");
+    }
+    return plan_.verdict != UnitVerdict::Analyze;
+}
+
+void UnitRun::RemoveTextAtEnd() {
+    if (context_.places.unitFiles == SettingsFile::Lifetime::Remove) {
+        text_.emplace(plan_.files.preprocessedPath);
+    }
+}
+
+// A precompiled header that is missing, out of date or another compiler's gives way to the header behind it.
+ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const {
+    try {
+        const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
+        CapturedOutput output;
+        const ProcessOutcome outcome =
+            RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment}, context_.stop, output);
+        if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
+            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
+                                       context_.log);
+        }
+        return outcome;
+    } catch (const ProcessReturnCodeException&) {
+        if (parsed.precompiled.path.empty()) {
+            throw;
+        }
+    }
+    context_.log.VerboseLine("  The precompiled header '" + parsed.precompiled.path +
+                             "' can't be used: its header is preprocessed");
+    ParsedCommand plain = parsed;
+    IncludePlainHeader(plain, plan_.Directory());
+    return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
+}
+
+ProcessOutcome UnitRun::Preprocess() const {
+    if (context_.log.IsVerbose()) {
+        TellPrecompiledForms(plan_, context_.log);
+    }
+    RequireNone(plan_.files.preprocessedPath);
+    try {
+        return RunPreprocessing(plan_.parsed, plan_.preprocessing);
+    } catch (const ProcessReturnCodeException& error) {
+        const std::string_view telling = TellingLine(error.Output().standardError);
+        throw PreprocessingFailure(plan_, telling.empty() ? error.Summary() : telling, error.Output(), context_.log);
+    } catch (const ProcessException& error) {
+        throw PreprocessingFailure(plan_, error.what(), {}, context_.log);
+    }
+}
+
+// Whether the text that the collecting stage has left still is what the unit's files say.
+bool UnitRun::IsCollectedTextCurrent(FileChanges& changes) const {
+    const ScopedFile list(plan_.files.dependenciesPath);
+    if (!PathExists(list.Path()) || !PathExists(plan_.files.preprocessedPath)) {
+        return false;
+    }
+    const Dependencies dependencies = ReadPathList(list.Path());
+    return !changes.HasChanged(plan_.sourcePath) &&
+           std::none_of(dependencies.begin(), dependencies.end(),
+                        [&changes](const std::string& path) { return changes.HasChanged(path); });
+}
+
+// Absent after a stop.
+std::optional<UnitRun::Dependencies> UnitRun::ListDependencies() {
+    CapturedOutput output;
+    if (RunCore({"--display-dependencies", "--skip-analysis"}, output) == ProcessOutcome::Stopped) {
+        return std::nullopt;
+    }
+    return ReadDependencyLines(output.standardOutput, plan_.Directory());
+}
+
+// Absent after a stop.
+std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen) {
+    std::optional<Dependencies> dependencies;
+    if (Preprocess() == ProcessOutcome::Succeeded) {
+        dependencies = ListDependencies();
+    }
+    if (!dependencies || seen.Covers(*dependencies)) {
+        return dependencies;
+    }
+    return Preprocess() == ProcessOutcome::Succeeded ? ListDependencies() : std::nullopt;
+}
+
+AnalyzerStatus UnitRun::AnalyzeText() {
+    RequireNone(plan_.files.fragmentPath);
+    fragmentPath_ = plan_.files.fragmentPath;
+    CapturedOutput output;
+    const ProcessOutcome outcome = RunCore({}, output);
+    const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
+    if (outcome == ProcessOutcome::Succeeded && isShown && !output.standardOutput.empty()) {
+        context_.log.Text(output.standardOutput);
+    }
+    return StatusAfter(outcome);
+}
+
+AnalyzerStatus UnitRun::CollectText() {
+    try {
+        return AnalyzeText();
+    } catch (const UnitFailure&) {
+        RemoveFile(plan_.files.collectedPath); // may be half of it
+        throw;
+    }
+}
+
+ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) {
+    Arguments command = {context_.places.corePath, "--cfg", SettingsPath()};
+    command.insert(command.end(), flags.begin(), flags.end());
+    try {
+        return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.stop, output);
+    } catch (const ProcessStartException& error) {
+        if (error.WhatFailed() == ProcessStartException::Cause::Program) {
+            throw CoreUnusableException(error.what());
+        }
+        throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
+    } catch (const ProcessReturnCodeException& error) {
+        context_.log.VerboseLine(error.what());
+        throw UnitFailure(AnalyzerStatus::CoreFailed, CoreFailureReason(error));
+    }
+}
+
+const std::string& UnitRun::SettingsPath() {
+    if (!settings_) {
+        settings_.emplace(plan_.settings, plan_.files.basePath, context_.places.unitFiles);
+    }
+    return settings_->Path();
+}
+
+// Where the user keeps the files of units, a killed run may have left some: they are not this run's.
+void UnitRun::RequireNone(const std::string& path) const {
+    if (context_.places.unitFiles == SettingsFile::Lifetime::Remove) {
+        return; // the folder is new
+    }
+    RemoveFile(path);
+    if (PathExists(path)) {
+        throw FileException("Can't remove", path, "it is of an earlier run");
+    }
+}
+
+} // namespace Orvanta

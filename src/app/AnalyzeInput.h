@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/AnalyzeOptions.h"
+#include "buildinput/BuildInput.h"
+#include "buildinput/SourceList.h"
+#include "settings/RunSettings.h"
+#include "suppress/SuppressBase.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+/// What a run has read before its first pass.
+struct AnalyzeInput {
+    const AnalyzeOptions& options;
+    RunSettings settings;
+    unsigned threads = 1;
+    std::string reportPath;                                 ///< empty: the findings go to standard output
+    std::optional<OrvlogConverter::SuppressBase> base = {}; ///< of --suppress-file
+    std::optional<std::vector<ListedFile>> listedFiles = {};
+    CollectedCommands commands = {};
+};
+
+/// Whether the run needs to know what earlier runs have learned, or is to keep it for later ones.
+[[nodiscard]] bool UsesHistory(const AnalyzeInput& input);
+
+} // namespace Orvanta

@@ -1,0 +1,251 @@
+#include "app/AnalyzePasses.h"
+
+#include "analysis/AnalyzerRunner.h"
+#include "analysis/ReportCommitter.h"
+#include "analysis/SourceSelection.h"
+#include "app/FindingChain.h"
+#include "app/InputReading.h"
+#include "app/RunSetup.h"
+#include "app/ShownFindings.h"
+#include "app/Version.h"
+#include "report/ReportPass.h"
+#include "report/SourceRootTransformer.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr unsigned AllPercents = 100;
+
+std::vector<const CompileCommand*> PointersTo(std::span<const CompileCommand> commands) {
+    std::vector<const CompileCommand*> pointers;
+    pointers.reserve(commands.size());
+    for (const CompileCommand& command : commands) {
+        pointers.push_back(&command);
+    }
+    return pointers;
+}
+
+bool AreAll(std::span<const UnitAction> actions, UnitAction wanted) {
+    return std::all_of(actions.begin(), actions.end(), [wanted](UnitAction action) { return action == wanted; });
+}
+
+} // namespace
+
+bool UsesHistory(const AnalyzeInput& input) {
+    return input.options.incremental || input.listedFiles || RegenerationOf(input.options);
+}
+
+AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
+                             ShownFindings& shown, Log& log, const StopFlag& stop)
+    : input_(input), places_(places), runner_(runner), shown_(shown), log_(log), stop_(stop),
+      units_(PointersTo(input.commands.units)) {
+    ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
+}
+
+void AnalyzePasses::Run() {
+    try {
+        if (UsesHistory(input_)) {
+            const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
+            const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
+            history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
+            if (input_.listedFiles && !input_.options.allowEmpty) {
+                history_->RequireListedFile(*input_.listedFiles);
+            }
+        }
+        GoThrough(ListPasses());
+    } catch (...) {
+        Keep();
+        throw;
+    }
+    if (!Keep() && RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis) {
+        ending_.summary.clear(); // to keep them was all that the run was for
+        throw ZelmException("The dependencies can't be saved to " + OrvantaFolder(places_.outputFolder));
+    }
+}
+
+void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
+    unsigned percent = 0;
+    for (std::size_t index = 0; index < passes.size() && !stop_.IsSet(); ++index) {
+        const std::optional<Actions> actions = passes[index].select();
+        if (stop_.IsSet() || !actions) {
+            continue;
+        }
+        const unsigned share = (AllPercents - percent) / static_cast<unsigned>(passes.size() - index);
+        (this->*passes[index].run)(passes[index], *actions, {percent, percent + share});
+        percent += share;
+    }
+}
+
+// What came of the units, for the end of the run and for later ones. Returns whether all could be written.
+bool AnalyzePasses::Keep() {
+    RunOutcome& outcome = ending_.outcome;
+    for (const auto& [failure, earlier] : learned_) {
+        // A unit that failed in an earlier stage has failed, whatever became of it later.
+        for (const auto& [unit, reason] : earlier.failures) {
+            outcome.Fail(unit, failure + reason, earlier.statuses[unit]);
+        }
+    }
+    if (!history_) {
+        return true;
+    }
+    const bool isSaved = history_->Save(outcome);
+    if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands)) {
+        history_->MarkReport();
+    }
+    return isSaved;
+}
+
+// What each way to analyze is made of.
+std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
+    const std::optional<RegenerateDependInfoOption> regeneration = RegenerationOf(input_.options);
+    const auto list = [this] {
+        return SelectForListing();
+    };
+    if (regeneration == RegenerateDependInfoOption::SkipAnalysis) {
+        return {
+            {Work::ListDependencies{history_->Units()}, list, &AnalyzePasses::LearnOnly}
+        };
+    }
+    if (input_.options.intermodular) {
+        return ListIntermodularPasses();
+    }
+    if (!history_) {
+        const auto all = [this] {
+            return SelectAll(input_.commands.units, input_.settings);
+        };
+        return {
+            {Work::Analyze{}, all, &AnalyzePasses::Report}
+        };
+    }
+    std::vector<Pass> passes;
+    if (regeneration || input_.listedFiles) {
+        passes.push_back({Work::ListDependencies{history_->Units()}, list, &AnalyzePasses::Learn,
+                          "Its dependencies could not be listed: "});
+    }
+    passes.push_back({Work::AnalyzeAndKeep{history_->Units()}, [this] { return SelectForAnalysis(); },
+                      &AnalyzePasses::ReportByHistory});
+    return passes;
+}
+
+std::vector<AnalyzePasses::Pass> AnalyzePasses::ListIntermodularPasses() {
+    const auto collect = [this]() -> std::optional<Actions> {
+        log_.Text("Intermodular analysis stage: Collecting intermodular information.\n");
+        PrepareMerge(places_);
+        return Actions(units_.size(), UnitAction::Run); // nothing is excluded: others may use it
+    };
+    const auto perform = [this]() -> std::optional<Actions> {
+        log_.Text("Intermodular analysis stage: Linking intermodular information.\n");
+        runner_.RunMerge(units_);
+        if (stop_.IsSet()) {
+            return std::nullopt;
+        }
+        log_.Text("Intermodular analysis stage: Performing analysis.\n");
+        return SelectAll(input_.commands.units, input_.settings);
+    };
+    FileChanges& changes = changes_.emplace(places_.temporaryFolder);
+    const UnitWork collecting = history_ ? UnitWork(Work::CollectAndKeep{history_->Units()}) : Work::Collect{};
+    return {
+        {collecting, collect,      &AnalyzePasses::Learn, "Its intermodular information could not be collected: "},
+        {Work::Perform{changes},          perform, &AnalyzePasses::Report     }
+    };
+}
+
+std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForListing() {
+    Actions actions = history_->SelectForListing();
+    return RunsNone(actions) ? std::nullopt : std::optional(std::move(actions));
+}
+
+std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
+    if (input_.listedFiles) {
+        Actions actions = history_->SelectListedUnits(*input_.listedFiles);
+        if (!AreAll(actions, UnitAction::LeaveOut)) {
+            return actions;
+        }
+        ending_.lastLine = "Nothing to analyze - no files from source files list were found.";
+        ending_.selectsNothing = true;
+        ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::NotListed);
+        return std::nullopt;
+    }
+    Actions actions = history_->SelectUnits();
+    if (!input_.options.incremental || !RunsNone(actions)) {
+        return actions;
+    }
+    ending_.lastLine = "Nothing to analyze - no modified files were found.";
+    if (!history_->IsReportWhole()) {
+        return actions;
+    }
+    std::transform(actions.begin(), actions.end(), ending_.outcome.statuses.begin(), [](UnitAction action) {
+        return action == UnitAction::CarryOver ? AnalyzerStatus::CarriedOver : AnalyzerStatus::Excluded;
+    });
+    ending_.outcome.isReportKept = true;
+    ending_.reportPath = input_.reportPath;
+    ShowKeptReport();
+    return std::nullopt;
+}
+
+// A report that stays as it was is shown like one just made.
+void AnalyzePasses::ShowKeptReport() {
+    OrvlogConverter::SourceRootTransformer chain(&shown_, SourceTreeRoot(input_.settings));
+    OrvlogConverter::PassReport(input_.reportPath,
+                                {[&chain](const OrvlogConverter::ReportMessage& message, std::string_view /*text*/) {
+                                    chain.Write(message);
+                                }},
+                                stop_);
+}
+
+// A pass whose results are for those that follow, or for later runs.
+void AnalyzePasses::Learn(const Pass& pass, const Actions& actions, PercentRange percents) {
+    OutcomeReceiver receiver(units_.size());
+    Go({pass.work, actions, percents, receiver}, learned_.emplace_back(pass.failure, RunOutcome()).second);
+}
+
+// The same, when none follows.
+void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentRange percents) {
+    Learn(pass, actions, percents);
+    ending_.outcome = learned_.back().second;
+    const auto& statuses = ending_.outcome.statuses;
+    const auto count = std::count(statuses.begin(), statuses.end(), AnalyzerStatus::Analyzed);
+    ending_.summary = "The dependencies of " + std::to_string(count) + " source files are saved to " +
+                      OrvantaFolder(places_.outputFolder) + "\n";
+}
+
+// A pass whose results make up the report.
+void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
+    const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
+    ending_.reportPath = input_.reportPath;
+    FindingChain chain(*report, input_.base, shown_, SourceTreeRoot(input_.settings));
+    chain.Front().Begin();
+    report->Commit();
+    ReportCommitter committer(units_.size(), *report, chain.Front(),
+                              [this](std::size_t unit) { return history_->Units().KeptFindings(unit); });
+    Go({pass.work, actions, percents, committer}, ending_.outcome);
+    chain.Front().End();
+    if (input_.base) {
+        ending_.outcome.hiddenFindings = chain.HiddenCount();
+        ending_.outcome.findingsByLevel[1] += input_.base->IsOutdated() ? 1U : 0U; // the notice of that is a finding
+    }
+}
+
+// The same, of units that carry their findings over to later runs.
+void AnalyzePasses::ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents) {
+    writesWholeReport_ = !input_.listedFiles;
+    Report(pass, actions, percents);
+}
+
+// What became of the units is known also when the pass ends in an error.
+void AnalyzePasses::Go(const RunPass& pass, RunOutcome& outcome) {
+    try {
+        runner_.RunParallel(units_, input_.threads, pass);
+    } catch (...) {
+        outcome = pass.receiver.Outcome();
+        throw;
+    }
+    outcome = pass.receiver.Outcome();
+}
+
+} // namespace Orvanta

@@ -1,0 +1,178 @@
+#include "app/ProgramText.h"
+
+#include "app/TopLevel.h"
+#include "app/Version.h"
+#include "render/RenderTypes.h"
+
+#include <args.hxx>
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+// Stands behind the value's name of what may be given several times.
+constexpr std::string_view Repeated = "...";
+
+struct ChoicesRow {
+    const char* longName;
+    std::vector<std::string> (*choices)();
+};
+
+std::vector<std::string> AnalyzerChoices() {
+    return {"GA", "64", "OP", "CS", "MISRA", "AUTOSAR", "OWASP"};
+}
+
+std::vector<std::string> SpecificationChoices() {
+    std::vector<std::string> names = AnalyzerChoices();
+    names.insert(names.begin(), "all");
+    return names;
+}
+
+std::vector<std::string> RenderTypeChoices() {
+    std::vector<std::string> names;
+    for (const OrvlogConverter::RenderType& type : OrvlogConverter::AllRenderTypes()) {
+        names.emplace_back(type.name);
+    }
+    return names;
+}
+
+// The options whose values are words of a list.
+const ChoicesRow ChoicesOfOptions[] = {
+    {"--analysis-mode",          AnalyzerChoices     },
+    {"--analyzer",               SpecificationChoices},
+    {"--fail-on",                SpecificationChoices},
+    {"--render-types",           RenderTypeChoices   },
+    {"--preprocessor",
+     [] {
+         return std::vector<std::string>{"gcc", "clang"};
+     }                                               },
+    {"--platform",
+     [] {
+         return std::vector<std::string>{"linux64", "linux32"};
+     }                                               },
+    {"--regenerate-depend-info",
+     [] {
+         return std::vector<std::string>{"skip-analysis", "run-analysis"};
+     }                                               },
+    {"--misra-standard",
+     [] {
+         return std::vector<std::string>{"C:2012", "C:2012+AMD2", "C:2023", "C:2025", "C++:2008", "C++:2023"};
+     }                                               },
+};
+
+struct KindRow {
+    std::string_view valueName;
+    ValueKind kind;
+};
+
+constexpr KindRow KindsOfValues[] = {
+    {"FILE", ValueKind::File  },
+    {"OLD",  ValueKind::File  },
+    {"PATH", ValueKind::File  },
+    {"DIR",  ValueKind::Folder},
+};
+
+void FindKind(OptionText& option) {
+    for (const ChoicesRow& row : ChoicesOfOptions) {
+        if (option.longName == row.longName) {
+            option.choices = row.choices();
+            option.kind = ValueKind::Choices;
+            return;
+        }
+    }
+    option.kind = option.valueName.empty() ? ValueKind::None : ValueKind::Any;
+    for (const KindRow& row : KindsOfValues) {
+        if (option.valueName == row.valueName) {
+            option.kind = row.kind;
+        }
+    }
+}
+
+// `names` is such as "-j[N], --threads=[N]".
+OptionText ReadOption(std::string_view names, std::string help) {
+    OptionText option;
+    option.help = std::move(help);
+    while (!names.empty()) {
+        const std::size_t comma = names.find(", ");
+        std::string_view name = names.substr(0, comma);
+        names.remove_prefix(comma == std::string_view::npos ? names.size() : comma + 2);
+        if (const std::size_t bracket = name.find('['); bracket != std::string_view::npos) {
+            option.valueName = name.substr(bracket + 1, name.size() - bracket - 2);
+            name = name.substr(0, bracket);
+            if (option.valueName.ends_with(Repeated)) {
+                option.valueName.resize(option.valueName.size() - Repeated.size());
+            }
+        }
+        if (name.ends_with('=')) {
+            name.remove_suffix(1);
+        }
+        (name.starts_with("--") ? option.longName : option.shortName) = name;
+    }
+    FindKind(option);
+    return option;
+}
+
+args::HelpParams ParametersOf(const args::ArgumentParser& parser) {
+    args::HelpParams parameters = parser.helpParams;
+    parameters.showCommandChildren = true;
+    return parameters;
+}
+
+void AddRow(CommandText& command, const std::string& names, std::string help) {
+    if (names.starts_with('-')) {
+        command.options.push_back(ReadOption(names, std::move(help)));
+    } else if (!names.empty()) {
+        OptionText argument;
+        argument.valueName = names.substr(0, names.find(Repeated));
+        argument.help = std::move(help);
+        command.arguments.push_back(std::move(argument));
+    }
+}
+
+} // namespace
+
+ProgramText DescribeProgram(const args::ArgumentParser& parser) {
+    ProgramText program = {parser.Prog(), Version, parser.Description(), parser.Epilog(), {}, {}};
+    const args::HelpParams parameters = ParametersOf(parser);
+    for (const args::Base* const child : parser.Children()) {
+        if ((child->GetOptions() & args::Options::HiddenFromDescription) != args::Options::None) {
+            continue;
+        }
+        auto rows = child->GetDescription(parameters, 0);
+        CommandText* target = &program.own;
+        if (const auto* const command = dynamic_cast<const args::Command*>(child)) {
+            target = &program.commands.emplace_back(CommandText{command->Name(), command->Help(), {}, {}});
+            rows.erase(rows.begin()); // its own name
+        }
+        for (auto& [names, help, indent] : rows) {
+            AddRow(*target, names, std::move(help));
+        }
+    }
+    return program;
+}
+
+struct TextOptions::Flags {
+    explicit Flags(args::ArgumentParser& parser)
+        : manual(
+              parser, "print-manual", "", {"print-manual"},
+              [&parser] { throw PrintRequest(ManualPage(DescribeProgram(parser))); }, args::Options::Hidden),
+          completion(
+              parser, "SHELL", "", {"print-completion"},
+              [&parser](const std::string& shell) {
+                  throw PrintRequest(CompletionScript(DescribeProgram(parser), shell));
+              },
+              args::Options::Hidden) {}
+
+    args::ActionFlag manual;
+    args::ActionFlag completion;
+};
+
+TextOptions::TextOptions(args::ArgumentParser& parser) : flags_(std::make_unique<Flags>(parser)) {}
+
+TextOptions::~TextOptions() = default;
+
+} // namespace Orvanta

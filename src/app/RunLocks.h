@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/LockFile.h"
+#include "platform/Log.h"
+#include "platform/StopFlag.h"
+
+#include <string>
+
+namespace Orvanta {
+
+/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once. Leaves no lock file behind, unless
+/// the run is killed.
+class RunLocks {
+public:
+    RunLocks() = default;
+    ~RunLocks();
+    RunLocks(RunLocks&&) = default;
+    RunLocks& operator=(RunLocks&&) = delete;
+
+    /// Waits a moment for another run to end, and no longer than `stop` lets it. Where the file system has no locks,
+    /// the log says so. \throws ZelmException "Another run is writing to " and the report
+    void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
+
+    /// Of the folder ".Orvanta", which need not exist.
+    /// \throws ZelmException "Another run is using " and the folder
+    void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log);
+
+private:
+    LockFile report_;
+    LockFile shared_;
+};
+
+} // namespace Orvanta

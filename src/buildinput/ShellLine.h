@@ -1,0 +1,22 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Orvanta {
+
+/// One command of a line that a shell runs.
+struct ShellCommand {
+    std::vector<std::string> words;
+    std::string directory; ///< into which the line has changed before, as written; empty: none
+};
+
+/// Whether the words of a command were meant for a shell: one of them joins commands ("&&", "||", ";", "|"), or the
+/// first is ":" or "cd". Build tools write such lines into their databases where they would hand them to a shell.
+[[nodiscard]] bool IsShellLine(std::span<const std::string> words) noexcept;
+
+/// The commands of such a line without those that only the shell knows, and without redirections.
+[[nodiscard]] std::vector<ShellCommand> SplitShellLine(std::span<const std::string> words);
+
+} // namespace Orvanta

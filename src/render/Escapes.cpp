@@ -1,0 +1,224 @@
+#include "render/Escapes.h"
+
+#include "report/Utf8.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace OrvlogConverter {
+
+namespace {
+
+constexpr std::size_t AsciiSize = 128;
+
+struct Replacement {
+    char character;
+    const char* text;
+};
+
+/// What stands for each ASCII character; null where the character stands for itself.
+using EscapeTable = std::array<const char*, AsciiSize>;
+
+// Stands for a character that is to be spelled out.
+constexpr const char* SpelledOut = "";
+
+consteval EscapeTable MakeTable(std::span<const Replacement> replacements) {
+    EscapeTable table = {};
+    for (std::size_t control = 0; control < ' '; ++control) {
+        table[control] = SpelledOut;
+    }
+    table[0x7F] = SpelledOut;
+    for (const Replacement& row : replacements) {
+        table[static_cast<unsigned char>(row.character)] = row.text;
+    }
+    return table;
+}
+
+constexpr Replacement LineRows[] = {
+    {'\n', " "    },
+    {'\r', " "    },
+    {'\t', nullptr},
+};
+
+constexpr Replacement CsvRows[] = {
+    {'"',  "\"\"" },
+    {'\n', nullptr},
+    {'\r', nullptr},
+    {'\t', nullptr},
+};
+
+constexpr Replacement MarkupRows[] = {
+    {'&',  "&amp;" },
+    {'<',  "&lt;"  },
+    {'>',  "&gt;"  },
+    {'"',  "&quot;"},
+    {'\'', "&#39;" },
+    {'\n', "&#10;" },
+    {'\r', "&#13;" },
+    {'\t', "&#9;"  },
+};
+
+constexpr Replacement JsonRows[] = {
+    {'"',  "\\\""},
+    {'\\', "\\\\"},
+    {'\n', "\\n" },
+    {'\r', "\\r" },
+    {'\t', "\\t" },
+};
+
+constexpr Replacement JsonInPageRows[] = {
+    {'"',  "\\\""   },
+    {'\\', "\\\\"   },
+    {'\n', "\\n"    },
+    {'\r', "\\r"    },
+    {'\t', "\\t"    },
+    {'<',  "\\u003C"},
+};
+
+constexpr Replacement WorkflowMessageRows[] = {
+    {'%',  "%25"  },
+    {'\r', "%0D"  },
+    {'\n', "%0A"  },
+    {'\t', nullptr},
+};
+
+constexpr Replacement WorkflowPropertyRows[] = {
+    {'%',  "%25"  },
+    {'\r', "%0D"  },
+    {'\n', "%0A"  },
+    {'\t', nullptr},
+    {':',  "%3A"  },
+    {',',  "%2C"  },
+};
+
+constexpr Replacement ServiceMessageRows[] = {
+    {'|',  "||"   },
+    {'\'', "|'"   },
+    {'[',  "|["   },
+    {']',  "|]"   },
+    {'\n', "|n"   },
+    {'\r', "|r"   },
+    {'\t', nullptr},
+};
+
+// In the order of the forms.
+constexpr EscapeTable Tables[] = {MakeTable(LineRows),
+                                  MakeTable(CsvRows),
+                                  MakeTable(MarkupRows),
+                                  MakeTable(JsonRows),
+                                  MakeTable(JsonInPageRows),
+                                  MakeTable(WorkflowMessageRows),
+                                  MakeTable(WorkflowPropertyRows),
+                                  MakeTable(ServiceMessageRows)};
+
+struct CodePointRange {
+    std::uint32_t first;
+    std::uint32_t last;
+};
+
+// Controls above ASCII, what breaks lines, what turns the direction of writing, and what XML does not take.
+constexpr CodePointRange SpelledOutRanges[] = {
+    {0x0080, 0x009F},
+    {0x061C, 0x061C},
+    {0x200E, 0x200F},
+    {0x2028, 0x202E},
+    {0x2066, 0x2069},
+    {0xFFFE, 0xFFFF},
+};
+
+// `text` is one whole character of UTF-8, above ASCII.
+std::uint32_t CodePointOf(std::string_view text) noexcept {
+    constexpr unsigned LeadBits[] = {0, 0, 0x1F, 0x0F, 0x07};
+    std::uint32_t point = static_cast<unsigned char>(text.front()) & LeadBits[text.size()];
+    for (const char byte : text.substr(1)) {
+        point = point << 6U | (static_cast<unsigned char>(byte) & 0x3FU);
+    }
+    return point;
+}
+
+bool IsSpelledOut(std::uint32_t point) noexcept {
+    for (const CodePointRange& range : SpelledOutRanges) {
+        if (point >= range.first && point <= range.last) {
+            return true;
+        }
+    }
+    return false;
+}
+
+class Escaper {
+public:
+    Escaper(std::string& target, TextForm form) : target_(target), table_(Tables[static_cast<std::size_t>(form)]) {}
+
+    void Append(std::string_view text) {
+        std::size_t begin = 0; // of what stands for itself and is not yet appended
+        for (std::size_t at = 0; at < text.size();) {
+            const auto byte = static_cast<unsigned char>(text[at]);
+            if (byte < AsciiSize && table_[byte] == nullptr) {
+                ++at;
+                continue;
+            }
+            const Utf8Step step = NextUtf8(text, at);
+            const std::string_view character = text.substr(at, step.length);
+            if (byte >= AsciiSize && step.isValid && !IsSpelledOut(CodePointOf(character))) {
+                at += step.length;
+                continue;
+            }
+            target_ += text.substr(begin, at - begin);
+            AppendReplacement(character, step.isValid);
+            at += step.length;
+            begin = at;
+        }
+        target_ += text.substr(begin);
+    }
+
+private:
+    void AppendReplacement(std::string_view character, bool isValid) {
+        const auto byte = static_cast<unsigned char>(character.front());
+        if (!isValid) {
+            AppendValidUtf8(target_, character);
+        } else if (byte >= AsciiSize) {
+            AppendSpelled('u', CodePointOf(character), 4);
+        } else if (table_[byte] == SpelledOut) {
+            AppendSpelled('x', byte, 2);
+        } else {
+            target_ += table_[byte];
+        }
+    }
+
+    void AppendSpelled(char kind, std::uint32_t number, unsigned digits) {
+        std::string spelled = {'\\', kind};
+        while (digits-- > 0) {
+            spelled += "0123456789ABCDEF"[number >> 4U * digits & 0xFU];
+        }
+        Append(spelled);
+    }
+
+    std::string& target_;
+    const EscapeTable& table_;
+};
+
+} // namespace
+
+void AppendEscaped(std::string& target, std::string_view text, TextForm form) {
+    Escaper(target, form).Append(text);
+}
+
+void AppendCsvCell(std::string& target, std::string_view text) {
+    // Blanks before the sign don't keep a spreadsheet from calculating.
+    const std::size_t first = text.find_first_not_of(" \t\r\n");
+    const bool isFormula =
+        first != std::string_view::npos && std::string_view("=+-@").find(text[first]) != std::string_view::npos;
+    target += isFormula ? "\"'" : "\"";
+    AppendEscaped(target, text, TextForm::Csv);
+    target += '"';
+}
+
+void AppendVisibleJson(std::string& target, std::string_view text) {
+    target += '"';
+    AppendEscaped(target, text, TextForm::Json);
+    target += '"';
+}
+
+} // namespace OrvlogConverter

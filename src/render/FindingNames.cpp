@@ -1,0 +1,26 @@
+#include "render/FindingNames.h"
+
+namespace OrvlogConverter {
+
+FindingNames::Name FindingNames::Next(const SuppressEntry& entry, std::string_view file) {
+    Orvanta::FingerprintBuilder builder;
+    builder.Add(entry.fileName).Add(entry.errorCode).Add(entry.message);
+    builder.Add(entry.codePrev).Add(entry.codeCurrent).Add(entry.codeNext);
+    const Orvanta::Fingerprint fingerprint = builder.Value();
+    builder.Add(file);
+    return {fingerprint, ++counts_[builder.Value()]};
+}
+
+std::string HexadecimalText(const Orvanta::Fingerprint& fingerprint) {
+    constexpr unsigned WordBits = 64;
+    std::string text;
+    for (const std::uint64_t word : {fingerprint.high, fingerprint.low}) {
+        for (unsigned shift = WordBits; shift > 0;) {
+            shift -= 4;
+            text += "0123456789abcdef"[word >> shift & 0xFU];
+        }
+    }
+    return text;
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,30 @@
+#include "render/FormOutput.h"
+
+#include "render/Finding.h"
+
+namespace OrvlogConverter {
+
+void FormOutput::Begin() {
+    text_.clear();
+    AppendHead(text_);
+    file_.Append(text_);
+}
+
+bool FormOutput::Write(const ReportMessage& message) {
+    if (!IsAboutCode(message)) {
+        return false;
+    }
+    text_.clear();
+    AppendFinding(text_, message);
+    file_.Append(text_);
+    return true;
+}
+
+void FormOutput::End() {
+    text_.clear();
+    AppendTail(text_);
+    file_.Append(text_);
+    file_.Commit();
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,20 @@
+#include "render/NoticeFilter.h"
+
+#include "report/DocumentationLink.h"
+#include "suppress/SuppressBase.h"
+
+#include <utility>
+
+namespace OrvlogConverter {
+
+bool NoticeFilter::Accept(const ReportMessage& message) {
+    if (message.code == DocumentationLinkCode) {
+        return !std::exchange(hasLink_, true);
+    }
+    if (message.code == OutdatedBaseCode) {
+        return !std::exchange(hasOutdatedBase_, true);
+    }
+    return true;
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,101 @@
+#include "render/SourcePaths.h"
+
+#include "platform/Paths.h"
+#include "platform/Text.h"
+#include "report/SourceRootTransformer.h"
+
+#include <algorithm>
+
+namespace OrvlogConverter {
+
+using Orvanta::PathRules;
+
+namespace {
+
+bool HasDrive(std::string_view path) noexcept {
+    return path.size() > 1 && path[1] == ':' && Orvanta::ToLowerAscii(path[0]) >= 'a' &&
+           Orvanta::ToLowerAscii(path[0]) <= 'z';
+}
+
+PathRules RulesOf(std::string_view path) noexcept {
+    const bool isOfWindows =
+        HasDrive(path) || path.starts_with("\\\\") ||
+        (path.starts_with(SourceRootMarker) && path.substr(SourceRootMarker.size()).starts_with('\\'));
+    return isOfWindows ? PathRules::Windows : Orvanta::HostPathRules();
+}
+
+std::string WithSlashes(std::string_view path) {
+    std::string text(path);
+    if (RulesOf(path) == PathRules::Windows) {
+        std::replace(text.begin(), text.end(), '\\', '/');
+    }
+    return text;
+}
+
+bool IsAbsolute(std::string_view path) noexcept {
+    return path.starts_with('/') || HasDrive(path);
+}
+
+std::string WithoutSlashAtEnd(std::string path) {
+    path.erase(path.find_last_not_of('/') + 1);
+    return path;
+}
+
+// What stands behind `folder` and a slash; absent when the path does not begin so.
+std::optional<std::string_view> Behind(std::string_view path, std::string_view folder) noexcept {
+    const bool isBelow = path.size() > folder.size() + 1 && path[folder.size()] == '/' &&
+                         (HasDrive(path) ? Orvanta::EqualsIgnoringCase(path.substr(0, folder.size()), folder)
+                                         : path.starts_with(folder));
+    return isBelow ? std::optional(path.substr(folder.size() + 1)) : std::nullopt;
+}
+
+} // namespace
+
+SourcePaths::SourcePaths(const std::string& root)
+    : given_(WithoutSlashAtEnd(WithSlashes(root))),
+      absolute_(WithoutSlashAtEnd(WithSlashes(Orvanta::AbsolutePath(root.empty() ? "." : root)))) {}
+
+std::optional<std::string> SourcePaths::BelowRoot(std::string_view file) const {
+    const std::string path = WithSlashes(file);
+    for (const std::string_view folder : {SourceRootMarker, std::string_view(absolute_), std::string_view(given_)}) {
+        if (folder.empty() && given_.empty()) {
+            continue; // no root was given, and an absolute path does not lie below nothing
+        }
+        if (const std::optional<std::string_view> rest = Behind(path, folder)) {
+            return std::string(*rest);
+        }
+    }
+    if (IsAbsolute(path)) {
+        return std::nullopt;
+    }
+    return path.starts_with("./") ? path.substr(2) : path;
+}
+
+std::string SourcePaths::Shown(std::string_view file) const {
+    return BelowRoot(file).value_or(WithSlashes(file));
+}
+
+std::string SourcePaths::RootAddress() const {
+    return AddressOf(absolute_ + "/");
+}
+
+std::string AddressOf(std::string_view path) {
+    constexpr std::string_view Plain = "/-._~";
+    std::string address = path.starts_with("//") ? "file:" : path.starts_with('/') ? "file://" : "";
+    if (HasDrive(path)) {
+        address = "file:///" + std::string(path.substr(0, 2));
+        path.remove_prefix(2);
+    }
+    for (const char character : path) {
+        const char lower = Orvanta::ToLowerAscii(character);
+        if ((lower >= 'a' && lower <= 'z') || Orvanta::IsDigit(character) || Plain.find(character) != Plain.npos) {
+            address += character;
+        } else {
+            const auto byte = static_cast<unsigned char>(character);
+            address += {'%', "0123456789ABCDEF"[byte >> 4U], "0123456789ABCDEF"[byte & 0xFU]};
+        }
+    }
+    return address;
+}
+
+} // namespace OrvlogConverter

@@ -1,0 +1,58 @@
+#include "render/Escapes.h"
+#include "render/Finding.h"
+#include "render/FindingNames.h"
+#include "render/FormOutput.h"
+#include "render/Forms.h"
+#include "render/SourcePaths.h"
+#include "suppress/LineHash.h"
+
+namespace OrvlogConverter {
+
+namespace {
+
+class GitlabOutput : public FormOutput {
+public:
+    GitlabOutput(const std::string& path, const RenderSettings& settings)
+        : FormOutput(path), paths_(settings.sourceRoot) {}
+
+protected:
+    void AppendHead(std::string& text) override { text += '['; }
+
+    void AppendFinding(std::string& text, const ReportMessage& message) override {
+        constexpr std::string_view Severities[LevelRanks] = {"critical", "major", "minor", "info"};
+        const Finding finding = FindingOf(message);
+        const std::string file = HasFile(message) ? paths_.Shown(finding.file) : std::string(finding.file);
+        text += isFirst_ ? "\n{\"description\": " : ",\n{\"description\": ";
+        isFirst_ = false;
+        AppendVisibleJson(text, finding.text);
+        text += ", \"check_name\": ";
+        AppendVisibleJson(text, finding.rule);
+        text += ", \"fingerprint\": \"" + UniqueName(message, file) + "\", \"severity\": \"";
+        text += Severities[LevelRank(message.level)];
+        text += "\", \"location\": {\"path\": ";
+        AppendVisibleJson(text, file);
+        text += ", \"lines\": {\"begin\": " + std::to_string(finding.line) + "}}}";
+    }
+
+    void AppendTail(std::string& text) override { text += "\n]\n"; }
+
+private:
+    // Of findings with one name, the platform shows one.
+    std::string UniqueName(const ReportMessage& message, const std::string& file) {
+        const FindingNames::Name name = names_.Next(MakeSuppressEntry(message, CurrentBaseVersion), file);
+        Orvanta::FingerprintBuilder builder;
+        return HexadecimalText(builder.Add(name.entry).Add(file).Add(name.ordinal).Value());
+    }
+
+    SourcePaths paths_;
+    FindingNames names_;
+    bool isFirst_ = true;
+};
+
+} // namespace
+
+std::unique_ptr<IOutput> MakeGitlabOutput(const std::string& path, const RenderSettings& settings) {
+    return std::make_unique<GitlabOutput>(path, settings);
+}
+
+} // namespace OrvlogConverter

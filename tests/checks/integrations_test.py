@@ -1,0 +1,115 @@
+#!/usr/bin/env python3
+"""integrations_test.py REPOSITORY FOLDER: what we give to build servers, CMake and pre-commit does what it says.
+
+FOLDER holds the programs. The steps of the servers' files are run by bash, as the servers would, in a project that has
+one fault of level 1.
+"""
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import yaml
+
+REPOSITORY, PROGRAMS = os.path.abspath(sys.argv[1]), os.path.abspath(sys.argv[2])
+FAULT = "src/list.c:3:1: error: Array 'values[3]' accessed at index 3, which is out of bounds."
+PROJECT = {
+    "CMakeLists.txt": "cmake_minimum_required(VERSION 3.20)\nproject(sample C)\nlist(APPEND CMAKE_MODULE_PATH "
+                      f'"{REPOSITORY}/cmake")\ninclude(OrvantaAnalyzer)\nadd_library(sample src/list.c)\n',
+    "src/list.c": "int First(void) {\n    int values[3] = {0, 1, 2};\n    return values[3];\n}\n",
+    "src/unused.h": "int Second(void);\n",
+}
+
+
+def load(name):
+    with open(os.path.join(REPOSITORY, name), encoding="utf-8") as file:
+        return yaml.safe_load(file)
+
+
+class Integrations(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = os.path.join(os.path.realpath(folder.name), "a project")
+        for name, text in PROJECT.items():
+            os.makedirs(os.path.dirname(self.path(name)), exist_ok=True)
+            with open(self.path(name), "w", encoding="utf-8") as file:
+                file.write(text)
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def run_in_project(self, command, **environment):
+        search = PROGRAMS + os.pathsep + os.environ["PATH"]
+        return subprocess.run(command, cwd=self.folder, env={**os.environ, "PATH": search, **environment}, text=True,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def configure(self, *options):
+        run = self.run_in_project(["cmake", "-S", ".", "-B", "build", *options])
+        self.assertEqual(run.returncode, 0, run.stdout)
+
+    def test_cmake_targets(self):
+        self.configure("-DORVANTA_FAIL_ON=GA:1")
+        run = self.run_in_project(["cmake", "--build", "build", "--target", "analyze"])
+        self.assertNotEqual(run.returncode, 0, run.stdout)
+        self.assertIn(self.path(FAULT), run.stdout)
+        self.assertTrue(os.path.exists(self.path("build/orvanta/report.html")))
+        self.configure("-DORVANTA_FAIL_ON=64")
+        run = self.run_in_project(["cmake", "--build", "build", "--target", "analyze-changed"])
+        self.assertEqual(run.returncode, 0, run.stdout)
+        self.assertIn(self.path(FAULT), run.stdout)
+
+    def test_pre_commit_hook(self):
+        hook = load(".pre-commit-hooks.yaml")[0]
+        self.assertRegex("src/list.c", hook["files"])
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        entry = os.path.join(REPOSITORY, hook["entry"])
+        for name, code, said in [("src/list.c", 2, self.path(FAULT)), ("src/unused.h", 0, "")]:
+            run = self.run_in_project([entry, name])
+            self.assertEqual(run.returncode, code, run.stdout)
+            self.assertIn(said, run.stdout)
+        self.assertEqual(self.run_in_project([entry, "src/list.c"], ORVANTA_FAIL_ON="64").returncode, 0)
+
+    def github_steps(self, **inputs):
+        """Runs the steps of the action with these inputs; what the last one gave, and the outputs."""
+        action = load("integrations/github/action.yml")
+        values = {name: inputs.get(name.replace("-", "_"), row["default"]) for name, row in action["inputs"].items()}
+        outputs = self.path("outputs")
+        open(outputs, "w", encoding="utf-8").close()
+        for step in action["runs"]["steps"]:
+            if step.get("if") == "inputs.package != ''" and not values["package"]:
+                continue
+            environment = {name: re.sub(r"\$\{\{ inputs\.([\w-]+) \}\}", lambda match: values[match[1]], text)
+                           for name, text in step["env"].items()}
+            run = self.run_in_project(["bash", "-eo", "pipefail", "-c", step["run"]], GITHUB_WORKSPACE=self.folder,
+                                      GITHUB_OUTPUT=outputs, RUNNER_TEMP=self.path("temporary"), **environment)
+            if run.returncode != 0:
+                break
+        with open(outputs, encoding="utf-8") as file:
+            return run, dict(line.rstrip("\n").split("=", 1) for line in file)
+
+    def test_github_action(self):
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        for inputs, code in [({}, 0), ({"fail_on": "GA:1"}, 2), ({"fail_on": "GA:1", "options": "-e src"}, 1)]:
+            run, outputs = self.github_steps(**inputs)
+            self.assertEqual(run.returncode, code, run.stdout)
+            if code != 1:
+                self.assertIn("::error file=src/list.c,line=3,title=arrayIndexOutOfBounds::Array", run.stdout)
+                self.assertTrue(os.path.exists(outputs["sarif"]) and os.path.exists(outputs["page"]), outputs)
+
+    def test_gitlab_template(self):
+        job = load("integrations/gitlab/orvanta.yml")[".orvanta"]
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        for gate, code in [("", 0), ("GA:1", 2)]:
+            variables = {**job["variables"], "ORVANTA_FAIL_ON": gate}
+            run = self.run_in_project(["bash", "-eo", "pipefail", "-c", "\n".join(job["script"])],
+                                      CI_PROJECT_DIR=self.folder, **variables)
+            self.assertEqual(run.returncode, code, run.stdout)
+            for name in [*job["artifacts"]["paths"], *job["artifacts"]["reports"].values()]:
+                self.assertTrue(os.path.exists(self.path(name)), name)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
