@@ -223,22 +223,6 @@ std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& o
                         "\", expected \"skip-analysis\" or \"run-analysis\"");
 }
 
-std::size_t FindingsToShow(const AnalyzeOptions& options) {
-    constexpr std::size_t Default = 10;
-    if (!options.show) {
-        return Default;
-    }
-    const auto count = WholeNumber<std::size_t>(*options.show);
-    if (!count) {
-        throw ZelmException("Wrong value of --show: \"" + *options.show + "\", expected a number of 0 or more");
-    }
-    return *count;
-}
-
-std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
-    return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
-}
-
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
     constexpr const char* DefaultInput = "compile_commands.json";
     return {options.inputFile.value_or(DefaultInput),
@@ -276,6 +260,22 @@ std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
         warnings.push_back("Warning: the file of --rules-config doesn't exist: " + *options.rulesConfig);
     }
     return warnings;
+}
+
+std::size_t FindingsToShow(const AnalyzeOptions& options) {
+    constexpr std::size_t Default = 10;
+    if (!options.show) {
+        return Default;
+    }
+    const auto count = WholeNumber<std::size_t>(*options.show);
+    if (!count) {
+        throw ZelmException("Wrong value of --show: \"" + *options.show + "\", expected a number of 0 or more");
+    }
+    return *count;
+}
+
+std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
+    return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {

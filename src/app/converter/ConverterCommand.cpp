@@ -240,8 +240,9 @@ int RunConverter(int argumentCount, const char* const* arguments) {
     const args::CompletionFlag completion(parser, {"complete"});
     Options options(parser);
     return Orvanta::ParseAndRun(parser, argumentCount, arguments, [&options] {
-        Orvanta::MakeRoomFor(options.output.Get());
-        LogParserWorker worker(MakeSettings(options), Orvanta::ProcessStopFlag());
+        LogParserSettings settings = MakeSettings(options);
+        Orvanta::MakeRoomFor(options.output.Get()); // what the options ask for is possible: from here on it is a report
+        LogParserWorker worker(std::move(settings), Orvanta::ProcessStopFlag());
         worker.Run();
         // Only after everything is written: the gate says what the reports hold, and takes nothing from them.
         if (worker.GateMatches() > 0) {

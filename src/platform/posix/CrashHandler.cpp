@@ -119,7 +119,7 @@ namespace {
 
 // A thread's second stack, and the one that it had before.
 struct SecondStack {
-    std::unique_ptr<std::byte[]> memory; // NOLINT(modernize-avoid-c-arrays): not initialised, resident only when used
+    std::unique_ptr<std::byte[]> memory;
     stack_t before{};
 };
 
@@ -127,7 +127,7 @@ struct SecondStack {
 
 ThreadCrashRoom::ThreadCrashRoom() {
     auto room = std::make_shared<SecondStack>();
-    room->memory.reset(new std::byte[SignalStackSize]);
+    room->memory = std::make_unique_for_overwrite<std::byte[]>(SignalStackSize);
     stack_t stack{};
     stack.ss_sp = room->memory.get();
     stack.ss_size = SignalStackSize;

@@ -43,6 +43,20 @@ TEST(ReportFile, CannotBeMadeEverywhere) {
     EXPECT_TRUE(NamesIn(folder).empty());
 }
 
+TEST(ReportFile, LeavesNothingOfALongerTextThatCouldNotBePublished) {
+    const TestFolder folder;
+    ReportFile report(folder / "report", Frame);
+    report.Append("1");
+    report.Commit();
+    std::filesystem::rename(folder / "report", folder / "aside");
+    report.Append(std::string(1000, 'x'));
+    EXPECT_THROW(report.Commit(), FilesystemException);
+    std::filesystem::rename(folder / "aside", folder / "report");
+    report.Append("2");
+    report.Commit();
+    EXPECT_EQ(folder.Read("report"), "[1,2]");
+}
+
 TEST(ReportFile, ReplacesWhatStandsThereAndLeavesNothingBeside) {
     const TestFolder folder;
     folder.Write("report", "an earlier report that is much longer");

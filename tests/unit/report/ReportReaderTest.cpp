@@ -216,6 +216,18 @@ TEST(ReportReader, ReadsTheGreatestNumbersOfTheRecordInEveryForm) {
     }
 }
 
+TEST(Utf8, IsToldFromWhatOnlyLooksLikeIt) {
+    for (const std::string_view text :
+         {"", "\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_TRUE(IsValidUtf8(text)) << text;
+    }
+    // Overlong, a surrogate, above the last character, no lead byte, cut short.
+    for (const std::string_view text : {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
+                                        "\xF4\x90\x80\x80", "\x80", "\xFF", "\xC3", "\xE1\x80", "\xC3("}) {
+        EXPECT_FALSE(IsValidUtf8(text)) << text;
+    }
+}
+
 // A reader either takes a damaged report or names the fault; nothing else may come of it.
 TEST(ReportReader, SurvivesDamage) {
     const TestFolder folder;
