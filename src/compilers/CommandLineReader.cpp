@@ -111,7 +111,7 @@ constexpr ValueList ValueLists[] = {
 // Fills a ParsedCommand for one source of the invocation.
 class CommandVisitor {
 public:
-    CommandVisitor(ParsedCommand& command, SourceArgument source) : command_(command), source_(source) {}
+    CommandVisitor(ParsedCommand& command, std::size_t source) : command_(command), source_(source) {}
 
     void Flag(const FlagUse& use);
     void Input(const InputFile& input);
@@ -127,7 +127,7 @@ private:
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
-    SourceArgument source_;
+    std::size_t source_; // the argument that names it
     InputKind kindOfSource_ = InputKind::LinkInput;
 };
 
@@ -139,7 +139,7 @@ void CommandVisitor::Flag(const FlagUse& use) {
     RecordValue(use);
     // In the preprocessing command the source stands last, so that a later language would be its own.
     const std::size_t before = command_.keptArguments.size();
-    if (row.isKept && (row.kind != FlagKind::Language || use.index < source_.index)) {
+    if (row.isKept && (row.kind != FlagKind::Language || use.index < source_)) {
         Keep(use);
     }
     if (row.effect == FlagEffect::NamesPrecompiled) {
@@ -148,7 +148,7 @@ void CommandVisitor::Flag(const FlagUse& use) {
 }
 
 void CommandVisitor::Input(const InputFile& input) {
-    if (input.index != source_.index) {
+    if (input.index != source_) {
         return;
     }
     kindOfSource_ = input.kind;
@@ -260,14 +260,15 @@ InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::
     return outline;
 }
 
-ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments, SourceArgument source) {
+ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments,
+                              const SourceArgument& source) {
     ParsedCommand command;
     command.compilerType = model.Type();
     command.compilerPath = arguments.front();
     command.sourceFile = arguments[source.index].substr(source.offset);
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
-    CommandVisitor visitor(command, source);
+    CommandVisitor visitor(command, source.index);
     const std::span<const std::size_t> openValues = source.openValues != nullptr
                                                         ? std::span<const std::size_t>(*source.openValues)
                                                         : std::span<const std::size_t>();

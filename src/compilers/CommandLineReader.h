@@ -30,6 +30,6 @@ struct InvocationOutline {
 
 /// Reads the invocation in full, for the source that argument `source` names.
 [[nodiscard]] ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string> arguments,
-                                            SourceArgument source);
+                                            const SourceArgument& source);
 
 } // namespace Orvanta
