@@ -143,39 +143,46 @@ std::string BashScript(const ProgramText& program) {
     return text;
 }
 
+// What zsh does for a value.
+std::string ZshAction(const OptionText& option) {
+    switch (option.kind) {
+    case ValueKind::File:
+        return "_files";
+    case ValueKind::Folder:
+        return "_files -/";
+    case ValueKind::Choices: {
+        std::string words = Joined(option.choices);
+        for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
+            words.insert(at, 1, '\\');
+        }
+        return "(" + words + ")";
+    }
+    case ValueKind::Any:
+    case ValueKind::None:
+        break;
+    }
+    return " ";
+}
+
+// A value may follow a short name at once, and a long one behind "=".
+std::string ZshName(const std::string& name, const OptionText& option) {
+    if (option.kind == ValueKind::None) {
+        return name;
+    }
+    return name + (name.starts_with("--") ? "=" : "+");
+}
+
 std::string ZshOption(const OptionText& option) {
     constexpr std::string_view Special = "[]:\\";
-    const std::vector<std::string> names = NamesOf(option);
-    const bool takesValue = option.kind != ValueKind::None;
-    std::string text = "        '*'";
-    if (names.size() == 2) {
-        text += "{" + names[0] + (takesValue ? "+" : "") + "," + names[1] + (takesValue ? "=" : "") + "}";
-    } else {
-        text += names.front() + (takesValue ? (names.front().starts_with("--") ? "=" : "+") : "");
+    std::vector<std::string> names;
+    for (const std::string& name : NamesOf(option)) {
+        names.push_back(ZshName(name, option));
     }
+    std::string text = "        '*'";
+    text += names.size() == 1 ? names.front() : "{" + Joined(names, ",") + "}";
     text += "'[" + ShortHelp(option.help, Special) + "]";
-    if (takesValue) {
-        text += ":" + ShortHelp(option.valueName, Special) + ":";
-        switch (option.kind) {
-        case ValueKind::File:
-            text += "_files";
-            break;
-        case ValueKind::Folder:
-            text += "_files -/";
-            break;
-        case ValueKind::Choices: {
-            std::string words = Joined(option.choices);
-            for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
-                words.insert(at, 1, '\\');
-            }
-            text += "(" + words + ")";
-            break;
-        }
-        case ValueKind::Any:
-        case ValueKind::None:
-            text += " ";
-            break;
-        }
+    if (option.kind != ValueKind::None) {
+        text += ":" + ShortHelp(option.valueName, Special) + ":" + ZshAction(option);
     }
     return text + "' \\\n";
 }
@@ -198,11 +205,19 @@ std::string ZshScript(const ProgramText& program) {
                 "    if (( CURRENT == 1 )); then\n"
                 "        local -a commands=(\n";
         for (const CommandText& command : program.commands) {
-            text += "            '" + command.name + ":" + ShortHelp(command.help, ":\\") + "'\n";
+            text += "            '";
+            text += command.name;
+            text += ":";
+            text += ShortHelp(command.help, ":\\");
+            text += "'\n";
         }
         text += "        )\n        _describe command commands\n        return\n    fi\n    case $words[1] in\n";
         for (const CommandText& command : program.commands) {
-            text += "    " + command.name + ")\n        " + ZshArguments(command, true) + "        ;;\n";
+            text += "    ";
+            text += command.name;
+            text += ")\n        ";
+            text += ZshArguments(command, true);
+            text += "        ;;\n";
         }
         text += "    esac\n";
     }

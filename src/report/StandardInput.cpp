@@ -19,6 +19,12 @@ std::size_t EndOfString(std::string_view text, std::size_t at) noexcept {
     return std::min(at + 1, text.size());
 }
 
+int DepthChange(char character) noexcept {
+    const bool isOpened = character == '{' || character == '[';
+    const bool isClosed = character == '}' || character == ']';
+    return (isOpened ? 1 : 0) - (isClosed ? 1 : 0);
+}
+
 bool IsKey(std::string_view behind) noexcept {
     return behind.substr(std::min(behind.find_first_not_of(" \t"), behind.size())).starts_with(':');
 }
@@ -57,31 +63,19 @@ bool LooksLikeDocument(std::string_view start) noexcept {
     if (!start.starts_with('{')) {
         return false;
     }
-    std::size_t depth = 0;
+    int depth = 0;
     for (std::size_t at = 0; at < start.size(); ++at) {
-        switch (start[at]) {
-        case '"': {
+        if (start[at] == '"') {
             const std::size_t end = EndOfString(start, at);
             if (depth == 1 && start.substr(at, end - at) == "\"warnings\"" && IsKey(start.substr(end))) {
                 return true;
             }
             at = end - 1;
-            break;
+            continue;
         }
-        case '{':
-        case '[':
-            ++depth;
-            break;
-        case '}':
-        case ']':
-            if (--depth == 0) {
-                return false;
-            }
-            break;
-        case '\n':
-            return true;
-        default:
-            break;
+        depth += DepthChange(start[at]);
+        if (depth == 0 || start[at] == '\n') {
+            return depth != 0;
         }
     }
     return false;
