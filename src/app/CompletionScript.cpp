@@ -225,9 +225,10 @@ std::string ZshScript(const ProgramText& program) {
 }
 
 std::string FishOptions(const std::string& program, const CommandText& command, const std::string& condition) {
+    const std::string start = "complete -c " + program + condition;
     std::string text;
     for (const OptionText& option : command.options) {
-        text += "complete -c " + program + condition;
+        text += start;
         text += option.shortName.empty() ? "" : " -s " + option.shortName.substr(1);
         text += option.longName.empty() ? "" : " -l " + option.longName.substr(2);
         switch (option.kind) {
@@ -264,9 +265,13 @@ std::string FishScript(const ProgramText& program) {
     }
     const std::string none = " -n 'not __fish_seen_subcommand_from " + CommandNames(program) + "'";
     text += FishOptions(program.name, program.own, none);
+    const std::string start = "complete -c " + program.name + none + " -f -a ";
     for (const CommandText& command : program.commands) {
-        text += "complete -c " + program.name + none + " -f -a " + command.name + " -d '" +
-                ShortHelp(command.help, "") + "'\n";
+        text += start;
+        text += command.name;
+        text += " -d '";
+        text += ShortHelp(command.help, "");
+        text += "'\n";
     }
     for (const CommandText& command : program.commands) {
         text += FishOptions(program.name, command, " -n '__fish_seen_subcommand_from " + command.name + "'");
