@@ -149,41 +149,47 @@ std::string BashScript(const ProgramText& program) {
     return text;
 }
 
+// What zsh does for a value.
+std::string ZshAction(const OptionText& option) {
+    switch (option.kind) {
+    case ValueKind::File:
+        return "_files";
+    case ValueKind::Folder:
+        return "_files -/";
+    case ValueKind::Choices: {
+        std::string words = Joined(option.choices);
+        for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
+            words.insert(at, 1, '\\'); // a bare colon would end the list of words
+        }
+        return "(" + words + ")";
+    }
+    case ValueKind::Any:
+    case ValueKind::None:
+        break;
+    }
+    return " ";
+}
+
+// A value may follow a short name at once, and a long one behind "=".
+std::string ZshName(const std::string& name, const OptionText& option) {
+    if (option.kind == ValueKind::None) {
+        return name;
+    }
+    return name + (name.starts_with("--") ? "=" : "+");
+}
+
 // "'*'" lets an option be given again. "+" and "=" have zsh accept the value in the same word and in the next one.
 std::string ZshOption(const OptionText& option) {
     constexpr std::string_view Special = "[]:\\";
-    const std::vector<std::string> names = NamesOf(option);
-    const bool takesValue = option.kind != ValueKind::None;
-    std::string text = "        '*'";
-    if (names.size() == 2) {
-        text += "{" + names[0] + (takesValue ? "+" : "") + "," + names[1] + (takesValue ? "=" : "") + "}";
-    } else {
-        text += names.front() + (takesValue ? (names.front().starts_with("--") ? "=" : "+") : "");
+    std::vector<std::string> names;
+    for (const std::string& name : NamesOf(option)) {
+        names.push_back(ZshName(name, option));
     }
+    std::string text = "        '*'";
+    text += names.size() == 1 ? names.front() : "{" + Joined(names, ",") + "}";
     text += "'[" + ShortHelp(option.help, Special) + "]";
-    if (takesValue) {
-        text += ":" + ShortHelp(option.valueName, Special) + ":";
-        switch (option.kind) {
-        case ValueKind::File:
-            text += "_files";
-            break;
-        case ValueKind::Folder:
-            text += "_files -/";
-            break;
-        case ValueKind::Choices: {
-            std::string words = Joined(option.choices);
-            for (std::size_t at = words.find(':'); at != std::string::npos; at = words.find(':', at + 2)) {
-                // A bare colon would end the list of words.
-                words.insert(at, 1, '\\');
-            }
-            text += "(" + words + ")";
-            break;
-        }
-        case ValueKind::Any:
-        case ValueKind::None:
-            text += " ";
-            break;
-        }
+    if (option.kind != ValueKind::None) {
+        text += ":" + ShortHelp(option.valueName, Special) + ":" + ZshAction(option);
     }
     return text + "' \\\n";
 }
@@ -209,11 +215,19 @@ std::string ZshScript(const ProgramText& program) {
                 "    if (( CURRENT == 1 )); then\n"
                 "        local -a commands=(\n";
         for (const CommandText& command : program.commands) {
-            text += "            '" + command.name + ":" + ShortHelp(command.help, ":\\") + "'\n";
+            text += "            '";
+            text += command.name;
+            text += ":";
+            text += ShortHelp(command.help, ":\\");
+            text += "'\n";
         }
         text += "        )\n        _describe command commands\n        return\n    fi\n    case $words[1] in\n";
         for (const CommandText& command : program.commands) {
-            text += "    " + command.name + ")\n        " + ZshArguments(command, true) + "        ;;\n";
+            text += "    ";
+            text += command.name;
+            text += ")\n        ";
+            text += ZshArguments(command, true);
+            text += "        ;;\n";
         }
         text += "    esac\n";
     }
@@ -222,9 +236,10 @@ std::string ZshScript(const ProgramText& program) {
 
 // A line for each option; `condition` says when it counts, and is empty for a program without subcommands.
 std::string FishOptions(const std::string& program, const CommandText& command, const std::string& condition) {
+    const std::string start = "complete -c " + program + condition;
     std::string text;
     for (const OptionText& option : command.options) {
-        text += "complete -c " + program + condition;
+        text += start;
         text += option.shortName.empty() ? "" : " -s " + option.shortName.substr(1);
         text += option.longName.empty() ? "" : " -l " + option.longName.substr(2);
         switch (option.kind) {
@@ -264,9 +279,13 @@ std::string FishScript(const ProgramText& program) {
     // Fish has no state: each line says by itself when it counts.
     const std::string none = " -n 'not __fish_seen_subcommand_from " + CommandNames(program) + "'";
     text += FishOptions(program.name, program.own, none);
+    const std::string start = "complete -c " + program.name + none + " -f -a ";
     for (const CommandText& command : program.commands) {
-        text += "complete -c " + program.name + none + " -f -a " + command.name + " -d '" +
-                ShortHelp(command.help, "") + "'\n";
+        text += start;
+        text += command.name;
+        text += " -d '";
+        text += ShortHelp(command.help, "");
+        text += "'\n";
     }
     for (const CommandText& command : program.commands) {
         text += FishOptions(program.name, command, " -n '__fish_seen_subcommand_from " + command.name + "'");

@@ -6,7 +6,7 @@
 
 namespace OrvlogConverter {
 
-FindingGate::FindingGate(std::string_view specification) : takesAll_(false) {
+FindingGate::FindingGate(std::string_view specification) {
     const std::vector<AnalyzerLevels> analyzers = ParseAnalyzerSpecification(specification);
     takesAll_ = analyzers.empty();
     levels_ = LevelTable(analyzers);

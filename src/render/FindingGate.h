@@ -21,7 +21,7 @@ public:
     [[nodiscard]] bool Matches(const ReportMessage& message) const noexcept;
 
 private:
-    bool takesAll_;
+    bool takesAll_ = false;
     LevelTable levels_;
 };
 

@@ -19,6 +19,12 @@ std::size_t EndOfString(std::string_view text, std::size_t at) noexcept {
     return std::min(at + 1, text.size());
 }
 
+int DepthChange(char character) noexcept {
+    const bool isOpened = character == '{' || character == '[';
+    const bool isClosed = character == '}' || character == ']';
+    return (isOpened ? 1 : 0) - (isClosed ? 1 : 0);
+}
+
 // Whether a string is a key: a colon stands behind it.
 bool IsKey(std::string_view behind) noexcept {
     return behind.substr(std::min(behind.find_first_not_of(" \t"), behind.size())).starts_with(':');
@@ -62,34 +68,22 @@ bool LooksLikeDocument(std::string_view start) noexcept {
         return false;
     }
     // A scan, not a parse: the beginning of a document is no JSON yet, as it stops in the middle.
-    std::size_t depth = 0;
+    int depth = 0;
     for (std::size_t at = 0; at < start.size(); ++at) {
-        switch (start[at]) {
-        case '"': {
+        if (start[at] == '"') {
             const std::size_t end = EndOfString(start, at);
             // Only the document's own member counts: a text inside a message may hold the word.
             if (depth == 1 && start.substr(at, end - at) == "\"warnings\"" && IsKey(start.substr(end))) {
                 return true;
             }
             at = end - 1;
-            break;
+            continue;
         }
-        case '{':
-        case '[':
-            ++depth;
-            break;
-        case '}':
-        case ']':
-            // The whole object stands on one line, without the member: a message.
-            if (--depth == 0) {
-                return false;
-            }
-            break;
-        // An object that goes on behind a line's end is no message of a line form.
-        case '\n':
-            return true;
-        default:
-            break;
+        depth += DepthChange(start[at]);
+        // At depth 0 the whole object stands on one line, without the member: a message. One that goes on behind a
+        // line's end is no message of a line form.
+        if (depth == 0 || start[at] == '\n') {
+            return depth != 0;
         }
     }
     return false;

@@ -6,7 +6,7 @@ import {chromium} from "playwright-core";
 const [page, picture] = process.argv.slice(2).map((name) => path.resolve(name));
 const browser = await chromium.launch({executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
                                        args: ["--no-sandbox"]});
-const tab = await browser.newPage({viewport: {width: 1200, height: 900}});
+const tab = await browser.newPage({viewport: {width: 1200, height: 1180}});
 await tab.goto(pathToFileURL(page).href);
 await tab.addStyleTag({content: ".body { max-height: 270px !important; }"});
 await tab.locator("#body .row").first().click();

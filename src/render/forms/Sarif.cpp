@@ -233,11 +233,12 @@ private:
         std::string tags;
         for (const std::uint32_t weakness : rule.weaknesses) {
             const std::string number = std::to_string(weakness);
-            relations += relations.empty() ? "" : ", ";
-            relations += "{\"target\": {\"id\": \"" + number +
-                         "\", \"toolComponent\": {\"name\": \"CWE\", \"index\": 0}}, \"kinds\": [\"relevant\"]}";
-            tags += tags.empty() ? "" : ", ";
-            tags += "\"external/cwe/cwe-" + number + "\"";
+            relations += relations.empty() ? "{\"target\": {\"id\": \"" : ", {\"target\": {\"id\": \"";
+            relations += number;
+            relations += "\", \"toolComponent\": {\"name\": \"CWE\", \"index\": 0}}, \"kinds\": [\"relevant\"]}";
+            tags += tags.empty() ? "\"external/cwe/cwe-" : ", \"external/cwe/cwe-";
+            tags += number;
+            tags += '"';
         }
         if (!relations.empty()) {
             text += ", \"relationships\": [" + relations + "], \"properties\": {\"tags\": [" + tags + "]}";
@@ -254,8 +255,11 @@ private:
             const std::string number = std::to_string(weakness);
             text += isFirst ? "" : ", ";
             isFirst = false;
-            text += "{\"id\": \"" + number + "\", \"helpUri\": \"https://cwe.mitre.org/data/definitions/" + number +
-                    ".html\"}";
+            text += "{\"id\": \"";
+            text += number;
+            text += "\", \"helpUri\": \"https://cwe.mitre.org/data/definitions/";
+            text += number;
+            text += ".html\"}";
         }
         text += "]}],\n";
     }
