@@ -16,26 +16,15 @@ struct WordPair {
 
 // c17 is c11 without its defects; c20 has no nearer one.
 constexpr WordPair Standards[] = {
-    {"c90",   "c89"  },
-    {"c99",   "c99"  },
-    {"c11",   "c11"  },
-    {"c17",   "c11"  },
-    {"c20",   "c11"  },
-    {"c++98", "c++03"},
-    {"c++03", "c++03"},
-    {"c++11", "c++11"},
-    {"c++14", "c++14"},
-    {"c++17", "c++17"},
-    {"c++20", "c++20"},
+    {"c90", "c89"},     {"c99", "c99"},     {"c11", "c11"},     {"c17", "c11"},
+    {"c20", "c11"},     {"c++98", "c++03"}, {"c++03", "c++03"}, {"c++11", "c++11"},
+    {"c++14", "c++14"}, {"c++17", "c++17"}, {"c++20", "c++20"},
 };
 
 constexpr WordPair Platforms[] = {
-    {"linux64", "unix64"},
-    {"linux32", "unix32"},
-    {"x64",     "win64" },
-    {"Win32",   "win32W"},
-    {"arm",     "unix32"}, // the same sizes of the basic types
-    {"pic8",    "pic8"  },
+    {"linux64", "unix64"}, {"linux32", "unix32"}, {"x64", "win64"},
+    {"Win32", "win32W"},   {"arm", "unix32"}, // the same sizes of the basic types
+    {"pic8", "pic8"},
 };
 
 // Names that the macros of system headers leave in a user's text, given back the meaning that Cppcheck knows them by.

@@ -45,8 +45,8 @@ struct StageWord {
 };
 
 constexpr StageWord StageWords[] = {
-    {"first-run",  IntermodularStage::Collecting},
-    {"merge-info", IntermodularStage::Linking   },
+    {"first-run", IntermodularStage::Collecting},
+    {"merge-info", IntermodularStage::Linking},
     {"second-run", IntermodularStage::Performing},
 };
 

@@ -132,9 +132,7 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     // In a file of its own: the paths of a large build are too much for one value of the settings.
     const std::string list = JoinPath(folder, "units.txt");
     WritePathList(list, collected);
-    SettingsMap settings = {
-        {"intermodular-unit-list", list}
-    };
+    SettingsMap settings = {{"intermodular-unit-list", list}};
     AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.MergedFile(), "");
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);

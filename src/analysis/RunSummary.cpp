@@ -53,12 +53,9 @@ std::string CountsText(const InvocationCounts& counts) {
     };
 
     const Part parts[] = {
-        {counts.analyzed,    "analyzed",     Shown::Always },
-        {counts.carriedOver, "carried over", Shown::WhenAny},
-        {counts.failed,      "failed",       Shown::Always },
-        {counts.skipped,     "skipped",      Shown::Always },
-        {counts.excluded,    "excluded",     Shown::Always },
-        {counts.stopped,     "stopped",      Shown::WhenAny},
+        {counts.analyzed, "analyzed", Shown::Always}, {counts.carriedOver, "carried over", Shown::WhenAny},
+        {counts.failed, "failed", Shown::Always},     {counts.skipped, "skipped", Shown::Always},
+        {counts.excluded, "excluded", Shown::Always}, {counts.stopped, "stopped", Shown::WhenAny},
     };
     std::string text;
     for (const Part& part : parts) {

@@ -37,11 +37,7 @@ constexpr VersionRow CVersions[] = {
     {201799, "c17"},
 };
 constexpr VersionRow CppVersions[] = {
-    {199899, "c++98"},
-    {200399, "c++03"},
-    {201199, "c++11"},
-    {201499, "c++14"},
-    {201799, "c++17"},
+    {199899, "c++98"}, {200399, "c++03"}, {201199, "c++11"}, {201499, "c++14"}, {201799, "c++17"},
 };
 
 // `takesValue` says whether the next word belongs to the flag when nothing follows its name in the same word.
@@ -54,30 +50,14 @@ struct NeutralFlag {
 // projects have many sets of them. The rows with "/" are those of cl and clang-cl, those with "--" of embedded
 // compilers.
 constexpr NeutralFlag NeutralFlags[] = {
-    {"-include",             true },
-    {"-isystem",             true },
-    {"-iquote",              true },
-    {"-idirafter",           true },
-    {"-I",                   true },
-    {"-D",                   true },
-    {"-U",                   true },
-    {"-W",                   false},
-    {"/I",                   true },
-    {"/D",                   true },
-    {"/U",                   true },
-    {"/FI",                  true },
-    {"/W",                   false},
-    {"/w",                   false},
-    {"/external:I",          true },
-    {"/imsvc",               true },
-    {"-FI",                  true },
-    {"-wd",                  false},
-    {"-external:I",          true },
-    {"-imsvc",               true },
-    {"--include_path=",      false},
-    {"--define=",            false},
-    {"--preinclude",         true },
-    {"--system_include_dir", true },
+    {"-include", true},    {"-isystem", true},     {"-iquote", true},
+    {"-idirafter", true},  {"-I", true},           {"-D", true},
+    {"-U", true},          {"-W", false},          {"/I", true},
+    {"/D", true},          {"/U", true},           {"/FI", true},
+    {"/W", false},         {"/w", false},          {"/external:I", true},
+    {"/imsvc", true},      {"-FI", true},          {"-wd", false},
+    {"-external:I", true}, {"-imsvc", true},       {"--include_path=", false},
+    {"--define=", false},  {"--preinclude", true}, {"--system_include_dir", true},
 };
 
 // Variables in which shells and make keep their own books: a traced build gives another value to nearly every command.

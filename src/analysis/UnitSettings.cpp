@@ -48,14 +48,14 @@ SettingsMap BuildUnitSettings(const SettingsMap& userSettings, const Compiler& m
     // All of them, those too that only the core knows.
     SettingsMap settings = userSettings;
     const std::pair<const char*, std::string> defaults[] = {
-        {"preprocessor",      std::string(model.Name())                                            },
-        {"platform",          command.platformWord.empty() ? DefaultPlatform : command.platformWord},
-        {"analysis-mode",     DefaultAnalysisMode                                                  },
-        {"funsigned-char",    YesOrNo(command.unsignedChar)                                        },
-        {"fshort-float",      YesOrNo(command.effects.Has(FlagEffect::ShortFloat))                 },
-        {"fshort-double",     YesOrNo(command.effects.Has(FlagEffect::ShortDouble))                },
-        {"std",               standard                                                             },
-        {"new-output-format", "yes"                                                                },
+        {"preprocessor", std::string(model.Name())},
+        {"platform", command.platformWord.empty() ? DefaultPlatform : command.platformWord},
+        {"analysis-mode", DefaultAnalysisMode},
+        {"funsigned-char", YesOrNo(command.unsignedChar)},
+        {"fshort-float", YesOrNo(command.effects.Has(FlagEffect::ShortFloat))},
+        {"fshort-double", YesOrNo(command.effects.Has(FlagEffect::ShortDouble))},
+        {"std", standard},
+        {"new-output-format", "yes"},
     };
     // Not `emplace` alone: in a map of several values it would add a second one.
     const auto addDefault = [&settings](const char* key, const std::string& value) {

@@ -113,9 +113,7 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
         return SelectForListing();
     };
     if (regeneration == RegenerateDependInfoOption::SkipAnalysis) {
-        return {
-            {Work::ListDependencies{history_->Units()}, list, &AnalyzePasses::LearnOnly}
-        };
+        return {{Work::ListDependencies{history_->Units()}, list, &AnalyzePasses::LearnOnly}};
     }
     if (input_.options.intermodular) {
         return ListIntermodularPasses();
@@ -124,9 +122,7 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
         const auto all = [this] {
             return SelectAll(input_.commands.units, input_.settings);
         };
-        return {
-            {Work::Analyze{}, all, &AnalyzePasses::Report}
-        };
+        return {{Work::Analyze{}, all, &AnalyzePasses::Report}};
     }
     std::vector<Pass> passes;
     if (regeneration || input_.listedFiles) {
@@ -156,10 +152,8 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListIntermodularPasses() {
     // Made before the first unit is collected: what changes from here on is seen.
     FileChanges& changes = changes_.emplace(places_.temporaryFolder);
     const UnitWork collecting = history_ ? UnitWork(Work::CollectAndKeep{history_->Units()}) : Work::Collect{};
-    return {
-        {collecting, collect,      &AnalyzePasses::Learn, "Its intermodular information could not be collected: "},
-        {Work::Perform{changes},          perform, &AnalyzePasses::Report     }
-    };
+    return {{collecting, collect, &AnalyzePasses::Learn, "Its intermodular information could not be collected: "},
+            {Work::Perform{changes}, perform, &AnalyzePasses::Report}};
 }
 
 std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForListing() {

@@ -44,26 +44,26 @@ std::vector<std::string> RenderTypeChoices() {
 
 // The options whose values are words of a list.
 const ChoicesRow ChoicesOfOptions[] = {
-    {"--analysis-mode",          AnalyzerChoices     },
-    {"--analyzer",               SpecificationChoices},
-    {"--fail-on",                SpecificationChoices},
-    {"--render-types",           RenderTypeChoices   },
+    {"--analysis-mode", AnalyzerChoices},
+    {"--analyzer", SpecificationChoices},
+    {"--fail-on", SpecificationChoices},
+    {"--render-types", RenderTypeChoices},
     {"--preprocessor",
      [] {
          return std::vector<std::string>{"gcc", "clang"};
-     }                                               },
+     }},
     {"--platform",
      [] {
          return std::vector<std::string>{"linux64", "linux32"};
-     }                                               },
+     }},
     {"--regenerate-depend-info",
      [] {
          return std::vector<std::string>{"skip-analysis", "run-analysis"};
-     }                                               },
+     }},
     {"--misra-standard",
      [] {
          return std::vector<std::string>{"C:2012", "C:2012+AMD2", "C:2023", "C:2025", "C++:2008", "C++:2023"};
-     }                                               },
+     }},
 };
 
 struct KindRow {
@@ -73,10 +73,10 @@ struct KindRow {
 
 // The names that values have in the help say what a shell may offer.
 constexpr KindRow KindsOfValues[] = {
-    {"FILE", ValueKind::File  },
-    {"OLD",  ValueKind::File  },
-    {"PATH", ValueKind::File  },
-    {"DIR",  ValueKind::Folder},
+    {"FILE", ValueKind::File},
+    {"OLD", ValueKind::File},
+    {"PATH", ValueKind::File},
+    {"DIR", ValueKind::Folder},
 };
 
 // Choices first: an option with a list of words is no file, whatever its value is called.

@@ -52,9 +52,9 @@ struct MemberName {
 };
 
 constexpr MemberName MemberNames[] = {
-    {"directory",   Member::Directory  },
-    {"command",     Member::Command    },
-    {"arguments",   Member::Arguments  },
+    {"directory", Member::Directory},
+    {"command", Member::Command},
+    {"arguments", Member::Arguments},
     {"environment", Member::Environment},
 };
 
@@ -358,8 +358,8 @@ void DatabaseHandler::Finish() const {
 json ToJson(const CompileCommand& unit) {
     json entry = {
         {"arguments", unit.arguments.ToVector()},
-        {"directory", *unit.absoluteDirectory  },
-        {"file",      unit.SourceFile()        },
+        {"directory", *unit.absoluteDirectory},
+        {"file", unit.SourceFile()},
     };
     if (!unit.environment->empty()) {
         entry["environment"] = *unit.environment;

@@ -99,12 +99,12 @@ struct ValueList {
 };
 
 constexpr ValueList ValueLists[] = {
-    {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; },           &ParsedCommand::userIncludes  },
-    {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; },         &ParsedCommand::systemIncludes},
-    {[](const FlagRow& row) { return row.kind == FlagKind::Define; },                &ParsedCommand::defines       },
-    {[](const FlagRow& row) { return row.kind == FlagKind::ForcedInclude; },         &ParsedCommand::forcedIncludes},
-    {[](const FlagRow& row) { return row.file == FlagFile::Read; },                  &ParsedCommand::filesRead     },
-    {[](const FlagRow& row) { return row.file == FlagFile::ReadAsSpecs; },           &ParsedCommand::specFiles     },
+    {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; }, &ParsedCommand::userIncludes},
+    {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; }, &ParsedCommand::systemIncludes},
+    {[](const FlagRow& row) { return row.kind == FlagKind::Define; }, &ParsedCommand::defines},
+    {[](const FlagRow& row) { return row.kind == FlagKind::ForcedInclude; }, &ParsedCommand::forcedIncludes},
+    {[](const FlagRow& row) { return row.file == FlagFile::Read; }, &ParsedCommand::filesRead},
+    {[](const FlagRow& row) { return row.file == FlagFile::ReadAsSpecs; }, &ParsedCommand::specFiles},
     {[](const FlagRow& row) { return row.effect == FlagEffect::NamesSearchPrefix; }, &ParsedCommand::searchPrefixes},
 };
 

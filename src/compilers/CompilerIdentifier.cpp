@@ -30,14 +30,14 @@ struct NameRule {
 // armcc.exe is asked for its version instead.
 constexpr NameRule StemRules[] = {
     {"clang-cl", CompilerType::ClangCl},
-    {"cl",       CompilerType::Cl     },
+    {"cl", CompilerType::Cl},
 };
 // Tried after "contains clang", which "armclang" alone escapes.
 constexpr NameRule FileNameRules[] = {
-    {"qcc",    CompilerType::Qcc     },
-    {"xc8-cc", CompilerType::XC8     },
-    {"armcc",  CompilerType::Keil5   },
-    {"armcl",  CompilerType::TiArmCGT},
+    {"qcc", CompilerType::Qcc},
+    {"xc8-cc", CompilerType::XC8},
+    {"armcc", CompilerType::Keil5},
+    {"armcl", CompilerType::TiArmCGT},
 };
 
 constexpr std::string_view WhiteSpace = " \t\n\r\v\f";

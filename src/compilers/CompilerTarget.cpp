@@ -22,38 +22,20 @@ struct TargetRow {
 
 // Names of the folders that hold cl, in old and new Visual Studios: the target alone, or behind the host.
 constexpr TargetRow Folders[] = {
-    {"x64",         TargetBits::Bits64},
-    {"x86",         TargetBits::Bits32},
-    {"amd64",       TargetBits::Bits64},
-    {"x86_amd64",   TargetBits::Bits64},
-    {"amd64_x86",   TargetBits::Bits32},
-    {"arm64",       TargetBits::Bits64},
-    {"x86_arm64",   TargetBits::Bits64},
-    {"amd64_arm64", TargetBits::Bits64},
-    {"arm",         TargetBits::Bits32},
-    {"x86_arm",     TargetBits::Bits32},
-    {"amd64_arm",   TargetBits::Bits32},
-    {"ia64",        TargetBits::Bits64},
-    {"x86_ia64",    TargetBits::Bits64},
+    {"x64", TargetBits::Bits64},       {"x86", TargetBits::Bits32},         {"amd64", TargetBits::Bits64},
+    {"x86_amd64", TargetBits::Bits64}, {"amd64_x86", TargetBits::Bits32},   {"arm64", TargetBits::Bits64},
+    {"x86_arm64", TargetBits::Bits64}, {"amd64_arm64", TargetBits::Bits64}, {"arm", TargetBits::Bits32},
+    {"x86_arm", TargetBits::Bits32},   {"amd64_arm", TargetBits::Bits32},   {"ia64", TargetBits::Bits64},
+    {"x86_ia64", TargetBits::Bits64},
 };
 
 // Processors, as banners and triples name them.
 constexpr TargetRow Processors[] = {
-    {"x64",     TargetBits::Bits64},
-    {"x86",     TargetBits::Bits32},
-    {"x86_64",  TargetBits::Bits64},
-    {"amd64",   TargetBits::Bits64},
-    {"arm64",   TargetBits::Bits64},
-    {"arm64ec", TargetBits::Bits64},
-    {"aarch64", TargetBits::Bits64},
-    {"ia64",    TargetBits::Bits64},
-    {"80x86",   TargetBits::Bits32},
-    {"i386",    TargetBits::Bits32},
-    {"i486",    TargetBits::Bits32},
-    {"i586",    TargetBits::Bits32},
-    {"i686",    TargetBits::Bits32},
-    {"arm",     TargetBits::Bits32},
-    {"armv7",   TargetBits::Bits32},
+    {"x64", TargetBits::Bits64},     {"x86", TargetBits::Bits32},   {"x86_64", TargetBits::Bits64},
+    {"amd64", TargetBits::Bits64},   {"arm64", TargetBits::Bits64}, {"arm64ec", TargetBits::Bits64},
+    {"aarch64", TargetBits::Bits64}, {"ia64", TargetBits::Bits64},  {"80x86", TargetBits::Bits32},
+    {"i386", TargetBits::Bits32},    {"i486", TargetBits::Bits32},  {"i586", TargetBits::Bits32},
+    {"i686", TargetBits::Bits32},    {"arm", TargetBits::Bits32},   {"armv7", TargetBits::Bits32},
     {"thumbv7", TargetBits::Bits32},
 };
 

@@ -416,9 +416,9 @@ static_assert(RowsAreSound(GccFlags), "a name stands twice, or a flag is kept th
 
 // For families in which the last of the four flags for plain char decides.
 constexpr FlagRow LastCharFlags[] = {
-    {"fsigned-char",      FlagKind::Keep, FlagEffect::SignedChar  },
-    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar  },
-    {"fno-signed-char",   FlagKind::Keep, FlagEffect::UnsignedChar},
+    {"fsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    {"fno-unsigned-char", FlagKind::Keep, FlagEffect::SignedChar},
+    {"fno-signed-char", FlagKind::Keep, FlagEffect::UnsignedChar},
 };
 
 } // namespace

@@ -6,8 +6,8 @@ namespace {
 
 constexpr std::string_view IarIntroducers[] = {"-", "--"};
 constexpr OptionFileFlag IarOptionFiles[] = {
-    {"--f", OptionFileFlag::Value::Next       },
-    {"-f",  OptionFileFlag::Value::GluedOrNext},
+    {"--f", OptionFileFlag::Value::Next},
+    {"-f", OptionFileFlag::Value::GluedOrNext},
 };
 constexpr FlagValue Long = FlagValue::Long;
 constexpr FlagValue GluedAndNext = FlagValue::GluedAndNext;

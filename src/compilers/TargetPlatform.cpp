@@ -21,22 +21,14 @@ struct ProcessorRow {
 
 // The first that fits counts.
 constexpr ProcessorRow Processors[] = {
-    {"arm64",     "linux64", PlainChar::Unsigned},
-    {"arm",       "arm",     PlainChar::Unsigned},
-    {"thumb",     "arm",     PlainChar::Unsigned},
-    {"aarch64",   "linux64", PlainChar::Unsigned},
-    {"riscv64",   "linux64", PlainChar::Unsigned},
-    {"riscv32",   "linux32", PlainChar::Unsigned},
-    {"powerpc64", "linux64", PlainChar::Unsigned},
-    {"powerpc",   "linux32", PlainChar::Unsigned},
-    {"s390x",     "linux64", PlainChar::Unsigned},
-    {"xtensa",    "linux32", PlainChar::Unsigned},
-    {"mips64",    "linux64", PlainChar::Signed  },
-    {"mips",      "linux32", PlainChar::Signed  },
-    {"m68k",      "linux32", PlainChar::Signed  },
-    {"sh4",       "linux32", PlainChar::Signed  },
-    {"sparc64",   "linux64", PlainChar::Signed  },
-    {"sparc",     "linux32", PlainChar::Signed  },
+    {"arm64", "linux64", PlainChar::Unsigned},     {"arm", "arm", PlainChar::Unsigned},
+    {"thumb", "arm", PlainChar::Unsigned},         {"aarch64", "linux64", PlainChar::Unsigned},
+    {"riscv64", "linux64", PlainChar::Unsigned},   {"riscv32", "linux32", PlainChar::Unsigned},
+    {"powerpc64", "linux64", PlainChar::Unsigned}, {"powerpc", "linux32", PlainChar::Unsigned},
+    {"s390x", "linux64", PlainChar::Unsigned},     {"xtensa", "linux32", PlainChar::Unsigned},
+    {"mips64", "linux64", PlainChar::Signed},      {"mips", "linux32", PlainChar::Signed},
+    {"m68k", "linux32", PlainChar::Signed},        {"sh4", "linux32", PlainChar::Signed},
+    {"sparc64", "linux64", PlainChar::Signed},     {"sparc", "linux32", PlainChar::Signed},
 };
 
 // Before the dash at their end stands a target.

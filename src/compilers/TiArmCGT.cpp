@@ -9,8 +9,8 @@ namespace {
 constexpr std::string_view TiIntroducers[] = {"-", "--"};
 constexpr OptionFileFlag TiOptionFiles[] = {
     {"--cmd_file", OptionFileFlag::Value::EqualsOrNext},
-    {"-@=",        OptionFileFlag::Value::Glued       },
-    {"-@",         OptionFileFlag::Value::GluedOrNext },
+    {"-@=", OptionFileFlag::Value::Glued},
+    {"-@", OptionFileFlag::Value::GluedOrNext},
 };
 constexpr FlagValue Glued = FlagValue::Glued;
 constexpr FlagValue Short = FlagValue::ShortGlued;

@@ -23,10 +23,10 @@ struct MemberName {
 };
 
 constexpr MemberName MemberNames[] = {
-    {"added",        Member::Added       },
-    {"arguments",    Member::Arguments   },
+    {"added", Member::Added},
+    {"arguments", Member::Arguments},
     {"dependencies", Member::Dependencies},
-    {"id",           Member::Id          },
+    {"id", Member::Id},
 };
 
 Member MemberOf(std::string_view name) {

@@ -73,13 +73,11 @@ std::uint64_t SizeOf(std::istream& input) {
 
 // Whether the tables are what a file of `size` bytes holds, so that none is made for what is not there.
 bool FillsFile(const Header& header, std::uint64_t size) {
-    const std::pair<std::uint64_t, std::uint64_t> tables[] = {
-        {header.textSize,     1                       },
-        {header.pathCount,    sizeof(PathTable::Entry)},
-        {header.versionCount, sizeof(FileVersion)     },
-        {header.unitCount,    sizeof(KnownUnit)       },
-        {header.listsSize,    sizeof(VersionNumber)   }
-    };
+    const std::pair<std::uint64_t, std::uint64_t> tables[] = {{header.textSize, 1},
+                                                              {header.pathCount, sizeof(PathTable::Entry)},
+                                                              {header.versionCount, sizeof(FileVersion)},
+                                                              {header.unitCount, sizeof(KnownUnit)},
+                                                              {header.listsSize, sizeof(VersionNumber)}};
     std::uint64_t rest = size - sizeof(Header);
     for (const auto& [rows, rowSize] : tables) {
         if (rows > rest / rowSize) {

@@ -37,70 +37,44 @@ consteval EscapeTable MakeTable(std::span<const Replacement> replacements) {
 }
 
 constexpr Replacement LineRows[] = {
-    {'\n', " "    },
-    {'\r', " "    },
+    {'\n', " "},
+    {'\r', " "},
     {'\t', nullptr},
 };
 
 constexpr Replacement CsvRows[] = {
-    {'"',  "\"\"" },
+    {'"', "\"\""},
     {'\n', nullptr},
     {'\r', nullptr},
     {'\t', nullptr},
 };
 
 constexpr Replacement MarkupRows[] = {
-    {'&',  "&amp;" },
-    {'<',  "&lt;"  },
-    {'>',  "&gt;"  },
-    {'"',  "&quot;"},
-    {'\'', "&#39;" },
-    {'\n', "&#10;" },
-    {'\r', "&#13;" },
-    {'\t', "&#9;"  },
+    {'&', "&amp;"},  {'<', "&lt;"},   {'>', "&gt;"},   {'"', "&quot;"},
+    {'\'', "&#39;"}, {'\n', "&#10;"}, {'\r', "&#13;"}, {'\t', "&#9;"},
 };
 
 constexpr Replacement JsonRows[] = {
-    {'"',  "\\\""},
-    {'\\', "\\\\"},
-    {'\n', "\\n" },
-    {'\r', "\\r" },
-    {'\t', "\\t" },
+    {'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"},
 };
 
 constexpr Replacement JsonInPageRows[] = {
-    {'"',  "\\\""   },
-    {'\\', "\\\\"   },
-    {'\n', "\\n"    },
-    {'\r', "\\r"    },
-    {'\t', "\\t"    },
-    {'<',  "\\u003C"},
+    {'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}, {'<', "\\u003C"},
 };
 
 constexpr Replacement WorkflowMessageRows[] = {
-    {'%',  "%25"  },
-    {'\r', "%0D"  },
-    {'\n', "%0A"  },
+    {'%', "%25"},
+    {'\r', "%0D"},
+    {'\n', "%0A"},
     {'\t', nullptr},
 };
 
 constexpr Replacement WorkflowPropertyRows[] = {
-    {'%',  "%25"  },
-    {'\r', "%0D"  },
-    {'\n', "%0A"  },
-    {'\t', nullptr},
-    {':',  "%3A"  },
-    {',',  "%2C"  },
+    {'%', "%25"}, {'\r', "%0D"}, {'\n', "%0A"}, {'\t', nullptr}, {':', "%3A"}, {',', "%2C"},
 };
 
 constexpr Replacement ServiceMessageRows[] = {
-    {'|',  "||"   },
-    {'\'', "|'"   },
-    {'[',  "|["   },
-    {']',  "|]"   },
-    {'\n', "|n"   },
-    {'\r', "|r"   },
-    {'\t', nullptr},
+    {'|', "||"}, {'\'', "|'"}, {'[', "|["}, {']', "|]"}, {'\n', "|n"}, {'\r', "|r"}, {'\t', nullptr},
 };
 
 // In the order of the forms.
@@ -120,12 +94,7 @@ struct CodePointRange {
 
 // Controls above ASCII, what breaks lines, what turns the direction of writing, and what XML does not take.
 constexpr CodePointRange SpelledOutRanges[] = {
-    {0x0080, 0x009F},
-    {0x061C, 0x061C},
-    {0x200E, 0x200F},
-    {0x2028, 0x202E},
-    {0x2066, 0x2069},
-    {0xFFFE, 0xFFFF},
+    {0x0080, 0x009F}, {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}, {0xFFFE, 0xFFFF},
 };
 
 // `text` is one whole character of UTF-8, above ASCII.

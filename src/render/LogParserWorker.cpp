@@ -165,9 +165,9 @@ void LogParserWorker::PrintIgnoredFlags() const {
     const bool isMisra = std::any_of(settings_.targets.begin(), settings_.targets.end(),
                                      [](const RenderTarget& target) { return target.type->isMisra; });
     const std::pair<bool, const char*> flags[] = {
-        {settings_.render.categoriesPath.has_value(), "grp"             },
-        {settings_.render.countDeviations,            "misra_deviations"},
-        {!settings_.render.misraStandards.empty(),    "misra-standard"  },
+        {settings_.render.categoriesPath.has_value(), "grp"},
+        {settings_.render.countDeviations, "misra_deviations"},
+        {!settings_.render.misraStandards.empty(), "misra-standard"},
     };
     for (const auto& [isGiven, name] : flags) {
         if (isGiven && !isMisra) {

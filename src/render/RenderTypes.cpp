@@ -35,18 +35,18 @@ std::unique_ptr<IOutput> MakeMisra(const std::string& path, const RenderSettings
 }
 
 constexpr RenderType Types[] = {
-    {"json",      ".json",           false, false, MakeJson           },
-    {"raw",       ".rawlog",         false, false, MakeRaw            },
-    {"misra",     ".misra.txt",      true,  false, MakeMisra          },
-    {"text",      ".txt",            false, false, MakeTextOutput     },
-    {"csv",       ".csv",            false, false, MakeCsvOutput      },
-    {"totals",    ".totals.txt",     false, false, MakeTotalsOutput   },
-    {"sarif",     ".sarif",          false, true,  MakeSarifOutput    },
-    {"html",      ".html",           false, false, MakeHtmlOutput     },
-    {"gitlab",    ".gitlab.json",    false, false, MakeGitlabOutput   },
-    {"github",    ".github.txt",     false, false, MakeGithubOutput   },
-    {"teamcity",  ".teamcity.txt",   false, false, MakeTeamcityOutput },
-    {"junit",     ".junit.xml",      false, false, MakeJunitOutput    },
+    {"json", ".json", false, false, MakeJson},
+    {"raw", ".rawlog", false, false, MakeRaw},
+    {"misra", ".misra.txt", true, false, MakeMisra},
+    {"text", ".txt", false, false, MakeTextOutput},
+    {"csv", ".csv", false, false, MakeCsvOutput},
+    {"totals", ".totals.txt", false, false, MakeTotalsOutput},
+    {"sarif", ".sarif", false, true, MakeSarifOutput},
+    {"html", ".html", false, false, MakeHtmlOutput},
+    {"gitlab", ".gitlab.json", false, false, MakeGitlabOutput},
+    {"github", ".github.txt", false, false, MakeGithubOutput},
+    {"teamcity", ".teamcity.txt", false, false, MakeTeamcityOutput},
+    {"junit", ".junit.xml", false, false, MakeJunitOutput},
     {"sonarqube", ".sonarqube.json", false, false, MakeSonarqubeOutput},
 };
 

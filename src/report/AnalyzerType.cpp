@@ -21,14 +21,9 @@ struct NameRow {
 };
 
 constexpr NameRow Names[] = {
-    {"FAIL",    AnalyzerType::Fail            },
-    {"GA",      AnalyzerType::GeneralAnalysis },
-    {"64",      AnalyzerType::Bits64          },
-    {"OP",      AnalyzerType::Optimization    },
-    {"CS",      AnalyzerType::CustomerSpecific},
-    {"MISRA",   AnalyzerType::Misra           },
-    {"OWASP",   AnalyzerType::Owasp           },
-    {"AUTOSAR", AnalyzerType::Autosar         },
+    {"FAIL", AnalyzerType::Fail},       {"GA", AnalyzerType::GeneralAnalysis},  {"64", AnalyzerType::Bits64},
+    {"OP", AnalyzerType::Optimization}, {"CS", AnalyzerType::CustomerSpecific}, {"MISRA", AnalyzerType::Misra},
+    {"OWASP", AnalyzerType::Owasp},     {"AUTOSAR", AnalyzerType::Autosar},
 };
 
 // Numbers from `first` to `last`, both included.
@@ -40,18 +35,18 @@ struct RangeRow {
 
 // The first row that holds the number wins.
 constexpr RangeRow Ranges[] = {
-    {4,    4,    AnalyzerType::Bits64          }, // the one 64-bit diagnostic among the failures
-    {1,    99,   AnalyzerType::Fail            },
-    {100,  499,  AnalyzerType::Bits64          },
-    {500,  799,  AnalyzerType::GeneralAnalysis },
-    {800,  999,  AnalyzerType::Optimization    },
-    {1000, 1999, AnalyzerType::GeneralAnalysis },
+    {4, 4, AnalyzerType::Bits64}, // the one 64-bit diagnostic among the failures
+    {1, 99, AnalyzerType::Fail},
+    {100, 499, AnalyzerType::Bits64},
+    {500, 799, AnalyzerType::GeneralAnalysis},
+    {800, 999, AnalyzerType::Optimization},
+    {1000, 1999, AnalyzerType::GeneralAnalysis},
     {2000, 2499, AnalyzerType::CustomerSpecific},
-    {2500, 2999, AnalyzerType::Misra           },
-    {3000, 3499, AnalyzerType::GeneralAnalysis },
-    {3500, 3999, AnalyzerType::Autosar         },
-    {5000, 5999, AnalyzerType::Owasp           },
-    {6000, 6999, AnalyzerType::GeneralAnalysis },
+    {2500, 2999, AnalyzerType::Misra},
+    {3000, 3499, AnalyzerType::GeneralAnalysis},
+    {3500, 3999, AnalyzerType::Autosar},
+    {5000, 5999, AnalyzerType::Owasp},
+    {6000, 6999, AnalyzerType::GeneralAnalysis},
 };
 
 // Empty parts are parts: a specification with one is wrong, and must not pass for a shorter one.

@@ -18,10 +18,10 @@ struct KindRow {
 
 // A row is tried only where the text behind the word fits too, so "warn" doesn't hide "warning".
 constexpr KindRow Kinds[] = {
-    {"note",    3},
-    {"warn",    2},
+    {"note", 3},
+    {"warn", 2},
     {"warning", 2},
-    {"error",   1},
+    {"error", 1},
 };
 
 // Takes the character off the front; false, with the text as it is, when another stands there.

@@ -216,39 +216,39 @@ constexpr KeyRow Keys[] = {
      [](Cursor& cursor, const Target& to) {
          return TakeBoolean(cursor, to.message.falseAlarm);
      }},
-    {"level",      true,
+    {"level", true,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeNumber(to.message.level);
      }},
-    {"code",       true,
+    {"code", true,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.message.code);
      }},
-    {"message",    true,
+    {"message", true,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.message.message);
      }},
-    {"positions",  true,
+    {"positions", true,
      [](Cursor& cursor, const Target& to) {
          return TakePositions(cursor, to.message.positions);
      }},
-    {"cwe",        false,
+    {"cwe", false,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeNumber(to.message.cwe);
      }},
-    {"sastId",     false,
+    {"sastId", false,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.message.sastId);
      }},
-    {"prevLine",   false,
+    {"prevLine", false,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.lines[0]);
      }},
-    {"currLine",   false,
+    {"currLine", false,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.lines[1]);
      }},
-    {"nextLine",   false,
+    {"nextLine", false,
      [](Cursor& cursor, const Target& to) {
          return cursor.TakeString(to.lines[2]);
      }},

@@ -19,13 +19,7 @@ struct GroupRow {
 
 // Names regard letter case, all but "all".
 constexpr GroupRow Groups[] = {
-    {"64",      1  },
-    {"GA",      4  },
-    {"OP",      8  },
-    {"CS",      16 },
-    {"MISRA",   32 },
-    {"AUTOSAR", 64 },
-    {"OWASP",   128},
+    {"64", 1}, {"GA", 4}, {"OP", 8}, {"CS", 16}, {"MISRA", 32}, {"AUTOSAR", 64}, {"OWASP", 128},
 };
 constexpr std::uint8_t AllGroups = 255;
 

@@ -38,12 +38,9 @@ struct FieldRow {
 };
 
 constexpr FieldRow Fields[] = {
-    {"FileName",    &SuppressEntry::fileName,  nullptr                    },
-    {"ErrorCode",   &SuppressEntry::errorCode, nullptr                    },
-    {"Message",     &SuppressEntry::message,   nullptr                    },
-    {"CodePrev",    nullptr,                   &SuppressEntry::codePrev   },
-    {"CodeCurrent", nullptr,                   &SuppressEntry::codeCurrent},
-    {"CodeNext",    nullptr,                   &SuppressEntry::codeNext   },
+    {"FileName", &SuppressEntry::fileName, nullptr},       {"ErrorCode", &SuppressEntry::errorCode, nullptr},
+    {"Message", &SuppressEntry::message, nullptr},         {"CodePrev", nullptr, &SuppressEntry::codePrev},
+    {"CodeCurrent", nullptr, &SuppressEntry::codeCurrent}, {"CodeNext", nullptr, &SuppressEntry::codeNext},
 };
 
 /// Receives the events of a base's document. Members that are no part of a base are kept as they are.

@@ -131,9 +131,7 @@ std::string FindingLine(const Unit& unit, const std::string& file, std::string r
     message["level"] = std::stoul(level);
     message["code"] = code;
     message["message"] = rest;
-    message["positions"] = {
-        {{"file", file}, {"line", std::stoul(line)}}
-    };
+    message["positions"] = {{{"file", file}, {"line", std::stoul(line)}}};
     return message.dump();
 }
 

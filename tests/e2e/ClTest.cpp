@@ -29,11 +29,12 @@ TEST_F(ClTest, CoreIsToldWhatTheCommandSays) {
     const std::string compiler =
         sandbox.AddCompiler("VC/Tools/MSVC/14.29/bin/Hostx64/x86/cl", "", "std-number 201703L\n");
     const UnitCase cases[] = {
-        {{"/nologo", "/c"},                  "a.cpp", {{"language", "C++"}, {"std", "c++17"}, {"msvc-await", "no"}}       },
+        {{"/nologo", "/c"}, "a.cpp", {{"language", "C++"}, {"std", "c++17"}, {"msvc-await", "no"}}},
         {{"/std:c++latest", "/await", "/J"},
-         "b.cpp",                                     {{"std", "c++20"}, {"msvc-await", "yes"}, {"funsigned-char", "yes"}}},
-        {{"/std:c11", "/Fo:", "a.obj"},      "c.c",   {{"language", "C"}, {"std", "c11"}}                                 },
-        {{"/std:c++14", "/TP"},              "d.c",   {{"language", "C++"}, {"std", "c++14"}}                             },
+         "b.cpp",
+         {{"std", "c++20"}, {"msvc-await", "yes"}, {"funsigned-char", "yes"}}},
+        {{"/std:c11", "/Fo:", "a.obj"}, "c.c", {{"language", "C"}, {"std", "c11"}}},
+        {{"/std:c++14", "/TP"}, "d.c", {{"language", "C++"}, {"std", "c++14"}}},
     };
     for (const UnitCase& unit : cases) {
         Arguments words = unit.words;
@@ -70,11 +71,7 @@ TEST_F(ClTest, CompilerIsAskedForItsTargetOnce) {
 
 TEST_F(ClTest, WordsInTheEnvironmentCountOnce) {
     const std::string compiler = sandbox.AddCompiler("cl", Banner86, "show-variable CL\nshow-variable _CL_\n");
-    AddUnit(compiler,
-            {
-                "/c", "a.c"
-    },
-            {{"CL", "/std:c11 /Fomine /DFIRST#1 /I \"with blank\""}, {"_CL_", "/DLAST"}});
+    AddUnit(compiler, {"/c", "a.c"}, {{"CL", "/std:c11 /Fomine /DFIRST#1 /I \"with blank\""}, {"_CL_", "/DLAST"}});
     sandbox.SetVariable("CL", "/DRIVERS");
     AddUnit(compiler, {"/c", "b.c"});
     const RunResult result = sandbox.Analyze();

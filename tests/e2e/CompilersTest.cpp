@@ -21,18 +21,18 @@ struct UnitCase {
 
 Settings ExpectedSettings(const UnitCase& unit, const CoreCall& call) {
     Settings expected{
-        {"analysis-mode",     "4"                        },
-        {"fshort-double",     "no"                       },
-        {"fshort-float",      "no"                       },
-        {"funsigned-char",    "no"                       },
-        {"i-file",            call.Setting("i-file")     },
-        {"language",          "C"                        },
-        {"new-output-format", "yes"                      },
-        {"output-file",       call.Setting("output-file")},
-        {"platform",          "x64"                      },
-        {"preprocessor",      "gcc"                      },
-        {"source-file",       unit.source                },
-        {"std",               "c17"                      },
+        {"analysis-mode", "4"},
+        {"fshort-double", "no"},
+        {"fshort-float", "no"},
+        {"funsigned-char", "no"},
+        {"i-file", call.Setting("i-file")},
+        {"language", "C"},
+        {"new-output-format", "yes"},
+        {"output-file", call.Setting("output-file")},
+        {"platform", "x64"},
+        {"preprocessor", "gcc"},
+        {"source-file", unit.source},
+        {"std", "c17"},
     };
     for (const auto& [key, value] : unit.differing) {
         std::find_if(expected.begin(), expected.end(), [&](const auto& entry) { return entry.first == key; })->second =
@@ -46,17 +46,17 @@ TEST_F(CompilersTest, CoreIsToldWhatTheCommandSays) {
     sandbox.AddCompiler("some-g++", "some-g++ (GCC) 12.2.0\n", "std-number 201703L\n");
     sandbox.AddCompiler("some-clang", "not asked", "std-number 201710L\n");
     const UnitCase cases[] = {
-        {"some-gcc",   {},                           "a.c",   {}                                                                },
-        {"some-gcc",   {"-std=c99", "-m32"},         "b.c",   {{"platform", "linux32"}, {"std", "c99"}}                         },
-        {"some-gcc",   {"-m64", "-std=c2x"},         "c.c",   {{"platform", "linux64"}, {"std", "c20"}}                         },
-        {"some-gcc",   {"-ansi", "-funsigned-char"}, "d.c",   {{"funsigned-char", "yes"}, {"std", "c90"}}                       },
-        {"some-gcc",   {"-ansi"},                    "e.cc",  {{"language", "C++"}, {"std", "c++98"}}                           },
-        {"some-gcc",   {"-x", "c", "-std=gnu11"},    "f.cpp", {{"std", "c11"}}                                                  },
-        {"some-gcc",   {"-xc++", "-std=c++20"},      "g.c",   {{"language", "C++"}, {"std", "c++20"}}                           },
-        {"some-gcc",   {"-std=c++14"},               "h.C",   {{"language", "C++"}, {"std", "c++14"}}                           },
-        {"some-g++",   {},                           "i.c",   {{"language", "C++"}, {"std", "c++17"}}                           },
-        {"some-clang", {"-std=gnu++17"},             "j.cpp", {{"language", "C++"}, {"preprocessor", "clang"}, {"std", "c++17"}}},
-        {"some-clang", {"-std=gnu18"},               "k.c",   {{"preprocessor", "clang"}}                                       },
+        {"some-gcc", {}, "a.c", {}},
+        {"some-gcc", {"-std=c99", "-m32"}, "b.c", {{"platform", "linux32"}, {"std", "c99"}}},
+        {"some-gcc", {"-m64", "-std=c2x"}, "c.c", {{"platform", "linux64"}, {"std", "c20"}}},
+        {"some-gcc", {"-ansi", "-funsigned-char"}, "d.c", {{"funsigned-char", "yes"}, {"std", "c90"}}},
+        {"some-gcc", {"-ansi"}, "e.cc", {{"language", "C++"}, {"std", "c++98"}}},
+        {"some-gcc", {"-x", "c", "-std=gnu11"}, "f.cpp", {{"std", "c11"}}},
+        {"some-gcc", {"-xc++", "-std=c++20"}, "g.c", {{"language", "C++"}, {"std", "c++20"}}},
+        {"some-gcc", {"-std=c++14"}, "h.C", {{"language", "C++"}, {"std", "c++14"}}},
+        {"some-g++", {}, "i.c", {{"language", "C++"}, {"std", "c++17"}}},
+        {"some-clang", {"-std=gnu++17"}, "j.cpp", {{"language", "C++"}, {"preprocessor", "clang"}, {"std", "c++17"}}},
+        {"some-clang", {"-std=gnu18"}, "k.c", {{"preprocessor", "clang"}}},
     };
     for (const UnitCase& unit : cases) {
         sandbox.Write(unit.source, "int x;\n");
@@ -119,9 +119,7 @@ TEST_F(CompilersTest, CompilerIsAskedOncePerPathAndStandard) {
     for (int unit = 0; unit < 12; ++unit) {
         const std::string source = "unit" + std::to_string(unit) + ".c";
         sandbox.Write(source, "int x;\n");
-        sandbox.AddEntry({
-            {sandbox.Path(unit % 2 == 0 ? "tools/fake-gcc" : "tools/fake-clang"), "-c", source}
-        });
+        sandbox.AddEntry({{sandbox.Path(unit % 2 == 0 ? "tools/fake-gcc" : "tools/fake-clang"), "-c", source}});
     }
     const RunResult result = sandbox.Analyze({"-j", "4"});
     EXPECT_EQ(result.exitCode, 0) << result;
@@ -138,14 +136,8 @@ TEST_F(CompilersTest, CompilerIsFoundAsTheCommandWouldFindIt) {
     sandbox.AddCompiler("my-gcc", "gcc 12\n");
     sandbox.Write("a.c", "int a;\n");
     sandbox.Write("b.c", "int b;\n");
-    sandbox.AddEntry({
-        {"my-gcc", "-std=c11", "-c", "a.c"},
-        "", {{"PATH", sandbox.Path("tools")}   }
-    });
-    sandbox.AddEntry({
-        {"../tools/my-gcc", "-std=c11", "-c", sandbox.Path("b.c")},
-        sandbox.Path("records")
-    });
+    sandbox.AddEntry({{"my-gcc", "-std=c11", "-c", "a.c"}, "", {{"PATH", sandbox.Path("tools")}}});
+    sandbox.AddEntry({{"../tools/my-gcc", "-std=c11", "-c", sandbox.Path("b.c")}, sandbox.Path("records")});
     const RunResult result = sandbox.Analyze();
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(sandbox.CoreCalls().size(), 2U) << result;

@@ -36,13 +36,8 @@ TEST_F(ConverterTest, RendersEveryFormThatIsAskedFor) {
 
 TEST_F(ConverterTest, FiltersAsItIsTold) {
     const std::pair<Arguments, std::size_t> cases[] = {
-        {{},                1},
-        {{"-a", "GA:1"},    1},
-        {{"-a", "GA:2"},    0},
-        {{"-d", "V1,V501"}, 0},
-        {{"-w", "x"},       0},
-        {{"-w", "xx"},      1},
-        {{"-e", "/a."},     0},
+        {{}, 1},          {{"-a", "GA:1"}, 1}, {{"-a", "GA:2"}, 0}, {{"-d", "V1,V501"}, 0},
+        {{"-w", "x"}, 0}, {{"-w", "xx"}, 1},   {{"-e", "/a."}, 0},
     };
     for (const auto& [options, count] : cases) {
         Arguments arguments = {"r.log", "-t", "json", "-n", "-o", "out.json"};
@@ -93,15 +88,15 @@ TEST_F(ConverterTest, ShowsWhatIsNewAndStopsABuildForIt) {
                              R"("CodePrev":0,"CodeCurrent":121,"CodeNext":0}]})";
     sandbox.Write("base.json", base);
     const std::pair<Arguments, int> gates[] = {
-        {{"--fail-on", "all"},                                                       2},
-        {{"--fail-on", "64:2"},                                                      2},
-        {{"--fail-on", "64:1;OP"},                                                   0},
-        {{"--fail-on", "64", "-s", "base.json"},                                     0},
-        {{"--fail-on", "all", "-s", "base.json"},                                    2},
-        {{"--fail-on", "all", "-s", "base.json", "--diff", "r.log"},                 0},
+        {{"--fail-on", "all"}, 2},
+        {{"--fail-on", "64:2"}, 2},
+        {{"--fail-on", "64:1;OP"}, 0},
+        {{"--fail-on", "64", "-s", "base.json"}, 0},
+        {{"--fail-on", "all", "-s", "base.json"}, 2},
+        {{"--fail-on", "all", "-s", "base.json", "--diff", "r.log"}, 0},
         {{"--fail-on", "64", "-s", "base.json", "-t", "sarif", "--keep-suppressed"}, 0},
-        {{"--fail-on", "64", "-d", "V112"},                                          0},
-        {{"--fail-on", "64:x"},                                                      1},
+        {{"--fail-on", "64", "-d", "V112"}, 0},
+        {{"--fail-on", "64:x"}, 1},
     };
     for (const auto& [options, exitCode] : gates) {
         Arguments arguments = {"new.log", "-t", "totals"};
@@ -117,18 +112,18 @@ TEST_F(ConverterTest, TellsItsFaults) {
     sandbox.Write("r.json", "{\"warnings\":[]}");
     sandbox.Write("out.json", "before");
     const std::pair<Arguments, std::string> cases[] = {
-        {{"r.log"},                                       "Error: Render type is required\n"                                    },
+        {{"r.log"}, "Error: Render type is required\n"},
         {{"r.log", "-t", "raw", "-t", "json", "-o", "-"},
-         "Error: Standard output takes one form, not 2\nGive a folder with -o, or ask for one form\n"                           },
+         "Error: Standard output takes one form, not 2\nGive a folder with -o, or ask for one form\n"},
         {{"r.log", "-t", "text", "--keep-suppressed"},
-         "Error: --keep-suppressed needs a suppression base\nName it with --suppress-file FILE\n"                               },
+         "Error: --keep-suppressed needs a suppression base\nName it with --suppress-file FILE\n"},
         {{"r.log", "-t", "text", "-a", "GA: 1"},
          "Error: Wrong analyzers format: GA: 1\n\" 1\" at character 4 is no level; write analyzers and levels without "
-         "blanks, such as GA:1,2;64:1\n"                                                                                        },
-        {{"r.log", "-t", "json", "-o", "none/out.json"},  "Error: Couldn't create directory: none\n"                            },
-        {{"bad.log", "-t", "json", "-o", "out.json"},     "Error: bad.log, line 3: error parsing old format message\n"          },
-        {{"r.json", "-t", "json"},                        "Error: The output would replace the report it is made from: r.json\n"},
-        {{"r.log", "-t", "json", "-a", "x"},              "Error: Wrong analyzer name: x\n"                                     },
+         "blanks, such as GA:1,2;64:1\n"},
+        {{"r.log", "-t", "json", "-o", "none/out.json"}, "Error: Couldn't create directory: none\n"},
+        {{"bad.log", "-t", "json", "-o", "out.json"}, "Error: bad.log, line 3: error parsing old format message\n"},
+        {{"r.json", "-t", "json"}, "Error: The output would replace the report it is made from: r.json\n"},
+        {{"r.log", "-t", "json", "-a", "x"}, "Error: Wrong analyzer name: x\n"},
     };
     for (const auto& [arguments, output] : cases) {
         const RunResult result = Convert(arguments);

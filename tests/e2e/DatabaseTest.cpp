@@ -36,17 +36,17 @@ struct BadDatabase {
 };
 
 const BadDatabase BadDatabases[] = {
-    {R"([])",                                                              NoInvocations                        },
-    {R"({})",                                                              NoInvocations                        },
-    {R"(null)",                                                            NoInvocations                        },
-    {R"([{"arguments": ["gcc", "-c", "a.c"]}])",                           NoMember                             },
-    {R"([{"directory": "/"}])",                                            NoMember                             },
-    {R"([{"directory": 1, "command": "gcc -c a.c"}])",                     "type must be string, but is number" },
-    {R"([{"directory": "/", "command": null}])",                           "type must be string, but is null"   },
-    {R"([{"directory": "/", "arguments": ["gcc", false]}])",               "type must be string, but is boolean"},
-    {R"([{"directory": "/", "command": "gcc", "environment": {"A": 1}}])", "type must be string, but is number" },
-    {R"([{"directory": "/", "command": "gcc -c a.c"},])",                  NoJson                               },
-    {R"()",                                                                NoJson                               },
+    {R"([])", NoInvocations},
+    {R"({})", NoInvocations},
+    {R"(null)", NoInvocations},
+    {R"([{"arguments": ["gcc", "-c", "a.c"]}])", NoMember},
+    {R"([{"directory": "/"}])", NoMember},
+    {R"([{"directory": 1, "command": "gcc -c a.c"}])", "type must be string, but is number"},
+    {R"([{"directory": "/", "command": null}])", "type must be string, but is null"},
+    {R"([{"directory": "/", "arguments": ["gcc", false]}])", "type must be string, but is boolean"},
+    {R"([{"directory": "/", "command": "gcc", "environment": {"A": 1}}])", "type must be string, but is number"},
+    {R"([{"directory": "/", "command": "gcc -c a.c"},])", NoJson},
+    {R"()", NoJson},
 };
 
 TEST_F(DatabaseTest, FaultyDatabaseEndsTheRunWithItsReason) {
@@ -117,13 +117,8 @@ TEST_F(DatabaseTest, VariablesOfAnEntryAreItsOwn) {
         sandbox.AddCompiler("fake-gcc", "gcc 12\n", "show-variable NAME_1\nshow-variable bad-name\n");
     sandbox.Write("a.c", "int a;\n");
     sandbox.Write("b.c", "int b;\n");
-    sandbox.AddEntry({
-        {compiler, "-std=c11", "-c", "a.c"},
-        "", {{"NAME_1", "first"},   {"bad-name", "set"}            }
-    });
-    sandbox.AddEntry({
-        {compiler, "-std=c11", "-c", "b.c"}
-    });
+    sandbox.AddEntry({{compiler, "-std=c11", "-c", "a.c"}, "", {{"NAME_1", "first"}, {"bad-name", "set"}}});
+    sandbox.AddEntry({{compiler, "-std=c11", "-c", "b.c"}});
     EXPECT_EQ(sandbox.Analyze().exitCode, 0);
     const std::vector<CoreCall> calls = sandbox.CoreCalls();
     ASSERT_EQ(calls.size(), 2U);
@@ -157,9 +152,7 @@ TEST_F(DatabaseTest, EveryInvocationHasOneFateAndItIsTold) {
     }
     AddCommand("-c a.c", {"ccache"});
     AddCommand("-c b.c", {"ccache"});
-    sandbox.AddEntry({
-        {sandbox.Path("tools/vanished"), "-c", "a.c"}
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/vanished"), "-c", "a.c"}});
     const RunResult result = sandbox.Analyze({"-e", sandbox.Path("excluded.c"), "--verbose", "-o", "report.json"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_EQ(result.Count("use --ignore-ccache to analyze them"), 1U) << result;
@@ -176,9 +169,7 @@ TEST_F(DatabaseTest, EveryInvocationHasOneFateAndItIsTold) {
 TEST_F(DatabaseTest, RunThatSkippedEverythingIsNoSuccess) {
     sandbox.AddUnit("a.c");
     Sandbox own;
-    own.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "a.o", "-o", "program"}
-    });
+    own.AddEntry({{sandbox.Path("tools/fake-gcc"), "a.o", "-o", "program"}});
     const RunResult result = own.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("Error: No source file to analyze\n")) << result;
@@ -191,9 +182,7 @@ TEST_F(DatabaseTest, InvocationOfSeveralSourcesGivesAUnitForEach) {
     sandbox.AddUnit("a.c");
     sandbox.Write("b.c", "int b;\n");
     sandbox.Write("c.cpp", "int c;\n");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "-c", "b.c", "-DX", "c.cpp"}
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/fake-gcc"), "-c", "b.c", "-DX", "c.cpp"}});
     const RunResult result = sandbox.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
     const std::vector<std::string> sources{sandbox.Path("a.c"), "b.c", "c.cpp"};
@@ -204,9 +193,7 @@ TEST_F(DatabaseTest, InvocationOfSeveralSourcesGivesAUnitForEach) {
 
 TEST_F(DatabaseTest, MissingSourceBecomesAFinding) {
     sandbox.AddUnit("a.c");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "gone.c"}
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "gone.c"}});
     sandbox.AddUnit("b.c");
     const RunResult result = sandbox.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 1) << result;
@@ -220,9 +207,7 @@ TEST_F(DatabaseTest, MissingSourceBecomesAFinding) {
 TEST_F(DatabaseTest, CcacheIsUnwrappedOnDemand) {
     sandbox.AddUnit("a.c");
     sandbox.Write("b.c", "int b;\n");
-    sandbox.AddEntry({
-        {"ccache", sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "b.c"}
-    });
+    sandbox.AddEntry({{"ccache", sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "b.c"}});
     const RunResult result = sandbox.Analyze({"--ignore-ccache"});
     EXPECT_EQ(result.exitCode, 0) << result;
     EXPECT_EQ(sandbox.CoreCalls().size(), 2U) << result;

@@ -49,13 +49,13 @@ struct BadCommandLine {
 
 TEST_F(EntryTest, BadCommandLineIsExplainedBeforeTheHelp) {
     const BadCommandLine cases[] = {
-        {{},                            ""       },
-        {{"frobnicate"},                ""       },
-        {{"--bogus"},                   "bogus"  },
-        {{"analyze", "--bogus"},        "bogus"  },
-        {{"analyze", "--threads"},      "threads"},
-        {{"analyze", "--quiet=yes"},    "quiet"  },
-        {{"analyze", "stray-argument"}, "stray"  },
+        {{}, ""},
+        {{"frobnicate"}, ""},
+        {{"--bogus"}, "bogus"},
+        {{"analyze", "--bogus"}, "bogus"},
+        {{"analyze", "--threads"}, "threads"},
+        {{"analyze", "--quiet=yes"}, "quiet"},
+        {{"analyze", "stray-argument"}, "stray"},
     };
     for (const BadCommandLine& bad : cases) {
         const RunResult result = sandbox.Run(bad.arguments);

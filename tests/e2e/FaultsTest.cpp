@@ -10,10 +10,7 @@ class FaultsTest : public SandboxTest {};
 
 TEST_F(FaultsTest, VanishedFolderFailsItsUnitAlone) {
     sandbox.AddUnit("a.c");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "gone.c"},
-        sandbox.Path("vanished")
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/fake-gcc"), "-std=c11", "-c", "gone.c"}, sandbox.Path("vanished")});
     const RunResult result = sandbox.Analyze({"-o", "report.json", "-q"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says(sandbox.Path("vanished/gone.c"))) << result;

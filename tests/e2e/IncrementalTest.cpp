@@ -28,15 +28,15 @@ void WriteLater(const Sandbox& sandbox, const std::string& file, const std::stri
 }
 
 const Change Changes[] = {
-    {"a header that two include",   "common.h",     "int common2;\n",         0, {"a.c", "b.c"}},
-    {"a header behind another",     "inner.h",      "int inner2;\n",          0, {"a.c"}       },
-    {"a source",                    "c.c",          "int c2;\n",              0, {"c.c"}       },
-    {"another include",             "c.c",          "#include \"inner.h\"\n", 0, {"c.c"}       },
-    {"a header newly included",     "inner.h",      "int inner3;\n",          0, {"a.c", "c.c"}},
-    {"the size stays",              "common.h",     "int common3;\n",         0, {"a.c", "b.c"}},
-    {"a settings file",             "settings.cfg", "timeout=5\n",            0, {}            },
-    {"a later time, equal content", "common.h",     "int common3;\n",         1, {}            },
-    {"a time in the future",        "common.h",     "int common4;\n",         1, {"a.c", "b.c"}},
+    {"a header that two include", "common.h", "int common2;\n", 0, {"a.c", "b.c"}},
+    {"a header behind another", "inner.h", "int inner2;\n", 0, {"a.c"}},
+    {"a source", "c.c", "int c2;\n", 0, {"c.c"}},
+    {"another include", "c.c", "#include \"inner.h\"\n", 0, {"c.c"}},
+    {"a header newly included", "inner.h", "int inner3;\n", 0, {"a.c", "c.c"}},
+    {"the size stays", "common.h", "int common3;\n", 0, {"a.c", "b.c"}},
+    {"a settings file", "settings.cfg", "timeout=5\n", 0, {}},
+    {"a later time, equal content", "common.h", "int common3;\n", 1, {}},
+    {"a time in the future", "common.h", "int common4;\n", 1, {"a.c", "b.c"}},
 };
 
 TEST_F(IncrementalTest, RunsExactlyWhatAChangeTouchesAndKeepsTheReportWhole) {
@@ -65,7 +65,7 @@ TEST_F(IncrementalTest, RunsWhatOtherInputsChange) {
     EXPECT_EQ(Incremental().exitCode, 0);
     EXPECT_EQ(Analyzed(), Names{"d.c"}) << "a second unit of one source";
     const std::pair<const char*, Arguments> options[] = {
-        {"settings",    {"-a", "64"}     },
+        {"settings", {"-a", "64"}},
         {"environment", {"-E", "CPATH=x"}},
     };
     for (const auto& [what, words] : options) {
@@ -226,12 +226,7 @@ TEST_F(IncrementalTest, RegenerationListsEveryUnitAnew) {
     EXPECT_EQ(Analyzed(), Names{});
     EXPECT_EQ(DependencyInfo().size(), 3U);
     EXPECT_FALSE(sandbox.Exists("report.json"));
-    const Arguments ways[] = {
-        {           },
-        {"-i"        },
-        {"--dep-file", "common.h"},
-        {"--intermodular"           }
-    };
+    const Arguments ways[] = {{}, {"-i"}, {"--dep-file", "common.h"}, {"--intermodular"}};
     for (const Arguments& way : ways) {
         sandbox.ForgetCoreCalls();
         Arguments options = {"--regenerate-depend-info", "run-analysis", "-e", "*c.c", "-o", "report.json"};
@@ -284,9 +279,7 @@ TEST_F(IncrementalTest, OnlyOneRunUsesWhatIsKept) {
 TEST_F(IncrementalTest, KeepsWhatIsKnownOfUnitsThatAreNotInTheRun) {
     MakeCleanFolder();
     sandbox.AddCompiler("other-gcc", "fake-gcc (Fake) 12.2.0\n");
-    Entry entry{
-        {sandbox.Path("tools/other-gcc"), "-c", sandbox.Path("c.c")}
-    };
+    Entry entry{{sandbox.Path("tools/other-gcc"), "-c", sandbox.Path("c.c")}};
     sandbox.AddEntry(entry); // the source of another unit as well
     ASSERT_EQ(Incremental().exitCode, 0);
     for (const char* const name : {"other-gcc", "fake-gcc"}) {
@@ -308,16 +301,16 @@ struct Obstacle {
 TEST_F(IncrementalTest, DamageOfWhatIsKeptCostsTimeOnly) {
     MakeCleanFolder();
     const Obstacle rows[] = {
-        {".Orvanta/depend_info.json", nullptr },
-        {".Orvanta/depend_info.json", "[{"    },
-        {".Orvanta/unit_history.bin", nullptr },
-        {".Orvanta/unit_history.bin", "cut"   },
-        {".Orvanta/findings-1",       nullptr },
-        {".Orvanta/findings-1",       "cut"   },
-        {".Orvanta/report.mark",      nullptr },
-        {".Orvanta/report.mark",      "1 2 3" },
-        {".Orvanta",                  "a file"},
-        {".Orvanta/.orvtmp-clock",    nullptr },
+        {".Orvanta/depend_info.json", nullptr},
+        {".Orvanta/depend_info.json", "[{"},
+        {".Orvanta/unit_history.bin", nullptr},
+        {".Orvanta/unit_history.bin", "cut"},
+        {".Orvanta/findings-1", nullptr},
+        {".Orvanta/findings-1", "cut"},
+        {".Orvanta/report.mark", nullptr},
+        {".Orvanta/report.mark", "1 2 3"},
+        {".Orvanta", "a file"},
+        {".Orvanta/.orvtmp-clock", nullptr},
     };
     for (const Obstacle& row : rows) {
         std::filesystem::remove_all(NativePath(sandbox.Path(".Orvanta")));

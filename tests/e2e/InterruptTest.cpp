@@ -69,9 +69,7 @@ TEST_F(InterruptTest, EndsAHangingCompiler) {
 TEST_F(InterruptTest, EndsAHangingVersionQueryAndProbe) {
     const std::string silent = sandbox.AddCompiler("silent", "", "version-hang\n");
     sandbox.Write("a.c", "int a;\n");
-    sandbox.AddEntry({
-        {silent, "-c", "a.c"}
-    });
+    sandbox.AddEntry({{silent, "-c", "a.c"}});
     InterruptibleRun query(sandbox, {"-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return IsReady("tools/version-query.hangs"); }));
     query.Interrupt();
@@ -81,9 +79,7 @@ TEST_F(InterruptTest, EndsAHangingVersionQueryAndProbe) {
     own.AddCompiler("fake-clang", "");
     own.Write("a.cpp", "int a;\n");
     own.Write("tools/fake-clang.script", "hang-on-probe\n");
-    own.AddEntry({
-        {own.Path("tools/fake-clang"), "-c", "a.cpp"}
-    });
+    own.AddEntry({{own.Path("tools/fake-clang"), "-c", "a.cpp"}});
     InterruptibleRun probe(own, {"-o", "report.json"});
     ASSERT_TRUE(HoldsSoon([&] { return own.Exists("tools/probe.hangs"); }));
     probe.Interrupt();

@@ -24,10 +24,7 @@ TEST_F(OddPathsTest, SurviveFromTheDatabaseToTheReport) {
         const std::string file = name.substr(name.find('/') + 1) + ".c";
         sandbox.Write(name + ".c", "int x;\n");
         sandbox.WriteScript(name + ".c", {"finding V501 1 2 found"});
-        sandbox.AddEntry({
-            {compiler, "-std=c11", "-c", JoinPath(folder, file)},
-            folder
-        });
+        sandbox.AddEntry({{compiler, "-std=c11", "-c", JoinPath(folder, file)}, folder});
         expected.push_back({"V501", 1, JoinPath(folder, file), 2, "found"});
     }
     const std::string report = "re port #1=\xC3\xA4'.json";

@@ -29,18 +29,18 @@ TEST_F(OptionsTest, FirstFaultEndsTheRunWithItsText) {
     sandbox.AddUnit("a.c");
     sandbox.Write("list.txt", "a.c\n");
     const OptionError cases[] = {
-        {{"-c", "no.cfg", "-S", "no.txt"},                      "Config file doesn't exist: "                                               },
-        {{"-c", "no.cfg", "-i", "-S", "list.txt"},              "Config file doesn't exist: "                                               },
-        {{"-S", "no.txt", "-i"},                                "List of files to analyze doesn't exist: "                                  },
-        {{"--orvanta-path", "no-core", "-i", "-S", "list.txt"}, "Specified path to Orvanta doesn't exist: "                                 },
-        {{"-i", "--intermodular", "-S", "list.txt"},            "Flags --incremental and --source-files cannot be used together"            },
-        {{"--intermodular", "-S", "list.txt"},                  "Flags --source-files and --intermodular cannot be used together"           },
-        {{"-i", "--intermodular"},                              "Flags --incremental and --intermodular cannot be used together"            },
-        {{"-a", "ga"},                                          "Wrong diagnostic group name: 'ga'"                                         },
-        {{"-a", ""},                                            "Diagnostic group name is empty!"                                           },
-        {{"-a", "256"},                                         "Diagnostic group parameter was entered as number and was greater than 255."},
-        {{"-f", "no.json"},                                     "Couldn't open file "                                                       },
-        {{"-C", "othercc"},                                     "No source file to analyze"                                                 },
+        {{"-c", "no.cfg", "-S", "no.txt"}, "Config file doesn't exist: "},
+        {{"-c", "no.cfg", "-i", "-S", "list.txt"}, "Config file doesn't exist: "},
+        {{"-S", "no.txt", "-i"}, "List of files to analyze doesn't exist: "},
+        {{"--orvanta-path", "no-core", "-i", "-S", "list.txt"}, "Specified path to Orvanta doesn't exist: "},
+        {{"-i", "--intermodular", "-S", "list.txt"}, "Flags --incremental and --source-files cannot be used together"},
+        {{"--intermodular", "-S", "list.txt"}, "Flags --source-files and --intermodular cannot be used together"},
+        {{"-i", "--intermodular"}, "Flags --incremental and --intermodular cannot be used together"},
+        {{"-a", "ga"}, "Wrong diagnostic group name: 'ga'"},
+        {{"-a", ""}, "Diagnostic group name is empty!"},
+        {{"-a", "256"}, "Diagnostic group parameter was entered as number and was greater than 255."},
+        {{"-f", "no.json"}, "Couldn't open file "},
+        {{"-C", "othercc"}, "No source file to analyze"},
     };
     for (const OptionError& bad : cases) {
         Arguments options{"analyze"};
@@ -73,10 +73,10 @@ struct Precedence {
 
 TEST_F(OptionsTest, OptionBeatsSettingsFileBeatsDefault) {
     const Precedence cases[] = {
-        {"analysis-mode", "4",        "analysis-mode = GA;OP", "12",      {"-a", "MISRA"},       "32"   },
-        {"platform",      "x64",      "platform=linux32",      "linux32", {"--platform", "arm"}, "arm"  },
-        {"preprocessor",  "gcc",      "preprocessor=clang",    "clang",   {"-p", "other"},       "other"},
-        {"no-noise",      "(absent)", "no-noise=a = b",        "a = b",   {},                    "a = b"},
+        {"analysis-mode", "4", "analysis-mode = GA;OP", "12", {"-a", "MISRA"}, "32"},
+        {"platform", "x64", "platform=linux32", "linux32", {"--platform", "arm"}, "arm"},
+        {"preprocessor", "gcc", "preprocessor=clang", "clang", {"-p", "other"}, "other"},
+        {"no-noise", "(absent)", "no-noise=a = b", "a = b", {}, "a = b"},
     };
     for (const Precedence& row : cases) {
         Sandbox own;
@@ -165,9 +165,7 @@ TEST_F(OptionsTest, CompilerFilterIgnoresCaseAndSuffix) {
     const std::string other = sandbox.AddCompiler("other-gcc", "gcc 12\n");
     sandbox.Write("b.c", "int b;\n");
     sandbox.AddUnit("a.c");
-    sandbox.AddEntry({
-        {other, "-c", sandbox.Path("b.c")}
-    });
+    sandbox.AddEntry({{other, "-c", sandbox.Path("b.c")}});
     for (const char* const name : {"FAKE-gcc", "fake-gcc.exe"}) {
         sandbox.ForgetCoreCalls();
         const RunResult result = sandbox.Analyze({"-C", name});
@@ -182,11 +180,9 @@ TEST_F(OptionsTest, GivenVariablesGoOverTheEntrysGoOverTheDriversOwn) {
     sandbox.AddCompiler("fake-gcc", "gcc 12\n",
                         "show-variable FROM_DRIVER\nshow-variable FROM_ENTRY\nshow-variable FROM_OPTION\n");
     sandbox.Write("a.c", "int a;\n");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "-std=c17", "-c", "a.c"},
-        "",
-        {{"FROM_ENTRY", "entry"},                         {"FROM_OPTION", "entry"}                                  }
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/fake-gcc"), "-std=c17", "-c", "a.c"},
+                      "",
+                      {{"FROM_ENTRY", "entry"}, {"FROM_OPTION", "entry"}}});
     for (const char* const name : {"FROM_DRIVER", "FROM_ENTRY", "FROM_OPTION"}) {
         sandbox.SetVariable(name, "driver");
     }
@@ -203,10 +199,7 @@ TEST_F(OptionsTest, DumpedDatabaseGivesTheSameReport) {
     sandbox.Write("args.rsp", "-DX=\"1\" -c b.c");
     sandbox.AddUnit("a.c", {}, {"-DQUOTED=\"a b\""});
     sandbox.Write("b.c", "int b;\n");
-    sandbox.AddEntry({
-        {sandbox.Path("tools/fake-gcc"), "@args.rsp"},
-        "", {{"NAME", "value"}                             }
-    });
+    sandbox.AddEntry({{sandbox.Path("tools/fake-gcc"), "@args.rsp"}, "", {{"NAME", "value"}}});
     EXPECT_EQ(sandbox.Analyze({"-o", "first.json", "--dump-json", "dumped.json"}).exitCode, 0);
     EXPECT_EQ(sandbox.Analyze({"-o", "second.json", "-f", "dumped.json"}).exitCode, 0);
     EXPECT_EQ(Report("first.json").size(), 2U);

@@ -65,9 +65,7 @@ TEST_F(ReportTest, FormFollowsTheNameAndTheSetting) {
 
     EXPECT_EQ(sandbox.Analyze({"-o", "report.json"}).exitCode, 0);
     EXPECT_EQ(sandbox.Analyze({"-o", "report.txt"}).exitCode, 0);
-    const std::vector<Finding> expected{
-        {"V501", 1, sandbox.Path("a.c"), 3, "Text with \"quotes\" and <tags>"}
-    };
+    const std::vector<Finding> expected{{"V501", 1, sandbox.Path("a.c"), 3, "Text with \"quotes\" and <tags>"}};
     EXPECT_EQ(Report(), expected);
     EXPECT_EQ(FindingsOfLines(sandbox.Read("report.txt")), expected);
 
@@ -105,9 +103,9 @@ TEST_F(ReportTest, FindingInASharedHeaderStandsOnce) {
     EXPECT_EQ(sandbox.Analyze({"-o", "report.json"}).exitCode, 0);
     const std::vector<Finding> findings = Report();
     const std::vector<Finding> expected{
-        {"V501", 1, "/usr/shared.h",     7, "same text"},
+        {"V501", 1, "/usr/shared.h", 7, "same text"},
         {"V501", 1, sandbox.Path("a.c"), 7, "same text"},
-        {"V501", 1, "/usr/shared.h",     8, "same text"},
+        {"V501", 1, "/usr/shared.h", 8, "same text"},
     };
     EXPECT_EQ(findings, expected);
 }

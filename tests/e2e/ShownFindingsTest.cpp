@@ -37,14 +37,10 @@ TEST_F(ShownFindingsTest, TheWorstComeFirstWithPathsFromHere) {
 
 TEST_F(ShownFindingsTest, TheGateLooksAtWhatIsShownAndFailuresWin) {
     const std::pair<Arguments, int> cases[] = {
-        {{"--fail-on", "GA:1"},              2},
-        {{"--fail-on", "64", "-q"},          2},
-        {{"--fail-on", "64:1;OP"},           0},
-        {{"--fail-on", "all"},               2},
-        {{"--fail-on", "all", "-s", "base"}, 0},
-        {{"--fail-on", "all", "-i"},         2},
-        {{"--fail-on", "all", "-i"},         2}, // nothing has changed: the report stays and is looked at
-        {{"--fail-on", "GA: 1"},             1},
+        {{"--fail-on", "GA:1"}, 2},      {{"--fail-on", "64", "-q"}, 2},          {{"--fail-on", "64:1;OP"}, 0},
+        {{"--fail-on", "all"}, 2},       {{"--fail-on", "all", "-s", "base"}, 0}, {{"--fail-on", "all", "-i"}, 2},
+        {{"--fail-on", "all", "-i"}, 2}, // nothing has changed: the report stays and is looked at
+        {{"--fail-on", "GA: 1"}, 1},
     };
     EXPECT_EQ(sandbox.Analyze({"-o", "r.json"}).exitCode, 0);
     EXPECT_EQ(sandbox.Run({"suppress", "r.json", "-o", "base"}).exitCode, 0);

@@ -37,11 +37,11 @@ struct ListFault {
 TEST_F(SourceListTest, ThatSelectsNothingEndsTheRunWithItsReason) {
     sandbox.Write("other.h", "");
     const ListFault rows[] = {
-        {"",                 "Error: The list of source files is empty.\n"                         },
-        {" \n\t\n",          "Error: The list of source files is empty.\n"                         },
-        {"none.c\nno/a.c\n", "Error: The list of source files does not contain valid paths.\n"     },
-        {"other.h\n",        "\nNothing to analyze - no files from source files list were found.\n"},
-        {"other.h\n",        "\nWarning: no source file of the build is or includes "              },
+        {"", "Error: The list of source files is empty.\n"},
+        {" \n\t\n", "Error: The list of source files is empty.\n"},
+        {"none.c\nno/a.c\n", "Error: The list of source files does not contain valid paths.\n"},
+        {"other.h\n", "\nNothing to analyze - no files from source files list were found.\n"},
+        {"other.h\n", "\nWarning: no source file of the build is or includes "},
     };
     for (const ListFault& row : rows) {
         sandbox.Write("list.txt", row.list);

@@ -19,11 +19,11 @@ protected:
         std::string text;
         for (const std::string& code : codes) {
             nlohmann::ordered_json message = {
-                {"falseAlarm", false                                                     },
-                {"level",      1                                                         },
-                {"code",       code                                                      },
-                {"message",    "found by " + code                                        },
-                {"positions",  {{{"file", "/p/src/test.c"}, {"line", code.size() + 18U}}}},
+                {"falseAlarm", false},
+                {"level", 1},
+                {"code", code},
+                {"message", "found by " + code},
+                {"positions", {{{"file", "/p/src/test.c"}, {"line", code.size() + 18U}}}},
             };
             text += message.dump() + "\n";
         }
@@ -63,13 +63,13 @@ TEST_F(SuppressionTest, CommandsSayWhatTheyDid) {
 
 TEST_F(SuppressionTest, OptionsChooseWhatIsSuppressed) {
     const std::pair<Arguments, std::size_t> cases[] = {
-        {{},                               3}, // lines 22, 23 and 24
-        {{"-a", "GA"},                     1},
-        {{"--analyzer=MISRA:1+GA:2"},      1},
-        {{"-v", "501"},                    1},
+        {{}, 3}, // lines 22, 23 and 24
+        {{"-a", "GA"}, 1},
+        {{"--analyzer=MISRA:1+GA:2"}, 1},
+        {{"-v", "501"}, 1},
         {{"--warning=V501", "-v", "2501"}, 2},
-        {{"-f", "test.c:22"},              1},
-        {{"-f", "other.c"},                0},
+        {{"-f", "test.c:22"}, 1},
+        {{"-f", "other.c"}, 0},
         {{"--file=test.c", "-v", "V2501"}, 1},
     };
     WriteReport("r.log", {"V501", "V2501", "V05001"});
@@ -97,27 +97,27 @@ TEST_F(SuppressionTest, FaultsAreToldAndNothingIsTouched) {
     const std::string report = sandbox.Read("r.log");
     const FaultCase cases[] = {
         {{"suppress", "r.log", "-f", ":22", "-o", "d"},
-         "Error: Specifying only the line number without file name is not supported for the '--file' argument.\n"          },
+         "Error: Specifying only the line number without file name is not supported for the '--file' argument.\n"},
         {{"suppress", "r.log", "-f", "src/test.c", "-o", "d"},
-         "Error: You can only use name of the file in the '--file' argument. Specifying file path is not supported.\n"     },
-        {{"suppress", "r.log", "-f", "test.c:x"},              "Error: invalid stoul argument\n"                           },
-        {{"suppress", "r.log", "-o", "d", "-a", "XX"},         "Error: d is a directory\n"                                 },
-        {{"suppress", "none.log", "-a", "XX"},                 "Error: Wrong analyzer name: XX\n"                          },
+         "Error: You can only use name of the file in the '--file' argument. Specifying file path is not supported.\n"},
+        {{"suppress", "r.log", "-f", "test.c:x"}, "Error: invalid stoul argument\n"},
+        {{"suppress", "r.log", "-o", "d", "-a", "XX"}, "Error: d is a directory\n"},
+        {{"suppress", "none.log", "-a", "XX"}, "Error: Wrong analyzer name: XX\n"},
         {{"suppress", "none.log", "-a", "GA:x"},
          "Error: Wrong analyzers format: GA:x\n\"x\" at character 4 is no level; write analyzers and levels without "
-         "blanks, such as GA:1,2;64:1\n"                                                                                   },
-        {{"suppress", "none.log"},                             "Error: Couldn't open file none.log\n"                      },
-        {{"suppress", "bad.log"},                              "Error: bad.log, line 1: error parsing old format message\n"},
-        {{"suppress", "r.log", "-o", "bad.json"},              "Error: bad.json, entry 1: field FileName is not found\n"   },
-        {{"suppress", "r.log", "-o", "none/base.json"},        "Error: File doesn't exists: none/base.json\n"              },
+         "blanks, such as GA:1,2;64:1\n"},
+        {{"suppress", "none.log"}, "Error: Couldn't open file none.log\n"},
+        {{"suppress", "bad.log"}, "Error: bad.log, line 1: error parsing old format message\n"},
+        {{"suppress", "r.log", "-o", "bad.json"}, "Error: bad.json, entry 1: field FileName is not found\n"},
+        {{"suppress", "r.log", "-o", "none/base.json"}, "Error: File doesn't exists: none/base.json\n"},
         {{"suppress", "r.log", "-o", "old.json"},
          "Error: The version of your suppress file is outdated. Appending new suppressed messages to it is not "
-         "possible. Consider re-generating your suppress file to continue updating it.\n"                                  },
-        {{"filter-suppressed", "r.log"},                       "Error: Couldn't open file suppress_base.json\n"            },
-        {{"filter-suppressed", "r.log", "-s", "bad.json"},     "Error: bad.json, entry 1: field FileName is not found\n"   },
+         "possible. Consider re-generating your suppress file to continue updating it.\n"},
+        {{"filter-suppressed", "r.log"}, "Error: Couldn't open file suppress_base.json\n"},
+        {{"filter-suppressed", "r.log", "-s", "bad.json"}, "Error: bad.json, entry 1: field FileName is not found\n"},
         {{"filter-suppressed", "bad.log", "-s", "old.json"},
-         "Error: bad.log, line 1: error parsing old format message\n"                                                      },
-        {{"filter-suppressed", "none.log", "-s", "old.json"},  "Error: Couldn't open file none.log\n"                      },
+         "Error: bad.log, line 1: error parsing old format message\n"},
+        {{"filter-suppressed", "none.log", "-s", "old.json"}, "Error: Couldn't open file none.log\n"},
     };
     for (const FaultCase& row : cases) {
         const RunResult result = sandbox.Run(row.arguments);
@@ -163,9 +163,7 @@ TEST_F(SuppressionTest, AnalyzeReportsOnlyWhatTheBaseDoesNotHold) {
     sandbox.WriteScript("a.c", {"finding V502 2 44 old too", "finding V501 1 33 old", "finding V503 1 5 new"});
     const RunResult result = sandbox.Analyze({"-o", "report.json", "-s", "suppress_base.json"});
     EXPECT_EQ(result.exitCode, 0) << result;
-    EXPECT_EQ(Report(), (std::vector<Finding>{
-                            {"V503", 1, sandbox.Path("a.c"), 5, "new"}
-    }));
+    EXPECT_EQ(Report(), (std::vector<Finding>{{"V503", 1, sandbox.Path("a.c"), 5, "new"}}));
     EXPECT_TRUE(result.Says("Findings: 1 high, 0 medium, 0 low; 3 more are hidden by the suppress file\n")) << result;
 }
 
@@ -201,9 +199,9 @@ TEST_F(SuppressionTest, SourceRootLeavesThePathsOfTheReport) {
     const std::string relative = "|?|" + std::filesystem::path("/a.c").make_preferred().string();
     EXPECT_EQ(sandbox.Analyze({"-o", "report.json", "-r", "src/"}).exitCode, 0);
     EXPECT_EQ(Report(), (std::vector<Finding>{
-                            {"V501", 1, relative,            3, "text"},
+                            {"V501", 1, relative, 3, "text"},
                             {"V501", 1, sandbox.Path("b.c"), 4, "text"},
-    }));
+                        }));
     sandbox.Write("my.cfg", "sourcetree-root=src\n");
     EXPECT_EQ(sandbox.Analyze({"-o", "report.json", "-c", "my.cfg"}).exitCode, 0);
     EXPECT_EQ(Report().at(0).file, relative);

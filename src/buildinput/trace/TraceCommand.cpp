@@ -23,16 +23,9 @@ struct LoaderOption {
 };
 
 constexpr LoaderOption LoaderOptions[] = {
-    {"--list",          false},
-    {"--verify",        false},
-    {"--inhibit-cache", false},
-    {"--library-path",  true },
-    {"--inhibit-rpath", true },
-    {"--audit",         true },
-    {"--preload",       true },
-    {"--rpath-prefix",  true },
-    {"--nodefaultdirs", false},
-    {"--argv0",         true },
+    {"--list", false},          {"--verify", false}, {"--inhibit-cache", false}, {"--library-path", true},
+    {"--inhibit-rpath", true},  {"--audit", true},   {"--preload", true},        {"--rpath-prefix", true},
+    {"--nodefaultdirs", false}, {"--argv0", true},
 };
 
 /// Whether a program is the dynamic loader: "ld-linux-x86-64.so.2", "ld-2.31.so", "ld.so", "ld64.so.1".

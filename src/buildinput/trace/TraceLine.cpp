@@ -14,19 +14,19 @@ struct CallName {
 };
 
 constexpr CallName CallNames[] = {
-    {"openat",   TraceCall::OpenAt             },
-    {"open",     TraceCall::Open               },
-    {"execve",   TraceCall::Execute            },
-    {"clone",    TraceCall::Fork               },
-    {"clone2",   TraceCall::Fork               },
-    {"clone3",   TraceCall::Fork               },
-    {"fork",     TraceCall::Fork               },
-    {"vfork",    TraceCall::Fork               },
-    {"chdir",    TraceCall::ChangeDirectory    },
-    {"fchdir",   TraceCall::ChangeDirectoryFile},
-    {"getcwd",   TraceCall::GetDirectory       },
-    {"execveat", TraceCall::ExecuteAt          },
-    {"openat2",  TraceCall::OpenAt             },
+    {"openat", TraceCall::OpenAt},
+    {"open", TraceCall::Open},
+    {"execve", TraceCall::Execute},
+    {"clone", TraceCall::Fork},
+    {"clone2", TraceCall::Fork},
+    {"clone3", TraceCall::Fork},
+    {"fork", TraceCall::Fork},
+    {"vfork", TraceCall::Fork},
+    {"chdir", TraceCall::ChangeDirectory},
+    {"fchdir", TraceCall::ChangeDirectoryFile},
+    {"getcwd", TraceCall::GetDirectory},
+    {"execveat", TraceCall::ExecuteAt},
+    {"openat2", TraceCall::OpenAt},
 };
 
 constexpr std::size_t MostDigits = 9; // processes have smaller numbers

@@ -19,11 +19,7 @@ struct Escape {
 };
 
 constexpr Escape Escapes[] = {
-    {'n', '\n'},
-    {'t', '\t'},
-    {'r', '\r'},
-    {'v', '\v'},
-    {'f', '\f'},
+    {'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'v', '\v'}, {'f', '\f'},
 };
 
 /// Takes up to `most` digits of a base off the text; no value when there is none.

@@ -55,7 +55,7 @@ Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
 
 std::optional<int> OwnDescriptor(std::string_view path) {
     constexpr std::pair<std::string_view, int> Streams[] = {
-        {"/dev/stdin",  STDIN_FILENO },
+        {"/dev/stdin", STDIN_FILENO},
         {"/dev/stdout", STDOUT_FILENO},
         {"/dev/stderr", STDERR_FILENO},
     };

@@ -298,13 +298,11 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
 
 // Waits, at most for the given time (-1: without limit), for something to happen, and deals with it.
 void Process::Handles::Look(int milliseconds) {
-    std::array<pollfd, 3> events = {
-        {
-         {.fd = end.Number(), .events = POLLIN, .revents = 0},
-         {.fd = standardOutput.pipe.Number(), .events = POLLIN, .revents = 0},
-         {.fd = standardError.pipe.Number(), .events = POLLIN, .revents = 0},
-         }
-    };
+    std::array<pollfd, 3> events = {{
+        {.fd = end.Number(), .events = POLLIN, .revents = 0},
+        {.fd = standardOutput.pipe.Number(), .events = POLLIN, .revents = 0},
+        {.fd = standardError.pipe.Number(), .events = POLLIN, .revents = 0},
+    }};
     const int count = ::poll(events.data(), events.size(), milliseconds);
     if (count < 0 && errno != EINTR) {
         throw ProcessException("Couldn't wait for a child process: " + SystemReason(errno));

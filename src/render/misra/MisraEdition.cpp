@@ -19,12 +19,9 @@ constexpr std::string_view Publisher = "MISRA ";
 constexpr std::string_view DefaultForC = "MISRA C:2023";
 
 constexpr std::pair<MisraCategory, std::string_view> CategoryNames[] = {
-    {MisraCategory::Mandatory,  "Mandatory" },
-    {MisraCategory::Required,   "Required"  },
-    {MisraCategory::Document,   "Document"  },
-    {MisraCategory::Advisory,   "Advisory"  },
-    {MisraCategory::Disapplied, "Disapplied"},
-    {MisraCategory::Unknown,    "Unknown"   },
+    {MisraCategory::Mandatory, "Mandatory"},   {MisraCategory::Required, "Required"},
+    {MisraCategory::Document, "Document"},     {MisraCategory::Advisory, "Advisory"},
+    {MisraCategory::Disapplied, "Disapplied"}, {MisraCategory::Unknown, "Unknown"},
 };
 
 MisraStandard StandardNamed(std::string_view edition) {

@@ -23,10 +23,10 @@ struct NameRow {
 };
 
 constexpr NameRow Names[] = {
-    {MisraStandard::C,       "MISRA-C-",        '.', 2},
-    {MisraStandard::Cpp2008, "MISRA-CPP-",      '-', 3},
+    {MisraStandard::C, "MISRA-C-", '.', 2},
+    {MisraStandard::Cpp2008, "MISRA-CPP-", '-', 3},
     {MisraStandard::Cpp2023, "MISRA-CPP-2023-", '.', 3},
-    {MisraStandard::Other,   "V",               ' ', 1},
+    {MisraStandard::Other, "V", ' ', 1},
 };
 
 constexpr std::string_view CppWords[] = {"cpp", "c++"};

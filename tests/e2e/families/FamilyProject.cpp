@@ -91,12 +91,12 @@ void ExpectUnit(const FamilyUnit& unit, const CoreCall& call) {
     const UnitRow& row = *unit.row;
     const std::string defines = unit.Filled(row.defines);
     const std::pair<const char*, std::string> settings[] = {
-        {"source-file",    unit.source                                                   },
-        {"preprocessor",   unit.family->preprocessor                                     },
-        {"platform",       row.platform != nullptr ? row.platform : unit.family->platform},
-        {"language",       row.language                                                  },
-        {"std",            row.standard                                                  },
-        {"funsigned-char", std::string_view(row.plainChar) == "unsigned" ? "yes" : "no"  },
+        {"source-file", unit.source},
+        {"preprocessor", unit.family->preprocessor},
+        {"platform", row.platform != nullptr ? row.platform : unit.family->platform},
+        {"language", row.language},
+        {"std", row.standard},
+        {"funsigned-char", std::string_view(row.plainChar) == "unsigned" ? "yes" : "no"},
     };
     for (const auto& [key, value] : settings) {
         EXPECT_EQ(call.Setting(key), value) << key << " of " << row.command;

@@ -53,18 +53,10 @@ protected:
 
 TEST_F(BundledCoreTest, FindsTheUsersErrorsWhereTheyAre) {
     WriteProject();
-    for (const auto& [c, cpp] : {
-             std::pair{"gcc",   "g++"    },
-             std::pair{"clang", "clang++"}
-    }) {
+    for (const auto& [c, cpp] : {std::pair{"gcc", "g++"}, std::pair{"clang", "clang++"}}) {
         sandbox.ForgetEntries();
-        sandbox.AddEntry({
-            {cpp, "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"},
-            sandbox.Path("src")
-        });
-        sandbox.AddEntry({
-            {c, "-O2", "-c", sandbox.Path("src/plain.c")}
-        });
+        sandbox.AddEntry({{cpp, "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"}, sandbox.Path("src")});
+        sandbox.AddEntry({{c, "-O2", "-c", sandbox.Path("src/plain.c")}});
         sandbox.WriteDatabase();
         const RunResult result = sandbox.Run({"analyze", "-o", "report.json"});
         EXPECT_EQ(result.exitCode, 0) << result;
@@ -103,9 +95,7 @@ TEST_F(BundledCoreTest, ReadsWhatSystemMacrosLeaveInTheUsersLines) {
     for (const char* const compiler : {"gcc", "clang"}) {
         sandbox.ForgetEntries();
         for (const char* const source : {"use.c", "use.cpp"}) {
-            sandbox.AddEntry({
-                {compiler, "-c", source}
-            });
+            sandbox.AddEntry({{compiler, "-c", source}});
         }
         sandbox.WriteDatabase();
         const RunResult result = sandbox.Run({"analyze", "-o", "report.json"});
@@ -134,9 +124,7 @@ TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
                               "    return buffer[0];\n"
                               "}\n");
     for (const char* const source : {"callee.c", "caller.c"}) {
-        sandbox.AddEntry({
-            {"gcc", "-c", source}
-        });
+        sandbox.AddEntry({{"gcc", "-c", source}});
     }
     sandbox.WriteDatabase();
     EXPECT_EQ(sandbox.Run({"analyze", "-o", "report.json"}).exitCode, 0);
@@ -147,7 +135,7 @@ TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
     ASSERT_EQ(findings.size(), 2U) << result;
     const std::pair<unsigned, const char*> expected[] = {
         {2, "[ctunullpointer]"},
-        {3, "[ctuArrayIndex]" },
+        {3, "[ctuArrayIndex]"},
     };
     for (std::size_t index = 0; index < findings.size(); ++index) {
         EXPECT_EQ(findings[index].file, sandbox.Path("callee.c"));
@@ -158,13 +146,8 @@ TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
 
 TEST_F(BundledCoreTest, ListsTheDependenciesOfAnIncrementalRun) {
     WriteProject();
-    sandbox.AddEntry({
-        {"g++", "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"},
-        sandbox.Path("src")
-    });
-    sandbox.AddEntry({
-        {"gcc", "-c", sandbox.Path("src/plain.c")}
-    });
+    sandbox.AddEntry({{"g++", "-std=c++17", "-I../include", "-c", "main.cpp", "-o", "main.o"}, sandbox.Path("src")});
+    sandbox.AddEntry({{"gcc", "-c", sandbox.Path("src/plain.c")}});
     sandbox.WriteDatabase();
     EXPECT_EQ(sandbox.Run({"analyze", "-i", "-o", "report.json"}).exitCode, 0);
     const std::vector<Finding> whole = Report();

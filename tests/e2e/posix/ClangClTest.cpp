@@ -33,17 +33,13 @@ protected:
                                       "    int values[3] = {0, 1, 2};\n"
                                       "    return values[3] + static_cast<int>(FromHeader());\n"
                                       "}\n");
-        sandbox.AddEntry({
-            {compiler_, "/nologo", "/O2", "/WX", "-clang:-MD", "-clang:-MFplain.d", "/Foplain.obj", "-Iinclude", "/c",
-             "--", sandbox.Path("src/plain.c")},
-            "",
-            {{"CL", "/DFROM_VARIABLE#1"}   }
-        });
-        sandbox.AddEntry({
-            {"../tools/clang-cl", "-m32", "/std:c++17", "/Yushared.h", "/FIshared.h", "/I", "../include",
-             "/Tpmain.cpp"},
-            sandbox.Path("src")
-        });
+        sandbox.AddEntry({{compiler_, "/nologo", "/O2", "/WX", "-clang:-MD", "-clang:-MFplain.d", "/Foplain.obj",
+                           "-Iinclude", "/c", "--", sandbox.Path("src/plain.c")},
+                          "",
+                          {{"CL", "/DFROM_VARIABLE#1"}}});
+        sandbox.AddEntry({{"../tools/clang-cl", "-m32", "/std:c++17", "/Yushared.h", "/FIshared.h", "/I", "../include",
+                           "/Tpmain.cpp"},
+                          sandbox.Path("src")});
     }
 
     static std::size_t OverrunsAt(const std::vector<Finding>& findings, const std::string& file, unsigned line) {
@@ -78,22 +74,13 @@ TEST_F(ClangClTest, CoreIsToldWhatTheCompilerSays) {
     const std::vector<CoreCall> calls = sandbox.CoreCalls();
     ASSERT_EQ(calls.size(), 2U) << result;
     const std::vector<std::pair<const char*, const char*>> plain = {
-        {"language",     "C"        },
-        {"platform",     "x64"      },
-        {"preprocessor", "visualcpp"},
-        {"std",          "c17"      }
-    };
-    const std::vector<std::pair<const char*, const char*>> main = {
-        {"language",     "C++"      },
-        {"platform",     "Win32"    },
-        {"preprocessor", "visualcpp"},
-        {"source-file",  "main.cpp" },
-        {"std",          "c++17"    }
-    };
-    for (const auto& [call, settings] : {
-             std::pair{calls[0], plain},
-             std::pair{calls[1], main }
-    }) {
+        {"language", "C"}, {"platform", "x64"}, {"preprocessor", "visualcpp"}, {"std", "c17"}};
+    const std::vector<std::pair<const char*, const char*>> main = {{"language", "C++"},
+                                                                   {"platform", "Win32"},
+                                                                   {"preprocessor", "visualcpp"},
+                                                                   {"source-file", "main.cpp"},
+                                                                   {"std", "c++17"}};
+    for (const auto& [call, settings] : {std::pair{calls[0], plain}, std::pair{calls[1], main}}) {
         for (const auto& [key, value] : settings) {
             EXPECT_EQ(call.Setting(key), value);
         }
@@ -104,9 +91,7 @@ TEST_F(ClangClTest, CoreIsToldWhatTheCompilerSays) {
 TEST_F(ClangClTest, FailureSaysWhatTheCompilerSaid) {
     sandbox.ForgetEntries();
     sandbox.Write("src/broken.c", "#include \"missing.h\"\n");
-    sandbox.AddEntry({
-        {compiler_, "/c", sandbox.Path("src/broken.c")}
-    });
+    sandbox.AddEntry({{compiler_, "/c", sandbox.Path("src/broken.c")}});
     const RunResult result = sandbox.Analyze();
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("'missing.h' file not found")) << result;

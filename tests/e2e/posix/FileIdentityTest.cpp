@@ -111,9 +111,7 @@ TEST_F(FileIdentityTest, FindsListedFilesThroughLinks) {
     fs::remove(sandbox.Path("outer.h"));
     sandbox.Write("a.c", "int a;\n");
     const std::map<std::string, Names> lists = {
-        {"c.c",      {"c.c"}},
-        {"common.h", {"b.c"}},
-        {"outer.h",  {"a.c"}}, // gone: it was known
+        {"c.c", {"c.c"}}, {"common.h", {"b.c"}}, {"outer.h", {"a.c"}}, // gone: it was known
     };
     for (const auto& [list, analyzed] : lists) {
         fs::copy(sandbox.Path(".Orvanta"), sandbox.Path("kept"), fs::copy_options::recursive);

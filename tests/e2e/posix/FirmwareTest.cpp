@@ -76,9 +76,9 @@ protected:
     void Build(const std::string& compiler) {
         const Arguments common = {compiler, "-mcpu=cortex-m4", "-mthumb", "-mfloat-abi=soft", "-ffunction-sections"};
         const Arguments commands[] = {
-            {"-std=c11", "-Os",    "-g3",                   "-DBOARD=7", "-MMD", "-MF",            "main.d",                            "-c",   "src/main.c",   "-o", "main.o"},
-            {"-fsigned-char",  "-c",          "src/startup.c",                   "-o",                         "startup.o"      },
-            {"-nostartfiles",      "--specs=nosys.specs", "-T", "firmware.ld",    "-Wl,-Map,firmware.map",                                                        "main.o",
+            {"-std=c11", "-Os", "-g3", "-DBOARD=7", "-MMD", "-MF", "main.d", "-c", "src/main.c", "-o", "main.o"},
+            {"-fsigned-char", "-c", "src/startup.c", "-o", "startup.o"},
+            {"-nostartfiles", "--specs=nosys.specs", "-T", "firmware.ld", "-Wl,-Map,firmware.map", "main.o",
              "startup.o", "-o", "firmware.elf"},
         };
         for (const Arguments& words : commands) {
@@ -109,10 +109,8 @@ TEST_F(FirmwareTest, BundledCoreFindsTheErrorsOfARealProject) {
     const std::string headers = sandbox.Path("include");
     sandbox.Write("include/array", "namespace std { template <class T, unsigned N> struct array {\n"
                                    "T values[N]; unsigned size() const { return N; } }; }\n");
-    sandbox.AddEntry({
-        {"arm-none-eabi-gcc", "-mcpu=cortex-m4", "-mthumb", "-std=c++17", "-isystem", headers, "-fno-rtti", "-c",
-         "src/driver.cpp", "-o", "driver.o"}
-    });
+    sandbox.AddEntry({{"arm-none-eabi-gcc", "-mcpu=cortex-m4", "-mthumb", "-std=c++17", "-isystem", headers,
+                       "-fno-rtti", "-c", "src/driver.cpp", "-o", "driver.o"}});
     sandbox.WriteDatabase();
     const RunResult result = sandbox.Run({"analyze", "-o", "report.json", "--verbose"});
     EXPECT_EQ(result.exitCode, 0) << result;

@@ -84,9 +84,7 @@ TEST_F(ResourcesTest, CompilerThatVanishesAfterItsIdentificationFailsItsUnits) {
     const std::string compiler = sandbox.AddCompiler("vanishing", "gcc 12\n", "version-remove-self\n");
     sandbox.AddUnit("a.c");
     sandbox.Write("b.c", "int b;\n");
-    sandbox.AddEntry({
-        {compiler, "-std=c11", "-c", "b.c"}
-    });
+    sandbox.AddEntry({{compiler, "-std=c11", "-c", "b.c"}});
     const RunResult result = sandbox.Analyze({"-o", "report.json"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says(compiler)) << result;

@@ -114,8 +114,8 @@ struct NoTrace {
 
 TEST_F(TraceTest, FilesWithoutABuildEndTheRunWithTheirReason) {
     const NoTrace rows[] = {
-        {"",                                          "Error: No roots found\n"                                  },
-        {"{}\n",                                      "Error: Couldn't parse strace_out"                         },
+        {"", "Error: No roots found\n"},
+        {"{}\n", "Error: Couldn't parse strace_out"},
         {"1 execve(\"/bin/ls\", [\"ls\"], []) = 0\n",
          "No compiler invocations were detected. Consider specifying the compiler name with the '-C' argument.\n"},
     };

@@ -180,9 +180,7 @@ void Sandbox::AddUnit(const std::string& source, const std::vector<std::string>&
     if (!script.empty()) {
         WriteScript(source, script);
     }
-    Entry entry{
-        {Path("tools/fake-gcc"), "-std=c17"}
-    };
+    Entry entry{{Path("tools/fake-gcc"), "-std=c17"}};
     entry.arguments.insert(entry.arguments.end(), extraArguments.begin(), extraArguments.end());
     entry.arguments.insert(entry.arguments.end(), {"-c", Path(source), "-o", "unit.o"});
     AddEntry(std::move(entry));

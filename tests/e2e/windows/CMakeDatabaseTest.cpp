@@ -35,10 +35,10 @@ TEST_F(CMakeDatabaseTest, GivesTheUnitsOfTheBuild) {
     const std::string start = '"' + compiler + "\" -DQUOTED=\\\"x\\\" -DBACK=a\\b -std=gnu11 ";
     const nlohmann::json database = {
         {{"directory", WithSlashes(build)},
-         {"command", start + "-o CMakeFiles\\app.dir\\src\\main.c.obj -c " + sandbox.Path("src/main.c")}         },
+         {"command", start + "-o CMakeFiles\\app.dir\\src\\main.c.obj -c " + sandbox.Path("src/main.c")}},
         {{"directory", WithSlashes(build)},
          {"command", start + "@CMakeFiles\\app.dir\\includes_C.rsp -o CMakeFiles\\app.dir\\t.obj -c \"" +
-                         sandbox.Path("src/two words.c") + '"'}                                                  },
+                         sandbox.Path("src/two words.c") + '"'}},
         {{"directory", WithSmallDrive(build)},
          {"command", WithSmallDrive(WithSlashes(compiler)).insert(0, 1, '"') + "\" -std=c11 -c ..\\src\\small.c"}},
     };

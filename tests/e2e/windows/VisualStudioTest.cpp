@@ -27,9 +27,7 @@ protected:
                                 "show-variable INCLUDE\nshow-variable PERSON\nstd-number 201402L\n");
         for (const char* const source : {"a.cpp", "b.cpp", "c.cpp"}) {
             sandbox.Write(source, "int x;\n");
-            sandbox.AddEntry({
-                {compiler, "/nologo", "/c", source}
-            });
+            sandbox.AddEntry({{compiler, "/nologo", "/c", source}});
         }
     }
 
@@ -51,9 +49,9 @@ TEST_F(VisualStudioTest, SetUpScriptIsRunOncePerTarget) {
 
     const Layout layouts[] = {
         {NewLayout, "Tools/MSVC/14.29/bin/Hostx64/x64", "amd64"},
-        {NewLayout, "Tools/MSVC/14.29/bin/Hostx64/x86", "x86"  },
-        {OldLayout, "bin",                              "x86"  },
-        {OldLayout, "bin/amd64",                        "amd64"},
+        {NewLayout, "Tools/MSVC/14.29/bin/Hostx64/x86", "x86"},
+        {OldLayout, "bin", "x86"},
+        {OldLayout, "bin/amd64", "amd64"},
     };
     for (const Layout& layout : layouts) {
         SCOPED_TRACE(layout.place);

@@ -11,11 +11,11 @@ struct TellingCase {
 };
 
 constexpr TellingCase TellingCases[] = {
-    {"",                                                                 ""                                       },
-    {"\n  \n",                                                           ""                                       },
+    {"", ""},
+    {"\n  \n", ""},
     {"warning: x\na.c:3:1: fatal error: b.h: No such file\ncompilation", "a.c:3:1: fatal error: b.h: No such file"},
-    {"\r\nfirst\r\nsecond\r\n",                                          "first"                                  },
-    {"one line without an end",                                          "one line without an end"                },
+    {"\r\nfirst\r\nsecond\r\n", "first"},
+    {"one line without an end", "one line without an end"},
 };
 
 TEST(TellingLine, IsTheFirstErrorElseTheFirstLineThatIsNotBlank) {

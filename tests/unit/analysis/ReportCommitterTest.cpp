@@ -125,10 +125,7 @@ TEST(ReportCommitter, FetchesWhatIsCarriedOverWhenItsTurnHasCome) {
     EXPECT_EQ(committer.Outcome().findingsByLevel[1], 2U);
     EXPECT_EQ(committer.Outcome().failures,
               (std::map<std::size_t, std::string>{
-                  {2, "no space"                               },
-                  {3, "no space"                               },
-                  {4, "The core's findings can't be read: gone"}
-    }));
+                  {2, "no space"}, {3, "no space"}, {4, "The core's findings can't be read: gone"}}));
 }
 
 TEST(ReportCommitter, ReportsAFindingOfManyUnitsOnce) {
@@ -179,9 +176,7 @@ TEST(ReportCommitter, FailsOnlyTheUnitWhoseFindingsTheReportCouldNotTake) {
     committer.Commit(1, {.ownFindings = {Finding("lost")}});
     committer.Commit(2, {.ownFindings = {Finding("third")}});
     EXPECT_EQ(output.committed, (std::vector<std::string>{"first", "third"}));
-    EXPECT_EQ(committer.Outcome().failures, (std::map<std::size_t, std::string>{
-                                                {1, "no space"}
-    }));
+    EXPECT_EQ(committer.Outcome().failures, (std::map<std::size_t, std::string>{{1, "no space"}}));
     EXPECT_EQ(committer.Outcome().findingsByLevel[1], 2U);
 }
 

@@ -27,9 +27,9 @@ CollectedCommands SomeCommands() {
     CollectedCommands commands;
     commands.units = {UnitOf(1, "a.c"), UnitOf(2, "b.c"), UnitOf(3, "c.c"), UnitOf(3, "d.c"), UnitOf(4, "e.c")};
     commands.skipped = {
-        {5, InvocationFate::NotACompilation,  "app", "link only"                     },
+        {5, InvocationFate::NotACompilation, "app", "link only"},
         {6, InvocationFate::CompilerUnusable, "foo", "compiler \"foo\" was not found"},
-        {7, InvocationFate::NotACompilation,  "lib", "link only"                     },
+        {7, InvocationFate::NotACompilation, "lib", "link only"},
     };
     commands.invocations = 7;
     return commands;
@@ -39,9 +39,7 @@ RunOutcome SomeOutcome() {
     RunOutcome outcome;
     outcome.statuses = {AnalyzerStatus::Analyzed, AnalyzerStatus::Excluded, AnalyzerStatus::Analyzed,
                         AnalyzerStatus::CoreFailed, AnalyzerStatus::Analyzed};
-    outcome.failures = {
-        {3, "Command \"core\" returned code 3.\nit broke"}
-    };
+    outcome.failures = {{3, "Command \"core\" returned code 3.\nit broke"}};
     outcome.findingsByLevel = {0, 4, 2, 1};
     return outcome;
 }
@@ -74,13 +72,13 @@ struct ResultCase {
 TEST(CombinedResult, IsZeroOnlyWhenSomethingWasAnalyzedAndNothingFailed) {
     using enum AnalyzerStatus;
     const ResultCase cases[] = {
-        {{Analyzed, Excluded},            0  },
-        {{Excluded, Excluded},            1  },
-        {{Analyzed, PreprocessingFailed}, 1  },
-        {{Analyzed, CoreFailed},          1  },
-        {{Analyzed, Failed},              1  },
-        {{Failed, Stopped},               130},
-        {{Stopped},                       130},
+        {{Analyzed, Excluded}, 0},
+        {{Excluded, Excluded}, 1},
+        {{Analyzed, PreprocessingFailed}, 1},
+        {{Analyzed, CoreFailed}, 1},
+        {{Analyzed, Failed}, 1},
+        {{Failed, Stopped}, 130},
+        {{Stopped}, 130},
     };
     for (const ResultCase& row : cases) {
         RunOutcome outcome;

@@ -20,20 +20,11 @@ struct VersionCase {
 };
 
 constexpr VersionCase VersionCases[] = {
-    {Language::C,   198900, "c90"  },
-    {Language::C,   199409, "c90"  },
-    {Language::C,   199500, "c99"  },
-    {Language::C,   199901, "c99"  },
-    {Language::C,   201112, "c11"  },
-    {Language::C,   201710, "c17"  },
-    {Language::C,   201800, "c20"  },
-    {Language::C,   202311, "c20"  },
-    {Language::Cpp, 199711, "c++98"},
-    {Language::Cpp, 200399, "c++03"},
-    {Language::Cpp, 201103, "c++11"},
-    {Language::Cpp, 201402, "c++14"},
-    {Language::Cpp, 201703, "c++17"},
-    {Language::Cpp, 202002, "c++20"},
+    {Language::C, 198900, "c90"},     {Language::C, 199409, "c90"},     {Language::C, 199500, "c99"},
+    {Language::C, 199901, "c99"},     {Language::C, 201112, "c11"},     {Language::C, 201710, "c17"},
+    {Language::C, 201800, "c20"},     {Language::C, 202311, "c20"},     {Language::Cpp, 199711, "c++98"},
+    {Language::Cpp, 200399, "c++03"}, {Language::Cpp, 201103, "c++11"}, {Language::Cpp, 201402, "c++14"},
+    {Language::Cpp, 201703, "c++17"}, {Language::Cpp, 202002, "c++20"},
 };
 
 TEST(StandardWordOfVersion, FollowsTheMacrosValue) {
@@ -96,11 +87,7 @@ TEST(StandardProbe, AsksOncePerCompilerLanguageAndDecisiveArguments) {
     EXPECT_EQ(compiler.Calls(), 2U);
     EXPECT_EQ(compiler.Probe(Language::C, {"-fms-extensions"}), "c11");
     EXPECT_EQ(compiler.Calls(), 3U);
-    EXPECT_EQ(compiler.Probe(Language::C,
-                             {
-    },
-                             {{"TARGET", "x"}}),
-              "c11");
+    EXPECT_EQ(compiler.Probe(Language::C, {}, {{"TARGET", "x"}}), "c11");
     EXPECT_EQ(compiler.Calls(), 4U);
     EXPECT_TRUE(compiler.LeftNothing());
 }

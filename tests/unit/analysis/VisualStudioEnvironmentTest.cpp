@@ -21,12 +21,12 @@ const PlaceCase PlaceCases[] = {
     {R"(C:\VS 14.0\VC\bin\amd64\cl.exe)",
      {R"(C:\VS 14.0\VC\vcvarsall.bat)", R"(C:\VS 14.0\VC\Auxiliary\Build\vcvarsall.bat)"}},
     {"c:/vs/vc/Tools/MSVC/14.29/bin/Hostx64/x64/cl.exe",
-     {R"(c:/vs/vc\vcvarsall.bat)", R"(c:/vs/vc\Auxiliary\Build\vcvarsall.bat)"}          },
+     {R"(c:/vs/vc\vcvarsall.bat)", R"(c:/vs/vc\Auxiliary\Build\vcvarsall.bat)"}},
     {R"(C:\VS\VC\Tools\Llvm\x64\bin\clang-cl.exe)",
-     {R"(C:\VS\VC\vcvarsall.bat)", R"(C:\VS\VC\Auxiliary\Build\vcvarsall.bat)"}          },
-    {R"(C:\LLVM\bin\clang-cl.exe)",                      {}                              },
-    {R"(C:\cl.exe)",                                     {}                              },
-    {"cl.exe",                                           {}                              },
+     {R"(C:\VS\VC\vcvarsall.bat)", R"(C:\VS\VC\Auxiliary\Build\vcvarsall.bat)"}},
+    {R"(C:\LLVM\bin\clang-cl.exe)", {}},
+    {R"(C:\cl.exe)", {}},
+    {"cl.exe", {}},
 };
 
 /// A machine with one script, which says for each target what it is asked for.
@@ -80,9 +80,9 @@ TEST(SetUpScriptPlaces, AreThoseOfBothLayouts) {
 
 TEST(PrintedVariables, StandBehindTheMarker) {
     const Environment expected = {
-        {"A", "1"      },
+        {"A", "1"},
         {"B", "x=y; z "},
-        {"C", ""       },
+        {"C", ""},
     };
     EXPECT_EQ(PrintedVariables("NOISE=1\r\norvanta-environment \r\nA=1\r\nB=x=y; z \r\nC=\r\n=C:=C:\\\r\nno pair\r\n"),
               expected);

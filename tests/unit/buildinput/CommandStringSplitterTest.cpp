@@ -20,57 +20,57 @@ void ExpectSplits(const SplitCase& row, CommandStringRules rules) {
 }
 
 const SplitCase PosixCases[] = {
-    {"",                                  {}                                                                 },
-    {" \t\n ",                            {}                                                                 },
-    {"gcc  -c\ta.c\n",                    {"gcc", "-c", "a.c"}                                               },
-    {R"("/opt/my tools/gcc" -c "a b.c")", {"/opt/my tools/gcc", "-c", "a b.c"}                               },
-    {R"(a'b c'"d e"f)",                   {"ab cd ef"}                                                       },
-    {R"('' "" a'')",                      {"", "", "a"}                                                      },
-    {R"('a\b"c' d)",                      {R"(a\b"c)", "d"}                                                  },
-    {R"(a\ b \'c\" \\ \d)",               {"a b", R"('c")", R"(\)", "d"}                                     },
-    {R"("\$ \` \" \\ \a \'")",            {R"($ ` " \ \a \')"}                                               },
-    {"a\\\nb \\\n c \"d\\\ne\" 'f\\\ng'", {"ab", "c", "de", "f\\\ng"}                                        },
-    {"a \\\n",                            {"a"}                                                              },
-    {R"(-DX=\"y\" -DY="\"z w\"")",        {R"(-DX="y")", R"(-DY="z w")"}                                     },
+    {"", {}},
+    {" \t\n ", {}},
+    {"gcc  -c\ta.c\n", {"gcc", "-c", "a.c"}},
+    {R"("/opt/my tools/gcc" -c "a b.c")", {"/opt/my tools/gcc", "-c", "a b.c"}},
+    {R"(a'b c'"d e"f)", {"ab cd ef"}},
+    {R"('' "" a'')", {"", "", "a"}},
+    {R"('a\b"c' d)", {R"(a\b"c)", "d"}},
+    {R"(a\ b \'c\" \\ \d)", {"a b", R"('c")", R"(\)", "d"}},
+    {R"("\$ \` \" \\ \a \'")", {R"($ ` " \ \a \')"}},
+    {"a\\\nb \\\n c \"d\\\ne\" 'f\\\ng'", {"ab", "c", "de", "f\\\ng"}},
+    {"a \\\n", {"a"}},
+    {R"(-DX=\"y\" -DY="\"z w\"")", {R"(-DX="y")", R"(-DY="z w")"}},
     {"cc $HOME `id` *.c ~ #x ; | && > f", {"cc", "$HOME", "`id`", "*.c", "~", "#x", ";", "|", "&&", ">", "f"}},
-    {"a\r\vb",                            {"a\r\vb"}                                                         },
-    {R"(a \)",                            {"a", R"(\)"}                                                      },
- // A quote that is not closed.
-    {R"(a "b)",                           {}                                                                 },
-    {R"(a 'b)",                           {}                                                                 },
-    {R"(a "b\")",                         {}                                                                 },
+    {"a\r\vb", {"a\r\vb"}},
+    {R"(a \)", {"a", R"(\)"}},
+    // A quote that is not closed.
+    {R"(a "b)", {}},
+    {R"(a 'b)", {}},
+    {R"(a "b\")", {}},
 };
 
 const SplitCase WindowsCases[] = {
-    {"",                                   {}                                      },
-    {"cl  /c\ta.c ",                       {"cl", "/c", "a.c"}                     },
+    {"", {}},
+    {"cl  /c\ta.c ", {"cl", "/c", "a.c"}},
     {R"("C:\my tools\cl.exe" /c "a b.c")", {R"(C:\my tools\cl.exe)", "/c", "a b.c"}},
- // The program's name knows no backslash, and quotes only at its beginning.
-    {R"("C:\a\" b)",                       {R"(C:\a\)", "b"}                       },
-    {R"(C:\a"b c" d)",                     {R"(C:\a"b)", "c d"}                    },
-    {R"("a"b c)",                          {"a", "b", "c"}                         },
-    {R"("a b)",                            {"a b"}                                 },
-    {R"(\"a b)",                           {R"(\"a)", "b"}                         },
-    {" a",                                 {"", "a"}                               },
-    {R"("" a)",                            {"", "a"}                               },
- // Backslashes count only before a quote.
-    {R"(p a\b\\c \\)",                     {"p", R"(a\b\\c)", R"(\\)"}             },
-    {R"(p a\"b a\\"b c" a\\\"b)",          {"p", R"(a"b)", R"(a\b c)", R"(a\"b)"}  },
-    {R"(p "a\\" b "c\"d e")",              {"p", R"(a\)", "b", R"(c"d e)"}         },
-    {R"(p "a\b c" "\\\\")",                {"p", R"(a\b c)", R"(\\)"}              },
- // Quotes that stand together: the third one, the opening one counted, is an ordinary character.
-    {R"(p "" a"" "")",                     {"p", "", "a", ""}                      },
-    {R"(p "a""b" c d)",                    {"p", R"(a"b c d)"}                     },
-    {R"(p """ a" b)",                      {"p", R"(")", "a b"}                    },
-    {R"(p """"a b" c)",                    {"p", R"("a b)", "c"}                   },
-    {R"(p "a"" b)",                        {"p", R"(a")", "b"}                     },
-    {R"(p "a""" b" c)",                    {"p", R"(a" b)", "c"}                   },
-    {R"(p a\""b c" d)",                    {"p", R"(a"b c)", "d"}                  },
-    {R"(p "a\"" b)",                       {"p", R"(a")", "b"}                     },
-    {R"(p "a\"""b c)",                     {"p", R"(a""b)", "c"}                   },
- // What is not closed ends with the command; line ends are no blanks; single quotes are nothing special.
-    {R"(p "a b )",                         {"p", "a b "}                           },
-    {"p a\nb 'c d'",                       {"p", "a\nb", "'c", "d'"}               },
+    // The program's name knows no backslash, and quotes only at its beginning.
+    {R"("C:\a\" b)", {R"(C:\a\)", "b"}},
+    {R"(C:\a"b c" d)", {R"(C:\a"b)", "c d"}},
+    {R"("a"b c)", {"a", "b", "c"}},
+    {R"("a b)", {"a b"}},
+    {R"(\"a b)", {R"(\"a)", "b"}},
+    {" a", {"", "a"}},
+    {R"("" a)", {"", "a"}},
+    // Backslashes count only before a quote.
+    {R"(p a\b\\c \\)", {"p", R"(a\b\\c)", R"(\\)"}},
+    {R"(p a\"b a\\"b c" a\\\"b)", {"p", R"(a"b)", R"(a\b c)", R"(a\"b)"}},
+    {R"(p "a\\" b "c\"d e")", {"p", R"(a\)", "b", R"(c"d e)"}},
+    {R"(p "a\b c" "\\\\")", {"p", R"(a\b c)", R"(\\)"}},
+    // Quotes that stand together: the third one, the opening one counted, is an ordinary character.
+    {R"(p "" a"" "")", {"p", "", "a", ""}},
+    {R"(p "a""b" c d)", {"p", R"(a"b c d)"}},
+    {R"(p """ a" b)", {"p", R"(")", "a b"}},
+    {R"(p """"a b" c)", {"p", R"("a b)", "c"}},
+    {R"(p "a"" b)", {"p", R"(a")", "b"}},
+    {R"(p "a""" b" c)", {"p", R"(a" b)", "c"}},
+    {R"(p a\""b c" d)", {"p", R"(a"b c)", "d"}},
+    {R"(p "a\"" b)", {"p", R"(a")", "b"}},
+    {R"(p "a\"""b c)", {"p", R"(a""b)", "c"}},
+    // What is not closed ends with the command; line ends are no blanks; single quotes are nothing special.
+    {R"(p "a b )", {"p", "a b "}},
+    {"p a\nb 'c d'", {"p", "a\nb", "'c", "d'"}},
 };
 
 /// Writes a word so that the POSIX shell reads it back, in one of its ways of quoting for each character.

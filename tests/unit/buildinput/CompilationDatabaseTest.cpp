@@ -136,24 +136,24 @@ struct TypeErrorCase {
 };
 
 const TypeErrorCase TypeErrorCases[] = {
-    {"1",                                                           "array",  "number" },
-    {R"("[]")",                                                     "array",  "string" },
-    {R"({"directory": "/", "command": "cc"})",                      "array",  "object" },
-    {"[1.5]",                                                       "object", "number" },
-    {"[[]]",                                                        "object", "array"  },
-    {"[null]",                                                      "object", "null"   },
-    {R"([{"directory": 1, "command": "cc"}])",                      "string", "number" },
-    {R"([{"directory": {"directory": "/"}}])",                      "string", "object" },
-    {R"([{"directory": "/", "command": ["cc"]}])",                  "string", "array"  },
-    {R"([{"directory": "/", "arguments": "cc", "command": "cc"}])", "array",  "string" },
-    {R"([{"directory": "/", "arguments": null, "command": "cc"}])", "array",  "null"   },
-    {R"([{"directory": "/", "arguments": ["cc", true, 1]}])",       "string", "boolean"},
-    {R"([{"directory": "/", "arguments": ["cc", ["a", "b"]]}])",    "string", "array"  },
-    {R"([{"environment": ["A"]}])",                                 "object", "array"  },
-    {R"([{"environment": {"A": 1}}])",                              "string", "number" },
-    {R"([{"environment": {"not-a-name": null}}])",                  "string", "null"   },
-    {R"([{"environment": {"B": 1, "A": null}}])",                   "string", "null"   },
-    {"[1, [], {}]",                                                 "object", "number" },
+    {"1", "array", "number"},
+    {R"("[]")", "array", "string"},
+    {R"({"directory": "/", "command": "cc"})", "array", "object"},
+    {"[1.5]", "object", "number"},
+    {"[[]]", "object", "array"},
+    {"[null]", "object", "null"},
+    {R"([{"directory": 1, "command": "cc"}])", "string", "number"},
+    {R"([{"directory": {"directory": "/"}}])", "string", "object"},
+    {R"([{"directory": "/", "command": ["cc"]}])", "string", "array"},
+    {R"([{"directory": "/", "arguments": "cc", "command": "cc"}])", "array", "string"},
+    {R"([{"directory": "/", "arguments": null, "command": "cc"}])", "array", "null"},
+    {R"([{"directory": "/", "arguments": ["cc", true, 1]}])", "string", "boolean"},
+    {R"([{"directory": "/", "arguments": ["cc", ["a", "b"]]}])", "string", "array"},
+    {R"([{"environment": ["A"]}])", "object", "array"},
+    {R"([{"environment": {"A": 1}}])", "string", "number"},
+    {R"([{"environment": {"not-a-name": null}}])", "string", "null"},
+    {R"([{"environment": {"B": 1, "A": null}}])", "string", "null"},
+    {"[1, [], {}]", "object", "number"},
 };
 
 TEST(CompilationDatabase, IsRefusedInTheWordsOfTheJsonLibrary) {
@@ -220,21 +220,12 @@ TEST(CompilationDatabase, GivesItsEntriesInOrder) {
                              clang + R"(", "-c", "c.c"], "environment": {"A": 1}, "environment": {}}
     ])";
     Outcome expected;
-    expected.invocations.push_back({
-        Words{clang, "-c", "a b.c", "-DX=\"y\""},
-        "/b", Environment()
-    });
+    expected.invocations.push_back({Words{clang, "-c", "a b.c", "-DX=\"y\""}, "/b", Environment()});
     Environment variables;
     variables["A_1"] = "last";
     variables["PATH"] = "/p";
-    expected.invocations.push_back({
-        Words{clang, "-c", "b.c", "-DA=\xC3\xA4"},
-        "rel/a", variables
-    });
-    expected.invocations.push_back({
-        Words{clang, "-c", "c.c"},
-        "/c", Environment()
-    });
+    expected.invocations.push_back({Words{clang, "-c", "b.c", "-DA=\xC3\xA4"}, "rel/a", variables});
+    expected.invocations.push_back({Words{clang, "-c", "c.c"}, "/c", Environment()});
     EXPECT_EQ(reader.Read(text), expected);
 }
 
@@ -246,10 +237,7 @@ TEST(CompilationDatabase, SkipsOtherMembersHoweverDeepTheyAre) {
         "arguments": [")" + reader.Clang() +
                              R"(", "-c", "a.c"]}])";
     Outcome expected;
-    expected.invocations.push_back({
-        Words{reader.Clang(), "-c", "a.c"},
-        "/", Environment()
-    });
+    expected.invocations.push_back({Words{reader.Clang(), "-c", "a.c"}, "/", Environment()});
     EXPECT_EQ(reader.Read(text), expected);
 }
 
@@ -350,9 +338,7 @@ TEST(CompilationDatabase, ReadBackAfterWritingGivesTheSameUnits) {
     const std::string clang = MakeProgram(folder, "clang");
     Collecting first;
     first.collector.SetBaseDirectory(folder.Path());
-    const Environment variables = {
-        {"A", "b=\"c\""}
-    };
+    const Environment variables = {{"A", "b=\"c\""}};
     const Words odd = {clang, "-c", "a \"b\"\\'.c", "", "-DX=$(Y) \t"};
     const Words several = {clang, "-c", "one.c", "two.cpp", "\xC3\xA4.c"};
     first.collector.AddInvocation(odd, "rel", variables);

@@ -50,17 +50,17 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
     const std::string zero("a\0.c", 4);
     using enum InvocationFate;
     const ExpectedFate rows[] = {
-        {{},                                   Unreadable,       "",                  "command string can't be split"  },
-        {{"", "-c", "a.c"},                    Unreadable,       "a.c",               "names no compiler"              },
-        {{"%/clang", "-c", zero},              Unreadable,       zero,                "zero byte"                      },
-        {{"%/clang", "a.c", "@zero.rsp"},      Unreadable,       "a.c",               "zero byte"                      },
-        {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable,       "a.o",               "response file \"bad.rsp\": 'a.c"},
-        {{"%/none", "-c", "a.c"},              CompilerUnusable, "a.c",               "%/none"                         },
-        {{"%/broken", "-c", "a.c"},            CompilerUnusable, "a.c",               "%/broken"                       },
-        {{"%/armcc", "--via", "none.via"},     Unreadable,       "none.via",          "none.via"                       },
-        {{"%/ccache", "%/clang", "-oa.o"},     SkippedLauncher,  "a.o",               "ccache command"                 },
-        {{"%/clang", "a.o", "-o", "x"},        NotACompilation,  "x",                 ""                               },
-        {{"%/clang", "--version"},             NotACompilation,  "%/clang --version", ""                               },
+        {{}, Unreadable, "", "command string can't be split"},
+        {{"", "-c", "a.c"}, Unreadable, "a.c", "names no compiler"},
+        {{"%/clang", "-c", zero}, Unreadable, zero, "zero byte"},
+        {{"%/clang", "a.c", "@zero.rsp"}, Unreadable, "a.c", "zero byte"},
+        {{"%/clang", "@bad.rsp", "-o", "a.o"}, Unreadable, "a.o", "response file \"bad.rsp\": 'a.c"},
+        {{"%/none", "-c", "a.c"}, CompilerUnusable, "a.c", "%/none"},
+        {{"%/broken", "-c", "a.c"}, CompilerUnusable, "a.c", "%/broken"},
+        {{"%/armcc", "--via", "none.via"}, Unreadable, "none.via", "none.via"},
+        {{"%/ccache", "%/clang", "-oa.o"}, SkippedLauncher, "a.o", "ccache command"},
+        {{"%/clang", "a.o", "-o", "x"}, NotACompilation, "x", ""},
+        {{"%/clang", "--version"}, NotACompilation, "%/clang --version", ""},
     };
     const auto inFolder = [this](std::string text) {
         return text.starts_with("%/") ? folder_ / text.substr(2) : text;
@@ -73,9 +73,7 @@ TEST_F(InvocationCollectorTest, TellsTheFateOfWhatGivesNoUnit) {
         Add(arguments, folder_.Path());
     }
     const Words command = {Program("clang"), "-c", "a.c"};
-    const Environment zeroValue = {
-        {"A", zero}
-    };
+    const Environment zeroValue = {{"A", zero}};
     Add(command, zero);
     Add(command, "/", zeroValue);
     const CollectedCommands collected = collecting_.collector.Take();
@@ -228,12 +226,8 @@ struct FilterCase {
 
 TEST_F(InvocationCollectorTest, LeavesOutOtherCompilersThanThoseAskedFor) {
     const FilterCase rows[] = {
-        {"clang",     "clang",   true },
-        {"CLANG.exe", "clang",   true },
-        {"clang",     "clang++", false},
-        {"clang++",   "clang",   false},
-        {"lang",      "clang",   false},
-        {"ccache",    "clang",   false},
+        {"clang", "clang", true},    {"CLANG.exe", "clang", true}, {"clang", "clang++", false},
+        {"clang++", "clang", false}, {"lang", "clang", false},     {"ccache", "clang", false},
     };
     for (const FilterCase& row : rows) {
         Collecting collecting;
@@ -275,15 +269,9 @@ TEST_F(InvocationCollectorTest, TakesRelativeDirectoriesFromTheBaseAndKeepsThemA
 
 TEST_F(InvocationCollectorTest, HoldsWhatManyUnitsShareOnce) {
     const Words command = {Program("clang"), "-c", "a.c"};
-    Add(command, "/a",
-        {
-            {"A", "1"}
-    });
+    Add(command, "/a", {{"A", "1"}});
     Add(command, "/b", {});
-    Add(command, "/a",
-        {
-            {"A", "1"}
-    });
+    Add(command, "/a", {{"A", "1"}});
     Add(command, "/b", {});
     const std::vector<CompileCommand> units = collecting_.collector.Take().units;
 
@@ -293,9 +281,7 @@ TEST_F(InvocationCollectorTest, HoldsWhatManyUnitsShareOnce) {
         EXPECT_EQ(units[i].absoluteDirectory, units[i + 2].absoluteDirectory);
         EXPECT_EQ(units[i].environment, units[i + 2].environment);
     }
-    EXPECT_EQ(*units[0].environment, (Environment{
-                                         {"A", "1"}
-    }));
+    EXPECT_EQ(*units[0].environment, (Environment{{"A", "1"}}));
     EXPECT_TRUE(units[1].environment->empty());
 }
 

@@ -28,12 +28,12 @@ struct SplitCase {
 };
 
 const SplitCase SplitCases[] = {
-    {Keil, "; made by a tool\n  # another\n-c -DA;B#C\r\n",       {"-c", "-DA;B#C"}                                     },
-    {Keil, R"(-I"C:\a b" -I".\inc" -DT='"x y"')",                 {R"(-IC:\a b)", R"(-I.\inc)", R"(-DT="x y")"}         },
-    {Keil, R"(-I"C:\\a b\\" -DQ=\"q\" 'it\'s' a//b /*c*/)",       {R"(-IC:\a b\)", "-DQ=\"q\"", "it's", "a//b", "/*c*/"}},
-    {Iar,  "-D A // no word\n/* none\nhere */ -I \"C:\\a b\" #x", {"-D", "A", "-I", "C:\\a b", "#x"}                    },
-    {Iar,  R"(-DT=\"t\" -I"\\server\x" 'a b')",                   {"-DT=\"t\"", R"(-I\\server\x)", "'a", "b'"}          },
-    {Ti,   "; one\n--define=A=\"b c\" /* two */\n#three\n-g",     {"--define=A=b c", "-g"}                              },
+    {Keil, "; made by a tool\n  # another\n-c -DA;B#C\r\n", {"-c", "-DA;B#C"}},
+    {Keil, R"(-I"C:\a b" -I".\inc" -DT='"x y"')", {R"(-IC:\a b)", R"(-I.\inc)", R"(-DT="x y")"}},
+    {Keil, R"(-I"C:\\a b\\" -DQ=\"q\" 'it\'s' a//b /*c*/)", {R"(-IC:\a b\)", "-DQ=\"q\"", "it's", "a//b", "/*c*/"}},
+    {Iar, "-D A // no word\n/* none\nhere */ -I \"C:\\a b\" #x", {"-D", "A", "-I", "C:\\a b", "#x"}},
+    {Iar, R"(-DT=\"t\" -I"\\server\x" 'a b')", {"-DT=\"t\"", R"(-I\\server\x)", "'a", "b'"}},
+    {Ti, "; one\n--define=A=\"b c\" /* two */\n#three\n-g", {"--define=A=b c", "-g"}},
 };
 
 struct ExpansionCase {
@@ -43,15 +43,15 @@ struct ExpansionCase {
 };
 
 const ExpansionCase ExpansionCases[] = {
-    {Keil, {"armcc", "--via", "a.opt", "x.c"},         {"armcc", "-DA", "x.c"}               },
-    {Keil, {"armcc", "-c", "--via=a.opt", "x.c"},      {"armcc", "-c", "-DA", "x.c"}         },
-    {Keil, {"armcc", "--via=nest.opt"},                {"armcc", "-DN", "-DA", "-DO"}        },
-    {Keil, {"armcc", "-f", "a.opt", "--viaa.opt"},     {"armcc", "-f", "a.opt", "--viaa.opt"}},
-    {Iar,  {"iccarm", "x.c", "-f", "a.opt"},           {"iccarm", "x.c", "-DA"}              },
-    {Iar,  {"iccarm", "-fa.opt", "--f", "a.opt"},      {"iccarm", "-DA", "-DA"}              },
-    {Ti,   {"armcl", "-@a.opt", "-@=a.opt"},           {"armcl", "-DA", "-DA"}               },
-    {Ti,   {"armcl", "--cmd_file=a.opt", "--via=a.c"}, {"armcl", "-DA", "--via=a.c"}         },
-    {Ti,   {"armcl", "--cmd_file"},                    {"armcl", "--cmd_file"}               },
+    {Keil, {"armcc", "--via", "a.opt", "x.c"}, {"armcc", "-DA", "x.c"}},
+    {Keil, {"armcc", "-c", "--via=a.opt", "x.c"}, {"armcc", "-c", "-DA", "x.c"}},
+    {Keil, {"armcc", "--via=nest.opt"}, {"armcc", "-DN", "-DA", "-DO"}},
+    {Keil, {"armcc", "-f", "a.opt", "--viaa.opt"}, {"armcc", "-f", "a.opt", "--viaa.opt"}},
+    {Iar, {"iccarm", "x.c", "-f", "a.opt"}, {"iccarm", "x.c", "-DA"}},
+    {Iar, {"iccarm", "-fa.opt", "--f", "a.opt"}, {"iccarm", "-DA", "-DA"}},
+    {Ti, {"armcl", "-@a.opt", "-@=a.opt"}, {"armcl", "-DA", "-DA"}},
+    {Ti, {"armcl", "--cmd_file=a.opt", "--via=a.c"}, {"armcl", "-DA", "--via=a.c"}},
+    {Ti, {"armcl", "--cmd_file"}, {"armcl", "--cmd_file"}},
 };
 
 } // namespace
@@ -91,9 +91,9 @@ TEST(OptionFile, ThatCanNotBeReadIsAnErrorThatNamesIt) {
     (void)folder.Write("self.opt", "--via self.opt");
     (void)folder.Write("open.opt", "-c \"a b");
     const std::pair<const char*, const char*> rows[] = {
-        {"none.opt", "none.opt"                                                         },
+        {"none.opt", "none.opt"},
         {"self.opt", "The option file \"self.opt\" lies more than 100 option files deep"},
-        {"open.opt", "Unmatched quote in option file \"open.opt\": \"a b"               },
+        {"open.opt", "Unmatched quote in option file \"open.opt\": \"a b"},
     };
     for (const auto& [file, message] : rows) {
         Words arguments = {"armcc", "--via", file};

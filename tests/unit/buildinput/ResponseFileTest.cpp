@@ -20,18 +20,18 @@ struct ResponseFileCase {
 };
 
 const ResponseFileCase ResponseFileCases[] = {
-    {"",                         {}                                },
-    {" \t\n\v\f\r\n",            {}                                },
-    {"-c a.c\r\n-O2\n",          {"-c", "a.c", "-O2"}              },
-    {"\xEF\xBB\xBF-c a.c",       {"-c", "a.c"}                     },
-    {R"("a b" 'c d' "" '')",     {"a b", "c d", "", ""}            },
- // Inside quotes nothing is special but the closing one; it ends the token.
+    {"", {}},
+    {" \t\n\v\f\r\n", {}},
+    {"-c a.c\r\n-O2\n", {"-c", "a.c", "-O2"}},
+    {"\xEF\xBB\xBF-c a.c", {"-c", "a.c"}},
+    {R"("a b" 'c d' "" '')", {"a b", "c d", "", ""}},
+    // Inside quotes nothing is special but the closing one; it ends the token.
     {R"('a "b"' "it's" "a\" b)", {R"(a "b")", "it's", R"(a\)", "b"}},
-    {R"("a"b 'c''d')",           {"a", "b", "c", "d"}              },
- // Inside other tokens quotes are ordinary characters and a backslash protects the next one.
-    {R"(-DX="a b" it's)",        {R"(-DX="a)", R"(b")", "it's"}    },
-    {R"(a\ b c\\d \"e\' \n)",    {"a b", R"(c\d)", R"("e')", "n"}  },
-    {"a\\\nb c\\",               {"a\nb", "c"}                     },
+    {R"("a"b 'c''d')", {"a", "b", "c", "d"}},
+    // Inside other tokens quotes are ordinary characters and a backslash protects the next one.
+    {R"(-DX="a b" it's)", {R"(-DX="a)", R"(b")", "it's"}},
+    {R"(a\ b c\\d \"e\' \n)", {"a b", R"(c\d)", R"("e')", "n"}},
+    {"a\\\nb c\\", {"a\nb", "c"}},
 };
 
 std::string FailureOf(const std::string& path, const std::string& directory) {
@@ -118,11 +118,11 @@ TEST(SplitAsCompiler, ReadsQuotesWhereverTheyStand) {
         Words gnu;
         Words windows;
     } cases[] = {
-        {R"(-DA="b c" d)",     {"-DA=b c", "d"},     {"-DA=b c", "d"}         },
+        {R"(-DA="b c" d)", {"-DA=b c", "d"}, {"-DA=b c", "d"}},
         {R"(-DA=\"b\" 'c d')", {"-DA=\"b\"", "c d"}, {"-DA=\"b\"", "'c", "d'"}},
-        {R"(-I\x\y "a\\b")",   {"-Ixy", "a\\b"},     {R"(-I\x\y)", R"(a\\b)"} },
-        {"a\r\nb \"\"\n",      {"a", "b", ""},       {"a", "b", ""}           },
-        {"",                   {},                   {}                       },
+        {R"(-I\x\y "a\\b")", {"-Ixy", "a\\b"}, {R"(-I\x\y)", R"(a\\b)"}},
+        {"a\r\nb \"\"\n", {"a", "b", ""}, {"a", "b", ""}},
+        {"", {}, {}},
     };
 
     for (const auto& row : cases) {

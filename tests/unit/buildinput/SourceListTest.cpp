@@ -17,12 +17,10 @@ TEST(SourceList, NamesOnePathALine) {
              "\xEF\xBB\xBF\n  a b.c \t\r\n\r\n#c.c\n" + HostPath("/x/./z/../y.c") + "\n\n../up.h", folders)) {
         places.push_back(file.places);
     }
-    EXPECT_EQ(places, (std::vector<std::vector<std::string>>{
-                          {HostPath("/w/a b.c"), HostPath("/root/a b.c")},
-                          {HostPath("/w/#c.c"),  HostPath("/root/#c.c") },
-                          {HostPath("/x/y.c")  },
-                          {HostPath("/up.h"),   HostPath("/up.h")                       }
-    }));
+    EXPECT_EQ(places, (std::vector<std::vector<std::string>>{{HostPath("/w/a b.c"), HostPath("/root/a b.c")},
+                                                             {HostPath("/w/#c.c"), HostPath("/root/#c.c")},
+                                                             {HostPath("/x/y.c")},
+                                                             {HostPath("/up.h"), HostPath("/up.h")}}));
     EXPECT_TRUE(ParseSourceList(" \n\t\r\n", folders).empty());
     const TestFolder folder;
     EXPECT_THROW((void)ReadSourceList(folder / "none", folders), ZelmException);

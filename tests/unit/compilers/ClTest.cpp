@@ -22,24 +22,24 @@ struct KeptCase {
 };
 
 const KeptCase KeptCases[] = {
-    {"BothIntroducers",        "/DA -DB /EHsc -GR-",                                                    "/DA -DB /EHsc -GR-"                     },
+    {"BothIntroducers", "/DA -DB /EHsc -GR-", "/DA -DB /EHsc -GR-"},
     {"ValuesGluedAndSeparate", "/I a /Ib /D X=1 /DY /U Z /UW /FI f.h /FIg.h",
-     "/I a /Ib /D X=1 /DY /U Z /UW /FI f.h /FIg.h"                                                                                               },
-    {"SystemFolders",          "/external:I s /external:It /external:W0",                               "/external:I s /external:It /external:W0"},
-    {"OutputsGlued",           "/Foa.obj /Fdp.pdb /Fea.exe /Fa /Fal.asm /Fm /FR /Fria.sbr /FAcs",       ""                                       },
-    {"OutputsBehindAColon",    "/Fo: o.obj /Fd:p.pdb /Fe: a.exe /Fi: i.i /Fp: x.pch",                   ""                                       },
-    {"PrecompiledHeaders",     "/Ycpch.h /Yupch.h /Yu /Y- /Fpx.pch /FIpch.h",                           "/FIpch.h"                               },
-    {"Dependencies",           "/showIncludes /sourceDependencies d.json /sourceDependenciesd.json",    ""                                       },
-    {"DebuggingAndCode",       "/Zi /ZI /Z7 /FS /Gm- /MP /MP4 /O2 /Od /Ob1 /Oy- /F 1000",               ""                                       },
-    {"StrictWarnings",         "/W4 /WX /WX- /we4700 /wd4996 /w",                                       "/W4 /wd4996 /w"                         },
-    {"PreprocessedText",       "/C /PD /d1PP",                                                          ""                                       },
-    {"Language",               "/permissive- /Za /Ze /Zc:inline /J /await /std:c++17",
-     "/permissive- /Za /Ze /Zc:inline /J /await /std:c++17"                                                                                      },
-    {"RuntimeLibrary",         "/MD /MDd /MT /LD /RTC1 /GL /nologo",                                    "/MD /MDd /MT /LD /RTC1 /GL /nologo"     },
-    {"NamesThatBeginAlike",    "/FC /FAsu /FD /openmp /openmp:llvm /options:strict /diagnostics:caret",
-     "/FC /openmp /openmp:llvm /options:strict /diagnostics:caret"                                                                               },
+     "/I a /Ib /D X=1 /DY /U Z /UW /FI f.h /FIg.h"},
+    {"SystemFolders", "/external:I s /external:It /external:W0", "/external:I s /external:It /external:W0"},
+    {"OutputsGlued", "/Foa.obj /Fdp.pdb /Fea.exe /Fa /Fal.asm /Fm /FR /Fria.sbr /FAcs", ""},
+    {"OutputsBehindAColon", "/Fo: o.obj /Fd:p.pdb /Fe: a.exe /Fi: i.i /Fp: x.pch", ""},
+    {"PrecompiledHeaders", "/Ycpch.h /Yupch.h /Yu /Y- /Fpx.pch /FIpch.h", "/FIpch.h"},
+    {"Dependencies", "/showIncludes /sourceDependencies d.json /sourceDependenciesd.json", ""},
+    {"DebuggingAndCode", "/Zi /ZI /Z7 /FS /Gm- /MP /MP4 /O2 /Od /Ob1 /Oy- /F 1000", ""},
+    {"StrictWarnings", "/W4 /WX /WX- /we4700 /wd4996 /w", "/W4 /wd4996 /w"},
+    {"PreprocessedText", "/C /PD /d1PP", ""},
+    {"Language", "/permissive- /Za /Ze /Zc:inline /J /await /std:c++17",
+     "/permissive- /Za /Ze /Zc:inline /J /await /std:c++17"},
+    {"RuntimeLibrary", "/MD /MDd /MT /LD /RTC1 /GL /nologo", "/MD /MDd /MT /LD /RTC1 /GL /nologo"},
+    {"NamesThatBeginAlike", "/FC /FAsu /FD /openmp /openmp:llvm /options:strict /diagnostics:caret",
+     "/FC /openmp /openmp:llvm /options:strict /diagnostics:caret"},
     {"ValuesThatAreNoSources", "/AI m.cpp /FU n.cpp /reference o.cpp /analyze:log p.cpp",
-     "/AI m.cpp /FU n.cpp /reference o.cpp"                                                                                                      },
+     "/AI m.cpp /FU n.cpp /reference o.cpp"},
 };
 
 class ClKept : public testing::TestWithParam<KeptCase> {};
@@ -52,21 +52,21 @@ struct OutlineCase {
 };
 
 const OutlineCase OutlineCases[] = {
-    {"WithoutC",                    "a.cpp",                          "a.cpp",                ""                       },
-    {"CaseOfExtensions",            "/c A.CPP b.Cxx c.C D.Cc",        "A.CPP b.Cxx c.C D.Cc", ""                       },
-    {"SourceOfLanguage",            "/c /Tca.x /Tp b.y c.x",          "a.x b.y",              ""                       },
-    {"AllOfOneLanguage",            "/c a.x b.obj c.LIB /TP",         "a.x",                  ""                       },
-    {"LinkersPart",                 "a.cpp /link b.cpp /out:a.exe",   "a.cpp",                ""                       },
-    {"ObjectBehindALoneFo",         "/c /Fo a.cpp",                   "a.cpp",                ""                       },
-    {"ObjectsOnly",                 "a.obj b.lib",                    "",                     "link only"              },
-    {"Preprocessing",               "/c /P a.cpp",                    "",                     "preprocessing only"     },
-    {"PreprocessingToOutput",       "/EP a.cpp",                      "",                     "preprocessing only"     },
-    {"PreprocessingWithoutMarkers", "/E /c a.cpp",                    "",                     "preprocessing only"     },
-    {"Dependencies",                "/scanDependencies d.json a.cpp", "",                     "dependencies only"      },
-    {"Help",                        "/?",                             "",                     "prints information only"},
-    {"PathLikeAFlag",               "/c /home/me/a.c",                "/home/me/a.c",         ""                       },
-    {"PathBehindDashes",            "/c -- /Users/me/a.c",            "/Users/me/a.c",        ""                       },
-    {"PathTakenForAFlag",           "/c /Users/me/a.c",               "",                     "no input"               },
+    {"WithoutC", "a.cpp", "a.cpp", ""},
+    {"CaseOfExtensions", "/c A.CPP b.Cxx c.C D.Cc", "A.CPP b.Cxx c.C D.Cc", ""},
+    {"SourceOfLanguage", "/c /Tca.x /Tp b.y c.x", "a.x b.y", ""},
+    {"AllOfOneLanguage", "/c a.x b.obj c.LIB /TP", "a.x", ""},
+    {"LinkersPart", "a.cpp /link b.cpp /out:a.exe", "a.cpp", ""},
+    {"ObjectBehindALoneFo", "/c /Fo a.cpp", "a.cpp", ""},
+    {"ObjectsOnly", "a.obj b.lib", "", "link only"},
+    {"Preprocessing", "/c /P a.cpp", "", "preprocessing only"},
+    {"PreprocessingToOutput", "/EP a.cpp", "", "preprocessing only"},
+    {"PreprocessingWithoutMarkers", "/E /c a.cpp", "", "preprocessing only"},
+    {"Dependencies", "/scanDependencies d.json a.cpp", "", "dependencies only"},
+    {"Help", "/?", "", "prints information only"},
+    {"PathLikeAFlag", "/c /home/me/a.c", "/home/me/a.c", ""},
+    {"PathBehindDashes", "/c -- /Users/me/a.c", "/Users/me/a.c", ""},
+    {"PathTakenForAFlag", "/c /Users/me/a.c", "", "no input"},
 };
 
 class ClOutline : public testing::TestWithParam<OutlineCase> {};
@@ -80,15 +80,15 @@ struct StandardCase {
 constexpr std::optional<FlagKind> None;
 
 const StandardCase StandardCases[] = {
-    {"",                             None,                  None                   },
-    {"/std:c++14",                   None,                  FlagKind::StandardCpp14},
-    {"-std:c++17",                   None,                  FlagKind::StandardCpp17},
-    {"/std:c++20",                   None,                  FlagKind::StandardCpp20},
-    {"/std:c++latest",               None,                  FlagKind::StandardCpp20},
-    {"/std:c11",                     FlagKind::StandardC11, None                   },
-    {"/std:c17 /std:c++17",          FlagKind::StandardC17, FlagKind::StandardCpp17},
-    {"/std:clatest",                 FlagKind::StandardC2x, None                   },
-    {"/std:c++17 /std:c++23preview", None,                  None                   },
+    {"", None, None},
+    {"/std:c++14", None, FlagKind::StandardCpp14},
+    {"-std:c++17", None, FlagKind::StandardCpp17},
+    {"/std:c++20", None, FlagKind::StandardCpp20},
+    {"/std:c++latest", None, FlagKind::StandardCpp20},
+    {"/std:c11", FlagKind::StandardC11, None},
+    {"/std:c17 /std:c++17", FlagKind::StandardC17, FlagKind::StandardCpp17},
+    {"/std:clatest", FlagKind::StandardC2x, None},
+    {"/std:c++17 /std:c++23preview", None, None},
 };
 
 struct TargetCase {
@@ -141,13 +141,8 @@ TEST(Cl, SortsFoldersMacrosAndOutput) {
 // The source stands bare in the preprocessing command: what named its language is said again.
 TEST(Cl, SaysAStatedLanguageAgain) {
     const std::pair<const char*, const char*> cases[] = {
-        {"/Tca.x",        "/TC" },
-        {"/Tp a.c",       "/TP" },
-        {"a.cpp /TC",     "/TC" },
-        {"/TC /TP a.c",   "/TP" },
-        {"/TC /Tpa.c",    "/TP" },
-        {"a.c /link /TP", ""    },
-        {"/D N a.c",      "/D N"},
+        {"/Tca.x", "/TC"},     {"/Tp a.c", "/TP"},    {"a.cpp /TC", "/TC"}, {"/TC /TP a.c", "/TP"},
+        {"/TC /Tpa.c", "/TP"}, {"a.c /link /TP", ""}, {"/D N a.c", "/D N"},
     };
     for (const auto& [words, kept] : cases) {
         const ParsedCommand command = ReadAs<Cl>(X64 + words);
@@ -180,18 +175,18 @@ TEST(Cl, TakesTargetAndSwitchesFromPathAndFlags) {
 
 TEST(CompilerTarget, IsToldByTheCompilersPlace) {
     const TargetCase cases[] = {
-        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\Hostx64\x64\cl.exe)",   TargetBits::Bits64},
-        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\HostX86\X64\cl.exe)",   TargetBits::Bits64},
-        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\Hostx64\x86\cl.exe)",   TargetBits::Bits32},
+        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\Hostx64\x64\cl.exe)", TargetBits::Bits64},
+        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\HostX86\X64\cl.exe)", TargetBits::Bits64},
+        {R"(C:\VS\VC\Tools\MSVC\14.29\bin\Hostx64\x86\cl.exe)", TargetBits::Bits32},
         {R"(C:\VS\VC\Tools\MSVC\14.29\bin\Hostx64\arm64\cl.exe)", TargetBits::Bits64},
-        {R"(C:\VS 14.0\VC\bin\cl.exe)",                           TargetBits::Bits32},
-        {R"(C:\VS 14.0\VC\BIN\amd64\cl.exe)",                     TargetBits::Bits64},
-        {R"(C:\VS 14.0\VC\bin\amd64_x86\cl.exe)",                 TargetBits::Bits32},
-        {R"(C:\VS 14.0\VC\bin\x86_amd64\cl.exe)",                 TargetBits::Bits64},
-        {"/opt/msvc/bin/x64/cl",                                  TargetBits::Bits64},
-        {"/usr/bin/cl",                                           std::nullopt      },
-        {R"(C:\x64\tools\cl.exe)",                                std::nullopt      },
-        {"cl",                                                    std::nullopt      },
+        {R"(C:\VS 14.0\VC\bin\cl.exe)", TargetBits::Bits32},
+        {R"(C:\VS 14.0\VC\BIN\amd64\cl.exe)", TargetBits::Bits64},
+        {R"(C:\VS 14.0\VC\bin\amd64_x86\cl.exe)", TargetBits::Bits32},
+        {R"(C:\VS 14.0\VC\bin\x86_amd64\cl.exe)", TargetBits::Bits64},
+        {"/opt/msvc/bin/x64/cl", TargetBits::Bits64},
+        {"/usr/bin/cl", std::nullopt},
+        {R"(C:\x64\tools\cl.exe)", std::nullopt},
+        {"cl", std::nullopt},
     };
     for (const TargetCase& row : cases) {
         EXPECT_EQ(TargetByCompilerPath(row.text), row.bits) << row.text;
@@ -200,14 +195,14 @@ TEST(CompilerTarget, IsToldByTheCompilersPlace) {
 
 TEST(CompilerTarget, IsToldByTheBanner) {
     const TargetCase cases[] = {
-        {"Microsoft (R) C/C++ Optimizing Compiler Version 19.29.30133 for x64\r\n",      TargetBits::Bits64},
-        {"Microsoft (R) C/C++ Optimizing Compiler Version 19.29.30133 for x86\r\n",      TargetBits::Bits32},
-        {"Microsoft (R) 32-bit C/C++ Optimizing Compiler Version 13.10.3077 for 80x86",  TargetBits::Bits32},
+        {"Microsoft (R) C/C++ Optimizing Compiler Version 19.29.30133 for x64\r\n", TargetBits::Bits64},
+        {"Microsoft (R) C/C++ Optimizing Compiler Version 19.29.30133 for x86\r\n", TargetBits::Bits32},
+        {"Microsoft (R) 32-bit C/C++ Optimizing Compiler Version 13.10.3077 for 80x86", TargetBits::Bits32},
         {"Compilador de optimizaci\xc3\xb3n de C/C++ versi\xc3\xb3n 19.16 para ARM64\n", TargetBits::Bits64},
-        {"clang version 14.0.6\nTarget: x86_64-pc-windows-msvc\nThread model: posix\n",  TargetBits::Bits64},
-        {"clang version 14.0.6\nTarget: i386-pc-windows-msvc\nInstalledDir: /x64\n",     TargetBits::Bits32},
-        {"no word of it",                                                                std::nullopt      },
-        {"",                                                                             std::nullopt      },
+        {"clang version 14.0.6\nTarget: x86_64-pc-windows-msvc\nThread model: posix\n", TargetBits::Bits64},
+        {"clang version 14.0.6\nTarget: i386-pc-windows-msvc\nInstalledDir: /x64\n", TargetBits::Bits32},
+        {"no word of it", std::nullopt},
+        {"", std::nullopt},
     };
     for (const TargetCase& row : cases) {
         EXPECT_EQ(TargetByVersionText(row.text), row.bits) << row.text;

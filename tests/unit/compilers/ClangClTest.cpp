@@ -21,14 +21,14 @@ struct KeptCase {
 };
 
 const KeptCase KeptCases[] = {
-    {"FlagsOfCl",               "/nologo -DA /I inc /Fo: a.obj /O2 -Zi /Yupch.h",                  "/nologo -DA /I inc"                         },
-    {"SystemFolders",           "/imsvc s -imsvct /winsysroot w",                                  "/imsvc s -imsvct /winsysroot w"             },
-    {"FrontEndPairs",           "-Xclang -include -Xclang f.h -Xclang -fsome",                     "-Xclang -include -Xclang f.h -Xclang -fsome"},
-    {"DependencyFiles",         "-clang:-MD -clang:-MTa.obj -clang:-MFa.d -clang:-MF /clang:-MMD", ""                                           },
-    {"DependencyFilesSeparate", "/clang:-MD /clang:-MF /clang:a.d /clang:-DX",                     "/clang:-DX"                                 },
-    {"Driver",                  "/clang:-O2 /clang:-fwrapv /clang:-isystem /clang:s",              "/clang:-fwrapv /clang:-isystem /clang:s"    },
-    {"StrictWarnings",          "-Wall -Werror -Werror=switch -Wno-unused",                        "-Wall -Wno-unused"                          },
-    {"ValuesThatAreNoSources",  "-mllvm x.c -resource-dir y.c",                                    "-mllvm x.c -resource-dir y.c"               },
+    {"FlagsOfCl", "/nologo -DA /I inc /Fo: a.obj /O2 -Zi /Yupch.h", "/nologo -DA /I inc"},
+    {"SystemFolders", "/imsvc s -imsvct /winsysroot w", "/imsvc s -imsvct /winsysroot w"},
+    {"FrontEndPairs", "-Xclang -include -Xclang f.h -Xclang -fsome", "-Xclang -include -Xclang f.h -Xclang -fsome"},
+    {"DependencyFiles", "-clang:-MD -clang:-MTa.obj -clang:-MFa.d -clang:-MF /clang:-MMD", ""},
+    {"DependencyFilesSeparate", "/clang:-MD /clang:-MF /clang:a.d /clang:-DX", "/clang:-DX"},
+    {"Driver", "/clang:-O2 /clang:-fwrapv /clang:-isystem /clang:s", "/clang:-fwrapv /clang:-isystem /clang:s"},
+    {"StrictWarnings", "-Wall -Werror -Werror=switch -Wno-unused", "-Wall -Wno-unused"},
+    {"ValuesThatAreNoSources", "-mllvm x.c -resource-dir y.c", "-mllvm x.c -resource-dir y.c"},
 };
 
 class ClangClKept : public testing::TestWithParam<KeptCase> {};
@@ -60,14 +60,14 @@ TEST(ClangCl, ReadsWhatIsHandedOnAsClangDoes) {
 
 TEST(ClangCl, TakesTheTargetFromItsFlags) {
     const std::pair<const char*, const char*> cases[] = {
-        {"-m32",                                               "Win32"},
-        {"/m64",                                               "x64"  },
-        {"-m32 -m64",                                          "x64"  },
-        {"--target=i686-pc-windows-msvc",                      "Win32"},
-        {"--target=aarch64-pc-windows-msvc",                   "x64"  },
-        {"--target=i686-pc-windows-msvc --target=x86_64-msvc", "x64"  },
-        {"--target=x86_64-pc-windows-msvc /clang:-m32",        "Win32"},
-        {"/clang:--target=i686-pc-windows-msvc",               "Win32"},
+        {"-m32", "Win32"},
+        {"/m64", "x64"},
+        {"-m32 -m64", "x64"},
+        {"--target=i686-pc-windows-msvc", "Win32"},
+        {"--target=aarch64-pc-windows-msvc", "x64"},
+        {"--target=i686-pc-windows-msvc --target=x86_64-msvc", "x64"},
+        {"--target=x86_64-pc-windows-msvc /clang:-m32", "Win32"},
+        {"/clang:--target=i686-pc-windows-msvc", "Win32"},
     };
     for (const auto& [flags, platform] : cases) {
         EXPECT_EQ(ReadAs<ClangCl>(std::string("clang-cl ") + flags + " a.c").platformWord, platform) << flags;
@@ -79,10 +79,10 @@ TEST(ClangCl, GivesASourceThatLooksLikeAFlagBehindDashes) {
     const ClangCl model;
     const std::pair<const char*, const char*> cases[] = {
         {"/home/me/a.c", "/Fi/t/a.i -- /home/me/a.c"},
-        {"-a.c",         "/Fi/t/a.i -- -a.c"        },
-        {"@a.c",         "/Fi/t/a.i ./@a.c"         },
-        {"src/a.c",      "/Fi/t/a.i src/a.c"        },
-        {"C:\\src\\a.c", "/Fi/t/a.i C:\\src\\a.c"   },
+        {"-a.c", "/Fi/t/a.i -- -a.c"},
+        {"@a.c", "/Fi/t/a.i ./@a.c"},
+        {"src/a.c", "/Fi/t/a.i src/a.c"},
+        {"C:\\src\\a.c", "/Fi/t/a.i C:\\src\\a.c"},
     };
     for (const auto& [source, end] : cases) {
         ParsedCommand command;

@@ -160,8 +160,8 @@ public:
 private:
     static constexpr std::string_view Introducers[] = {"-", "/"};
     static constexpr FlagRow Rows[] = {
-        {"Tc",                  FlagKind::SourceOfLanguage, FlagEffect::NamesC},
-        {"Tp",                     FlagKind::SourceOfLanguage,                                            FlagEffect::NamesCpp},
+        {"Tc", FlagKind::SourceOfLanguage, FlagEffect::NamesC},
+        {"Tp", FlagKind::SourceOfLanguage, FlagEffect::NamesCpp},
         {"link", FlagKind::LinkerPart},
     };
 };

@@ -23,21 +23,21 @@ struct NameCase {
 };
 
 const NameCase NameCases[] = {
-    {"ClangCl",            "/usr/bin/clang-cl",  CompilerType::ClangCl },
-    {"ClangClUpperCase",   "C:/x/CLANG-CL.EXE",  CompilerType::ClangCl },
-    {"ClangClWithVersion", "clang-cl-14",        CompilerType::Clang   },
-    {"ClByStem",           "/x/cl.exe",          CompilerType::Cl      },
-    {"ArmClang",           "/x/armclang",        CompilerType::Keil6   },
-    {"ArmClangExe",        "/x/ArmClang.exe",    CompilerType::Clang   },
-    {"ClangInside",        "/x/arm-Clang++-14",  CompilerType::Clang   },
-    {"Qcc",                "qcc",                CompilerType::Qcc     },
-    {"Xc8",                "XC8-CC",             CompilerType::XC8     },
-    {"ArmCc",              "armcc",              CompilerType::Keil5   },
-    {"ArmCcExe",           "armcc.exe",          std::nullopt          },
-    {"ArmCl",              "armcl",              CompilerType::TiArmCGT},
-    {"Gcc",                "/usr/bin/gcc",       std::nullopt          },
-    {"GccARM",             "arm-none-eabi-gcc",  std::nullopt          },
-    {"OnlyTheFolder",      "/opt/clang/bin/gcc", std::nullopt          },
+    {"ClangCl", "/usr/bin/clang-cl", CompilerType::ClangCl},
+    {"ClangClUpperCase", "C:/x/CLANG-CL.EXE", CompilerType::ClangCl},
+    {"ClangClWithVersion", "clang-cl-14", CompilerType::Clang},
+    {"ClByStem", "/x/cl.exe", CompilerType::Cl},
+    {"ArmClang", "/x/armclang", CompilerType::Keil6},
+    {"ArmClangExe", "/x/ArmClang.exe", CompilerType::Clang},
+    {"ClangInside", "/x/arm-Clang++-14", CompilerType::Clang},
+    {"Qcc", "qcc", CompilerType::Qcc},
+    {"Xc8", "XC8-CC", CompilerType::XC8},
+    {"ArmCc", "armcc", CompilerType::Keil5},
+    {"ArmCcExe", "armcc.exe", std::nullopt},
+    {"ArmCl", "armcl", CompilerType::TiArmCGT},
+    {"Gcc", "/usr/bin/gcc", std::nullopt},
+    {"GccARM", "arm-none-eabi-gcc", std::nullopt},
+    {"OnlyTheFolder", "/opt/clang/bin/gcc", std::nullopt},
 };
 
 struct VersionCase {
@@ -47,24 +47,24 @@ struct VersionCase {
 };
 
 const VersionCase VersionCases[] = {
-    {"DebianGcc",       "gcc (Debian 12.2.0-14) 12.2.0\nCopyright (C) 2022\n",        CompilerType::Gcc              },
-    {"Clang",           "clang version 15.0.7\nTarget: x86_64\n",                     CompilerType::Clang            },
-    {"ClangNotFirst",   "Debian clang version 14.0.6\n",                              CompilerType::Gcc              },
-    {"ClangUpperCase",  "Clang version 15\n",                                         CompilerType::Gcc              },
-    {"Apple",           "Apple LLVM version 10.0.1 (clang-1001.0.46.4)\n",            CompilerType::Clang            },
-    {"GnuArm",          "arm-none-eabi-gcc (GNU Arm Embedded Toolchain 10.3) 10.3.1", CompilerType::GccARM           },
-    {"ArmWithoutGnu",   "some cc (Arm Embedded 1.0)",                                 CompilerType::Gcc              },
-    {"Iar7",            "IAR ANSI C/C++ Compiler V7.80.4.12462/W32 for ARM\n",        CompilerType::IARArm_v7_OrOlder},
-    {"Iar8",            "IAR ANSI C/C++ Compiler V8.50.1.245/LNX for ARM\n",          CompilerType::IARArm           },
-    {"IarNoVersion",    "IAR C/C++ Compiler, Version Vx",                             CompilerType::IARArm           },
-    {"IarAnyOldWord",   "IAR V9.1 for V7",                                            CompilerType::IARArm_v7_OrOlder},
-    {"IarNegative",     "IAR V-1",                                                    CompilerType::IARArm_v7_OrOlder},
-    {"IarOverflow",     "IAR V4294967296",                                            CompilerType::IARArm           },
-    {"IarCaseCounts",   "Iar V7.1",                                                   CompilerType::Gcc              },
-    {"IarBeforeOthers", "clang IAR V8",                                               CompilerType::IARArm           },
-    {"Xc8",             "Microchip MPLAB XC8 C Compiler V2.36\n",                     CompilerType::XC8              },
-    {"Xc8Later",        " Microchip MPLAB XC8 C Compiler V2.36\n",                    CompilerType::Gcc              },
-    {"Nothing",         "",                                                           CompilerType::Gcc              },
+    {"DebianGcc", "gcc (Debian 12.2.0-14) 12.2.0\nCopyright (C) 2022\n", CompilerType::Gcc},
+    {"Clang", "clang version 15.0.7\nTarget: x86_64\n", CompilerType::Clang},
+    {"ClangNotFirst", "Debian clang version 14.0.6\n", CompilerType::Gcc},
+    {"ClangUpperCase", "Clang version 15\n", CompilerType::Gcc},
+    {"Apple", "Apple LLVM version 10.0.1 (clang-1001.0.46.4)\n", CompilerType::Clang},
+    {"GnuArm", "arm-none-eabi-gcc (GNU Arm Embedded Toolchain 10.3) 10.3.1", CompilerType::GccARM},
+    {"ArmWithoutGnu", "some cc (Arm Embedded 1.0)", CompilerType::Gcc},
+    {"Iar7", "IAR ANSI C/C++ Compiler V7.80.4.12462/W32 for ARM\n", CompilerType::IARArm_v7_OrOlder},
+    {"Iar8", "IAR ANSI C/C++ Compiler V8.50.1.245/LNX for ARM\n", CompilerType::IARArm},
+    {"IarNoVersion", "IAR C/C++ Compiler, Version Vx", CompilerType::IARArm},
+    {"IarAnyOldWord", "IAR V9.1 for V7", CompilerType::IARArm_v7_OrOlder},
+    {"IarNegative", "IAR V-1", CompilerType::IARArm_v7_OrOlder},
+    {"IarOverflow", "IAR V4294967296", CompilerType::IARArm},
+    {"IarCaseCounts", "Iar V7.1", CompilerType::Gcc},
+    {"IarBeforeOthers", "clang IAR V8", CompilerType::IARArm},
+    {"Xc8", "Microchip MPLAB XC8 C Compiler V2.36\n", CompilerType::XC8},
+    {"Xc8Later", " Microchip MPLAB XC8 C Compiler V2.36\n", CompilerType::Gcc},
+    {"Nothing", "", CompilerType::Gcc},
 };
 
 class NameRules : public testing::TestWithParam<NameCase> {};
@@ -131,9 +131,7 @@ TEST_F(IdentifierTest, AsksACompilerOnceHoweverItIsNamed) {
     const CompilerIdentifier::Result first = Identify(path + " -c a.c");
     const CompilerIdentifier::Result again = Identify(path + " -c b.c");
     const CompilerIdentifier::Result relative = Identify("bin/mycc -c c.c");
-    const CompilerIdentifier::Result searched = Identify("mycc -c d.c", {
-                                                                            {"PATH", folder / "bin"}
-    });
+    const CompilerIdentifier::Result searched = Identify("mycc -c d.c", {{"PATH", folder / "bin"}});
     EXPECT_EQ(first.compiler->type, CompilerType::Clang);
     EXPECT_EQ(again.compiler, first.compiler);
     EXPECT_EQ(relative.compiler, first.compiler);
@@ -144,9 +142,7 @@ TEST_F(IdentifierTest, AsksACompilerOnceHoweverItIsNamed) {
 // More than some systems start a program with.
 TEST_F(IdentifierTest, HoldsWhatIsWrongWithAnInvocationsVariablesAgainstNoOther) {
     const std::string path = MakeCompiler("mycc", "clang version 99\n");
-    const CompilerIdentifier::Result first = Identify(path + " -c a.c", {
-                                                                            {"HUGE", std::string(1U << 20U, 'x')}
-    });
+    const CompilerIdentifier::Result first = Identify(path + " -c a.c", {{"HUGE", std::string(1U << 20U, 'x')}});
     EXPECT_TRUE(first.verdict == IdentificationVerdict::Known || first.verdict == IdentificationVerdict::Unusable);
     EXPECT_EQ(Identify(path + " -c b.c").verdict, IdentificationVerdict::Known);
     EXPECT_EQ(Identify(path + " -c c.c").verdict, IdentificationVerdict::Known);
@@ -156,26 +152,14 @@ TEST_F(IdentifierTest, HoldsWhatIsWrongWithAnInvocationsVariablesAgainstNoOther)
 TEST_F(IdentifierTest, LooksInTheWorkingDirectoryBeforeTheSearchPath) {
     const std::string here = MakeCompiler("mycc", "here\n");
     (void)MakeCompiler("bin/mycc", "there\n");
-    EXPECT_EQ(Identify("mycc -c a.c",
-                       {
-                           {"PATH", folder / "bin"}
-    })
-                  .compiler->path,
-              here);
+    EXPECT_EQ(Identify("mycc -c a.c", {{"PATH", folder / "bin"}}).compiler->path, here);
 }
 
 TEST_F(IdentifierTest, TakesTheSearchPathOfTheRunBeforeThatOfTheInvocation) {
     (void)MakeCompiler("one/mycc", "one\n");
     const std::string two = MakeCompiler("two/mycc", "two\n");
-    settings.environmentChanges = {
-        {"PATH", folder / "two"}
-    };
-    EXPECT_EQ(Identify("mycc -c a.c",
-                       {
-                           {"PATH", folder / "one"}
-    })
-                  .compiler->path,
-              two);
+    settings.environmentChanges = {{"PATH", folder / "two"}};
+    EXPECT_EQ(Identify("mycc -c a.c", {{"PATH", folder / "one"}}).compiler->path, two);
 }
 
 TEST_F(IdentifierTest, ReadsTheAnswerOfAFailedQueryFromBothOutputs) {
@@ -192,14 +176,9 @@ TEST_F(IdentifierTest, ReadsTheAnswerOfAFailedQueryFromBothOutputs) {
 }
 
 TEST_F(IdentifierTest, RunsTheQueryInTheInvocationsEnvironmentWithTheRunsChanges) {
-    settings.environmentChanges = {
-        {"SECOND", "run"}
-    };
+    settings.environmentChanges = {{"SECOND", "run"}};
     const std::string path = MakeCompiler("mycc", "", "version-show-variable FIRST\nversion-show-variable SECOND\n");
-    const CompilerIdentifier::Result result = Identify(path, {
-                                                                 {"FIRST",  "entry"},
-                                                                 {"SECOND", "entry"}
-    });
+    const CompilerIdentifier::Result result = Identify(path, {{"FIRST", "entry"}, {"SECOND", "entry"}});
     EXPECT_EQ(WithoutReturns(result.compiler->version), "entry\nrun\n");
 }
 

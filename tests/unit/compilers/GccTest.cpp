@@ -99,19 +99,19 @@ struct StandardCase {
 };
 
 const StandardCase StandardCases[] = {
-    {"None",                "gcc -c a.c",                           "",    ""     },
-    {"Gnu17",               "gcc -std=gnu17 -c a.c",                "c17", ""     },
-    {"Gnu18Unknown",        "gcc -std=gnu18 -c a.c",                "",    ""     },
-    {"Gnu1xUnknown",        "gcc -std=gnu1x -c a.c",                "",    ""     },
-    {"UnknownHidesEarlier", "g++ -std=c++17 -std=gnu++23 -c a.cpp", "",    ""     },
-    {"C2x",                 "gcc -std=c2x -c a.c",                  "c20", ""     },
-    {"Amendment1",          "gcc -std=iso9899:199409 -c a.c",       "c90", ""     },
-    {"LastWins",            "gcc -std=c99 -std=c11 -c a.c",         "c11", ""     },
-    {"OneOfEach",           "gcc -std=c99 --std=c++14 -c a.c",      "c99", "c++14"},
-    {"Ansi",                "gcc -ansi -c a.c",                     "c90", "c++98"},
-    {"AnsiThenC11",         "gcc -ansi -std=c11 -c a.c",            "c11", "c++98"},
-    {"ValueInTheNextWord",  "gcc --std c99 --machine 32 -c a.c",    "c99", ""     },
-    {"Concepts",            "g++ -std=c++17 -fconcepts -c a.cpp",   "",    "c++20"},
+    {"None", "gcc -c a.c", "", ""},
+    {"Gnu17", "gcc -std=gnu17 -c a.c", "c17", ""},
+    {"Gnu18Unknown", "gcc -std=gnu18 -c a.c", "", ""},
+    {"Gnu1xUnknown", "gcc -std=gnu1x -c a.c", "", ""},
+    {"UnknownHidesEarlier", "g++ -std=c++17 -std=gnu++23 -c a.cpp", "", ""},
+    {"C2x", "gcc -std=c2x -c a.c", "c20", ""},
+    {"Amendment1", "gcc -std=iso9899:199409 -c a.c", "c90", ""},
+    {"LastWins", "gcc -std=c99 -std=c11 -c a.c", "c11", ""},
+    {"OneOfEach", "gcc -std=c99 --std=c++14 -c a.c", "c99", "c++14"},
+    {"Ansi", "gcc -ansi -c a.c", "c90", "c++98"},
+    {"AnsiThenC11", "gcc -ansi -std=c11 -c a.c", "c11", "c++98"},
+    {"ValueInTheNextWord", "gcc --std c99 --machine 32 -c a.c", "c99", ""},
+    {"Concepts", "g++ -std=c++17 -fconcepts -c a.cpp", "", "c++20"},
 };
 
 class GccStandard : public testing::TestWithParam<StandardCase> {};

@@ -36,12 +36,9 @@ const std::string Information = "<?xml version=\"1.0\"?>\n"
 
 TEST(AnalyzerInformation, GivesTheFactsOfEachCheck) {
     const std::vector<FactGroup> groups = ReadAnalyzerInformation(Information);
-    EXPECT_THAT(groups, ElementsAre(
-                            FactGroup{
-                                "ctu", "", {Call, Usage}
-    },
-                            FactGroup{"Bounds checking", "array-index", {Usage, Usage}},
-                            FactGroup{"Bounds checking", "pointer-arith", {Usage}}));
+    EXPECT_THAT(groups, ElementsAre(FactGroup{"ctu", "", {Call, Usage}},
+                                    FactGroup{"Bounds checking", "array-index", {Usage, Usage}},
+                                    FactGroup{"Bounds checking", "pointer-arith", {Usage}}));
     EXPECT_THAT(FilesOfFact(Call), ElementsAre("f2.c", "s3.c"));
 
     std::string again;

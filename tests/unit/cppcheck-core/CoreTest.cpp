@@ -12,9 +12,7 @@ namespace {
 using testing::HasSubstr;
 
 TEST_F(Core, SaysThatCppcheckIsMissing) {
-    const Environment noPrograms{
-        {"PATH", folder_.Path()}
-    };
+    const Environment noPrograms{{"PATH", folder_.Path()}};
     const CoreEnd end = Run(WriteUnit(Faulty), noPrograms);
     EXPECT_NE(end.exitCode, 0);
     EXPECT_THAT(end.standardError, testing::StartsWith("Cppcheck was not found along PATH: install the package "
@@ -22,9 +20,7 @@ TEST_F(Core, SaysThatCppcheckIsMissing) {
 }
 
 TEST_F(Core, ListsDependenciesWithoutAnalyzing) {
-    const Environment noPrograms{
-        {"PATH", folder_.Path()}
-    };
+    const Environment noPrograms{{"PATH", folder_.Path()}};
     const CoreEnd end = Run(WriteUnit(Faulty), noPrograms, {"--display-dependencies", "--skip-analysis"});
     ASSERT_EQ(end.exitCode, 0) << end.standardError;
     std::string lines;

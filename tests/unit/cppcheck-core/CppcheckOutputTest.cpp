@@ -27,10 +27,7 @@ TEST(CppcheckOutput, GivesFindingsWithTheirPathsAndOtherText) {
                                                      "0\x1fstyle\x1fx\x1f"
                                                      "0\x1f");
     ASSERT_EQ(output.findings.size(), 2U);
-    const std::vector<CppcheckLocation> path = {
-        {"f1.h",   9},
-        {"f0.cpp", 3}
-    };
+    const std::vector<CppcheckLocation> path = {{"f1.h", 9}, {"f0.cpp", 3}};
     const CppcheckLocation begin = {"f0.cpp", 3};
     EXPECT_EQ(output.findings[0],
               (CppcheckFinding{begin, 14, "error", "nullPointer", 476, "Null pointer: a|b:c\x1f\"", path}));

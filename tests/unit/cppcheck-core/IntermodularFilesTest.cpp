@@ -40,13 +40,12 @@ TEST(UnitInformationFile, ComesBackAsItWasWritten) {
     const TestFolder folder;
     const std::string source = "/p/new\nline \"\303\244\".c";
     const MarkedFile files[] = {
-        {source,   false, true},
+        {source, false, true},
         {"/p/a.h", false, true},
         {"/p/b.h", false, true},
     };
     const FactGroup group = {
-        "Null pointer", "", {"<u file=\"" + AliasOf(source) + "\"/>", "<u file=\"" + AliasOf("/p/b.h") + "\"/>"}
-    };
+        "Null pointer", "", {"<u file=\"" + AliasOf(source) + "\"/>", "<u file=\"" + AliasOf("/p/b.h") + "\"/>"}};
     const FactGroup other = {"ctu", "k", {"<c/>"}};
     UnitInformation unit;
     unit.facts = {group, other};
@@ -74,9 +73,9 @@ TEST(MergedFile, GivesAUnitTheFindingsOfItsOwnFiles) {
     findings[2].positions[0].file = "/opt/system.h";
     WriteMergedFindings(folder / "file", findings);
     const MarkedFile files[] = {
-        {"/p/u.c",         false, true},
+        {"/p/u.c", false, true},
         {"/p/new\nline.h", false, true},
-        {"/opt/system.h",  true,  true},
+        {"/opt/system.h", true, true},
     };
     EXPECT_THAT(ReadMergedFindings(folder / "file", files), ElementsAre(findings[0]));
     ExpectOnlyTheWholeIsRead(folder,

@@ -20,15 +20,15 @@ void PrintTo(const MarkerCase& row, std::ostream* stream) {
 }
 
 const MarkerCase MarkerCases[] = {
-    {R"(# 12 "u.c")",                       12, "u.c",                  false, false},
-    {R"(# 1 "/usr/include/stdio.h" 1 3 4)", 1,  "/usr/include/stdio.h", true,  true },
-    {R"(# 6 "u.c" 3 4)",                    6,  "u.c",                  false, true },
-    {R"(# 2 "u.c" 2)",                      2,  "u.c",                  false, false},
-    {R"(#line 7 "C:\\a b\\u.c")",           7,  R"(C:\\a b\\u.c)",      false, false},
-    {R"(  #  line  7   "u.c"  )",           7,  "u.c",                  false, false},
-    {R"(# 3 "a \"b\".h" 1)",                3,  R"(a \"b\".h)",         true,  false},
-    {"#line 40",                            40, "",                     false, false},
-    {"# 41\r",                              41, "",                     false, false},
+    {R"(# 12 "u.c")", 12, "u.c", false, false},
+    {R"(# 1 "/usr/include/stdio.h" 1 3 4)", 1, "/usr/include/stdio.h", true, true},
+    {R"(# 6 "u.c" 3 4)", 6, "u.c", false, true},
+    {R"(# 2 "u.c" 2)", 2, "u.c", false, false},
+    {R"(#line 7 "C:\\a b\\u.c")", 7, R"(C:\\a b\\u.c)", false, false},
+    {R"(  #  line  7   "u.c"  )", 7, "u.c", false, false},
+    {R"(# 3 "a \"b\".h" 1)", 3, R"(a \"b\".h)", true, false},
+    {"#line 40", 40, "", false, false},
+    {"# 41\r", 41, "", false, false},
 };
 
 class LineMarkers : public testing::TestWithParam<MarkerCase> {};

@@ -13,9 +13,9 @@ namespace {
 using testing::ElementsAre;
 
 const MarkedFile Files[] = {
-    {"/p/u.cpp",     false, true},
-    {"/p/a.h",       false, true},
-    {"/opt/x/sys.h", true,  true},
+    {"/p/u.cpp", false, true},
+    {"/p/a.h", false, true},
+    {"/opt/x/sys.h", true, true},
 };
 
 const std::string Source = AliasOf("/p/u.cpp");
@@ -23,7 +23,7 @@ const std::string Header = AliasOf("/p/a.h");
 const std::string SystemHeader = AliasOf("/opt/x/sys.h");
 
 constexpr SystemMacroText SystemMacros[] = {
-    {0, 2, 5, 9 },
+    {0, 2, 5, 9},
     {0, 2, 9, 11},
     {1, 2, 1, 99},
 };
@@ -64,16 +64,10 @@ TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
 TEST(ReportMessages, CarryThePathAndTheSourceLines) {
     const TestFolder folder;
     const std::string path = folder.Write("u.c", "one\r\ntwo\r\nthree");
-    const MarkedFile files[] = {
-        {path, false, true}
-    };
+    const MarkedFile files[] = {{path, false, true}};
     const std::string alias = AliasOf(path);
     CppcheckFinding finding = Finding({alias, 3}, "error", "nullPointer");
-    finding.path = {
-        {alias, 1},
-        {alias, 3},
-        {alias, 1}
-    };
+    finding.path = {{alias, 1}, {alias, 3}, {alias, 1}};
     const auto messages = MakeReportMessages({&finding, 1}, files, {});
 
     OrvlogConverter::ReportMessage expected;
@@ -97,9 +91,7 @@ TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
     const std::vector<CppcheckFinding> own = {Finding({Source, 9}, "error", "b"), Finding({Header, 5}, "error", "b")};
     std::vector<CppcheckFinding> others = {Finding({Source, 9}, "error", "b"), Finding({Source, 9}, "error", "a"),
                                            Finding({Source, 7}, "error", "b")};
-    others.front().path = {
-        {Header, 1}
-    };
+    others.front().path = {{Header, 1}};
     std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, Files, {});
     AddFindings(messages, MakeReportMessages(others, Files, {}));
     std::vector<std::pair<std::uint32_t, std::string>> summaries;

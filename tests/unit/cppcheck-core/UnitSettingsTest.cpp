@@ -10,12 +10,9 @@ namespace {
 
 SettingsMap CompleteSettings() {
     return {
-        {"i-file",      "t/u.i"                  },
-        {"source-file", "../src/u.c"             },
-        {"language",    "C"                      },
-        {"output-file", HostPath("/t/u.findings")},
-        {"std",         ""                       },
-        {"platform",    "linux64"                },
+        {"i-file", "t/u.i"}, {"source-file", "../src/u.c"},
+        {"language", "C"},   {"output-file", HostPath("/t/u.findings")},
+        {"std", ""},         {"platform", "linux64"},
     };
 }
 
@@ -33,14 +30,14 @@ TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
         const char* value; // null: the key is left out
         const char* message;
     } const cases[] = {
-        {"i-file",            nullptr,      "u.cfg: the key \"i-file\" is missing or empty"                       },
-        {"source-file",       "",           "u.cfg: the key \"source-file\" is missing or empty"                  },
-        {"language",          "c",          R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"           },
-        {"new-output-format", "on",         R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
-        {"intermodular",      "third-run",
-         R"(u.cfg: "intermodular" is "third-run", but "first-run", "merge-info" or "second-run" is expected)"     },
-        {"intermodular",      "first-run",  "u.cfg: the key \"intermodular-unit-file\" is missing or empty"       },
-        {"intermodular",      "second-run", "u.cfg: the key \"intermodular-file\" is missing or empty"            },
+        {"i-file", nullptr, "u.cfg: the key \"i-file\" is missing or empty"},
+        {"source-file", "", "u.cfg: the key \"source-file\" is missing or empty"},
+        {"language", "c", R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"},
+        {"new-output-format", "on", R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
+        {"intermodular", "third-run",
+         R"(u.cfg: "intermodular" is "third-run", but "first-run", "merge-info" or "second-run" is expected)"},
+        {"intermodular", "first-run", "u.cfg: the key \"intermodular-unit-file\" is missing or empty"},
+        {"intermodular", "second-run", "u.cfg: the key \"intermodular-file\" is missing or empty"},
     };
 
     for (const auto& row : cases) {
@@ -60,9 +57,9 @@ TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
 
 TEST(UnitSettings, LinkingNeedsNoUnit) {
     SettingsMap settings = {
-        {"intermodular",           "merge-info"},
-        {"intermodular-file",      "m.dfo"     },
-        {"intermodular-unit-list", "t/list"    },
+        {"intermodular", "merge-info"},
+        {"intermodular-file", "m.dfo"},
+        {"intermodular-unit-list", "t/list"},
     };
     EXPECT_EQ(ReadIntermodularStage(settings, "t/m.cfg"), IntermodularStage::Linking);
     const LinkSettings link = ReadLinkSettings(settings, "t/m.cfg", HostPath("/p"));

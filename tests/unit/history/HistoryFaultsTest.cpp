@@ -35,10 +35,7 @@ TEST(HistoryFaults, IsOfUseWheneverTheRunIsKilled) {
     build.folder.Write("shared.h", "other");
     build.folder.Write("own.h", "another");
     build.folder.Write("new.h", "new");
-    const Names dependencies[] = {
-        {build.folder / "shared.h"},
-        { build.folder / "shared.h",   build.folder / "own.h"}
-    };
+    const Names dependencies[] = {{build.folder / "shared.h"}, {build.folder / "shared.h", build.folder / "own.h"}};
     auto history = build.Read();
     history->Watch(0).Keep(dependencies[0], "new in a.c\n");
     const Kept begun = KeptNow(build);
@@ -61,11 +58,11 @@ TEST(HistoryFaults, IsOfUseWheneverTheRunIsKilled) {
     };
 
     const Moment moments[] = {
-        {"nothing is saved",                 begun,     {}     },
-        {"the progress is saved",            saved,     {"a.c"}},
-        {"something is recorded after that", recorded,  {"a.c"}},
-        {"one of two files is replaced",     halfSaved, Both   },
-        {"all is saved",                     after,     Both   },
+        {"nothing is saved", begun, {}},
+        {"the progress is saved", saved, {"a.c"}},
+        {"something is recorded after that", recorded, {"a.c"}},
+        {"one of two files is replaced", halfSaved, Both},
+        {"all is saved", after, Both},
     };
     for (const Moment& row : moments) {
         fs::remove_all(NativePath(build.folder / ".Orvanta"));
@@ -129,13 +126,13 @@ TEST(HistoryFaults, DamageCostsTheUnitsConcernedAndALine) {
     std::string flipped = build.folder.Read(".Orvanta/unit_history.bin");
     flipped.back() ^= 1;
     const DamageCase rows[] = {
-        {"findings-1",       oneDamaged.c_str(), {"b.c"}, "the findings kept here are damaged"  },
-        {"findings-1",       "found in a.c\n",   {"a.c"}, "findings are missing here"           },
-        {"findings-1",       nullptr,            None,    "findings are missing here"           },
-        {"unit_history.bin", newer.c_str(),      None,    "it is damaged"                       },
-        {"unit_history.bin", flipped.c_str(),    None,    "it is damaged"                       },
-        {"unit_history.bin", nullptr,            None,    "a folder stands where a file belongs"},
-        {"depend_info.json", nullptr,            None,    nullptr                               },
+        {"findings-1", oneDamaged.c_str(), {"b.c"}, "the findings kept here are damaged"},
+        {"findings-1", "found in a.c\n", {"a.c"}, "findings are missing here"},
+        {"findings-1", nullptr, None, "findings are missing here"},
+        {"unit_history.bin", newer.c_str(), None, "it is damaged"},
+        {"unit_history.bin", flipped.c_str(), None, "it is damaged"},
+        {"unit_history.bin", nullptr, None, "a folder stands where a file belongs"},
+        {"depend_info.json", nullptr, None, nullptr},
     };
     const Kept whole = KeptNow(build);
     for (const DamageCase& row : rows) {

@@ -57,21 +57,21 @@ struct ChangeCase {
 };
 
 const ChangeCase ChangeCases[] = {
-    {Change::Write,            "own.h",                     "other",   {"a.c"}},
-    {Change::Write,            "own.h",                     "OWN",     {"a.c"}},
-    {Change::WriteKeepingTime, "own.h",                     "OWN",     {"a.c"}},
-    {Change::Write,            "shared.h",                  "another", None   },
-    {Change::Write,            "shared.h",                  "shared",  Both   },
-    {Change::Write,            "a.c",                       "int a;",  {"b.c"}},
-    {Change::Write,            "none.h",                    "none",    Both   },
-    {Change::Write,            "core",                      "new",     None   },
-    {Change::Remove,           "own.h",                     "",        {"a.c"}},
-    {Change::Remove,           "a.c",                       "",        {"b.c"}},
-    {Change::MakeFolder,       "own.h",                     "",        {"a.c"}},
-    {Change::Remove,           ".Orvanta/unit_history.bin", "",        None   },
-    {Change::Write,            ".Orvanta/unit_history.bin", "other",   None   },
-    {Change::Remove,           ".Orvanta/findings-1",       "",        None   },
-    {Change::Write,            ".Orvanta/findings-1",       "cut",     None   },
+    {Change::Write, "own.h", "other", {"a.c"}},
+    {Change::Write, "own.h", "OWN", {"a.c"}},
+    {Change::WriteKeepingTime, "own.h", "OWN", {"a.c"}},
+    {Change::Write, "shared.h", "another", None},
+    {Change::Write, "shared.h", "shared", Both},
+    {Change::Write, "a.c", "int a;", {"b.c"}},
+    {Change::Write, "none.h", "none", Both},
+    {Change::Write, "core", "new", None},
+    {Change::Remove, "own.h", "", {"a.c"}},
+    {Change::Remove, "a.c", "", {"b.c"}},
+    {Change::MakeFolder, "own.h", "", {"a.c"}},
+    {Change::Remove, ".Orvanta/unit_history.bin", "", None},
+    {Change::Write, ".Orvanta/unit_history.bin", "other", None},
+    {Change::Remove, ".Orvanta/findings-1", "", None},
+    {Change::Write, ".Orvanta/findings-1", "cut", None},
 };
 
 void Make(const ChangeCase& row, const HistoryBuild& build) {
@@ -287,11 +287,8 @@ struct InfoCase {
 };
 
 const InfoCase InfoCases[] = {
-    {OtherForm, Both,    {"b.c"}},
-    {NoId,      {"b.c"}, {"b.c"}},
-    {NewFile,   None,    {"b.c"}},
-    {OtherUnit, None,    None   },
-    {"[]",      None,    None   },
+    {OtherForm, Both, {"b.c"}}, {NoId, {"b.c"}, {"b.c"}}, {NewFile, None, {"b.c"}},
+    {OtherUnit, None, None},    {"[]", None, None},
 };
 
 void WriteInfo(const HistoryBuild& build, std::string text) {
@@ -355,13 +352,13 @@ struct FaultCase {
 };
 
 const FaultCase FaultCases[] = {
-    {R"([{"arguments": ["gcc", "b.c"]}])",            "field dependencies is not found"                 },
-    {R"([{"dependencies": []}])",                     "field arguments is not found"                    },
-    {R"([{"arguments": [], "dependencies": "a.h"}])", "field dependencies is no array"                  },
-    {R"([{"arguments": [1], "dependencies": []}])",   "field arguments holds something other than texts"},
-    {R"([{"id": 1}])",                                "field id is no text"                             },
-    {"{}",                                            "an array of entries is expected"                 },
-    {"[[]]",                                          "an entry is no object"                           },
+    {R"([{"arguments": ["gcc", "b.c"]}])", "field dependencies is not found"},
+    {R"([{"dependencies": []}])", "field arguments is not found"},
+    {R"([{"arguments": [], "dependencies": "a.h"}])", "field dependencies is no array"},
+    {R"([{"arguments": [1], "dependencies": []}])", "field arguments holds something other than texts"},
+    {R"([{"id": 1}])", "field id is no text"},
+    {"{}", "an array of entries is expected"},
+    {"[[]]", "an entry is no object"},
 };
 
 TEST(UnitHistory, SaysWhatIsWrongWithTheFileAndKnowsNothing) {

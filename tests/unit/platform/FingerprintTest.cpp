@@ -32,16 +32,8 @@ TEST(Fingerprint, ChangesInBothHalvesWithEveryBitAndEveryLength) {
 }
 
 TEST(Fingerprint, RegardsHowPartsAreCutAndInWhichOrderTheyCome) {
-    const std::vector<std::string> splits[] = {
-        {"ab",   "c"},
-        {"a",      "bc"},
-        {"abc"},
-        {"abc",  ""},
-        {"",  "abc"},
-        {"c",      "ab"},
-        {"bc","a"},
-        {     }
-    };
+    const std::vector<std::string> splits[] = {{"ab", "c"}, {"a", "bc"}, {"abc"},     {"abc", ""},
+                                               {"", "abc"}, {"c", "ab"}, {"bc", "a"}, {}};
     std::set<Fingerprint> all;
     for (const std::vector<std::string>& parts : splits) {
         FingerprintBuilder builder;

@@ -113,11 +113,7 @@ TEST(Child, GetsItsArgumentsAsTheyAre) {
 TEST(Child, SeesItsEnvironmentItsFolderAndAnEmptyInput) {
     const TestFolder folder;
     const std::string directory = folder.MakeFolder("a b");
-    ChildProgram child(
-        {
-            "show-conditions", "ORVANTA_A", "ORVANTA_B"
-    },
-        {{"ORVANTA_A", "x=y z \xC3\xA4"}}, directory);
+    ChildProgram child({"show-conditions", "ORVANTA_A", "ORVANTA_B"}, {{"ORVANTA_A", "x=y z \xC3\xA4"}}, directory);
     EXPECT_EQ(child.End(), 0);
     EXPECT_EQ(child.StandardOutput(), "ORVANTA_A=x=y z \xC3\xA4\nORVANTA_B is not set\n" + directory + "\n0 bytes\n");
 }

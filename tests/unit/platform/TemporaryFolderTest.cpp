@@ -19,11 +19,7 @@ namespace fs = std::filesystem;
 
 // Each system has names of its own for the variable that says where.
 Environment TemporaryFilesIn(const std::string& folder) {
-    return {
-        {"TMPDIR", folder},
-        {"TMP",    folder},
-        {"TEMP",   folder}
-    };
+    return {{"TMPDIR", folder}, {"TMP", folder}, {"TEMP", folder}};
 }
 
 TEST(TemporaryFolderOfARun, IsGoneAfterwards) {

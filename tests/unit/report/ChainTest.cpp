@@ -137,13 +137,9 @@ ReportMessage With(std::string_view file) {
 
 TEST(SourceRootTransformer, PutsTheRootInThePlaceOfTheFirstMarker) {
     const RootCase cases[] = {
-        {"/p",  "|?|/a.c",   "/p/a.c"  },
-        {"/p",  "x|?|y|?|z", "x/py|?|z"},
-        {"/p",  "/q/a.c",    "/q/a.c"  },
-        {"",    "|?|/a.c",   "|?|/a.c" },
-        {"/p/", "|?|/a.c",   "/p/a.c"  },
-        {"/",   "|?|/a.c",   "/a.c"    },
-        {"/p/", "|?|a.c",    "/p/a.c"  },
+        {"/p", "|?|/a.c", "/p/a.c"}, {"/p", "x|?|y|?|z", "x/py|?|z"}, {"/p", "/q/a.c", "/q/a.c"},
+        {"", "|?|/a.c", "|?|/a.c"},  {"/p/", "|?|/a.c", "/p/a.c"},    {"/", "|?|/a.c", "/a.c"},
+        {"/p/", "|?|a.c", "/p/a.c"},
     };
     for (const RootCase& row : cases) {
         Recorder recorder;
@@ -167,22 +163,18 @@ std::string Hidden(const RootCase& row, Orvanta::PathRules rules) {
 
 TEST(SourceRootHider, PutsTheMarkerInThePlaceOfTheRoot) {
     const RootCase posix[] = {
-        {"/p/src",  "/p/src/a.c",   "|?|/a.c"     },
-        {"/p/src",  "/p/src/d/a.c", "|?|/d/a.c"   },
-        {"/p/src/", "/p/src/a.c",   "|?|/a.c"     },
-        {"/p/src",  "/p/src2/a.c",  "/p/src2/a.c" },
-        {"/p/src",  "/p/SRC/a.c",   "/p/SRC/a.c"  },
-        {"/p/src",  "/p/src",       "/p/src"      },
-        {"/p/src",  "/q/p/src/a.c", "/q/p/src/a.c"},
-        {"/",       "/a.c",         "|?|/a.c"     },
+        {"/p/src", "/p/src/a.c", "|?|/a.c"},        {"/p/src", "/p/src/d/a.c", "|?|/d/a.c"},
+        {"/p/src/", "/p/src/a.c", "|?|/a.c"},       {"/p/src", "/p/src2/a.c", "/p/src2/a.c"},
+        {"/p/src", "/p/SRC/a.c", "/p/SRC/a.c"},     {"/p/src", "/p/src", "/p/src"},
+        {"/p/src", "/q/p/src/a.c", "/q/p/src/a.c"}, {"/", "/a.c", "|?|/a.c"},
     };
     for (const RootCase& row : posix) {
         EXPECT_EQ(Hidden(row, Orvanta::PathRules::Posix), row.result) << row.root << " in " << row.file;
     }
     const RootCase windows[] = {
-        {"C:\\P",    "c:/p/d\\a.c", "|?|/d\\a.c" },
-        {"C:\\P\\Q", "C:/P/Q\\a.c", "|?|\\a.c"   },
-        {"C:\\P",    "C:\\Pa\\a.c", "C:\\Pa\\a.c"},
+        {"C:\\P", "c:/p/d\\a.c", "|?|/d\\a.c"},
+        {"C:\\P\\Q", "C:/P/Q\\a.c", "|?|\\a.c"},
+        {"C:\\P", "C:\\Pa\\a.c", "C:\\Pa\\a.c"},
     };
     for (const RootCase& row : windows) {
         EXPECT_EQ(Hidden(row, Orvanta::PathRules::Windows), row.result) << row.root << " in " << row.file;

@@ -21,12 +21,12 @@ struct CompilerLineCase {
 
 TEST(CompilerLine, BecomesAnExternalMessage) {
     const CompilerLineCase cases[] = {
-        {"x.c:3:7: warning: text",              "x.c",                 3, 2, "text" },
-        {"x.c:3:7: warn :text ",                "x.c",                 3, 2, "text "},
-        {"x.c:3:7:error:",                      "x.c",                 3, 1, ""     },
-        {"C:\\a b\\x.c:3:7:   note  :  text",   "C:\\a b\\x.c",        3, 3, "text" },
-        {"a.c:1:1: error: b.c:2:2: note: text", "a.c:1:1: error: b.c", 2, 3, "text" },
-        {"a:1:2:3:4: error: text",              "a:1:2",               3, 1, "text" },
+        {"x.c:3:7: warning: text", "x.c", 3, 2, "text"},
+        {"x.c:3:7: warn :text ", "x.c", 3, 2, "text "},
+        {"x.c:3:7:error:", "x.c", 3, 1, ""},
+        {"C:\\a b\\x.c:3:7:   note  :  text", "C:\\a b\\x.c", 3, 3, "text"},
+        {"a.c:1:1: error: b.c:2:2: note: text", "a.c:1:1: error: b.c", 2, 3, "text"},
+        {"a:1:2:3:4: error: text", "a:1:2", 3, 1, "text"},
     };
     for (const CompilerLineCase& row : cases) {
         ReportMessage expected;

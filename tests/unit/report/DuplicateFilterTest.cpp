@@ -8,10 +8,7 @@ namespace OrvlogConverter {
 namespace {
 
 ReportMessage FullMessage() {
-    return {
-        "V501", "text", "id", {{"a.c", 1, "p", "c", "n", 2, 3, 4}, {"b.h", 5, "", "", "", 0, 0, 0}},
-           6, 2, false
-    };
+    return {"V501", "text", "id", {{"a.c", 1, "p", "c", "n", 2, 3, 4}, {"b.h", 5, "", "", "", 0, 0, 0}}, 6, 2, false};
 }
 
 class Recorder : public IOutput {

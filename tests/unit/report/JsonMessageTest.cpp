@@ -24,10 +24,7 @@ std::string WrittenByLibrary(const ReportMessage& message) {
     object["message"] = message.message;
     object["positions"] = nlohmann::ordered_json::array();
     for (const MessagePosition& position : message.positions) {
-        object["positions"].push_back({
-            {"file", position.file},
-            {"line", position.line}
-        });
+        object["positions"].push_back({{"file", position.file}, {"line", position.line}});
     }
     object["cwe"] = message.cwe;
     object["sastId"] = message.sastId;
@@ -40,8 +37,7 @@ std::string WrittenByLibrary(const ReportMessage& message) {
 TEST(JsonMessage, IsOneObjectWithFixedKeys) {
     const ReportMessage message = {
         "V501", "a \"b\"", "X", {{"a.c", 12, "p", "c\t", "n", 7, 8, 9}, {"b.h", 4, "x", "y", "z", 0, 0, 0}},
-        476,    2,         true
-    };
+        476,    2,         true};
     EXPECT_EQ(Written(message), R"({"falseAlarm":true,"level":2,"code":"V501","message":"a \"b\"","positions":[)"
                                 R"({"file":"a.c","line":12},{"file":"b.h","line":4}],"cwe":476,"sastId":"X",)"
                                 R"("prevLine":"p","currLine":"c\t","nextLine":"n"})");
@@ -84,20 +80,20 @@ struct JsonFaultCase {
 
 TEST(JsonMessage, IsRejectedWithItsFault) {
     const JsonFaultCase cases[] = {
-        {"falseAlarm", nullptr,           "[json.exception.out_of_range.403] key 'falseAlarm' not found"       },
-        {"level",      nullptr,           "[json.exception.out_of_range.403] key 'level' not found"            },
-        {"code",       nullptr,           "[json.exception.out_of_range.403] key 'code' not found"             },
-        {"message",    nullptr,           "[json.exception.out_of_range.403] key 'message' not found"          },
-        {"positions",  nullptr,           "[json.exception.out_of_range.403] key 'positions' not found"        },
-        {"positions",  "{}",              "[json.exception.type_error.302] type must be array, but is object"  },
-        {"positions",  "null",            "[json.exception.type_error.302] type must be array, but is null"    },
-        {"positions",  R"([{"line":1}])", "[json.exception.out_of_range.403] key 'file' not found"             },
-        {"falseAlarm", "1",               "[json.exception.type_error.302] type must be boolean, but is number"},
-        {"level",      "\"1\"",           "[json.exception.type_error.302] type must be number, but is string" },
-        {"level",      "-1",              "number out of range: -1"                                            },
-        {"cwe",        "4294967296",      "number out of range: 4294967296"                                    },
-        {"sastId",     "null",            "[json.exception.type_error.302] type must be string, but is null"   },
-        {"code",       "7",               "[json.exception.type_error.302] type must be string, but is number" },
+        {"falseAlarm", nullptr, "[json.exception.out_of_range.403] key 'falseAlarm' not found"},
+        {"level", nullptr, "[json.exception.out_of_range.403] key 'level' not found"},
+        {"code", nullptr, "[json.exception.out_of_range.403] key 'code' not found"},
+        {"message", nullptr, "[json.exception.out_of_range.403] key 'message' not found"},
+        {"positions", nullptr, "[json.exception.out_of_range.403] key 'positions' not found"},
+        {"positions", "{}", "[json.exception.type_error.302] type must be array, but is object"},
+        {"positions", "null", "[json.exception.type_error.302] type must be array, but is null"},
+        {"positions", R"([{"line":1}])", "[json.exception.out_of_range.403] key 'file' not found"},
+        {"falseAlarm", "1", "[json.exception.type_error.302] type must be boolean, but is number"},
+        {"level", "\"1\"", "[json.exception.type_error.302] type must be number, but is string"},
+        {"level", "-1", "number out of range: -1"},
+        {"cwe", "4294967296", "number out of range: 4294967296"},
+        {"sastId", "null", "[json.exception.type_error.302] type must be string, but is null"},
+        {"code", "7", "[json.exception.type_error.302] type must be string, but is number"},
     };
     for (const JsonFaultCase& row : cases) {
         auto object = nlohmann::json::parse(WrittenByLibrary({}));

@@ -15,11 +15,11 @@ MessagePosition At(std::string file, std::uint32_t line, const std::string& text
 
 TEST(MessageLine, GivesBackInBothFormsWhatItHolds) {
     const ReportMessage messages[] = {
-        {"V501",     "plain",                "",    {At("/p/a.c", 1)},                                     0, 1, false},
-        {"External", "\t'\"\\ \x01 {} [x]",  "A,B", {At(R"(C:\a "b"\c#=.c)", 2147483647, "\t\"x\\\"")},    7, 3, true },
-        {"V1",       "{\"code\":\"V2\"}",    "X",   {At("a.c", 3, "<#~<#~"), At("a.c", 3), At("a.c", 40)}, 0, 2, false},
-        {"",         "",                     "",    {At("", 0)},                                           0, 0, false},
-        {"V2",       "\xC3\xA9\xE2\x82\xAC", "",    {At("/\xC3\xA4/\xF0\x9F\x98\x80.c", 5, "\xC2\xA0")},   0, 1, false},
+        {"V501", "plain", "", {At("/p/a.c", 1)}, 0, 1, false},
+        {"External", "\t'\"\\ \x01 {} [x]", "A,B", {At(R"(C:\a "b"\c#=.c)", 2147483647, "\t\"x\\\"")}, 7, 3, true},
+        {"V1", "{\"code\":\"V2\"}", "X", {At("a.c", 3, "<#~<#~"), At("a.c", 3), At("a.c", 40)}, 0, 2, false},
+        {"", "", "", {At("", 0)}, 0, 0, false},
+        {"V2", "\xC3\xA9\xE2\x82\xAC", "", {At("/\xC3\xA4/\xF0\x9F\x98\x80.c", 5, "\xC2\xA0")}, 0, 1, false},
     };
     for (const LineFormat format : {LineFormat::Json, LineFormat::Raw}) {
         for (const ReportMessage& message : messages) {
@@ -33,10 +33,7 @@ TEST(MessageLine, GivesBackInBothFormsWhatItHolds) {
 
 TEST(MessageLine, IsOneReadableLineWhateverTheTextHolds) {
     const std::string nasty = "a<#~>b\r\nc\xFF\xC3<<#~>#~>\n\xE9";
-    const ReportMessage message = {
-        nasty, nasty, nasty, {At(nasty, 1, nasty), At(nasty, 2)},
-           3, 1, true
-    };
+    const ReportMessage message = {nasty, nasty, nasty, {At(nasty, 1, nasty), At(nasty, 2)}, 3, 1, true};
     for (const LineFormat format : {LineFormat::Json, LineFormat::Raw}) {
         std::string line;
         AppendMessageLine(line, message, format);

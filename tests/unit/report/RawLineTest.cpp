@@ -37,11 +37,11 @@ TEST(RawLine, HoldsFourteenFields) {
     const ReportMessage nowhere = {"V1", "", "", {}, 5, 3, false};
     const ReportMessage nasty = {"V1", "a<#~>b\r\n<#~", "<#~>", {At("x\ny", 1)}, 0, 1, false};
     const RawCase cases[] = {
-        {full,     "12<#~>a.c<#~>error<#~>V501<#~>text<#~>true<#~>2<#~>p<#~>c<#~>n<#~>12, 40, 41<#~>CWE-476,X"},
-        {twoFiles, "1<#~>a.c<#~>error<#~>V1<#~><#~>false<#~>0<#~>p<#~>c<#~>n<#~><#~>"                         },
-        {noCwe,    "1<#~>a.c<#~>error<#~>V1<#~><#~>false<#~>1<#~>p<#~>c<#~>n<#~>1<#~>A,B"                     },
-        {nowhere,  "0<#~><#~>error<#~>V1<#~><#~>false<#~>3<#~><#~><#~><#~><#~>CWE-5"                          },
-        {nasty,    "1<#~>x y<#~>error<#~>V1<#~>a<# ~>b  <#~<#~>false<#~>1<#~>p<#~>c<#~>n<#~>1<#~><# ~>"       },
+        {full, "12<#~>a.c<#~>error<#~>V501<#~>text<#~>true<#~>2<#~>p<#~>c<#~>n<#~>12, 40, 41<#~>CWE-476,X"},
+        {twoFiles, "1<#~>a.c<#~>error<#~>V1<#~><#~>false<#~>0<#~>p<#~>c<#~>n<#~><#~>"},
+        {noCwe, "1<#~>a.c<#~>error<#~>V1<#~><#~>false<#~>1<#~>p<#~>c<#~>n<#~>1<#~>A,B"},
+        {nowhere, "0<#~><#~>error<#~>V1<#~><#~>false<#~>3<#~><#~><#~><#~><#~>CWE-5"},
+        {nasty, "1<#~>x y<#~>error<#~>V1<#~>a<# ~>b  <#~<#~>false<#~>1<#~>p<#~>c<#~>n<#~>1<#~><# ~>"},
     };
     for (const RawCase& row : cases) {
         EXPECT_EQ(Written(row.message), "Zelm64-EM<#~>full<#~>" + std::string(row.line));
@@ -61,11 +61,11 @@ TEST(RawLine, IsReadIntoOneMessage) {
     ReportMessage falseAlarm = one;
     falseAlarm.falseAlarm = true;
     const TailCase cases[] = {
-        {"false<#~>2<#~>p<#~>c<#~>n<#~>3",              one       },
-        {"false<#~>2<#~>p<#~>c<#~>n<#~><#~>",           one       },
-        {"true<#~>2<#~>p<#~>c<#~>n<#~>3<#~>",           falseAlarm},
-        {"True<#~>2<#~>p<#~>c<#~>n<#~>3<#~>",           one       },
-        {"false<#~> 2 <#~>p<#~>c<#~>n<#~>3, 40,41<#~>", several   },
+        {"false<#~>2<#~>p<#~>c<#~>n<#~>3", one},
+        {"false<#~>2<#~>p<#~>c<#~>n<#~><#~>", one},
+        {"true<#~>2<#~>p<#~>c<#~>n<#~>3<#~>", falseAlarm},
+        {"True<#~>2<#~>p<#~>c<#~>n<#~>3<#~>", one},
+        {"false<#~> 2 <#~>p<#~>c<#~>n<#~>3, 40,41<#~>", several},
     };
     for (const TailCase& row : cases) {
         const std::string line = "Zelm64-EM<#~>any<#~>3<#~>a.c<#~>any<#~>V1<#~>m<#~>" + std::string(row.tail);
@@ -81,13 +81,13 @@ struct StandardsCase {
 
 TEST(RawLine, NamesTheCweBeforeTheFurtherStandard) {
     const StandardsCase cases[] = {
-        {"",              0,   ""       },
-        {"CWE-476,X",     476, "X"      },
-        {"CWE-476",       476, ""       },
-        {"A,B",           0,   "A,B"    },
-        {"CWE-1,A,CWE-2", 1,   "A,CWE-2"},
-        {"CWE-x",         0,   "CWE-x"  },
-        {"X,CWE-476",     476, "X"      },
+        {"", 0, ""},
+        {"CWE-476,X", 476, "X"},
+        {"CWE-476", 476, ""},
+        {"A,B", 0, "A,B"},
+        {"CWE-1,A,CWE-2", 1, "A,CWE-2"},
+        {"CWE-x", 0, "CWE-x"},
+        {"X,CWE-476", 476, "X"},
     };
     for (const StandardsCase& row : cases) {
         const ReportMessage message =
@@ -113,18 +113,18 @@ struct RawFaultCase {
 
 TEST(RawLine, IsRejectedWithItsFault) {
     const RawFaultCase cases[] = {
-        {"",                                              "error parsing old format message"},
-        {"text",                                          "error parsing old format message"},
-        {"Zelm64-EM|f|1|a|e|V1|m|false|1|||",             "error parsing old format message"},
-        {"Zelm64-EM|f|1|a|e|V1|m|false|1||||1||",         "error parsing old format message"},
-        {"Zelm64-EN|f|1|a|e|V1|m|false|1||||1|",          "error parsing old format message"},
-        {" Zelm64-EM|f|1|a|e|V1|m|false|1||||1|",         "error parsing old format message"},
-        {"Zelm64-EM|f||a|e|V1|m|false|1||||1|",           "invalid stoi argument"           },
-        {"Zelm64-EM|f|1x|a|e|V1|m|false|1||||1|",         "invalid stoi argument"           },
-        {"Zelm64-EM|f|1|a|e|V1|m|false|high||||1|",       "invalid stoi argument"           },
-        {"Zelm64-EM|f|1|a|e|V1|m|false|1||||1, x|",       "invalid stoi argument"           },
-        {"Zelm64-EM|f|4294967296|a|e|V1|m|false|1||||1|", "stoi argument out of range"      },
-        {"Zelm64-EM|f|1|a|e|V1|m|false|-1||||1|",         "stoi argument out of range"      },
+        {"", "error parsing old format message"},
+        {"text", "error parsing old format message"},
+        {"Zelm64-EM|f|1|a|e|V1|m|false|1|||", "error parsing old format message"},
+        {"Zelm64-EM|f|1|a|e|V1|m|false|1||||1||", "error parsing old format message"},
+        {"Zelm64-EN|f|1|a|e|V1|m|false|1||||1|", "error parsing old format message"},
+        {" Zelm64-EM|f|1|a|e|V1|m|false|1||||1|", "error parsing old format message"},
+        {"Zelm64-EM|f||a|e|V1|m|false|1||||1|", "invalid stoi argument"},
+        {"Zelm64-EM|f|1x|a|e|V1|m|false|1||||1|", "invalid stoi argument"},
+        {"Zelm64-EM|f|1|a|e|V1|m|false|high||||1|", "invalid stoi argument"},
+        {"Zelm64-EM|f|1|a|e|V1|m|false|1||||1, x|", "invalid stoi argument"},
+        {"Zelm64-EM|f|4294967296|a|e|V1|m|false|1||||1|", "stoi argument out of range"},
+        {"Zelm64-EM|f|1|a|e|V1|m|false|-1||||1|", "stoi argument out of range"},
     };
     for (const RawFaultCase& row : cases) {
         EXPECT_EQ(Orvanta::ErrorOf<ParseException>([&] { static_cast<void>(ReadRawLine(WithSeparators(row.fields))); }),

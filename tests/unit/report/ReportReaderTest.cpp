@@ -129,9 +129,7 @@ TEST(ReportReader, HandsOnTheOtherMembersOfADocument) {
     const std::string path = folder.Write("r.json", R"({"version": 1, "a": {"warnings": [1]}, "warnings": [
 {"falseAlarm":false,"level":1,"code":"V1","message":"m","positions":[],"more":{"x":[1,2]}}], "b": [[{}], null]})");
     const ReadReport report = Read(path);
-    EXPECT_EQ(report.messages, std::vector({
-                                   ReportMessage{"V1", "m", "", {}, 0, 1, false}
-    }));
+    EXPECT_EQ(report.messages, std::vector({ReportMessage{"V1", "m", "", {}, 0, 1, false}}));
     EXPECT_EQ(report.members, R"(version=1;a={"warnings":[1]};b=[[{}],null];)");
     EXPECT_NE(report.texts.find(R"("more":{"x":[1,2]})"), std::string::npos);
 }
@@ -149,16 +147,16 @@ TEST(ReportReader, NamesThePlaceOfAFault) {
     const std::string entry = "{\"warnings\":[" + good + "," + good + ",{\"falseAlarm\":true}]}";
     const std::string key = "[json.exception.out_of_range.403] key ";
     const FaultCase cases[] = {
-        {"r.log",  two,                           ", line 3: error parsing old format message" },
-        {"r.log",  bad,                           ", line 2: invalid stoi argument"            },
-        {"r.log",  R"({"level":1})",              ", line 1: " + key + "'falseAlarm' not found"},
-        {"r.log",  "a.c:99999999999:1: error: x", ", line 1: stoi argument out of range"       },
-        {"r.json", entry,                         ", entry 3: " + key + "'level' not found"    },
-        {"r.json", "{}",                          ": field warnings is not found"              },
-        {"r.json", R"({"other":[{}]})",           ": field warnings is not found"              },
-        {"r.json", R"({"warnings":{}})",          ": type must be array, but is object"        },
-        {"r.json", R"({"warnings":null})",        ": type must be array, but is null"          },
-        {"r.json", "[]",                          ": type must be object, but is array"        },
+        {"r.log", two, ", line 3: error parsing old format message"},
+        {"r.log", bad, ", line 2: invalid stoi argument"},
+        {"r.log", R"({"level":1})", ", line 1: " + key + "'falseAlarm' not found"},
+        {"r.log", "a.c:99999999999:1: error: x", ", line 1: stoi argument out of range"},
+        {"r.json", entry, ", entry 3: " + key + "'level' not found"},
+        {"r.json", "{}", ": field warnings is not found"},
+        {"r.json", R"({"other":[{}]})", ": field warnings is not found"},
+        {"r.json", R"({"warnings":{}})", ": type must be array, but is object"},
+        {"r.json", R"({"warnings":null})", ": type must be array, but is null"},
+        {"r.json", "[]", ": type must be object, but is array"},
     };
     const TestFolder folder;
     for (const FaultCase& row : cases) {
@@ -329,15 +327,15 @@ TEST(JsonMessageScanner, LeavesWhatItDoesNotKnowToTheLibrary) {
 
 TEST(StandardInput, IsKnownForADocumentByItsBeginning) {
     const std::pair<std::string_view, bool> cases[] = {
-        {"{\"version\": 1, \"warnings\": [\n",                                      true },
-        {"\xEF\xBB\xBF {\"warnings\" :[]}",                                         true },
-        {"{\n\"version\": 1",                                                       true },
+        {"{\"version\": 1, \"warnings\": [\n", true},
+        {"\xEF\xBB\xBF {\"warnings\" :[]}", true},
+        {"{\n\"version\": 1", true},
         {R"({"code":"V1","message":"\"warnings\":","positions":[{"warnings":1}]})", false},
-        {R"({"code":"warnings"})",                                                  false},
-        {R"({"code":"}\\","x":{}} {"warnings":[]})",                                false},
-        {"a.c:1:1: error: {",                                                       false},
-        {"{\"war",                                                                  false},
-        {"",                                                                        false},
+        {R"({"code":"warnings"})", false},
+        {R"({"code":"}\\","x":{}} {"warnings":[]})", false},
+        {"a.c:1:1: error: {", false},
+        {"{\"war", false},
+        {"", false},
     };
     for (const auto& [text, isDocument] : cases) {
         EXPECT_EQ(LooksLikeDocument(text), isDocument) << text;

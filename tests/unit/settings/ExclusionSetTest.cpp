@@ -24,17 +24,17 @@ void ExpectMatches(const ExclusionCase& row, PathRules rules) {
 
 TEST(ExclusionSet, PrefixesMatchWholeComponents) {
     const ExclusionCase cases[] = {
-        {"/src/lib",          "/src/lib/a.c",   true },
-        {"/src/lib",          "/src/lib",       true },
-        {"/src/lib/",         "/src/lib/x/a.c", true },
-        {"/src/./x/../lib//", "/src/lib/a.c",   true },
-        {"/src/lib",          "/src/library.c", false},
-        {"/src/lib",          "/src/li",        false},
-        {"/src/lib",          "/other/src/lib", false},
-        {"/src/lib",          "/src/Lib/a.c",   false},
-        {"/",                 "/a.c",           true },
-        {R"(/src\lib)",       "/src/lib/a.c",   false},
-        {"",                  "/a.c",           false},
+        {"/src/lib", "/src/lib/a.c", true},
+        {"/src/lib", "/src/lib", true},
+        {"/src/lib/", "/src/lib/x/a.c", true},
+        {"/src/./x/../lib//", "/src/lib/a.c", true},
+        {"/src/lib", "/src/library.c", false},
+        {"/src/lib", "/src/li", false},
+        {"/src/lib", "/other/src/lib", false},
+        {"/src/lib", "/src/Lib/a.c", false},
+        {"/", "/a.c", true},
+        {R"(/src\lib)", "/src/lib/a.c", false},
+        {"", "/a.c", false},
     };
     for (const ExclusionCase& row : cases) {
         ExpectMatches(row, PathRules::Posix);
@@ -43,14 +43,14 @@ TEST(ExclusionSet, PrefixesMatchWholeComponents) {
 
 TEST(ExclusionSet, WindowsPrefixesRegardNeitherCaseNorSeparator) {
     const ExclusionCase cases[] = {
-        {R"(C:\Src\Lib)",       R"(c:\src\LIB\a.c)",       true },
-        {"C:/Src/Lib/",         R"(C:\Src\Lib\a.c)",       true },
-        {R"(C:\Src\Lib)",       R"(D:\Src\Lib\a.c)",       false},
-        {R"(C:\Src\Lib)",       R"(C:\Src\Library\a.c)",   false},
-        {R"(C:\)",              R"(C:\a.c)",               true },
-        {R"(\\host\share\dir)", R"(\\HOST\share\dir\a.c)", true },
-        {R"(\\host\share)",     R"(\\host\share\a.c)",     true },
-        {R"(\\host\share)",     R"(\\host\shares\a.c)",    false},
+        {R"(C:\Src\Lib)", R"(c:\src\LIB\a.c)", true},
+        {"C:/Src/Lib/", R"(C:\Src\Lib\a.c)", true},
+        {R"(C:\Src\Lib)", R"(D:\Src\Lib\a.c)", false},
+        {R"(C:\Src\Lib)", R"(C:\Src\Library\a.c)", false},
+        {R"(C:\)", R"(C:\a.c)", true},
+        {R"(\\host\share\dir)", R"(\\HOST\share\dir\a.c)", true},
+        {R"(\\host\share)", R"(\\host\share\a.c)", true},
+        {R"(\\host\share)", R"(\\host\shares\a.c)", false},
     };
     for (const ExclusionCase& row : cases) {
         ExpectMatches(row, PathRules::Windows);
@@ -59,20 +59,20 @@ TEST(ExclusionSet, WindowsPrefixesRegardNeitherCaseNorSeparator) {
 
 TEST(ExclusionSet, MasksMatchTheWholePathUnderBothRules) {
     const ExclusionCase cases[] = {
-        {"*/generated/*",               "/p/generated/a.c",              true },
-        {"*/generated/*",               "/generated/x/a.c",              true },
-        {"*/generated/*",               "/p/my-generated/a.c",           false},
-        {R"(*\generated\*)",            "/p/generated/a.c",              true },
-        {"*/generated/*",               R"(C:\p\Generated\a.c)",         true },
-        {"*.PB.cc",                     "/p/x.pb.CC",                    true },
-        {"*.pb.cc",                     "/p/x.pb.ccx",                   false},
-        {"/p/a?.c",                     "/p/ab.c",                       true },
-        {"/p/a?.c",                     "/p/a.c",                        false},
-        {"/p/?.c",                      "/p/\xC3\xA9.c",                 true }, // one character
-        {"/p/??.c",                     "/p/\xC3\xA9.c",                 false},
-        {"p/*",                         "/p/a.c",                        false},
-        {"*",                           "/a.c",                          true },
-        {R"(?:\program files (x86)\*)", R"(C:\Program Files (x86)\x.c)", true },
+        {"*/generated/*", "/p/generated/a.c", true},
+        {"*/generated/*", "/generated/x/a.c", true},
+        {"*/generated/*", "/p/my-generated/a.c", false},
+        {R"(*\generated\*)", "/p/generated/a.c", true},
+        {"*/generated/*", R"(C:\p\Generated\a.c)", true},
+        {"*.PB.cc", "/p/x.pb.CC", true},
+        {"*.pb.cc", "/p/x.pb.ccx", false},
+        {"/p/a?.c", "/p/ab.c", true},
+        {"/p/a?.c", "/p/a.c", false},
+        {"/p/?.c", "/p/\xC3\xA9.c", true}, // one character
+        {"/p/??.c", "/p/\xC3\xA9.c", false},
+        {"p/*", "/p/a.c", false},
+        {"*", "/a.c", true},
+        {R"(?:\program files (x86)\*)", R"(C:\Program Files (x86)\x.c)", true},
     };
     for (const ExclusionCase& row : cases) {
         ExpectMatches(row, PathRules::Posix);

@@ -24,10 +24,10 @@ TEST(RunSettings, TakeOverExclusionsAndCompilerNames) {
     const std::size_t defaultNames = run.compilerNames.size();
     ApplySettings(run, {
                            {"exclude-path", HostPath("/src/lib")},
-                           {"exclude-path", "*/gen/*"           },
-                           {"compiler",     "mycc"              },
-                           {"compiler",     "mycxx"             },
-    });
+                           {"exclude-path", "*/gen/*"},
+                           {"compiler", "mycc"},
+                           {"compiler", "mycxx"},
+                       });
     EXPECT_TRUE(run.exclusions.Matches(HostPath("/src/lib/a.c")));
     EXPECT_TRUE(run.exclusions.Matches(HostPath("/src/gen/a.c")));
     ASSERT_EQ(run.compilerNames.size(), defaultNames + 2);
@@ -40,13 +40,13 @@ TEST(RunSettings, OnlyExcludePathStandsSeveralTimes) {
     ApplySettings(run, {
                            {"exclude-path", "/b"},
                            {"exclude-path", "/a"},
-                           {"platform",     "x" },
-                           {"platform",     "y" },
-    });
+                           {"platform", "x"},
+                           {"platform", "y"},
+                       });
     ApplySettings(run, {
                            {"exclude-path", "/c"},
-                           {"platform",     "z" },
-    });
+                           {"platform", "z"},
+                       });
     EXPECT_THAT(run.userSettings, ElementsAre(Pair("exclude-path", "/b"), Pair("exclude-path", "/a"),
                                               Pair("exclude-path", "/c"), Pair("platform", "z")));
     OverrideSetting(run, "platform", "option");

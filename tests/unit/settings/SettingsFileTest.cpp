@@ -30,15 +30,15 @@ struct ReadCase {
 
 TEST(SettingsFile, ReadsKeysAndValues) {
     const ReadCase cases[] = {
-        {"",                                 ""                    },
-        {"a=1\nb=2",                         "[a=1][b=2]"          },
-        {" \ta \v= 1 2\f\r\n",               "[a=1 2]"             },
-        {"\xEF\xBB\xBFx=1\r\nb=2\r\n",       "[b=2][x=1]"          },
-        {"  # a=1\n#b=2\nc=#3 # no comment", "[c=#3 # no comment]" },
-        {"no equals sign\n\n   \na=b=c==",   "[a=b=c==]"           },
-        {"a=\n=1",                           "[=1][a=]"            },
-        {"b=2\na=z\nb=1\na=y",               "[a=z][a=y][b=2][b=1]"},
-        {"analysis-mode = GA;OP;64",         "[analysis-mode=13]"  },
+        {"", ""},
+        {"a=1\nb=2", "[a=1][b=2]"},
+        {" \ta \v= 1 2\f\r\n", "[a=1 2]"},
+        {"\xEF\xBB\xBFx=1\r\nb=2\r\n", "[b=2][x=1]"},
+        {"  # a=1\n#b=2\nc=#3 # no comment", "[c=#3 # no comment]"},
+        {"no equals sign\n\n   \na=b=c==", "[a=b=c==]"},
+        {"a=\n=1", "[=1][a=]"},
+        {"b=2\na=z\nb=1\na=y", "[a=z][a=y][b=2][b=1]"},
+        {"analysis-mode = GA;OP;64", "[analysis-mode=13]"},
     };
     for (const ReadCase& row : cases) {
         EXPECT_EQ(Joined(ParseSettings(row.text, "/base")), row.settings) << row.text;
@@ -53,13 +53,13 @@ struct PathCase {
 TEST(SettingsFile, TakesRelativePathsFromItsFolder) {
     const std::string base = HostPath("/base");
     const PathCase cases[] = {
-        {"exclude-path=lib",          "lib"         },
+        {"exclude-path=lib", "lib"},
         {"rules-config=x/rules.json", "x/rules.json"},
-        {"intermodular-file=a b.dfo", "a b.dfo"     },
-        {"vcprojectdir=.",            "."           },
-        {"exclude-path=/lib",         "/lib"        },
-        {"exclude-path=c:lib",        "c:lib"       },
-        {"exclude-path=1:/lib",       "1:/lib"      },
+        {"intermodular-file=a b.dfo", "a b.dfo"},
+        {"vcprojectdir=.", "."},
+        {"exclude-path=/lib", "/lib"},
+        {"exclude-path=c:lib", "c:lib"},
+        {"exclude-path=1:/lib", "1:/lib"},
     };
     for (const PathCase& row : cases) {
         const SettingsMap settings = ParseSettings(row.line, base);
@@ -70,11 +70,11 @@ TEST(SettingsFile, TakesRelativePathsFromItsFolder) {
 
 TEST(SettingsFile, LeavesOtherValuesAlone) {
     const PathCase cases[] = {
-        {"exclude-path=c:/lib",     "c:/lib"     }, // absolute on the other system, at least
-        {R"(exclude-path=Z:\lib)",  R"(Z:\lib)"  },
-        {"exclude-path=*/gen/*",    "*/gen/*"    },
-        {"exclude-path=lib?",       "lib?"       },
-        {"exclude-path=",           ""           },
+        {"exclude-path=c:/lib", "c:/lib"}, // absolute on the other system, at least
+        {R"(exclude-path=Z:\lib)", R"(Z:\lib)"},
+        {"exclude-path=*/gen/*", "*/gen/*"},
+        {"exclude-path=lib?", "lib?"},
+        {"exclude-path=", ""},
         {"output-file=report.json", "report.json"}, // no path key
     };
     for (const PathCase& row : cases) {
@@ -96,11 +96,11 @@ TEST(SettingsFile, FaultsOfReadingNameTheFileOrTheValue) {
 TEST(SettingsFile, IsReadBackAsWritten) {
     const TestFolder folder;
     const SettingsMap settings = {
-        {"source-file",   "/p q/\"a\"=#\xC3\xA9.c"},
-        {"exclude-path",  "*/b/*"                 },
-        {"exclude-path",  HostPath("/a")          },
-        {"analysis-mode", "4"                     },
-        {"std",           ""                      },
+        {"source-file", "/p q/\"a\"=#\xC3\xA9.c"},
+        {"exclude-path", "*/b/*"},
+        {"exclude-path", HostPath("/a")},
+        {"analysis-mode", "4"},
+        {"std", ""},
     };
     const SettingsFile file(settings, folder / "a.c", SettingsFile::Lifetime::Keep);
     EXPECT_EQ(file.Path(), folder / "a.c.cfg");
@@ -117,19 +117,17 @@ struct UnwritableCase {
 
 TEST(SettingsFile, RefusesWhatTheFormatCannotHold) {
     const UnwritableCase cases[] = {
-        {"i-file", "/a\nb\r", R"(value of "i-file": it has a line break: "/a\nb\r")"             },
-        {"i-file", "/a.i ",   R"(value of "i-file": it has white space at an end: "/a.i ")"      },
-        {"i-file", "\v/a.i",  "value of \"i-file\": it has white space at an end: \"\v/a.i\""    },
-        {"a\nb",   "1",       R"(key of the value "1": it has a line break: "a\nb")"             },
-        {"a=b",    "1",       R"(key of the value "1": it has an equals sign: "a=b")"            },
-        {"#a",     "1",       R"(key of the value "1": it has a comment sign at its start: "#a")"},
+        {"i-file", "/a\nb\r", R"(value of "i-file": it has a line break: "/a\nb\r")"},
+        {"i-file", "/a.i ", R"(value of "i-file": it has white space at an end: "/a.i ")"},
+        {"i-file", "\v/a.i", "value of \"i-file\": it has white space at an end: \"\v/a.i\""},
+        {"a\nb", "1", R"(key of the value "1": it has a line break: "a\nb")"},
+        {"a=b", "1", R"(key of the value "1": it has an equals sign: "a=b")"},
+        {"#a", "1", R"(key of the value "1": it has a comment sign at its start: "#a")"},
     };
     const TestFolder folder;
     folder.Write("unit.cfg", "earlier");
     for (const UnwritableCase& row : cases) {
-        const SettingsMap settings = {
-            {std::string(row.key), std::string(row.value)}
-        };
+        const SettingsMap settings = {{std::string(row.key), std::string(row.value)}};
         EXPECT_EQ(ErrorOf([&] { SettingsFile(settings, folder / "unit", SettingsFile::Lifetime::Remove); }),
                   "The settings format can't hold the " + std::string(row.error));
     }

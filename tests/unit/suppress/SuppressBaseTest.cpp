@@ -82,22 +82,22 @@ struct FaultCase {
 
 TEST(SuppressBase, NamesThePlaceOfAFault) {
     const FaultCase cases[] = {
-        {R"({})",                                   ": field warnings is not found"                },
-        {R"([])",                                   ": type must be object, but is array"          },
-        {R"(7)",                                    ": type must be object, but is number"         },
-        {R"({"warnings":{}})",                      ": type must be array, but is object"          },
-        {R"({"warnings":"x"})",                     ": type must be array, but is string"          },
-        {R"({"version":"2","warnings":[]})",        ": type must be number, but is string"         },
-        {R"({"version":-2,"warnings":[]})",         ": number out of range: -2"                    },
-        {R"({"version":4294967296,"warnings":[]})", ": number out of range: 4294967296"            },
-        {R"({"warnings":[7]})",                     ", entry 1: type must be object, but is number"},
-        {R"({"warnings":[[]]})",                    ", entry 1: type must be object, but is array" },
-        {R"({"warnings":[{}]})",                    ", entry 1: field FileName is not found"       },
-        {R"({"warnings":[{"FileName":1}]})",        ", entry 1: type must be string, but is number"},
-        {R"({"warnings":[{"FileName":{}}]})",       ", entry 1: type must be string, but is object"},
-        {R"({"warnings":[{"CodePrev":"1"}]})",      ", entry 1: type must be number, but is string"},
-        {R"({"warnings":[{"CodePrev":1.5}]})",      ", entry 1: number out of range: 1.5"          },
-        {R"({"warnings":[{"CodePrev":-1}]})",       ", entry 1: number out of range: -1"           },
+        {R"({})", ": field warnings is not found"},
+        {R"([])", ": type must be object, but is array"},
+        {R"(7)", ": type must be object, but is number"},
+        {R"({"warnings":{}})", ": type must be array, but is object"},
+        {R"({"warnings":"x"})", ": type must be array, but is string"},
+        {R"({"version":"2","warnings":[]})", ": type must be number, but is string"},
+        {R"({"version":-2,"warnings":[]})", ": number out of range: -2"},
+        {R"({"version":4294967296,"warnings":[]})", ": number out of range: 4294967296"},
+        {R"({"warnings":[7]})", ", entry 1: type must be object, but is number"},
+        {R"({"warnings":[[]]})", ", entry 1: type must be object, but is array"},
+        {R"({"warnings":[{}]})", ", entry 1: field FileName is not found"},
+        {R"({"warnings":[{"FileName":1}]})", ", entry 1: type must be string, but is number"},
+        {R"({"warnings":[{"FileName":{}}]})", ", entry 1: type must be string, but is object"},
+        {R"({"warnings":[{"CodePrev":"1"}]})", ", entry 1: type must be number, but is string"},
+        {R"({"warnings":[{"CodePrev":1.5}]})", ", entry 1: number out of range: 1.5"},
+        {R"({"warnings":[{"CodePrev":-1}]})", ", entry 1: number out of range: -1"},
     };
     const TestFolder folder;
     for (const FaultCase& row : cases) {

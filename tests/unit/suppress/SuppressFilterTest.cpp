@@ -44,22 +44,22 @@ TEST(SuppressFilter, ChoosesByFileLineLevelAndCode) {
     disabled.disabledCodes = {"V501"};
     const ReportMessage nowhere = {"V501", "m", "", {}, 0, 1, false};
     const FilterCase cases[] = {
-        {"nothing set",    {},                              Finding("V501"),     true },
-        {"disabled",       disabled,                        Finding("V501"),     false},
-        {"file",           Files({"test.c"}),               Finding("V501"),     true },
-        {"part of a path", Files({"src"}),                  Finding("V501"),     true },
-        {"file and line",  Files({"test.c:22"}),            Finding("V501"),     true },
-        {"other line",     Files({"test.c:23"}),            Finding("V501"),     false},
-        {"line 0",         Files({"test.c:0"}),             Finding("V501"),     true },
-        {"other file",     Files({"other.c"}),              Finding("V501"),     false},
-        {"one of two",     Files({"other.c", "test.c:22"}), Finding("V501"),     true },
-        {"no position",    Files({"test.c"}),               nowhere,             false},
-        {"level",          Analyzers("GA:2"),               Finding("V501"),     false},
-        {"analyzer",       Analyzers("GA"),                 Finding("V501"),     true },
-        {"code",           Numbers({501, 502}),             Finding("V501"),     true },
-        {"other code",     Numbers({502}),                  Finding("V501"),     false},
-        {"no number",      Numbers({501}),                  Finding("External"), false},
-        {"0 is no number", Numbers({0}),                    Finding("External"), true },
+        {"nothing set", {}, Finding("V501"), true},
+        {"disabled", disabled, Finding("V501"), false},
+        {"file", Files({"test.c"}), Finding("V501"), true},
+        {"part of a path", Files({"src"}), Finding("V501"), true},
+        {"file and line", Files({"test.c:22"}), Finding("V501"), true},
+        {"other line", Files({"test.c:23"}), Finding("V501"), false},
+        {"line 0", Files({"test.c:0"}), Finding("V501"), true},
+        {"other file", Files({"other.c"}), Finding("V501"), false},
+        {"one of two", Files({"other.c", "test.c:22"}), Finding("V501"), true},
+        {"no position", Files({"test.c"}), nowhere, false},
+        {"level", Analyzers("GA:2"), Finding("V501"), false},
+        {"analyzer", Analyzers("GA"), Finding("V501"), true},
+        {"code", Numbers({501, 502}), Finding("V501"), true},
+        {"other code", Numbers({502}), Finding("V501"), false},
+        {"no number", Numbers({501}), Finding("External"), false},
+        {"0 is no number", Numbers({0}), Finding("External"), true},
     };
     for (const FilterCase& row : cases) {
         EXPECT_EQ(SuppressFilter(nullptr, row.settings).Write(row.message), row.isAccepted) << row.name;
@@ -77,27 +77,24 @@ TEST(SuppressFilter, RejectsFilesWithTheirFault) {
     constexpr std::string_view IsPath =
         "You can only use name of the file in the '--file' argument. Specifying file path is not supported.";
     const FaultCase cases[] = {
-        {{"test.c:x"},                    "invalid stoul argument"                      },
-        {{"test.c:"},                     "invalid stoul argument"                      },
-        {{"test.c:2x"},                   "invalid stoul argument"                      },
-        {{"test.c:-2"},                   "invalid stoul argument"                      },
-        {{"test.c:99999999999999999999"}, "stoul argument out of range"                 },
-        {{":22"},                         OnlyLine                                      },
-        {{":0"},                          OnlyLine                                      },
-        {{"src/test.c"},                  IsPath                                        },
-        {{"src\\test.c:2"},               IsPath                                        },
-        {{"/test.c"},                     IsPath                                        },
-        {{"a/b.c", ":1"},                 OnlyLine                                      },
-        {{"a/b.c", "c:x"},                "invalid stoul argument"                      },
-        {{""},                            "The value of the '--file' argument is empty."},
+        {{"test.c:x"}, "invalid stoul argument"},
+        {{"test.c:"}, "invalid stoul argument"},
+        {{"test.c:2x"}, "invalid stoul argument"},
+        {{"test.c:-2"}, "invalid stoul argument"},
+        {{"test.c:99999999999999999999"}, "stoul argument out of range"},
+        {{":22"}, OnlyLine},
+        {{":0"}, OnlyLine},
+        {{"src/test.c"}, IsPath},
+        {{"src\\test.c:2"}, IsPath},
+        {{"/test.c"}, IsPath},
+        {{"a/b.c", ":1"}, OnlyLine},
+        {{"a/b.c", "c:x"}, "invalid stoul argument"},
+        {{""}, "The value of the '--file' argument is empty."},
     };
     for (const FaultCase& row : cases) {
         EXPECT_EQ(ErrorOf([&] { (void)ParseSuppressedFiles(row.values); }), row.fault) << row.values.front();
     }
-    EXPECT_EQ(ParseSuppressedFiles({
-                  "a:b.c:3", "d.c"
-    }),
-              (std::vector<SuppressedFile>{{"a:b.c", 3}, {"d.c", 0}}));
+    EXPECT_EQ(ParseSuppressedFiles({"a:b.c:3", "d.c"}), (std::vector<SuppressedFile>{{"a:b.c", 3}, {"d.c", 0}}));
 }
 
 TEST(SuppressFilter, TakesCodesWithAndWithoutTheirLetter) {

@@ -340,10 +340,7 @@ TEST_F(TraceReaderTest, TakesOverAnEnvironmentThatIsShownWhole) {
 6  execve("%/clang", ["clang", "-c", "a.c"], []) = 0
 )");
     ASSERT_EQ(collected_.units.size(), 5U) << failure_;
-    const Environment expected = {
-        {"A", "1"             },
-        {"D", "x=\"\xC3\xA4\""}
-    };
+    const Environment expected = {{"A", "1"}, {"D", "x=\"\xC3\xA4\""}};
     EXPECT_EQ(*collected_.units[0].environment, expected);
     for (std::size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(collected_.units[i].environmentScope == EnvironmentScope::Whole, i == 0 || i == 4) << i;
@@ -381,18 +378,18 @@ struct FailureCase {
 
 TEST_F(TraceReaderTest, EndsWithAClearErrorWhenThereIsNothingToRead) {
     const FailureCase rows[] = {
-        {"",                                                               "No roots found",                         ""                                       },
-        {"1  <... wait4 resumed>) = 3\n",                                  "No roots found",                         ""                                       },
-        {"1  +++ exited with 0 +++\n",                                     "No roots found",                         "Process 1 at line 1 was never started\n"},
-        {"[{\"directory\": \"/\"}]\n",                                     "no trace",                               ""                                       },
-        {"\n",                                                             "no trace",                               ""                                       },
-        {R"(1  execve("/bin/true", ["true"], []) = 0)",                    "No compiler invocations were detected.", ""                                       },
-        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], 0x7f) = 0)",      "No pwd",                                 "--trace-dir"                            },
-        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=x"]) = 0)", "No pwd",                                 "process 1 ran at line 1: "              },
-        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"])",      "",
-         "strace_out, line 1: this call is cut short\n"                                                                                                       },
-        {R"(1  execve("%/clang", ["clang", "-c" "a.c"], ["PWD=%"]) = 0)",  "",
-         "strace_out, line 1: this call can't be read\n"                                                                                                      },
+        {"", "No roots found", ""},
+        {"1  <... wait4 resumed>) = 3\n", "No roots found", ""},
+        {"1  +++ exited with 0 +++\n", "No roots found", "Process 1 at line 1 was never started\n"},
+        {"[{\"directory\": \"/\"}]\n", "no trace", ""},
+        {"\n", "no trace", ""},
+        {R"(1  execve("/bin/true", ["true"], []) = 0)", "No compiler invocations were detected.", ""},
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], 0x7f) = 0)", "No pwd", "--trace-dir"},
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=x"]) = 0)", "No pwd", "process 1 ran at line 1: "},
+        {R"(1  execve("%/clang", ["clang", "-c", "a.c"], ["PWD=%"])", "",
+         "strace_out, line 1: this call is cut short\n"},
+        {R"(1  execve("%/clang", ["clang", "-c" "a.c"], ["PWD=%"]) = 0)", "",
+         "strace_out, line 1: this call can't be read\n"},
     };
     for (const FailureCase& row : rows) {
         EXPECT_THAT(UnitsOf(row.trace), IsEmpty()) << row.trace;

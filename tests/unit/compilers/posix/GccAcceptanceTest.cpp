@@ -19,13 +19,13 @@ struct AcceptedCase {
 
 // Each command compiles `a.c`, or a file of another name with the same text.
 const AcceptedCase AcceptedCases[] = {
-    {"Lists",        "-Wp,-MMD,a.d,-DVALUE=1,-I,. -c a.c"                 },
-    {"HandedOn",     "-Xpreprocessor -DVALUE=1 -c a.c"                    },
-    {"Linking",      "-DVALUE=1 a.c -L. -lm -Wl,-z,now -Xlinker x -u f"   },
-    {"LongForms",    "--define-macro=VALUE=1 --include-directory=. -c a.c"},
-    {"Preprocessed", "-c ready.i"                                         },
-    {"Stated",       "-DVALUE=1 -x c -c odd.txt -x none"                  },
-    {"Dashes",       "-DVALUE=1 -c -- -a.c"                               },
+    {"Lists", "-Wp,-MMD,a.d,-DVALUE=1,-I,. -c a.c"},
+    {"HandedOn", "-Xpreprocessor -DVALUE=1 -c a.c"},
+    {"Linking", "-DVALUE=1 a.c -L. -lm -Wl,-z,now -Xlinker x -u f"},
+    {"LongForms", "--define-macro=VALUE=1 --include-directory=. -c a.c"},
+    {"Preprocessed", "-c ready.i"},
+    {"Stated", "-DVALUE=1 -x c -c odd.txt -x none"},
+    {"Dashes", "-DVALUE=1 -c -- -a.c"},
 };
 
 class GccAcceptance : public testing::TestWithParam<AcceptedCase> {};

@@ -22,9 +22,7 @@ protected:
     Environment WithCppcheck(const std::string& script) {
         const std::string program = folder_.Write("fake/cppcheck", "#!/bin/sh\n" + script);
         std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-        return {
-            {"PATH", folder_ / "fake:/usr/bin:/bin"}
-        };
+        return {{"PATH", folder_ / "fake:/usr/bin:/bin"}};
     }
 };
 

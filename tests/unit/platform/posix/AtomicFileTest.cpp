@@ -152,14 +152,12 @@ TEST(AtomicFileOnPosix, GoesOnWhereAnOpenFileStands) {
 
 // From now on, this process lives on a file system without locks.
 void RefuseLocks() {
-    std::array<sock_filter, 4> program = {
-        {
-         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
-         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
-         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-         }
-    };
+    std::array<sock_filter, 4> program = {{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_flock, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
     const sock_fprog filter = {static_cast<unsigned short>(program.size()), program.data()};
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) != 0) {
         std::_Exit(2);

@@ -31,12 +31,9 @@ struct CrashCase {
 };
 
 const CrashCase CrashCases[] = {
-    {"segv",            SIGSEGV, "CrashOnPurpose"   },
-    {"abort",           SIGABRT, "CrashOnPurpose"   },
-    {"exception",       SIGABRT, "CrashOnPurpose"   },
-    {"thread",          SIGSEGV, "CrashOnPurpose"   },
-    {"overflow",        SIGSEGV, "OverflowOnPurpose"},
-    {"thread-overflow", SIGSEGV, "OverflowOnPurpose"},
+    {"segv", SIGSEGV, "CrashOnPurpose"},        {"abort", SIGABRT, "CrashOnPurpose"},
+    {"exception", SIGABRT, "CrashOnPurpose"},   {"thread", SIGSEGV, "CrashOnPurpose"},
+    {"overflow", SIGSEGV, "OverflowOnPurpose"}, {"thread-overflow", SIGSEGV, "OverflowOnPurpose"},
 };
 
 TEST(Crash, LeavesTheStackInAFileAndEndsAsBefore) {

@@ -67,12 +67,9 @@ struct ExitCase {
 };
 
 const ExitCase ExitCases[] = {
-    {"exit 0",        0  },
-    {"exit 255",      255},
-    {"kill -KILL $$", 137},
-    {"kill -SEGV $$", 139},
-    {"kill -PIPE $$", 141}, // we ignore it
-    {"kill -TERM $$", 143}, // we block it
+    {"exit 0", 0},          {"exit 255", 255},      {"kill -KILL $$", 137},
+    {"kill -SEGV $$", 139}, {"kill -PIPE $$", 141}, // we ignore it
+    {"kill -TERM $$", 143},                         // we block it
 };
 
 TEST(Child, EndsWithItsCodeOrItsSignalAndStartsWithFreshSignals) {
@@ -95,11 +92,8 @@ TEST(Child, EndsWithItsCodeOrItsSignalAndStartsWithFreshSignals) {
 
 TEST(Child, SeesNothingButItsEnvironment) {
     std::string output;
-    Process variables(
-        {
-            "/usr/bin/env"
-    },
-        "", EnvironmentBlock({{"B", ""}, {"A", "x=y z"}}), MakeRedirectToStringProcessor(output), nullptr);
+    Process variables({"/usr/bin/env"}, "", EnvironmentBlock({{"B", ""}, {"A", "x=y z"}}),
+                      MakeRedirectToStringProcessor(output), nullptr);
     EXPECT_EQ(variables.get_exit_status(), 0);
     EXPECT_EQ(output, "A=x=y z\nB=\n");
 }
@@ -120,12 +114,8 @@ TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironment) {
     std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     for (const std::string& path : {folder / "bin", std::string("bin")}) {
         std::string output;
-        Process process(
-            {
-                "tool"
-        },
-            folder.Path(), EnvironmentBlock({{"PATH", "/nowhere:" + path}}), MakeRedirectToStringProcessor(output),
-            nullptr);
+        Process process({"tool"}, folder.Path(), EnvironmentBlock({{"PATH", "/nowhere:" + path}}),
+                        MakeRedirectToStringProcessor(output), nullptr);
         EXPECT_EQ(process.get_exit_status(), 0);
         EXPECT_EQ(output, "found\n") << path;
     }

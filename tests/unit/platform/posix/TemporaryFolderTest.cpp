@@ -22,9 +22,7 @@ TEST(TemporaryFolderOnPosix, SweepsWhatDiedAtItsStartAndFollowsNoLink) {
     const fs::path link = system / "orvanta-analyzer-link";
     fs::create_directory_symlink(other, link);
 
-    const Environment environment{
-        {"TMPDIR", system.Path()}
-    };
+    const Environment environment{{"TMPDIR", system.Path()}};
     ChildProgram run({"use-folder"}, environment);
     EXPECT_EQ(run.End(), 0);
     EXPECT_FALSE(fs::exists(died));

@@ -27,12 +27,8 @@ struct CrashCase {
 };
 
 const CrashCase CrashCases[] = {
-    {"segv",            AccessViolation},
-    {"abort",           Aborted        },
-    {"exception",       Aborted        },
-    {"thread",          AccessViolation},
-    {"overflow",        StackOverflow  },
-    {"thread-overflow", StackOverflow  },
+    {"segv", AccessViolation},   {"abort", Aborted},          {"exception", Aborted},
+    {"thread", AccessViolation}, {"overflow", StackOverflow}, {"thread-overflow", StackOverflow},
 };
 
 TEST(Crash, LeavesTheStackInAFileAndEndsAsBefore) {

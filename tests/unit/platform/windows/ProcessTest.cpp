@@ -33,14 +33,10 @@ TEST(Child, IsLookedUpAlongThePathOfItsOwnEnvironmentWithTheExtensionsOfIt) {
     std::filesystem::copy_file(ORVANTA_PLATFORM_CHILD, program);
     for (const std::string& path : {folder / "bin", std::string("bin")}) {
         std::string output;
-        Process process(
-            {
-                "tool", "show-arguments", "found"
-        },
-            folder.Path(),
-            EnvironmentBlock(
-                {{"Path", "C:\\nowhere;" + (folder / "bin\\other") + ";" + path}, {"PathExt", ".com;.exe"}}),
-            MakeRedirectToStringProcessor(output), nullptr);
+        Process process({"tool", "show-arguments", "found"}, folder.Path(),
+                        EnvironmentBlock({{"Path", "C:\\nowhere;" + (folder / "bin\\other") + ";" + path},
+                                          {"PathExt", ".com;.exe"}}),
+                        MakeRedirectToStringProcessor(output), nullptr);
         EXPECT_EQ(process.get_exit_status(), 0);
         EXPECT_EQ(output, "5:found") << path;
     }

@@ -108,14 +108,14 @@ TEST_F(MisraComplianceReport, JudgesByTheMostBindingGuidelines) {
     };
 
     const Case cases[] = {
-        {"MISRA-C-8.13",    false, MisraMarks::Deviations,     "1                0  Violations\n",        true }, // advisory
-        {"MISRA-C-8.2",     true,  MisraMarks::Deviations,     "0                1  Deviations\n",        true },
-        {"MISRA-C-8.2",     true,  MisraMarks::FalsePositives, "0                1  Compliant\n",         true },
-        {"MISRA-C-8.2",     false, MisraMarks::Deviations,     "1                0  Violations\n",        false},
-        {"MISRA-C-9.1",     true,  MisraMarks::Deviations,     "0                1  Violations\n",        false}, // mandatory
-        {"MISRA-C-9.1",     true,  MisraMarks::FalsePositives, "0                1  Compliant\n",         true },
-        {"MISRA-CPP-1-0-2", false, MisraMarks::Deviations,     "1                0  Violations\n",        false}, // document
-        {"MISRA-C-99.9",    true,  MisraMarks::Deviations,     "0                1  No such guideline\n", false},
+        {"MISRA-C-8.13", false, MisraMarks::Deviations, "1                0  Violations\n", true}, // advisory
+        {"MISRA-C-8.2", true, MisraMarks::Deviations, "0                1  Deviations\n", true},
+        {"MISRA-C-8.2", true, MisraMarks::FalsePositives, "0                1  Compliant\n", true},
+        {"MISRA-C-8.2", false, MisraMarks::Deviations, "1                0  Violations\n", false},
+        {"MISRA-C-9.1", true, MisraMarks::Deviations, "0                1  Violations\n", false}, // mandatory
+        {"MISRA-C-9.1", true, MisraMarks::FalsePositives, "0                1  Compliant\n", true},
+        {"MISRA-CPP-1-0-2", false, MisraMarks::Deviations, "1                0  Violations\n", false}, // document
+        {"MISRA-C-99.9", true, MisraMarks::Deviations, "0                1  No such guideline\n", false},
     };
     for (const Case& row : cases) {
         settings_.marks = row.marks;
@@ -174,15 +174,15 @@ TEST(MisraChecked, OfReportsIsWhatAllOfThemTell) {
 TEST(MisraCategoryPlan, IsRejectedWithItsFault) {
     const TestFolder folder;
     const std::pair<std::string_view, std::string_view> cases[] = {
-        {"\nMISRA-C-8.13\n",                                       ", line 2: \"MISRA-C-8.13\", expected a guideline, \"=\" and its category"   },
-        {"V501 = Required",                                        ", line 1: \"V501 = Required\", expected a guideline, \"=\" and its category"},
+        {"\nMISRA-C-8.13\n", ", line 2: \"MISRA-C-8.13\", expected a guideline, \"=\" and its category"},
+        {"V501 = Required", ", line 1: \"V501 = Required\", expected a guideline, \"=\" and its category"},
         {"MISRA-C-8.13 = Never",
-         ", line 1: wrong category \"Never\", expected Mandatory, Required, Advisory or Disapplied"                                             },
-        {"MISRA-C-9.1 = Required",                                 ", line 1: MISRA-C-9.1 is Mandatory and can't become Required"               },
-        {"MISRA-C-8.2 = Disapplied",                               ", line 1: MISRA-C-8.2 is Required and can't become Disapplied"              },
-        {"MISRA-CPP-1-0-2 = Disapplied",                           ", line 1: MISRA-CPP-1-0-2 is Document and can't become Disapplied"          },
-        {"#\nMISRA-C-99.1 = Required",                             ", line 2: MISRA C:2023 has no guideline \"MISRA-C-99.1\""                   },
-        {"V2500=Disapplied\nMISRA-C-8.2=Required\nV2500=Advisory", ", line 3: V2500 stands twice"                                               },
+         ", line 1: wrong category \"Never\", expected Mandatory, Required, Advisory or Disapplied"},
+        {"MISRA-C-9.1 = Required", ", line 1: MISRA-C-9.1 is Mandatory and can't become Required"},
+        {"MISRA-C-8.2 = Disapplied", ", line 1: MISRA-C-8.2 is Required and can't become Disapplied"},
+        {"MISRA-CPP-1-0-2 = Disapplied", ", line 1: MISRA-CPP-1-0-2 is Document and can't become Disapplied"},
+        {"#\nMISRA-C-99.1 = Required", ", line 2: MISRA C:2023 has no guideline \"MISRA-C-99.1\""},
+        {"V2500=Disapplied\nMISRA-C-8.2=Required\nV2500=Advisory", ", line 3: V2500 stands twice"},
     };
     for (const auto& [text, fault] : cases) {
         const std::string path = folder.Write("plan", text);
