@@ -1,5 +1,7 @@
 #include "e2e/support/InterruptibleRun.h"
 
+#include "platform/Files.h"
+
 #include <gtest/gtest.h>
 
 namespace Orvanta {
@@ -8,7 +10,15 @@ namespace {
 
 constexpr std::chrono::seconds LongestEnd{20};
 
+// The file that tells the helper on the console to press the keys.
+std::string PressFile(int press) {
+    return "ctrl-c-" + std::to_string(press);
+}
+
 Arguments CommandOnConsole(const Sandbox& sandbox, const Arguments& options) {
+    for (int press = 1; sandbox.Exists(PressFile(press)); ++press) { // of an earlier run in this sandbox
+        RemoveFile(sandbox.Path(PressFile(press)));
+    }
     Arguments command = {ORVANTA_CONSOLE_RUN, sandbox.Path("ctrl-c-")};
     const Arguments analyze = Sandbox::AnalyzeCommand(options);
     command.insert(command.end(), analyze.begin(), analyze.end());
@@ -38,7 +48,7 @@ InterruptibleRun::InterruptibleRun(const Sandbox& sandbox, const Arguments& opti
 InterruptibleRun::~InterruptibleRun() = default;
 
 void InterruptibleRun::Interrupt() {
-    state_->sandbox.Write("ctrl-c-" + std::to_string(++state_->presses), "");
+    state_->sandbox.Write(PressFile(++state_->presses), "");
 }
 
 std::string InterruptibleRun::OutputSoFar() {
