@@ -9,12 +9,17 @@ namespace Orvanta {
 /// "-". Safe to share: what it learns about the compilers themselves has a lock of its own.
 class Cl : public Compiler {
 public:
+    /// cl itself, which has no flags beyond the table that the others build on.
     Cl();
+    /// Preprocesses into a file ("/P" with "/Fi"): "/E" would write the text to the standard output.
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
     /// Sets the platform word, by the compiler's path, which should be absolute.
     void FinishParse(ParsedCommand& command) const override;
+    /// A flag for all sources makes one of every file but those for the linker, whatever their extension. Else the
+    /// extension decides, in upper or lower case.
     [[nodiscard]] InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const override;
+    /// Says "/TC" or "/TP" again where a flag has named the language: the flags that did are dropped.
     void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
 
 protected:
@@ -27,6 +32,7 @@ protected:
     /// Adds the source, which stands last, in a form that the compiler takes for no flag.
     virtual void AddSource(const std::string& source, std::vector<std::string>& words) const;
 
+    /// What is learnt about compilers, for families that ask by other rules. Any thread may use it.
     [[nodiscard]] CompilerTargets& Targets() const noexcept { return targets_; }
 
 private:

@@ -90,14 +90,18 @@ public:
     /// What the program behind the driver knows beside the driver's flags; null when it is not known.
     [[nodiscard]] virtual const FlagTable* FrontEndFlags() const { return nullptr; }
 
+    /// The family that the registry finds this model by. A unit's own type may differ: a flag can make it one of
+    /// another mode.
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
 
     /// The family's word in the core's settings, such as "gcc".
     [[nodiscard]] std::string_view Name() const noexcept { return name_; }
 
+    /// The flags of the driver itself; valid as long as the model.
     [[nodiscard]] const FlagTable& Flags() const noexcept { return flags_; }
 
 protected:
+    /// `name` and `introducers` are kept as views: they must be constants of the program.
     Compiler(CompilerType type, std::string_view name, std::span<const std::string_view> introducers, FlagTable flags);
 
     /// What every preprocessing command begins with: the words that stand before the compiler, the compiler, and the

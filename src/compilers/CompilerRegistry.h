@@ -10,6 +10,7 @@ namespace Orvanta {
 /// One shared model per compiler family. Immutable after construction.
 class CompilerRegistry {
 public:
+    /// Makes all models at once: their tables are sorted here and nowhere later.
     CompilerRegistry();
 
     /// \throws ZelmException "Unknown preprocessor type: " and the number, for a type without a model

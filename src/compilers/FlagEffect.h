@@ -35,6 +35,7 @@ enum class FlagEffect : std::uint8_t {
 /// The effects of all flags of a command, as a set.
 class FlagEffects {
 public:
+    /// Adds one effect. None may be added, too: nobody asks for it.
     constexpr void Add(FlagEffect effect) noexcept { bits_ |= Bit(effect); }
 
     [[nodiscard]] constexpr bool Has(FlagEffect effect) const noexcept { return (bits_ & Bit(effect)) != 0; }

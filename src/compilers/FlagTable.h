@@ -62,6 +62,7 @@ struct FlagRow {
     bool isKept; ///< for preprocessing
 
 private:
+    // Each puts one fact into its column: the types tell the columns apart, so that a row needs no empty places.
     constexpr void Take(FlagEffect fact) { effect = fact; }
 
     constexpr void Take(FlagValue fact) { value = fact; }
@@ -77,11 +78,13 @@ private:
         return false;
     }
 
+    // By kind alone; the kinds that are missing here are kept.
     static constexpr bool IsUsuallyKept(FlagKind kind) {
         return !IsOneOf(kind, {FlagKind::Drop, FlagKind::DropWithValue, FlagKind::Output, FlagKind::NoCompilation,
                                FlagKind::LinkerPart});
     }
 
+    // What a row need not say. A name that ends in "=" is looked at first: it decides whatever the kind is.
     static constexpr FlagValue UsualValue(std::string_view name, FlagKind kind) {
         if (!name.empty() && name.back() == '=') {
             return FlagValue::Glued;
@@ -106,6 +109,7 @@ struct FlagMatch {
     std::string_view gluedValue;       ///< the rest of the argument, without the "=" of a long flag
     unsigned following = 0;            ///< the number of arguments behind it that are its value
 
+    /// Whether a row of the table fits; compares the address, as a row may have the contents of UnknownFlag.
     [[nodiscard]] bool IsKnown() const noexcept { return row != &UnknownFlag; }
 };
 
