@@ -4,6 +4,7 @@ namespace Orvanta {
 
 namespace {
 
+// The core knows clang-cl by this name, too.
 constexpr std::string_view ClName = "visualcpp";
 constexpr std::string_view ClIntroducers[] = {"/", "-", "--"};
 constexpr FlagValue Glued = FlagValue::Glued;
@@ -15,6 +16,7 @@ constexpr FlagRow ClFlags[] = {
     {"std:c++14", FlagKind::StandardCpp14},
     {"std:c++17", FlagKind::StandardCpp17},
     {"std:c++20", FlagKind::StandardCpp20},
+    // The newest standards, as far as the core has words for them.
     {"std:c++latest", FlagKind::StandardCpp20},
     {"std:c11", FlagKind::StandardC11},
     {"std:c17", FlagKind::StandardC17},
@@ -153,6 +155,7 @@ Cl::Cl(CompilerType type, std::span<const FlagRow> extension)
 std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command, const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 4);
     words.emplace_back("/P");
+    // Glued: what stands in an argument of its own would be a source.
     words.push_back("/Fi" + outputPath);
     AddSource(command.sourceFile, words);
     return words;
@@ -163,6 +166,7 @@ void Cl::AddSource(const std::string& source, std::vector<std::string>& words) c
 }
 
 void Cl::FinishParse(ParsedCommand& command) const {
+    // The words of Visual Studio's platforms.
     command.platformWord = TargetOf(command) == TargetBits::Bits64 ? "x64" : "Win32";
 }
 

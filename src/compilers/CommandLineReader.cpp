@@ -15,6 +15,7 @@ class OutlineVisitor {
 public:
     explicit OutlineVisitor(InvocationOutline& outline) : outline_(outline) {}
 
+    // Of several flags that name a folder the last counts.
     void Flag(const FlagUse& use) {
         const FlagRow& row = *use.match.row;
         effects_.Add(row.effect);
@@ -42,6 +43,8 @@ public:
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
+        // The order matters. What only prints does so whatever else is asked for, and a stage that a flag names decides
+        // before the inputs do.
         if (printsInformation_ || (inputs_ == 0 && Has(FlagEffect::PrintsWithoutInput))) {
             return "prints information only";
         }
@@ -66,6 +69,8 @@ private:
 
     [[nodiscard]] bool Has(InputKind kind) const { return (inputs_ & Bit(kind)) != 0; }
 
+    // Only commands without any source come here. The kind that says most comes first: files for the linker, which
+    // stand beside many others, come last.
     [[nodiscard]] std::string_view ReasonOfInputs() const {
         if (Has(InputKind::StandardInput)) {
             return "reads standard input";
@@ -120,10 +125,13 @@ public:
     [[nodiscard]] InputKind KindOfSource() const { return kindOfSource_; }
 
 private:
+    // These take from one flag what it says, and leave all other fields alone.
     void RecordStandard(const FlagRow& row);
     void RecordCharSign(FlagEffect effect);
     void RecordValue(const FlagUse& use);
+    // Appends the value, or each of several with commas between them.
     static void AddValues(const FlagUse& use, std::vector<std::string>& list);
+    // Appends the flag to the kept arguments, in the form in which it stood.
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
@@ -148,6 +156,7 @@ void CommandVisitor::Flag(const FlagUse& use) {
 }
 
 void CommandVisitor::Input(const InputFile& input) {
+    // The other sources of the command are units of their own.
     if (input.index != source_) {
         return;
     }
@@ -166,6 +175,7 @@ void CommandVisitor::RecordStandard(const FlagRow& row) {
     if (!IsStandard(row.kind)) {
         return;
     }
+    // The numbers of C's standards lie below those of C++.
     if (row.kind < FlagKind::StandardCpp98) {
         command_.cStandard = row.kind;
     }
@@ -174,6 +184,7 @@ void CommandVisitor::RecordStandard(const FlagRow& row) {
     }
 }
 
+// The last flag counts. Where a family decides otherwise, the flags that don't count have no such effect in its table.
 void CommandVisitor::RecordCharSign(FlagEffect effect) {
     if (effect == FlagEffect::SignedChar || effect == FlagEffect::UnsignedChar) {
         command_.unsignedChar = effect == FlagEffect::UnsignedChar;
@@ -207,6 +218,7 @@ void CommandVisitor::AddValues(const FlagUse& use, std::vector<std::string>& lis
 }
 
 void CommandVisitor::Keep(const FlagUse& use) {
+    // A list becomes one argument again. The other routes say the flag that hands on before each word.
     std::string listed(use.handedOnBy);
     for (std::size_t i = 0; i < use.wordCount; ++i) {
         switch (use.route) {
@@ -240,6 +252,7 @@ bool IsBesideItsHeader(const ParsedCommand& command) {
 // The text of a file that is preprocessed already has a language, too.
 void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
     if (IsPreprocessed(kind) && !command.language) {
+        // g++ and its like read ".i" as C++, as they do ".c".
         const bool isCppDriver = FileNameOf(driver).find("++") != std::string_view::npos;
         command.language = kind == InputKind::PreprocessedC && !isCppDriver ? Language::C : Language::Cpp;
     }
@@ -276,6 +289,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     if (IsBesideItsHeader(command)) {
         DropPrecompiled(command);
     }
+    // In this order: the family states the kind by the language that is found here, and has the last word.
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(command);

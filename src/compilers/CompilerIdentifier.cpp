@@ -17,6 +17,7 @@ namespace Orvanta {
 namespace {
 
 constexpr std::string_view LauncherName = "ccache";
+// Far more than a version text takes: only what would never answer is stopped.
 constexpr std::chrono::seconds VersionQueryTimeout{10};
 // Bytes of each output; what a program prints beyond them is no version text.
 constexpr std::size_t LongestVersionText = 65536;
@@ -61,6 +62,7 @@ CompilerType IarGeneration(std::string_view text) {
     return CompilerType::IARArm;
 }
 
+// Goes on taking what it does not keep: a program that can't write its output would never end.
 OutputReceiver ReceiveUpToLimit(std::string& target) {
     return [&target](std::string_view bytes) {
         target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
@@ -113,6 +115,8 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
             return result;
         }
         result.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
+        // Not so when this invocation's folder or variables have kept the program from starting: the next one asks
+        // again.
         lookUp.isJudged = judged_.contains(lookUp.compiler->path);
         if (lookUp.isJudged) {
             lookUp.compiler = result.compiler;
@@ -163,12 +167,15 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
         return remembered->second;
     }
     std::string path = ProgramFileOf(JoinPath(workingDirectory, program));
+    // What lies in the invocation's own folder comes before the search path.
     if (isBareName && !IsExecutableFile(path)) {
         const std::string found = FindExecutableIn(program, *searchPath);
         if (!found.empty()) {
             return Remember(key_, AbsolutePath(found), true);
         }
     }
+    // Whether it may be executed is not asked: a program that can't be started says why when it is asked for its
+    // version.
     const PathAnswer file = LookAt(path);
     const bool exists = file.IsThere() && file.kind != PathKind::Folder;
     return Remember(key_, std::move(path), exists);
@@ -214,6 +221,7 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
     CapturedOutput output;
     try {
+        // From the driver's own folder where that of the invocation is gone: the version does not depend on it.
         Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
                         EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
                         ReceiveUpToLimit(output.standardError));
@@ -242,6 +250,7 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
 }
 
 std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
+    // The stems come first: "clang-cl" contains "clang".
     const std::string_view stem = StemOf(path);
     for (const NameRule& rule : StemRules) {
         if (EqualsIgnoringCase(stem, rule.name)) {
@@ -280,6 +289,7 @@ CompilerType CompilerTypeByVersionText(std::string_view text) {
     if (firstWord.find("llvm") != std::string_view::npos || firstWord.find("clang") != std::string_view::npos) {
         return CompilerType::Clang;
     }
+    // GCC's text begins with the name under which it was called, which may be any: what nothing else tells is GCC.
     return CompilerType::Gcc;
 }
 

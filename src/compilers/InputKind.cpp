@@ -74,6 +74,7 @@ constexpr InputKindRow Extensions[] = {
     {".rs", InputKind::OtherLanguage},
 };
 
+// As "-x" takes them. Words for languages that are not analyzed stand here as well: a file behind one is no C.
 constexpr InputKindRow LanguageWords[] = {
     {"c", InputKind::C},
     {"c++", InputKind::Cpp},
@@ -124,6 +125,7 @@ InputKind InputKindByExtension(std::string_view path) noexcept {
     return KindOfExtension(ExtensionOf(path));
 }
 
+// Rows in upper case are never met here: ".C" is ".c".
 InputKind InputKindByWindowsExtension(std::string_view path) {
     return KindOfExtension(ToLowerAscii(ExtensionOf(path)));
 }

@@ -25,6 +25,7 @@ constexpr FlagRow Keil5Flags[] = {
     {"old_style_preprocessing", FlagKind::Keep}, // the build reads the source in this way, too
 
     // Folders, files and macros.
+    // Several folders may stand in one value.
     {"I", FlagKind::UserInclude, FlagValue::List},
     {"J", FlagKind::SystemInclude, FlagValue::List},
     {"preinclude", FlagKind::ForcedInclude, Long},
@@ -122,6 +123,7 @@ std::vector<std::string> Keil5::BuildPreprocessCommand(const ParsedCommand& comm
 
 void Keil5::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
+    // Decided here and not by the compiler's name: one program has both modes.
     if (command.effects.Has(FlagEffect::GnuExtensions)) {
         command.compilerType = CompilerType::Keil5Gnu;
     }

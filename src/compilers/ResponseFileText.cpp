@@ -7,11 +7,13 @@ namespace Orvanta {
 
 namespace {
 
+// Without it, cl takes the text for one in the system's code page.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 // A backslash takes the meaning from any character.
 std::string QuotedForGcc(std::string_view word) {
     if (word.empty()) {
+        // Without quotes an empty word would vanish.
         return "\"\"";
     }
     std::string quoted;
@@ -50,6 +52,7 @@ std::string QuotedForCl(std::string_view word) {
     return quoted.append(backslashes, '\\') += '"';
 }
 
+// One word a line: a line end separates words in every one of these languages.
 template <class Quote>
 std::string Lines(std::span<const std::string> words, Quote quote) {
     std::string text;
