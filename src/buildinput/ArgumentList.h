@@ -12,12 +12,15 @@ namespace Orvanta {
 class ArgumentList {
 public:
     ArgumentList() = default;
+    /// Copies the words, which must hold no zero bytes: one would come out as two.
     explicit ArgumentList(std::span<const std::string> words);
 
+    /// The number of words, empty ones included.
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
 
     /// The word at `index`, which must be below Size(); valid as long as the list. Walks the words before it.
     [[nodiscard]] std::string_view operator[](std::size_t index) const;
+    /// A copy of all words; for one who needs several of them, as finding a single one walks from the front.
     [[nodiscard]] std::vector<std::string> ToVector() const;
 
 private:

@@ -12,6 +12,7 @@ enum class CommandStringRules {
     Windows, ///< those of the platform's own splitter, CommandLineToArgvW
 };
 
+/// The rules of the system that the driver runs on: a database is read where its build has run.
 [[nodiscard]] CommandStringRules HostCommandStringRules() noexcept;
 
 /// The arguments of a command string; empty when it can't be split.

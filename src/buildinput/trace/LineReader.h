@@ -24,8 +24,11 @@ public:
     [[nodiscard]] std::size_t Number() const noexcept { return number_; }
 
 private:
+    /// Makes the block larger when half of it is one unfinished line. Views into the block are no longer valid.
     bool FillBlock();
+    /// Skips what is left of a line that was cut; false when the stream ends within it.
     bool DropRestOfLine();
+    /// Makes `line` what lies before `end` and counts it. Where to go on is for the caller to set.
     void HandOut(std::string_view& line, std::size_t end);
 
     std::istream& input_;

@@ -43,7 +43,10 @@ public:
     [[nodiscard]] bool IsCompiler(std::string_view path) const;
 
 private:
+    /// Whether the program takes a compiler's command and starts it, perhaps where no trace sees it.
     [[nodiscard]] bool IsLauncher(std::string_view path) const;
+    /// The compiler's command within the words, which are not empty; no value when there is none. "ccache" stays in
+    /// front.
     [[nodiscard]] std::optional<TracedCommand> Unwrap(std::vector<std::string> words) const;
 
     const RunSettings& settings_;

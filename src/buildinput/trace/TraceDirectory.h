@@ -16,6 +16,7 @@ struct TraceDirectory {
     /// Follows a change of the directory. A relative path is resolved by text; ".." behind a name stays.
     void Change(std::string_view to);
 
+    /// Makes it a path that depends on no process any more.
     void Set(std::string absolutePath);
 
     /// Whether the directory is still the one with which `origin` began.

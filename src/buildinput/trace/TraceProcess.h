@@ -86,6 +86,7 @@ struct TraceProcess {
     std::string pendingText;
     std::size_t pendingLine = 0;
 
+    /// The compiler within whose run this process works: itself, when it has become one.
     [[nodiscard]] Enclosure FindEnclosure() const;
 };
 

@@ -15,6 +15,7 @@ struct TraceLiteral {
 
     /// The text itself.
     [[nodiscard]] std::string Decode() const;
+    /// The same into a text that is used again: what it held is replaced, its memory is kept.
     void DecodeInto(std::string& text) const;
 };
 
@@ -33,6 +34,7 @@ struct TraceResult {
 /// Takes a call's arguments off its text one by one. Views stay valid as long as the text.
 class TraceTextReader {
 public:
+    /// `text` is what follows the call's opening bracket, or a later part of that.
     explicit TraceTextReader(std::string_view text) : rest_(text) {}
 
     /// Takes `token` when it comes next.
@@ -50,6 +52,7 @@ public:
     /// Takes what is left of the arguments and the result; no value when the call has none, as one that never returned.
     [[nodiscard]] std::optional<TraceResult> TakeResult();
 
+    /// What has not been taken yet.
     [[nodiscard]] std::string_view Rest() const noexcept { return rest_; }
 
 private:

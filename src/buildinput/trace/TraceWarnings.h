@@ -19,6 +19,7 @@ public:
     /// A process is referred to, but the trace does not show its start.
     void NeverStarted(ProcessId process, std::size_t line);
 
+    /// A line that should have been read can't be; `what` is put behind the trace's path and the line's number.
     void Malformed(std::size_t line, const std::string& what);
 
     /// Names the programs that look like compilers and are not known, with the number of their calls.
@@ -28,6 +29,7 @@ public:
     void Finish();
 
 private:
+    /// Says how many of `count` were not told, if any. `text` follows the number.
     void TellRest(std::size_t count, const std::string& text);
 
     std::string path_;
