@@ -22,7 +22,9 @@ void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     if (!input.is_open()) {
         throw ZelmException("Couldn't open file " + path);
     }
+    // The extension alone decides: a trace may be a pipe, of which no first bytes can be looked at and put back.
     if (ExtensionOf(path) == ".json") {
+        // It was opened to tell of a file that is not there in the same words, whatever kind it is.
         input.close();
         collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
         if (!ReadCompilationDatabase(path, collector)) {

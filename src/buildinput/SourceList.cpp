@@ -15,6 +15,7 @@ namespace {
 // What stands in the root of a checkout. Of git, a file in a further working tree.
 constexpr const char* RootMarks[] = {".git", ".hg", ".svn"};
 
+/// The nearest folder, this one or above, that has such a mark; no value outside every checkout.
 std::optional<std::string> CheckoutRoot(std::string folder) {
     while (true) {
         for (const char* const mark : RootMarks) {
@@ -22,6 +23,7 @@ std::optional<std::string> CheckoutRoot(std::string folder) {
                 return folder;
             }
         }
+        // The root of a file system is its own parent, or has none.
         std::string parent(DirectoryOf(folder));
         if (parent.empty() || parent.size() >= folder.size()) {
             return std::nullopt;
@@ -38,6 +40,7 @@ std::vector<std::string> FoldersOfLists() {
     if (std::optional<std::string> root = CheckoutRoot(current); root && *root != current) {
         folders.push_back(std::move(*root));
     }
+    // Believed only where it leads to the current folder: a program may have changed it without telling the variable.
     const std::optional<std::string> spelt = EnvironmentVariable("PWD");
     if (spelt && *spelt != current && IsAbsolutePath(*spelt) && IsSameFile(*spelt, current)) {
         folders.push_back(*spelt);
