@@ -72,6 +72,7 @@ char TakeCharacter(std::string_view& text) {
 constexpr CharacterSet PosixBlanks(" \t\n");
 constexpr CharacterSet EndsPosixStretch(" \t\n\\\"'");
 constexpr CharacterSet EndsDoubleQuotedStretch("\"\\");
+// Before any other character a backslash within double quotes stands for itself.
 constexpr CharacterSet ProtectedInDoubleQuotes("$`\"\\\n");
 constexpr CharacterSet SingleQuote("'");
 
@@ -147,6 +148,7 @@ void SplitByPosixRules(std::string_view text, std::vector<std::string>& argument
     ArgumentWriter writer(arguments);
     SkipPosixBlanks(text);
     while (!text.empty()) {
+        // A shell would ask for more: there is no telling where the command was meant to end.
         if (!TakePosixArgument(text, writer.Next())) {
             arguments.clear();
             return;
@@ -229,9 +231,11 @@ void TakeWindowsArgument(std::string_view& text, std::string& argument) {
     }
 }
 
+/// Never fails: a quote that nothing closes reaches to the end.
 void SplitByWindowsRules(std::string_view text, std::vector<std::string>& arguments) {
     ArgumentWriter writer(arguments);
     if (!text.empty()) {
+        // Whatever the text begins with, the program is an argument of its own, be it empty.
         writer.Next() = TakeWindowsProgram(text);
         SkipWindowsBlanks(text);
     }

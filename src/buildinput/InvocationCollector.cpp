@@ -99,6 +99,7 @@ void InvocationCollector::AddInvocation(std::vector<std::string> arguments, cons
 
 void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
                                             const Environment& environment, EnvironmentScope scope) {
+    // Counted before anything can fail: an invocation's number is its place in the input.
     ++collected_.invocations;
     std::optional<Refusal> refusal;
     try {

@@ -13,6 +13,7 @@ struct CallName {
     TraceCall call;
 };
 
+// The most frequent first.
 constexpr CallName CallNames[] = {
     {"openat", TraceCall::OpenAt},
     {"open", TraceCall::Open},
@@ -59,6 +60,7 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
+/// A number of too many digits may overflow on the way, and is refused.
 std::optional<ProcessId> TakeNumber(std::string_view& text) {
     ProcessId number = 0;
     std::size_t length = 0;
@@ -133,6 +135,7 @@ std::size_t NameLength(std::string_view text) {
 
 /// Cuts off what says that the call goes on in a later line.
 bool TakeUnfinishedMark(std::string_view& text) {
+    // Each mark ends in one of these, which ends few other lines.
     if (text.empty() || (text.back() != '>' && text.back() != 'd')) {
         return false;
     }
@@ -160,6 +163,7 @@ void ParseCall(std::string_view text, TraceLine& line) {
     }
     line.kind = TraceLine::Kind::Call;
     line.call = CallByName(text.substr(0, length));
+    // The text of a call that nobody follows is not looked at: most lines are such.
     if (line.call != TraceCall::Other) {
         line.text = text.substr(length + 1);
         line.isUnfinished = TakeUnfinishedMark(line.text);
@@ -210,6 +214,7 @@ TraceLine ParseTraceLine(std::string_view line) {
         ParseCall(rest, parsed);
     }
     if (parsed.kind == TraceLine::Kind::Other && !parsed.process) {
+        // The rest of a line that was interrupted has no process in front.
         parsed.kind = TraceLine::Kind::LooseEnd;
         parsed.text = line;
         parsed.isUnfinished = TakeUnfinishedMark(parsed.text);
