@@ -11,6 +11,15 @@
 #include <string>
 #include <string_view>
 
+// What a word of a command is depends on the words before it. The value of a flag may look like a file, and a file
+// behind "--" like a flag; a flag may stand for itself, in a list, in pairs, or glued to another flag. All of this is
+// decided here, once for all families and purposes, so that visitors see nothing but flags with their values, and
+// files.
+//
+// Every command of a build is gone through to learn whether it compiles anything, and again for each unit. So the walk
+// makes no records of its own: a list of all flags would be made a hundred thousand times, mostly to be thrown away. It
+// is a template for the same reason: the calls of its visitor cost nothing.
+
 namespace Orvanta {
 
 /// How a flag came to the compiler.

@@ -2,6 +2,10 @@
 
 #include <cstdint>
 
+// A flag has one kind, which says what becomes of its words, and one effect, which says what it makes of the
+// invocation. They are two columns because they vary apart: a flag for a language may be kept or dropped, have a value
+// or none.
+
 namespace Orvanta {
 
 /// What a flag says about the whole invocation, beside what its kind says about itself.
