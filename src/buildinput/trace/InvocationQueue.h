@@ -7,6 +7,10 @@
 #include <memory>
 #include <string>
 
+// What compilers start (cc1, an assembler, a linker, another driver) is part of their own run. A launcher is no such
+// run when it starts a compiler: that one counts in its place. When it has started none, as a cache that had the
+// result, the launcher's own command counts. Neither is known when the run begins, and so it waits.
+
 namespace Orvanta {
 
 /// Hands the compilers' runs of a trace to the collector, in the order in which they began. A run waits until the trace

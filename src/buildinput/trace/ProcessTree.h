@@ -10,6 +10,13 @@
 #include <string_view>
 #include <unordered_map>
 
+// The system uses the numbers of processes again, and a long build meets the same one more than once. So a number
+// stands for the process that lives with it now, and for nothing else: whatever outlives a process refers to its
+// origin.
+//
+// A process may be seen before the call that started it has returned. It has an origin of which nothing is known then;
+// the return fills it in, and whoever has waited for it can go on. When no start is under way any more, none will.
+
 namespace Orvanta {
 
 /// The processes of a trace: who lives, who started whom, and the calls that are under way. What it holds grows with

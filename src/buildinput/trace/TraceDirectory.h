@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+// A trace tells changes of directories, and seldom where the first process began. So a directory is a path from where
+// some process began, until a question for it (getcwd) or a user tells the beginning; then all that hangs on it is
+// known.
+
 namespace Orvanta {
 
 struct ProcessOrigin;
