@@ -3,6 +3,10 @@
 #include "compilers/Compiler.h"
 #include "compilers/CompilerTarget.h"
 
+// cl reads a command in another way than drivers of GCC's kind. A flag for the language holds for every source, before
+// and behind it, and not only for those that follow; most values are glued to their flags; and one set of flags comes
+// from variables, which the build input puts into the command before it is read.
+
 namespace Orvanta {
 
 /// Microsoft's compiler driver, and the base of those that speak its argument language. Its flags begin with "/" or

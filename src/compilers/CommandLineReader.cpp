@@ -26,6 +26,7 @@ public:
         }
     }
 
+    // Kinds are gathered as bits: the reason asks which of them there were, and not how often.
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
         if (input.kind == InputKind::MissingResponseFile && !outline_.missingResponseFile) {
@@ -63,6 +64,7 @@ public:
     }
 
 private:
+    // One bit each of an unsigned, which has room for more kinds than there are.
     static constexpr unsigned Bit(InputKind kind) { return 1U << static_cast<unsigned>(kind); }
 
     [[nodiscard]] bool Has(FlagEffect effect) const { return effects_.Has(effect); }
@@ -267,6 +269,7 @@ InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::
     ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
     outline.makesObjects = visitor.MakesObjects();
+    // A command that compiles nothing may name sources all the same: one that only preprocesses does.
     if (!outline.reason.empty()) {
         outline.sources.clear();
     }
@@ -279,6 +282,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.compilerType = model.Type();
     command.compilerPath = arguments.front();
     command.sourceFile = arguments[source.index].substr(source.offset);
+    // What holds without any flag; the flags go over it.
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source.index);
@@ -286,6 +290,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
                                                         ? std::span<const std::size_t>(*source.openValues)
                                                         : std::span<const std::size_t>();
     ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
+    // The header gives the same text without the precompiled file, which may be gone or out of date.
     if (IsBesideItsHeader(command)) {
         DropPrecompiled(command);
     }

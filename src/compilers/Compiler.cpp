@@ -37,6 +37,7 @@ std::optional<InputKind> Compiler::KindOfAllInputs(std::span<const std::string> 
             break; // no flags of the compiler behind them
         }
         if (row.kind != FlagKind::SourceOfLanguage) {
+            // Of several flags the last counts.
             const std::optional<InputKind> named = KindNamedBy(row.effect);
             kind = named ? named : kind;
         }

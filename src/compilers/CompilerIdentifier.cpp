@@ -99,6 +99,7 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
         result.compiler = std::make_shared<CompilerInfo>();
         return result;
     }
+    // By its own name only: under a compiler's name it acts as that compiler, and answers for it.
     if (FileNameOf(arguments.front()) == LauncherName) {
         if (!settings_.ignoreCcache || arguments.size() == 1) {
             result.verdict = IdentificationVerdict::Launcher;
@@ -109,6 +110,7 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
     }
     LookUp& lookUp = LookUpOf(arguments.front(), workingDirectory, environment);
     if (!lookUp.isJudged) {
+        // Not remembered as judged: the same word may be asked about with the other query.
         if (!lookUp.exists && query == Query::IfPresent && !result.wrapped) {
             result.verdict = IdentificationVerdict::Missing;
             result.compiler = lookUp.compiler;
@@ -150,6 +152,8 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
     const bool isAbsolute = IsAbsolutePath(program);
     const bool isBareName = !isAbsolute && FileNameOf(program).size() == program.size();
     const std::string* searchPath = nullptr;
+    // In one string that keeps its memory: there is a look-up for each command of the build. No path holds a zero byte,
+    // so that the parts can't run into each other.
     key_ = program;
     if (!isAbsolute) {
         key_.append(1, '\0').append(workingDirectory);
@@ -200,6 +204,7 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     }
     auto info = std::make_shared<CompilerInfo>();
     info->path = path;
+    // A name that tells saves the start of a program.
     if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
         info->type = *type;
     } else if (!AskForVersion(*info, workingDirectory, environment)) {
@@ -228,6 +233,7 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
         const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);
         if (!end.finished) {
             process.kill(true);
+            // A program that the user has stopped was not too slow.
             if (!stop_.IsSet()) {
                 log_.VerboseLine(FillPlaceholders(
                     "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
@@ -235,7 +241,9 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
             }
             return true;
         }
+        // Compilers differ in where they print it.
         compiler.version = output.standardOutput + output.standardError;
+        // Whatever the program returns: one that refuses the question may have told its name all the same.
         compiler.type = CompilerTypeByVersionText(compiler.version);
         if (end.exitCode != 0) {
             log_.VerboseLine(

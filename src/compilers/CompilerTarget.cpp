@@ -70,6 +70,7 @@ std::optional<TargetBits> AskForTarget(const std::string& path) {
 
 } // namespace
 
+// In the driver's own folder and with its own variables: the answer is to hold for all units of this compiler.
 CapturedOutput AskCompiler(const std::string& path, const char* question) {
     CapturedOutput output;
     try {

@@ -6,6 +6,7 @@ namespace Orvanta {
 
 namespace {
 
+// Unsigned, as it is a place in an array.
 constexpr unsigned char FirstByte(std::string_view text) {
     return static_cast<unsigned char>(text.front());
 }

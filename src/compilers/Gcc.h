@@ -2,6 +2,9 @@
 
 #include "compilers/Compiler.h"
 
+// Many vendors put their own driver in front of GCC or clang and keep its argument language. Such a family has this
+// class's table with a few rows in front of it; what the driver does beside that are the virtual functions.
+
 namespace Orvanta {
 
 /// The GNU compiler driver, and the base of every family that speaks its argument language.

@@ -47,6 +47,7 @@ constexpr FlagRow IarFlags[] = {
     // What the build writes.
     {"o", FlagKind::Output},
     {"output", FlagKind::Output, Long},
+    // What is glued to it chooses what is listed; the file stands behind it.
     {"l", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},
     {"dependencies", FlagKind::DropWithValue, FlagFile::Written},
     {"dependencies=", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},

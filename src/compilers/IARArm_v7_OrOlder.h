@@ -2,6 +2,10 @@
 
 #include "compilers/Compiler.h"
 
+// The command of this compiler preprocesses as a side effect: "--preprocess" names the file for the text and says
+// whether anything is compiled besides. So the flags that build tools write for that purpose are read with all their
+// letters.
+
 namespace Orvanta {
 
 /// The compiler of IAR for ARM before release 8, iccarm, with an argument language of its own.

@@ -110,6 +110,7 @@ constexpr InputKindRow LanguageWords[] = {
 
 constexpr std::string_view WindowsLinkerExtensions[] = {".obj", ".lib", ".res", ".def", ".exp", ".dll", ".pdb"};
 
+// In the order of the rows: nearly all inputs of a build are found in the first few.
 InputKind KindOfExtension(std::string_view extension) noexcept {
     for (const InputKindRow& row : Extensions) {
         if (row.name == extension) {

@@ -2,6 +2,9 @@
 
 #include "compilers/Compiler.h"
 
+// armcc tells its mode by a flag, and the core knows each mode by a name of its own: the family of a unit is certain
+// only when its command has been read.
+
 namespace Orvanta {
 
 /// The compiler of Keil MDK 5, armcc, with an argument language of its own.

@@ -44,11 +44,14 @@ std::string QuotedForCl(std::string_view word) {
     std::size_t backslashes = 0;
     for (const char character : word) {
         if (character == '"') {
+            // Those before the quote are there once already: doubled they stand for themselves, and one more protects
+            // the quote.
             quoted.append(backslashes + 1, '\\');
         }
         backslashes = character == '\\' ? backslashes + 1 : 0;
         quoted += character;
     }
+    // The closing quote must not be protected by what the word ends in.
     return quoted.append(backslashes, '\\') += '"';
 }
 
@@ -81,6 +84,7 @@ std::optional<std::string> ResponseFileText(CompilerType type, std::span<const s
     case CompilerType::Cl:
     case CompilerType::ClangCl: {
         std::string text = Lines(words, &QuotedForCl);
+        // Plain text is the same in every code page.
         return IsAscii(text) ? text : text.insert(0, ByteOrderMark);
     }
     case CompilerType::Keil5:

@@ -65,6 +65,7 @@ std::optional<TargetPlatform> CompilerPlatforms::Get(const std::string& path) {
         if (!IsNamedAfterForeignTarget(path)) {
             return std::nullopt;
         }
+        // The answer is a line of its own, or nothing.
         return PlatformOfTriple(Trim(AskCompiler(path, "-dumpmachine").standardOutput));
     });
 }
