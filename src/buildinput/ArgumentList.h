@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+// Commands make up nearly all of what is kept of a build. As a vector of strings each word would take some thirty bytes
+// beside its own, and memory of its own when it is long: words of a command are read in order, and need neither.
+
 namespace Orvanta {
 
 /// The words of a command, packed into one block of memory: a build has a hundred thousand commands. Immutable.

@@ -26,6 +26,7 @@ void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     if (ExtensionOf(path) == ".json") {
         // It was opened to tell of a file that is not there in the same words, whatever kind it is.
         input.close();
+        // Where a database has relative directories, they count from the folder that it lies in.
         collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
         if (!ReadCompilationDatabase(path, collector)) {
             throw ZelmException("Couldn't parse compile commands database " + path);
@@ -33,6 +34,7 @@ void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
     } else if (!ReadTrace(input, path, collector)) {
         throw ZelmException("Couldn't parse " + path);
     }
+    // Told only of a file that has been read to its end.
     collector.MessageLog().Line("Using tracing file: " + path);
 }
 

@@ -144,6 +144,7 @@ void SkipPosixBlanks(std::string_view& text) {
     }
 }
 
+/// Leaves `arguments` empty when the text can't be split.
 void SplitByPosixRules(std::string_view text, std::vector<std::string>& arguments) {
     ArgumentWriter writer(arguments);
     SkipPosixBlanks(text);
@@ -214,6 +215,7 @@ void TakeQuotes(std::string_view& text, bool& open, std::string& argument) {
     open = count == 1;
 }
 
+/// Takes the argument with which `text` begins, up to a blank outside quotes or to the end.
 void TakeWindowsArgument(std::string_view& text, std::string& argument) {
     bool open = false;
     for (;;) {

@@ -81,6 +81,7 @@ struct Entry {
     std::string_view environmentType; // empty: absent
     std::map<std::string, TextMember> environment;
 
+    /// Only the types go: an empty one says that the member is absent, and the memory of its text is used again.
     void Clear() { directory.type = command.type = argumentsType = environmentType = {}; }
 };
 
@@ -177,6 +178,7 @@ private:
     // \throws json::exception for what is missing or of a wrong type
     void HandOver();
 
+    // Between two entries nothing is kept but memory: `entry_` is filled anew by each.
     CommandStringRules rules_;
     InvocationCollector& collector_;
     Place place_ = Place::Document;
@@ -191,6 +193,7 @@ private:
 };
 
 bool DatabaseHandler::key(std::string& name) {
+    // An object with members is no empty database, but a wrong one.
     isEmpty_ = false;
     if (place_ == Place::Environment) {
         variable_ = &entry_.environment[name];
@@ -340,6 +343,7 @@ void DatabaseHandler::HandOver() {
     // In this order of faults an entry tells the same one in every run, however its members are sorted.
     const Environment environment = TakeEnvironment(entry_);
     const std::string& directory = RequireText(entry_.directory);
+    // Where an entry has both, the words of "arguments" hold: nothing has to be guessed about their quoting.
     if (entry_.argumentsType.empty()) {
         const std::string& command = RequireText(entry_.command);
         SplitCommandString(command, rules_, entry_.arguments);
@@ -370,6 +374,7 @@ void DatabaseHandler::Finish() const {
     }
 }
 
+/// The directory is written as an absolute path: the file may be read from anywhere.
 json ToJson(const CompileCommand& unit) {
     json entry = {
         {"arguments", unit.arguments.ToVector()},

@@ -52,6 +52,7 @@ constexpr std::string_view WritingVariables[] = {
 
 void RemoveWritingVariables(Environment& variables) {
     std::erase_if(variables, [](const auto& variable) {
+        // By their beginnings: beside a switch there is a variable of the same name with "_FILE" behind it.
         return std::any_of(std::begin(WritingVariables), std::end(WritingVariables),
                            [&](std::string_view beginning) { return variable.first.starts_with(beginning); });
     });

@@ -65,6 +65,7 @@ bool HoldsZeroByte(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
 
+/// The names of variables can't hold one: readers take over none of that kind.
 bool HoldsZeroByte(const Environment& environment) {
     return std::any_of(environment.begin(), environment.end(),
                        [](const auto& variable) { return HoldsZeroByte(std::string_view(variable.second)); });
@@ -131,6 +132,7 @@ CollectedCommands InvocationCollector::Take() {
 }
 
 bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments) const {
+    // By the first word as it is written: what a launcher starts has been brought to the front already.
     const std::vector<std::string>& filter = settings_.compilerFilter;
     const auto passes = [&filter](std::string_view program) {
         return std::any_of(filter.begin(), filter.end(),
@@ -147,6 +149,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Refuse(const st
     if (arguments[0].empty()) {
         return Refusal{InvocationFate::Unreadable, "the command names no compiler"};
     }
+    // The other words are looked at when the files with further arguments are in their place.
     if (HoldsZeroByte(arguments[0]) || HoldsZeroByte(workingDirectory) || HoldsZeroByte(environment)) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
@@ -367,6 +370,7 @@ ResponseFileReading InvocationCollector::ReadingFor(const CompilerInfo& compiler
     }
     reading.isNative = settings_.nativeResponseFiles;
     reading.tellDifference = [this](const std::string& path, const std::string& word, const std::string& native) {
+        // Once for each file: a build hands the same one to many commands.
         if (toldResponseFiles_.insert(path).second) {
             log_.Line("The response file " + Quoted(path) + " holds the word " + Quoted(word) +
                       ", which the compiler reads as " + Quoted(native) +
@@ -386,6 +390,7 @@ InvocationCollector::OfDriverMode(const std::shared_ptr<const CompilerInfo>& com
     }
     std::shared_ptr<const CompilerInfo>& inMode = inClMode_[compiler->path];
     if (inMode == nullptr) {
+        // A record of its own: other commands use the same program without the flag.
         auto copy = std::make_shared<CompilerInfo>(*compiler);
         copy->type = CompilerType::ClangCl;
         inMode = std::move(copy);

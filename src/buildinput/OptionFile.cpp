@@ -24,6 +24,7 @@ public:
     OptionScanner(std::string_view text, const OptionFileSyntax& syntax, const std::string& path)
         : rest_(text), syntax_(syntax), path_(path) {}
 
+    /// The next word; no value at the end of the text.
     std::optional<std::string> TakeWord() {
         // A comment may follow a comment, with or without blanks between them.
         while (SkipWhiteSpace() || SkipComment()) {
@@ -50,6 +51,7 @@ private:
         return character == '"' || (syntax_.viaQuotes && character == '\'');
     }
 
+    /// False when there is none. Notes whether a line has begun, which is where some comments may stand.
     bool SkipWhiteSpace() {
         const std::string_view before = rest_;
         while (!rest_.empty() && IsWhiteSpace(rest_.front())) {
@@ -59,6 +61,7 @@ private:
         return rest_.size() != before.size();
     }
 
+    /// Takes one comment off; false when none begins here. One that nothing closes reaches to the end.
     bool SkipComment() {
         const bool isLine = (syntax_.lineComments && isAtLineStart_ && rest_.find_first_of(";#") == 0) ||
                             (syntax_.cComments && rest_.starts_with("//"));
@@ -74,6 +77,8 @@ private:
         return false;
     }
 
+    /// Appends what stands between the quote here and its partner.
+    /// \throws ZelmException when there is no partner
     void AppendQuoted(std::string& word) {
         // Kept for the message, which shows the place where the quote opens.
         const std::string_view from = rest_;

@@ -20,6 +20,7 @@ constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 /// Counts the response files that this thread is expanding one inside another.
 class DepthCounter {
 public:
+    /// \throws ZelmException at the limit; nothing is counted then
     explicit DepthCounter(const std::string& path) {
         if (depth_ >= DepthLimit) {
             throw ZelmException(

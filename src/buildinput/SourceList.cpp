@@ -36,6 +36,7 @@ std::optional<std::string> CheckoutRoot(std::string folder) {
 
 std::vector<std::string> FoldersOfLists() {
     const std::string current = CurrentDirectory();
+    // Each folder once: a file of the list is looked for in all of them.
     std::vector<std::string> folders = {current};
     if (std::optional<std::string> root = CheckoutRoot(current); root && *root != current) {
         folders.push_back(std::move(*root));

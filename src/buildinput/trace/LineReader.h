@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+// A trace may be larger than the memory, and a line of it as long as a command with all its variables. The lines of the
+// standard library would be copied one by one out of the stream's own buffer, while most of them are passed over.
+
 namespace Orvanta {
 
 /// Hands out the lines of a stream of any length from blocks: nothing is copied but lines that cross two blocks.

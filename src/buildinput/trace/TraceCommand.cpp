@@ -106,6 +106,7 @@ bool TracedCommandFinder::MayCompile(const std::string& path) {
 
 std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& program) const {
     std::vector<std::string> words = WordsOf(program);
+    // The system starts the loader by itself and shows nothing of it; here a build has named it in front of a program.
     if (IsLoader(words.front())) {
         RemoveLoader(words);
     }
@@ -114,6 +115,7 @@ std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& pr
     }
     std::optional<TracedCommand> command = Unwrap(std::move(words));
     if (command) {
+        // Asked of all words that were executed, those of the loader and of launchers among them.
         command->isCut = IsCut(program.arguments);
     }
     return command;

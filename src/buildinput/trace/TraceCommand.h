@@ -9,6 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
+// A database lists compilers; a trace shows whatever the build has run. So only programs count here that the settings
+// name as compilers, or that start such a one; the collector then asks what they are.
+
 namespace Orvanta {
 
 /// What a traced process has executed, as far as the trace shows it.

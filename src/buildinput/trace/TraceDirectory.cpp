@@ -47,6 +47,7 @@ void TraceDirectory::Change(std::string_view to) {
     if (IsAbsolutePath(to, Rules)) {
         Set(std::string(to));
     } else {
+        // An empty path says that nothing has changed since the beginning, which "." does not alter.
         path = JoinTracePath(path, to == "." ? std::string_view() : to);
     }
 }

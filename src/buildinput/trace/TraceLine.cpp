@@ -31,6 +31,7 @@ constexpr CallName CallNames[] = {
 };
 
 constexpr std::size_t MostDigits = 9; // processes have smaller numbers
+// What may stand at the end of a line that is cut, by the tracer itself or by a message of its own.
 constexpr std::string_view Unfinished = "<unfinished ...>";
 constexpr std::string_view Detached = "<detached ...>";
 constexpr std::string_view ProcessChanged = "<pid changed to ";
@@ -52,6 +53,7 @@ void SkipBlanks(std::string_view& text) {
     }
 }
 
+/// False when the text begins otherwise; it is then left as it is.
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
     if (!text.starts_with(prefix)) {
         return false;
@@ -156,6 +158,7 @@ bool TakeUnfinishedMark(std::string_view& text) {
     return true;
 }
 
+/// A name and a bracket make a call. Of one that nobody follows no more is kept than that.
 void ParseCall(std::string_view text, TraceLine& line) {
     const std::size_t length = NameLength(text);
     if (length == 0 || length == text.size() || text[length] != '(') {

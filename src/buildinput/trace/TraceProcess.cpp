@@ -86,6 +86,7 @@ Enclosure TraceProcess::FindEnclosure() const {
 std::optional<std::string> AbsoluteDirectory(const TraceDirectory& directory) {
     ShortenWay(directory.base.get());
     std::string path = directory.path;
+    // One or two steps, now that the way is short.
     for (const ProcessOrigin* base = directory.base.get(); base != nullptr; base = base->directory->base.get()) {
         if (!base->directory) {
             return std::nullopt;

@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+// A process is known while it lives. What others need of it afterwards are its origin, on which the directories of its
+// children hang, and its invocation, within which they run: both live as long as somebody refers to them.
+
 namespace Orvanta {
 
 struct TracedInvocation;

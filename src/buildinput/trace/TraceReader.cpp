@@ -152,6 +152,7 @@ void TraceReader::ReadCall(const TraceLine& line) {
         interrupted_ = process.id;
         return;
     }
+    // A call that stands in one line: whatever the process had begun before will not be resumed.
     tree_.EndCall(process);
     Complete(process, line.call, line.text, number_);
 }
@@ -209,6 +210,7 @@ void TraceReader::AddLaunchers(const TraceProcess& process) {
 /// Follows a call that has ended and did not fail.
 void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine) {
     const TracedCall parsed = ParseTracedCall(call, text);
+    // A call without success is read, and there is nothing to take over of it.
     const bool isRead = parsed.isReadable && (!parsed.HasSucceeded() || Fold(process, parsed, text, callLine));
     if (!isRead) {
         const char* const what = HasResult(text) ? "this call can't be read" : "this call is cut short";
@@ -272,6 +274,8 @@ void TraceReader::FoldStart(TraceProcess& process, const TracedCall& call, std::
 
 bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine) {
     TakeProgramPath(process, call);
+    // Most programs of a build are no compilers, and their arguments may be long: they are read only where something
+    // asks.
     const bool mayCompile = finder_.MayCompile(program_.path);
     // What a compiler that is known starts is part of its run, and not passed over.
     if (!mayCompile && LooksLikeCompiler(program_.path) && process.FindEnclosure().invocation == nullptr) {
@@ -409,6 +413,7 @@ void TraceReader::RememberOpened(TraceProcess& process, const TracedCall& call) 
 }
 
 bool TraceReader::Finish() {
+    // An empty file may be a trace of nothing; one with lines, none of them a trace's, is another kind of file.
     if (!isTrace_ && number_ > 0) {
         return false;
     }

@@ -53,6 +53,7 @@ char TakeEscape(std::string_view& text) {
     return letter;
 }
 
+/// Copies stretches without a backslash as a whole: most texts are one.
 void DecodeEscapes(std::string_view raw, std::string& text) {
     text.clear();
     while (true) {

@@ -6,6 +6,10 @@
 #include <string_view>
 #include <vector>
 
+// The tracer writes a call as C would, with what its options add: paths behind the numbers of files (-y), texts in
+// hexadecimal (-xx), and "..." behind a text or an array that is longer than it shows (-s). What is cut has to be
+// noticed here: half a command would compile to something else.
+
 namespace Orvanta {
 
 /// A text as a trace writes it: between double quotes, with escapes.

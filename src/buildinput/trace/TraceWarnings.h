@@ -8,6 +8,9 @@
 #include <string>
 #include <utility>
 
+// A trace that was made without some option is wrong in the same way in every other line. A few examples tell a user as
+// much as thousands, and leave room for what else there is to say.
+
 namespace Orvanta {
 
 /// Says what is wrong with a trace, but of each kind only the first few times; the others are counted.

@@ -42,6 +42,7 @@ bool TracedCall::HasSucceeded() const noexcept {
 TracedCall ParseTracedCall(TraceCall call, std::string_view text) {
     TracedCall parsed;
     parsed.call = call;
+    // What could be read stays in place where the rest can't: the path of an execution names it in a message.
     TraceTextReader reader(text);
     if (HasFileFirst(call) && !reader.TakeFile(parsed.file, parsed.filePath)) {
         parsed.isReadable = false;
