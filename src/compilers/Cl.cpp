@@ -27,12 +27,14 @@ constexpr FlagRow ClFlags[] = {
     {"WX", FlagKind::Drop},
     {"Tc", FlagKind::SourceOfLanguage, FlagEffect::NamesC},
     {"Tp", FlagKind::SourceOfLanguage, FlagEffect::NamesCpp},
+    // Behind it nothing is the compiler's, whatever it looks like.
     {"link", FlagKind::LinkerPart},
 
     // They hold for every source, wherever they stand, and are said again beside it.
     {"TC", FlagKind::Drop, FlagEffect::NamesC},
     {"TP", FlagKind::Drop, FlagEffect::NamesCpp},
 
+    // cl has no flag that takes it back.
     {"J", FlagKind::Keep, FlagEffect::UnsignedChar},
     {"await", FlagKind::Keep, FlagEffect::Coroutines},
     {"await:strict", FlagKind::Keep, FlagEffect::Coroutines},
@@ -121,6 +123,7 @@ constexpr FlagRow ClFlags[] = {
     {"FS", FlagKind::Drop},
     {"Gm", FlagKind::Drop},
     {"Gm-", FlagKind::Drop},
+    // Compiles several sources at a time: a unit has one.
     {"MP", FlagKind::Drop, Glued},
     {"F", FlagKind::DropWithValue}, // the size of the stack
 

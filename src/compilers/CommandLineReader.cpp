@@ -105,6 +105,7 @@ struct ValueList {
     std::vector<std::string> ParsedCommand::*list;
 };
 
+// The lists differ in nothing but the flags that they take.
 constexpr ValueList ValueLists[] = {
     {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; }, &ParsedCommand::userIncludes},
     {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; }, &ParsedCommand::systemIncludes},

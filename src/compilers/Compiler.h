@@ -62,16 +62,19 @@ public:
     virtual bool MatchLongestPrefixFlag(std::string_view argument, std::string_view& introducer) const;
 
     /// The command that preprocesses the unit into the file at `outputPath`.
+    /// Nothing is started or looked at. The kept arguments come first, so that what the stage asks for goes over them.
     [[nodiscard]] virtual std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                           const std::string& outputPath) const = 0;
 
     /// The family's last adjustment of what was read, made when all arguments have been seen.
+    /// StateKindOfSource has been called by then.
     virtual void FinishParse(ParsedCommand& command) const;
 
     /// What a flag makes of every source, before and behind it; no value when there is no such flag.
     [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
 
     /// What the compiler takes a file for by its name, when a flag makes `ofAll` of every source.
+    /// The file need not exist.
     [[nodiscard]] virtual InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const;
 
     /// Adds to the kept arguments what makes the compiler take the source for `kind` where it stands without the flag
@@ -82,6 +85,7 @@ public:
     [[nodiscard]] virtual bool IsPlainCharUnsigned() const noexcept { return false; }
 
     /// The files with further arguments that are not written "@FILE".
+    /// The result refers to constants.
     [[nodiscard]] virtual OptionFileSyntax OptionFiles() const noexcept { return {}; }
 
     /// The model that reads what flags such as "-Xclang" hand on.

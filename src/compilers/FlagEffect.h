@@ -49,6 +49,7 @@ private:
         return std::uint32_t{1} << static_cast<unsigned>(effect);
     }
 
+    // One bit for each effect: there is room for 32.
     std::uint32_t bits_ = 0;
 };
 

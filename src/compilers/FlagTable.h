@@ -140,6 +140,7 @@ constexpr bool RowsAreSound(const FlagRow (&rows)[Size]) {
         if (rows[i].file == FlagFile::Written && rows[i].isKept) {
             return false;
         }
+        // Each with each: it costs the build of this system something, and its users nothing.
         for (std::size_t j = i + 1; j < Size; ++j) {
             if (rows[i].name == rows[j].name) {
                 return false;

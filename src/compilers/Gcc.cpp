@@ -205,6 +205,7 @@ constexpr FlagRow GccFlags[] = {
     {"Xf", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"d", FlagKind::Keep, FlagValue::ShortGlued},
     {"dump", FlagKind::DropWithValue, FlagValue::Long, FlagFile::Written},
+    // A file for each pass that its name goes on to say.
     {"fdump-", FlagKind::Drop, FlagValue::Glued, FlagFile::Written},
     {"gen-cdb-fragment-path", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"module-dependency-dir", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
@@ -254,6 +255,7 @@ constexpr FlagRow GccFlags[] = {
 
     // What has a value of its own, which is no input. Most of it is for the linker and harmless.
     {"A", FlagKind::KeepWithValue},
+    // Programs and specs are looked for there first.
     {"B", FlagKind::KeepWithValue, FlagEffect::NamesSearchPrefix},
     {"prefix", FlagKind::KeepWithValue, FlagValue::Long, FlagEffect::NamesSearchPrefix},
     {"F", FlagKind::KeepWithValue},
@@ -287,6 +289,7 @@ constexpr FlagRow GccFlags[] = {
     {"fplugin=", FlagKind::Keep, FlagFile::Read},
     {"framework", FlagKind::KeepWithValue},
     {"gcc-toolchain", FlagKind::KeepWithValue},
+    // Its macros count and its text does not: it is no forced include.
     {"imacros", FlagKind::KeepWithValue, FlagFile::Read},
     {"imultiarch", FlagKind::KeepWithValue},
     {"imultilib", FlagKind::KeepWithValue},
@@ -299,6 +302,7 @@ constexpr FlagRow GccFlags[] = {
     {"iwithprefixbefore", FlagKind::KeepWithValue},
     {"l", FlagKind::KeepWithValue},
     {"library-directory", FlagKind::KeepWithValue},
+    // Hands on options of the code generator, some of which write files.
     {"mllvm", FlagKind::Preprocessor, FlagValue::Next},
     {"param", FlagKind::KeepWithValue},
     {"resource-dir", FlagKind::KeepWithValue},
@@ -392,6 +396,7 @@ constexpr FlagRow GccFlags[] = {
     {"fxray-instrumentation-bundle=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-modes=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-never-instrument=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    // A target is glued to it, for which alone the next argument is meant.
     {"Xarch_", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
     {"Xopenmp-target=", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
     {"J", FlagKind::KeepWithValue},
