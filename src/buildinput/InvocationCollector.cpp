@@ -36,6 +36,7 @@ std::string ShortCommandText(const std::vector<std::string>& arguments) {
         return text;
     }
     std::size_t end = LongestCommandText;
+    // In UTF-8 such a byte goes on with the character before it.
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
         --end;
     }
@@ -44,6 +45,7 @@ std::string ShortCommandText(const std::vector<std::string>& arguments) {
 
 /// A short name for a command: its output, else its first input, else its text.
 std::string NameOfCommand(const std::vector<std::string>& arguments) {
+    // No model is asked: the command may be of a compiler that nobody knows.
     const std::string* input = nullptr;
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];

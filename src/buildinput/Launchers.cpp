@@ -42,13 +42,16 @@ constexpr LauncherRow Launchers[] = {
     {"nice", Form::Options, " -n --adjustment "},
     {"ionice", Form::Options, " -c --class -n --classdata "},
     {"time", Form::Options, " -o --output -f --format "},
+    // A word that is no option, the time that the command may take, stands before it.
     {"timeout", Form::Options, " -s --signal -k --kill-after ", 1},
     {"nohup"},
     {"stdbuf", Form::Options, " -i --input -o --output -e --error "},
+    // Here it is the processors.
     {"taskset", Form::Options, {}, 1},
     {"xcrun", Form::Options, " -sdk --sdk -toolchain --toolchain "},
     {"cmake", Form::CMake},
     {"libtool", Form::Libtool},
+    // Only in front of libtool, which is a script: builds name its shell where it can't be started by itself.
     {"sh", Form::Shell},
     {"bash", Form::Shell},
 };

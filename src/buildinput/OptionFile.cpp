@@ -16,6 +16,7 @@ namespace {
 
 // Files that include each other would be read for ever; no build nests them as deep as this.
 constexpr unsigned DepthLimit = 100;
+// Some editors put it in front; it belongs to no word.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 /// Takes words off a text.

@@ -45,6 +45,7 @@ bool LooksLikeCompiler(std::string_view path) noexcept {
 
 bool IsProgramNamed(std::string_view path, std::string_view name) noexcept {
     const std::string_view wantedName = FileNameOf(name);
+    // A bare name is that of a program in any folder.
     if (wantedName.size() == name.size()) {
         return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
     }

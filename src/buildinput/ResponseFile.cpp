@@ -15,6 +15,7 @@ namespace {
 
 // Files that name each other in a ring would be read for ever.
 constexpr std::size_t DepthLimit = 2000;
+// Some editors and build tools put it in front; it belongs to no word.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 /// Counts the response files that this thread is expanding one inside another.
@@ -195,6 +196,7 @@ std::vector<std::string> SplitAsCompiler(std::string_view text, NativeQuoting qu
     }
     // The splitter takes the first word for a program and reads it by other rules.
     std::string line = "cl " + std::string(text);
+    // A command line has no line ends, and so the splitter takes them for characters of a word.
     std::replace_if(line.begin(), line.end(), IsWhiteSpace, ' ');
     std::vector<std::string> words = SplitCommandString(line, CommandStringRules::Windows);
     words.erase(words.begin(), words.begin() + (words.empty() ? 0 : 1));

@@ -17,10 +17,12 @@ bool JoinsCommands(std::string_view word) {
 
 // The number of words that a redirection takes; 0 when the word is none.
 std::size_t RedirectionLength(std::string_view word) {
+    // What is redirected may stand before the sign: "2>err.txt", "&>all.txt".
     const std::size_t operation = word.find_first_not_of("0123456789&");
     if (operation == std::string_view::npos || (word[operation] != '>' && word[operation] != '<')) {
         return 0;
     }
+    // With nothing behind the sign, the file is the next word.
     return word.find_first_not_of("<>", operation) == std::string_view::npos ? 2 : 1;
 }
 

@@ -62,6 +62,7 @@ ListedFile FileInFolders(std::string_view path, std::span<const std::string> fol
 }
 
 std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const std::string> folders) {
+    // The mark that some editors put in front is no part of the first path.
     text = WithoutUtf8Mark(text);
     std::vector<ListedFile> files;
     while (!text.empty()) {

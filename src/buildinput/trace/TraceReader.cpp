@@ -352,6 +352,7 @@ void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::siz
 
 void TraceReader::FoldFileChange(TraceProcess& process, const TracedCall& call) {
     if (call.filePath) {
+        // What the tracer shows itself counts more than what was opened under this number.
         process.directory->Set(*call.filePath);
     } else if (call.file && process.files != nullptr && process.files->contains(*call.file)) {
         *process.directory = process.files->at(*call.file).directory;
@@ -372,6 +373,7 @@ void TraceReader::Locate(TraceProcess& process, const std::string& path) {
 }
 
 void TraceReader::LocateByFile(TraceProcess& process, const std::optional<std::string>& path) {
+    // Nothing is learnt where the directory is absolute already, which it mostly is.
     if (path && process.directory->base != nullptr) {
         Locate(process, *path);
         queue_.Flush();
