@@ -52,8 +52,7 @@ bool IsNamedAfterForeignTarget(std::string_view path) {
     const bool isOwn = std::any_of(std::begin(OwnProcessors), std::end(OwnProcessors),
                                    [name](std::string_view own) { return name.starts_with(own); });
     return !isOwn && std::any_of(std::begin(DriverNames), std::end(DriverNames), [name](std::string_view driver) {
-        // What stands before the driver has to have a dash itself, as triples have: "afl-gcc" names a tool and no
-        // target.
+        // What stands before the driver has to have a dash itself, as triples have: "my-gcc" names no target.
         const std::size_t place = name.find(driver);
         return place != std::string_view::npos && name.substr(0, place).find('-') != std::string_view::npos;
     });

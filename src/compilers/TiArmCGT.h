@@ -15,7 +15,7 @@ public:
     /// Sets the platform word, which is always "arm".
     void FinishParse(ParsedCommand& command) const override;
     /// Has the compiler take the extension of the source for the language that a flag gave to the file. A source
-    /// without an extension can't be helped.
+    /// without an extension is left as it is.
     void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
     /// Command files: "--cmd_file=FILE", "-@FILE" and their forms, with comments of both kinds.
     [[nodiscard]] OptionFileSyntax OptionFiles() const noexcept override;
