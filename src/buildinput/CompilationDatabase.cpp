@@ -178,7 +178,6 @@ private:
     // \throws json::exception for what is missing or of a wrong type
     void HandOver();
 
-    // Between two entries nothing is kept but memory: `entry_` is filled anew by each.
     CommandStringRules rules_;
     InvocationCollector& collector_;
     Place place_ = Place::Document;
@@ -340,7 +339,7 @@ void DatabaseHandler::FinishEntry() {
 }
 
 void DatabaseHandler::HandOver() {
-    // In this order of faults an entry tells the same one in every run, however its members are sorted.
+    // Of several faults an entry tells the same one, however its members are sorted.
     const Environment environment = TakeEnvironment(entry_);
     const std::string& directory = RequireText(entry_.directory);
     // Where an entry has both, the words of "arguments" hold: nothing has to be guessed about their quoting.

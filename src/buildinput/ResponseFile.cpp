@@ -170,7 +170,6 @@ void AppendExpanded(std::vector<std::string>& arguments, std::string argument, c
 
 std::vector<std::string> Expand(const std::string& path, const std::string& directory,
                                 const ResponseFileReading& reading, Totals& totals) {
-    // Counted before the file is read: a file that names itself is then stopped by its depth and not by what it holds.
     const DepthCounter depth(path);
     const std::string text = ReadWholeFile(JoinPath(directory, path));
     // The bytes before they are split and the words before they are expanded, so that neither can fill the memory

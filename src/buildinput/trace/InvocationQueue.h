@@ -7,9 +7,9 @@
 #include <memory>
 #include <string>
 
-// What compilers start (cc1, an assembler, a linker, another driver) is part of their own run. A launcher is no such
-// run when it starts a compiler: that one counts in its place. When it has started none, as a cache that had the
-// result, the launcher's own command counts. Neither is known when the run begins, and so it waits.
+// What compilers start (cc1, an assembler, a linker, another driver) is part of their own run. A launcher that is not
+// looked into is no such run when it starts a compiler: that one counts in its place. When it has started none, as a
+// cache that had the result, the launcher's own command counts. Neither is known when the run begins, and so it waits.
 
 namespace Orvanta {
 
