@@ -305,6 +305,7 @@ private:
         return std::find(openValues_.begin(), openValues_.end(), index) != openValues_.end();
     }
 
+    // There is room for the flag and three values, and no row has more.
     static void AddWord(FlagUse& use, std::string_view word) { use.words[use.wordCount++] = word; }
 
     const Compiler& model_;

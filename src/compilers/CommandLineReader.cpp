@@ -153,6 +153,7 @@ void CommandVisitor::Flag(const FlagUse& use) {
     if (row.isKept && (row.kind != FlagKind::Language || use.index < source_)) {
         Keep(use);
     }
+    // With the place of its words, so that they can be taken out again.
     if (row.effect == FlagEffect::NamesPrecompiled) {
         command_.precompiled = {std::string(use.value), before, command_.keptArguments.size() - before};
     }

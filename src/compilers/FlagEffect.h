@@ -42,6 +42,7 @@ public:
     /// Adds one effect. None may be added, too: nobody asks for it.
     constexpr void Add(FlagEffect effect) noexcept { bits_ |= Bit(effect); }
 
+    /// Whether any flag of the command has it.
     [[nodiscard]] constexpr bool Has(FlagEffect effect) const noexcept { return (bits_ & Bit(effect)) != 0; }
 
 private:

@@ -69,6 +69,7 @@ private:
 
     constexpr void Take(FlagFile fact) { file = fact; }
 
+    // For the two functions below, which the compiler of this system runs for every row.
     static constexpr bool IsOneOf(FlagKind kind, std::initializer_list<FlagKind> kinds) {
         for (const FlagKind candidate : kinds) {
             if (candidate == kind) {

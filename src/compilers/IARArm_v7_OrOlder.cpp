@@ -21,6 +21,7 @@ constexpr FlagRow IarFlags[] = {
     {"c99", FlagKind::StandardC99, FlagEffect::NamesC},
     {"c11", FlagKind::StandardC11, FlagEffect::NamesC},
     {"c++", FlagKind::Keep, FlagEffect::NamesCpp},
+    // Embedded C++ is a part of C++98: the core has no nearer word.
     {"ec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
     {"eec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
     {"char_is_signed", FlagKind::Keep, FlagEffect::SignedChar}, // wins over "char_is_unsigned", which says what is so

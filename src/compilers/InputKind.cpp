@@ -27,6 +27,7 @@ constexpr InputKindRow Extensions[] = {
     {".CC", InputKind::Cpp},
     {".CPP", InputKind::Cpp},
     {".CXX", InputKind::Cpp},
+    // Units of modules are compiled like other sources.
     {".cppm", InputKind::Cpp},
     {".ixx", InputKind::Cpp},
     {".mpp", InputKind::Cpp},
@@ -108,6 +109,7 @@ constexpr InputKindRow LanguageWords[] = {
     {"objective-c-cpp-output", InputKind::OtherLanguage},
 };
 
+// Even a flag that makes a source of every file leaves these to the linker.
 constexpr std::string_view WindowsLinkerExtensions[] = {".obj", ".lib", ".res", ".def", ".exp", ".dll", ".pdb"};
 
 // In the order of the rows: nearly all inputs of a build are found in the first few.

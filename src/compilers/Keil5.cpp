@@ -17,6 +17,7 @@ constexpr FlagRow Keil5Flags[] = {
     // Languages. The last of these holds for every source, whatever its extension.
     {"c90", FlagKind::StandardC90, FlagEffect::NamesC},
     {"c99", FlagKind::StandardC99, FlagEffect::NamesC},
+    // Without a number, armcc's C++ is that of 2003.
     {"cpp", FlagKind::StandardCpp03, FlagEffect::NamesCpp},
     {"cpp11", FlagKind::StandardCpp11, FlagEffect::NamesCpp},
     {"signed_chars", FlagKind::Keep, FlagEffect::SignedChar},
