@@ -154,6 +154,7 @@ public:
 
     template <typename Exception>
     bool parse_error(std::size_t, const std::string&, const Exception& error) {
+        // The library's own exception, which knows the place in the text.
         throw error;
     }
 

@@ -198,6 +198,7 @@ private:
     bool SkipLibtool() {
         bool compiles = false;
         std::size_t index = next_ + 1;
+        // Two of its options may have their value in the next word; the others have none.
         for (; Has(index) && words_[index].starts_with('-'); ++index) {
             if (words_[index] == "--mode" || words_[index] == "--tag") {
                 compiles = compiles || (Has(index + 1) && words_[index + 1] == "compile");

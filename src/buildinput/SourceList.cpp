@@ -41,8 +41,8 @@ std::vector<std::string> FoldersOfLists() {
     if (std::optional<std::string> root = CheckoutRoot(current); root && *root != current) {
         folders.push_back(std::move(*root));
     }
-    // Believed only where it leads to the current folder: a program may have left another
-    // one without telling the variable.
+    // Believed only where it leads to the current folder: a program may have left another one without telling the
+    // variable.
     const std::optional<std::string> spelt = EnvironmentVariable("PWD");
     if (spelt && *spelt != current && IsAbsolutePath(*spelt) && IsSameFile(*spelt, current)) {
         folders.push_back(*spelt);
