@@ -3,6 +3,7 @@
 namespace Orvanta {
 
 ArgumentList::ArgumentList(std::span<const std::string> words) : size_(words.size()) {
+    // Added up first, so that the block is got once and has no room to spare.
     std::size_t bytes = 0;
     for (const std::string& word : words) {
         bytes += word.size() + 1;

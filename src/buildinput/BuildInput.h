@@ -16,9 +16,12 @@ namespace Orvanta {
 /// A build input was read, but it holds no invocation of a known compiler. Only the entry catches it.
 class NoCompilerInvocationsFound : public ZelmException {
 public:
+    /// What may help the user: a trace may show calls of a compiler whose name is not among those that are looked for.
     enum class Hint { None, NameTheCompiler };
+    /// The text is the same whatever the hint is: who catches it puts the hint into words.
     explicit NoCompilerInvocationsFound(Hint hint);
 
+    /// What to add to the message.
     [[nodiscard]] Hint HintForUser() const noexcept { return hint_; }
 
 private:

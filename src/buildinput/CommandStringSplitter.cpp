@@ -72,6 +72,7 @@ char TakeCharacter(std::string_view& text) {
 constexpr CharacterSet PosixBlanks(" \t\n");
 constexpr CharacterSet EndsPosixStretch(" \t\n\\\"'");
 constexpr CharacterSet EndsDoubleQuotedStretch("\"\\");
+// Before any other character a backslash within double quotes stands for itself.
 constexpr CharacterSet ProtectedInDoubleQuotes("$`\"\\\n");
 constexpr CharacterSet SingleQuote("'");
 
@@ -143,10 +144,12 @@ void SkipPosixBlanks(std::string_view& text) {
     }
 }
 
+/// Leaves `arguments` empty when the text can't be split.
 void SplitByPosixRules(std::string_view text, std::vector<std::string>& arguments) {
     ArgumentWriter writer(arguments);
     SkipPosixBlanks(text);
     while (!text.empty()) {
+        // A shell would ask for more: there is no telling where the command was meant to end.
         if (!TakePosixArgument(text, writer.Next())) {
             arguments.clear();
             return;
@@ -212,6 +215,7 @@ void TakeQuotes(std::string_view& text, bool& open, std::string& argument) {
     open = count == 1;
 }
 
+/// Takes the argument with which `text` begins, up to a blank outside quotes or to the end.
 void TakeWindowsArgument(std::string_view& text, std::string& argument) {
     bool open = false;
     for (;;) {
@@ -229,9 +233,11 @@ void TakeWindowsArgument(std::string_view& text, std::string& argument) {
     }
 }
 
+/// Never fails: a quote that nothing closes reaches to the end.
 void SplitByWindowsRules(std::string_view text, std::vector<std::string>& arguments) {
     ArgumentWriter writer(arguments);
     if (!text.empty()) {
+        // Whatever the text begins with, the program is an argument of its own, be it empty.
         writer.Next() = TakeWindowsProgram(text);
         SkipWindowsBlanks(text);
     }

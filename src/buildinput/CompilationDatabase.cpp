@@ -21,6 +21,7 @@ namespace {
 
 using nlohmann::json;
 
+// Bytes of text that are gathered before they are written.
 constexpr std::size_t BlockSize = std::size_t{64} << 10U;
 
 // The JSON library's words for the types of values.
@@ -36,6 +37,7 @@ struct TextMember {
     std::string_view type;
     std::string text;
 
+    /// Copies into the text's own memory. The text of a member of another type is what it was, and is not looked at.
     void Assign(std::string_view newType, const std::string* newText) {
         type = newType;
         if (newText != nullptr) {
@@ -51,6 +53,7 @@ struct MemberName {
     Member member;
 };
 
+// "file" and "output" are not read: the command itself tells its sources, and the two may differ.
 constexpr MemberName MemberNames[] = {
     {"directory", Member::Directory},
     {"command", Member::Command},
@@ -78,14 +81,17 @@ struct Entry {
     std::string_view environmentType; // empty: absent
     std::map<std::string, TextMember> environment;
 
+    /// Only the types go: an empty one says that the member is absent, and the memory of its text is used again.
     void Clear() { directory.type = command.type = argumentsType = environmentType = {}; }
 };
 
+/// In the library's own form: the fault reads as one of a document that is held whole.
 json::type_error TypeError(std::string_view expected, std::string_view found) {
     return json::type_error::create(302, "type must be " + std::string(expected) + ", but is " + std::string(found),
                                     nullptr);
 }
 
+/// \throws json::exception when the member is absent or no text
 const std::string& RequireText(const TextMember& member) {
     if (member.type.empty()) {
         throw json::invalid_iterator::create(214, "cannot get value", nullptr);
@@ -148,6 +154,7 @@ public:
 
     template <typename Exception>
     bool parse_error(std::size_t, const std::string&, const Exception& error) {
+        // The library's own exception, which knows the place in the text.
         throw error;
     }
 
@@ -155,16 +162,21 @@ public:
     void Finish() const;
 
 private:
+    // What the parser is inside of. Values that nobody asks for are Skipped with all that is in them.
     enum class Place { Document, Entries, Entry, Arguments, Environment, Skipped };
 
+    // Events of the parser, with what they have in common. The text is the library's: it is copied where it is kept.
     bool TakeScalar(std::string_view type, const std::string* text = nullptr);
     bool Open(std::string_view type);
     bool Close();
     void TakeValue(std::string_view type, const std::string* text);
+    // Put a value into its place in the entry. A wrong type is kept with it, and told when the entry is complete.
     void TakeMember(std::string_view type, const std::string* text);
     void TakeArgument(std::string_view type, const std::string* text);
     [[nodiscard]] Place PlaceWithin(std::string_view type) const;
+    // The entry is complete: hands it over, unless a fault was found already, and keeps the first fault.
     void FinishEntry();
+    // \throws json::exception for what is missing or of a wrong type
     void HandOver();
 
     CommandStringRules rules_;
@@ -181,6 +193,7 @@ private:
 };
 
 bool DatabaseHandler::key(std::string& name) {
+    // An object with members is no empty database, but a wrong one.
     isEmpty_ = false;
     if (place_ == Place::Environment) {
         variable_ = &entry_.environment[name];
@@ -196,6 +209,7 @@ bool DatabaseHandler::TakeScalar(std::string_view type, const std::string* text)
 }
 
 bool DatabaseHandler::Open(std::string_view type) {
+    // Only the depth counts here: nothing inside is told apart.
     if (place_ == Place::Skipped) {
         ++skippedDepth_;
         return true;
@@ -289,6 +303,7 @@ void DatabaseHandler::TakeMember(std::string_view type, const std::string* text)
         entry_.command.Assign(type, text);
         break;
     case Member::Arguments:
+        // A second member of this name begins anew; the strings stay to be used again.
         entry_.argumentsType = type;
         entry_.wrongArgumentType = {};
         entry_.argumentCount = 0;
@@ -325,11 +340,14 @@ void DatabaseHandler::FinishEntry() {
 }
 
 void DatabaseHandler::HandOver() {
+    // Of several faults an entry tells the same one, however its members are sorted.
     const Environment environment = TakeEnvironment(entry_);
     const std::string& directory = RequireText(entry_.directory);
+    // Where an entry has both, the words of "arguments" hold: nothing has to be guessed about their quoting.
     if (entry_.argumentsType.empty()) {
         const std::string& command = RequireText(entry_.command);
         SplitCommandString(command, rules_, entry_.arguments);
+        // What can't be split goes on without words: the collector refuses it by name.
         if (entry_.arguments.empty() && std::all_of(command.begin(), command.end(), IsWhiteSpace)) {
             entry_.arguments = {":"}; // a step that runs nothing, as ninja lists it
         }
@@ -344,6 +362,7 @@ void DatabaseHandler::HandOver() {
 }
 
 void DatabaseHandler::Finish() const {
+    // An empty database is no fault of its text: builds that compile nothing write one.
     if (documentType_ == Null || (isEmpty_ && (documentType_ == Array || documentType_ == Object))) {
         throw NoCompilerInvocationsFound(NoCompilerInvocationsFound::Hint::None);
     }
@@ -355,12 +374,14 @@ void DatabaseHandler::Finish() const {
     }
 }
 
+/// The directory is written as an absolute path: the file may be read from anywhere.
 json ToJson(const CompileCommand& unit) {
     json entry = {
         {"arguments", unit.arguments.ToVector()},
         {"directory", *unit.absoluteDirectory},
         {"file", unit.SourceFile()},
     };
+    // Left out when empty: databases have no such member of their own.
     if (!unit.environment->empty()) {
         entry["environment"] = *unit.environment;
     }
@@ -372,6 +393,7 @@ json ToJson(const CompileCommand& unit) {
 void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector) {
     BlockReader reader(input);
     DatabaseHandler handler(rules, collector);
+    // By events: a database of a large build would fill the memory as a tree.
     json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
     handler.Finish();
 }
@@ -386,6 +408,7 @@ bool ReadCompilationDatabase(const std::string& path, InvocationCollector& colle
 }
 
 void WriteCompilationDatabase(const std::string& path, const std::vector<CompileCommand>& units) {
+    // Until the end the file at the path stays as it was: a reader never meets half a database.
     AtomicFile file(path);
     std::string text = "[";
     const CompileCommand* previous = nullptr;
@@ -394,6 +417,7 @@ void WriteCompilationDatabase(const std::string& path, const std::vector<Compile
             continue; // another source of the same command
         }
         text += previous == nullptr ? "\n" : ",\n";
+        // A byte that belongs to no UTF-8 is replaced: JSON can't say it.
         text += ToJson(unit).dump(-1, ' ', false, json::error_handler_t::replace);
         previous = &unit;
         if (text.size() >= BlockSize) {

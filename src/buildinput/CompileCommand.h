@@ -11,6 +11,9 @@
 #include <string>
 #include <string_view>
 
+// What a unit holds is chosen by how often it is there: a build has a hundred thousand units, but few folders,
+// compilers and environments. Those are shared, and nothing is kept that can be read from the words again.
+
 namespace Orvanta {
 
 /// How the variables that a build input gives for an invocation stand to those of the driver.

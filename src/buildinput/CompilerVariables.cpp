@@ -10,6 +10,7 @@ namespace Orvanta {
 
 namespace {
 
+/// The value of the first layer that has the variable, even an empty one; empty when none has.
 std::string_view ValueOf(std::string_view name, std::span<const Environment* const> layers) {
     for (const Environment* const layer : layers) {
         const auto variable = std::find_if(layer->begin(), layer->end(),
@@ -34,6 +35,7 @@ std::vector<std::string> WordsOf(std::string_view value) {
     if (value.empty()) {
         return {};
     }
+    // The splitter takes the first word for a program and reads it by other rules.
     std::vector<std::string> words = SplitCommandString("cl " + std::string(value), CommandStringRules::Windows);
     words.erase(words.begin());
     std::for_each(words.begin(), words.end(), RestoreEqualsSign);
@@ -50,6 +52,7 @@ constexpr std::string_view WritingVariables[] = {
 
 void RemoveWritingVariables(Environment& variables) {
     std::erase_if(variables, [](const auto& variable) {
+        // By their beginnings: beside a switch there is a variable of the same name with "_FILE" behind it.
         return std::any_of(std::begin(WritingVariables), std::end(WritingVariables),
                            [&](std::string_view beginning) { return variable.first.starts_with(beginning); });
     });
@@ -57,6 +60,7 @@ void RemoveWritingVariables(Environment& variables) {
 
 void AddArgumentsOfVariables(std::vector<std::string>& arguments, std::span<const Environment* const> layers) {
     std::vector<std::string> front = WordsOf(ValueOf(FrontArgumentsVariable, layers));
+    // Behind the compiler and before the command's own words, which go over them: the last of two flags counts.
     arguments.insert(arguments.begin() + 1, std::make_move_iterator(front.begin()),
                      std::make_move_iterator(front.end()));
     std::vector<std::string> back = WordsOf(ValueOf(BackArgumentsVariable, layers));

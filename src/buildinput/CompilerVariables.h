@@ -7,6 +7,9 @@
 #include <string_view>
 #include <vector>
 
+// Microsoft's compilers take arguments from variables, too. A unit must have them among its words: the core has to know
+// of them, and the preprocessing command must not get them a second time.
+
 namespace Orvanta {
 
 /// The variables in which cl and clang-cl look for further arguments: in front of the command's, and behind them.

@@ -21,6 +21,7 @@ namespace Orvanta {
 namespace {
 
 constexpr std::string_view Ccache = "ccache";
+// In bytes; more would push the reason out of sight, which stands behind it.
 constexpr std::size_t LongestCommandText = 120;
 constexpr const char* ZeroByteReason = "it holds a zero byte";
 
@@ -35,6 +36,7 @@ std::string ShortCommandText(const std::vector<std::string>& arguments) {
         return text;
     }
     std::size_t end = LongestCommandText;
+    // In UTF-8 such a byte goes on with the character before it.
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
         --end;
     }
@@ -43,6 +45,7 @@ std::string ShortCommandText(const std::vector<std::string>& arguments) {
 
 /// A short name for a command: its output, else its first input, else its text.
 std::string NameOfCommand(const std::vector<std::string>& arguments) {
+    // No model is asked: the command may be of a compiler that nobody knows.
     const std::string* input = nullptr;
     for (std::size_t i = 1; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -64,6 +67,7 @@ bool HoldsZeroByte(std::string_view text) {
     return text.find('\0') != std::string_view::npos;
 }
 
+/// The names of variables can't hold one: readers take over none of that kind.
 bool HoldsZeroByte(const Environment& environment) {
     return std::any_of(environment.begin(), environment.end(),
                        [](const auto& variable) { return HoldsZeroByte(std::string_view(variable.second)); });
@@ -85,6 +89,7 @@ InvocationCollector::InvocationCollector(const RunSettings& settings, const Comp
     : settings_(settings), registry_(registry), identifier_(identifier), log_(log) {}
 
 void InvocationCollector::SetBaseDirectory(std::string directory) {
+    // What was made absolute by another base does not hold any more.
     baseDirectory_ = std::move(directory);
     lastDirectories_ = nullptr;
     directories_.clear();
@@ -97,9 +102,12 @@ void InvocationCollector::AddInvocation(std::vector<std::string> arguments, cons
 
 void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments, const std::string& workingDirectory,
                                             const Environment& environment, EnvironmentScope scope) {
+    // Counted before anything can fail: an invocation's number is its place in the input.
     ++collected_.invocations;
     std::optional<Refusal> refusal;
     try {
+        // Only errors that this system has put into words are the invocation's; others, such as a full memory, are the
+        // run's.
         refusal = IsShellLine(arguments) ? CollectShellLine(arguments, workingDirectory, environment, scope)
                                          : CollectLaunched(arguments, workingDirectory, environment, scope);
     } catch (const ZelmException& error) {
@@ -126,6 +134,7 @@ CollectedCommands InvocationCollector::Take() {
 }
 
 bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments) const {
+    // By the first word as it is written: what a launcher starts has been brought to the front already.
     const std::vector<std::string>& filter = settings_.compilerFilter;
     const auto passes = [&filter](std::string_view program) {
         return std::any_of(filter.begin(), filter.end(),
@@ -138,9 +147,11 @@ bool InvocationCollector::PassesFilter(const std::vector<std::string>& arguments
 std::optional<InvocationCollector::Refusal> InvocationCollector::Refuse(const std::vector<std::string>& arguments,
                                                                         const std::string& workingDirectory,
                                                                         const Environment& environment) const {
+    // From the cheapest question to the dearest, before anything is looked up or started.
     if (arguments[0].empty()) {
         return Refusal{InvocationFate::Unreadable, "the command names no compiler"};
     }
+    // The other words are looked at when the files with further arguments are in their place.
     if (HoldsZeroByte(arguments[0]) || HoldsZeroByte(workingDirectory) || HoldsZeroByte(environment)) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
@@ -186,6 +197,7 @@ bool InvocationCollector::LooksLikeLauncher(const std::vector<std::string>& argu
     if (IsCompiler(arguments[0]) || FileNameOf(arguments[0]) == Ccache) {
         return false;
     }
+    // Long options before the compiler may be the launcher's own. A short one may have a value, which nobody can tell.
     const auto word = std::find_if(arguments.begin() + 1, arguments.end(),
                                    [](std::string_view argument) { return !argument.starts_with("--"); });
     return word != arguments.end() && IsCompiler(*word);
@@ -196,6 +208,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::CollectShellLin
                                                                                   const std::string& workingDirectory,
                                                                                   const Environment& environment,
                                                                                   EnvironmentScope scope) {
+    // Kept when no command of the line could be one of a compiler.
     std::optional<Refusal> refusal = Refusal{InvocationFate::NotACompilation, "no command of a compiler"};
     bool gaveUnits = false;
     for (ShellCommand& command : SplitShellLine(arguments)) {
@@ -206,6 +219,8 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::CollectShellLin
         }
         const std::string directory =
             command.directory.empty() ? workingDirectory : JoinPath(workingDirectory, command.directory);
+        // A command of the line that gives nothing doesn't count where another one gives units: linkers follow
+        // compilers.
         std::optional<Refusal> own = CollectLaunched(command.words, directory, environment, scope);
         gaveUnits = gaveUnits || !own;
         refusal = std::move(own);
@@ -221,6 +236,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::CollectLaunched
     if (arguments.empty()) {
         return Refusal{InvocationFate::Unreadable, "the command string can't be split"};
     }
+    // Nearly every command of a build begins with the same compiler: for it, no name is compared with any list.
     if (arguments[0] == plainCompiler_) {
         return Collect(arguments, workingDirectory, environment, scope);
     }
@@ -238,6 +254,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::CollectLaunched
         return Refusal{InvocationFate::NotACompilation, "no command of a compiler"};
     }
     Environment variables = effects.variables;
+    // Inserting leaves alone what is there: the launcher's variables are the ones that the compiler has seen.
     variables.insert(environment.begin(), environment.end());
     const std::string directory =
         effects.directory.empty() ? workingDirectory : JoinPath(workingDirectory, effects.directory);
@@ -277,14 +294,17 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
                        "the program " + Quoted(arguments[0]) +
                            " looks like a launcher: the key \"launcher\" of a settings file makes it one"};
     }
+    // A copy: the command may name another directory, further down.
     Directories directories = Share(workingDirectory);
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directories.absolute, environment);
     if (std::optional<Refusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
     }
+    // Before the variables are added: which of them count depends on the family.
     identified.compiler = OfDriverMode(identified.compiler, arguments);
     if (IsMsvcFamily(identified.compiler->type)) {
         std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
+        // Where the input gave the whole environment, the driver's own variables had no part in the build.
         if (scope == EnvironmentScope::Changes) {
             layers.push_back(&OwnEnvironment());
         }
@@ -294,6 +314,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
     }
     const Compiler& model = ModelOf(identified.compiler->type);
+    // Behind the response files, which may hold the flags that name option files.
     ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
@@ -302,6 +323,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     if (!outline.sources.empty() && !outline.openWords.empty()) {
         if (std::vector<std::size_t> values = ValuesOfUnknown(outline, arguments, *directories.absolute);
             !values.empty()) {
+            // A second time: with a word fewer among the inputs, the command may be another thing.
             outline = OutlineInvocation(model, arguments, values);
             const auto shared = std::make_shared<const std::vector<std::size_t>>(std::move(values));
             for (SourceArgument& source : outline.sources) {
@@ -309,6 +331,8 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
             }
         }
     }
+    // Files with arguments have been read from the first one: the compiler, too, meets the flag only when it has read
+    // them.
     if (!outline.directory.empty()) {
         directories = Share(JoinPath(*directories.absolute, outline.directory));
     }
@@ -328,6 +352,7 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
         return Refusal{InvocationFate::DeletedSinceTrace, "source deleted since the trace",
                        arguments[first.index].substr(first.offset)};
     }
+    // Only here, where it is certain that units need it.
     const std::shared_ptr<const Environment> sharedEnvironment = Share(environment);
     for (const SourceArgument& source : outline.sources) {
         collected_.units.push_back({directories.written, directories.absolute, ArgumentList(arguments),
@@ -347,6 +372,7 @@ ResponseFileReading InvocationCollector::ReadingFor(const CompilerInfo& compiler
     }
     reading.isNative = settings_.nativeResponseFiles;
     reading.tellDifference = [this](const std::string& path, const std::string& word, const std::string& native) {
+        // Once for each file: a build hands the same one to many commands.
         if (toldResponseFiles_.insert(path).second) {
             log_.Line("The response file " + Quoted(path) + " holds the word " + Quoted(word) +
                       ", which the compiler reads as " + Quoted(native) +
@@ -366,6 +392,7 @@ InvocationCollector::OfDriverMode(const std::shared_ptr<const CompilerInfo>& com
     }
     std::shared_ptr<const CompilerInfo>& inMode = inClMode_[compiler->path];
     if (inMode == nullptr) {
+        // A record of its own: other commands use the same program without the flag.
         auto copy = std::make_shared<CompilerInfo>(*compiler);
         copy->type = CompilerType::ClangCl;
         inMode = std::move(copy);
@@ -387,6 +414,7 @@ const InvocationCollector::Directories& InvocationCollector::Share(const std::st
     }
     Directories& directories = directories_[workingDirectory];
     if (directories.written == nullptr) {
+        // Asked of the system once for each directory as written, not once for each command.
         const std::string base = baseDirectory_.empty() ? CurrentDirectory() : baseDirectory_;
         directories.written = std::make_shared<const std::string>(workingDirectory);
         directories.absolute = std::make_shared<const std::string>(NormalizePath(JoinPath(base, workingDirectory)));
@@ -396,6 +424,7 @@ const InvocationCollector::Directories& InvocationCollector::Share(const std::st
 }
 
 const std::shared_ptr<const Environment>& InvocationCollector::Share(const Environment& environment) {
+    // A comparison with the one before is cheaper than the search in the set, which compares with several.
     if (lastEnvironment_ == nullptr || *lastEnvironment_ != environment) {
         lastEnvironment_ = *environments_.insert(std::make_shared<const Environment>(environment)).first;
     }

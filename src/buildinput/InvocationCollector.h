@@ -56,11 +56,13 @@ public:
     /// The number of invocations taken so far.
     [[nodiscard]] std::size_t Invocations() const noexcept { return collected_.invocations; }
 
+    /// The settings of the run, for readers that need some themselves.
     [[nodiscard]] const RunSettings& Settings() const noexcept { return settings_; }
 
     /// Hands over what was collected.
     [[nodiscard]] CollectedCommands Take();
 
+    /// Where readers say what is wrong with the input as a whole; what is wrong with one invocation is its fate.
     [[nodiscard]] Log& MessageLog() noexcept { return log_; }
 
 private:
@@ -77,6 +79,7 @@ private:
         std::string what = {}; // empty: what the command's words say
     };
 
+    /// Tells environments apart by what they hold, not by where they lie.
     struct ContentLess {
         bool operator()(const std::shared_ptr<const Environment>& left,
                         const std::shared_ptr<const Environment>& right) const {
@@ -84,32 +87,51 @@ private:
         }
     };
 
+    /// What can be refused without a look at the disk; no value when nothing is wrong so far. `arguments` is not empty.
     [[nodiscard]] std::optional<Refusal> Refuse(const std::vector<std::string>& arguments,
                                                 const std::string& workingDirectory,
                                                 const Environment& environment) const;
+    /// Turns the verdict on the compiler into a fate; no value for a compiler of a known family. `program` is the
+    /// compiler as the command names it.
     [[nodiscard]] std::optional<Refusal> RefuseCompiler(const CompilerIdentifier::Result& identified,
                                                         const std::string& program);
+    /// Takes a command with its compiler in front, and appends a unit for each source; no value when it gave any.
+    /// Expands `arguments` in place, as far as it comes.
     [[nodiscard]] std::optional<Refusal> Collect(std::vector<std::string>& arguments,
                                                  const std::string& workingDirectory, const Environment& environment,
                                                  EnvironmentScope scope);
+    /// Takes each command of the line that names a compiler. No value when one gave units, else the last one's refusal.
     [[nodiscard]] std::optional<Refusal> CollectShellLine(std::vector<std::string>& arguments,
                                                           const std::string& workingDirectory,
                                                           const Environment& environment, EnvironmentScope scope);
+    /// Takes a command behind launchers, or none. What these set for it goes over the invocation's own.
     [[nodiscard]] std::optional<Refusal> CollectLaunched(std::vector<std::string>& arguments,
                                                          const std::string& workingDirectory,
                                                          const Environment& environment, EnvironmentScope scope);
+    /// Whether the name is a compiler's: one that compilers have, or one that the user has named.
     [[nodiscard]] bool IsCompiler(std::string_view program) const;
+    /// Such a command is refused with advice instead of being asked for its version: the program may do anything.
     [[nodiscard]] bool LooksLikeLauncher(const std::vector<std::string>& arguments) const;
+    /// Places in `arguments`, in rising order. Looks at the disk, for the words in question only.
     [[nodiscard]] std::vector<std::size_t> ValuesOfUnknown(const InvocationOutline& outline,
                                                            const std::vector<std::string>& arguments,
                                                            const std::string& directory) const;
+    /// Records the present invocation as one that gave no unit.
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
+    /// Whether the compiler filter lets the command through; an empty filter lets all. Behind "ccache" the compiler
+    /// counts.
     [[nodiscard]] bool PassesFilter(const std::vector<std::string>& arguments) const;
+    /// The result refers to the collector: differences are told in its log, once for each file.
     [[nodiscard]] ResponseFileReading ReadingFor(const CompilerInfo& compiler);
+    /// `compiler` itself, or the record of the same program in the mode that the command asks for, one for each path.
     [[nodiscard]] std::shared_ptr<const CompilerInfo> OfDriverMode(const std::shared_ptr<const CompilerInfo>& compiler,
                                                                    const std::vector<std::string>& arguments);
+    /// Held from the first use on: the registry hands out shares, which are not free. The type must be that of a
+    /// family.
     [[nodiscard]] const Compiler& ModelOf(CompilerType type);
+    /// The one record of the directory. Valid until the base directory is set.
     [[nodiscard]] const Directories& Share(const std::string& workingDirectory);
+    /// The one record of an environment with this content. Valid until the next call: take a share of it.
     [[nodiscard]] const std::shared_ptr<const Environment>& Share(const Environment& environment);
 
     const RunSettings& settings_;

@@ -30,6 +30,7 @@ struct LauncherRow {
     bool mayHide = false; // see MayHideCompilation
 };
 
+// What is no launcher by its name, but by what follows it, has a form of its own.
 // clang-format off
 constexpr LauncherRow Launchers[] = {
     {"distcc", Form::Bare, {}, 0, true},
@@ -41,13 +42,16 @@ constexpr LauncherRow Launchers[] = {
     {"nice", Form::Options, " -n --adjustment "},
     {"ionice", Form::Options, " -c --class -n --classdata "},
     {"time", Form::Options, " -o --output -f --format "},
+    // A word that is no option, the time that the command may take, stands before it.
     {"timeout", Form::Options, " -s --signal -k --kill-after ", 1},
     {"nohup"},
     {"stdbuf", Form::Options, " -i --input -o --output -e --error "},
+    // Here it is the processors.
     {"taskset", Form::Options, {}, 1},
     {"xcrun", Form::Options, " -sdk --sdk -toolchain --toolchain "},
     {"cmake", Form::CMake},
     {"libtool", Form::Libtool},
+    // Only in front of libtool, which is a script: builds name its shell where it can't be started by itself.
     {"sh", Form::Shell},
     {"bash", Form::Shell},
 };
@@ -77,12 +81,15 @@ public:
     LauncherReader(std::vector<std::string>& words, std::span<const std::string> further)
         : words_(words), further_(further) {}
 
+    // Takes off one launcher after another until a word is none. Nothing is removed when they serve another purpose, so
+    // that the command can still be shown as it was.
     LauncherEffects Read() {
         bool isCached = false;
         while (next_ < words_.size() && effects_.otherPurpose.empty()) {
             if (FileNameOf(words_[next_]) == Ccache) {
                 isCached = true;
                 ++next_;
+                // Settings that ccache takes in front of the compiler.
                 while (next_ < words_.size() && IsAssignment(words_[next_])) {
                     ++next_;
                 }
@@ -90,6 +97,7 @@ public:
                 break;
             }
         }
+        // Room for "ccache", which goes into the place of the last word removed.
         const std::size_t first = isCached && next_ > 0 ? next_ - 1 : next_;
         effects_.any = first > 0 && effects_.otherPurpose.empty();
         if (effects_.any) {
@@ -107,6 +115,7 @@ private:
     // Passes over one launcher; false when the next word is none.
     bool Skip() {
         const LauncherRow* const row = RowOf(words_[next_], further_);
+        // A launcher that stands alone starts nothing: it is the command itself.
         if (row == nullptr || !Has(next_ + 1)) {
             return false;
         }
@@ -128,6 +137,7 @@ private:
         case Form::Libtool:
             return SkipLibtool();
         case Form::Shell:
+            // Any other script may do anything.
             if (!IsProgramNamed(words_[next_ + 1], "libtool")) {
                 return false;
             }
@@ -137,6 +147,7 @@ private:
         return false;
     }
 
+    // Ends behind "--", or at the first word that is neither an option, nor the value of one, nor a variable to be set.
     void SkipOptions(std::string_view valueOptions) {
         for (; Has(next_); ++next_) {
             const std::string_view word = words_[next_];
@@ -160,6 +171,7 @@ private:
         }
     }
 
+    // Of the tools of "cmake -E" only those that start the command behind them are passed over.
     bool SkipCMake() {
         if (words_[next_ + 1] != "-E" || !Has(next_ + 2)) {
             return false;
@@ -173,6 +185,7 @@ private:
             effects_.directory = words_[rest];
             next_ = rest + 1;
         } else if (tool.starts_with("__run_co_compile")) {
+            // What stands before the dashes tells it which other tools to run on the source.
             const auto dashes = std::find(words_.begin() + static_cast<std::ptrdiff_t>(rest), words_.end(), "--");
             next_ = static_cast<std::size_t>(dashes - words_.begin()) + (dashes == words_.end() ? 0 : 1);
         } else {
@@ -181,9 +194,11 @@ private:
         return true;
     }
 
+    // Only its mode for compiling has a compiler's command behind it that makes objects.
     bool SkipLibtool() {
         bool compiles = false;
         std::size_t index = next_ + 1;
+        // Two of its options may have their value in the next word; the others have none.
         for (; Has(index) && words_[index].starts_with('-'); ++index) {
             if (words_[index] == "--mode" || words_[index] == "--tag") {
                 compiles = compiles || (Has(index + 1) && words_[index + 1] == "compile");
@@ -212,6 +227,7 @@ private:
                                     }),
                      words_.end());
         for (std::size_t index = next_; index < words_.size(); ++index) {
+            // Libtool hands on what follows the comma.
             if (words_[index].starts_with("-Wc,")) {
                 words_[index].erase(0, 4);
             }

@@ -7,6 +7,11 @@
 #include <string_view>
 #include <vector>
 
+// Builds put programs in front of their compilers: caches, distributors of work, timers, setters of variables. Each has
+// options of its own, so that each has a row. A program without one is not guessed at: the first word behind it that
+// looks like a compiler may as well be the value of an option. The user can name further ones, and is told where it
+// would help.
+
 namespace Orvanta {
 
 /// What the launchers in front of a compiler's command do to it.

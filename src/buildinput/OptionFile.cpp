@@ -14,7 +14,9 @@ namespace Orvanta {
 
 namespace {
 
+// Files that include each other would be read for ever; no build nests them as deep as this.
 constexpr unsigned DepthLimit = 100;
+// Some editors put it in front; it belongs to no word.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 /// Takes words off a text.
@@ -23,14 +25,18 @@ public:
     OptionScanner(std::string_view text, const OptionFileSyntax& syntax, const std::string& path)
         : rest_(text), syntax_(syntax), path_(path) {}
 
+    /// The next word; no value at the end of the text.
     std::optional<std::string> TakeWord() {
+        // A comment may follow a comment, with or without blanks between them.
         while (SkipWhiteSpace() || SkipComment()) {
         }
         if (rest_.empty()) {
             return std::nullopt;
         }
+        // Behind a word of the same line, ";" and "#" open no comment.
         isAtLineStart_ = false;
         std::string word;
+        // Quotes may open in the middle of a word: -DNAME="a b" is one.
         while (!rest_.empty() && !IsWhiteSpace(rest_.front())) {
             if (IsQuote(rest_.front())) {
                 AppendQuoted(word);
@@ -46,6 +52,7 @@ private:
         return character == '"' || (syntax_.viaQuotes && character == '\'');
     }
 
+    /// False when there is none. Notes whether a line has begun, which is where some comments may stand.
     bool SkipWhiteSpace() {
         const std::string_view before = rest_;
         while (!rest_.empty() && IsWhiteSpace(rest_.front())) {
@@ -55,6 +62,7 @@ private:
         return rest_.size() != before.size();
     }
 
+    /// Takes one comment off; false when none begins here. One that nothing closes reaches to the end.
     bool SkipComment() {
         const bool isLine = (syntax_.lineComments && isAtLineStart_ && rest_.find_first_of(";#") == 0) ||
                             (syntax_.cComments && rest_.starts_with("//"));
@@ -70,7 +78,10 @@ private:
         return false;
     }
 
+    /// Appends what stands between the quote here and its partner.
+    /// \throws ZelmException when there is no partner
     void AppendQuoted(std::string& word) {
+        // Kept for the message, which shows the place where the quote opens.
         const std::string_view from = rest_;
         const char quote = rest_.front();
         rest_.remove_prefix(1);
@@ -84,6 +95,7 @@ private:
         rest_.remove_prefix(1);
     }
 
+    /// Takes one character, with the backslash before it when that only protects it.
     void AppendCharacter(std::string& word, bool isEscaped) {
         word += rest_[isEscaped ? 1 : 0];
         rest_.remove_prefix(isEscaped ? 2 : 1);
@@ -101,6 +113,7 @@ struct OptionFileUse {
     std::size_t arguments = 1;
 };
 
+/// What the argument is by one flag; no value when it is another flag, or names nothing.
 std::optional<OptionFileUse> UseOf(const OptionFileFlag& flag, const std::vector<std::string>& arguments,
                                    std::size_t index) {
     using Value = OptionFileFlag::Value;
@@ -113,6 +126,7 @@ std::optional<OptionFileUse> UseOf(const OptionFileFlag& flag, const std::vector
         const bool hasNext = flag.value != Value::Glued && index + 1 < arguments.size();
         return hasNext ? std::optional(OptionFileUse{arguments[index + 1], 2}) : std::nullopt;
     }
+    // "--via_other" begins like "--via", and is another flag.
     if (flag.value == Value::EqualsOrNext && rest.front() == '=') {
         rest.remove_prefix(1);
     } else if (flag.value == Value::Next || flag.value == Value::EqualsOrNext) {
@@ -131,6 +145,7 @@ std::optional<OptionFileUse> UseAt(const OptionFileSyntax& syntax, const std::ve
     return std::nullopt;
 }
 
+/// The arguments with every option file in the place of the flag that names it. `depth` counts the files that are open.
 std::vector<std::string> Expanded(const std::vector<std::string>& arguments, const OptionFileSyntax& syntax,
                                   const std::string& directory, unsigned depth) {
     std::vector<std::string> expanded;
@@ -171,6 +186,7 @@ std::vector<std::string> SplitOptionFile(std::string_view text, const OptionFile
 
 void ExpandOptionFiles(std::vector<std::string>& arguments, const OptionFileSyntax& syntax,
                        const std::string& directory) {
+    // Most commands have none and are left as they are, without a copy.
     for (std::size_t index = 1; index < arguments.size(); ++index) {
         if (UseAt(syntax, arguments, index)) {
             arguments = Expanded(arguments, syntax, directory, 0);

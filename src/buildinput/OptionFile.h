@@ -6,6 +6,10 @@
 #include <string_view>
 #include <vector>
 
+// Some embedded compilers name files with further arguments by flags, beside "@FILE" or in its place. How such a text
+// is read differs in a few properties, which the model of the family has (OptionFileSyntax). They are expanded before
+// the command is read, so that whatever reads it need not know of them.
+
 namespace Orvanta {
 
 /// Splits the text of an option file into its words. `path` is for messages only.

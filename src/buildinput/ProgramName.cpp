@@ -7,12 +7,14 @@ namespace Orvanta {
 
 namespace {
 
+/// On every system: a trace or a database may come from another one.
 std::string_view WithoutExe(std::string_view name) {
     constexpr std::string_view Exe = ".exe";
     const bool ends = name.size() > Exe.size() && EqualsIgnoringCase(name.substr(name.size() - Exe.size()), Exe);
     return ends ? name.substr(0, name.size() - Exe.size()) : name;
 }
 
+// These may stand behind a target and before a version, the names below only alone.
 constexpr std::string_view CompilerStems[] = {"gcc", "g++", "cc", "c++", "clang", "clang++"};
 constexpr std::string_view CompilerNames[] = {"cl",     "clang-cl", "armcc", "armclang", "armcl", "iccarm",
                                               "icc",    "icx",      "icpc",  "icpx",     "qcc",   "q++",
@@ -27,6 +29,7 @@ bool LooksLikeCompiler(std::string_view path) noexcept {
             return true;
         }
     }
+    // The version first, which would otherwise be the part behind the last dash.
     const std::size_t version = name.find_last_not_of("0123456789.");
     if (version != std::string_view::npos && name[version] == '-' && version + 1 < name.size()) {
         name = name.substr(0, version);
@@ -42,6 +45,7 @@ bool LooksLikeCompiler(std::string_view path) noexcept {
 
 bool IsProgramNamed(std::string_view path, std::string_view name) noexcept {
     const std::string_view wantedName = FileNameOf(name);
+    // A bare name is that of a program in any folder.
     if (wantedName.size() == name.size()) {
         return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
     }

@@ -13,12 +13,15 @@ namespace Orvanta {
 
 namespace {
 
+// Files that name each other in a ring would be read for ever.
 constexpr std::size_t DepthLimit = 2000;
+// Some editors and build tools put it in front; it belongs to no word.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 /// Counts the response files that this thread is expanding one inside another.
 class DepthCounter {
 public:
+    /// \throws ZelmException at the limit; nothing is counted then
     explicit DepthCounter(const std::string& path) {
         if (depth_ >= DepthLimit) {
             throw ZelmException(
@@ -55,6 +58,7 @@ std::string_view TakeQuotedToken(std::string_view& text, const std::string& path
 std::string TakePlainToken(std::string_view& text) {
     std::string token;
     std::size_t position = 0;
+    // A quote within such a token is a character like any other; a backslash protects the one behind it, blanks too.
     while (position < text.size() && !IsWhiteSpace(text[position])) {
         if (text[position] == '\\') {
             ++position;
@@ -72,6 +76,7 @@ bool NamesResponseFile(std::string_view argument, const std::string& directory) 
     if (argument.size() < 2 || argument.front() != '@') {
         return false;
     }
+    // Of every kind but folders: a shell's "<(...)" leads to a pipe.
     const PathKind kind = KindOf(JoinPath(directory, argument.substr(1)));
     return kind == PathKind::File || kind == PathKind::Other;
 }
@@ -94,6 +99,7 @@ void Count(Totals& totals, std::size_t words, std::size_t bytes, const std::stri
     }
 }
 
+/// As GCC and clang do, quotes and backslashes working inside a word as well as around it.
 std::vector<std::string> SplitGnu(std::string_view text) {
     std::vector<std::string> words;
     while (true) {
@@ -106,6 +112,7 @@ std::vector<std::string> SplitGnu(std::string_view text) {
         std::size_t position = 0;
         for (; position < text.size() && (quote != '\0' || !IsWhiteSpace(text[position])); ++position) {
             const char character = text[position];
+            // Before quotes are looked at: a protected quote opens and closes nothing.
             if (character == '\\' && position + 1 < text.size()) {
                 word += text[++position];
             } else if (character == quote) {
@@ -121,6 +128,7 @@ std::vector<std::string> SplitGnu(std::string_view text) {
     }
 }
 
+/// Tells the first word in which the two readings differ; an empty one where a reading has no such word.
 void TellDifference(const std::vector<std::string>& words, const std::vector<std::string>& native,
                     const std::string& path, const ResponseFileReading& reading) {
     const auto [own, other] = std::mismatch(words.begin(), words.end(), native.begin(), native.end());
@@ -130,6 +138,7 @@ void TellDifference(const std::vector<std::string>& words, const std::vector<std
     }
 }
 
+/// The words of one file by the rules that are asked for.
 std::vector<std::string> WordsOf(std::string_view text, const std::string& path, const ResponseFileReading& reading) {
     if (!reading.compilers) {
         return SplitResponseFile(text, path);
@@ -163,6 +172,8 @@ std::vector<std::string> Expand(const std::string& path, const std::string& dire
                                 const ResponseFileReading& reading, Totals& totals) {
     const DepthCounter depth(path);
     const std::string text = ReadWholeFile(JoinPath(directory, path));
+    // The bytes before they are split and the words before they are expanded, so that neither can fill the memory
+    // first.
     Count(totals, 0, text.size(), path, reading);
     std::vector<std::string> words = WordsOf(text, path, reading);
     Count(totals, words.size(), 0, path, reading);
@@ -184,6 +195,7 @@ std::vector<std::string> SplitAsCompiler(std::string_view text, NativeQuoting qu
     }
     // The splitter takes the first word for a program and reads it by other rules.
     std::string line = "cl " + std::string(text);
+    // A command line has no line ends, and so the splitter takes them for characters of a word.
     std::replace_if(line.begin(), line.end(), IsWhiteSpace, ' ');
     std::vector<std::string> words = SplitCommandString(line, CommandStringRules::Windows);
     words.erase(words.begin(), words.begin() + (words.empty() ? 0 : 1));
@@ -218,10 +230,12 @@ void ExpandResponseFiles(std::vector<std::string>& arguments, const std::string&
     const auto mayName = [](const std::string& argument) {
         return argument.starts_with('@');
     };
+    // Without a look at the disk and without a copy for nearly all commands.
     if (std::none_of(arguments.begin(), arguments.end(), mayName)) {
         return;
     }
     Totals totals;
+    // Into a vector of its own: when a file can't be read, the arguments are to be as they were.
     std::vector<std::string> expanded;
     expanded.reserve(arguments.size());
     for (const std::string& argument : arguments) {

@@ -7,6 +7,10 @@
 #include <string_view>
 #include <vector>
 
+// A response file has two readings: by the rules that the driver has for all families, and by those of the unit's own
+// compiler. They differ only in rare words, such as those with quotes in the middle. The driver's rules hold unless the
+// user wants the compiler's; where it makes a difference, the user is told of both readings.
+
 namespace Orvanta {
 
 /// How compilers themselves split the text of a response file.

@@ -4,6 +4,9 @@
 #include <string>
 #include <vector>
 
+// Some tools write a whole line of the shell into a database, such as "cd lib && cc -c a.c". No shell is run for it:
+// what is to be known is which compiler would run where, and a line that does more than that is rare in a database.
+
 namespace Orvanta {
 
 /// One command of a line that a shell runs.

@@ -15,6 +15,7 @@ namespace {
 // What stands in the root of a checkout. Of git, a file in a further working tree.
 constexpr const char* RootMarks[] = {".git", ".hg", ".svn"};
 
+/// The nearest folder, this one or above, that has such a mark; no value outside every checkout.
 std::optional<std::string> CheckoutRoot(std::string folder) {
     while (true) {
         for (const char* const mark : RootMarks) {
@@ -22,6 +23,7 @@ std::optional<std::string> CheckoutRoot(std::string folder) {
                 return folder;
             }
         }
+        // The root of a file system is its own parent, or has none.
         std::string parent(DirectoryOf(folder));
         if (parent.empty() || parent.size() >= folder.size()) {
             return std::nullopt;
@@ -34,10 +36,13 @@ std::optional<std::string> CheckoutRoot(std::string folder) {
 
 std::vector<std::string> FoldersOfLists() {
     const std::string current = CurrentDirectory();
+    // Each folder once: a file of the list is looked for in all of them.
     std::vector<std::string> folders = {current};
     if (std::optional<std::string> root = CheckoutRoot(current); root && *root != current) {
         folders.push_back(std::move(*root));
     }
+    // Believed only where it leads to the current folder: a program may have left another one without telling the
+    // variable.
     const std::optional<std::string> spelt = EnvironmentVariable("PWD");
     if (spelt && *spelt != current && IsAbsolutePath(*spelt) && IsSameFile(*spelt, current)) {
         folders.push_back(*spelt);
@@ -58,6 +63,7 @@ ListedFile FileInFolders(std::string_view path, std::span<const std::string> fol
 }
 
 std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const std::string> folders) {
+    // The mark that some editors put in front is no part of the first path.
     text = WithoutUtf8Mark(text);
     std::vector<ListedFile> files;
     while (!text.empty()) {

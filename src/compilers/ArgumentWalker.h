@@ -11,6 +11,15 @@
 #include <string>
 #include <string_view>
 
+// What a word of a command is depends on the words before it. The value of a flag may look like a file, and a file
+// behind "--" like a flag; a flag may stand for itself, in a list, in pairs, or glued to another flag. All of this is
+// decided here, once for all families and purposes, so that visitors see nothing but flags with their values, and
+// files.
+//
+// Every command of a build is gone through to learn whether it compiles anything, and again for each unit. So the walk
+// makes no records of its own: a list of all flags would be made a hundred thousand times, mostly to be thrown away. It
+// is a template for the same reason: the calls of its visitor cost nothing.
+
 namespace Orvanta {
 
 /// How a flag came to the compiler.
@@ -52,6 +61,7 @@ public:
                    std::span<const std::size_t> openValues = {})
         : model_(model), arguments_(arguments), visitor_(visitor), openValues_(openValues) {}
 
+    /// Visits every flag and input once. A walker walks once: it does not go back to the beginning.
     void Walk() {
         ofAll_ = model_.KindOfAllInputs(arguments_);
         while (next_ < arguments_.size()) {
@@ -107,6 +117,8 @@ private:
         void Advance() { ++next; }
     };
 
+    // Decides what the argument at `index` is and has it read with all arguments that belong to it; `next_` then stands
+    // behind them. A lone "-" is the standard input, though every family has it as an introducer.
     void ReadArgument(std::size_t index, std::string_view argument) {
         std::string_view introducer;
         if (onlyInputs_ || argument == "-" || !model_.MatchLongestPrefixFlag(argument, introducer)) {
@@ -134,6 +146,9 @@ private:
         }
     }
 
+    // Takes the words of the flag's value along, as many as are left, and has the flag visited. A flag without a row
+    // takes the word behind it only where the caller has said so; otherwise that word is reported as one that may be a
+    // value.
     void ReadFlag(FlagUse& use, std::string_view argument) {
         AddWord(use, argument);
         use.value = use.match.gluedValue;
@@ -152,6 +167,8 @@ private:
         visitor_.Flag(use);
     }
 
+    // The kind counts as stated when a flag gives it, and not when the name alone decides, whatever flags there are.
+    // Behind "--" no word can be a value.
     void ReadInput(std::size_t index) {
         const std::string_view name = arguments_[index];
         const InputKind kind = KindOf(name);
@@ -159,6 +176,7 @@ private:
         visitor_.Input(InputFile{index, 0, kind, (stated_ ? stated_ : ofAll_) == kind, mayBeValue});
     }
 
+    // Names that no extension decides come first: no language flag makes a null device or a missing file a source.
     [[nodiscard]] InputKind KindOf(std::string_view name) const {
         if (name == "-" || name == "/dev/stdin") {
             return InputKind::StandardInput;
@@ -172,6 +190,8 @@ private:
         return stated_ ? *stated_ : model_.KindOfInput(name, ofAll_);
     }
 
+    // An input whose flag names it: the file's name is what is glued to the flag, else the next argument. A flag that
+    // stands last and names nothing is passed over.
     void ReadSourceOfLanguage(std::size_t index, std::string_view argument, const FlagMatch& match) {
         const InputKind kind = KindNamedBy(match.row->effect).value_or(InputKind::LinkInput);
         if (match.following == 0) {
@@ -190,6 +210,8 @@ private:
         }
     }
 
+    // Reads what the flag at `index` hands on. Where each hands on one word, those that follow at once are read with
+    // it: a value of what is handed on stands in the next of them ("-Xclang -load -Xclang PLUGIN").
     void ReadHandedOn(std::size_t index, std::string_view argument, const FlagMatch& match) {
         FlagUse use;
         use.index = index;
@@ -216,6 +238,8 @@ private:
     }
 
     template <typename Pieces>
+    // Visits each handed-on word as a flag of its own, in the form in which it came, so that it can be kept in that
+    // form. A word that is no flag is visited too, without a row: it has to be handed on again.
     void ReadPieces(Pieces& pieces, const FlagUse& form) {
         while (const std::optional<std::string_view> piece = pieces.Peek()) {
             pieces.Advance();
@@ -276,10 +300,12 @@ private:
         }
     }
 
+    // A search from the front: there are a few such words in a command, mostly none.
     [[nodiscard]] bool IsValueOfUnknown(std::size_t index) const {
         return std::find(openValues_.begin(), openValues_.end(), index) != openValues_.end();
     }
 
+    // There is room for the flag and three values, and no row has more.
     static void AddWord(FlagUse& use, std::string_view word) { use.words[use.wordCount++] = word; }
 
     const Compiler& model_;

@@ -4,6 +4,7 @@ namespace Orvanta {
 
 namespace {
 
+// The core knows clang-cl by this name, too.
 constexpr std::string_view ClName = "visualcpp";
 constexpr std::string_view ClIntroducers[] = {"/", "-", "--"};
 constexpr FlagValue Glued = FlagValue::Glued;
@@ -15,6 +16,7 @@ constexpr FlagRow ClFlags[] = {
     {"std:c++14", FlagKind::StandardCpp14},
     {"std:c++17", FlagKind::StandardCpp17},
     {"std:c++20", FlagKind::StandardCpp20},
+    // The newest standards, as far as the core has words for them.
     {"std:c++latest", FlagKind::StandardCpp20},
     {"std:c11", FlagKind::StandardC11},
     {"std:c17", FlagKind::StandardC17},
@@ -25,12 +27,14 @@ constexpr FlagRow ClFlags[] = {
     {"WX", FlagKind::Drop},
     {"Tc", FlagKind::SourceOfLanguage, FlagEffect::NamesC},
     {"Tp", FlagKind::SourceOfLanguage, FlagEffect::NamesCpp},
+    // Behind it nothing is the compiler's, whatever it looks like.
     {"link", FlagKind::LinkerPart},
 
     // They hold for every source, wherever they stand, and are said again beside it.
     {"TC", FlagKind::Drop, FlagEffect::NamesC},
     {"TP", FlagKind::Drop, FlagEffect::NamesCpp},
 
+    // cl has no flag that takes it back.
     {"J", FlagKind::Keep, FlagEffect::UnsignedChar},
     {"await", FlagKind::Keep, FlagEffect::Coroutines},
     {"await:strict", FlagKind::Keep, FlagEffect::Coroutines},
@@ -119,6 +123,7 @@ constexpr FlagRow ClFlags[] = {
     {"FS", FlagKind::Drop},
     {"Gm", FlagKind::Drop},
     {"Gm-", FlagKind::Drop},
+    // Compiles several sources at a time: a unit has one.
     {"MP", FlagKind::Drop, Glued},
     {"F", FlagKind::DropWithValue}, // the size of the stack
 
@@ -153,6 +158,7 @@ Cl::Cl(CompilerType type, std::span<const FlagRow> extension)
 std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command, const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 4);
     words.emplace_back("/P");
+    // Glued: what stands in an argument of its own would be a source.
     words.push_back("/Fi" + outputPath);
     AddSource(command.sourceFile, words);
     return words;
@@ -163,6 +169,7 @@ void Cl::AddSource(const std::string& source, std::vector<std::string>& words) c
 }
 
 void Cl::FinishParse(ParsedCommand& command) const {
+    // The words of Visual Studio's platforms.
     command.platformWord = TargetOf(command) == TargetBits::Bits64 ? "x64" : "Win32";
 }
 

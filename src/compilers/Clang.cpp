@@ -7,6 +7,7 @@ namespace {
 // clang-format off
 constexpr FlagRow ClangFlags[] = {
     {"main-file-name", FlagKind::MainFileName},
+    // One program has all modes: the flag goes over what its own name says.
     {"driver-mode=g++", FlagKind::Keep, FlagEffect::NamesCpp},
     {"driver-mode=cpp", FlagKind::Drop, FlagEffect::PreprocessesOnly},
     {"fmodules", FlagKind::Keep, FlagEffect::UsesModules},

@@ -16,6 +16,7 @@ constexpr FlagRow ClangClFlags[] = {
     {"working-directory=", FlagKind::Drop, FlagEffect::NamesDirectory},
     {"imsvc", FlagKind::SystemInclude},
     {"isystem", FlagKind::SystemInclude},
+    // Below these lie the headers of the SDK and of the library: nothing there is the project's own.
     {"winsysroot", FlagKind::SystemInclude},
     {"vctoolsdir", FlagKind::SystemInclude},
     {"winsdkdir", FlagKind::SystemInclude},
@@ -68,6 +69,7 @@ ClangCl::ClangCl() : Cl(CompilerType::ClangCl, ClangClFlags) {}
 
 // A header that comes from a module leaves no text.
 void ClangCl::FinishParse(ParsedCommand& command) const {
+    // The platform word is made there, by this class's TargetOf.
     Cl::FinishParse(command);
     if (command.effects.Has(FlagEffect::UsesModules)) {
         command.keptArguments.emplace_back("-fno-modules");

@@ -15,6 +15,7 @@ class OutlineVisitor {
 public:
     explicit OutlineVisitor(InvocationOutline& outline) : outline_(outline) {}
 
+    // Of several flags that name a folder the last counts.
     void Flag(const FlagUse& use) {
         const FlagRow& row = *use.match.row;
         effects_.Add(row.effect);
@@ -25,6 +26,7 @@ public:
         }
     }
 
+    // Kinds are gathered as bits: the reason asks which of them there were, and not how often.
     void Input(const InputFile& input) {
         inputs_ |= Bit(input.kind);
         if (input.kind == InputKind::MissingResponseFile && !outline_.missingResponseFile) {
@@ -42,6 +44,8 @@ public:
 
     // Why nothing is compiled; empty when something is.
     [[nodiscard]] std::string_view Reason() const {
+        // The order matters. What only prints does so whatever else is asked for, and a stage that a flag names decides
+        // before the inputs do.
         if (printsInformation_ || (inputs_ == 0 && Has(FlagEffect::PrintsWithoutInput))) {
             return "prints information only";
         }
@@ -60,12 +64,15 @@ public:
     }
 
 private:
+    // One bit each of an unsigned, which has room for more kinds than there are.
     static constexpr unsigned Bit(InputKind kind) { return 1U << static_cast<unsigned>(kind); }
 
     [[nodiscard]] bool Has(FlagEffect effect) const { return effects_.Has(effect); }
 
     [[nodiscard]] bool Has(InputKind kind) const { return (inputs_ & Bit(kind)) != 0; }
 
+    // Only commands without any source come here. The kind that says most comes first: files for the linker, which
+    // stand beside many others, come last.
     [[nodiscard]] std::string_view ReasonOfInputs() const {
         if (Has(InputKind::StandardInput)) {
             return "reads standard input";
@@ -98,6 +105,7 @@ struct ValueList {
     std::vector<std::string> ParsedCommand::*list;
 };
 
+// The lists differ in nothing but the flags that they take.
 constexpr ValueList ValueLists[] = {
     {[](const FlagRow& row) { return row.kind == FlagKind::UserInclude; }, &ParsedCommand::userIncludes},
     {[](const FlagRow& row) { return row.kind == FlagKind::SystemInclude; }, &ParsedCommand::systemIncludes},
@@ -120,10 +128,13 @@ public:
     [[nodiscard]] InputKind KindOfSource() const { return kindOfSource_; }
 
 private:
+    // These take from one flag what it says, and leave all other fields alone.
     void RecordStandard(const FlagRow& row);
     void RecordCharSign(FlagEffect effect);
     void RecordValue(const FlagUse& use);
+    // Appends the value, or each of several with commas between them.
     static void AddValues(const FlagUse& use, std::vector<std::string>& list);
+    // Appends the flag to the kept arguments, in the form in which it stood.
     void Keep(const FlagUse& use);
 
     ParsedCommand& command_;
@@ -142,12 +153,14 @@ void CommandVisitor::Flag(const FlagUse& use) {
     if (row.isKept && (row.kind != FlagKind::Language || use.index < source_)) {
         Keep(use);
     }
+    // With the place of its words, so that they can be taken out again.
     if (row.effect == FlagEffect::NamesPrecompiled) {
         command_.precompiled = {std::string(use.value), before, command_.keptArguments.size() - before};
     }
 }
 
 void CommandVisitor::Input(const InputFile& input) {
+    // The other sources of the command are units of their own.
     if (input.index != source_) {
         return;
     }
@@ -166,6 +179,7 @@ void CommandVisitor::RecordStandard(const FlagRow& row) {
     if (!IsStandard(row.kind)) {
         return;
     }
+    // The numbers of C's standards lie below those of C++.
     if (row.kind < FlagKind::StandardCpp98) {
         command_.cStandard = row.kind;
     }
@@ -174,6 +188,7 @@ void CommandVisitor::RecordStandard(const FlagRow& row) {
     }
 }
 
+// The last flag counts. Where a family decides otherwise, the flags that don't count have no such effect in its table.
 void CommandVisitor::RecordCharSign(FlagEffect effect) {
     if (effect == FlagEffect::SignedChar || effect == FlagEffect::UnsignedChar) {
         command_.unsignedChar = effect == FlagEffect::UnsignedChar;
@@ -207,6 +222,7 @@ void CommandVisitor::AddValues(const FlagUse& use, std::vector<std::string>& lis
 }
 
 void CommandVisitor::Keep(const FlagUse& use) {
+    // A list becomes one argument again. The other routes say the flag that hands on before each word.
     std::string listed(use.handedOnBy);
     for (std::size_t i = 0; i < use.wordCount; ++i) {
         switch (use.route) {
@@ -240,6 +256,7 @@ bool IsBesideItsHeader(const ParsedCommand& command) {
 // The text of a file that is preprocessed already has a language, too.
 void StateLanguageOfPreprocessed(InputKind kind, std::string_view driver, ParsedCommand& command) {
     if (IsPreprocessed(kind) && !command.language) {
+        // g++ and its like read ".i" as C++, as they do ".c".
         const bool isCppDriver = FileNameOf(driver).find("++") != std::string_view::npos;
         command.language = kind == InputKind::PreprocessedC && !isCppDriver ? Language::C : Language::Cpp;
     }
@@ -254,6 +271,7 @@ InvocationOutline OutlineInvocation(const Compiler& model, std::span<const std::
     ArgumentWalker<OutlineVisitor>(model, arguments, visitor, openValues).Walk();
     outline.reason = visitor.Reason();
     outline.makesObjects = visitor.MakesObjects();
+    // A command that compiles nothing may name sources all the same: one that only preprocesses does.
     if (!outline.reason.empty()) {
         outline.sources.clear();
     }
@@ -266,6 +284,7 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
     command.compilerType = model.Type();
     command.compilerPath = arguments.front();
     command.sourceFile = arguments[source.index].substr(source.offset);
+    // What holds without any flag; the flags go over it.
     command.unsignedChar = model.IsPlainCharUnsigned();
     command.keptArguments.reserve(arguments.size());
     CommandVisitor visitor(command, source.index);
@@ -273,9 +292,11 @@ ParsedCommand ReadCommandLine(const Compiler& model, std::span<const std::string
                                                         ? std::span<const std::size_t>(*source.openValues)
                                                         : std::span<const std::size_t>();
     ArgumentWalker<CommandVisitor>(model, arguments, visitor, openValues).Walk();
+    // The header gives the same text without the precompiled file, which may be gone or out of date.
     if (IsBesideItsHeader(command)) {
         DropPrecompiled(command);
     }
+    // In this order: the family states the kind by the language that is found here, and has the last word.
     StateLanguageOfPreprocessed(visitor.KindOfSource(), arguments.front(), command);
     model.StateKindOfSource(visitor.KindOfSource(), command);
     model.FinishParse(command);

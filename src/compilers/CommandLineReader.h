@@ -10,6 +10,10 @@
 #include <string_view>
 #include <vector>
 
+// A command is read in two steps. The outline says for every command of a build whether it compiles anything, and what;
+// a unit keeps only the words and the place of its source. All else is read when the unit's turn has come, and is
+// thrown away with it: of a large build, commands read in full would take far more memory than their words do.
+
 namespace Orvanta {
 
 /// What an invocation is, before it is read in full.

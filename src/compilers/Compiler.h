@@ -62,16 +62,19 @@ public:
     virtual bool MatchLongestPrefixFlag(std::string_view argument, std::string_view& introducer) const;
 
     /// The command that preprocesses the unit into the file at `outputPath`.
+    /// Nothing is started or looked at. The kept arguments come first, so that what the stage asks for goes over them.
     [[nodiscard]] virtual std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                           const std::string& outputPath) const = 0;
 
     /// The family's last adjustment of what was read, made when all arguments have been seen.
+    /// StateKindOfSource has been called by then.
     virtual void FinishParse(ParsedCommand& command) const;
 
     /// What a flag makes of every source, before and behind it; no value when there is no such flag.
     [[nodiscard]] std::optional<InputKind> KindOfAllInputs(std::span<const std::string> arguments) const;
 
     /// What the compiler takes a file for by its name, when a flag makes `ofAll` of every source.
+    /// The file need not exist.
     [[nodiscard]] virtual InputKind KindOfInput(std::string_view path, std::optional<InputKind> ofAll) const;
 
     /// Adds to the kept arguments what makes the compiler take the source for `kind` where it stands without the flag
@@ -82,6 +85,7 @@ public:
     [[nodiscard]] virtual bool IsPlainCharUnsigned() const noexcept { return false; }
 
     /// The files with further arguments that are not written "@FILE".
+    /// The result refers to constants.
     [[nodiscard]] virtual OptionFileSyntax OptionFiles() const noexcept { return {}; }
 
     /// The model that reads what flags such as "-Xclang" hand on.
@@ -90,14 +94,18 @@ public:
     /// What the program behind the driver knows beside the driver's flags; null when it is not known.
     [[nodiscard]] virtual const FlagTable* FrontEndFlags() const { return nullptr; }
 
+    /// The family that the registry finds this model by. A unit's own type may differ: a flag can make it one of
+    /// another mode.
     [[nodiscard]] CompilerType Type() const noexcept { return type_; }
 
     /// The family's word in the core's settings, such as "gcc".
     [[nodiscard]] std::string_view Name() const noexcept { return name_; }
 
+    /// The flags of the driver itself; valid as long as the model.
     [[nodiscard]] const FlagTable& Flags() const noexcept { return flags_; }
 
 protected:
+    /// `name` and `introducers` are kept as views: they must be constants of the program.
     Compiler(CompilerType type, std::string_view name, std::span<const std::string_view> introducers, FlagTable flags);
 
     /// What every preprocessing command begins with: the words that stand before the compiler, the compiler, and the

@@ -17,6 +17,7 @@ namespace Orvanta {
 namespace {
 
 constexpr std::string_view LauncherName = "ccache";
+// Far more than a version text takes: only what would never answer is stopped.
 constexpr std::chrono::seconds VersionQueryTimeout{10};
 // Bytes of each output; what a program prints beyond them is no version text.
 constexpr std::size_t LongestVersionText = 65536;
@@ -61,6 +62,7 @@ CompilerType IarGeneration(std::string_view text) {
     return CompilerType::IARArm;
 }
 
+// Goes on taking what it does not keep: a program that can't write its output would never end.
 OutputReceiver ReceiveUpToLimit(std::string& target) {
     return [&target](std::string_view bytes) {
         target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
@@ -97,6 +99,7 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
         result.compiler = std::make_shared<CompilerInfo>();
         return result;
     }
+    // By its own name only: under a compiler's name it acts as that compiler, and answers for it.
     if (FileNameOf(arguments.front()) == LauncherName) {
         if (!settings_.ignoreCcache || arguments.size() == 1) {
             result.verdict = IdentificationVerdict::Launcher;
@@ -107,12 +110,15 @@ CompilerIdentifier::Result CompilerIdentifier::IdentifyCompiler(std::vector<std:
     }
     LookUp& lookUp = LookUpOf(arguments.front(), workingDirectory, environment);
     if (!lookUp.isJudged) {
+        // Not remembered as judged: the same word may be asked about with the other query.
         if (!lookUp.exists && query == Query::IfPresent && !result.wrapped) {
             result.verdict = IdentificationVerdict::Missing;
             result.compiler = lookUp.compiler;
             return result;
         }
         result.compiler = Judge(lookUp.compiler->path, workingDirectory, environment);
+        // Not so when this invocation's folder or variables have kept the program from starting: the next one asks
+        // again.
         lookUp.isJudged = judged_.contains(lookUp.compiler->path);
         if (lookUp.isJudged) {
             lookUp.compiler = result.compiler;
@@ -146,6 +152,8 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
     const bool isAbsolute = IsAbsolutePath(program);
     const bool isBareName = !isAbsolute && FileNameOf(program).size() == program.size();
     const std::string* searchPath = nullptr;
+    // In one string that keeps its memory: there is a look-up for each command of the build. No path holds a zero byte,
+    // so that the parts can't run into each other.
     key_ = program;
     if (!isAbsolute) {
         key_.append(1, '\0').append(workingDirectory);
@@ -163,12 +171,15 @@ CompilerIdentifier::LookUp& CompilerIdentifier::LookUpOf(const std::string& prog
         return remembered->second;
     }
     std::string path = ProgramFileOf(JoinPath(workingDirectory, program));
+    // What lies in the invocation's own folder comes before the search path.
     if (isBareName && !IsExecutableFile(path)) {
         const std::string found = FindExecutableIn(program, *searchPath);
         if (!found.empty()) {
             return Remember(key_, AbsolutePath(found), true);
         }
     }
+    // Whether it may be executed is not asked: a program that can't be started says why when it is asked for its
+    // version.
     const PathAnswer file = LookAt(path);
     const bool exists = file.IsThere() && file.kind != PathKind::Folder;
     return Remember(key_, std::move(path), exists);
@@ -193,6 +204,7 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     }
     auto info = std::make_shared<CompilerInfo>();
     info->path = path;
+    // A name that tells saves the start of a program.
     if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
         info->type = *type;
     } else if (!AskForVersion(*info, workingDirectory, environment)) {
@@ -214,12 +226,14 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     const Environment variables = ChildEnvironment(environment, settings_.environmentChanges);
     CapturedOutput output;
     try {
+        // From the driver's own folder where that of the invocation is gone: the version does not depend on it.
         Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
                         EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
                         ReceiveUpToLimit(output.standardError));
         const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);
         if (!end.finished) {
             process.kill(true);
+            // A program that the user has stopped was not too slow.
             if (!stop_.IsSet()) {
                 log_.VerboseLine(FillPlaceholders(
                     "Timed out getting compiler version output.\nCommand: %1%\nEnvironment variables:\n%2%",
@@ -227,7 +241,9 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
             }
             return true;
         }
+        // Compilers differ in where they print it.
         compiler.version = output.standardOutput + output.standardError;
+        // Whatever the program returns: one that refuses the question may have told its name all the same.
         compiler.type = CompilerTypeByVersionText(compiler.version);
         if (end.exitCode != 0) {
             log_.VerboseLine(
@@ -242,6 +258,7 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
 }
 
 std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
+    // The stems come first: "clang-cl" contains "clang".
     const std::string_view stem = StemOf(path);
     for (const NameRule& rule : StemRules) {
         if (EqualsIgnoringCase(stem, rule.name)) {
@@ -280,6 +297,7 @@ CompilerType CompilerTypeByVersionText(std::string_view text) {
     if (firstWord.find("llvm") != std::string_view::npos || firstWord.find("clang") != std::string_view::npos) {
         return CompilerType::Clang;
     }
+    // GCC's text begins with the name under which it was called, which may be any: what nothing else tells is GCC.
     return CompilerType::Gcc;
 }
 

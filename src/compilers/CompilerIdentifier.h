@@ -71,11 +71,18 @@ private:
         std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
     };
 
+    // Where the word leads, from memory if it was met in the same circumstances. The reference stays valid: the map
+    // does not move what it holds.
     LookUp& LookUpOf(const std::string& program, const std::string& workingDirectory, const Environment& environment);
+    // Makes the record for a word that has been looked up; nothing is judged yet.
     LookUp& Remember(std::string key, std::string path, bool exists);
+    // The value of PATH that counts for an invocation: the run's changes, then its own variables, then the driver's.
+    // Empty when none of them has it.
     const std::string& SearchPath(const Environment& environment) const;
+    // The family of the program at `path`, by name or by asking; not null. May start it and wait for it.
     std::shared_ptr<const CompilerInfo> Judge(const std::string& path, const std::string& workingDirectory,
                                               const Environment& environment);
+    // Fills the version text and the type, or the fault. Blocks until the program has ended, or for its time limit.
     bool AskForVersion(CompilerInfo& compiler, const std::string& workingDirectory, const Environment& environment);
 
     const RunSettings& settings_;

@@ -5,11 +5,15 @@
 #include <memory>
 #include <vector>
 
+// Models have no state that depends on a unit, so that one of each serves all units and threads. They are made together
+// at the start of a run: whoever asks for one later needs no lock.
+
 namespace Orvanta {
 
 /// One shared model per compiler family. Immutable after construction.
 class CompilerRegistry {
 public:
+    /// Makes all models at once: their tables are sorted here and nowhere later.
     CompilerRegistry();
 
     /// \throws ZelmException "Unknown preprocessor type: " and the number, for a type without a model

@@ -11,6 +11,7 @@ namespace Orvanta {
 
 namespace {
 
+// Far more than an answer takes: only what would never come is stopped.
 constexpr std::chrono::seconds VersionQueryTimeout{10};
 // Bytes of each output; what a program prints beyond them is no version text.
 constexpr std::size_t LongestVersionText = 65536;
@@ -53,6 +54,7 @@ std::string_view TakeLastComponent(std::string_view& path) {
     return component;
 }
 
+// Goes on taking what it does not keep: a program that can't write its output would never end.
 OutputReceiver ReceiveUpToLimit(std::string& target) {
     return [&target](std::string_view bytes) {
         target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
@@ -62,11 +64,13 @@ OutputReceiver ReceiveUpToLimit(std::string& target) {
 // cl takes the question for an unknown option, and prints its banner all the same.
 std::optional<TargetBits> AskForTarget(const std::string& path) {
     const CapturedOutput output = AskCompiler(path, "--version");
+    // A line end between the two, so that they make no word together.
     return TargetByVersionText(output.standardOutput + '\n' + output.standardError);
 }
 
 } // namespace
 
+// In the driver's own folder and with its own variables: the answer is to hold for all units of this compiler.
 CapturedOutput AskCompiler(const std::string& path, const char* question) {
     CapturedOutput output;
     try {
@@ -94,6 +98,7 @@ std::optional<TargetBits> TargetByTriple(std::string_view triple) {
     return Find(Processors, triple.substr(0, triple.find('-')));
 }
 
+// A banner says the target as a word ("for x64"), a version text as the first part of a triple: one search finds both.
 std::optional<TargetBits> TargetByVersionText(std::string_view text) {
     constexpr std::string_view WhiteSpace = " \t\n\r\v\f";
     while (!text.empty()) {

@@ -8,6 +8,11 @@
 #include <string>
 #include <string_view>
 
+// The core has to be told whether a unit is compiled for 32 or 64 bits, and no flag tells it of cl: each target has a
+// compiler of its own, in a folder that is named after it. clang-cl is one program for all targets, and lies in a
+// folder that is named after its host. So the path is believed where it tells, and the compiler is asked where it does
+// not.
+
 namespace Orvanta {
 
 /// The target that a compiler's place in Visual Studio tells, such as "Hostx64\x86"; both separators count.

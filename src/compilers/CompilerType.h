@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <string_view>
 
+// A release or a mode of a compiler is a family of its own where its command has to be written in another way, or where
+// the core knows it by another name. Other differences between releases make none.
+
 namespace Orvanta {
 
 /// The compiler families; the numbers are fixed.

@@ -2,6 +2,10 @@
 
 #include <cstdint>
 
+// A flag has one kind, which says what becomes of its words, and one effect, which says what it makes of the
+// invocation. They are two columns because they vary apart: a flag for a language may be kept or dropped, have a value
+// or none.
+
 namespace Orvanta {
 
 /// What a flag says about the whole invocation, beside what its kind says about itself.
@@ -35,8 +39,10 @@ enum class FlagEffect : std::uint8_t {
 /// The effects of all flags of a command, as a set.
 class FlagEffects {
 public:
+    /// Adds one effect. None may be added, too: nobody asks for it.
     constexpr void Add(FlagEffect effect) noexcept { bits_ |= Bit(effect); }
 
+    /// Whether any flag of the command has it.
     [[nodiscard]] constexpr bool Has(FlagEffect effect) const noexcept { return (bits_ & Bit(effect)) != 0; }
 
 private:
@@ -44,6 +50,7 @@ private:
         return std::uint32_t{1} << static_cast<unsigned>(effect);
     }
 
+    // One bit for each effect: there is room for 32.
     std::uint32_t bits_ = 0;
 };
 

@@ -19,6 +19,7 @@ constexpr StandardWordRow StandardWords[] = {
 } // namespace
 
 std::string_view StandardWord(FlagKind standard, Language language) noexcept {
+    // The first standard of either language: the flag means both.
     if (standard == FlagKind::StandardAnsi) {
         return language == Language::C ? "c90" : "c++98";
     }

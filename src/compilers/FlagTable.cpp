@@ -6,6 +6,7 @@ namespace Orvanta {
 
 namespace {
 
+// Unsigned, as it is a place in an array.
 constexpr unsigned char FirstByte(std::string_view text) {
     return static_cast<unsigned char>(text.front());
 }
@@ -75,6 +76,7 @@ unsigned Following(FlagValue value, std::string_view rest) {
     return 0;
 }
 
+// A flag that names one source says nothing of the others.
 bool StatesLanguageOfAll(const FlagRow& row) {
     return row.kind != FlagKind::SourceOfLanguage &&
            (row.effect == FlagEffect::NamesC || row.effect == FlagEffect::NamesCpp);
@@ -87,8 +89,10 @@ FlagTable::FlagTable(std::initializer_list<std::span<const FlagRow>> parts) {
         rows_.insert(rows_.end(), part.begin(), part.end());
     }
     statesLanguage_ = std::any_of(rows_.begin(), rows_.end(), StatesLanguageOfAll);
+    // Stable: of rows with one name, that of the earlier part stays in front, where it is found first.
     std::stable_sort(rows_.begin(), rows_.end(), StandsBefore);
 
+    // A character without rows has an empty range, so that looking one up needs no test.
     std::uint16_t row = 0;
     for (std::size_t character = 0; character < 256; ++character) {
         firstOf_[character] = row;
@@ -106,11 +110,14 @@ FlagMatch FlagTable::Find(std::string_view argument, std::string_view introducer
     const unsigned char first = FirstByte(argument);
     const std::size_t shortest = introducer == "--" ? 2 : 1;
     const std::size_t end = firstOf_[first + std::size_t{1}];
+    // Longest first, so that the first row that fits is the answer, and the names that are too short stand together at
+    // the end.
     for (std::size_t i = firstOf_[first]; i < end && rows_[i].name.size() >= shortest; ++i) {
         const FlagRow& row = rows_[i];
         if (Fits(row, argument, introducer)) {
             std::string_view rest = argument.substr(row.name.size());
             const unsigned following = Following(row.value, rest);
+            // Behind a long flag's name stands "=": FitsAsBeginning has seen to it.
             if (row.value == FlagValue::Long && !rest.empty()) {
                 rest.remove_prefix(1);
             }

@@ -62,12 +62,14 @@ struct FlagRow {
     bool isKept; ///< for preprocessing
 
 private:
+    // Each puts one fact into its column: the types tell the columns apart, so that a row needs no empty places.
     constexpr void Take(FlagEffect fact) { effect = fact; }
 
     constexpr void Take(FlagValue fact) { value = fact; }
 
     constexpr void Take(FlagFile fact) { file = fact; }
 
+    // For the two functions below, which the compiler of this system runs for every row.
     static constexpr bool IsOneOf(FlagKind kind, std::initializer_list<FlagKind> kinds) {
         for (const FlagKind candidate : kinds) {
             if (candidate == kind) {
@@ -77,11 +79,13 @@ private:
         return false;
     }
 
+    // By kind alone; the kinds that are missing here are kept.
     static constexpr bool IsUsuallyKept(FlagKind kind) {
         return !IsOneOf(kind, {FlagKind::Drop, FlagKind::DropWithValue, FlagKind::Output, FlagKind::NoCompilation,
                                FlagKind::LinkerPart});
     }
 
+    // What a row need not say. A name that ends in "=" is looked at first: it decides whatever the kind is.
     static constexpr FlagValue UsualValue(std::string_view name, FlagKind kind) {
         if (!name.empty() && name.back() == '=') {
             return FlagValue::Glued;
@@ -106,6 +110,7 @@ struct FlagMatch {
     std::string_view gluedValue;       ///< the rest of the argument, without the "=" of a long flag
     unsigned following = 0;            ///< the number of arguments behind it that are its value
 
+    /// Whether a row of the table fits; compares the address, as a row may have the contents of UnknownFlag.
     [[nodiscard]] bool IsKnown() const noexcept { return row != &UnknownFlag; }
 };
 
@@ -136,6 +141,7 @@ constexpr bool RowsAreSound(const FlagRow (&rows)[Size]) {
         if (rows[i].file == FlagFile::Written && rows[i].isKept) {
             return false;
         }
+        // Each with each: it costs the build of this system something, and its users nothing.
         for (std::size_t j = i + 1; j < Size; ++j) {
             if (rows[i].name == rows[j].name) {
                 return false;

@@ -15,6 +15,7 @@ constexpr FlagRow GccFlags[] = {
     {"MMD", FlagKind::Drop, FlagFile::Written},
     {"MP", FlagKind::Drop},
     {"MM", FlagKind::Drop, FlagEffect::ListsDependencies},
+    // These write macro definitions, with the text or in its place.
     {"dM", FlagKind::Drop},
     {"dD", FlagKind::Drop},
     // Level 3 writes every macro definition into the preprocessed text.
@@ -31,16 +32,20 @@ constexpr FlagRow GccFlags[] = {
     {"Ofast", FlagKind::Drop},
     {"Og", FlagKind::Drop},
     {"O", FlagKind::Drop},
+    // Dependency files and what stands in them: the build has written them.
     {"MT", FlagKind::DropWithValue},
     {"MF", FlagKind::DropWithValue, FlagFile::Written},
     {"MQ", FlagKind::DropWithValue},
     {"I", FlagKind::UserInclude},
     {"isystem", FlagKind::SystemInclude},
+    // A root counts as a folder of the system: nothing below it is the project's own.
     {"isysroot", FlagKind::SystemInclude},
     {"idirafter", FlagKind::SystemInclude},
     {"sysroot=", FlagKind::SystemInclude},
     {"include", FlagKind::ForcedInclude},
     {"ansi", FlagKind::StandardAnsi},
+    // GNU's dialects go with the standards that they extend, and the names of drafts with what came of them: the core
+    // has words for the standards alone.
     {"std=c89", FlagKind::StandardC90},
     {"std=c90", FlagKind::StandardC90},
     {"std=iso9899:1990", FlagKind::StandardC90},
@@ -88,6 +93,7 @@ constexpr FlagRow GccFlags[] = {
     {"std=gnu++20", FlagKind::StandardCpp20},
     {"std=c++2a", FlagKind::StandardCpp20},
     {"std=gnu++2a", FlagKind::StandardCpp20},
+    // Concepts came with C++20: no earlier standard has the core read them.
     {"fconcepts", FlagKind::StandardCpp20},
     {"x", FlagKind::Language},
     {"Wp", FlagKind::Preprocessor},
@@ -160,6 +166,7 @@ constexpr FlagRow GccFlags[] = {
     {"frewrite-imports", FlagKind::Drop},
     {"frewrite-includes", FlagKind::Drop},
     {"fpch-preprocess", FlagKind::Drop},
+    // Kept: where nothing else includes the header that it was made from, all of the header's macros would be missing.
     {"include-pch", FlagKind::KeepWithValue, FlagEffect::NamesPrecompiled, FlagFile::Read},
 
     // What would write files of the build again, or fill the error output.
@@ -167,6 +174,7 @@ constexpr FlagRow GccFlags[] = {
     {"trace-includes", FlagKind::Drop},
     {"MG", FlagKind::Drop},
     {"MV", FlagKind::Drop},
+    // A piece of a compilation database.
     {"MJ", FlagKind::DropWithValue, FlagFile::Written},
     {"write-dependencies", FlagKind::Drop, FlagFile::Written},
     {"write-user-dependencies", FlagKind::Drop, FlagFile::Written},
@@ -190,12 +198,14 @@ constexpr FlagRow GccFlags[] = {
     {"index-unit-output-path", FlagKind::DropWithValue, FlagFile::Written},
     {"serialize-diagnostics", FlagKind::DropWithValue, FlagFile::Written},
     {"serialize-diagnostic-file", FlagKind::DropWithValue, FlagFile::Written},
+    // Would run every step under another program.
     {"wrapper", FlagKind::DropWithValue},
     {"Hd", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"Hf", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"Xf", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"d", FlagKind::Keep, FlagValue::ShortGlued},
     {"dump", FlagKind::DropWithValue, FlagValue::Long, FlagFile::Written},
+    // A file for each pass that its name goes on to say.
     {"fdump-", FlagKind::Drop, FlagValue::Glued, FlagFile::Written},
     {"gen-cdb-fragment-path", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
     {"module-dependency-dir", FlagKind::DropWithValue, FlagValue::Next, FlagFile::Written},
@@ -245,12 +255,14 @@ constexpr FlagRow GccFlags[] = {
 
     // What has a value of its own, which is no input. Most of it is for the linker and harmless.
     {"A", FlagKind::KeepWithValue},
+    // Programs and specs are looked for there first.
     {"B", FlagKind::KeepWithValue, FlagEffect::NamesSearchPrefix},
     {"prefix", FlagKind::KeepWithValue, FlagValue::Long, FlagEffect::NamesSearchPrefix},
     {"F", FlagKind::KeepWithValue},
     {"G", FlagKind::KeepWithValue},
     {"L", FlagKind::KeepWithValue},
     {"T", FlagKind::KeepWithValue},
+    // Without rows of their own these would be "T" with a glued value, and the word behind them a file.
     {"Tbss", FlagKind::KeepWithValue},
     {"Tdata", FlagKind::KeepWithValue},
     {"Ttext", FlagKind::KeepWithValue},
@@ -277,6 +289,7 @@ constexpr FlagRow GccFlags[] = {
     {"fplugin=", FlagKind::Keep, FlagFile::Read},
     {"framework", FlagKind::KeepWithValue},
     {"gcc-toolchain", FlagKind::KeepWithValue},
+    // Its macros count and its text does not: it is no forced include.
     {"imacros", FlagKind::KeepWithValue, FlagFile::Read},
     {"imultiarch", FlagKind::KeepWithValue},
     {"imultilib", FlagKind::KeepWithValue},
@@ -289,6 +302,7 @@ constexpr FlagRow GccFlags[] = {
     {"iwithprefixbefore", FlagKind::KeepWithValue},
     {"l", FlagKind::KeepWithValue},
     {"library-directory", FlagKind::KeepWithValue},
+    // Hands on options of the code generator, some of which write files.
     {"mllvm", FlagKind::Preprocessor, FlagValue::Next},
     {"param", FlagKind::KeepWithValue},
     {"resource-dir", FlagKind::KeepWithValue},
@@ -366,6 +380,7 @@ constexpr FlagRow GccFlags[] = {
     {"Xarch_host", FlagKind::KeepWithValue, FlagValue::Next},
     {"analyzer-output", FlagKind::KeepWithValue, FlagValue::Next},
     {"dsym-dir", FlagKind::KeepWithValue, FlagValue::Next},
+    // For Apple's linker, with several values each.
     {"segaddr", FlagKind::KeepWithValue, FlagValue::NextTwo},
     {"sectobjectsymbols", FlagKind::KeepWithValue, FlagValue::NextTwo},
     {"sectcreate", FlagKind::KeepWithValue, FlagValue::NextThree},
@@ -374,17 +389,20 @@ constexpr FlagRow GccFlags[] = {
     {"sectorder", FlagKind::KeepWithValue, FlagValue::NextThree},
     {"segprot", FlagKind::KeepWithValue, FlagValue::NextThree},
     {"platform_version", FlagKind::KeepWithValue, FlagValue::NextThree},
+    // Their value may stand in the next argument, though the names end in "=".
     {"fxray-always-instrument=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-attr-list=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-instruction-threshold=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-instrumentation-bundle=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-modes=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
     {"fxray-never-instrument=", FlagKind::KeepWithValue, FlagValue::GluedOrNext},
+    // A target is glued to it, for which alone the next argument is meant.
     {"Xarch_", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
     {"Xopenmp-target=", FlagKind::KeepWithValue, FlagValue::GluedAndNext},
     {"J", FlagKind::KeepWithValue},
     {"b", FlagKind::KeepWithValue},
     {"assert", FlagKind::KeepWithValue, FlagValue::Next},
+    // Long forms of "std=" and "m". What they mean is told by the row of the flag that the value names.
     {"std", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesStandard},
     {"machine", FlagKind::KeepWithValue, FlagValue::Next, FlagEffect::NamesMachine},
     {"machine=", FlagKind::Keep, FlagEffect::NamesMachine},
@@ -407,6 +425,7 @@ constexpr FlagRow GccFlags[] = {
     {"w", FlagKind::Keep},
     {"ObjC", FlagKind::Keep},
     {"ObjC++", FlagKind::Keep},
+    // Kept like what has no row. With one, the word behind them can't be taken for a value.
     {"coverage", FlagKind::Keep},
     {"undef", FlagKind::Keep},
     {"pipe", FlagKind::Keep},

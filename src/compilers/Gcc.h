@@ -2,16 +2,23 @@
 
 #include "compilers/Compiler.h"
 
+// Many vendors put their own driver in front of GCC or clang and keep its argument language. Such a family has this
+// class's table with a few rows in front of it; what the driver does beside that are the virtual functions.
+
 namespace Orvanta {
 
 /// The GNU compiler driver, and the base of every family that speaks its argument language.
 class Gcc : public Compiler {
 public:
+    /// GCC with no flags beyond the table that the others build on.
     Gcc();
+    /// Adds "-w": the build has told the warnings already. The source stands last, so that every language flag before
+    /// it holds for it.
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
     /// Makes the platform word of the size of words that a flag states.
     void FinishParse(ParsedCommand& command) const override;
+    /// Names the language of a source that is preprocessed already, as that of a plain one.
     void StateKindOfSource(InputKind kind, ParsedCommand& command) const override;
 
 protected:

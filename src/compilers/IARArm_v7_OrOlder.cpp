@@ -21,6 +21,7 @@ constexpr FlagRow IarFlags[] = {
     {"c99", FlagKind::StandardC99, FlagEffect::NamesC},
     {"c11", FlagKind::StandardC11, FlagEffect::NamesC},
     {"c++", FlagKind::Keep, FlagEffect::NamesCpp},
+    // Embedded C++ is a part of C++98: the core has no nearer word.
     {"ec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
     {"eec++", FlagKind::StandardCpp98, FlagEffect::NamesCpp},
     {"char_is_signed", FlagKind::Keep, FlagEffect::SignedChar}, // wins over "char_is_unsigned", which says what is so
@@ -47,6 +48,7 @@ constexpr FlagRow IarFlags[] = {
     // What the build writes.
     {"o", FlagKind::Output},
     {"output", FlagKind::Output, Long},
+    // What is glued to it chooses what is listed; the file stands behind it.
     {"l", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},
     {"dependencies", FlagKind::DropWithValue, FlagFile::Written},
     {"dependencies=", FlagKind::DropWithValue, GluedAndNext, FlagFile::Written},

@@ -27,6 +27,7 @@ constexpr InputKindRow Extensions[] = {
     {".CC", InputKind::Cpp},
     {".CPP", InputKind::Cpp},
     {".CXX", InputKind::Cpp},
+    // Units of modules are compiled like other sources.
     {".cppm", InputKind::Cpp},
     {".ixx", InputKind::Cpp},
     {".mpp", InputKind::Cpp},
@@ -74,6 +75,7 @@ constexpr InputKindRow Extensions[] = {
     {".rs", InputKind::OtherLanguage},
 };
 
+// As "-x" takes them. Words for languages that are not analyzed stand here as well: a file behind one is no C.
 constexpr InputKindRow LanguageWords[] = {
     {"c", InputKind::C},
     {"c++", InputKind::Cpp},
@@ -107,8 +109,10 @@ constexpr InputKindRow LanguageWords[] = {
     {"objective-c-cpp-output", InputKind::OtherLanguage},
 };
 
+// Even a flag that makes a source of every file leaves these to the linker.
 constexpr std::string_view WindowsLinkerExtensions[] = {".obj", ".lib", ".res", ".def", ".exp", ".dll", ".pdb"};
 
+// In the order of the rows: nearly all inputs of a build are found in the first few.
 InputKind KindOfExtension(std::string_view extension) noexcept {
     for (const InputKindRow& row : Extensions) {
         if (row.name == extension) {
@@ -124,6 +128,7 @@ InputKind InputKindByExtension(std::string_view path) noexcept {
     return KindOfExtension(ExtensionOf(path));
 }
 
+// Rows in upper case are never met here: ".C" is ".c".
 InputKind InputKindByWindowsExtension(std::string_view path) {
     return KindOfExtension(ToLowerAscii(ExtensionOf(path)));
 }

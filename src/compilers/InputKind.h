@@ -6,6 +6,10 @@
 #include <optional>
 #include <string_view>
 
+// What a driver takes an input for is decided by its extension, by a flag for the files behind it ("-x c++"), by a flag
+// for all files ("/TP"), or by one for a single file ("/TpFILE"). Kinds that are no sources are told apart all the
+// same: they are the reason why a command compiles nothing, and the user is told that reason.
+
 namespace Orvanta {
 
 /// What a compiler driver takes an input file for.

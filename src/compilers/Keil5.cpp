@@ -17,6 +17,7 @@ constexpr FlagRow Keil5Flags[] = {
     // Languages. The last of these holds for every source, whatever its extension.
     {"c90", FlagKind::StandardC90, FlagEffect::NamesC},
     {"c99", FlagKind::StandardC99, FlagEffect::NamesC},
+    // Without a number, armcc's C++ is that of 2003.
     {"cpp", FlagKind::StandardCpp03, FlagEffect::NamesCpp},
     {"cpp11", FlagKind::StandardCpp11, FlagEffect::NamesCpp},
     {"signed_chars", FlagKind::Keep, FlagEffect::SignedChar},
@@ -25,6 +26,7 @@ constexpr FlagRow Keil5Flags[] = {
     {"old_style_preprocessing", FlagKind::Keep}, // the build reads the source in this way, too
 
     // Folders, files and macros.
+    // Several folders may stand in one value.
     {"I", FlagKind::UserInclude, FlagValue::List},
     {"J", FlagKind::SystemInclude, FlagValue::List},
     {"preinclude", FlagKind::ForcedInclude, Long},
@@ -122,6 +124,7 @@ std::vector<std::string> Keil5::BuildPreprocessCommand(const ParsedCommand& comm
 
 void Keil5::FinishParse(ParsedCommand& command) const {
     command.platformWord = "arm";
+    // Decided here and not by the compiler's name: one program has both modes.
     if (command.effects.Has(FlagEffect::GnuExtensions)) {
         command.compilerType = CompilerType::Keil5Gnu;
     }

@@ -10,6 +10,10 @@
 #include <string>
 #include <vector>
 
+// Much of a command stands here twice. The kept arguments are the words as the build wrote them, and go back to the
+// compiler as they are: a command put together from parts would differ from the build's in order and spelling. The
+// parts beside them are for whoever has to know what the words say: the core, and the watch over the files of a unit.
+
 namespace Orvanta {
 
 /// A precompiled header that a flag names, and the kept arguments that do.

@@ -7,6 +7,7 @@ namespace {
 // clang-format off
 constexpr FlagRow QccFlags[] = {
     {"Wc", FlagKind::Preprocessor}, // a list of arguments for the compiler itself, which preprocesses
+    // In front of GCC's row of this name.
     {"P", FlagKind::Drop, FlagEffect::PreprocessesOnly},
     {"lang-c", FlagKind::Keep, FlagEffect::NamesC},
     {"lang-c++", FlagKind::Keep, FlagEffect::NamesCpp},

@@ -7,11 +7,13 @@ namespace Orvanta {
 
 namespace {
 
+// Without it, cl takes the text for one in the system's code page.
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 
 // A backslash takes the meaning from any character.
 std::string QuotedForGcc(std::string_view word) {
     if (word.empty()) {
+        // Without quotes an empty word would vanish.
         return "\"\"";
     }
     std::string quoted;
@@ -42,14 +44,18 @@ std::string QuotedForCl(std::string_view word) {
     std::size_t backslashes = 0;
     for (const char character : word) {
         if (character == '"') {
+            // Those before the quote are there once already: doubled they stand for themselves, and one more protects
+            // the quote.
             quoted.append(backslashes + 1, '\\');
         }
         backslashes = character == '\\' ? backslashes + 1 : 0;
         quoted += character;
     }
+    // The closing quote must not be protected by what the word ends in.
     return quoted.append(backslashes, '\\') += '"';
 }
 
+// One word a line: a line end separates words in every one of these languages.
 template <class Quote>
 std::string Lines(std::span<const std::string> words, Quote quote) {
     std::string text;
@@ -78,6 +84,7 @@ std::optional<std::string> ResponseFileText(CompilerType type, std::span<const s
     case CompilerType::Cl:
     case CompilerType::ClangCl: {
         std::string text = Lines(words, &QuotedForCl);
+        // Plain text is the same in every code page.
         return IsAscii(text) ? text : text.insert(0, ByteOrderMark);
     }
     case CompilerType::Keil5:

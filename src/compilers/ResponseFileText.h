@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+// A command can be longer than the system starts: its words may have come from response files of the build. Then they
+// go into a file again, by the quoting of the family that is to read it. That every word comes out of it as it went in
+// matters more than how the file looks, so that words are rather quoted too often.
+
 namespace Orvanta {
 
 /// The text of a file from which a compiler of this family reads `words`; absent for a type that is no family.

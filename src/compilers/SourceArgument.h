@@ -4,6 +4,9 @@
 #include <memory>
 #include <vector>
 
+// A unit refers to its source by the place of the argument, and not by the name: one name may stand twice in a command,
+// as a file and as the value of a flag, and only one of them is compiled.
+
 namespace Orvanta {
 
 /// One source file that an invocation compiles.

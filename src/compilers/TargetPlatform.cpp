@@ -48,9 +48,11 @@ std::optional<TargetPlatform> PlatformOfTriple(std::string_view triple) {
 
 bool IsNamedAfterForeignTarget(std::string_view path) {
     const std::string_view name = FileNameOf(path);
+    // A native compiler may have its triple in its name, too.
     const bool isOwn = std::any_of(std::begin(OwnProcessors), std::end(OwnProcessors),
                                    [name](std::string_view own) { return name.starts_with(own); });
     return !isOwn && std::any_of(std::begin(DriverNames), std::end(DriverNames), [name](std::string_view driver) {
+        // What stands before the driver has to have a dash itself, as triples have: "my-gcc" names no target.
         const std::size_t place = name.find(driver);
         return place != std::string_view::npos && name.substr(0, place).find('-') != std::string_view::npos;
     });
@@ -58,9 +60,11 @@ bool IsNamedAfterForeignTarget(std::string_view path) {
 
 std::optional<TargetPlatform> CompilerPlatforms::Get(const std::string& path) {
     return platforms_.Get(path, [&]() -> std::optional<TargetPlatform> {
+        // Starting a compiler costs more than all else here: only those whose name promises an answer are asked.
         if (!IsNamedAfterForeignTarget(path)) {
             return std::nullopt;
         }
+        // The answer is a line of its own, or nothing.
         return PlatformOfTriple(Trim(AskCompiler(path, "-dumpmachine").standardOutput));
     });
 }

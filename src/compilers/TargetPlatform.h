@@ -6,6 +6,10 @@
 #include <string>
 #include <string_view>
 
+// A cross compiler of GCC's kind makes programs of one target without any flag that says so. Its name mostly has the
+// triple in front; then it is worth asking, and a unit's platform follows from the answer. One with a plain name is
+// taken for a compiler of this machine: asking each would cost a start for nothing.
+
 namespace Orvanta {
 
 /// What is known of a target by its triple.

@@ -172,10 +172,12 @@ void TiArmCGT::StateKindOfSource(InputKind kind, ParsedCommand& command) const {
     std::vector<std::string>& kept = command.keptArguments;
     const InputKind byExtension = InputKindByExtension(command.sourceFile);
     const std::string_view extension = ExtensionOf(command.sourceFile);
+    // Without an extension there is none that could be given another meaning.
     if (kind == byExtension || extension.size() < 2) {
         return;
     }
     if (kind == InputKind::Cpp && byExtension == InputKind::C) {
+        // Otherwise a flag that is kept says so already.
         if (!command.effects.Has(FlagEffect::NamesCpp)) {
             kept.emplace_back("--cpp_default");
         }

@@ -33,6 +33,7 @@ void InvocationQueue::Add(std::shared_ptr<TracedInvocation> invocation) {
 }
 
 void InvocationQueue::Flush() {
+    // In the order in which they began: one that has to wait holds up those behind it.
     while (!waiting_.empty() && TakeFirst(waiting_.size() > MostWaiting)) {
     }
 }
@@ -71,6 +72,7 @@ bool InvocationQueue::TakeFirst(bool mayGuess) {
 }
 
 InvocationQueue::Place InvocationQueue::PlaceOf(const TracedInvocation& invocation) {
+    // A launcher says nothing of itself while its own place is open: what is around it decides.
     Enclosure enclosure = EnclosureOf(invocation);
     while (enclosure.invocation != nullptr && enclosure.invocation->isTransparent && !enclosure.invocation->isWithin) {
         enclosure = EnclosureOf(*enclosure.invocation);
@@ -78,6 +80,7 @@ InvocationQueue::Place InvocationQueue::PlaceOf(const TracedInvocation& invocati
     if (enclosure.unknown != nullptr) {
         return Place::Unknown;
     }
+    // A compiler has no such mark, and what it starts is within its run; a launcher passes its own place on.
     const bool isWithin = enclosure.invocation != nullptr && enclosure.invocation->isWithin.value_or(true);
     // So that a chain of launchers is gone through once, not once for each.
     for (Enclosure passed = EnclosureOf(invocation);
@@ -98,6 +101,7 @@ void InvocationQueue::TellLaunchers(const TracedInvocation& invocation) {
 }
 
 void InvocationQueue::HandOver(TracedInvocation& invocation, const std::string& directory) {
+    // Where the trace does not show the environment, the driver's own stands in for it, unchanged.
     static const Environment none;
     if (MayCompile(invocation.arguments)) {
         TellLaunchers(invocation);
@@ -113,6 +117,7 @@ void InvocationQueue::HandOver(TracedInvocation& invocation, const std::string& 
 
 /// Takes what the environment says for the directory, else what the user says.
 void InvocationQueue::GuessDirectory(const TracedInvocation& invocation) const {
+    // There is one: a directory with none missing is absolute.
     ProcessOrigin& origin = *MissingOrigin(invocation.directory);
     std::string guess = origin.guessedDirectory;
     if (guess.empty() && collector_.Settings().traceDirectory) {

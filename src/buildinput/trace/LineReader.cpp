@@ -33,6 +33,7 @@ bool LineReader::Next(std::string_view& line) {
             return true;
         }
         searched = end_ - next_;
+        // A file without line ends, which is no trace, must not be read into the memory as one line.
         if (searched > LongestLine) {
             HandOut(line, next_ + LongestLine);
             next_ += LongestLine;
@@ -40,6 +41,7 @@ bool LineReader::Next(std::string_view& line) {
             return true;
         }
     } while (FillBlock());
+    // Behind the last line end nothing may be left; what is left is a line without an end.
     if (next_ == end_) {
         return false;
     }
@@ -79,6 +81,7 @@ bool LineReader::FillBlock() {
         block_.resize(block_.size() * 2);
     }
     input_.read(block_.data() + end_, static_cast<std::streamsize>(block_.size() - end_));
+    // The end of the stream is no fault: it sets other marks.
     if (input_.bad()) {
         throw ZelmException("Couldn't read the input to its end");
     }

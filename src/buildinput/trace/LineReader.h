@@ -5,6 +5,9 @@
 #include <string_view>
 #include <vector>
 
+// A trace may be larger than the memory, and a line of it as long as a command with all its variables. The lines of the
+// standard library would be copied one by one out of the stream's own buffer, while most of them are passed over.
+
 namespace Orvanta {
 
 /// Hands out the lines of a stream of any length from blocks: nothing is copied but lines that cross two blocks.
@@ -24,8 +27,11 @@ public:
     [[nodiscard]] std::size_t Number() const noexcept { return number_; }
 
 private:
+    /// Makes the block larger when half of it is one unfinished line. Views into the block are no longer valid.
     bool FillBlock();
+    /// Skips what is left of a line that was cut; false when the stream ends within it.
     bool DropRestOfLine();
+    /// Makes `line` what lies before `end` and counts it. Where to go on is for the caller to set.
     void HandOut(std::string_view& line, std::size_t end);
 
     std::istream& input_;

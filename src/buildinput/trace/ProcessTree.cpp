@@ -6,10 +6,12 @@ namespace Orvanta {
 
 namespace {
 
+/// Whether a start shares what the flag stands for. The trace writes flags by name; calls without any share nothing.
 bool Shares(std::string_view arguments, std::string_view flag) {
     return arguments.find(flag) != std::string_view::npos;
 }
 
+/// Null where there is nothing to copy: most processes have no directory open.
 std::shared_ptr<OpenDirectories> CopyOf(const std::shared_ptr<OpenDirectories>& files) {
     return files == nullptr || files->empty() ? nullptr : std::make_shared<OpenDirectories>(*files);
 }
@@ -18,6 +20,7 @@ std::shared_ptr<OpenDirectories> InheritedFiles(TraceProcess& parent, std::strin
     if (!Shares(arguments, "CLONE_FILES")) {
         return CopyOf(parent.files);
     }
+    // The parent may open its first directory later: the child has it then, too.
     if (parent.files == nullptr) {
         parent.files = std::make_shared<OpenDirectories>();
     }
@@ -45,6 +48,7 @@ TraceProcess& ProcessTree::At(ProcessId id, std::size_t line) {
     TraceProcess& process = Create(id);
     process.origin->line = line;
     process.directory = std::make_shared<TraceDirectory>(TraceDirectory{"", process.origin});
+    // With no start under way, no later line can tell who started it.
     if (pendingStarts_ == 0) {
         MakeRoot(*process.origin);
     } else {
@@ -63,6 +67,7 @@ TraceProcess* ProcessTree::Only() {
 }
 
 void ProcessTree::BeginCall(TraceProcess& process, TraceCall call, std::string_view text, std::size_t line) {
+    // A process makes one call at a time: the trace has not shown the end of the one before.
     EndCall(process);
     process.pendingCall = call;
     process.pendingText = text;
@@ -79,6 +84,7 @@ void ProcessTree::ContinueCall(TraceProcess& process, std::string_view more) {
 void ProcessTree::EndCall(TraceProcess& process) {
     const TraceCall call = std::exchange(process.pendingCall, TraceCall::Other);
     process.pendingText.clear();
+    // All starts have returned: what is still without a parent has none in this trace.
     if (call == TraceCall::Fork && --pendingStarts_ == 0) {
         Settle();
     }
@@ -93,6 +99,8 @@ void ProcessTree::Start(TraceProcess& parent, ProcessId child, std::string_view 
     if (unknown != unknown_.end()) {
         const std::shared_ptr<ProcessOrigin> origin = unknown->second;
         unknown_.erase(unknown);
+        // Seen after the call began, it is the child. One seen before it is another process, which had the number
+        // first.
         if (origin->line > callLine) {
             Adopt(origin, parent, arguments);
             return;
@@ -105,6 +113,7 @@ void ProcessTree::Start(TraceProcess& parent, ProcessId child, std::string_view 
     TraceProcess& process = Create(child);
     process.origin->line = line;
     process.origin->state = ProcessOrigin::State::Started;
+    // The directory of this moment: the parent may change its own at any time.
     process.origin->directory = *parent.directory;
     Enclosure enclosure = parent.FindEnclosure();
     process.origin->enclosing = std::move(enclosure.invocation);
@@ -162,6 +171,7 @@ void ProcessTree::Replace(ProcessId id, ProcessId thread) {
     processes_[id] = std::move(process);
 }
 
+// Moved in the same way as a thread that takes its process's number.
 void ProcessTree::Rename(TraceProcess& process, ProcessId id) {
     process.origin->process = id;
     Replace(id, process.id);

@@ -11,12 +11,14 @@ namespace Orvanta {
 
 namespace {
 
+// Bounds what is remembered in a trace of any length.
 constexpr std::size_t MostAnswers = 10000;
 constexpr std::string_view Ccache = "ccache";
 // With it Clang's driver starts itself for a single step.
 constexpr std::string_view InnerPass = "-cc1";
 constexpr std::string_view Distcc = "distcc";
 
+/// An option that stands between the loader and the program.
 struct LoaderOption {
     std::string_view name;
     bool takesValue;
@@ -61,6 +63,7 @@ void RemoveLoader(std::vector<std::string>& words) {
     words.erase(words.begin(), words.begin() + static_cast<std::ptrdiff_t>(std::min(program, words.size())));
 }
 
+/// The path stands in the place of the program's own name, which may be anything and leads nowhere.
 std::vector<std::string> WordsOf(const ExecutedProgram& program) {
     std::vector<std::string> words = {program.path};
     words.reserve(program.arguments.items.size() + 1);
@@ -103,6 +106,7 @@ bool TracedCommandFinder::MayCompile(const std::string& path) {
 
 std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& program) const {
     std::vector<std::string> words = WordsOf(program);
+    // The system starts the loader by itself and shows nothing of it; here a build has named it in front of a program.
     if (IsLoader(words.front())) {
         RemoveLoader(words);
     }
@@ -111,6 +115,7 @@ std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& pr
     }
     std::optional<TracedCommand> command = Unwrap(std::move(words));
     if (command) {
+        // Asked of all words that were executed, those of the loader and of launchers among them.
         command->isCut = IsCut(program.arguments);
     }
     return command;
@@ -119,9 +124,11 @@ std::optional<TracedCommand> TracedCommandFinder::Find(const ExecutedProgram& pr
 std::optional<TracedCommand> TracedCommandFinder::Unwrap(std::vector<std::string> words) const {
     std::size_t compiler = 0;
     std::optional<std::string> ccache;
+    // One launcher may start another one: "ccache distcc g++".
     for (; compiler + 1 < words.size() && IsLauncher(words[compiler]); ++compiler) {
         if (IsProgramNamed(words[compiler], Ccache)) {
             ccache = ccache ? ccache : words[compiler];
+            // Settings of ccache, as it takes them before the compiler.
             while (compiler + 2 < words.size() && IsAssignment(words[compiler + 1])) {
                 ++compiler;
             }

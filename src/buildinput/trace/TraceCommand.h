@@ -9,6 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
+// A database lists compilers; a trace shows whatever the build has run. So only programs count here that the settings
+// name as compilers, or that start such a one; the collector then asks what they are.
+
 namespace Orvanta {
 
 /// What a traced process has executed, as far as the trace shows it.
@@ -43,7 +46,10 @@ public:
     [[nodiscard]] bool IsCompiler(std::string_view path) const;
 
 private:
+    /// Whether the program takes a compiler's command and starts it, perhaps where no trace sees it.
     [[nodiscard]] bool IsLauncher(std::string_view path) const;
+    /// The compiler's command within the words, which are not empty; no value when there is none. "ccache" stays in
+    /// front.
     [[nodiscard]] std::optional<TracedCommand> Unwrap(std::vector<std::string> words) const;
 
     const RunSettings& settings_;

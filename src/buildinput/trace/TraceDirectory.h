@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+// A trace tells changes of directories, and seldom where the first process began. So a directory is a path from where
+// some process began, until a question for it (getcwd) or a user tells the beginning; then all that hangs on it is
+// known.
+
 namespace Orvanta {
 
 struct ProcessOrigin;
@@ -16,6 +20,7 @@ struct TraceDirectory {
     /// Follows a change of the directory. A relative path is resolved by text; ".." behind a name stays.
     void Change(std::string_view to);
 
+    /// Makes it a path that depends on no process any more.
     void Set(std::string absolutePath);
 
     /// Whether the directory is still the one with which `origin` began.

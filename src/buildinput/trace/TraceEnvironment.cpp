@@ -19,6 +19,7 @@ std::string_view TextOf(const TraceArray& texts) {
     return {begin, static_cast<std::size_t>(last.data() + last.size() - begin)};
 }
 
+/// Emplacing leaves the first of two values in its place, which is the one that programs find.
 Environment MakeEnvironment(const TraceArray& texts) {
     Environment environment;
     for (const TraceLiteral& literal : texts.items) {
@@ -43,6 +44,7 @@ std::shared_ptr<const Environment> TraceEnvironments::Get(const TraceArray& text
     }
     const std::string_view text = TextOf(texts);
     for (const Entry& entry : recent_) {
+        // Compared as the trace writes it: nothing is decoded of an environment that is known.
         if (entry.environment != nullptr && entry.text == text) {
             return entry.environment;
         }

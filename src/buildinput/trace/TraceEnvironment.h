@@ -20,6 +20,7 @@ public:
     [[nodiscard]] std::shared_ptr<const Environment> Get(const TraceArray& texts);
 
 private:
+    // A build has several chains of processes under way at a time, whose lines are mixed.
     static constexpr std::size_t Remembered = 8;
 
     struct Entry {

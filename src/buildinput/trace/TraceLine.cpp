@@ -13,6 +13,7 @@ struct CallName {
     TraceCall call;
 };
 
+// The most frequent first.
 constexpr CallName CallNames[] = {
     {"openat", TraceCall::OpenAt},
     {"open", TraceCall::Open},
@@ -30,6 +31,7 @@ constexpr CallName CallNames[] = {
 };
 
 constexpr std::size_t MostDigits = 9; // processes have smaller numbers
+// What may stand at the end of a line that is cut, by the tracer itself or by a message of its own.
 constexpr std::string_view Unfinished = "<unfinished ...>";
 constexpr std::string_view Detached = "<detached ...>";
 constexpr std::string_view ProcessChanged = "<pid changed to ";
@@ -51,6 +53,7 @@ void SkipBlanks(std::string_view& text) {
     }
 }
 
+/// False when the text begins otherwise; it is then left as it is.
 bool TakePrefix(std::string_view& text, std::string_view prefix) {
     if (!text.starts_with(prefix)) {
         return false;
@@ -59,6 +62,7 @@ bool TakePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
+/// A number of too many digits may overflow on the way, and is refused.
 std::optional<ProcessId> TakeNumber(std::string_view& text) {
     ProcessId number = 0;
     std::size_t length = 0;
@@ -133,6 +137,7 @@ std::size_t NameLength(std::string_view text) {
 
 /// Cuts off what says that the call goes on in a later line.
 bool TakeUnfinishedMark(std::string_view& text) {
+    // Each mark ends in one of these, which ends few other lines.
     if (text.empty() || (text.back() != '>' && text.back() != 'd')) {
         return false;
     }
@@ -153,6 +158,7 @@ bool TakeUnfinishedMark(std::string_view& text) {
     return true;
 }
 
+/// A name and a bracket make a call. Of one that nobody follows no more is kept than that.
 void ParseCall(std::string_view text, TraceLine& line) {
     const std::size_t length = NameLength(text);
     if (length == 0 || length == text.size() || text[length] != '(') {
@@ -160,6 +166,7 @@ void ParseCall(std::string_view text, TraceLine& line) {
     }
     line.kind = TraceLine::Kind::Call;
     line.call = CallByName(text.substr(0, length));
+    // The text of a call that nobody follows is not looked at: most lines are such.
     if (line.call != TraceCall::Other) {
         line.text = text.substr(length + 1);
         line.isUnfinished = TakeUnfinishedMark(line.text);
@@ -210,6 +217,7 @@ TraceLine ParseTraceLine(std::string_view line) {
         ParseCall(rest, parsed);
     }
     if (parsed.kind == TraceLine::Kind::Other && !parsed.process) {
+        // The rest of a line that was interrupted has no process in front.
         parsed.kind = TraceLine::Kind::LooseEnd;
         parsed.text = line;
         parsed.isUnfinished = TakeUnfinishedMark(parsed.text);

@@ -4,6 +4,19 @@
 #include <optional>
 #include <string_view>
 
+// What the kinds of lines look like:
+//
+//     123 execve("/usr/bin/cc", ["cc", "-c", "a.c"], 0x7ffc /* 20 vars */) = 0    a Call
+//     123 vfork( <unfinished ...>                                                 the first part of a Call
+//     124 chdir("lib") = 0                                                        a Call of another process in between
+//     123 <... vfork resumed>) = 124                                              a Resumption
+//     123 --- SIGCHLD {si_signo=SIGCHLD, ...} ---                                 an Event
+//     124 +++ exited with 0 +++                                                   an End
+//     123 +++ superseded by execve in pid 125 +++                                 a Replacement
+//
+// A line is told by its beginning, and by its end where it is cut: the millions of lines of other calls are passed over
+// without a look at what stands between.
+
 namespace Orvanta {
 
 using ProcessId = std::uint32_t;

@@ -13,6 +13,7 @@ namespace {
 void EndLater(std::shared_ptr<void> part) {
     static thread_local std::vector<std::shared_ptr<void>> waiting;
     static thread_local bool isEnding = false;
+    // Others hold it still: it does not end here.
     if (part.use_count() != 1) {
         return;
     }
@@ -35,6 +36,7 @@ void ShortenWay(ProcessOrigin* origin) {
     for (; origin != nullptr && origin->directory; origin = origin->directory->base.get()) {
         way.push_back(origin);
     }
+    // From the far end, so that each takes over a path that is short already. A way of one step has nothing to shorten.
     for (std::size_t i = way.size() < 2 ? 0 : way.size() - 1; i > 0; --i) {
         TraceDirectory& directory = *way[i - 1]->directory;
         const TraceDirectory& next = *way[i]->directory;
@@ -84,6 +86,7 @@ Enclosure TraceProcess::FindEnclosure() const {
 std::optional<std::string> AbsoluteDirectory(const TraceDirectory& directory) {
     ShortenWay(directory.base.get());
     std::string path = directory.path;
+    // One or two steps, now that the way is short.
     for (const ProcessOrigin* base = directory.base.get(); base != nullptr; base = base->directory->base.get()) {
         if (!base->directory) {
             return std::nullopt;

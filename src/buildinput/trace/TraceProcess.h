@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+// A process is known while it lives. What others need of it afterwards are its origin, on which the directories of its
+// children hang, and its invocation, within which they run: both live as long as somebody refers to them.
+
 namespace Orvanta {
 
 struct TracedInvocation;
@@ -86,6 +89,7 @@ struct TraceProcess {
     std::string pendingText;
     std::size_t pendingLine = 0;
 
+    /// The compiler within whose run this process works: itself, when it has become one.
     [[nodiscard]] Enclosure FindEnclosure() const;
 };
 

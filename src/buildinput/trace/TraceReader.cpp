@@ -96,6 +96,7 @@ void TraceReader::ReadLine(std::string_view text, std::size_t number) {
         break;
     case TraceLine::Kind::Call:
         isTrace_ = true;
+        // An unfinished call is kept whatever it is: how it ends stands in another line.
         if (line.call != TraceCall::Other && (line.isUnfinished || CanMatter(line.call, line.text))) {
             ReadCall(line);
         }
@@ -104,6 +105,7 @@ void TraceReader::ReadLine(std::string_view text, std::size_t number) {
         isTrace_ = true;
         if (line.call != TraceCall::Other) {
             TraceProcess& process = ProcessOf(line);
+            // A trace that began in the middle resumes calls of which it has not shown the beginning.
             if (process.pendingCall == line.call) {
                 ReadResumption(process, line.text, line.isUnfinished);
             }
@@ -150,6 +152,7 @@ void TraceReader::ReadCall(const TraceLine& line) {
         interrupted_ = process.id;
         return;
     }
+    // A call that stands in one line: whatever the process had begun before will not be resumed.
     tree_.EndCall(process);
     Complete(process, line.call, line.text, number_);
 }
@@ -161,11 +164,13 @@ void TraceReader::ReadResumption(TraceProcess& process, std::string_view text, b
         return;
     }
     const TraceCall call = process.pendingCall;
+    // Taken out of the process, which may end before the views into its text do.
     const std::string whole = std::exchange(process.pendingText, {});
     const ProcessId id = process.id;
     if (!HasFailed(whole)) {
         Complete(process, call, whole, process.pendingLine);
     }
+    // Ended only when it has been followed: with no start under way, its child would be taken for a root.
     if (TraceProcess* const still = tree_.Find(id)) {
         tree_.EndCall(*still);
         queue_.Flush();
@@ -205,6 +210,7 @@ void TraceReader::AddLaunchers(const TraceProcess& process) {
 /// Follows a call that has ended and did not fail.
 void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine) {
     const TracedCall parsed = ParseTracedCall(call, text);
+    // A call without success is read, and there is nothing to take over of it.
     const bool isRead = parsed.isReadable && (!parsed.HasSucceeded() || Fold(process, parsed, text, callLine));
     if (!isRead) {
         const char* const what = HasResult(text) ? "this call can't be read" : "this call is cut short";
@@ -268,7 +274,10 @@ void TraceReader::FoldStart(TraceProcess& process, const TracedCall& call, std::
 
 bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine) {
     TakeProgramPath(process, call);
+    // Most programs of a build are no compilers, and their arguments may be long: they are read only where something
+    // asks.
     const bool mayCompile = finder_.MayCompile(program_.path);
+    // What a compiler that is known starts is part of its run, and not passed over.
     if (!mayCompile && LooksLikeCompiler(program_.path) && process.FindEnclosure().invocation == nullptr) {
         ++passedOver_[std::string(FileNameOf(program_.path, PathRules::Posix))];
     }
@@ -282,11 +291,13 @@ bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, s
             process.origin->guessedDirectory = DirectoryVariable(reader.Rest());
         }
     }
+    // A program that is executed has a table of its own, even where its process shared one before.
     if (process.files != nullptr) {
         process.files = std::make_shared<OpenDirectories>(*process.files);
         std::erase_if(*process.files, [](const auto& opened) { return opened.second.closesOnExecute; });
     }
     if (mayCompile) {
+        // Without -v the tracer shows an address and a number in its place.
         if (!reader.TakeArray(program_.environment)) {
             program_.environment.isWhole = false;
         }
@@ -333,6 +344,7 @@ void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::siz
         invocation->fault = "line " + std::to_string(line) + " of the trace: " + AdviceForCutTexts;
     }
     process.invocation = invocation;
+    // A launcher waits for its end, see AddLaunchers.
     if (!invocation->isTransparent) {
         queue_.Add(std::move(invocation));
     }
@@ -340,6 +352,7 @@ void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::siz
 
 void TraceReader::FoldFileChange(TraceProcess& process, const TracedCall& call) {
     if (call.filePath) {
+        // What the tracer shows itself counts more than what was opened under this number.
         process.directory->Set(*call.filePath);
     } else if (call.file && process.files != nullptr && process.files->contains(*call.file)) {
         *process.directory = process.files->at(*call.file).directory;
@@ -352,6 +365,7 @@ void TraceReader::Locate(TraceProcess& process, const std::string& path) {
         return; // "(unreachable)/..."
     }
     const std::shared_ptr<ProcessOrigin> base = process.directory->base;
+    // It has not moved since it began, so that its beginning is known as well, and with it where its children are.
     if (base != nullptr && !base->directory && process.directory->path.empty()) {
         base->directory = TraceDirectory{path, nullptr};
     }
@@ -359,6 +373,7 @@ void TraceReader::Locate(TraceProcess& process, const std::string& path) {
 }
 
 void TraceReader::LocateByFile(TraceProcess& process, const std::optional<std::string>& path) {
+    // Nothing is learnt where the directory is absolute already, which it mostly is.
     if (path && process.directory->base != nullptr) {
         Locate(process, *path);
         queue_.Flush();
@@ -367,6 +382,7 @@ void TraceReader::LocateByFile(TraceProcess& process, const std::optional<std::s
 
 void TraceReader::FoldOpening(TraceProcess& process, const TracedCall& call) {
     LocateByFile(process, call.file ? std::nullopt : call.filePath);
+    // A directory is opened to be read, and never created by being opened.
     const bool isFile =
         call.rest.find("O_RDONLY") == std::string_view::npos || call.rest.find("O_CREAT") != std::string_view::npos;
     if (!isFile) {
@@ -399,9 +415,11 @@ void TraceReader::RememberOpened(TraceProcess& process, const TracedCall& call) 
 }
 
 bool TraceReader::Finish() {
+    // An empty file may be a trace of nothing; one with lines, none of them a trace's, is another kind of file.
     if (!isTrace_ && number_ > 0) {
         return false;
     }
+    // What lives still will show no end, for which a launcher waits otherwise.
     tree_.ForEach([this](const TraceProcess& process) { AddLaunchers(process); });
     tree_.Settle();
     warnings_.Finish();
@@ -416,6 +434,7 @@ bool TraceReader::Finish() {
 } // namespace
 
 bool ReadTrace(std::istream& input, const std::string& path, InvocationCollector& collector) {
+    // Configure scripts are traced with the build, and remove what they have compiled.
     collector.LeaveOutDeletedSources();
     LineReader lines(input);
     TraceReader reader(path, collector);

@@ -18,6 +18,7 @@ struct Escape {
     char character;
 };
 
+// Any other character behind a backslash stands for itself.
 constexpr Escape Escapes[] = {
     {'n', '\n'}, {'t', '\t'}, {'r', '\r'}, {'v', '\v'}, {'f', '\f'},
 };
@@ -35,6 +36,7 @@ std::optional<char> TakeCode(std::string_view& text, std::size_t most, int base)
 
 /// Takes an escape off the text, which follows its backslash.
 char TakeEscape(std::string_view& text) {
+    // Digits without a letter are octal, as many as three: the tracer writes fewer where no digit follows.
     if (const std::optional<char> character = TakeCode(text, OctalDigits, 8)) {
         return *character;
     }
@@ -51,11 +53,13 @@ char TakeEscape(std::string_view& text) {
     return letter;
 }
 
+/// Copies stretches without a backslash as a whole: most texts are one.
 void DecodeEscapes(std::string_view raw, std::string& text) {
     text.clear();
     while (true) {
         const std::size_t plain = std::min(raw.find('\\'), raw.size());
         text += raw.substr(0, plain);
+        // Nothing is left, or a lone backslash, which protects nothing: the text was cut there.
         if (plain + 1 >= raw.size()) {
             return;
         }
@@ -68,6 +72,7 @@ void DecodeEscapes(std::string_view raw, std::string& text) {
 std::size_t FindEndOfLiteral(std::string_view text) {
     std::size_t position = 0;
     while (true) {
+        // Looks for quotes and then back: texts are long, and mostly hold neither quotes nor backslashes.
         position = text.find('"', position);
         if (position == std::string_view::npos) {
             return position;
@@ -76,6 +81,7 @@ std::size_t FindEndOfLiteral(std::string_view text) {
         while (begin > 0 && text[begin - 1] == '\\') {
             --begin;
         }
+        // Behind an odd number of backslashes the quote is part of the text.
         if ((position - begin) % 2 == 0) {
             return position;
         }
@@ -161,6 +167,7 @@ bool TraceTextReader::TakeFile(std::optional<std::int64_t>& number, std::optiona
 
 std::optional<TraceResult> TraceTextReader::TakeResult() {
     while (true) {
+        // Arguments may hold brackets, too: the one that ends the call has "=" behind it.
         const std::size_t end = rest_.find(')');
         if (end == std::string_view::npos) {
             return std::nullopt;

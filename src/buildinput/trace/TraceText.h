@@ -6,6 +6,10 @@
 #include <string_view>
 #include <vector>
 
+// The tracer writes a call as C would, with what its options add: paths behind the numbers of files (-y), texts in
+// hexadecimal (-xx), and "..." behind a text or an array that is longer than it shows (-s). What is cut has to be
+// noticed here: half a command would compile to something else.
+
 namespace Orvanta {
 
 /// A text as a trace writes it: between double quotes, with escapes.
@@ -15,6 +19,7 @@ struct TraceLiteral {
 
     /// The text itself.
     [[nodiscard]] std::string Decode() const;
+    /// The same into a text that is used again: what it held is replaced, its memory is kept.
     void DecodeInto(std::string& text) const;
 };
 
@@ -33,6 +38,7 @@ struct TraceResult {
 /// Takes a call's arguments off its text one by one. Views stay valid as long as the text.
 class TraceTextReader {
 public:
+    /// `text` is what follows the call's opening bracket, or a later part of that.
     explicit TraceTextReader(std::string_view text) : rest_(text) {}
 
     /// Takes `token` when it comes next.
@@ -50,6 +56,7 @@ public:
     /// Takes what is left of the arguments and the result; no value when the call has none, as one that never returned.
     [[nodiscard]] std::optional<TraceResult> TakeResult();
 
+    /// What has not been taken yet.
     [[nodiscard]] std::string_view Rest() const noexcept { return rest_; }
 
 private:

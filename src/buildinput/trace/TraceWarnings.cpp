@@ -21,6 +21,7 @@ void TraceWarnings::Malformed(std::size_t line, const std::string& what) {
 }
 
 void TraceWarnings::Finish() {
+    // Advice stands only here: told with each, it would be read five times.
     TellRest(neverStarted_, " more processes were never started: trace with -f and with the calls of -e trace=process, "
                             "so that every folder is right");
     TellRest(malformed_, " more lines of " + path_ + " can't be read");

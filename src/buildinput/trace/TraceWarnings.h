@@ -8,6 +8,9 @@
 #include <string>
 #include <utility>
 
+// A trace that was made without some option is wrong in the same way in every other line. A few examples tell a user as
+// much as thousands, and leave room for what else there is to say.
+
 namespace Orvanta {
 
 /// Says what is wrong with a trace, but of each kind only the first few times; the others are counted.
@@ -19,6 +22,7 @@ public:
     /// A process is referred to, but the trace does not show its start.
     void NeverStarted(ProcessId process, std::size_t line);
 
+    /// A line that should have been read can't be; `what` is put behind the trace's path and the line's number.
     void Malformed(std::size_t line, const std::string& what);
 
     /// Names the programs that look like compilers and are not known, with the number of their calls.
@@ -28,6 +32,7 @@ public:
     void Finish();
 
 private:
+    /// Says how many of `count` were not told, if any. `text` follows the number.
     void TellRest(std::size_t count, const std::string& text);
 
     std::string path_;

@@ -4,10 +4,12 @@ namespace Orvanta {
 
 namespace {
 
+/// Whether the first argument is an open file: a folder from which the path counts, or what is changed into.
 bool HasFileFirst(TraceCall call) {
     return call == TraceCall::ExecuteAt || call == TraceCall::OpenAt || call == TraceCall::ChangeDirectoryFile;
 }
 
+/// Whether a path stands among the arguments, behind the file if there is one.
 bool HasPath(TraceCall call) {
     return call != TraceCall::Fork && call != TraceCall::ChangeDirectoryFile;
 }
@@ -28,6 +30,7 @@ bool TracedCall::HasSucceeded() const noexcept {
         return result->value == 0;
     case TraceCall::Fork:
     case TraceCall::GetDirectory:
+        // Zero is what the child sees of its own start.
         return result->value > 0;
     case TraceCall::Open:
     case TraceCall::OpenAt:
@@ -39,6 +42,7 @@ bool TracedCall::HasSucceeded() const noexcept {
 TracedCall ParseTracedCall(TraceCall call, std::string_view text) {
     TracedCall parsed;
     parsed.call = call;
+    // What could be read stays in place where the rest can't: the path of an execution names it in a message.
     TraceTextReader reader(text);
     if (HasFileFirst(call) && !reader.TakeFile(parsed.file, parsed.filePath)) {
         parsed.isReadable = false;

@@ -8,6 +8,9 @@
 #include <string>
 #include <string_view>
 
+// Calls are taken apart without asking whose they are, so that all forms that the tracer has for one call meet in one
+// record. What follows from it for a process is the reader's business.
+
 namespace Orvanta {
 
 /// One whole call of a trace, taken apart by its text alone: what it means for a process is not known here. Views stay
