@@ -15,6 +15,7 @@ namespace Orvanta {
 
 namespace {
 
+// What a search takes for its program.
 using Test = bool (*)(const std::string& path);
 
 bool IsFile(const std::string& path) {
@@ -26,6 +27,7 @@ bool IsThere(const std::string& path) {
     return LookAt(path).IsThere();
 }
 
+// The path itself before those with an extension; empty when none passes.
 std::string FirstThatPasses(const std::string& path, std::string_view extensions, Test test) {
     if (test(path)) {
         return path;
@@ -52,6 +54,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
     }
     while (!searchPath.empty()) {
         const std::string_view folder = TakeUpTo(searchPath, ";");
+        // Unlike elsewhere, an empty entry does not stand for the current folder.
         if (folder.empty()) {
             continue;
         }
@@ -99,6 +102,7 @@ bool IsExecutableFile(const std::string& path) {
 std::string ProgramDirectory() {
     std::string program(MAX_PATH, '\0');
     DWORD length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    // The system fills the room and says nothing more when it is too small.
     while (length == program.size()) { // cut off
         program.resize(2 * program.size());
         length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
