@@ -128,6 +128,7 @@ private:
 
     // Those with a `lock` want it to be held by the caller. What they return lasts beyond it only for a File.
     [[nodiscard]] File& FileAt(FileNumber number, const Lock& lock);
+    /// Lasts until a version is added.
     [[nodiscard]] FileVersion& At(VersionNumber version, const Lock& lock);
     /// The next older version of the same file; `None` behind the last.
     [[nodiscard]] VersionNumber Next(VersionNumber version, const Lock& lock) const;

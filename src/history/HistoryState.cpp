@@ -170,7 +170,7 @@ bool HistoryState::Save(Extent extent) {
         folder.Write(history, writing, [&](DependencyInfoWriter& writer) { FillInfo(writer, history, units); });
     } catch (const FileException& exception) {
         const Lock lock(mutex);
-        // Nothing was written, so all of it is still to be saved.
+        // Not all was written, so all of it is still to be saved.
         record.isDirty = true;
         record.isInfoBehind = record.isInfoBehind || wasInfoBehind;
         // In between the next save may go well; at the end nobody else would tell.
