@@ -18,6 +18,7 @@ void AppendNumber(std::string& text, std::uint64_t number) {
 
 FieldReader::FieldReader(std::string path, std::string_view kind)
     : path_(std::move(path)), kind_(kind), text_(ReadWholeFile(path_)) {
+    // The version is part of the kind: a file of another one is not read as if it were of this.
     if (Next() != kind) {
         Fail();
     }
@@ -42,6 +43,7 @@ std::uint64_t FieldReader::NextNumber() {
 }
 
 void FieldReader::ExpectEnd() const {
+    // More than expected is as much a sign of damage as less.
     if (position_ != text_.size()) {
         Fail();
     }

@@ -12,6 +12,7 @@ namespace Orvanta {
 
 namespace {
 
+// Its number is to be raised with each change of the order below.
 constexpr std::string_view Kind = "orvanta-cppcheck-unit 1";
 
 void AppendList(std::string& text, std::span<const std::string> list) {
@@ -47,6 +48,7 @@ std::vector<std::string> FilesOfFacts(std::span<const FactGroup> facts, std::spa
         }
     }
     std::vector<std::string> paths;
+    // The paths themselves: an alias alone does not tell where a file lies.
     for (const MarkedFile& file : files) {
         if (keys.contains(FileKey(file.path))) {
             paths.push_back(file.path);
@@ -85,6 +87,7 @@ UnitInformation ReadUnitInformation(const std::string& path) {
     unit.analysis.low = reader.NextNumber();
     unit.analysis.high = reader.NextNumber();
     unit.findings = ReadList(reader);
+    // A file that was cut short has failed before this; one that holds more is none of ours.
     reader.ExpectEnd();
     return unit;
 }
