@@ -23,8 +23,8 @@ struct Replacement {
 /// What stands for each ASCII character; null where the character stands for itself.
 using EscapeTable = std::array<const char*, AsciiSize>;
 
-// Told from the texts of rows by its address.
 // Stands for a character that is to be spelled out.
+// Told from the texts of rows by its address.
 constexpr const char* SpelledOut = "";
 
 // Every control is spelled out unless a row says otherwise, so that a form which forgets one is safe. At compile time:

@@ -21,8 +21,8 @@ public:
         std::uint32_t ordinal; ///< from 1
     };
 
-    /// Counts the finding, so it is to be asked once for each, in the order of the report.
     /// The name of the next finding of a file.
+    /// Counts the finding, so it is to be asked once for each, in the order of the report.
     [[nodiscard]] Name Next(const SuppressEntry& entry, std::string_view file);
 
 private:

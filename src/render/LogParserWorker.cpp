@@ -20,8 +20,8 @@ namespace OrvlogConverter {
 
 namespace {
 
-/// Each output has its own stages: one may keep what another leaves out, such as suppressed findings.
 /// What stands in front of one output, which it owns.
+/// Each output has its own stages: one may keep what another leaves out, such as suppressed findings.
 class TargetChain : public IOutput {
 public:
     TargetChain(std::unique_ptr<IOutput> output, MessageFilterSettings filter, const SuppressBase* base)
@@ -164,8 +164,8 @@ void LogParserWorker::AddOutput(std::unique_ptr<IOutput> output, MessageFilterSe
     outputs_.Add(std::make_unique<TargetChain>(std::move(output), std::move(filter), base));
 }
 
-// One foreign line would make JSON or a table unreadable to whatever reads the pipe.
 // A report on standard output is to stay one.
+// One foreign line would make JSON or a table unreadable to whatever reads the pipe.
 void LogParserWorker::Tell(std::string_view line) const {
     const bool isOutputTaken =
         std::any_of(settings_.targets.begin(), settings_.targets.end(),

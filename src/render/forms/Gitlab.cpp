@@ -39,9 +39,9 @@ protected:
     void AppendTail(std::string& text) override { text += "\n]\n"; }
 
 private:
+    // Of findings with one name, the platform shows one.
     // So the file and the ordinal go into it: equal entries of two files, or two in one file, are findings of their
     // own.
-    // Of findings with one name, the platform shows one.
     std::string UniqueName(const ReportMessage& message, std::string_view file) {
         const FindingNames::Name name = names_.Next(MakeSuppressEntry(message, CurrentBaseVersion), file);
         Orvanta::FingerprintBuilder builder;

@@ -139,8 +139,8 @@ const char* MisraComplianceOutput::StateOf(const MisraGuideline& guideline, cons
     return IsChecked(guideline) || counts.marked > 0 ? Compliant : NotChecked;
 }
 
-/// Leaves a row in `counts_` for each of them.
 /// Every guideline of the standards concerned gets its line.
+/// Leaves a row in `counts_` for each of them.
 void MisraComplianceOutput::ListConcerned() {
     std::set<MisraStandard> concerned = settings_.editions.Chosen();
     for (const auto& [guideline, counts] : counts_) {

@@ -35,8 +35,8 @@ struct MisraEdition {
     [[nodiscard]] MisraCategory CategoryOf(const MisraGuideline& guideline) const;
 };
 
-/// Any thread may ask.
 /// All editions, in the order of the table.
+/// Any thread may ask.
 [[nodiscard]] std::span<const MisraEdition> AllMisraEditions();
 
 /// The edition of that name, which may leave out "MISRA". \throws ConfigException for any other name, with all of them
