@@ -18,7 +18,7 @@ namespace Orvanta {
 namespace {
 
 /// A file that is there for as long as the object.
-// Cppcheck reads only files, so the cut text has to become one.
+/// Cppcheck reads only files, so the cut text has to become one.
 class ScopedFile {
 public:
     ScopedFile(const std::string& path, std::string_view text) : path_(path) {

@@ -53,7 +53,7 @@ std::string_view NameOf(Member member) {
 }
 
 /// A field that is an array of texts. Used again for the next entry, so that its strings keep their memory.
-// `texts` is the entry's own, which outlives this.
+/// `texts` is the entry's own, which outlives this.
 struct TextArray {
     std::vector<std::string>* texts;
     std::size_t count = 0;

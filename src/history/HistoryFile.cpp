@@ -20,7 +20,7 @@ constexpr std::uint64_t Magic = 0x1A5453484E56524FU;
 constexpr std::uint64_t FormatVersion = 2;
 
 /// The beginning of the file; the tables follow in the order of their sizes.
-// Of whole words, without a gap, so that its bytes are what it holds.
+/// Of whole words, without a gap, so that its bytes are what it holds.
 struct Header {
     std::uint64_t magic = Magic;
     std::uint64_t formatVersion = FormatVersion;

@@ -133,7 +133,6 @@ void HistoryRecord::SetList(std::size_t unit, const SeenList& list, bool namesSa
     const std::span<const VersionNumber> before = ListOf(unit);
     const bool isSame = HasList(unit) && row.named == list.named && row.added == list.added &&
                         std::equal(before.begin(), before.end(), list.versions.begin(), list.versions.end());
-    // Also with an unchanged list, which was made with these inputs after all.
     row.inputs = identities_[unit].inputs;
     row.leftOutWith = {};
     if (isSame) {

@@ -205,7 +205,7 @@ SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVer
     };
     for (const FileNumber file : named.files) {
         const bool isTold = std::find(named.added.begin(), named.added.end(), file) != named.added.end();
-        // Where the unit is known, that decides; only for one that is not, the file's own word does.
+        // Where the unit's list is known, that decides; only where it is not, the file's own word does.
         const bool isAdded = record_[unit].hasList != 0 ? !seen.IsListed(file) : isTold;
         // What the file says of itself is then not what we know, and is put right by the next save.
         record_.isInfoBehind = record_.isInfoBehind || isAdded != isTold;

@@ -17,7 +17,7 @@ bool PathTable::AreSound(std::string_view text, const std::vector<Entry>& entrie
         }
         begin = entry.end;
     }
-    // No byte may be left over, as no path could be told from what follows it.
+    // Every byte of the text belongs to some path.
     return begin == text.size();
 }
 

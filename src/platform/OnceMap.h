@@ -44,8 +44,8 @@ public:
     }
 
 private:
-    template <typename Find>
     /// Keeps the promise, with nothing when `find` throws, and hands that exception on.
+    template <typename Find>
     void Answer(const std::string& key, std::promise<std::optional<Value>>& promise, const Find& find) {
         try {
             promise.set_value(find());

@@ -13,7 +13,7 @@ namespace {
 std::int64_t Nanoseconds(const LARGE_INTEGER& time) {
     constexpr std::int64_t UnixEpoch = 116'444'736'000'000'000;
     constexpr std::int64_t PerStep = 100;
-    // 0 is what file systems give that keep no such time, and stays 0.
+    // File systems that keep no such time give 0, which stays 0.
     return time.QuadPart == 0 ? 0 : (time.QuadPart - UnixEpoch) * PerStep;
 }
 
