@@ -18,6 +18,7 @@ bool HasDrive(std::string_view path) noexcept {
            Orvanta::ToLowerAscii(path[0]) <= 'z';
 }
 
+// Whose path it is, as far as its look tells: this system's where it tells nothing.
 PathRules RulesOf(std::string_view path) noexcept {
     // A backslash alone proves nothing: on Linux it may be part of a name.
     const bool isOfWindows =
@@ -35,6 +36,7 @@ std::string WithSlashes(std::string_view path) {
     return text;
 }
 
+// Of a path with "/" between its names, whichever system it comes from.
 bool IsAbsolute(std::string_view path) noexcept {
     return path.starts_with('/') || HasDrive(path);
 }

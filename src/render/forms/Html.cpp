@@ -165,6 +165,7 @@ private:
         return about;
     }
 
+    // The file's number on the page, old or new. Notes the line too, when the source is there to be shown.
     std::size_t FileNumber(std::string_view file, std::uint32_t line) {
         // The disk is asked once for each file, not for each finding.
         const auto [row, isNew] = fileNumbers_.emplace(file, files_.size());
@@ -178,6 +179,7 @@ private:
         return row->second;
     }
 
+    // Where the source can be read now; empty when nowhere, or when it is too large.
     [[nodiscard]] std::string PathOfSource(std::string_view file) const {
         const std::string root = settings_.sourceRoot.empty() ? "." : settings_.sourceRoot;
         // As it stands first, which finds sources of this machine; then below the root, for a report of another one.
@@ -190,6 +192,7 @@ private:
         return "";
     }
 
+    // The rule's number on the page, old or new. What the page tells of a rule comes from the first finding of it.
     std::size_t RuleNumber(const Finding& finding, const ReportMessage& message) {
         const auto [row, isNew] = ruleNumbers_.emplace(finding.rule, ruleNumbers_.size());
         if (isNew) {

@@ -179,6 +179,7 @@ private:
         text += "}}";
     }
 
+    // The places behind the first, each with a number of its own; nothing for a finding with one place.
     void AppendRelated(std::string& text, const ReportMessage& message) const {
         if (message.positions.size() < 2) {
             return;
@@ -196,6 +197,7 @@ private:
         text += ']';
     }
 
+    // Only where suppressed findings reach this form at all.
     void AppendSuppressions(std::string& text, const ReportMessage& message) const {
         if (settings_.suppressed == nullptr) {
             return;
@@ -211,6 +213,7 @@ private:
         text += ']';
     }
 
+    // What has no member of its own in the format, or needs the taxonomy.
     static void AppendProperties(std::string& text, const ReportMessage& message) {
         if (message.cwe != 0) {
             text += ", \"taxa\": [{\"id\": \"" + std::to_string(message.cwe) +

@@ -101,11 +101,13 @@ public:
     }
 
 private:
+    // What stands behind the separators that come next; empty when nothing does.
     [[nodiscard]] std::string_view WithoutSeparators() const {
         const std::size_t begin = rest_.find_first_not_of("-_: ");
         return begin == std::string_view::npos ? std::string_view() : rest_.substr(begin);
     }
 
+    // The digits that the text begins with, which may be none.
     [[nodiscard]] static std::string_view Digits(std::string_view text) {
         const auto end = std::find_if_not(text.begin(), text.end(), Orvanta::IsDigit);
         return text.substr(0, static_cast<std::size_t>(end - text.begin()));
@@ -130,6 +132,7 @@ MisraStandard StandardOf(bool isCpp, std::optional<std::uint32_t> year, char sep
     return isOld ? MisraStandard::Cpp2008 : MisraStandard::Cpp2023;
 }
 
+// Word by word, as all usual spellings have the same parts in the same order and leave out different ones.
 std::optional<MisraGuideline> ReadName(std::string_view name) {
     NameReader reader(name);
     // A year is only read behind a word for the language: without one, it is no known way to name an edition.

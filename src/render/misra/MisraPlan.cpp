@@ -43,6 +43,7 @@ void ReadLines(const std::string& path, const std::function<void(std::string_vie
     }
 }
 
+// Whether a plan may put the one category in the place of the other.
 // Categories are sorted by how binding they are, so comparing them says which way the plan goes.
 bool IsAllowed(MisraCategory standard, MisraCategory planned) {
     if (planned == MisraCategory::Disapplied) {
@@ -52,6 +53,7 @@ bool IsAllowed(MisraCategory standard, MisraCategory planned) {
     return planned <= standard;
 }
 
+// Of those that a plan may name: "Document" belongs to the standard that has it.
 MisraCategory CategoryNamed(std::string_view name) {
     for (const MisraCategory category :
          {MisraCategory::Mandatory, MisraCategory::Required, MisraCategory::Advisory, MisraCategory::Disapplied}) {
@@ -90,6 +92,7 @@ void ReadPlanLine(std::string_view line, const MisraEditions& editions, MisraCat
     }
 }
 
+// Empty when the value has no list. Its errors leave the naming of the report to the caller.
 std::set<MisraGuideline> GuidelinesOfReport(std::string_view json) {
     std::set<MisraGuideline> guidelines;
     try {
