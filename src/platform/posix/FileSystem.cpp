@@ -17,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Throws with the system's words when there is an error.
 void Check(const std::string& path, const std::error_code& error) {
     if (error) {
         throw FileException(path, error.message());

@@ -14,6 +14,7 @@ namespace {
 
 constexpr unsigned LockFileMode = 0666;
 
+// Made where there is none; open for whatever this user may do with it.
 Descriptor OpenLockFile(const std::string& path) {
     // For writing where possible: over a network, some file systems lock nothing else exclusively.
     Descriptor file = OpenFile(path, O_RDWR | O_CREAT, LockFileMode);

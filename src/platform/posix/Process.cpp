@@ -31,6 +31,7 @@ struct SystemFault {
 
 using Cause = ProcessStartException::Cause;
 
+// What an error of the start lets a caller hope for.
 Cause CauseOf(int error) {
     switch (error) {
     // What passes by itself: limits that other programs share with us, and a program that is still being written.
@@ -218,6 +219,7 @@ struct Output {
         return static_cast<std::size_t>(count);
     }
 
+    // `events` are what the system says of our end of the pipe.
     void Receive(short events) {
         if ((events & POLLIN) != 0) {
             ReadBlock(std::string::npos);
@@ -339,6 +341,7 @@ void Process::Handles::Look(int milliseconds) {
     end.Reset();
 }
 
+// To be called once the child has ended, or is about to: waits for that.
 void Process::Handles::TakeStatus() noexcept {
     int status = 0;
     pid_t taken = -1;

@@ -21,6 +21,7 @@ namespace {
 
 std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
 
+// Only a console has a mode.
 bool IsConsole(void* output) {
     DWORD mode = 0;
     return ::GetConsoleMode(output, &mode) != FALSE;
@@ -41,6 +42,7 @@ void WriteToConsole(void* output, std::string_view text) {
     }
 }
 
+// To a file or a pipe, as they are; false, with the system's error set, when it takes no more.
 bool WriteBytes(void* output, std::string_view bytes) {
     constexpr std::size_t LargestPiece = 1U << 20U;
     while (!bytes.empty()) {

@@ -18,6 +18,7 @@ namespace {
 // What a search takes for its program.
 using Test = bool (*)(const std::string& path);
 
+// Anything but a folder; what can't be told counts as absent.
 bool IsFile(const std::string& path) {
     const PathAnswer answer = LookAt(path);
     return answer.IsThere() && answer.kind != PathKind::Folder;
@@ -48,6 +49,7 @@ struct Search {
     Test test;
 };
 
+// Through the folders of the search path in their order; empty when none has it.
 std::string Walk(const Search& search, std::string_view searchPath) {
     if (search.program.empty()) {
         return {};
@@ -70,6 +72,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
     return {};
 }
 
+// Empty where the driver's own environment has no PATHEXT: then no extension is tried.
 std::string OwnExtensions() {
     return EnvironmentVariable("PATHEXT").value_or("");
 }

@@ -12,6 +12,7 @@ namespace Orvanta {
 
 namespace {
 
+// 0 where it can't be told.
 std::uint64_t SizeOf(const Handle& file) {
     LARGE_INTEGER size{};
     return ::GetFileSizeEx(file.Get(), &size) != FALSE ? static_cast<std::uint64_t>(size.QuadPart) : 0;

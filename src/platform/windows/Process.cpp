@@ -75,6 +75,7 @@ void Process::Handles::Look(DWORD milliseconds) {
     TakeStatus();
 }
 
+// By the job where there is one: the list of processes misses those whose parent is gone already.
 void Process::Handles::EndTree() noexcept {
     if (child.job.IsOpen()) {
         child.job.Terminate();
@@ -85,6 +86,7 @@ void Process::Handles::EndTree() noexcept {
     }
 }
 
+// To be called once the child has ended; nothing of it is open then.
 void Process::Handles::TakeStatus() {
     DWORD code = 0;
     ::GetExitCodeProcess(child.process.Get(), &code);

@@ -25,6 +25,7 @@ std::wstring Widen(unsigned codePage, std::string_view text) {
     return wide;
 }
 
+// `usedDefault`, which may be null, tells whether a character had to be replaced.
 std::string Narrow(unsigned codePage, unsigned long flags, std::wstring_view text, BOOL* usedDefault) {
     std::string narrow;
     if (text.empty()) {
@@ -46,6 +47,7 @@ bool IsVerbatim(std::wstring_view path) {
     return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
 
+// How long the path is once the current directory stands in front, at least; by text alone, which is cheap.
 std::size_t LengthOfFullPath(std::wstring_view path) {
     const bool isFull = path.size() >= 2 && (path[1] == L':' || (IsSeparator(path[0]) && IsSeparator(path[1])));
     return path.size() + (isFull ? 0 : ::GetCurrentDirectoryW(0, nullptr));
