@@ -17,6 +17,7 @@ constexpr std::string_view EndTag = "</analyzerinfo>";
 // Cppcheck builds a tree of a whole part, many times its size.
 constexpr std::size_t PartSize = std::size_t{4} << 20;
 
+// Each part is to Cppcheck a source of its own, with what was found in it beside it.
 std::string TextName(std::size_t part) {
     return std::to_string(part) + ".c";
 }

@@ -49,6 +49,7 @@ void FieldReader::ExpectEnd() const {
     }
 }
 
+// One text for all faults: which field is wrong helps nobody who did not write the file.
 void FieldReader::Fail() const {
     throw ZelmException(path_ + ": is damaged, or no file of the kind \"" + kind_ + '"');
 }

@@ -19,6 +19,7 @@ constexpr std::string_view WindowsFolders[] = {
     "/program files/", "/program files (x86)/", "/keil/arm/", "/keil_v5/arm/", "/ti/ccs", "/iar/",
 };
 
+// By the look of the path: a unit that was preprocessed for Windows has such paths on Linux too.
 bool HasDrive(std::string_view path) {
     return path.size() > 2 && path[1] == ':' && (path[2] == '/' || path[2] == '\\');
 }

@@ -63,6 +63,7 @@ private:
         Jump,
     };
 
+    // How to get from the end of the text to the line.
     [[nodiscard]] Step StepTo(const MarkedLine& line, bool isDirective) const {
         // Also while a parenthesis is open: a place in the wrong file would be worse.
         if (file_ != line.file) {
@@ -79,6 +80,7 @@ private:
         return canJoin ? Step::Join : Step::Jump;
     }
 
+    // Below what stands there. Not trimmed, so that columns stay those of the preprocessed text.
     void Begin(const MarkedLine& line) {
         file_ = line.file;
         number_ = line.number;
@@ -86,6 +88,7 @@ private:
         Append(line, line.text);
     }
 
+    // To the line that stands last, of which it notes the piece when a system macro wrote it.
     void Append(const MarkedLine& line, std::string_view code) {
         const std::uint32_t begin = Column();
         text_ += code;

@@ -37,6 +37,7 @@ std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& 
     return findings;
 }
 
+// The same for every task, so that a fingerprint of one compares with that of another.
 CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirectory) {
     return CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
 }

@@ -15,6 +15,7 @@ namespace {
 // Its number is to be raised with each change of the order below.
 constexpr std::string_view Kind = "orvanta-cppcheck-unit 1";
 
+// The number of entries goes first, so that no entry has to mark the end.
 void AppendList(std::string& text, std::span<const std::string> list) {
     AppendNumber(text, list.size());
     for (const std::string& entry : list) {
@@ -30,6 +31,7 @@ std::vector<std::string> ReadList(FieldReader& reader) {
     return list;
 }
 
+// A name that is no alias is one of Cppcheck's own, and no file of the unit.
 void AddFilesOf(std::string_view fact, std::unordered_set<std::uint64_t>& keys) {
     for (const std::string_view name : FilesOfFact(fact)) {
         if (const auto key = KeyOfAlias(name)) {

@@ -20,6 +20,7 @@ std::string RequiredValue(const SettingsMap& settings, const std::string& settin
     return value;
 }
 
+// Required: a guess would read a whole unit by the wrong rules.
 UnitLanguage ReadLanguage(const SettingsMap& settings, const std::string& settingsPath) {
     const std::string word = RequiredValue(settings, settingsPath, "language");
     if (word == "C") {
