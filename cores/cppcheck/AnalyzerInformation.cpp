@@ -22,6 +22,7 @@ struct Tag {
     std::size_t end = 0;
     std::string_view text; ///< between "<" and ">"
 
+    // From the second character on: a closing tag begins with the slash that ends other names.
     [[nodiscard]] std::string_view Name() const { return text.substr(0, text.find_first_of(" \t\r\n/", 1)); }
 
     [[nodiscard]] bool Closes() const { return text.starts_with('/'); }
@@ -31,6 +32,7 @@ struct Tag {
     [[nodiscard]] bool HasAttributes() const { return text.find('=') != std::string_view::npos; }
 };
 
+// A kill of Cppcheck and a full disk leave such a file.
 [[noreturn]] void FailCutShort() {
     throw ZelmException("the analyzer information that Cppcheck wrote is cut short");
 }
@@ -60,6 +62,7 @@ std::size_t EndOfElement(std::string_view xml, const Tag& tag) {
     if (tag.IsWhole()) {
         return tag.end;
     }
+    // The first closing tag of the name: an element never holds another one of its own name.
     const std::string closing = "</" + std::string(tag.Name()) + ">";
     const std::size_t begin = xml.find(closing, tag.end);
     if (begin == std::string_view::npos) {
@@ -71,6 +74,7 @@ std::size_t EndOfElement(std::string_view xml, const Tag& tag) {
 // The values of all attributes of a name.
 template <typename Receiver>
 void ForEachValue(std::string_view text, std::string_view name, const Receiver& receive) {
+    // With the blank in front, so that "file" is not found in "outfile".
     const std::string opening = " " + std::string(name) + "=\"";
     for (std::size_t begin = text.find(opening); begin != std::string_view::npos; begin = text.find(opening, begin)) {
         begin += opening.size();
@@ -79,6 +83,7 @@ void ForEachValue(std::string_view text, std::string_view name, const Receiver& 
 }
 
 void AddFact(std::vector<FactGroup>& groups, const FactGroup& place, std::string_view fact) {
+    // Facts of one place stand together, so only the last group can be theirs.
     if (groups.empty() || groups.back().check != place.check || groups.back().kind != place.kind) {
         groups.push_back(place);
     }
@@ -91,6 +96,7 @@ std::size_t ReadCheck(std::string_view xml, std::size_t begin, FactGroup place, 
         const Tag tag = NextTag(xml, begin);
         begin = tag.end;
         if (tag.Closes()) {
+            // The check's own end; otherwise that of the element around some facts.
             if (place.kind.empty()) {
                 return begin;
             }
@@ -111,6 +117,7 @@ std::vector<FactGroup> ReadAnalyzerInformation(std::string_view xml) {
     for (std::size_t position = 0;;) {
         const Tag tag = NextTag(xml, position);
         position = tag.end;
+        // The end of the file; what stands behind it is nothing of ours.
         if (tag.text == "/analyzerinfo") {
             return groups;
         }
@@ -119,6 +126,7 @@ std::vector<FactGroup> ReadAnalyzerInformation(std::string_view xml) {
         }
         FactGroup place;
         ForEachValue(tag.text, "check", [&](std::string_view value) { place.check = value; });
+        // Passed over as a whole, since what is in it looks like facts.
         if (place.check == LeftOutCheck) {
             position = EndOfElement(xml, tag);
         } else if (!tag.IsWhole()) {
@@ -129,6 +137,7 @@ std::vector<FactGroup> ReadAnalyzerInformation(std::string_view xml) {
 
 void AppendFactGroup(std::string& xml, const FactGroup& group) {
     xml.append("<").append(CheckElement).append(" check=\"").append(group.check).append("\">\n");
+    // The element around the facts is there for some checks only.
     if (!group.kind.empty()) {
         xml.append("<").append(group.kind).append(">\n");
     }

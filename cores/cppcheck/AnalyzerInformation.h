@@ -21,6 +21,7 @@ struct FactGroup {
 [[nodiscard]] std::vector<FactGroup> ReadAnalyzerInformation(std::string_view xml);
 
 /// Appends the group in Cppcheck's form.
+/// Each fact stands in a line of its own.
 void AppendFactGroup(std::string& xml, const FactGroup& group);
 
 /// The names of the files that a fact stands in; views into `fact`.

@@ -14,6 +14,7 @@ bool IsWordCharacter(char character) {
 }
 
 bool IsRawPrefix(std::string_view word) {
+    // Any other word in front of a quote, such as "L", belongs to a usual literal.
     return word == "R" || word == "u8R" || word == "uR" || word == "UR" || word == "LR";
 }
 
@@ -21,6 +22,7 @@ bool IsRawPrefix(std::string_view word) {
 std::size_t EndOfLiteral(std::string_view line, std::size_t begin) {
     std::size_t i = begin + 1;
     while (i < line.size() && line[i] != line[begin]) {
+        // An escaped quote ends nothing. A literal that the line does not close ends with it.
         i += line[i] == '\\' ? 2U : 1U;
     }
     return i + 1;
@@ -41,6 +43,7 @@ void CodeScanner::Read(std::string_view line) {
     std::size_t i = 0;
     if (IsInRawString()) {
         i = line.find(rawStringEnd_);
+        // The whole line lies within the raw string, whatever it looks like.
         if (i == std::string_view::npos) {
             return;
         }
@@ -74,6 +77,7 @@ std::size_t CodeScanner::ReadRawString(std::string_view line, std::size_t quote)
     if (open == std::string_view::npos) {
         return EndOfLiteral(line, quote); // none after all
     }
+    // What the writer has put between the quote and the parenthesis ends the string too.
     std::string end = ")" + std::string(line.substr(quote + 1, open - quote - 1)) + "\"";
     const std::size_t close = line.find(end, open);
     if (close != std::string_view::npos) {

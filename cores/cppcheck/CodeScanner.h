@@ -20,6 +20,7 @@ public:
 
 private:
     // Each reads what begins there and returns the place behind it.
+    // A word, and the raw string that it may be the prefix of.
     [[nodiscard]] std::size_t ReadWord(std::string_view line, std::size_t begin);
     // `quote` is where the quote behind the prefix stands.
     [[nodiscard]] std::size_t ReadRawString(std::string_view line, std::size_t quote);

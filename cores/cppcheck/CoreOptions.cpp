@@ -33,6 +33,7 @@ CoreOptions ReadCoreOptions(std::span<const std::string_view> arguments) {
     if (options.settingsPath.empty()) {
         throw ZelmException("no settings file is named; " + std::string(Usage));
     }
+    // The driver gives both or neither; with one alone, what is asked for would be a guess.
     if (displayDependencies != skipAnalysis) {
         throw ZelmException("--display-dependencies and --skip-analysis go together; " + std::string(Usage));
     }

@@ -61,6 +61,7 @@ std::string_view Find(std::span<const WordPair> table, std::string_view word) {
 }
 
 // "x64" is also the word for a unit whose command tells no platform.
+// The family of the compiler and this system decide then.
 bool IsUnixUnit(const UnitSettings& unit) {
     return unit.preprocessor != "visualcpp" && HostPathRules() == PathRules::Posix;
 }
@@ -77,6 +78,7 @@ void AddLibraries(Arguments& command, std::string_view platform) {
 
 constexpr std::string_view BuildFolder = "--cppcheck-build-dir=.";
 
+// One job: the driver runs as many cores as there is room for. Quiet: what it tells of its progress is for nobody.
 Arguments CommonWords(const std::string& program) {
     return {program,
             "--quiet",
@@ -114,6 +116,7 @@ std::string CppcheckPlatform(const UnitSettings& unit) {
     if (platform.empty()) {
         return "unspecified";
     }
+    // Only these two have such a twin.
     if (unit.isPlainCharUnsigned && platform.starts_with("unix")) {
         platform += "-unsigned";
     }
@@ -128,6 +131,7 @@ Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit, 
 }
 
 Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings& unit, const std::string& textName) {
+    // The same words as for an analysis alone: findings of one can stand for those of the other.
     Arguments command = CppcheckCommand(program, unit, textName);
     command.emplace_back(BuildFolder);
     return command;
@@ -136,6 +140,7 @@ Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings&
 Arguments CppcheckLinkCommand(const std::string& program, const Arguments& textNames) {
     Arguments command = CommonWords(program);
     command.emplace_back(BuildFolder);
+    // No words of a unit: none is analyzed here.
     command.insert(command.end(), textNames.begin(), textNames.end());
     return command;
 }

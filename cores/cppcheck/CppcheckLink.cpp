@@ -17,6 +17,7 @@ constexpr std::string_view EndTag = "</analyzerinfo>";
 // Cppcheck builds a tree of a whole part, many times its size.
 constexpr std::size_t PartSize = std::size_t{4} << 20;
 
+// Each part is to Cppcheck a source of its own, with what was found in it beside it.
 std::string TextName(std::size_t part) {
     return std::to_string(part) + ".c";
 }
@@ -33,8 +34,10 @@ void WriteFile(const std::string& path, std::string_view text) {
 
 CppcheckLink::CppcheckLink(std::string folder) : folder_(std::move(folder)), program_(FindCppcheck()) {
     WriteFile(JoinPath(folder_, TextName(0)), "");
+    // Only for the frame that it leaves: an empty file has no findings.
     static_cast<void>(RunCppcheckCommand(CppcheckLinkCommand(program_, {TextName(0)}), folder_));
     frame_ = ReadWholeFile(JoinPath(folder_, InformationName(0)));
+    // The facts go in front of the end tag, where Cppcheck itself would have put them.
     const std::size_t end = frame_.rfind(EndTag);
     if (end == std::string::npos) {
         throw ZelmException("Cppcheck's build folder has a form that is not understood");
@@ -46,6 +49,8 @@ void CppcheckLink::Add(std::span<const FactGroup> facts) {
     for (const FactGroup& group : facts) {
         FactGroup unknown{group.check, group.kind, {}};
         for (const std::string& fact : group.facts) {
+            // A header's facts come with every unit that includes it: by fingerprint, so that their texts need not be
+            // kept.
             if (known_.insert(FingerprintBuilder().Add(group.check).Add(group.kind).Add(fact).Value()).second) {
                 unknown.facts.push_back(fact);
             }
@@ -54,6 +59,7 @@ void CppcheckLink::Add(std::span<const FactGroup> facts) {
             AppendFactGroup(part_, unknown);
         }
     }
+    // Between groups, never within one: each part is whole by itself.
     if (part_.size() >= PartSize) {
         WritePart();
     }
@@ -61,6 +67,7 @@ void CppcheckLink::Add(std::span<const FactGroup> facts) {
 
 void CppcheckLink::WritePart() {
     const std::string information = frame_ + part_ + std::string(EndTag) + "\n";
+    // Empty, like the one that the frame is of: it has the hash that the frame tells.
     WriteFile(JoinPath(folder_, TextName(partSizes_.size())), "");
     WriteFile(JoinPath(folder_, InformationName(partSizes_.size())), information);
     partSizes_.push_back(information.size());
@@ -68,7 +75,9 @@ void CppcheckLink::WritePart() {
 }
 
 CppcheckOutput CppcheckLink::Run() {
+    // The last part, which may be empty: there is one in any case.
     WritePart();
+    // Its memory is given back before Cppcheck needs its own.
     known_ = {};
     Arguments textNames;
     for (std::size_t part = 0; part < partSizes_.size(); ++part) {

@@ -9,6 +9,7 @@ namespace Orvanta {
 
 namespace {
 
+// Control characters made for setting apart records, groups and fields.
 constexpr char FindingMark = '\x1e';
 constexpr char LocationMark = '\x1d';
 constexpr char FieldMark = '\x1f';
@@ -39,6 +40,7 @@ bool ReadNumber(std::string_view text, std::uint32_t& number) {
 CppcheckFinding ReadFinding(std::string_view line) {
     CppcheckFinding finding;
     std::array<std::string_view, 7> fields;
+    // All or nothing: a finding with a field in the wrong place would be told at a wrong one.
     if (!SplitFields(line, fields) || !ReadNumber(fields[1], finding.location.line) ||
         !ReadNumber(fields[2], finding.column) || !ReadNumber(fields[5], finding.cwe)) {
         FailAt(line);
@@ -46,6 +48,7 @@ CppcheckFinding ReadFinding(std::string_view line) {
     finding.location.file = fields[0];
     finding.severity = fields[3];
     finding.id = fields[4];
+    // The last field, so that a message may hold whatever it likes.
     finding.message = Trim(fields[6]);
     return finding;
 }

@@ -18,12 +18,14 @@ namespace Orvanta {
 namespace {
 
 /// A file that is there for as long as the object.
+/// Cppcheck reads only files, so the cut text has to become one.
 class ScopedFile {
 public:
     ScopedFile(const std::string& path, std::string_view text) : path_(path) {
         try {
             OutputFile(path_, OutputFile::Mode::Replace).Append(text);
         } catch (...) {
+            // A part of it may be there, and the destructor of an object that was not made is not run.
             RemoveFile(path_);
             throw;
         }
@@ -66,6 +68,7 @@ std::string FindCppcheck() {
 std::string CppcheckVersion(const std::string& workingDirectory) {
     const std::string program = FindCppcheck();
     std::string output;
+    // Within our group: whoever ends this core ends Cppcheck too.
     Process process({program, "--version"}, {workingDirectory, OwnEnvironmentBlock(), ProcessGroup::Inherited},
                     MakeRedirectToStringProcessor(output), [](std::string_view) {});
     if (const int exitCode = process.get_exit_status(); exitCode != 0) {
@@ -83,6 +86,7 @@ CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& w
     Process process(command, conditions, MakeRedirectToStringProcessor(standardOutput),
                     MakeRedirectToStringProcessor(standardError));
     const int exitCode = process.get_exit_status();
+    // Findings come on standard error, its own faults on either.
     CppcheckOutput output = ReadCppcheckOutput(standardError);
     if (exitCode != 0) {
         throw ZelmException("Cppcheck ended with code " + std::to_string(exitCode) + ": " +
@@ -103,10 +107,12 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
 CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText) {
     const std::string program = FindCppcheck();
     const ScopedFolder folder(unit.preprocessedPath + ".facts");
+    // The same name for each unit, in a folder of its own: then nothing that Cppcheck writes depends on where it stood.
     const std::string textName = "unit" + std::string(ExtensionFor(unit.language));
     OutputFile(JoinPath(folder.Path(), textName), OutputFile::Mode::Replace).Append(cutText);
     CppcheckCollection collection;
     collection.output = RunCppcheckCommand(CppcheckCollectCommand(program, unit, textName), folder.Path());
+    // By the name that Cppcheck gives to what it tells of the first file of its name.
     collection.analyzerInformation = ReadWholeFile(JoinPath(folder.Path(), "unit.a1"));
     DropRepeated(collection.output.findings);
     return collection;
@@ -114,6 +120,7 @@ CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_vie
 
 Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cutText) {
     FingerprintBuilder builder;
+    // Without the text's path, which is another one in each run.
     for (const std::string& word : CppcheckCommand(FindCppcheck(), unit, "")) {
         builder.Add(word);
     }

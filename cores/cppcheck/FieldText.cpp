@@ -18,6 +18,7 @@ void AppendNumber(std::string& text, std::uint64_t number) {
 
 FieldReader::FieldReader(std::string path, std::string_view kind)
     : path_(std::move(path)), kind_(kind), text_(ReadWholeFile(path_)) {
+    // The version is part of the kind: a file of another one is not read as if it were of this.
     if (Next() != kind) {
         Fail();
     }
@@ -42,11 +43,13 @@ std::uint64_t FieldReader::NextNumber() {
 }
 
 void FieldReader::ExpectEnd() const {
+    // More than expected is as much a sign of damage as less.
     if (position_ != text_.size()) {
         Fail();
     }
 }
 
+// One text for all faults: which field is wrong helps nobody who did not write the file.
 void FieldReader::Fail() const {
     throw ZelmException(path_ + ": is damaged, or no file of the kind \"" + kind_ + '"');
 }

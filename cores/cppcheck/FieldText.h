@@ -10,7 +10,9 @@ namespace Orvanta {
 // The form of the files that the core writes for itself: fields that end with a zero byte, which neither a path nor a
 // finding holds. The first one is the file's kind with its version.
 
+/// Appends a field, which holds no zero byte, with its end.
 void AppendField(std::string& text, std::string_view field);
+/// Appends a field with a number in decimal digits.
 void AppendNumber(std::string& text, std::uint64_t number);
 
 /// Reads such a file field by field.

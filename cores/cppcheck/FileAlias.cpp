@@ -11,6 +11,7 @@ namespace Orvanta {
 
 namespace {
 
+// Whether the extension needs no quoting anywhere; one that does is left out of the name.
 bool IsPlainExtension(std::string_view extension) {
     return std::all_of(extension.begin(), extension.end(), [](char character) {
         const char lower = ToLowerAscii(character);
@@ -44,6 +45,7 @@ std::optional<std::uint64_t> KeyOfAlias(std::string_view alias) {
     if (!alias.starts_with(FilePrefix)) {
         return std::nullopt;
     }
+    // The key stands between the prefix and the extension, which may be missing.
     return WholeNumber<std::uint64_t>(alias.substr(1, alias.find('.') - 1));
 }
 

@@ -12,6 +12,7 @@ bool IsOctalDigit(char character) {
     return character >= '0' && character <= '7';
 }
 
+// Each flag is one digit; those between are blanks.
 void ReadFlags(std::string_view flags, LineMarker& marker) {
     for (const char flag : flags) {
         marker.entersFile |= flag == '1';
@@ -36,9 +37,11 @@ std::optional<LineMarker> ReadLineMarker(std::string_view line) {
         return std::nullopt;
     }
     line = Trim(line.substr(static_cast<std::size_t>(end - line.data())));
+    // The file stays the same: compilers write "#line 12" too.
     if (line.empty()) {
         return marker;
     }
+    // From behind: the name may hold quotes, the flags do not.
     const std::size_t close = line.rfind('"');
     if (line.front() != '"' || close == 0) {
         return std::nullopt;
@@ -53,6 +56,7 @@ std::string UnquotedName(std::string_view quotedName) {
     name.reserve(quotedName.size());
     for (std::size_t i = 0; i < quotedName.size(); ++i) {
         const std::string_view rest = quotedName.substr(i);
+        // No other escape of one letter: "\n" in a name of Windows is a separator and a letter.
         if (rest.starts_with("\\\\") || rest.starts_with("\\\"")) {
             name += rest[1];
             ++i;

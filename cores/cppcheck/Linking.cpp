@@ -23,6 +23,7 @@ namespace {
 std::vector<std::string> ReadList(const std::string& path) {
     const std::string text = ReadWholeFile(path);
     std::vector<std::string> paths;
+    // One path in each line, as the driver wrote them.
     for (const std::string_view line : SplitLines(text)) {
         if (!line.empty()) {
             paths.emplace_back(line);
@@ -38,6 +39,7 @@ public:
         for (const std::string& path : paths) {
             std::vector<std::uint32_t>& units = unitsByFile_[FileKey(path)];
             if (units.empty()) {
+                // Facts come from texts without system headers, so none of these is one.
                 files_.push_back({path, false, true});
             }
             units.push_back(unit);
@@ -48,6 +50,7 @@ public:
 
     // A fault whose places one unit holds alone is found when that unit is analyzed.
     [[nodiscard]] bool IsSeenByOneUnit(const CppcheckFinding& finding) const {
+        // The units that hold all places of the finding: what is left in the end knows the whole fault.
         std::vector<std::uint32_t> units = UnitsWith(finding.location);
         for (const CppcheckLocation& location : finding.path) {
             const std::vector<std::uint32_t> others = UnitsWith(location);
@@ -78,6 +81,7 @@ std::string LinkUnits(const LinkSettings& settings) {
     FactFiles factFiles;
     for (std::uint32_t unit = 0; unit < unitPaths.size(); ++unit) {
         const UnitInformation information = ReadUnitInformation(unitPaths[unit]);
+        // One unit after the other, so that no more than one is in memory.
         factFiles.Add(unit, information.files);
         link.Add(information.facts);
     }

@@ -32,6 +32,7 @@ std::string AbsolutePathOf(const std::string& name, std::string_view currentDire
 
 MarkedText::MarkedText(std::string_view text, const std::string& sourcePath, std::string currentDirectory)
     : rest_(text), currentDirectory_(std::move(currentDirectory)) {
+    // The source stands first, whichever file the first marker names.
     files_.push_back({sourcePath, false, false});
     indexByPath_.emplace(sourcePath, 0);
 }
@@ -46,6 +47,7 @@ bool MarkedText::ReadLine(MarkedLine& line) {
                 continue;
             }
         }
+        // Nearly no line needs the scanner, which would cost more than all the rest of the reading.
         if (scanner_.IsInRawString() || text.find("R\"") != std::string_view::npos) {
             scanner_.Read(text);
         }
@@ -59,6 +61,7 @@ void MarkedText::Follow(const LineMarker& marker) {
     if (IsDirectoryNote(marker.quotedName)) {
         return;
     }
+    // A marker tells of the line below it.
     nextNumber_ = marker.line;
     if (!marker.quotedName.empty()) {
         currentFile_ = FindOrAddFile(marker);
@@ -82,6 +85,7 @@ std::string MarkedText::FindPath(const std::string& name) const {
 }
 
 std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
+    // By the name as it stands there: a file is entered many times and its path made once.
     if (const auto known = indexByName_.find(marker.quotedName); known != indexByName_.end()) {
         return known->second;
     }
@@ -98,6 +102,7 @@ std::optional<std::size_t> MarkedText::FindOrAddFile(const LineMarker& marker) {
         files_[entry->second].isNamed = true;
         index = entry->second;
     }
+    // Those without a file too, so that they are not taken apart again.
     indexByName_.emplace(marker.quotedName, index);
     return index;
 }

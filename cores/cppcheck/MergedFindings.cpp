@@ -29,6 +29,7 @@ void WriteMergedFindings(const std::string& path, std::span<const ReportMessage>
         OrvlogConverter::AppendMessageLine(text, finding, OrvlogConverter::LineFormat::Json);
         AppendField(text, "");
     }
+    // In one step: units read it, and a half of it would look like fewer findings.
     AtomicFile file(path);
     file.Append(text);
     file.Commit();
@@ -37,6 +38,7 @@ void WriteMergedFindings(const std::string& path, std::span<const ReportMessage>
 std::vector<ReportMessage> ReadMergedFindings(const std::string& path, std::span<const MarkedFile> files) {
     std::unordered_set<std::uint64_t> keys;
     for (const MarkedFile& file : files) {
+        // A fault in a system header is nobody's business here, whichever unit meets it.
         if (!file.isSystem) {
             keys.insert(FileKey(file.path));
         }
@@ -48,6 +50,8 @@ std::vector<ReportMessage> ReadMergedFindings(const std::string& path, std::span
         const std::string_view line = reader.Next();
         if (isWanted) {
             try {
+                // Whatever is wrong with a line, the file is damaged: its place tells the user more than the fault in
+                // it.
                 findings.push_back(OrvlogConverter::ReadMessageLine(line));
             } catch (const std::exception&) {
                 reader.Fail();

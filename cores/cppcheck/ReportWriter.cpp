@@ -38,6 +38,7 @@ std::uint32_t LevelOf(std::string_view severity) {
     if (severity == "error") {
         return 1;
     }
+    // Style, performance and portability: nothing that must go wrong.
     return severity == "warning" ? 2 : LowLevel;
 }
 
@@ -53,6 +54,7 @@ public:
     Places(std::span<const MarkedFile> files, std::span<const SystemMacroText> systemMacros)
         : files_(files), systemMacros_(systemMacros) {
         for (const MarkedFile& file : files) {
+            // By key, as aliases tell no more of a file.
             fileByKey_.emplace(FileKey(file.path), &file);
         }
     }
@@ -105,11 +107,13 @@ ReportMessage MakeMessage(const CppcheckFinding& finding, const Places& places, 
     message.code = "External";
     message.level = LevelOf(finding.severity);
     message.cwe = finding.cwe;
+    // All findings of other tools have one code: the name in front is what tells them apart.
     message.message = "[" + finding.id + "] " + finding.message;
     const Place primary = places.Resolve(finding.location);
     message.positions.push_back(lines.At(primary.file->path, primary.line));
     for (const CppcheckLocation& location : finding.path) {
         const Place place = places.Resolve(location);
+        // The steps name the finding's own place again, and some of them more than once.
         const bool isKnown = std::any_of(message.positions.begin(), message.positions.end(), [&](const auto& known) {
             return known.line == place.line && known.file == place.file->path;
         });
@@ -123,6 +127,7 @@ ReportMessage MakeMessage(const CppcheckFinding& finding, const Places& places, 
 bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
     const auto key = [](const ReportMessage& message) {
         const OrvlogConverter::MessagePosition& position = message.positions.front();
+        // The message begins with the identifier, so that decides before its text.
         return std::tie(position.file, position.line, message.message);
     };
     return key(left) < key(right);
@@ -134,6 +139,7 @@ std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> f
                                               std::span<const MarkedFile> files,
                                               std::span<const SystemMacroText> systemMacros) {
     std::vector<ReportMessage> messages;
+    // A unit without findings needs no table of its files.
     if (findings.empty()) {
         return messages;
     }
@@ -144,6 +150,7 @@ std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> f
             messages.push_back(MakeMessage(finding, places, lines));
         }
     }
+    // Sorted, so that a report does not depend on the order in which Cppcheck runs its checks.
     std::stable_sort(messages.begin(), messages.end(), IsBefore);
     messages.erase(std::unique(messages.begin(), messages.end()), messages.end());
     return messages;
@@ -151,6 +158,7 @@ std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> f
 
 void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage> others) {
     for (ReportMessage& other : others) {
+        // Both were made in this order, which inserting one by one keeps.
         const auto place = std::lower_bound(messages.begin(), messages.end(), other, IsBefore);
         if (place == messages.end() || IsBefore(other, *place)) {
             messages.insert(place, std::move(other));

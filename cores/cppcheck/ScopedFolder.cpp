@@ -8,6 +8,7 @@
 namespace Orvanta {
 
 ScopedFolder::ScopedFolder(std::string path) : path_(std::move(path)) {
+    // A name that is used again in each run may hold what a killed one has left.
     RemoveTree(path_);
     MakeFolders(path_);
 }

@@ -29,6 +29,7 @@ OrvlogConverter::MessagePosition SourceLines::At(const std::string& path, std::u
 }
 
 const SourceLines::File& SourceLines::Load(const std::string& path) {
+    // The entry is made before the reading, so that a file that can't be read is tried only once.
     const auto [entry, isNew] = files_.try_emplace(path);
     File& file = entry->second;
     if (isNew) {

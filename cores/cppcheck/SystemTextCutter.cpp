@@ -19,9 +19,11 @@ public:
     void Add(const MarkedLine& line, const std::string& path) {
         const std::string_view code = Trim(line.text);
         const bool isInRawString = scanner_.IsInRawString();
+        // An empty line needs no room: the next one is set to its own number.
         if (code.empty() && !isInRawString) {
             return;
         }
+        // Of directives, preprocessed text holds only such as "#pragma".
         const bool isDirective = !isInRawString && code.starts_with('#');
         switch (StepTo(line, isDirective)) {
         case Step::Nowhere:
@@ -46,6 +48,7 @@ public:
         if (!text_.empty()) {
             text_ += '\n';
         }
+        // The order in which they are looked up; text of one file may come back after that of another.
         std::sort(systemMacros_.begin(), systemMacros_.end(), [](const auto& left, const auto& right) {
             return std::tie(left.file, left.line) < std::tie(right.file, right.line);
         });
@@ -60,7 +63,9 @@ private:
         Jump,
     };
 
+    // How to get from the end of the text to the line.
     [[nodiscard]] Step StepTo(const MarkedLine& line, bool isDirective) const {
+        // Also while a parenthesis is open: a place in the wrong file would be worse.
         if (file_ != line.file) {
             return Step::Jump;
         }
@@ -75,6 +80,7 @@ private:
         return canJoin ? Step::Join : Step::Jump;
     }
 
+    // Below what stands there. Not trimmed, so that columns stay those of the preprocessed text.
     void Begin(const MarkedLine& line) {
         file_ = line.file;
         number_ = line.number;
@@ -82,10 +88,12 @@ private:
         Append(line, line.text);
     }
 
+    // To the line that stands last, of which it notes the piece when a system macro wrote it.
     void Append(const MarkedLine& line, std::string_view code) {
         const std::uint32_t begin = Column();
         text_ += code;
         scanner_.Read(code);
+        // By columns: in one line, a user's own code may stand beside what a macro has written.
         if (line.origin == TextOrigin::SystemMacro) {
             systemMacros_.push_back({*file_, number_, begin, Column()});
         }
@@ -114,6 +122,7 @@ CutText CutSystemText(std::string_view text, const std::string& sourcePath, cons
             writer.Add(line, marked.Files()[*line.file].path);
         }
     }
+    // All files, not only those with text: what is left names them by their places in this list.
     return writer.Finish(marked.Files());
 }
 

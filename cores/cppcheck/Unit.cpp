@@ -26,6 +26,7 @@ std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& 
         return std::nullopt;
     }
     const UnitInformation information = ReadUnitInformation(unit.informationPath);
+    // The source may have changed between the two stages, or Cppcheck's options.
     if (information.analysis != FingerprintOfAnalysis(unit, cutText)) {
         return std::nullopt;
     }
@@ -36,6 +37,7 @@ std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& 
     return findings;
 }
 
+// The same for every task, so that a fingerprint of one compares with that of another.
 CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirectory) {
     return CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
 }
@@ -48,6 +50,7 @@ std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDire
     std::optional<std::vector<ReportMessage>> messages = CollectedFindings(unit, cut.text);
     if (!messages) {
         CppcheckOutput output = RunCppcheck(unit, cut.text);
+        // Before anything is written: what the unit gave before stays where it is.
         ThrowIfNotAnalyzed(output.findings, cut.files);
         messages = MakeReportMessages(output.findings, cut.files, cut.systemMacros);
         otherText = std::move(output.otherText);
@@ -60,6 +63,7 @@ std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDire
         OrvlogConverter::AppendMessageLine(text, message, unit.outputFormat);
         text += '\n';
     }
+    // At the very end, and in one piece.
     OutputFile(unit.outputPath, OutputFile::Mode::Replace).Append(text);
     return otherText;
 }
@@ -85,6 +89,7 @@ std::string DependencyLines(const UnitSettings& unit, const std::string& current
     std::string lines;
     for (const std::string& path :
          ListDependencies(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory)) {
+        // The form in which the driver looks for these lines among others.
         lines += "<}include{>" + path + "\n";
     }
     return lines;

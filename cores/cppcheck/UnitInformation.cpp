@@ -12,8 +12,10 @@ namespace Orvanta {
 
 namespace {
 
+// Its number is to be raised with each change of the order below.
 constexpr std::string_view Kind = "orvanta-cppcheck-unit 1";
 
+// The number of entries goes first, so that no entry has to mark the end.
 void AppendList(std::string& text, std::span<const std::string> list) {
     AppendNumber(text, list.size());
     for (const std::string& entry : list) {
@@ -29,6 +31,7 @@ std::vector<std::string> ReadList(FieldReader& reader) {
     return list;
 }
 
+// A name that is no alias is one of Cppcheck's own, and no file of the unit.
 void AddFilesOf(std::string_view fact, std::unordered_set<std::uint64_t>& keys) {
     for (const std::string_view name : FilesOfFact(fact)) {
         if (const auto key = KeyOfAlias(name)) {
@@ -47,6 +50,7 @@ std::vector<std::string> FilesOfFacts(std::span<const FactGroup> facts, std::spa
         }
     }
     std::vector<std::string> paths;
+    // The paths themselves: an alias alone does not tell where a file lies.
     for (const MarkedFile& file : files) {
         if (keys.contains(FileKey(file.path))) {
             paths.push_back(file.path);
@@ -85,6 +89,7 @@ UnitInformation ReadUnitInformation(const std::string& path) {
     unit.analysis.low = reader.NextNumber();
     unit.analysis.high = reader.NextNumber();
     unit.findings = ReadList(reader);
+    // A file that was cut short has failed before this; one that holds more is none of ours.
     reader.ExpectEnd();
     return unit;
 }

@@ -28,6 +28,7 @@ struct UnitInformation {
 /// \throws ZelmException with the path and the system's reason
 void WriteUnitInformation(const std::string& path, const UnitInformation& unit);
 
+/// Reads what WriteUnitInformation wrote.
 /// \throws ZelmException naming `path` when it can't be read or is damaged
 [[nodiscard]] UnitInformation ReadUnitInformation(const std::string& path);
 

@@ -12,6 +12,7 @@ namespace {
 }
 
 std::string RequiredValue(const SettingsMap& settings, const std::string& settingsPath, std::string_view key) {
+    // Of a key that stands twice the last one counts, as in all settings files.
     std::string value = LastValue(settings, key).value_or("");
     if (value.empty()) {
         Fail(settingsPath, "the key \"" + std::string(key) + "\" is missing or empty");
@@ -19,6 +20,7 @@ std::string RequiredValue(const SettingsMap& settings, const std::string& settin
     return value;
 }
 
+// Required: a guess would read a whole unit by the wrong rules.
 UnitLanguage ReadLanguage(const SettingsMap& settings, const std::string& settingsPath) {
     const std::string word = RequiredValue(settings, settingsPath, "language");
     if (word == "C") {
@@ -30,6 +32,7 @@ UnitLanguage ReadLanguage(const SettingsMap& settings, const std::string& settin
     return UnitLanguage::Cpp;
 }
 
+// A word that is neither is an error: to take it for one of the two would be a guess.
 bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, std::string_view key,
                 std::string_view defaultWord) {
     const std::string word = LastValue(settings, key).value_or(std::string(defaultWord));
@@ -76,6 +79,7 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     const auto requiredPath = [&](std::string_view key) {
         return RequiredPath(settings, settingsPath, key, currentDirectory);
     };
+    // Empty stays empty: joined with the directory, it would name that.
     const auto optionalPath = [&](std::string_view key) {
         const std::string path = LastValue(settings, key).value_or("");
         return path.empty() ? path : NormalizePath(JoinPath(currentDirectory, path));
@@ -108,6 +112,7 @@ LinkSettings ReadLinkSettings(const SettingsMap& settings, const std::string& se
     LinkSettings link;
     link.listPath = RequiredPath(settings, settingsPath, "intermodular-unit-list", currentDirectory);
     link.mergedPath = RequiredPath(settings, settingsPath, "intermodular-file", currentDirectory);
+    // Beside the settings, which are this run's own, so no other run can have the same.
     link.workFolder = NormalizePath(JoinPath(currentDirectory, settingsPath)) + ".link";
     return link;
 }

@@ -18,11 +18,13 @@ namespace {
 
 void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
+    // Before any settings are read: this task has none.
     if (options.task == Orvanta::CoreTask::TellVersion) {
         Orvanta::WriteToStandardOutput(Orvanta::CppcheckVersion(currentDirectory) + "\n");
         return;
     }
     const Orvanta::SettingsMap settings = Orvanta::ReadSettingsFile(options.settingsPath);
+    // The linking has no unit, so its settings would not do for one.
     if (options.task == Orvanta::CoreTask::Analyze &&
         Orvanta::ReadIntermodularStage(settings, options.settingsPath) == Orvanta::IntermodularStage::Linking) {
         std::cerr << Orvanta::LinkUnits(Orvanta::ReadLinkSettings(settings, options.settingsPath, currentDirectory));
@@ -40,6 +42,7 @@ void Run(const Orvanta::CoreOptions& options) {
             std::cerr << Orvanta::CollectFacts(unit, currentDirectory);
             break;
         }
+        // Only an analysis needs it, so its lack is no fault of the settings as such.
         if (unit.outputPath.empty()) {
             throw Orvanta::ZelmException(options.settingsPath + ": the key \"output-file\" is missing or empty");
         }
@@ -52,11 +55,13 @@ void Run(const Orvanta::CoreOptions& options) {
 
 int main(int argc, char** argv) {
     try {
+        // In UTF-8, also where `main` gets something else.
         const std::vector<std::string> words = Orvanta::ProgramArguments(argc, argv);
         Run(Orvanta::ReadCoreOptions(std::vector<std::string_view>(words.begin() + 1, words.end())));
         return 0;
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
+        // One code for all faults: the text says which it was.
         return 1;
     }
 }

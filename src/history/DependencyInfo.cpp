@@ -29,6 +29,7 @@ constexpr MemberName MemberNames[] = {
     {"id", Member::Id},
 };
 
+// Four names: a walk is as fast as any table. What is none of them is read over.
 Member MemberOf(std::string_view name) {
     for (const MemberName& row : MemberNames) {
         if (row.name == name) {
@@ -52,6 +53,7 @@ std::string_view NameOf(Member member) {
 }
 
 /// A field that is an array of texts. Used again for the next entry, so that its strings keep their memory.
+/// `texts` is the entry's own, which outlives this.
 struct TextArray {
     std::vector<std::string>* texts;
     std::size_t count = 0;
@@ -63,6 +65,7 @@ struct TextArray {
     }
 
     void Add(const std::string& text) {
+        // Grows only, so that the next entry writes over strings that have their memory already.
         if (count == texts->size()) {
             texts->emplace_back();
         }
@@ -119,6 +122,7 @@ public:
     }
 
 private:
+    // Where the parser stands: in the document, its array, an object of that, an array of texts, or what is read over.
     enum class Place { Document, Entries, Entry, Texts, Skipped };
 
     bool TakeOther();
@@ -179,6 +183,7 @@ bool EntryHandler::start_object(std::size_t) {
     }
     place_ = Place::Entry;
     entry_.id.reset();
+    // The texts of the entry before stay until they are written over.
     added_.isFound = arguments_.isFound = dependencies_.isFound = false;
     return true;
 }
@@ -222,6 +227,7 @@ bool EntryHandler::Skip() {
 }
 
 bool EntryHandler::EndSkipped() {
+    // Only members of an entry are read over, so that is where it goes on.
     if (--skippedDepth_ == 0) {
         place_ = Place::Entry;
     }
@@ -246,6 +252,7 @@ bool EntryHandler::end_array() {
 }
 
 void EntryHandler::FinishEntry() {
+    // Only these two are required: a person may leave out the others.
     arguments_.Require(Member::Arguments);
     dependencies_.Require(Member::Dependencies);
     for (const TextArray* const array : {&added_, &arguments_, &dependencies_}) {
@@ -260,6 +267,7 @@ void ReadDependencyInfo(std::istream& input, const std::function<void(const Depe
     BlockReader reader(input);
     EntryHandler handler(take);
     try {
+        // By iterators and not the stream itself: the library would ask that for each byte.
         json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
     } catch (const json::exception& error) {
         throw ZelmException(error.what());
@@ -270,6 +278,7 @@ DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path
 
 void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string> arguments, const PathTable& paths,
                                std::span<const FileNumber> listed, std::span<const FileNumber> added) {
+    // Escaped once for each file and not for each unit that names it.
     for (std::size_t place = pathTexts_.size(); place < paths.Size(); ++place) {
         AppendJsonString(pathTexts_.emplace_back(), paths.Reported(static_cast<FileNumber>(place)));
     }
@@ -285,11 +294,13 @@ void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string>
         AppendJsonString(text_, argument);
         separator = ",";
     }
+    // Those added stand here too, for programs that know nothing of "added".
     AppendList("],\"dependencies\":[", listed);
     AppendList(listed.empty() || added.empty() ? "" : ",", added);
     text_ += "],\"id\":";
     AppendJsonString(text_, id);
     text_ += '}';
+    // Large enough for calls of the system not to count, and all that is ever held of the file.
     constexpr std::size_t BlockSize = std::size_t{64} << 10U;
     if (text_.size() >= BlockSize) {
         WriteText();

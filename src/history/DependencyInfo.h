@@ -49,7 +49,9 @@ public:
     void Commit() { file_.Commit(); }
 
 private:
+    /// Appends the paths behind `opening`, joined by commas; every file has its text in `pathTexts_` by then.
     void AppendList(std::string_view opening, std::span<const FileNumber> files);
+    /// Hands what is gathered on to the file and to its fingerprint, and leaves nothing gathered.
     void WriteText();
 
     AtomicFile file_;

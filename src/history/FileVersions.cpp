@@ -18,12 +18,15 @@ void FileVersions::Adopt(PathTable paths, std::vector<FileVersion> versions) {
     nextVersion_.resize(versions_.size());
     for (std::size_t place = 0; place < versions_.size(); ++place) {
         File& file = FileAt(versions_[place].file, lock);
+        // The versions of a file are a list through the table: most have one, and a list for each would be an
+        // allocation.
         nextVersion_[place] = std::exchange(file.firstVersion, static_cast<VersionNumber>(place));
     }
 }
 
 FileNumber FileVersions::NumberOf(std::string_view reported, const std::string& directory) {
     const bool isWhole = reported.empty() || IsAbsolutePath(reported);
+    // Joined before the lock is taken: every worker comes here for every file.
     const std::string joined = isWhole ? std::string() : JoinPath(directory, reported);
     const Lock lock(mutex_);
     const FileNumber number = isWhole ? paths_.Add(reported, 0) : paths_.Add(joined, joined.size() - reported.size());
@@ -41,11 +44,13 @@ FileVersions::File& FileVersions::Looked(FileNumber number) {
         const Lock lock(mutex_);
         file = &FileAt(number, lock);
     }
+    // Without the lock, so that others go on while the disk is asked; the file stays where it is in its deque.
     std::call_once(file->once, [this, number, file] { Look(number, *file); });
     return *file;
 }
 
 void FileVersions::Look(FileNumber number, File& file) {
+    // Taken before the look: what happens in between counts as later.
     file.looked = std::chrono::steady_clock::now();
     std::string path;
     {
@@ -56,15 +61,18 @@ void FileVersions::Look(FileNumber number, File& file) {
     {
         const Lock lock(mutex_);
         FindCurrent(file, lock);
+        // Known by its stamp, as nearly all are, or not there: nothing is read.
         if (file.current != None || !file.stamp) {
             return;
         }
     }
     ReadContent(file, path);
+    // By the moment of the look: what is younger than that could still change within the same tick.
     const bool isProven = file.isKnown && IsProven(*file.stamp, file.looked);
     const Lock lock(mutex_);
     for (VersionNumber version = file.firstVersion; file.isKnown && version != None; version = Next(version, lock)) {
         FileVersion& known = At(version, lock);
+        // The same content under a new stamp, such as that of a checkout: the version takes the new stamp over.
         if ((known.sight == Sight::Young || known.sight == Sight::Proven) && known.content == file.content &&
             known.stamp.size == file.stamp->size) {
             const Sight sight = isProven ? Sight::Proven : Sight::Young;
@@ -184,11 +192,13 @@ VersionNumber FileVersions::VersionSeenBy(FileNumber number, Moment begin, WhenA
     File& file = Looked(number);
     ReadClock();
     const Lock lock(mutex_);
+    // From now on DoubtChanged looks after it.
     file.isGivenOut = true;
     if (!IsTold(file, begin, lock) || (!file.stamp && whenAbsent == WhenAbsent::Doubt)) {
         return FindOrAddVersion(number, Sight::Unseen, lock);
     }
     if (!file.stamp) {
+        // Absence is a version as well: the unit is made anew when a file turns up there.
         file.current = FindOrAddVersion(number, Sight::NotThere, lock);
     } else if (file.current == None) {
         const bool isProven = clock_ && clock_->IsOlder(*file.stamp, file.looked);
@@ -208,6 +218,7 @@ bool FileVersions::IsTooNewFor(FileNumber number, Moment begin) {
 bool FileVersions::IsCurrent(VersionNumber version) {
     const File& file = Looked(FileOf(version));
     const Lock lock(mutex_);
+    // What a unit may have seen in any form is never what is there now.
     return At(version, lock).sight != Sight::Unseen && file.current == version;
 }
 
@@ -239,6 +250,7 @@ bool FileVersions::IsGone(FileNumber file) {
         const Lock lock(mutex_);
         path = paths_.Path(file);
     }
+    // Asked once more: no stamp can also mean that a folder stands there, or that it can't be told.
     return Orvanta::LookAt(path).kind == PathKind::Nothing;
 }
 
@@ -253,6 +265,7 @@ void FileVersions::DoubtChanged() {
             continue;
         }
         file.isDoubted = true;
+        // The version itself is taken back, and with it the lists of all units that name it already.
         const VersionNumber doubted = file.stamp ? file.current : FindVersion(file, Sight::NotThere, lock);
         if (doubted != None) {
             At(doubted, lock) = {number, Sight::Unseen, {}, {}};
@@ -266,6 +279,7 @@ bool FileVersions::HasChangedSince(const File& file, const std::string& path, co
     if (StampOf(path) != file.stamp) {
         return true;
     }
+    // A stamp that proves nothing leaves the content to be compared.
     if (file.current == None || At(file.current, lock).sight != Sight::Young) {
         return false;
     }
@@ -293,6 +307,7 @@ void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, st
                 newFile = paths.AddNew(paths_.Path(copy.file), paths_.DirectorySize(copy.file));
             }
             copy.file = newFile;
+            // In the order in which the lists name them, so that the next run meets them one behind the other.
             newVersion = static_cast<VersionNumber>(versions.size());
             versions.push_back(copy);
         }

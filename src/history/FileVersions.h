@@ -86,6 +86,7 @@ public:
     /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
     void CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions);
 
+    /// The path of the file, absolute, as it is looked up on disk.
     [[nodiscard]] std::string PathOf(FileNumber file) const;
 
     /// By file: its path.
@@ -109,20 +110,35 @@ private:
 
     using Lock = std::lock_guard<std::mutex>;
 
+    /// The file, looked at by this thread or another. What the look has set may then be read without the lock.
     File& Looked(FileNumber number);
+    /// Looks at the file and reads it if need be. Only by way of `Looked`, which calls it once.
     void Look(FileNumber number, File& file);
+    /// Sets the content and, where it had to be taken again, the stamp with its moment; leaves the file unknown when it
+    /// does not hold still.
     void ReadContent(File& file, const std::string& path);
+    /// Sets `current` where a known version can be told without reading the file.
     void FindCurrent(File& file, const Lock& lock);
+    /// Whether any other content would have another stamp; false without a clock.
     [[nodiscard]] bool IsProven(const FileStamp& stamp, Moment looked);
+    /// May read the file, under the lock.
     [[nodiscard]] bool HasChangedSince(const File& file, const std::string& path, const Lock& lock);
+    /// Whether it is known what a unit saw that was begun at `begin`.
     [[nodiscard]] bool IsTold(const File& file, Moment begin, const Lock& lock) const;
 
+    // Those with a `lock` want it to be held by the caller. What they return lasts beyond it only for a File.
     [[nodiscard]] File& FileAt(FileNumber number, const Lock& lock);
+    /// Lasts until a version is added.
     [[nodiscard]] FileVersion& At(VersionNumber version, const Lock& lock);
+    /// The next older version of the same file; `None` behind the last.
     [[nodiscard]] VersionNumber Next(VersionNumber version, const Lock& lock) const;
+    /// The newest version of the file that was seen in this way, or `None`.
     [[nodiscard]] VersionNumber FindVersion(const File& file, Sight sight, const Lock& lock) const;
+    /// Puts a version in front of the file's others.
     VersionNumber AddVersion(File& file, const FileVersion& version, const Lock& lock);
+    /// For sights that say nothing of a content, of which one version for each file is enough.
     VersionNumber FindOrAddVersion(FileNumber number, Sight sight, const Lock& lock);
+    /// Makes a File for each path that has none yet.
     void AddFiles(const Lock& lock);
 
     std::string folder_;

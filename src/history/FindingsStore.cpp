@@ -29,6 +29,7 @@ std::optional<std::uint64_t> NumberOf(std::string_view name) {
     return error == std::errc() && end == name.data() + name.size() ? std::optional(number) : std::nullopt;
 }
 
+// A folder that can't be read has none, as far as we know.
 template <typename Visit>
 void VisitFindingsFiles(const std::string& folder, const Visit& visit) {
     std::error_code error;
@@ -49,6 +50,7 @@ std::uint64_t FindingsStore::Continue(std::uint64_t number, std::uint64_t end) {
     const Lock lock(mutex_);
     greatestUsed_ = number;
     const std::optional<FileStamp> stamp = number == 0 ? std::nullopt : StampOf(FileName(number));
+    // The number stays known as taken, so that a new file does not get it.
     if (!stamp) {
         return 0;
     }
@@ -58,6 +60,7 @@ std::uint64_t FindingsStore::Continue(std::uint64_t number, std::uint64_t end) {
 }
 
 FindingsRange FindingsStore::Append(std::string_view text) {
+    // Before the lock is taken: it needs nothing of the store.
     const Fingerprint fingerprint = FingerprintOf(text);
     const Lock lock(mutex_); // the order of the texts is that of the calls
     if (text.empty()) {
@@ -65,6 +68,7 @@ FindingsRange FindingsStore::Append(std::string_view text) {
     }
     if (number_ == 0) {
         MakeFolders(folder_);
+        // Files of runs that were killed count too: a number is never used twice, so no old range fits a new file.
         VisitFindingsFiles(folder_, [this](const std::string&, std::uint64_t number) {
             greatestUsed_ = std::max(greatestUsed_, number);
         });
@@ -84,12 +88,14 @@ std::optional<std::string_view> FindingsStore::View(const FindingsRange& range, 
     if (range.size == 0) {
         return std::string_view();
     }
+    // From the range on and a good deal further: units are mostly asked for in the order in which they were written.
     if (range.begin < windowBegin_ || range.begin + range.size > windowBegin_ + window_.size()) {
         if (!input_.is_open()) {
             input_.open(NativePath(FileName(number_)), std::ios::binary);
         }
         windowBegin_ = range.begin;
         window_.resize(std::max(range.size, SmallestWindow));
+        // An earlier read up to the end has left the stream at its end.
         input_.clear();
         input_.seekg(static_cast<std::streamoff>(range.begin));
         input_.read(window_.data(), static_cast<std::streamsize>(window_.size()));
@@ -151,6 +157,7 @@ std::unique_ptr<FindingsStore> CompactFindings(const FindingsStore& store, const
     for (const KnownUnit& unit : units) {
         used += unit.findings.size;
     }
+    // Little waste is not worth a copy, however large its share.
     if (store.End() <= WorthIt || used >= store.End() / 2) {
         return nullptr;
     }
@@ -158,6 +165,7 @@ std::unique_ptr<FindingsStore> CompactFindings(const FindingsStore& store, const
     std::vector<std::optional<FindingsRange>> moved;
     moved.reserve(units.size());
     for (const KnownUnit& unit : units) {
+        // Into a list first: a fault in the middle must leave the units as they were.
         const bool isIntact = store.IsIntact(unit.findings);
         moved.push_back(isIntact ? std::optional(compact->Append(store.Read(unit.findings))) : std::nullopt);
     }

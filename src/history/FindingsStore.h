@@ -29,6 +29,7 @@ public:
     /// Goes on with the file `number`, of which `end` bytes count. Returns how many of them are there.
     [[nodiscard]] std::uint64_t Continue(std::uint64_t number, std::uint64_t end);
 
+    /// Writes the text behind all others and returns where it stands. An empty one takes no room, and makes no file.
     /// \throws FileException
     [[nodiscard]] FindingsRange Append(std::string_view text);
 
@@ -53,7 +54,10 @@ public:
 private:
     using Lock = std::lock_guard<std::mutex>;
 
+    /// The path of the file with this number.
     [[nodiscard]] std::string FileName(std::uint64_t number) const;
+    /// The text, out of the window, which it moves if need be; absent when it can't be read or is another one. Lasts
+    /// until the next call.
     [[nodiscard]] std::optional<std::string_view> View(const FindingsRange& range, const Lock& lock) const;
 
     std::string folder_;

@@ -20,6 +20,7 @@ constexpr std::uint64_t Magic = 0x1A5453484E56524FU;
 constexpr std::uint64_t FormatVersion = 2;
 
 /// The beginning of the file; the tables follow in the order of their sizes.
+/// Of whole words, without a gap, so that its bytes are what it holds.
 struct Header {
     std::uint64_t magic = Magic;
     std::uint64_t formatVersion = FormatVersion;
@@ -44,6 +45,7 @@ static_assert(sizeof(Header) == 176 && sizeof(PathTable::Entry) == 16 && sizeof(
 template <typename Table>
 std::string_view BytesOf(const Table& table) {
     using Row = typename Table::value_type;
+    // Bytes of a gap would be whatever stood there, and the checksum another one each time.
     static_assert(std::has_unique_object_representations_v<Row>);
     return {reinterpret_cast<const char*>(table.data()), table.size() * sizeof(Row)};
 }
@@ -54,6 +56,7 @@ std::string_view BytesOf(const Header& header) {
 }
 
 Fingerprint Checksum(Header header, const HistoryData& history) {
+    // It can't cover itself.
     header.checksum = {};
     FingerprintBuilder checksum;
     for (const std::string_view part :
@@ -64,6 +67,7 @@ Fingerprint Checksum(Header header, const HistoryData& history) {
     return checksum.Value();
 }
 
+// Leaves the stream at its start; 0 too when it can't be told.
 std::uint64_t SizeOf(std::istream& input) {
     input.seekg(0, std::ios::end);
     const std::streamoff size = input.tellg();
@@ -126,6 +130,7 @@ HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum) {
     if (header.formatVersion != FormatVersion) {
         throw ZelmException("another version of this program wrote it");
     }
+    // Before any table is made: a damaged size must not ask for all the memory there is.
     if (!FillsFile(header, size)) {
         throw ZelmException(Damage);
     }
@@ -146,6 +151,8 @@ HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum) {
     history.infoStamp = header.infoStamp;
     history.findingsNumber = header.findingsNumber;
     history.findingsEnd = header.findingsEnd;
+    // The checksum first; whatever it lets pass is still looked at, since a number out of place would be read past a
+    // table.
     const bool isIntact = checksum == HistoryChecksum::Ignore || Checksum(header, history) == header.checksum;
     if (!isIntact || !IsSound(history)) {
         throw ZelmException(Damage);
@@ -165,6 +172,7 @@ void WriteHistoryFile(const std::string& path, const HistoryData& history) {
     header.infoStamp = history.infoStamp;
     header.findingsNumber = history.findingsNumber;
     header.findingsEnd = history.findingsEnd;
+    // The last field, as it covers all the others.
     header.checksum = Checksum(header, history);
     AtomicFile file(path);
     for (const std::string_view part :

@@ -45,6 +45,7 @@ HistoryFolder::HistoryFolder(std::string path, TellUser tell) : path_(std::move(
 
 void HistoryFolder::Tell(const FileException& fault, Loss loss) {
     const std::lock_guard lock(telling_);
+    // Once for each file: a disk that is full would else be told for every unit.
     if (!told_.insert(fault.Path()).second || !tell_) {
         return;
     }
@@ -58,6 +59,8 @@ std::optional<ContentFingerprint> HistoryFolder::ReadInfoFingerprint(const Histo
     RequireFileOrNothing(path);
     const auto looked = std::chrono::steady_clock::now();
     const std::optional<FileStamp> stamp = StampOf(path);
+    // Nearly every run ends here, and is spared hundreds of megabytes. A stamp that is not known is all zero, and no
+    // file's.
     if (stamp && binary != nullptr && *stamp == binary->infoStamp) {
         infoStamp_ = *stamp;
         infoOnDisk_ = binary->info;
@@ -67,6 +70,7 @@ std::optional<ContentFingerprint> HistoryFolder::ReadInfoFingerprint(const Histo
     if (!infoOnDisk_ && PathExists(path)) {
         throw FileException(path, std::generic_category().message(errno));
     }
+    // The same stamp before and behind the reading: then it belongs to what was read.
     if (stamp && binary != nullptr && infoOnDisk_ == binary->info && StampOf(path) == stamp &&
         IsProven(*stamp, looked)) {
         infoStamp_ = *stamp;
@@ -116,6 +120,7 @@ void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
                           const std::function<void(DependencyInfoWriter&)>& writeInfo) {
     const std::string infoPath = JoinPath(path_, InfoName);
     const std::string binaryPath = JoinPath(path_, BinaryName);
+    // All that can be found out beforehand is, before anything is replaced.
     MakeFolders(path_);
     RequireFileOrNothing(infoPath);
     RequireFileOrNothing(binaryPath);
@@ -132,9 +137,11 @@ void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
     writeInfo(writer);
     history.earlierInfo = onDisk;
     history.info = writer.Finish();
+    // A kill behind this finds an old file, which the binary file knows as the one before.
     WriteHistoryFile(binaryPath, history);
     writer.Commit();
     infoOnDisk_ = history.info;
+    // Too young to prove anything; the next run learns it.
     infoStamp_ = {};
     hasLearned_ = false;
 }

@@ -27,8 +27,10 @@ public:
         New,   ///< what this run has learned
     };
 
+    /// Touches nothing: the folder need not exist. Without `tell`, nothing is told.
     HistoryFolder(std::string path, TellUser tell);
 
+    /// As it was given.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
     /// Tells a fault of a file, unless one of it has been told. Any thread may call it.
@@ -67,6 +69,7 @@ public:
     [[nodiscard]] bool HasInfo() const noexcept { return infoOnDisk_.has_value(); }
 
 private:
+    /// False too when the folder's clock can't be read.
     [[nodiscard]] bool IsProven(const FileStamp& stamp, std::chrono::steady_clock::time_point looked) const;
 
     std::string path_;

@@ -18,6 +18,7 @@ void HistoryRecord::Adopt(std::vector<KnownUnit> known, std::vector<VersionNumbe
     NumberNewUnits();
     for (std::size_t unit = 0; unit < RunSize(); ++unit) {
         KnownUnit& row = units_[unit];
+        // The dependency information tells the arguments too.
         isInfoBehind = isInfoBehind || (row.hasList != 0 && row.arguments != identities_[unit].arguments);
         row.arguments = identities_[unit].arguments;
     }
@@ -26,9 +27,11 @@ void HistoryRecord::Adopt(std::vector<KnownUnit> known, std::vector<VersionNumbe
 
 // Units are mostly asked for in their order, in which they were written.
 void HistoryRecord::FindNamesakes(std::vector<KnownUnit>& known) {
+    // Numbers of known units begin with 1.
     constexpr std::size_t Taken = 0; // of namesake
     std::unordered_multimap<std::uint64_t, std::size_t> places;
     const auto find = [&](std::size_t unit, bool hasSameArguments) {
+        // Made when the order fails for the first time, and never in a build that has not changed.
         if (places.empty()) {
             for (std::size_t place = 0; place < known.size(); ++place) {
                 places.emplace(known[place].source.low, place);
@@ -40,6 +43,7 @@ void HistoryRecord::FindNamesakes(std::vector<KnownUnit>& known) {
             const KnownUnit& row = known[place->second];
             if (row.namesake != Taken && row.source == units_[unit].source &&
                 (!hasSameArguments || row.arguments == identities_[unit].arguments)) {
+                // The first in the file: the order within the map says nothing.
                 best = std::min(best, place->second);
             }
         }
@@ -59,6 +63,7 @@ void HistoryRecord::FindNamesakes(std::vector<KnownUnit>& known) {
                             known[next].arguments == identities_[unit].arguments;
         const std::size_t place = isNext ? next : known.empty() ? known.size() : find(unit, true);
         if (place == known.size()) {
+            // In a second pass: those with equal arguments come first, so that none is taken away from its own unit.
             missed.push_back(unit);
             units_[unit].namesake = Taken;
             continue;
@@ -82,6 +87,7 @@ void HistoryRecord::NumberNewUnits() {
     if (std::none_of(units_.begin(), units_.end(), isNew)) {
         return;
     }
+    // Two sources with one hash share their numbers, which then have gaps: that does no harm.
     std::unordered_map<std::uint64_t, std::uint32_t> greatest;
     for (const KnownUnit& row : units_) {
         std::uint32_t& namesake = greatest[row.source.low];
@@ -134,8 +140,10 @@ void HistoryRecord::SetList(std::size_t unit, const SeenList& list, bool namesSa
     }
     isDirty = true;
     isInfoBehind = isInfoBehind || !namesSameFiles;
+    // The first list that was replaced is that of the run's beginning, and stays.
     replacedLists_.try_emplace(unit, row.listBegin, std::size_t{row.named} + row.added);
     PutList(row, list);
+    // What was found with other files is no result of these.
     ForgetResult(unit);
 }
 
@@ -194,6 +202,7 @@ void HistoryRecord::DropOthers(const std::function<bool(std::size_t unit)>& isGo
     std::size_t kept = RunSize();
     for (std::size_t unit = RunSize(); unit < Size(); ++unit) {
         if (!isGone(unit)) {
+            // In place: the units of the run, which stand in front, keep their numbers.
             units_[kept++] = units_[unit];
         }
     }
@@ -207,6 +216,7 @@ HistoryData HistoryRecord::Copy(std::vector<std::size_t>& units) const {
     HistoryData history;
     for (std::size_t unit = 0; unit < Size(); ++unit) {
         KnownUnit row = units_[unit];
+        // Of such a unit nothing is known that a run could use.
         if (row.hasList == 0 && row.leftOutWith == Fingerprint{}) {
             continue;
         }
@@ -225,6 +235,7 @@ std::pair<std::string_view, std::uint32_t> SplitId(std::string_view id) {
     if (opening != std::string_view::npos && id.ends_with(')')) {
         const std::string_view digits = id.substr(opening + 2, id.size() - opening - 3);
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), namesake);
+        // A source may itself end in parentheses, as "a (copy)" does: only what IdOf writes is taken off.
         if (error == std::errc() && end == digits.data() + digits.size() && namesake > 1) {
             return {id.substr(0, opening), namesake};
         }

@@ -47,8 +47,10 @@ public:
     /// arguments, and otherwise the first that is left is taken for it.
     void Adopt(std::vector<KnownUnit> known, std::vector<VersionNumber> lists);
 
+    /// How many units are known, those of the run included.
     [[nodiscard]] std::size_t Size() const noexcept { return units_.size(); }
 
+    /// How many units the run has.
     [[nodiscard]] std::size_t RunSize() const noexcept { return identities_.size(); }
 
     [[nodiscard]] const KnownUnit& operator[](std::size_t unit) const { return units_[unit]; }
@@ -56,6 +58,7 @@ public:
     /// The rows, for whoever moves the findings.
     [[nodiscard]] std::span<KnownUnit> Units() noexcept { return units_; }
 
+    /// All three parts of the unit's list; lasts until a list is put in. So do the two that follow.
     [[nodiscard]] std::span<const VersionNumber> ListOf(std::size_t unit) const;
 
     /// The files that the dependency information names for the unit.
@@ -70,6 +73,7 @@ public:
     /// Whether the list is known and was made with the unit's inputs of now.
     [[nodiscard]] bool HasList(std::size_t unit) const;
 
+    /// Whether its last run was a success, with whatever inputs it had.
     [[nodiscard]] bool HasResult(std::size_t unit) const { return units_[unit].hasResult != 0; }
 
     /// Whether the unit was left out with the inputs that it has now.
@@ -110,8 +114,11 @@ public:
     bool isDirty = false;
 
 private:
+    /// Fills the rows of the run's units with what is known of them, and puts what is left of `known` behind them.
     void FindNamesakes(std::vector<KnownUnit>& known);
+    /// Gives each unit without a number one that no other unit of its source has.
     void NumberNewUnits();
+    /// Puts a list behind all others and lets the row tell of it.
     void PutList(KnownUnit& row, const SeenList& list);
 
     std::span<const UnitIdentity> identities_;

@@ -20,16 +20,19 @@ UnitHistory::ReadResult HistoryState::Read() {
     std::optional<HistoryData> history = folder.ReadBinary();
     std::optional<ContentFingerprint> info;
     try {
+        // The binary file is read first: its stamp may spare the reading of the other.
         info = folder.ReadInfoFingerprint(history ? &*history : nullptr);
     } catch (const FileException& exception) {
         fault = exception.what();
         return UnitHistory::ReadResult::Unreadable;
     }
+    // Whoever removes the file wants nothing to be known.
     if (!info) {
         return UnitHistory::ReadResult::Missing;
     }
     bool belongsToInfo = false;
     if (history) {
+        // The one before is what a kill between the two renames leaves.
         belongsToInfo = history->info == *info || history->earlierInfo == *info;
         record.isInfoBehind = history->info != *info && belongsToInfo;
         Adopt(std::move(*history));
@@ -46,6 +49,7 @@ void HistoryState::Adopt(HistoryData history) {
 
 void HistoryState::AdoptFindings(std::uint64_t number, std::uint64_t end) {
     const std::uint64_t readable = findings->Continue(number, end);
+    // As it should be: nothing was cut off.
     if (readable == end) {
         return;
     }
@@ -65,6 +69,7 @@ UnitHistory::ReadResult HistoryState::ReadLists() {
         named.PutIntoRecord();
     } catch (const FileException& exception) {
         fault = exception.what();
+        // What was taken so far goes: half of a file would count as the whole.
         record = HistoryRecord(identities);
         folder.ForgetInfo();
         return UnitHistory::ReadResult::Unreadable;
@@ -124,6 +129,7 @@ void HistoryState::FillInfo(DependencyInfoWriter& writer, const HistoryData& his
 // version that is given out between the look and the copy would be saved unchecked.
 bool HistoryState::Save(Extent extent) {
     const bool isLast = extent == Extent::All;
+    // Before the other lock, as everywhere.
     const Lock oneAtATime(saving_);
     const Clock::time_point begin = Clock::now();
     HistoryData history;
@@ -141,6 +147,7 @@ bool HistoryState::Save(Extent extent) {
             if (!record.isDirty) {
                 return true;
             }
+            // The last moment: what has changed since it was given out must not be saved as seen.
             files.DoubtChanged();
             if (std::unique_ptr<FindingsStore> compact =
                     isLast ? CompactFindings(*findings, folder.Path(), record.Units()) : nullptr) {
@@ -156,20 +163,24 @@ bool HistoryState::Save(Extent extent) {
             } else if (wasInfoBehind) {
                 writing = HistoryFolder::InfoWriting::StandsBehind;
             }
+            // Already here: what a worker adds while the file is written is for the next save.
             record.isDirty = false;
             record.isInfoBehind = wasInfoBehind && writing != HistoryFolder::InfoWriting::Replace;
         }
         folder.Write(history, writing, [&](DependencyInfoWriter& writer) { FillInfo(writer, history, units); });
     } catch (const FileException& exception) {
         const Lock lock(mutex);
+        // Not all was written, so all of it is still to be saved.
         record.isDirty = true;
         record.isInfoBehind = record.isInfoBehind || wasInfoBehind;
+        // In between the next save may go well; at the end nobody else would tell.
         if (isLast) {
             folder.Tell(exception, Loss::New);
         }
         return false;
     }
     if (isLast) {
+        // Only now: until the new binary file stands, the old one tells of an old findings file.
         findings->RemoveOthers();
         RemoveAbandonedFiles(folder.Path());
     }
@@ -182,6 +193,7 @@ bool HistoryState::Save(Extent extent) {
 void HistoryState::SaveNowAndThen() {
     constexpr int MostShare = 20; // of the time goes into saving: one in so many
     {
+        // A worker that finds another one saving goes on with its next unit.
         const std::unique_lock isFree(saving_, std::try_to_lock);
         if (!isFree ||
             Clock::now() - lastSaved_ < std::max<Clock::duration>(std::chrono::seconds(1), MostShare * lastDuration_)) {

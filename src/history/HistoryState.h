@@ -54,10 +54,15 @@ struct HistoryState {
     std::unique_ptr<FindingsStore> findings; // not null
 
 private:
+    /// Takes over what the binary file knows.
     void Adopt(HistoryData history);
+    /// Goes on with the findings file; units whose findings it does not reach any more lose their results.
     void AdoptFindings(std::uint64_t number, std::uint64_t end);
+    /// Takes the lists from `depend_info.json`; leaves the record without knowledge when that can't be read.
     [[nodiscard]] UnitHistory::ReadResult ReadLists();
+    /// Looks at the sources of the units that are not of this run. Takes the lock itself.
     void DropGoneUnits();
+    /// Adds an entry for each unit with a list. `units` are the places in the record of those of `history`.
     void FillInfo(DependencyInfoWriter& writer, const HistoryData& history, const std::vector<std::size_t>& units);
 
     std::mutex saving_;                          // one at a time; taken before `mutex`

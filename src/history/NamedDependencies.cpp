@@ -15,6 +15,7 @@ Fingerprint ArgumentsFingerprint(std::span<const std::string> arguments) {
     return builder.Value();
 }
 
+// For a multimap, whose finds are compared whole: two units may have one key.
 std::uint64_t KeyOf(const Fingerprint& source, std::uint32_t namesake) {
     return source.low + namesake;
 }
@@ -24,11 +25,13 @@ std::uint64_t KeyOf(const Fingerprint& source, std::uint32_t namesake) {
 /// By file: the version that the unit at hand saw.
 class SeenVersions {
 public:
+    /// Forgets the unit before. By raising a number: clearing the table would take longer than filling it.
     void Begin() {
         ++unit_;
         order_.clear();
     }
 
+    /// Only the first version of a file counts.
     void Add(FileNumber file, VersionNumber version, bool isListed) {
         if (PlaceOf(file) >= seen_.size()) {
             seen_.resize(PlaceOf(file) + 1);
@@ -91,6 +94,7 @@ std::span<const std::size_t> InfoMatcher::UnitsOf(const DependencyInfoEntry& ent
         const std::pair<std::string_view, std::uint32_t> id = SplitId(*entry.id);
         const Fingerprint source = FingerprintOf(id.first);
         const auto [first, last] = unitsById_.equal_range(KeyOf(source, id.second));
+        // The key may be that of another unit as well.
         const auto unit = std::find_if(first, last, [&](const auto& candidate) {
             return record_[candidate.second].source == source && record_[candidate.second].namesake == id.second;
         });
@@ -201,7 +205,9 @@ SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVer
     };
     for (const FileNumber file : named.files) {
         const bool isTold = std::find(named.added.begin(), named.added.end(), file) != named.added.end();
+        // Where the unit's list is known, that decides; only where it is not, the file's own word does.
         const bool isAdded = record_[unit].hasList != 0 ? !seen.IsListed(file) : isTold;
+        // What the file says of itself is then not what we know, and is put right by the next save.
         record_.isInfoBehind = record_.isInfoBehind || isAdded != isTold;
         (isAdded ? added : list.versions).push_back(take(file));
     }
@@ -209,6 +215,7 @@ SeenList NamedDependencies::ListOf(std::size_t unit, const Named& named, SeenVer
     list.added = added.size();
     list.versions.insert(list.versions.end(), added.begin(), added.end());
     const VersionNumber source = take(named.source);
+    // Programs and what the compiler looked for stand in no file, and still count.
     seen.AppendRest(list.versions);
     const auto place = std::find(list.versions.begin(), list.versions.end(), source);
     list.sourcePlace = static_cast<std::size_t>(place - list.versions.begin());

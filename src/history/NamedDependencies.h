@@ -61,9 +61,12 @@ private:
         FileNumber source;
     };
 
+    /// Adds the entry's files to those of the unit; relative ones are of `directory`.
     void TakeFor(std::size_t unit, const DependencyInfoEntry& entry, const std::string& directory,
                  std::string_view source);
+    /// Takes an entry with an id that is of no unit of the run; absent `known` makes a unit of it.
     void TakeOther(const DependencyInfoEntry& entry, std::optional<std::size_t> known);
+    /// The list made of what the file names and, from `seen`, what the unit saw of it.
     [[nodiscard]] SeenList ListOf(std::size_t unit, const Named& named, SeenVersions& seen);
 
     HistoryRecord& record_;

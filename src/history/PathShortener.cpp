@@ -25,12 +25,14 @@ std::string PathShortener::Shorten(const std::string& path) {
     if (path.empty() || IsPlain(path)) {
         return path;
     }
+    // Nothing goes up, so the text alone is enough.
     if (path.find("..") == std::string::npos) {
         return NormalizePath(path);
     }
     const std::string folder(DirectoryOf(path));
     const std::string shortened = folders_.Get(folder, [&folder] {
         std::string normalized = NormalizePath(folder);
+        // Whether a link stands on the way shows in where both lead.
         return IsSameFile(folder, normalized) ? normalized : folder;
     });
     return JoinPath(shortened, FileNameOf(path));

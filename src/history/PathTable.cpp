@@ -17,6 +17,7 @@ bool PathTable::AreSound(std::string_view text, const std::vector<Entry>& entrie
         }
         begin = entry.end;
     }
+    // Every byte of the text belongs to some path.
     return begin == text.size();
 }
 
@@ -24,6 +25,7 @@ FileNumber PathTable::Add(std::string_view path, std::uint64_t directorySize) {
     // A run in which nothing has changed asks for no number, and is spared the index.
     for (; indexed_ < Size(); ++indexed_) {
         const auto file = static_cast<FileNumber>(indexed_);
+        // By hash, and not by views into the text, which moves when it grows.
         numbers_.emplace(FingerprintOf(Path(file)).low, file);
     }
     const auto [first, last] = numbers_.equal_range(FingerprintOf(path).low);

@@ -36,8 +36,10 @@ public:
     /// Adds a path that is not in the table, which is not looked at.
     FileNumber AddNew(std::string_view path, std::uint64_t directorySize);
 
+    /// How many paths there are; numbers go from 0 on.
     [[nodiscard]] std::size_t Size() const noexcept { return entries_.size(); }
 
+    /// The whole path. A view into the table, which lasts until a path is added.
     [[nodiscard]] std::string_view Path(FileNumber file) const;
 
     /// How much of the path, from its beginning, the core did not report.
@@ -46,8 +48,10 @@ public:
     /// The path as the core reported it.
     [[nodiscard]] std::string_view Reported(FileNumber file) const;
 
+    /// All paths, one behind the other, as the constructor takes them.
     [[nodiscard]] const std::string& Text() const noexcept { return text_; }
 
+    /// By file, as the constructor takes them.
     [[nodiscard]] const std::vector<Entry>& Entries() const noexcept { return entries_; }
 
 private:

@@ -45,6 +45,7 @@ struct UnitHistory::State : HistoryState {
 
 /// Asked once for each version: ten thousand units name the same headers.
 bool UnitHistory::State::IsCurrent(VersionNumber version) {
+    // By one thread at a time: only the questions before the run ask here.
     const std::size_t place = PlaceOf(version);
     if (place >= isCurrent.size()) {
         isCurrent.resize(place + 1, -1);
@@ -114,6 +115,7 @@ SeenList UnitHistory::State::MakeList(std::size_t unit, Moment begin, std::span<
         add(NumberOf(unit, dependency), WhenAbsent::Doubt);
     }
     list.named = listed.size();
+    // Copied, since another worker may put a list in and so move all of them.
     std::vector<VersionNumber> added;
     {
         const Lock lock(mutex);
@@ -144,6 +146,7 @@ std::optional<FindingsRange> UnitHistory::State::KeepFindings(std::size_t unit, 
         const Lock lock(mutex);
         before = record[unit].findings;
     }
+    // The size first: it is known without going through the text.
     if (before.size == text.size() && before.text == FingerprintOf(text) && findings->IsIntact(before)) {
         return before;
     }
@@ -205,6 +208,7 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
     std::vector<std::optional<std::vector<std::size_t>>> placesOf(filePaths.size()); // of each file, once it is met
     std::vector<bool> isMadeOf(state.record.RunSize());
     found.assign(paths.size(), false);
+    // Each file is compared with the wanted ones once, however many units name it.
     const auto meet = [&](std::size_t unit, FileNumber file, bool onlyMissing) {
         std::optional<std::vector<std::size_t>>& places = placesOf[PlaceOf(file)];
         if (!places) {
@@ -221,6 +225,7 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
         for (const VersionNumber version : state.record.NamedOf(unit)) {
             meet(unit, fileOf[PlaceOf(version)], false);
         }
+        // Only for what is gone: a file that is there is found by what units are made of now.
         for (const VersionNumber version : state.record.EarlierNamedOf(unit)) {
             meet(unit, fileOf[PlaceOf(version)], true);
         }
@@ -291,6 +296,7 @@ void UnitWatch::Begin() {
     for (const FileNumber file : state.InputFilesOf(unit_, inputFiles_)) {
         state.files.LookAt(file);
     }
+    // After the looks: then each of them counts as early.
     begin_ = std::chrono::steady_clock::now();
 }
 
@@ -305,6 +311,7 @@ std::optional<std::vector<std::string>> UnitWatch::KnownDependencies() const {
         }
         const std::span<const VersionNumber> known = state.record.ListOf(unit_);
         list.assign(known.begin(), known.end());
+        // Of the list, the core has listed only these.
         named = state.record[unit_].named;
     }
     if (!std::all_of(list.begin(), list.end(),
@@ -333,6 +340,7 @@ bool UnitWatch::Covers(std::span<const std::string> dependencies) {
 void UnitWatch::Keep(std::span<const std::string> dependencies, std::optional<std::string_view> findings) {
     UnitHistory::State& state = *history_->state_;
     const SeenList list = state.MakeList(unit_, begin_, dependencies, inputFiles_);
+    // Before the lock is taken: it may write to the disk.
     const std::optional<FindingsRange> range = findings ? state.KeepFindings(unit_, *findings) : std::nullopt;
     {
         const UnitHistory::State::Lock lock(state.mutex);
@@ -340,9 +348,11 @@ void UnitWatch::Keep(std::span<const std::string> dependencies, std::optional<st
         if (range) {
             state.record.SetResult(unit_, *range);
         } else if (findings) {
+            // It has run and its findings are lost: what it had before is no longer true.
             state.record.ForgetResult(unit_);
         }
     }
+    // Kept: the destructor has nothing to forget.
     history_ = nullptr;
     state.SaveNowAndThen();
 }

@@ -129,6 +129,7 @@ private:
 /// dependencies stay known. The history outlives it.
 class UnitWatch {
 public:
+    /// The moved one forgets nothing when it goes.
     UnitWatch(UnitWatch&& other) noexcept;
     UnitWatch& operator=(UnitWatch&&) = delete;
     ~UnitWatch();
@@ -149,7 +150,9 @@ public:
 
 private:
     friend class UnitHistory;
+    /// Looks at the files, by `Begin`.
     UnitWatch(UnitHistory& history, std::size_t unit, std::span<const std::string> inputFiles);
+    /// Looks at what the unit is known to be made of, and then sets its beginning.
     void Begin();
 
     UnitHistory* history_; // null: nothing is left to forget

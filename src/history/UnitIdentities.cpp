@@ -102,10 +102,12 @@ constexpr DecisiveVariable DecisiveVariables[] = {
 
 void AddVariable(FingerprintBuilder& builder, std::string_view name) {
     const std::string* const value = FindVariable(OwnEnvironment(), name);
+    // A variable that is empty is not the same as none.
     builder.Add(name).Add(value != nullptr ? 1 : 0).Add(value != nullptr ? *value : std::string());
 }
 
 void AddEnvironment(FingerprintBuilder& builder, const Environment& environment) {
+    // How many there are belongs to it, so that what follows can't pass for one more.
     builder.Add(environment.size());
     for (const auto& [name, value] : environment) {
         builder.Add(name).Add(value);
@@ -125,6 +127,7 @@ bool IsScript(const std::string& path) {
 
 void AddCompiler(FingerprintBuilder& builder, const CompilerInfo& compiler) {
     builder.Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Add(compiler.path);
+    // Where the path leads, so that a link which is turned to another version counts as a change.
     builder.Add(ResolveLinks(compiler.path));
     for (const DecisiveVariable& variable : DecisiveVariables) {
         if (variable.counts(compiler.type)) {
@@ -140,9 +143,11 @@ Fingerprint CommonInputs(const RunSettings& settings, const ResultMakers& makers
     FingerprintBuilder builder;
     builder.Add(ResultVersion).Add(makers.ownVersion);
     for (const auto& [key, value] : settings.userSettings) {
+        // Where the report goes decides no result.
         if (key != "output-file") {
             builder.Add(key).Add(value);
         }
+        // What the file holds, which may change without its name.
         if (key == "rules-config" && IsRegularFile(value)) {
             builder.Add(ReadWholeFile(value));
         }
@@ -162,6 +167,7 @@ class SharedParts {
 public:
     template <typename Make>
     const Part& Get(const std::shared_ptr<const Shared>& shared, const Make& make) {
+        // By address: whoever shares an object has the same pointer, and the units keep it alive.
         const auto [part, isNew] = parts_.try_emplace(shared.get());
         if (isNew) {
             part->second = make(*shared);
@@ -201,6 +207,7 @@ std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units, c
     identities.reserve(units.size());
     for (const CompileCommand& unit : units) {
         UnitIdentity identity;
+        // As it stands in `depend_info.json`, where people read it.
         identity.id = *unit.absoluteDirectory + ": " + std::string(unit.SourceFile());
         FingerprintBuilder arguments;
         for (const std::string& argument : unit.arguments.ToVector()) {

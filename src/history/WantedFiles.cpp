@@ -36,6 +36,7 @@ WantedFiles::WantedFiles(std::span<const std::string> paths) : isMissing_(paths.
         if (const std::optional<FileStamp> stamp = StampOf(paths[place])) {
             byFile_[{stamp->volume, stamp->index}].push_back(place);
         } else {
+            // Its own links are gone with it; those of the folders on its way may still lead where a unit's path does.
             isMissing_[place] = true;
             byPath_[ComparableForm(ResolvedPath(paths[place]))].push_back(place);
         }
@@ -44,6 +45,7 @@ WantedFiles::WantedFiles(std::span<const std::string> paths) : isMissing_(paths.
 
 std::vector<std::size_t> WantedFiles::PlacesOf(const std::string& path, const std::optional<FileStamp>& stamp) const {
     std::vector<std::size_t> places;
+    // By text first, which finds what is gone too. A place may come twice: whoever asks sets a mark.
     Append(places, byPath_, ComparableForm(path));
     if (stamp) {
         Append(places, byFile_, std::pair(stamp->volume, stamp->index));

@@ -7,6 +7,7 @@ namespace Orvanta {
 
 namespace {
 
+// An empty variable counts as none, as both customs have it.
 bool IsSet(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr && *value != '\0';
@@ -15,6 +16,7 @@ bool IsSet(const char* name) {
 } // namespace
 
 std::optional<bool> ColoursAskedFor() {
+    // Asked first: whoever sets both may not be able to stand colours.
     if (IsSet("NO_COLOR")) {
         return false;
     }

@@ -14,6 +14,7 @@ std::atomic<MessagePlace> messagePlace = MessagePlace::StandardOutput;
 std::atomic<bool> isOutputLost = false;
 
 // With a blank in front of each line that would look like a finding.
+// A reader of the output takes each line that begins with "{" for a finding.
 std::string KeptApart(std::string_view text) {
     std::string kept;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -50,6 +51,7 @@ void WriteToStandardOutput(std::string_view bytes) noexcept {
     case MessagePlace::AmongFindings:
         break;
     }
+    // The one place that changes what it is handed, and so may need memory.
     try {
         WriteToStream(StandardStream::Output, HasLineLikeAFinding(bytes) ? KeptApart(bytes) : std::string(bytes));
     } catch (const std::bad_alloc&) {
@@ -59,6 +61,7 @@ void WriteToStandardOutput(std::string_view bytes) noexcept {
 
 void WriteResultToStandardOutput(std::string_view bytes) {
     if (const std::string fault = WriteToStream(StandardStream::Output, bytes); !fault.empty()) {
+        // Remembered beside the exception: whoever catches that may go on, and the run has failed all the same.
         isOutputLost.store(true);
         throw FileException("standard output", fault);
     }

@@ -17,6 +17,8 @@ void InstallCrashHandler();
 /// no trace. `InstallCrashHandler` makes it for the main thread; the first thing on every other one of ours.
 class ThreadCrashRoom {
 public:
+    /// For the calling thread, which must also be the one that destroys it. Where the system gives no room, the thread
+    /// goes on without.
     ThreadCrashRoom();
     ~ThreadCrashRoom();
     ThreadCrashRoom(const ThreadCrashRoom&) = delete;

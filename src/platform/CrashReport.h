@@ -26,6 +26,8 @@ inline void WriteCrashReport(backward::Printer& printer, const backward::StackTr
         std::fflush(stdout);
         return;
     }
+    // Said before the stack is printed: that allocates, and may get stuck where the crash has happened inside the
+    // allocator.
     std::fprintf(stderr, "Application has crashed. Please send file %s to %s\n", CrashReportFileName, SupportAddress);
     std::fflush(stderr);
     printer.print(trace, file);

@@ -7,6 +7,7 @@
 namespace Orvanta {
 
 const std::string* FindVariable(const Environment& environment, std::string_view name) {
+    // A walk and no look-up in the map: on some systems two spellings name one variable.
     const auto found = std::find_if(environment.begin(), environment.end(),
                                     [name](const auto& variable) { return IsSameVariable(variable.first, name); });
     return found == environment.end() ? nullptr : &found->second;
@@ -18,6 +19,7 @@ std::optional<std::string> EnvironmentVariable(std::string_view name) {
 }
 
 Environment WithChanges(const Environment& changes) {
+    // The changes first: of two spellings of one name, theirs stays.
     Environment changed = changes;
     for (const auto& own : OwnEnvironment()) {
         const bool isChanged = std::any_of(changes.begin(), changes.end(), [&own](const auto& change) {

@@ -10,9 +10,11 @@ namespace Orvanta {
 /// unit's failure.
 class ZelmException : public std::exception {
 public:
+    /// Both texts without "Error: " in front and a full stop behind.
     explicit ZelmException(std::string message, std::string hint = "")
         : message_(std::move(message)), hint_(std::move(hint)) {}
 
+    /// The message, without the hint.
     [[nodiscard]] const char* what() const noexcept override { return message_.c_str(); }
 
     /// A line on what to do about it; empty when the message says all.
@@ -50,8 +52,10 @@ private:
 /// it.
 class ZelmRcException : public ZelmException {
 public:
+    /// `returnCode` becomes the exit code of the process.
     explicit ZelmRcException(int returnCode) : ZelmException(""), returnCode_(returnCode) {}
 
+    /// The exit code.
     [[nodiscard]] int ReturnCode() const noexcept { return returnCode_; }
 
 private:

@@ -27,6 +27,7 @@ bool IsRegularFile(const std::string& path) {
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {
+    // Two paths that lead to nothing are not one file.
     const std::optional<FileIdentity> identity = IdentityOf(left);
     return identity && identity == IdentityOf(right);
 }
@@ -35,6 +36,7 @@ std::string TargetOf(const std::string& path) {
     if (PathExists(path)) {
         return ResolveLinks(path);
     }
+    // A link to nothing is followed by text; the folder it leads to may be there, and is resolved.
     const std::string end = EndOfLinks(path);
     const std::string folder(DirectoryOf(end));
     return JoinPath(ResolveLinks(folder.empty() ? CurrentDirectory() : folder), FileNameOf(end));

@@ -114,6 +114,7 @@ public:
     /// \throws FileException
     OutputFile(const std::string& path, Mode mode);
     ~OutputFile();
+    /// The moved one may only be destroyed or assigned to.
     OutputFile(OutputFile&& other) noexcept;
     OutputFile& operator=(OutputFile&& other) noexcept;
 

@@ -16,7 +16,9 @@ namespace {
 constexpr std::uint64_t Keys[] = {0xd6e8feb86659fd93U, 0xa0761d64e9b3c7c5U, 0x94d049bb133111ebU,
                                   0xbf58476d1ce4e5b9U, 0x8ebc6af09c88c6e3U, 0x589965cc75374cc3U};
 
+// Of one step of the chains, in bytes: four words.
 constexpr std::size_t StepSize = 32;
+// Of the pieces that a content is cut into: part of what its fingerprint is, so files of fingerprints depend on it.
 constexpr std::size_t BlockSize = std::size_t{64} << 10U;
 
 __extension__ using Product = unsigned __int128;
@@ -27,6 +29,7 @@ std::uint64_t Fold(std::uint64_t left, std::uint64_t right) noexcept {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
 }
 
+// A copy and no cast: the bytes need not be aligned. Compilers make one load of it.
 std::uint64_t Word(const char* bytes) noexcept {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
@@ -58,6 +61,7 @@ Fingerprint FingerprintOf(std::string_view bytes) {
         bytes.remove_prefix(StepSize);
     }
     if (!bytes.empty()) {
+        // Filled up with zeros; the size, which goes into the result, tells them from zeros of the text.
         char rest[StepSize] = {};
         std::memcpy(rest, bytes.data(), bytes.size());
         chains.Step(rest);
@@ -71,6 +75,7 @@ FingerprintBuilder& FingerprintBuilder::Add(std::string_view text) {
 }
 
 FingerprintBuilder& FingerprintBuilder::Add(std::uint64_t number) {
+    // The key sets a number apart from a part whose half happens to be that number.
     return Add(Fingerprint{number, Keys[5]});
 }
 
@@ -88,6 +93,7 @@ void ContentFingerprinter::Add(std::string_view piece) {
     size_ += piece.size();
     while (open_.size() + piece.size() >= BlockSize) {
         const std::size_t missing = BlockSize - open_.size();
+        // Nothing waits: the block is taken where it stands, without a copy.
         if (open_.empty()) {
             blocks_.Add(FingerprintOf(piece.substr(0, BlockSize)));
         } else {
@@ -101,6 +107,7 @@ void ContentFingerprinter::Add(std::string_view piece) {
 }
 
 ContentFingerprint ContentFingerprinter::Value() const {
+    // A copy, so that more may be added behind.
     FingerprintBuilder all = blocks_;
     return {size_, all.Add(FingerprintOf(open_)).Value()};
 }
@@ -116,6 +123,7 @@ std::optional<ContentFingerprint> FingerprintOfFile(const std::string& path) {
         file.read(block.get(), BlockSize);
         content.Add({block.get(), static_cast<std::size_t>(file.gcount())});
     } while (file);
+    // The end sets other bits; only `bad` says that bytes are missing.
     return file.bad() ? std::nullopt : std::optional(content.Value());
 }
 

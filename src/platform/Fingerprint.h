@@ -22,7 +22,9 @@ class FingerprintBuilder {
 public:
     /// Adds a text with its length, so that no other split of the same bytes looks the same.
     FingerprintBuilder& Add(std::string_view text);
+    /// Adds a number.
     FingerprintBuilder& Add(std::uint64_t number);
+    /// Adds a fingerprint, as a part that stands for all that it was made of.
     FingerprintBuilder& Add(const Fingerprint& part);
 
     /// Of what was added so far; more may be added behind it.
@@ -50,6 +52,7 @@ public:
     /// The next bytes of the content.
     void Add(std::string_view piece);
 
+    /// Of what was added so far; more may be added behind it.
     [[nodiscard]] ContentFingerprint Value() const;
 
 private:

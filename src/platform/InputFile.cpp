@@ -11,7 +11,9 @@ namespace Orvanta {
 InputStream::InputStream(const std::string& path) : std::istream(static_cast<std::streambuf*>(this)), file_(path) {}
 
 std::streambuf::int_type InputStream::underflow() {
+    // Large, as each read costs a call of the system and a look at the stop flag.
     constexpr std::size_t BlockSize = 262144;
+    // The standard lets this be called while there is still something to take.
     if (gptr() < egptr()) {
         return std::streambuf::traits_type::to_int_type(*gptr());
     }
@@ -22,6 +24,7 @@ std::streambuf::int_type InputStream::underflow() {
 }
 
 void EndWhenStopped() {
+    // What shells give for a program that Ctrl+C has ended: 128 and the number of the signal.
     constexpr int InterruptedCode = 130;
     if (ProcessStopFlag().IsSet()) {
         throw ZelmRcException(InterruptedCode);
@@ -38,10 +41,12 @@ std::string ReadWholeFile(const std::string& path) {
     std::size_t filled = 0;
     while (true) {
         if (filled == content.size()) {
+            // Twice the size each time: what is no file on a disk does not tell how long it is.
             content.resize(content.size() + std::max(SmallestBlock, content.size()));
         }
         const std::size_t count = file.Read({content.data() + filled, content.size() - filled});
         if (count == 0) {
+            // A stop looks like an end of the file: half a text must not pass for the whole.
             EndWhenStopped();
             content.resize(filled);
             return content;

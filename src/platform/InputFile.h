@@ -17,6 +17,7 @@ public:
     /// \throws FileException
     explicit InputFile(const std::string& path);
     ~InputFile();
+    /// The moved one may only be destroyed or assigned to.
     InputFile(InputFile&& other) noexcept;
     InputFile& operator=(InputFile&& other) noexcept;
 
@@ -42,6 +43,7 @@ public:
     explicit InputStream(const std::string& path);
 
 protected:
+    /// Reads the next block; the end at a stop as well, which `EndWhenStopped` tells apart.
     std::streambuf::int_type underflow() override;
 
 private:

@@ -38,6 +38,7 @@ LockFile& LockFile::operator=(LockFile&& other) noexcept {
 }
 
 LockFile::State LockFile::Take(const std::string& directory, const std::string& key) {
+    // What was held goes first: taking the same lock again would find ourselves in the way.
     holder_.reset();
     path_ = JoinPath(directory, FileName(key));
     return state_ = OpenLocked(path_, holder_);
@@ -59,7 +60,9 @@ LockFile::State LockFile::Take(const std::string& path, std::chrono::millisecond
     const Clock::time_point end = Clock::now() + longest;
     const std::string target = TargetIfKnown(path);
     const std::string folder(DirectoryOf(target));
+    // The name without its folder: another machine may see the folder under another path.
     const std::string key = ComparablePath(FileNameOf(target));
+    // At least one try, however short the wait may be.
     while (Take(folder, key) == State::HeldByOther && Clock::now() < end && !stop.IsSet()) {
         std::this_thread::sleep_for(LookInterval);
     }
@@ -67,6 +70,7 @@ LockFile::State LockFile::Take(const std::string& path, std::chrono::millisecond
 }
 
 std::string LockFile::FileName(const std::string& key) {
+    // A hash, since a key may hold what no file name may, and be longer than one.
     return ".orvlock-" + std::to_string(Fnv1a(key));
 }
 

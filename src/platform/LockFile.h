@@ -22,6 +22,7 @@ public:
 
     LockFile() noexcept = default;
     ~LockFile() = default;
+    /// The lock goes along; the moved one holds none.
     LockFile(LockFile&& other) noexcept;
     LockFile& operator=(LockFile&& other) noexcept;
 

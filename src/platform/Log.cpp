@@ -19,6 +19,7 @@ struct Log::File {
             output.Append(text);
         } catch (const ZelmException& error) {
             isBroken = true;
+            // Told once: a line for every line that is lost would bury the rest.
             WriteToStandardOutput("The log ends here: " + std::string(error.what()) + '\n');
         }
     }
@@ -41,6 +42,7 @@ void Log::VerboseLine(std::string_view text) {
         return;
     }
     const std::string line = std::string(text) += '\n';
+    // Then it goes to both targets, like any other text; else to the file alone.
     if (verbosity_ == Verbosity::Verbose) {
         Text(line);
         return;
@@ -49,6 +51,7 @@ void Log::VerboseLine(std::string_view text) {
     file_->Write(line);
 }
 
+// One lock for both targets: lines stand in the same order on both.
 void Log::Text(std::string_view text) {
     const std::lock_guard lock(mutex_);
     WriteToStandardOutput(text);

@@ -12,6 +12,7 @@ class Log {
 public:
     enum class Verbosity { Normal, Verbose };
 
+    /// Without a log file until `OpenFile`.
     explicit Log(Verbosity verbosity = Verbosity::Normal);
     ~Log();
     Log(const Log&) = delete;

@@ -19,6 +19,7 @@ public:
     template <typename Find>
     Value Get(const std::string& key, const Find& find) {
         while (true) {
+            // Made anew for each try: a promise can be kept only once.
             std::promise<std::optional<Value>> promise;
             std::shared_future<std::optional<Value>> answer;
             bool isOurs = false;
@@ -31,9 +32,11 @@ public:
                 isOurs = isNew;
                 answer = entry->second;
             }
+            // Outside of the lock: finding an answer may take long, and may ask this map for another key.
             if (isOurs) {
                 Answer(key, promise, find);
             }
+            // Nothing: the one who was to find it has failed, and the entry is gone. Try as the next.
             if (const std::optional<Value>& found = answer.get()) {
                 return *found;
             }
@@ -41,6 +44,7 @@ public:
     }
 
 private:
+    /// Keeps the promise, with nothing when `find` throws, and hands that exception on.
     template <typename Find>
     void Answer(const std::string& key, std::promise<std::optional<Value>>& promise, const Find& find) {
         try {
@@ -48,6 +52,7 @@ private:
         } catch (...) {
             {
                 const std::lock_guard lock(mutex_);
+                // Before the promise is kept, so that those who wake up don't find the entry of the failure again.
                 answers_.erase(key);
             }
             promise.set_value(std::nullopt); // those who wait ask anew

@@ -18,6 +18,7 @@ char PreferredSeparator(PathRules rules) {
     return rules == PathRules::Windows ? '\\' : '/';
 }
 
+// The place of the first character from there on that is no separator.
 std::size_t SkipSeparators(std::string_view path, std::size_t from, PathRules rules) {
     while (from < path.size() && IsSeparator(path[from], rules)) {
         ++from;
@@ -25,6 +26,7 @@ std::size_t SkipSeparators(std::string_view path, std::size_t from, PathRules ru
     return from;
 }
 
+// The place of the first separator from there on.
 std::size_t SkipComponent(std::string_view path, std::size_t from, PathRules rules) {
     while (from < path.size() && !IsSeparator(path[from], rules)) {
         ++from;
@@ -36,11 +38,13 @@ bool HasDrive(std::string_view path) {
     return path.size() >= 2 && path[1] == ':' && ToLowerAscii(path[0]) >= 'a' && ToLowerAscii(path[0]) <= 'z';
 }
 
+// Two separators and a name: with a third separator it is none.
 bool IsUnc(std::string_view path) {
     return path.size() >= 3 && IsSeparator(path[0], PathRules::Windows) && IsSeparator(path[1], PathRules::Windows) &&
            !IsSeparator(path[2], PathRules::Windows);
 }
 
+// The longest root that the path begins with; both lengths are 0 where there is none.
 Root RootOf(std::string_view path, PathRules rules) {
     std::size_t name = 0;
     if (rules == PathRules::Windows) {
@@ -64,6 +68,7 @@ bool IsRooted(const Root& root) {
 std::string NormalizeRoot(std::string_view path, const Root& root, PathRules rules) {
     std::string normal;
     std::size_t position = 0;
+    // The first of the two separators of a UNC name; the loop folds those that follow into one.
     if (root.nameLength > 2) {
         normal = "\\";
     }
@@ -122,6 +127,7 @@ std::string_view StemOf(std::string_view path, PathRules rules) noexcept {
 std::string_view ExtensionOf(std::string_view path, PathRules rules) noexcept {
     const std::string_view name = FileNameOf(path, rules);
     const std::size_t point = name.rfind('.');
+    // A name that begins with its only point, such as ".gitignore", is a hidden file and has no extension.
     if (point == std::string_view::npos || point == 0 || name == "..") {
         return {};
     }
@@ -131,6 +137,7 @@ std::string_view ExtensionOf(std::string_view path, PathRules rules) noexcept {
 std::string_view DirectoryOf(std::string_view path, PathRules rules) noexcept {
     const std::size_t root = RootOf(path, rules).length;
     std::size_t end = path.size() - FileNameOf(path, rules).size();
+    // Not into the root: of "/a" it is "/" and not an empty text.
     while (end > root && IsSeparator(path[end - 1], rules)) {
         --end;
     }
@@ -154,6 +161,7 @@ std::string JoinPath(std::string_view base, std::string_view path, PathRules rul
     std::string joined;
     joined.reserve(base.size() + 1 + path.size());
     joined = base;
+    // "C:" and "name" is "C:name": a separator would make it absolute.
     const bool isBareDrive = !IsRooted(baseRoot) && baseRoot.nameLength == base.size();
     if (!path.empty() && !IsSeparator(base.back(), rules) && !isBareDrive) {
         joined += PreferredSeparator(rules);
@@ -177,6 +185,7 @@ std::string NormalizePath(std::string_view path, PathRules rules) {
         if (component == ".") {
             continue;
         }
+        // Above a root there is nothing, so ".." stays there; of a relative path it has to be kept.
         if (component == ".." && (RemoveLastComponent(normal, rootLength, rules) || isRooted)) {
             continue;
         }
@@ -185,6 +194,7 @@ std::string NormalizePath(std::string_view path, PathRules rules) {
         }
         normal += component;
     }
+    // An empty text would be no path at all.
     return normal.empty() && !path.empty() ? "." : normal;
 }
 
@@ -193,6 +203,7 @@ std::string AbsolutePath(std::string_view path) {
 }
 
 std::string ComparablePath(std::string_view path, PathRules rules) {
+    // ASCII only: which other letters are the same depends on the volume.
     return rules == PathRules::Windows ? ToLowerAscii(path) : std::string(path);
 }
 

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::chrono::milliseconds LongestWait = std::chrono::hours(24); // what every system can count
 
+// Told apart by their codes, as JudgeEnd does.
 constexpr WaitResult Stopped{.exitCode = 0, .finished = false};
 constexpr WaitResult TimedOut{.exitCode = 1, .finished = false};
 
@@ -68,6 +69,7 @@ bool Process::try_get_exit_status(int& exitStatus) {
 }
 
 int Process::get_exit_status() {
+    // An output that came, or a signal, ends the wait as well.
     while (!Look(std::nullopt)) {
     }
     return *exitStatus_;
@@ -102,12 +104,14 @@ WaitResult WaitWithTimeout(Process& process, std::chrono::milliseconds timeout, 
                            const StopFlag& stop) {
     using Clock = std::chrono::steady_clock;
     WaitResult result{.exitCode = 0, .finished = true};
+    // A child that has ended has ended, whatever the flag or the time say.
     if (process.try_get_exit_status(result.exitCode)) {
         return result;
     }
     if (timeout == std::chrono::milliseconds::zero()) {
         return TimedOut;
     }
+    // The steady clock: the time of day may be set while we wait.
     const Clock::time_point start = Clock::now();
     std::chrono::milliseconds elapsed{0};
     while (elapsed <= timeout) {
@@ -144,6 +148,7 @@ ProcessOutcome JudgeEnd(const Arguments& command, WaitResult result, Process& pr
     if (result.exitCode == Stopped.exitCode) {
         return ProcessOutcome::Stopped;
     }
+    // With force: it has had its time.
     process.kill(true);
     throw ProcessInterruptedException(command);
 }

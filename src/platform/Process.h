@@ -50,6 +50,7 @@ public:
         Resources, ///< the system had no room (open files, processes, memory): a later start may succeed
     };
 
+    /// The program itself, or the system, is at fault. `reason` is without a full stop.
     ProcessStartException(const std::string& program, std::string reason, Cause cause);
 
     /// The child's folder is at fault.
@@ -74,6 +75,7 @@ public:
     /// Full form: the text has both captured outputs as well, each whole.
     ProcessReturnCodeException(const Arguments& command, int exitCode, CapturedOutput output);
 
+    /// Never 0.
     [[nodiscard]] int ExitCode() const noexcept { return exitCode_; }
 
     /// The text of the short form: where it goes into a line, and the outputs elsewhere.
@@ -91,6 +93,7 @@ private:
 /// A child was killed because its time was up.
 class ProcessInterruptedException : public ProcessException {
 public:
+    /// The text is the command line, and that it was interrupted.
     explicit ProcessInterruptedException(const Arguments& command);
 };
 

@@ -18,6 +18,7 @@ namespace {
 constexpr std::string_view NamePrefix = "orvanta-analyzer-";
 constexpr const char* LockKey = "temporary folder";
 
+// By chance, so that no other user can take the names beforehand.
 std::string RandomName() {
     constexpr std::string_view Digits = "0123456789abcdefghijklmnopqrstuvwxyz";
     constexpr int Length = 12;
@@ -61,6 +62,7 @@ void Sweep(const std::string& parent) {
             continue;
         }
         LockFile lock;
+        // Whoever gets the lock knows that the run which made the folder is gone.
         if (lock.Take(folder, LockKey) == LockFile::State::Held) {
             RemoveLocked(folder, lock);
         }
@@ -71,6 +73,7 @@ void Sweep(const std::string& parent) {
 
 TemporaryFolder::TemporaryFolder() {
     const std::string parent = SystemTemporaryFolder();
+    // Before our own folder is made, which needs no look then.
     Sweep(parent);
     constexpr int MostAttempts = 100;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {

@@ -20,6 +20,7 @@ enum class FolderState {
     Old,
 };
 
+/// Links are not followed: one with the right name could lead into another user's files.
 [[nodiscard]] FolderState LookAtFolder(const std::string& path);
 
 /// Removes a folder with all it holds, as far as that is possible now.

@@ -74,6 +74,7 @@ std::string FillPlaceholders(std::string_view text, std::initializer_list<std::s
         }
         std::size_t number = 0;
         const char* const end = text.data() + text.size();
+        // What is no placeholder stays as text, a lone "%" included.
         const auto [behind, error] = std::from_chars(text.data() + position + 1, end, number);
         if (error == std::errc() && behind != end && *behind == '%' && number >= 1 && number <= values.size()) {
             filled += values.begin()[number - 1];

@@ -51,6 +51,7 @@ template <std::integral Number>
 
 /// ASCII letters only; every other byte stays.
 [[nodiscard]] char ToLowerAscii(char character) noexcept;
+/// The same for each character of a text.
 [[nodiscard]] std::string ToLowerAscii(std::string_view text);
 /// Whether the texts are the same but for the case of ASCII letters.
 [[nodiscard]] bool EqualsIgnoringCase(std::string_view left, std::string_view right) noexcept;

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::size_t AsciiSize = 128;
 
+/// A row of a form: a character and what stands for it. A null text lets the character stand for itself, which only
+/// controls need to have said of them.
 struct Replacement {
     char character;
     const char* text;
@@ -22,8 +24,11 @@ struct Replacement {
 using EscapeTable = std::array<const char*, AsciiSize>;
 
 // Stands for a character that is to be spelled out.
+// Told from the texts of rows by its address.
 constexpr const char* SpelledOut = "";
 
+// Every control is spelled out unless a row says otherwise, so that a form which forgets one is safe. At compile time:
+// then a character costs one look into a table.
 consteval EscapeTable MakeTable(std::span<const Replacement> replacements) {
     EscapeTable table = {};
     for (std::size_t control = 0; control < ' '; ++control) {
@@ -36,12 +41,14 @@ consteval EscapeTable MakeTable(std::span<const Replacement> replacements) {
     return table;
 }
 
+// A break would begin a line that looks like a finding of its own. Tabs stay, as source lines are full of them.
 constexpr Replacement LineRows[] = {
     {'\n', " "},
     {'\r', " "},
     {'\t', nullptr},
 };
 
+// Between quotes a cell may go over several lines, and a quote is written twice.
 constexpr Replacement CsvRows[] = {
     {'"', "\"\""},
     {'\n', nullptr},
@@ -49,19 +56,23 @@ constexpr Replacement CsvRows[] = {
     {'\t', nullptr},
 };
 
+// Breaks and tabs as references: within an attribute, a reader takes them for blanks otherwise.
 constexpr Replacement MarkupRows[] = {
     {'&', "&amp;"},  {'<', "&lt;"},   {'>', "&gt;"},   {'"', "&quot;"},
     {'\'', "&#39;"}, {'\n', "&#10;"}, {'\r', "&#13;"}, {'\t', "&#9;"},
 };
 
+// The short forms that JSON has. Other controls are told like in the other forms, as text that a person can see.
 constexpr Replacement JsonRows[] = {
     {'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"},
 };
 
+// "</script>" within a text would end the script, and "<!--" would change how the rest of it is read.
 constexpr Replacement JsonInPageRows[] = {
     {'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}, {'<', "\\u003C"},
 };
 
+// A command ends with its line, and "%" begins what stands for another character.
 constexpr Replacement WorkflowMessageRows[] = {
     {'%', "%25"},
     {'\r', "%0D"},
@@ -69,10 +80,12 @@ constexpr Replacement WorkflowMessageRows[] = {
     {'\t', nullptr},
 };
 
+// A property ends at a comma, and all of them at a colon.
 constexpr Replacement WorkflowPropertyRows[] = {
     {'%', "%25"}, {'\r', "%0D"}, {'\n', "%0A"}, {'\t', nullptr}, {':', "%3A"}, {',', "%2C"},
 };
 
+// A quote ends the value, a bracket the message, and "|" begins what stands for another character.
 constexpr Replacement ServiceMessageRows[] = {
     {'|', "||"}, {'\'', "|'"}, {'[', "|["}, {']', "|]"}, {'\n', "|n"}, {'\r', "|r"}, {'\t', nullptr},
 };
@@ -87,6 +100,7 @@ constexpr EscapeTable Tables[] = {MakeTable(LineRows),
                                   MakeTable(WorkflowPropertyRows),
                                   MakeTable(ServiceMessageRows)};
 
+/// Code points from the first to the last, both included.
 struct CodePointRange {
     std::uint32_t first;
     std::uint32_t last;
@@ -99,6 +113,7 @@ constexpr CodePointRange SpelledOutRanges[] = {
 
 // `text` is one whole character of UTF-8, above ASCII.
 std::uint32_t CodePointOf(std::string_view text) noexcept {
+    // By the length of the character: which bits of its first byte belong to the number.
     constexpr unsigned LeadBits[] = {0, 0, 0x1F, 0x0F, 0x07};
     std::uint32_t point = static_cast<unsigned char>(text.front()) & LeadBits[text.size()];
     for (const char byte : text.substr(1)) {
@@ -116,6 +131,8 @@ bool IsSpelledOut(std::uint32_t point) noexcept {
     return false;
 }
 
+/// Appends texts in one form to one target. What stands for itself goes over in runs, not byte by byte: most texts are
+/// nothing else.
 class Escaper {
 public:
     Escaper(std::string& target, TextForm form) : target_(target), table_(Tables[static_cast<std::size_t>(form)]) {}
@@ -124,6 +141,7 @@ public:
         std::size_t begin = 0; // of what stands for itself and is not yet appended
         for (std::size_t at = 0; at < text.size();) {
             const auto byte = static_cast<unsigned char>(text[at]);
+            // Nearly every byte ends here, so this look comes before the decoding.
             if (byte < AsciiSize && table_[byte] == nullptr) {
                 ++at;
                 continue;
@@ -134,6 +152,7 @@ public:
                 at += step.length;
                 continue;
             }
+            // The run before it goes first, then what stands for the character.
             target_ += text.substr(begin, at - begin);
             AppendReplacement(character, step.isValid);
             at += step.length;
@@ -143,11 +162,13 @@ public:
     }
 
 private:
+    // What is no UTF-8 comes first: it has no code point that could be spelled out.
     void AppendReplacement(std::string_view character, bool isValid) {
         const auto byte = static_cast<unsigned char>(character.front());
         if (!isValid) {
             AppendValidUtf8(target_, character);
         } else if (byte >= AsciiSize) {
+            // All ranges end at U+FFFF, so four digits hold every number.
             AppendSpelled('u', CodePointOf(character), 4);
         } else if (table_[byte] == SpelledOut) {
             AppendSpelled('x', byte, 2);
@@ -161,6 +182,7 @@ private:
         while (digits-- > 0) {
             spelled += "0123456789ABCDEF"[number >> 4U * digits & 0xFU];
         }
+        // Through the form once more: it may want the backslash written in another way.
         Append(spelled);
     }
 
@@ -177,6 +199,7 @@ void AppendEscaped(std::string& target, std::string_view text, TextForm form) {
 void AppendCsvCell(std::string& target, std::string_view text) {
     // Blanks before the sign don't keep a spreadsheet from calculating.
     const std::size_t first = text.find_first_not_of(" \t\r\n");
+    // An apostrophe in front is what spreadsheets themselves write to say that a cell is text.
     const bool isFormula =
         first != std::string_view::npos && std::string_view("=+-@").find(text[first]) != std::string_view::npos;
     target += isFormula ? "\"'" : "\"";

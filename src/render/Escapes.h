@@ -20,6 +20,7 @@ enum class TextForm {
 /// Appends the text as its form wants it. In every form control characters and the marks that turn the direction of
 /// writing are spelled out ("\x1B", "\u202E"), so that no text can pass for another one, and what is no UTF-8 is
 /// replaced by U+FFFD.
+/// Nothing of the text is left out, and no quotes are added.
 void AppendEscaped(std::string& target, std::string_view text, TextForm form);
 
 /// Appends a cell of a table of comma-separated values, with its quotes. A spreadsheet takes no text for a formula.

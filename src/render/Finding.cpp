@@ -10,11 +10,13 @@ namespace OrvlogConverter {
 
 namespace {
 
+// In every form: a missing path would look like a column that was left out.
 constexpr std::string_view NoFile = "(no file)";
 
 // Cuts "[name] text" into name and text.
 void CutName(Finding& finding) noexcept {
     const std::size_t end = finding.text.find(']');
+    // Names of rules hold no blank: "[see below] text" is text from its beginning.
     const bool isNamed = finding.text.starts_with('[') && end != std::string_view::npos && end > 1 &&
                          finding.text.substr(0, end).find(' ') == std::string_view::npos;
     if (isNamed) {
@@ -27,8 +29,10 @@ void CutName(Finding& finding) noexcept {
 
 Finding FindingOf(const ReportMessage& message) noexcept {
     const MessagePosition& first = FirstPosition(message);
+    // Some messages have line 0, and readers of the forms count from 1.
     Finding finding = {message.code, message.message, HasFile(message) ? std::string_view(first.file) : NoFile,
                        std::max(first.line, std::uint32_t{1})};
+    // All findings of other tools share this code, so it would not tell their rules apart.
     if (message.code == "External") {
         CutName(finding);
     }
@@ -49,10 +53,12 @@ std::string_view LevelWord(std::uint32_t level) noexcept {
 }
 
 std::size_t LevelRank(std::uint32_t level) noexcept {
+    // Level 0 and whatever lies above the three known ones share the last rank.
     return level >= 1 && level < LevelRanks ? level - 1 : LevelRanks - 1;
 }
 
 std::string_view GroupName(AnalyzerType analyzer) noexcept {
+    // Without a default, so that the compiler names this place when a group is added.
     switch (analyzer) {
     case AnalyzerType::Fail:
         return "Failures";
@@ -77,6 +83,7 @@ std::string_view GroupName(AnalyzerType analyzer) noexcept {
 }
 
 std::string HelpAddress(std::string_view code) {
+    // Only the analyzer's own codes have a page; a made-up address would lead nowhere.
     if (CodeNumber(code) == 0 || ClassifyCode(code) == AnalyzerType::Unknown) {
         return "";
     }

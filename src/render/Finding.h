@@ -37,9 +37,11 @@ inline constexpr std::string_view FailedUnitCode = "V008";
 /// The levels from the worst on: 1, 2, 3, then all others, counted from 0.
 [[nodiscard]] std::size_t LevelRank(std::uint32_t level) noexcept;
 
+/// How many answers `LevelRank` has: the size of a table with a row for each.
 inline constexpr std::size_t LevelRanks = 4;
 
 /// What people call a group of diagnostics.
+/// Never empty: what belongs to none of them is "Other".
 [[nodiscard]] std::string_view GroupName(AnalyzerType analyzer) noexcept;
 
 /// The page that describes a code; empty when the documentation has none.

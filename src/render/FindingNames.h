@@ -15,12 +15,14 @@ namespace OrvlogConverter {
 /// and the place among the findings of the same file with the same entry. Keeps 128 bits and a count for each.
 class FindingNames {
 public:
+    /// Line numbers are no part of it: it stays the same when the code around a finding moves.
     struct Name {
         Orvanta::Fingerprint entry;
         std::uint32_t ordinal; ///< from 1
     };
 
     /// The name of the next finding of a file.
+    /// Counts the finding, so it is to be asked once for each, in the order of the report.
     [[nodiscard]] Name Next(const SuppressEntry& entry, std::string_view file);
 
 private:

@@ -10,6 +10,7 @@ void FormOutput::Begin() {
     file_.Append(text_);
 }
 
+// What a report says of itself (its documentation, its base) has no place in the forms: they hold findings.
 bool FormOutput::Write(const ReportMessage& message) {
     if (!IsAboutCode(message)) {
         return false;

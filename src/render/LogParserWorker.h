@@ -40,7 +40,9 @@ public:
     /// `stop` outlives the worker.
     LogParserWorker(LogParserSettings settings, const Orvanta::StopFlag& stop);
 
+    /// Does all of it, once: a worker is not run again.
     /// Outputs take their places only when every report was read.
+    /// Where it throws before that, whatever stood at their paths is still there.
     /// \throws ReportException
     void Run() override;
 
@@ -48,14 +50,23 @@ public:
     [[nodiscard]] std::size_t GateMatches() const noexcept { return gate_ == nullptr ? 0 : gate_->Count(); }
 
 private:
+    /// Tells of each given flag that no target has a use for.
     void PrintIgnoredFlags() const;
+    /// Fills `earlier_`; leaves it empty when there is no earlier report.
     void ReadEarlierReport();
+    /// Fills `outputs_`, and `gate_` when there is one.
+    /// \throws ConfigException when there is no target; FilesystemException
     void OpenTargets();
+    /// Hands on what a report says of the guidelines that were looked at; an empty text says that it does not tell.
+    /// \throws ParseException, with the report's path
     void AddChecked(const std::string& report, const std::string& checked) const;
+    /// Adds an output with its own stages in front. A null base hides nothing.
     void AddOutput(std::unique_ptr<IOutput> output, MessageFilterSettings filter, const SuppressBase* base);
 
+    /// Null without a base; lives as long as the worker.
     [[nodiscard]] const SuppressBase* Base() const noexcept { return base_ ? &*base_ : nullptr; }
 
+    /// Shows the user a line: on standard error when a report goes to standard output.
     void Tell(std::string_view line) const;
 
     LogParserSettings settings_;

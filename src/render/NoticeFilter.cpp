@@ -8,6 +8,7 @@
 namespace OrvlogConverter {
 
 bool NoticeFilter::Accept(const ReportMessage& message) {
+    // Told by the code alone: the texts of two versions of the program may differ, and one notice is enough.
     if (message.code == DocumentationLinkCode) {
         return !std::exchange(hasLink_, true);
     }

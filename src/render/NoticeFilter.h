@@ -9,6 +9,7 @@ namespace OrvlogConverter {
 class NoticeFilter : public IFilter {
 public:
     using IFilter::IFilter;
+    /// True for every finding, and for the first notice of each kind.
     bool Accept(const ReportMessage& message) override;
 
 private:

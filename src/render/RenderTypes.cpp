@@ -11,6 +11,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// This form and the next are those of reports themselves, which can be read again.
 std::unique_ptr<IOutput> MakeJson(const std::string& path, const RenderSettings& /*settings*/) {
     auto output = std::make_unique<FinishedReport>(path, ReportForm::JsonDocument);
     output->AddMember("version", "1");
@@ -22,6 +23,7 @@ std::unique_ptr<IOutput> MakeRaw(const std::string& path, const RenderSettings& 
 }
 
 std::unique_ptr<IOutput> MakeMisra(const std::string& path, const RenderSettings& settings) {
+    // The editions first: the plan is checked against the categories that they give.
     MisraSettings misra;
     for (const std::string& name : settings.misraStandards) {
         misra.editions.Choose(MisraEditionNamed(name));
@@ -30,10 +32,12 @@ std::unique_ptr<IOutput> MakeMisra(const std::string& path, const RenderSettings
         misra.plan = ReadMisraCategoryPlan(*settings.categoriesPath, misra.editions);
     }
     misra.marks = settings.countDeviations ? MisraMarks::Deviations : MisraMarks::FalsePositives;
+    // Shared and not copied: it is filled while the reports are read.
     misra.checked = settings.misraChecked;
     return std::make_unique<MisraComplianceOutput>(path, std::move(misra));
 }
 
+// The columns: name, suffix, isMisra, marksSuppressed, make.
 constexpr RenderType Types[] = {
     {"json", ".json", false, false, MakeJson},
     {"raw", ".rawlog", false, false, MakeRaw},
@@ -62,6 +66,7 @@ const RenderType& RenderTypeNamed(std::string_view name) {
         if (type.name == name) {
             return type;
         }
+        // Gathered while looking, so that the message can't lack a form.
         known += (known.empty() ? "" : ", ") + std::string(type.name);
     }
     throw ConfigException("Wrong render type: \"" + std::string(name) + "\", expected one of " + known);

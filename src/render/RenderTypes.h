@@ -51,6 +51,7 @@ struct RenderTarget {
 /// The table, in the order in which the help names them.
 [[nodiscard]] std::span<const RenderType> AllRenderTypes() noexcept;
 
+/// The row of the table with this name, in exactly this spelling; the message of the error lists all names.
 /// \throws ConfigException for a name that no type has
 [[nodiscard]] const RenderType& RenderTypeNamed(std::string_view name);
 

@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 /// report is written into it as into any output.
 class EarlierFindings : public IOutput {
 public:
+    /// Remembers a finding of the earlier report. False for notices and for what it has already.
     bool Write(const ReportMessage& message) override;
 
     /// Whether the earlier report has the finding, which from now on counts as still there.
@@ -31,6 +32,7 @@ public:
     /// `earlier` outlives the filter.
     NewFindingFilter(IOutput* next, EarlierFindings& earlier) : IFilter(next), earlier_(earlier) {}
 
+    /// Marks the finding as still there on the way, when the earlier report has it.
     bool Accept(const ReportMessage& message) override;
 
 private:

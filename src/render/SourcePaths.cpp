@@ -12,18 +12,22 @@ using Orvanta::PathRules;
 
 namespace {
 
+// Reports of Windows are rendered on Linux too, so a path is judged by its look and not by this system.
 bool HasDrive(std::string_view path) noexcept {
     return path.size() > 1 && path[1] == ':' && Orvanta::ToLowerAscii(path[0]) >= 'a' &&
            Orvanta::ToLowerAscii(path[0]) <= 'z';
 }
 
+// Whose path it is, as far as its look tells: this system's where it tells nothing.
 PathRules RulesOf(std::string_view path) noexcept {
+    // A backslash alone proves nothing: on Linux it may be part of a name.
     const bool isOfWindows =
         HasDrive(path) || path.starts_with("\\\\") ||
         (path.starts_with(SourceRootMarker) && path.substr(SourceRootMarker.size()).starts_with('\\'));
     return isOfWindows ? PathRules::Windows : Orvanta::HostPathRules();
 }
 
+// Folds the separators of paths that look like those of Windows; in others a backslash is part of a name.
 std::string WithSlashes(std::string_view path) {
     std::string text(path);
     if (RulesOf(path) == PathRules::Windows) {
@@ -32,6 +36,7 @@ std::string WithSlashes(std::string_view path) {
     return text;
 }
 
+// Of a path with "/" between its names, whichever system it comes from.
 bool IsAbsolute(std::string_view path) noexcept {
     return path.starts_with('/') || HasDrive(path);
 }
@@ -43,6 +48,7 @@ std::string WithoutSlashAtEnd(std::string path) {
 
 // What stands behind `folder` and a slash; absent when the path does not begin so.
 std::optional<std::string_view> Behind(std::string_view path, std::string_view folder) noexcept {
+    // The slash behind the folder belongs to the test: "/src2/a.c" does not lie below "/src".
     const bool isBelow = path.size() > folder.size() + 1 && path[folder.size()] == '/' &&
                          (HasDrive(path) ? Orvanta::EqualsIgnoringCase(path.substr(0, folder.size()), folder)
                                          : path.starts_with(folder));
@@ -57,6 +63,8 @@ SourcePaths::SourcePaths(const std::string& root)
 
 std::optional<std::string> SourcePaths::BelowRoot(std::string_view file) const {
     const std::string path = WithSlashes(file);
+    // The marker stands for the root itself. The root as it was given comes last, for reports whose paths begin with it
+    // in the same spelling.
     for (const std::string_view folder : {SourceRootMarker, std::string_view(absolute_), std::string_view(given_)}) {
         if (folder.empty() && given_.empty()) {
             continue; // no root was given, and an absolute path does not lie below nothing
@@ -68,6 +76,7 @@ std::optional<std::string> SourcePaths::BelowRoot(std::string_view file) const {
     if (IsAbsolute(path)) {
         return std::nullopt;
     }
+    // What is relative is taken as told from the root.
     return path.starts_with("./") ? path.substr(2) : path;
 }
 
@@ -84,9 +93,12 @@ std::string SourcePaths::RootAddress() const {
 }
 
 std::string AddressOf(std::string_view path) {
+    // The characters that an address holds as they are, beside letters and digits. All others are encoded: "#" and "?"
+    // would even cut the path off.
     constexpr std::string_view Plain = "/-._~";
     std::string address = path.starts_with("//") ? "file:" : path.starts_with('/') ? "file://" : "";
     if (HasDrive(path)) {
+        // The colon of a drive is the one that need not be encoded.
         address = "file:///" + std::string(path.substr(0, 2));
         path.remove_prefix(2);
     }

@@ -11,6 +11,7 @@ namespace OrvlogConverter {
 class SourcePaths {
 public:
     /// `root` is as the user gave it; empty stands for the current folder.
+    /// A relative one is taken from the current folder of this moment.
     explicit SourcePaths(const std::string& root);
 
     /// The path from the root, for a file below it; absent for one that lies elsewhere.

@@ -32,6 +32,7 @@ constexpr std::string_view TemporaryStem = ".orvtmp-";
 // caller to find out.
 void RemoveAbandoned(const std::string& path) {
     const Descriptor lock = TakeExistingLock(path);
+    // Removed while we hold its lock: nobody can have made it their own meanwhile.
     if (lock.IsOpen()) {
         ::unlink(path.c_str());
     }
@@ -45,6 +46,7 @@ bool MayNotMakeFiles(int error) {
 // A file without a name, for bytes that wait.
 Descriptor MakeNamelessFile() {
     std::string path = JoinPath(SystemTemporaryFolder(), "orvanta-bytes-XXXXXX");
+    // Without a name it goes away with the process, however that ends.
     Descriptor file(::mkostemp(path.data(), O_CLOEXEC));
     if (file.IsOpen()) {
         ::unlink(path.c_str());
@@ -54,8 +56,10 @@ Descriptor MakeNamelessFile() {
 
 // Puts all that `from` holds in the place of what `to` holds; false, with `errno` set, when it can't.
 bool Overwrite(int to, int from) {
+    // Small enough for the stack, large enough for calls of the system not to count.
     constexpr std::size_t BlockSize = 65536;
     std::array<char, BlockSize> block;
+    // Read by place, so that where the writer of `from` stands does not matter.
     off_t size = 0;
     while (true) {
         const ssize_t count = ::pread(from, block.data(), block.size(), size);
@@ -63,6 +67,7 @@ bool Overwrite(int to, int from) {
             continue;
         }
         if (count <= 0) {
+            // Cut to size at the end and not emptied first: a kill in between leaves bytes rather than none.
             return count == 0 && ::ftruncate(to, size) == 0;
         }
         if (!WriteAll(to, {block.data(), static_cast<std::size_t>(count)})) {
@@ -90,6 +95,7 @@ struct AtomicFile::Handle {
             constexpr int MostWriters = 1000;
             temporaryPath = JoinPath(DirectoryOf(target), stem + std::to_string(attempt));
             RemoveAbandoned(temporaryPath);
+            // Fails with EEXIST when the one that is there has a living writer: then the next name is tried.
             file = MakeLockedFile(temporaryPath, NewFileMode);
             if (!file.IsOpen() && (errno != EEXIST || attempt == MostWriters)) {
                 temporaryPath.clear();
@@ -110,6 +116,7 @@ struct AtomicFile::Handle {
     bool OpenInPlace() {
         RemoveBeside();
         isInPlace = true;
+        // Opened at once, not in Commit: that it can't be written to is to be known before hours of work.
         overwritten = OpenFile(target, O_WRONLY);
         file = overwritten.IsOpen() ? MakeNamelessFile() : Descriptor();
         return file.IsOpen();
@@ -124,6 +131,7 @@ struct AtomicFile::Handle {
 
 AtomicFile::AtomicFile(std::string path, Durability durability)
     : path_(std::move(path)), handle_(std::make_unique<Handle>()) {
+    // Another descriptor of it and not another opening, which would begin at the file's start.
     if (const std::optional<int> own = OwnDescriptor(path_)) {
         handle_->file = DuplicateOf(*own);
         return;
@@ -133,6 +141,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
     struct stat existing {};
 
     const bool exists = ::stat(handle_->target.c_str(), &existing) == 0;
+    // "Can't tell" is no absence: something may be there that we would replace without its rights.
     if (!exists && !IsAbsence(errno)) {
         Fail(path_, errno);
     }
@@ -143,9 +152,12 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
         }
         return;
     }
+    // Where nothing was, a loss leaves nothing, which is no worse than a kill a moment before.
     handle_->isToBeSynced = exists && durability == Durability::Synced;
+    // A rename would leave the other names with the old contents.
     const bool hasOneName = !exists || existing.st_nlink == 1;
     if (hasOneName && handle_->MakeBeside()) {
+        // Without the right owner, whoever could read or write the file could do so no longer: overwrite it instead.
         if (!exists || GiveRightsOf(existing, handle_->file.Number())) {
             return;
         }
@@ -169,6 +181,7 @@ void AtomicFile::Append(std::string_view bytes) {
 
 void AtomicFile::Commit() {
     Handle& handle = *handle_;
+    // Before the rename: a file whose bytes got lost must not take the place of a good one.
     const bool isWhole =
         (!handle.isToBeSynced || handle.isInPlace || SyncToDisk(handle.file.Number())) && handle.CloseOnce();
     if (!isWhole) {
@@ -182,6 +195,7 @@ void AtomicFile::Commit() {
         handle.isInPlace = true;
         handle.overwritten = OpenFile(handle.target, O_WRONLY);
     }
+    // The one way that a kill can leave a part; there is no other for such a target.
     if (handle.isInPlace) {
         const int target = handle.overwritten.Number();
         if (!handle.overwritten.IsOpen() || !Overwrite(target, handle.file.Number()) ||
@@ -206,6 +220,7 @@ void RemoveAbandonedFiles(const std::string& folder) noexcept {
     std::error_code error;
     std::filesystem::directory_iterator file(folder, error);
     for (const std::filesystem::directory_iterator end; !error && file != end; file.increment(error)) {
+        // Whether its writer is gone is found out by its lock, not by its age.
         if (file->path().filename().native().starts_with(TemporaryStem)) {
             RemoveAbandoned(file->path().native());
         }

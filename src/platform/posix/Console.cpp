@@ -33,7 +33,9 @@ std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is t
 static_assert(std::atomic<StopFlag*>::is_always_lock_free, "the interrupt handler may not take a lock");
 
 extern "C" void SetStopFlag(int /*signal*/) {
+    // The handler may come between a call of the system and the look at its error.
     const int error = errno;
+    // Only what a signal handler may do: atomic variables and `write`.
     StopFlag& stop = *flagToSet.load();
     if (!stop.Set()) {
         const int stream = PlaceOfMessages() == MessagePlace::StandardError ? STDERR_FILENO : STDOUT_FILENO;
@@ -64,7 +66,9 @@ unsigned ProcessorsOfQuota(const std::string& text) {
     std::uint64_t quota = 0;
     std::uint64_t period = 0;
     const char* const end = text.data() + text.size();
+    // "max" is no number: the group has no quota.
     const auto [behind, error] = std::from_chars(text.data(), end, quota);
+    // What is not understood sets no limit.
     if (error != std::errc() || behind == end || std::from_chars(behind + 1, end, period).ec != std::errc() ||
         period == 0) {
         return std::numeric_limits<unsigned>::max();
@@ -82,10 +86,12 @@ unsigned ProcessorsOfControlGroup() {
         if (line == std::string::npos) {
             return fewest;
         }
+        // At the slash: the path of the group follows.
         const std::size_t begin = line + 3;
         std::string group = groups.substr(begin, groups.find('\n', begin) - begin);
         while (!group.empty()) {
             const std::string quota = std::string(Root).append(group).append("/cpu.max");
+            // The root of the tree has no such file, and neither have groups without the controller.
             if (PathExists(quota)) {
                 fewest = std::min(fewest, ProcessorsOfQuota(ReadWholeFile(quota)));
             }
@@ -103,14 +109,17 @@ std::mutex outputInUse;
 } // namespace
 
 void InstallInterruptHandler(StopFlag& stop) {
+    // First, before anything else opens a file.
     OpenClosedStandardStreams();
     flagToSet.store(&stop);
 
     struct sigaction action {};
 
+    // No second signal in the middle of the handler.
     ::sigfillset(&action.sa_mask);
     // Not SA_RESTART: a call that waits, for a writer or a reader of a pipe, is to come back and look at the flag.
     action.sa_handler = &SetStopFlag;
+    // All that a terminal, a shell or a system that shuts down sends to ask for an end.
     for (const int signal : {SIGINT, SIGTERM, SIGQUIT, SIGHUP}) {
         struct sigaction before {};
 
@@ -122,6 +131,7 @@ void InstallInterruptHandler(StopFlag& stop) {
         }
     }
     action.sa_handler = SIG_IGN;
+    // A reader that goes away shows as an error of the write, which is dealt with there.
     ::sigaction(SIGPIPE, &action, nullptr);
 }
 
@@ -140,6 +150,7 @@ bool ShowsColours() {
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {
+    // A signal may come just before the wait and end nothing: the flag is looked at again after this long.
     constexpr int MillisecondsBetweenLooks = 100;
     while (!ProcessStopFlag().IsSet()) {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
@@ -158,6 +169,7 @@ std::size_t ReadFromStandardInput(std::span<char> target) {
 }
 
 unsigned AvailableProcessors() noexcept {
+    // In a container, the quota is often far below the number of processors that can be seen.
     return std::max(1U, std::min(ProcessorsOfThisThread(), ProcessorsOfControlGroup()));
 }
 

@@ -32,12 +32,14 @@ struct CrashState {
 
 std::atomic<CrashState*> crashState = nullptr; // set once, before the handlers are there
 
+// A wait that signals don't end.
 void WaitFor(sem_t& semaphore) {
     while (::sem_wait(&semaphore) != 0 && errno == EINTR) {
     }
 }
 
 void WaitForReport(sem_t& semaphore) {
+    // By the clock of the day, as this wait counts.
     timespec deadline{};
     ::clock_gettime(CLOCK_REALTIME, &deadline);
     deadline.tv_sec += LongestReportSeconds;
@@ -59,6 +61,8 @@ void* CrashedInstruction([[maybe_unused]] void* context) {
 }
 
 [[noreturn]] void EndAsWithoutHandler(int signal) {
+    // Raised again with the default in place: the parent then sees the signal, and a core is written where that is set
+    // up.
     std::signal(signal, SIG_DFL);
     sigset_t signals;
     ::sigemptyset(&signals);
@@ -76,6 +80,7 @@ extern "C" void HandleCrash(int signal, siginfo_t* information, void* context) {
             ::pause(); // another thread has crashed before and is about to end the process
         }
     }
+    // Taken here, on the crashed thread, whose stack it is; printed by the other one, which may allocate.
     state.trace.load_from(CrashedInstruction(context), LongestTrace, context, information->si_addr);
     ::sem_post(&state.captured);
     WaitForReport(state.reported);
@@ -85,6 +90,7 @@ extern "C" void HandleCrash(int signal, siginfo_t* information, void* context) {
 void ReportCrashes(CrashState& state) {
     WaitFor(state.captured);
     backward::Printer printer;
+    // A stripped program has no names: the addresses can still be looked up.
     printer.address = true;
     WriteCrashReport(printer, state.trace, nullptr);
     ::sem_post(&state.reported);
@@ -95,6 +101,7 @@ void StartCrashThread(CrashState& state) {
     sigset_t all;
     sigset_t before;
     ::sigfillset(&all);
+    // Blocked before the thread is made, so that it is born so.
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
     try {
         std::thread([&state] { ReportCrashes(state); }).detach();
@@ -106,6 +113,7 @@ void StartCrashThread(CrashState& state) {
 
 // So that an overflow of the main thread's stack can be handled too.
 void UseSignalStack() {
+    // Static: there is no moment at which it could be given back.
     static constinit std::array<std::byte, SignalStackSize> memory{};
     stack_t stack{};
     stack.ss_sp = memory.data();
@@ -131,6 +139,7 @@ ThreadCrashRoom::ThreadCrashRoom() {
     stack_t stack{};
     stack.ss_sp = room->memory.get();
     stack.ss_size = SignalStackSize;
+    // Kept only when the system uses it; otherwise there is nothing to undo.
     if (::sigaltstack(&stack, &room->before) == 0) {
         room_ = std::move(room);
     }
@@ -148,6 +157,7 @@ void InstallCrashHandler() {
     ::sem_init(&state.reported, 0, 0);
     state.trace.load_here(LongestTrace +
                           8); // the handler then finds the memory and the unwinder ready: load_from takes 8 more
+    // Before any handler is there that reads it.
     crashState.store(&state);
     StartCrashThread(state);
     UseSignalStack();
@@ -157,6 +167,7 @@ void InstallCrashHandler() {
     ::sigfillset(&action.sa_mask);
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     action.sa_sigaction = &HandleCrash;
+    // Faults of the program itself, and `abort`, to which the terminate handler leads too.
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
         ::sigaction(signal, &action, nullptr);
     }

@@ -19,6 +19,7 @@ namespace {
 // Locks an open file; false, with EWOULDBLOCK, when another holds it or `path` names another file by now; false with
 // another error where there are no locks.
 bool LockAs(int descriptor, const std::string& path) {
+    // The lock belongs to the open file: it goes when the last descriptor is closed, a kill included.
     if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         return false;
     }
@@ -27,6 +28,8 @@ bool LockAs(int descriptor, const std::string& path) {
 
     struct stat named {};
 
+    // Between the opening and the lock, the file may have been removed and made anew: a lock of the old one protects
+    // nothing.
     const bool isSame = ::fstat(descriptor, &locked) == 0 && ::lstat(path.c_str(), &named) == 0 &&
                         locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
     if (!isSame) {
@@ -47,6 +50,7 @@ bool IsAbsence(int error) noexcept {
 
 Descriptor OpenFile(const std::string& path, int flags, unsigned mode) {
     int number = -1;
+    // A signal that asks the process to stop is meant to end the wait for the other end of a pipe.
     do {
         number = ::open(path.c_str(), flags | O_CLOEXEC, mode);
     } while (number < 0 && errno == EINTR && !ProcessStopFlag().IsSet());
@@ -70,6 +74,7 @@ std::optional<int> OwnDescriptor(std::string_view path) {
             number = WholeNumber<int>(path.substr(folder.size()));
         }
     }
+    // A number that is not open is no file of ours, whatever the path says.
     return number && *number >= 0 && ::fcntl(*number, F_GETFD) >= 0 ? number : std::nullopt;
 }
 
@@ -79,6 +84,7 @@ Descriptor DuplicateOf(int descriptor) {
 
 bool SyncToDisk(int descriptor) noexcept {
     while (::fsync(descriptor) != 0) {
+        // Pipes, terminals and some file systems have nothing to sync.
         if (errno == EINVAL || errno == ENOTSUP || errno == EROFS) {
             return true;
         }
@@ -98,6 +104,7 @@ bool GiveRightsOf(const struct stat& other, int descriptor) noexcept {
         return false;
     }
     const bool isOthers = own.st_uid != other.st_uid || own.st_gid != other.st_gid;
+    // The owner first: changing it clears some of the permission bits.
     if (isOthers && ::fchown(descriptor, other.st_uid, other.st_gid) != 0) {
         return false;
     }
@@ -132,6 +139,7 @@ Descriptor MakeLockedFile(const std::string& path, unsigned mode) {
 }
 
 Descriptor TakeExistingLock(const std::string& path) {
+    // No link: a stranger could have left one that leads to a file of ours.
     Descriptor file = OpenFile(path, O_WRONLY | O_NOFOLLOW);
     if (file.IsOpen() && !LockAs(file.Number(), path)) {
         const int error = errno;

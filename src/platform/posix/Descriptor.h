@@ -15,10 +15,12 @@ class Descriptor {
 public:
     Descriptor() noexcept = default;
 
+    /// Takes the number over; -1, as the system gives it for a failure, is none.
     explicit Descriptor(int number) noexcept : number_(number) {}
 
     ~Descriptor() { Reset(); }
 
+    /// The other owns none afterwards.
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
 
     Descriptor& operator=(Descriptor&& other) noexcept {
@@ -27,10 +29,13 @@ public:
         return *this;
     }
 
+    /// -1 when there is none. Stays owned.
     [[nodiscard]] int Number() const noexcept { return number_; }
 
+    /// Whether it owns a descriptor.
     [[nodiscard]] bool IsOpen() const noexcept { return number_ >= 0; }
 
+    /// Closes it. What the system says then is lost: whoever must know it closes by itself.
     void Reset() noexcept {
         if (number_ >= 0) {
             ::close(std::exchange(number_, -1));

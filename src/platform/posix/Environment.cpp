@@ -24,6 +24,7 @@ Environment ReadOwnEnvironment() {
 } // namespace
 
 const Environment& OwnEnvironment() {
+    // Copied once, on the first call: others may change the process's variables later.
     static const Environment environment = ReadOwnEnvironment();
     return environment;
 }

@@ -6,6 +6,7 @@ namespace Orvanta {
 
 namespace {
 
+// Since 1970; what 64 bits hold reaches to the year 2262.
 std::int64_t Nanoseconds(const timespec& time) {
     constexpr std::int64_t PerSecond = 1'000'000'000;
     return std::int64_t{time.tv_sec} * PerSecond + time.tv_nsec;

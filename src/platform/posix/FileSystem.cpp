@@ -17,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// Throws with the system's words when there is an error.
 void Check(const std::string& path, const std::error_code& error) {
     if (error) {
         throw FileException(path, error.message());
@@ -61,12 +62,14 @@ std::string ResolveLinks(const std::string& path) {
 
 std::string EndOfLinks(std::string path) {
     constexpr int LongestChain = 40; // where the system itself gives up
+    // Step by step: the library's function fails where a link leads to nothing, which is what is asked for here.
     for (int links = 0; links < LongestChain; ++links) {
         std::error_code isNoLink;
         const std::string target = fs::read_symlink(path, isNoLink).string();
         if (isNoLink) {
             return path;
         }
+        // A relative link is meant from the folder in which it stands.
         path = JoinPath(DirectoryOf(path), target);
     }
     throw FileException(path, SystemReason(ELOOP));
@@ -97,6 +100,7 @@ void CopyContents(const std::string& from, const std::string& to) {
 
     struct stat original {};
 
+    // The bytes are what counts: where the rights can't be given, the copy stays without them.
     const Descriptor copy = OpenFile(to, O_WRONLY);
     if (copy.IsOpen() && ::stat(from.c_str(), &original) == 0) {
         static_cast<void>(GiveRightsOf(original, copy.Number()));

@@ -40,6 +40,7 @@ struct OutputFile::Handle {
 OutputFile::OutputFile(const std::string& path, Mode mode) : handle_(std::make_unique<Handle>()) {
     handle_->path = path;
     const std::optional<int> own = OwnDescriptor(path);
+    // A file that is open already is neither emptied nor opened anew: others write to it as well.
     handle_->descriptor = own ? DuplicateOf(*own)
                               : OpenFile(path, O_WRONLY | O_CREAT | (mode == Mode::Replace ? O_TRUNC : 0), NewFileMode);
 
@@ -48,6 +49,7 @@ OutputFile::OutputFile(const std::string& path, Mode mode) : handle_(std::make_u
     if (!handle_->descriptor.IsOpen() || ::fstat(handle_->descriptor.Number(), &status) != 0) {
         Fail(path, errno);
     }
+    // What is ours already goes on where it stands: it has no places to write at.
     handle_->isRegular = S_ISREG(status.st_mode) && !own;
     handle_->end = static_cast<std::uint64_t>(status.st_size);
 }
@@ -58,6 +60,7 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept = default;
 
 void OutputFile::WriteAt(std::string_view bytes, std::uint64_t offset) {
     while (!bytes.empty()) {
+        // By place: no other position than the one asked for is read or moved.
         const ssize_t count =
             ::pwrite(handle_->descriptor.Number(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
         if (count < 0) {
@@ -98,8 +101,10 @@ bool OutputFile::IsRegularFile() const noexcept {
 }
 
 void SwapByRenaming(const std::string& first, const std::string& second) {
+    // A second name of the first file, so that its bytes outlive the rename over it.
     const std::string saved = first + ".orvtmp";
     ::unlink(saved.c_str());
+    // Some file systems know no second names; a copy does as well.
     if (::link(first.c_str(), saved.c_str()) != 0) {
         std::error_code error;
         std::filesystem::copy_file(first, saved, error);
@@ -121,6 +126,7 @@ void ExchangeFiles(const std::string& first, const std::string& second) {
     if (::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE) == 0) {
         return;
     }
+    // These three say that the file system or the kernel can't exchange; any other error is one of these files.
     if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) {
         Fail(first, errno);
     }

@@ -26,10 +26,12 @@ struct InputFile::Handle {
 // Not blocking: else a pipe opens when a writer comes, and not before.
 InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>()) {
     handle_->path = path;
+    // O_NOCTTY: reading a terminal must not make it ours.
     handle_->file = OpenFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     if (!handle_->file.IsOpen() || ::fstat(handle_->file.Number(), &handle_->status) != 0) {
         handle_->Fail();
     }
+    // Opening a folder succeeds and reading it fails: said at once.
     if (S_ISDIR(handle_->status.st_mode)) {
         errno = EISDIR;
         handle_->Fail();
@@ -43,6 +45,7 @@ InputFile& InputFile::operator=(InputFile&& other) noexcept = default;
 std::size_t InputFile::Read(std::span<char> target) {
     constexpr int MillisecondsBetweenLooks = 100;
     const int number = handle_->file.Number();
+    // A file on a disk is always ready, so it costs no look.
     const bool mayWait = !S_ISREG(handle_->status.st_mode);
     while (!mayWait || !ProcessStopFlag().IsSet()) {
         pollfd input = {.fd = number, .events = POLLIN, .revents = 0};
@@ -62,6 +65,7 @@ std::size_t InputFile::Read(std::span<char> target) {
 }
 
 std::size_t InputFile::SizeHint() const noexcept {
+    // Only a hint: the file may grow or shrink while it is read.
     return S_ISREG(handle_->status.st_mode) ? static_cast<std::size_t>(handle_->status.st_size) : 0;
 }
 

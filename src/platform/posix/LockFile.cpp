@@ -14,7 +14,9 @@ namespace {
 
 constexpr unsigned LockFileMode = 0666;
 
+// Made where there is none; open for whatever this user may do with it.
 Descriptor OpenLockFile(const std::string& path) {
+    // For writing where possible: over a network, some file systems lock nothing else exclusively.
     Descriptor file = OpenFile(path, O_RDWR | O_CREAT, LockFileMode);
     if (!file.IsOpen() && errno == EACCES) {
         file = OpenFile(path, O_RDONLY); // another user's file can be locked as well
@@ -22,6 +24,7 @@ Descriptor OpenLockFile(const std::string& path) {
     return file;
 }
 
+// Whether no name leads to the file any more.
 bool IsRemoved(int descriptor) {
     struct stat status {};
 

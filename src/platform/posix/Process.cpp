@@ -31,8 +31,10 @@ struct SystemFault {
 
 using Cause = ProcessStartException::Cause;
 
+// What an error of the start lets a caller hope for.
 Cause CauseOf(int error) {
     switch (error) {
+    // What passes by itself: limits that other programs share with us, and a program that is still being written.
     case EAGAIN:
     case EMFILE:
     case ENFILE:
@@ -72,6 +74,7 @@ int FaultOfDirectory(const std::string& directory) {
 // The path to start: `program` itself when it is one, otherwise where PATH of the child's environment finds it.
 std::string ResolveProgram(const std::string& program, const std::string& directory,
                            const EnvironmentBlock& environment) {
+    // The child's own PATH: the system's look-up would take ours.
     constexpr std::string_view Prefix = "PATH=";
     if (program.find('/') != std::string::npos) {
         return program;
@@ -98,6 +101,7 @@ std::vector<char*> PointersTo(const std::vector<std::string>& texts) {
 
 // How every child starts: in its process group, with no signal blocked and those that we handle or ignore as the system
 // has them. Made once for each kind of group; never written again.
+// Not `fork`: a copy of a process that has many threads is dear, and almost nothing may be done in it.
 class SpawnAttributes {
 public:
     explicit SpawnAttributes(ProcessGroup group) {
@@ -105,10 +109,13 @@ public:
         ::posix_spawnattr_init(&attributes_);
         ::posix_spawnattr_setflags(&attributes_,
                                    static_cast<short>(groupFlag | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
+        // 0: a new group with the child's own number, by which `-pid` reaches all of it.
         ::posix_spawnattr_setpgroup(&attributes_, 0);
         sigset_t signals;
         ::sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
+        // An ignored signal would stay ignored in the child, and a compiler that writes into a closed pipe would not be
+        // ended by that.
         for (const int signal : {SIGPIPE, SIGINT, SIGTERM, SIGQUIT}) {
             ::sigaddset(&signals, signal);
         }
@@ -178,6 +185,7 @@ struct Pipe {
 
     Pipe() {
         std::array<int, 2> ends{};
+        // Closed on exec in the same step: another thread may be starting a child right now.
         if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
             throw SystemFault{errno};
         }
@@ -197,6 +205,7 @@ struct Output {
         constexpr std::size_t BlockSize = 65536; // what a pipe holds
         std::array<char, BlockSize> block;       // not initialised: most children write nothing
         ssize_t count = -1;
+        // A signal ends the call, not the wait.
         do {
             count = ::read(pipe.Number(), block.data(), std::min(most, block.size()));
         } while (count < 0 && errno == EINTR);
@@ -210,6 +219,7 @@ struct Output {
         return static_cast<std::size_t>(count);
     }
 
+    // `events` are what the system says of our end of the pipe.
     void Receive(short events) {
         if ((events & POLLIN) != 0) {
             ReadBlock(std::string::npos);
@@ -225,6 +235,7 @@ struct Output {
         if (!pipe.IsOpen() || ::ioctl(pipe.Number(), FIONREAD, &waiting) != 0) {
             return;
         }
+        // As much as is there now, not up to the end: that comes only when the last holder of the other end is gone.
         auto left = static_cast<std::size_t>(waiting);
         while (left > 0 && pipe.IsOpen()) {
             left -= ReadBlock(left);
@@ -250,6 +261,7 @@ struct Process::Handles {
 
     ~Handles() {
         if (pid > 0 && !exitStatus) {
+            // An object that goes while its child runs is one whose owner has given up.
             SendSignal(SIGKILL);
             TakeStatus();
         }
@@ -278,6 +290,7 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
     }
     const std::vector<char*> arguments = PointersTo(command);
     const std::vector<char*> variables = PointersTo(conditions.environment.Entries());
+    // Gives the error of the exec too, so no pipe is needed to hear of it.
     const int fault = program.empty()
                           ? ENOENT
                           : ::posix_spawn(&pid, program.c_str(), actions.Get(), SpawnAttributes::For(group).Get(),
@@ -286,9 +299,11 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
         pid = -1;
         FailToStart(command.front(), workingDirectory, fault);
     }
+    // Ours must go, or the pipes would never come to their end.
     output.write.Reset();
     error.write.Reset();
     end = Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0))); // not every C library has a function for it
+    // The child runs already: the destructor kills it, as its number is known.
     if (!end.IsOpen()) {
         throw SystemFault{errno};
     }
@@ -303,6 +318,7 @@ void Process::Handles::Look(int milliseconds) {
         {.fd = standardOutput.pipe.Number(), .events = POLLIN, .revents = 0},
         {.fd = standardError.pipe.Number(), .events = POLLIN, .revents = 0},
     }};
+    // One wait for all three. A closed output has the number -1, which the system passes over.
     const int count = ::poll(events.data(), events.size(), milliseconds);
     if (count < 0 && errno != EINTR) {
         throw ProcessException("Couldn't wait for a child process: " + SystemReason(errno));
@@ -310,6 +326,7 @@ void Process::Handles::Look(int milliseconds) {
     if (count <= 0) {
         return;
     }
+    // The outputs before the end: what the child wrote last is handed on before its code is known.
     standardOutput.Receive(events[1].revents);
     standardError.Receive(events[2].revents);
     if (events[0].revents == 0) {
@@ -324,12 +341,14 @@ void Process::Handles::Look(int milliseconds) {
     end.Reset();
 }
 
+// To be called once the child has ended, or is about to: waits for that.
 void Process::Handles::TakeStatus() noexcept {
     int status = 0;
     pid_t taken = -1;
     do {
         taken = ::waitpid(pid, &status, 0);
     } while (taken < 0 && errno == EINTR);
+    // What shells give for a child that a signal has ended.
     constexpr int SignalBase = 128;
     exitStatus = WIFSIGNALED(status) ? SignalBase + WTERMSIG(status) : WEXITSTATUS(status);
 }
@@ -360,6 +379,7 @@ std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longes
 void Process::kill(bool force) {
     if (!handles_->exitStatus) {
         handles_->SendSignal(force ? SIGKILL : SIGTERM);
+        // So that what is left of its group is ended once its own end is seen.
         handles_->isToBeKilled = true;
     }
 }
@@ -368,6 +388,7 @@ bool IsTooLongToStart(const Arguments& command) {
     // Words and variables of a child share one space, of which the words get half; a single word has a limit of its
     // own.
     constexpr std::size_t LongestWord = std::size_t{128} * 1024;
+    // The system's own answer follows the limit of the stack, which users change.
     const long space = ::sysconf(_SC_ARG_MAX);
     const std::size_t most = space > 0 ? static_cast<std::size_t>(space) / 2 : std::size_t{1024} * 1024;
     std::size_t size = 0;
@@ -387,6 +408,7 @@ std::string RunAndRead(const std::string& commandLine) {
     }
     std::string output;
     std::array<char, 1024> block{};
+    // To the end: a child that can't write any more would not end.
     while (const std::size_t count = std::fread(block.data(), 1, block.size(), pipe)) {
         output.append(block.data(), count);
     }

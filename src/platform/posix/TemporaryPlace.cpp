@@ -17,6 +17,7 @@ namespace Orvanta {
 
 namespace {
 
+// For this user alone: preprocessed sources lie in it.
 constexpr mode_t FolderMode = 0700;
 constexpr std::chrono::hours OldAge{24};
 
@@ -31,6 +32,7 @@ bool MakePrivateFolder(const std::string& path) {
     if (::mkdir(path.c_str(), FolderMode) == 0) {
         return true;
     }
+    // A name that is taken is for the caller to change; all else would fail again.
     if (errno != EEXIST) {
         throw FileException("Couldn't make the temporary folder", path, SystemReason(errno));
     }
@@ -40,6 +42,7 @@ bool MakePrivateFolder(const std::string& path) {
 FolderState LookAtFolder(const std::string& path) {
     struct stat status {};
 
+    // The folder of all users is open to all: what another one has made there is left alone.
     if (::lstat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != ::geteuid()) {
         return FolderState::NotOurs;
     }

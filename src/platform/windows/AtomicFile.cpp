@@ -29,6 +29,7 @@ Handle MakeLocked(const std::string& path) {
 
 constexpr std::string_view TemporaryStem = ".orvtmp-";
 
+// Opened for nothing but its removal and shared with nobody: that fails as long as the writer lives.
 void RemoveAbandoned(const std::string& path) {
     const Handle removed(::CreateFileW(WidePath(path).c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
                                        FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
@@ -38,6 +39,7 @@ void RemoveAbandoned(const std::string& path) {
 Handle MakeNamelessFile() {
     const std::wstring folder = WidePath(SystemTemporaryFolder());
     std::array<wchar_t, MAX_PATH + 1> path{};
+    // Makes the file too, so that no other program gets the name.
     if (::GetTempFileNameW(folder.c_str(), L"orv", 0, path.data()) == 0) {
         return {};
     }
@@ -89,6 +91,7 @@ struct AtomicFile::Handle {
         for (int attempt = 0; !file.IsOpen(); ++attempt) {
             constexpr int MostWriters = 1000;
             const std::string candidate = JoinPath(DirectoryOf(target), stem + std::to_string(attempt));
+            // What a killed writer has left is gone then; a writer at work keeps its file, and the next name is tried.
             RemoveAbandoned(candidate);
             file = MakeLocked(candidate);
             const DWORD error = ::GetLastError();
@@ -108,6 +111,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
     if (!target.kind) {
         throw FileException(path_, target.reason);
     }
+    // The system's own answer for one that is opened as a file.
     if (target.kind == PathKind::Folder) {
         FailFile(path_, ERROR_ACCESS_DENIED);
     }
@@ -121,6 +125,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
     const bool exists = target.kind == PathKind::File;
     handle_->isToBeSynced = exists && durability == Durability::Synced;
     const bool hasOneName = !exists || IdentityOf(handle_->target).value_or(FileIdentity()).names == 1;
+    // With several names, a rename would leave the others with the old contents: it is overwritten instead.
     const DWORD error = hasOneName ? handle_->MakeBeside() : ERROR_SUCCESS;
     if (error != ERROR_SUCCESS && (!exists || error != ERROR_ACCESS_DENIED)) {
         FailFile(path_, error);
@@ -128,6 +133,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
     if (handle_->temporaryPath.empty()) {
         handle_->isInPlace = true;
         handle_->file = MakeNamelessFile();
+        // Opened and closed again: that it can't be written to is to be known before the work and not behind it.
         const Orvanta::Handle probe = OpenForWriting(handle_->target);
         if (!handle_->file.IsOpen() || !probe.IsOpen()) {
             FailFile(path_, ::GetLastError());
@@ -136,6 +142,7 @@ AtomicFile::AtomicFile(std::string path, Durability durability)
 }
 
 AtomicFile::~AtomicFile() {
+    // Closed first, since our own handle forbids the removal.
     handle_->file.Reset();
     if (!handle_->temporaryPath.empty()) {
         RemoveFile(handle_->temporaryPath);
@@ -156,6 +163,7 @@ void AtomicFile::Commit() {
             FailFile(path_, ::GetLastError());
         }
     } else if (!handle_->temporaryPath.empty()) {
+        // Before the rename, which may reach the disk earlier than the bytes.
         if (handle_->isToBeSynced && ::FlushFileBuffers(handle_->file.Get()) == FALSE) {
             FailFile(path_, ::GetLastError());
         }

@@ -29,6 +29,7 @@ constexpr std::size_t LongestCommandLine = 32766; // without the zero at its end
 
 Cause CauseOf(DWORD error) {
     switch (error) {
+    // What passes by itself; the last one is a program that is still being written or looked at.
     case ERROR_NOT_ENOUGH_MEMORY:
     case ERROR_OUTOFMEMORY:
     case ERROR_NO_SYSTEM_RESOURCES:
@@ -50,6 +51,7 @@ DWORD FaultOfDirectory(const std::string& directory) {
     if (answer.kind && answer.kind != PathKind::Folder) {
         return ERROR_DIRECTORY;
     }
+    // The current folder of a process has the old limit, whatever form its path is given in.
     return ToWide(AbsolutePath(directory)).size() < MAX_PATH - 2 ? ERROR_SUCCESS : ERROR_FILENAME_EXCED_RANGE;
 }
 
@@ -69,6 +71,7 @@ std::string ReasonOf(DWORD error) {
 
 std::optional<std::string_view> VariableOf(const EnvironmentBlock& environment, std::string_view name) {
     for (const std::string_view entry : environment.Entries()) {
+        // From the second character on: names like "=C:" begin with one.
         const std::size_t equals = entry.find('=', 1);
         if (equals != std::string_view::npos && IsSameVariable(entry.substr(0, equals), name)) {
             return entry.substr(equals + 1);
@@ -81,6 +84,7 @@ std::optional<std::string_view> VariableOf(const EnvironmentBlock& environment, 
 // it; empty when there is none.
 std::string ResolveProgram(const std::string& program, const StartConditions& conditions) {
     const std::string_view extensions = VariableOf(conditions.environment, "PATHEXT").value_or(UsualExtensions);
+    // A path is one of the child's folder. The system would take our own.
     if (program.find_first_of("\\/:") != std::string::npos) {
         return WithExtension(AbsolutePath(JoinPath(AbsolutePath(conditions.workingDirectory), program)), extensions);
     }
@@ -90,6 +94,7 @@ std::string ResolveProgram(const std::string& program, const StartConditions& co
 
 CommandLineReader ReaderOf(std::string_view program) {
     const std::string_view extension = ExtensionOf(program);
+    // The system hands these to the command interpreter, which takes the command line apart once more.
     const bool isBatch = EqualsIgnoringCase(extension, ".bat") || EqualsIgnoringCase(extension, ".cmd");
     return isBatch ? CommandLineReader::Interpreter : CommandLineReader::Program;
 }
@@ -101,6 +106,7 @@ std::wstring WideBlock(const EnvironmentBlock& environment) {
     for (const std::string& entry : environment.Entries()) {
         entries.push_back(ToWide(entry));
     }
+    // The system looks variables up in a block that it takes for sorted so.
     std::sort(entries.begin(), entries.end(), [](const std::wstring& left, const std::wstring& right) {
         return ::CompareStringOrdinal(left.c_str(), -1, right.c_str(), -1, TRUE) == CSTR_LESS_THAN;
     });
@@ -109,6 +115,7 @@ std::wstring WideBlock(const EnvironmentBlock& environment) {
         block += entry;
         block += L'\0';
     }
+    // Even an empty block ends with two zeros.
     return block += entries.empty() ? std::wstring(2, L'\0') : std::wstring(1, L'\0');
 }
 
@@ -128,11 +135,13 @@ void* EmptyInput() {
 }
 
 // Makes a child inherit its three handles and nothing else that happens to be open.
+// Without such a list a child would inherit the pipe ends of all others that are being started, and hold them open.
 class InheritedHandles {
 public:
     explicit InheritedHandles(const ChildOutputs& outputs)
         : handles_{EmptyInput(), outputs.standardOutput, outputs.standardError} {
         SIZE_T size = 0;
+        // The first call only tells the size, and fails by that.
         ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
         memory_.resize(size);
         list_ = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory_.data());
@@ -172,6 +181,7 @@ private:
 // A child shares our console, where Ctrl+C then passes it by; without one, it gets no window either.
 DWORD CreationFlags(ProcessGroup group) {
     constexpr DWORD Always = CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED;
+    // Asked once: a program keeps the console that it was started with.
     static const bool hasConsole = ::GetConsoleCP() != 0;
     if (!hasConsole) {
         return Always | CREATE_NO_WINDOW;
@@ -186,6 +196,7 @@ std::wstring WorkingDirectory(const std::string& directory) {
 } // namespace
 
 bool IsTooLongToStart(const Arguments& command) {
+    // By the longer of both forms: which one is taken is not known before the program has been found.
     return ToWide(MakeCommandLine(command, CommandLineReader::Interpreter)).size() > LongestCommandLine;
 }
 
@@ -206,6 +217,7 @@ StartedChild StartChild(const Arguments& command, const StartConditions& conditi
     const std::wstring directory = WorkingDirectory(conditions.workingDirectory);
     const std::wstring path = WidePath(program);
     PROCESS_INFORMATION started{};
+    // Suspended at first, so that it starts nothing before it is in its job.
     const auto create = [&] {
         return ::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, CreationFlags(conditions.group),
                                 variables.data(), directory.empty() ? nullptr : directory.c_str(), &startup.StartupInfo,
@@ -218,6 +230,7 @@ StartedChild StartChild(const Arguments& command, const StartConditions& conditi
         }
     }
     StartedChild child{.process = Handle(started.hProcess), .job = {}};
+    // Closed when this returns; the handle of the process is kept.
     const Handle thread(started.hThread);
     if (conditions.group == ProcessGroup::Own) {
         child.job = Job::Around(child.process.Get());

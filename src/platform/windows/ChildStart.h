@@ -18,6 +18,7 @@ struct StartedChild {
     Job job; ///< not open when the child belongs to its parent's, or where the system allows none
 };
 
+/// Starts a child, which runs when this returns. The outputs stay the caller's, who closes them.
 /// \throws ProcessStartException
 /// \throws SystemFault when the system has no room for what the start needs
 [[nodiscard]] StartedChild StartChild(const Arguments& command, const StartConditions& conditions,

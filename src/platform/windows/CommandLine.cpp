@@ -7,6 +7,8 @@ namespace {
 constexpr std::string_view SpecialToPrograms = " \t\n\v\"";
 constexpr std::string_view SpecialToInterpreter = " \t\n\v\"&()[]{}^=;!'+,`~<>|@%";
 
+// Backslashes count only in front of a quote, where each one has to be doubled, as at the end, where our own quote
+// follows.
 std::string Quoted(std::string_view argument) {
     std::string quoted = "\"";
     std::size_t backslashes = 0;

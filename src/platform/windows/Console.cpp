@@ -21,6 +21,7 @@ namespace {
 
 std::atomic<StopFlag*> flagToSet = nullptr; // set once, before the handler is there
 
+// Only a console has a mode.
 bool IsConsole(void* output) {
     DWORD mode = 0;
     return ::GetConsoleMode(output, &mode) != FALSE;
@@ -33,6 +34,7 @@ void WriteToConsole(void* output, std::string_view text) {
     for (std::wstring_view left = wide; !left.empty();) {
         DWORD count = 0;
         const auto size = static_cast<DWORD>(std::min(left.size(), LargestPiece));
+        // A console that takes nothing any more is no error of a message.
         if (::WriteConsoleW(output, left.data(), size, &count, nullptr) == FALSE || count == 0) {
             return;
         }
@@ -40,6 +42,7 @@ void WriteToConsole(void* output, std::string_view text) {
     }
 }
 
+// To a file or a pipe, as they are; false, with the system's error set, when it takes no more.
 bool WriteBytes(void* output, std::string_view bytes) {
     constexpr std::size_t LargestPiece = 1U << 20U;
     while (!bytes.empty()) {
@@ -53,6 +56,7 @@ bool WriteBytes(void* output, std::string_view bytes) {
     return true;
 }
 
+// Long texts are written in pieces: without this, two of them could mix.
 std::mutex outputInUse;
 
 bool WriteBytesTo(DWORD stream, std::string_view bytes) {
@@ -73,6 +77,7 @@ bool WriteBytesTo(DWORD stream, std::string_view bytes) {
 
 // Runs on a thread that the system makes for the event.
 int __stdcall HandleConsoleEvent(unsigned long event) {
+    // Left to the next handler, which ends the program.
     if (event != CTRL_C_EVENT) {
         return FALSE;
     }
@@ -82,6 +87,7 @@ int __stdcall HandleConsoleEvent(unsigned long event) {
     if (output == nullptr || output == INVALID_HANDLE_VALUE) {
         return TRUE;
     }
+    // The message stands there once, however often the key is pressed; the handler may run on two threads at once.
     static const bool isWritten = [output] {
         DWORD count = 0;
         ::WriteFile(output, StopMessage.data(), static_cast<DWORD>(StopMessage.size()), &count, nullptr);
@@ -108,6 +114,7 @@ bool ShowsColours() {
     void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD mode = 0;
     return ::GetConsoleMode(output, &mode) != FALSE &&
+           // Tried and not asked for: only the console itself knows whether it takes sequences.
            ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
 }
 

@@ -37,6 +37,7 @@ public:
     }
 
 private:
+    // Puts the registers of the caller into the context.
     static void StepOut(CONTEXT& context) {
         DWORD64 base = 0;
         RUNTIME_FUNCTION* const function = ::RtlLookupFunctionEntry(context.Rip, &base, nullptr);
@@ -67,6 +68,7 @@ void Report(const CONTEXT& context) {
     if (state.isClaimed.exchange(true)) {
         ::Sleep(INFINITE); // another thread has crashed before and is about to end the process
     }
+    // Copied before the other thread is woken up: it reads nothing of this stack but through the copy.
     state.context = context;
     ::SetEvent(state.captured.Get());
     ::WaitForSingleObject(state.reported.Get(), LongestReportSeconds * 1000);
@@ -81,6 +83,7 @@ void ReportHere() {
 LONG WINAPI HandleException(EXCEPTION_POINTERS* information) {
     Report(*information->ContextRecord);
     // Ended here and now: what the system would do next goes through a stack that may have no room left.
+    // With the exception's code, as without a handler.
     ::TerminateProcess(::GetCurrentProcess(), information->ExceptionRecord->ExceptionCode);
     return EXCEPTION_EXECUTE_HANDLER;
 }
@@ -104,6 +107,7 @@ void HandleInvalidParameter(const wchar_t* /*expression*/, const wchar_t* /*func
 // Functions of the runtime that its import library lacks.
 template <class Function>
 Function RuntimeFunction(const char* name) {
+    // The one that this program is linked to, which is loaded for certain.
     const HMODULE runtime = ::GetModuleHandleW(L"msvcrt.dll");
     return runtime == nullptr ? nullptr
                               : reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(runtime, name)));
@@ -166,6 +170,7 @@ void InstallCrashHandler() {
     ReserveStackForHandling();
 
     ShowNoMessageBoxes();
+    // After the thread is there that answers it.
     ::SetUnhandledExceptionFilter(&HandleException);
     std::signal(SIGABRT, &HandleAbort);
     HandlePureCalls();

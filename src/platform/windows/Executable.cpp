@@ -15,8 +15,10 @@ namespace Orvanta {
 
 namespace {
 
+// What a search takes for its program.
 using Test = bool (*)(const std::string& path);
 
+// Anything but a folder; what can't be told counts as absent.
 bool IsFile(const std::string& path) {
     const PathAnswer answer = LookAt(path);
     return answer.IsThere() && answer.kind != PathKind::Folder;
@@ -26,6 +28,7 @@ bool IsThere(const std::string& path) {
     return LookAt(path).IsThere();
 }
 
+// The path itself before those with an extension; empty when none passes.
 std::string FirstThatPasses(const std::string& path, std::string_view extensions, Test test) {
     if (test(path)) {
         return path;
@@ -46,12 +49,14 @@ struct Search {
     Test test;
 };
 
+// Through the folders of the search path in their order; empty when none has it.
 std::string Walk(const Search& search, std::string_view searchPath) {
     if (search.program.empty()) {
         return {};
     }
     while (!searchPath.empty()) {
         const std::string_view folder = TakeUpTo(searchPath, ";");
+        // Unlike elsewhere, an empty entry does not stand for the current folder.
         if (folder.empty()) {
             continue;
         }
@@ -67,6 +72,7 @@ std::string Walk(const Search& search, std::string_view searchPath) {
     return {};
 }
 
+// Empty where the driver's own environment has no PATHEXT: then no extension is tried.
 std::string OwnExtensions() {
     return EnvironmentVariable("PATHEXT").value_or("");
 }
@@ -99,6 +105,7 @@ bool IsExecutableFile(const std::string& path) {
 std::string ProgramDirectory() {
     std::string program(MAX_PATH, '\0');
     DWORD length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    // The system fills the room and says nothing more when it is too small.
     while (length == program.size()) { // cut off
         program.resize(2 * program.size());
         length = ::GetModuleFileNameA(nullptr, program.data(), static_cast<DWORD>(program.size()));

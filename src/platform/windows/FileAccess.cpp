@@ -17,6 +17,7 @@ namespace {
 
 // The system tells no event for the moment when another program lets a file go.
 constexpr DWORD PauseMilliseconds = 10;
+// Two seconds in all: a scanner takes less, and a lasting fault is told soon enough.
 constexpr int MostPauses = 200;
 
 // A file open in another program answers so; so does one that may not be touched at all.
@@ -24,6 +25,7 @@ bool MayPass(DWORD error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
 }
 
+// A refusal that does not pass, for which waiting would be in vain.
 bool IsReadOnly(const std::wstring& path) {
     const DWORD attributes = ::GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES &&

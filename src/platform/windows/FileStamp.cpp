@@ -13,6 +13,7 @@ namespace {
 std::int64_t Nanoseconds(const LARGE_INTEGER& time) {
     constexpr std::int64_t UnixEpoch = 116'444'736'000'000'000;
     constexpr std::int64_t PerStep = 100;
+    // File systems that keep no such time give 0, which stays 0.
     return time.QuadPart == 0 ? 0 : (time.QuadPart - UnixEpoch) * PerStep;
 }
 
@@ -26,6 +27,7 @@ std::optional<FileStamp> StampOf(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) {
         return std::nullopt;
     }
+    // One handle for both questions, so that they are answered for the same file.
     const Handle file = OpenForLooking(path);
     FILE_BASIC_INFO times{};
     BY_HANDLE_FILE_INFORMATION information{};

@@ -27,8 +27,10 @@ PathAnswer LookAt(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) {
         return {PathKind::Nothing};
     }
+    // An open file answers for where its links lead; attributes asked by path would be those of the link.
     const Handle file = OpenForLooking(path);
     BY_HANDLE_FILE_INFORMATION information{};
+    // "NUL", "CON" and their like are found in every folder.
     if (file.IsOpen() && !IsOnDisk(file)) {
         return {PathKind::Other};
     }
@@ -87,6 +89,7 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
 
 void MakeFolders(const std::string& path) {
     const std::string folder = AbsolutePath(path);
+    // Asked from the inside out: most folders are there already.
     if (LookAt(folder).kind == PathKind::Folder) {
         return;
     }
@@ -95,6 +98,7 @@ void MakeFolders(const std::string& path) {
     }
     if (::CreateDirectoryW(WidePath(folder).c_str(), nullptr) == FALSE) {
         const DWORD error = ::GetLastError();
+        // Another program may have made it meanwhile.
         if (LookAt(folder).kind != PathKind::Folder) {
             FailFile(path, error);
         }

@@ -12,6 +12,7 @@ namespace Orvanta {
 
 namespace {
 
+// 0 where it can't be told.
 std::uint64_t SizeOf(const Handle& file) {
     LARGE_INTEGER size{};
     return ::GetFileSizeEx(file.Get(), &size) != FALSE ? static_cast<std::uint64_t>(size.QuadPart) : 0;
@@ -37,6 +38,7 @@ OutputFile::OutputFile(const std::string& path, Mode mode) : handle_(std::make_u
         FailFile(path, ::GetLastError());
     }
     handle_->isRegular = IsOnDisk(handle_->file);
+    // Emptied once it is open, so that a device by that name is left as it is.
     if (handle_->isRegular && mode == Mode::Replace) {
         Truncate(0);
     } else if (handle_->isRegular) {
@@ -49,6 +51,7 @@ OutputFile::OutputFile(OutputFile&& other) noexcept = default;
 OutputFile& OutputFile::operator=(OutputFile&& other) noexcept = default;
 
 void OutputFile::WriteAt(std::string_view bytes, std::uint64_t offset) {
+    // The place belongs to the handle: one thread at a time.
     LARGE_INTEGER place{};
     place.QuadPart = static_cast<LONGLONG>(offset);
     if (::SetFilePointerEx(handle_->file.Get(), place, nullptr, FILE_BEGIN) == FALSE ||
@@ -88,9 +91,11 @@ bool OutputFile::IsRegularFile() const noexcept {
 // Not ReplaceFileW: in the middle of it, `first` names nothing.
 void ExchangeFiles(const std::string& first, const std::string& second) {
     const std::string saved = first + ".orvtmp";
+    // What a killed run may have left would stand in the way of the second name.
     RemoveFile(saved);
     const std::wstring wideFirst = WidePath(first);
     const std::wstring wideSaved = WidePath(saved);
+    // A second name where the file system has such, else a copy: the bytes outlive the rename over the first.
     if (::CreateHardLinkW(wideSaved.c_str(), wideFirst.c_str(), nullptr) == FALSE &&
         ::CopyFileW(wideFirst.c_str(), wideSaved.c_str(), FALSE) == FALSE) {
         FailFile(first, ::GetLastError());

@@ -14,6 +14,7 @@ public:
 
     ~Handle() { Reset(); }
 
+    /// The other owns none afterwards.
     Handle(Handle&& other) noexcept : value_(std::exchange(other.value_, nullptr)) {}
 
     Handle& operator=(Handle&& other) noexcept {
@@ -22,10 +23,13 @@ public:
         return *this;
     }
 
+    /// Null when there is none. Stays owned.
     [[nodiscard]] void* Get() const noexcept { return value_; }
 
+    /// Whether it owns a handle.
     [[nodiscard]] bool IsOpen() const noexcept { return value_ != nullptr; }
 
+    /// Closes it.
     void Reset() noexcept;
 
 private:

@@ -27,6 +27,7 @@ bool IsThere(const std::string& path) {
 
 LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holder) {
     using State = LockFile::State;
+    // A path that the narrow functions can't spell has no lock.
     const auto narrow = ToActiveCodePage(path);
     if (!narrow) {
         return State::Unavailable;
@@ -34,6 +35,7 @@ LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holde
     Handle file = OpenAlone(*narrow);
     for (int attempt = 1; !file.IsOpen(); ++attempt) {
         const DWORD error = ::GetLastError();
+        // The only refusal that says that another has it open.
         if (error == ERROR_SHARING_VIOLATION) {
             return State::HeldByOther;
         }
@@ -48,6 +50,7 @@ LockFile::State OpenLocked(const std::string& path, std::shared_ptr<void>& holde
 }
 
 void RemoveLocked(const std::string& path, std::shared_ptr<void>& holder) noexcept {
+    // An open file can't be removed here, so another may get the lock in between; its open file then stays.
     holder.reset();
     ::DeleteFileW(WidePath(path).c_str()); // fails where another has it by now
 }

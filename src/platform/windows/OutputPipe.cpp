@@ -16,6 +16,7 @@ namespace {
 constexpr DWORD BlockSize = 65536;
 
 // A name that no other pipe on the machine has.
+// Named, since the system's pipes without a name can't be read while waiting for other things.
 std::wstring NewPipeName() {
     static std::atomic<unsigned> counter = 0;
     return ToWide("\\\\.\\pipe\\orvanta-" + std::to_string(::GetCurrentProcessId()) + "-" +
@@ -49,6 +50,7 @@ struct OutputPipe::State {
 void OutputPipe::State::Start(DWORD most) {
     read = {};
     read.hEvent = event.Get();
+    // One that could be read at once is finished in the same way: its event is set.
     isReading = ::ReadFile(pipe.Get(), block.get(), std::min(most, BlockSize), nullptr, &read) != FALSE ||
                 ::GetLastError() == ERROR_IO_PENDING;
     if (!isReading) {
@@ -64,6 +66,7 @@ bool OutputPipe::State::Finish(BOOL isToWait, DWORD& count) {
         if (error == ERROR_IO_INCOMPLETE) {
             return false;
         }
+        // Given up by ourselves: the pipe may hold more.
         if (error != ERROR_OPERATION_ABORTED) {
             pipe.Reset();
         }
@@ -91,6 +94,7 @@ OutputPipe::OutputPipe(OutputReceiver receiver) : state_(std::make_unique<State>
 
 OutputPipe::~OutputPipe() {
     if (state_->isReading) {
+        // Waited for, since the system writes into the block until the read has ended.
         ::CancelIoEx(state_->pipe.Get(), &state_->read);
         DWORD count = 0;
         state_->Finish(TRUE, count);
@@ -102,6 +106,7 @@ void* OutputPipe::ChildEnd() const noexcept {
 }
 
 void OutputPipe::StartReading() {
+    // Ours must go, or the pipe would never come to its end.
     state_->childEnd.Reset();
     state_->Start(BlockSize);
 }
@@ -133,6 +138,7 @@ void OutputPipe::Drain() {
     state_->Finish(TRUE, count);
     state_->HandOn(count);
     DWORD left = 0;
+    // As much as is there now: the end comes only when the last holder of the other end is gone.
     if (!state_->pipe.IsOpen() || ::PeekNamedPipe(state_->pipe.Get(), nullptr, 0, nullptr, &left, nullptr) == FALSE) {
         left = 0;
     }

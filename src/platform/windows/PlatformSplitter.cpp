@@ -14,6 +14,7 @@ namespace {
 
 std::vector<std::string> Split(const wchar_t* commandLine) {
     int count = 0;
+    // One block of memory for all words, which the system gives and takes back as a whole.
     const std::unique_ptr<wchar_t*, decltype(&::LocalFree)> words(::CommandLineToArgvW(commandLine, &count),
                                                                   &::LocalFree);
     std::vector<std::string> arguments;

@@ -23,6 +23,7 @@ struct Process::Handles {
     ~Handles() {
         if (child.process.IsOpen() && !exitStatus) {
             EndTree();
+            // Until it is gone it holds its files, which the caller may be about to remove.
             ::WaitForSingleObject(child.process.Get(), INFINITE);
         }
     }
@@ -63,6 +64,7 @@ void Process::Handles::Look(DWORD milliseconds) {
     if (event == WAIT_TIMEOUT) {
         return;
     }
+    // The outputs before the end: what the child wrote last is handed on before its code is known.
     standardOutput.Receive();
     standardError.Receive();
     if (event != WAIT_OBJECT_0) {
@@ -73,6 +75,7 @@ void Process::Handles::Look(DWORD milliseconds) {
     TakeStatus();
 }
 
+// By the job where there is one: the list of processes misses those whose parent is gone already.
 void Process::Handles::EndTree() noexcept {
     if (child.job.IsOpen()) {
         child.job.Terminate();
@@ -83,13 +86,16 @@ void Process::Handles::EndTree() noexcept {
     }
 }
 
+// To be called once the child has ended; nothing of it is open then.
 void Process::Handles::TakeStatus() {
     DWORD code = 0;
     ::GetExitCodeProcess(child.process.Get(), &code);
     exitStatus = static_cast<int>(code);
+    // What it leaves behind on purpose, such as a compiler's server, lives on.
     if (!isToBeKilled && child.job.IsOpen()) {
         child.job.LetGo();
     }
+    // Closes the job too.
     child = {};
 }
 

@@ -20,6 +20,7 @@ bool SetKillOnClose(void* job, bool isOn) noexcept {
     return ::SetInformationJobObject(job, JobObjectExtendedLimitInformation, &limits, sizeof limits) != FALSE;
 }
 
+// The numbers of the processes in a job; empty when the system does not tell them.
 std::vector<DWORD> ProcessesOf(void* job) {
     constexpr std::size_t MostProcesses = 4096;
     std::vector<std::byte> memory(sizeof(JOBOBJECT_BASIC_PROCESS_ID_LIST) + MostProcesses * sizeof(ULONG_PTR));
@@ -35,6 +36,7 @@ std::vector<DWORD> ProcessesOf(void* job) {
     return ids;
 }
 
+// When a process was started, to be compared with other such times only; 0 when that can't be told.
 std::uint64_t BirthOf(void* process) {
     FILETIME created{};
     FILETIME ignored{};
@@ -42,6 +44,7 @@ std::uint64_t BirthOf(void* process) {
     return (static_cast<std::uint64_t>(created.dwHighDateTime) << 32U) | created.dwLowDateTime;
 }
 
+// A number alone proves no parent: the list names those too whose parent is gone, by a number that is free again.
 std::vector<DWORD> ChildrenOf(DWORD parent) {
     std::vector<DWORD> children;
     const Handle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
@@ -89,6 +92,7 @@ Job Job::Around(void* process) noexcept {
 void Job::Terminate() noexcept {
     std::vector<Handle> processes;
     try {
+        // Opened before the end, since a number may be given anew right after it.
         for (const DWORD id : ProcessesOf(job_.Get())) {
             processes.emplace_back(::OpenProcess(SYNCHRONIZE, FALSE, id));
         }

@@ -11,6 +11,7 @@ public:
     /// Puts a process that has not run yet into a job of its own.
     static Job Around(void* process) noexcept;
 
+    /// Whether there is such a job.
     [[nodiscard]] bool IsOpen() const noexcept { return job_.IsOpen(); }
 
     /// Ends every process of the job and waits until they are gone: until then they hold their files.

@@ -27,6 +27,7 @@ std::uint64_t Now() {
     return Steps(now);
 }
 
+// Goes on past what can't be removed. `folder` is in the form without a limit.
 void RemoveContents(const std::wstring& folder) {
     WIN32_FIND_DATAW entry{};
     void* const search = ::FindFirstFileW((folder + L"\\*").c_str(), &entry);

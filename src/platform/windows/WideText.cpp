@@ -12,6 +12,7 @@ namespace {
 // Where a folder's name must end, so that a file of the old short form fits behind it.
 constexpr std::size_t LongestPlainPath = MAX_PATH - 12;
 
+// The first call tells the length, the second converts.
 std::wstring Widen(unsigned codePage, std::string_view text) {
     std::wstring wide;
     if (text.empty()) {
@@ -24,6 +25,7 @@ std::wstring Widen(unsigned codePage, std::string_view text) {
     return wide;
 }
 
+// `usedDefault`, which may be null, tells whether a character had to be replaced.
 std::string Narrow(unsigned codePage, unsigned long flags, std::wstring_view text, BOOL* usedDefault) {
     std::string narrow;
     if (text.empty()) {
@@ -45,6 +47,7 @@ bool IsVerbatim(std::wstring_view path) {
     return path.starts_with(L"\\\\?\\") || path.starts_with(L"\\\\.\\");
 }
 
+// How long the path is once the current directory stands in front, at least; by text alone, which is cheap.
 std::size_t LengthOfFullPath(std::wstring_view path) {
     const bool isFull = path.size() >= 2 && (path[1] == L':' || (IsSeparator(path[0]) && IsSeparator(path[1])));
     return path.size() + (isFull ? 0 : ::GetCurrentDirectoryW(0, nullptr));
@@ -70,10 +73,12 @@ std::string FromWide(std::wstring_view text) {
 }
 
 std::string FromActiveCodePage(std::string_view text) {
+    // Mostly so, by the program's manifest; older systems do not know that.
     return ::GetACP() == CP_UTF8 ? std::string(text) : FromWide(Widen(CP_ACP, text));
 }
 
 std::string FromConsoleCodePage(std::string_view text) {
+    // Text in another code page is hardly ever valid UTF-8 by chance.
     if (text.empty() || ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), static_cast<int>(text.size()),
                                               nullptr, 0) != 0) {
         return std::string(text);
@@ -86,6 +91,7 @@ std::optional<std::string> ToActiveCodePage(std::string_view text) {
     if (::GetACP() == CP_UTF8) {
         return std::string(text);
     }
+    // Without best fits: a similar character would name another file.
     BOOL usedDefault = FALSE;
     std::string narrow = Narrow(CP_ACP, WC_NO_BEST_FIT_CHARS, ToWide(text), &usedDefault);
     if (usedDefault != FALSE) {
@@ -96,6 +102,7 @@ std::optional<std::string> ToActiveCodePage(std::string_view text) {
 
 std::wstring WidePath(std::string_view path) {
     std::wstring wide = ToWide(path);
+    // Left as it is where possible: a path in the form without a limit is taken letter by letter.
     if (IsVerbatim(wide) || LengthOfFullPath(wide) < LongestPlainPath) {
         return wide;
     }

@@ -9,12 +9,14 @@ namespace OrvlogConverter {
 
 namespace {
 
+/// Lines end as the form's common description says, with a carriage return and a line feed.
 class CsvOutput : public FormOutput {
 public:
     using FormOutput::FormOutput;
 
 protected:
     void AppendHead(std::string& text) override {
+        // Scripts and spreadsheets know the columns by these names.
         text += "level,rule,code,cwe,standard,text,file,line,false alarm,source line,further places\r\n";
     }
 
@@ -26,6 +28,7 @@ protected:
             AppendCsvCell(text, cell);
         }
         text += ',';
+        // An empty cell and not 0, which a spreadsheet would count as a number.
         text += message.cwe == 0 ? "" : std::to_string(message.cwe);
         for (const std::string_view cell : {std::string_view(message.sastId), finding.text, finding.file}) {
             text += ',';
@@ -43,6 +46,7 @@ protected:
     void AppendTail(std::string& /*text*/) override {}
 
 private:
+    // All in one cell: how many there are differs by finding, and a table has as many columns in each row.
     static std::string FurtherPlaces(const ReportMessage& message) {
         std::string places;
         for (std::size_t at = 1; at < message.positions.size(); ++at) {

@@ -8,6 +8,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+/// One line for each finding: the runner reads the commands from the log of a step, whatever stands between them.
 class GithubOutput : public FormOutput {
 public:
     GithubOutput(const std::string& path, const RenderSettings& settings)
@@ -17,9 +18,12 @@ protected:
     void AppendHead(std::string& /*text*/) override {}
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
+        // There are three kinds of annotations, so the two lowest ranks share one.
         constexpr std::string_view Commands[LevelRanks] = {"::error ", "::warning ", "::notice ", "::notice "};
         const Finding finding = FindingOf(message);
         text += Commands[LevelRank(message.level)];
+        // Without a file the annotation belongs to the step as a whole, which is better than to a file that is not
+        // there.
         if (HasFile(message)) {
             text += "file=";
             AppendEscaped(text, paths_.Shown(finding.file), TextForm::WorkflowProperty);

@@ -10,6 +10,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+/// An array of issues. The platform compares the arrays of two branches by the fingerprints, and shows what is new.
 class GitlabOutput : public FormOutput {
 public:
     GitlabOutput(const std::string& path, const RenderSettings& settings)
@@ -19,6 +20,7 @@ protected:
     void AppendHead(std::string& text) override { text += '['; }
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
+        // The platform knows a fifth word, "blocker", which would claim more than a level says.
         constexpr std::string_view Severities[LevelRanks] = {"critical", "major", "minor", "info"};
         const Finding finding = FindingOf(message);
         const std::string_view file = HasFile(message) ? std::string_view(paths_.Shown(finding.file)) : finding.file;
@@ -38,6 +40,8 @@ protected:
 
 private:
     // Of findings with one name, the platform shows one.
+    // So the file and the ordinal go into it: equal entries of two files, or two in one file, are findings of their
+    // own.
     std::string UniqueName(const ReportMessage& message, std::string_view file) {
         const FindingNames::Name name = names_.Next(MakeSuppressEntry(message, CurrentBaseVersion), file);
         Orvanta::FingerprintBuilder builder;

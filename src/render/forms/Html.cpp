@@ -24,10 +24,14 @@ namespace OrvlogConverter {
 
 namespace {
 
+// What the page shows above and below a finding.
 constexpr std::uint32_t LinesAround = 5;
+// Beyond this size a file is generated or no source, and reading it would cost more than its lines tell. In bytes.
 constexpr std::uint64_t LargestSource = 16U << 20U;
+// Of a source line, in bytes. A longer one is generated text that nobody reads in a page.
 constexpr std::size_t LongestLine = 400;
 
+// Every text goes through this form: the page is opened in a browser, and reports hold text of strangers.
 void AppendString(std::string& text, std::string_view value) {
     text += '"';
     AppendEscaped(text, value, TextForm::JsonInPage);
@@ -51,6 +55,7 @@ struct PageFile {
 // Appends the lines around findings as runs: [number of the first line, its text, the next one's, ...].
 void AppendSource(std::string& text, const PageFile& file) {
     std::vector<std::uint32_t> places = file.lines;
+    // Sorted, so that one pass through the file meets them in order; a list may hold a line twice.
     std::sort(places.begin(), places.end());
     const std::string source = Orvanta::ReadWholeFile(file.path);
     std::string_view rest = source;
@@ -59,6 +64,7 @@ void AppendSource(std::string& text, const PageFile& file) {
     bool isFirstRun = true;
     for (std::uint32_t number = 1; !rest.empty() && place != places.end(); ++number) {
         const std::string_view line = Orvanta::TakeLine(rest);
+        // Leaves behind the findings whose surroundings end above this line.
         while (place != places.end() && *place + LinesAround < number) {
             ++place;
         }
@@ -86,16 +92,19 @@ protected:
     void AppendHead(std::string& text) override {
         text += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
                 "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+                // The page may load nothing and send nothing, whatever the texts of a report bring into it.
                 "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
                 "'unsafe-inline'; script-src 'unsafe-inline'\">\n<title>Findings</title>\n<style>\n";
         text += HtmlStyle;
         text += "</style>\n</head>\n<body>\n";
         text += HtmlBody;
+        // As data and not as a script: a browser parses JSON much faster than the same text as a program.
         text += "<script type=\"application/json\" id=\"rows\">[";
     }
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
         const Finding finding = FindingOf(message);
+        // Rules and files by number: their names are long and stand in thousands of rows.
         const std::size_t file = FileNumber(finding.file, finding.line);
         text += count_++ == 0 ? "\n[" : ",\n[";
         text += std::to_string(LevelRank(message.level)) + ',' + std::to_string(RuleNumber(finding, message)) + ',' +
@@ -112,6 +121,7 @@ protected:
         }
         text += ']';
         const MessagePosition& first = FirstPosition(message);
+        // Where the source can't be read, the page shows the three lines that the report itself holds.
         if (files_[file].path.empty() && !first.currLine.empty()) {
             text += ",[";
             AppendString(text, first.prevLine);
@@ -145,6 +155,7 @@ protected:
     }
 
 private:
+    // Asked for in the tail only: what is gone is not known before all reports were read.
     [[nodiscard]] std::string About() const {
         std::string about = "Orvanta " + settings_.programVersion;
         if (!settings_.comparedWith.empty()) {
@@ -154,7 +165,9 @@ private:
         return about;
     }
 
+    // The file's number on the page, old or new. Notes the line too, when the source is there to be shown.
     std::size_t FileNumber(std::string_view file, std::uint32_t line) {
+        // The disk is asked once for each file, not for each finding.
         const auto [row, isNew] = fileNumbers_.emplace(file, files_.size());
         if (isNew) {
             files_.push_back({paths_.Shown(file), PathOfSource(file)});
@@ -166,8 +179,10 @@ private:
         return row->second;
     }
 
+    // Where the source can be read now; empty when nowhere, or when it is too large.
     [[nodiscard]] std::string PathOfSource(std::string_view file) const {
         const std::string root = settings_.sourceRoot.empty() ? "." : settings_.sourceRoot;
+        // As it stands first, which finds sources of this machine; then below the root, for a report of another one.
         for (const std::string& path :
              {std::string(file), Orvanta::JoinPath(root, paths_.BelowRoot(file).value_or(std::string(file)))}) {
             if (Orvanta::IsRegularFile(path) && Orvanta::FileSize(path).value_or(0) <= LargestSource) {
@@ -177,6 +192,7 @@ private:
         return "";
     }
 
+    // The rule's number on the page, old or new. What the page tells of a rule comes from the first finding of it.
     std::size_t RuleNumber(const Finding& finding, const ReportMessage& message) {
         const auto [row, isNew] = ruleNumbers_.emplace(finding.rule, ruleNumbers_.size());
         if (isNew) {
@@ -193,6 +209,7 @@ private:
 
     // A source that went away since it was first seen is no fault of the report.
     static void AppendSourceIfReadable(std::string& text, const PageFile& file) {
+        // What was appended before the fault goes, so that the array around it stays whole.
         const std::size_t size = text.size();
         try {
             AppendSource(text, file);

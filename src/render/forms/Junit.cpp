@@ -26,16 +26,21 @@ protected:
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
         const Finding finding = FindingOf(message);
+        // The view lasts until the next path is asked for, so the suite keeps a copy.
         const std::string_view file = HasFile(message) ? std::string_view(paths_.Shown(finding.file)) : finding.file;
+        // A suite is closed by the first finding that does not belong to it.
         if (file != suite_ || failures_ == LargestSuite) {
             AppendSuite(text);
             suite_ = file;
+            // Escaped once for the suite, as each of its tests names the file three times.
             suiteText_.clear();
             AppendEscaped(suiteText_, suite_, TextForm::Markup);
         }
         ++failures_;
         ++all_;
         const std::string line = std::to_string(finding.line);
+        // Servers group tests by class and list them by name, so the class is the file and the name tells rule and
+        // line.
         tests_ += "<testcase classname=\"" + suiteText_ + "\" name=\"";
         AppendEscaped(tests_, finding.rule, TextForm::Markup);
         tests_ += " at line " + line + "\" file=\"" + suiteText_ + "\" line=\"" + line + "\"><failure type=\"";
@@ -48,6 +53,7 @@ protected:
     }
 
     void AppendTail(std::string& text) override {
+        // The last one, which no other finding has closed.
         AppendSuite(text);
         if (all_ == 0) { // servers take a report without tests for a failure of the step that wrote it
             text += "<testsuite name=\"orvanta-analyzer\" tests=\"1\" failures=\"0\" errors=\"0\">\n"
@@ -57,6 +63,7 @@ protected:
     }
 
 private:
+    // Writes the open suite, if there is one, and leaves none open.
     void AppendSuite(std::string& text) {
         if (failures_ == 0) {
             return;

@@ -31,6 +31,7 @@ constexpr std::size_t MostPackedBytes = 10'000'000;
 // Results packed by gzip take at least one byte in so many.
 constexpr std::size_t LeastPacking = 10;
 
+/// What the results of one rule share; it is complete when all of them were seen.
 struct Rule {
     std::string id;
     std::string code;
@@ -38,6 +39,7 @@ struct Rule {
     std::set<std::uint32_t> weaknesses = {}; // CWE numbers
 };
 
+// Appends `"name": "value"`. Names are ours, so only the value is escaped.
 void AppendMember(std::string& text, std::string_view name, std::string_view value) {
     text += '"';
     text += name;
@@ -45,12 +47,14 @@ void AppendMember(std::string& text, std::string_view name, std::string_view val
     AppendVisibleJson(text, value);
 }
 
+/// Holds the rules, the weaknesses and a fingerprint for each result, but not the results.
 class SarifOutput : public FormOutput {
 public:
     SarifOutput(const std::string& path, RenderSettings settings)
         : FormOutput(path), settings_(std::move(settings)), paths_(settings_.sourceRoot) {}
 
     void End() override {
+        // A report that could not be written has no limits worth telling of.
         FormOutput::End();
         TellLimits();
     }
@@ -63,6 +67,7 @@ protected:
     }
 
     void AppendFinding(std::string& text, const ReportMessage& message) override {
+        // A unit that failed is no result of the analysis: readers would show it as a fault in code, and count it.
         if (message.code == FailedUnitCode) {
             AppendFailure(message);
             return;
@@ -76,12 +81,14 @@ protected:
 
     void AppendTail(std::string& text) override {
         text += "\n],\n\"columnKind\": \"unicodeCodePoints\",\n\"originalUriBaseIds\": {\"SRCROOT\": {";
+        // Otherwise the address would only tell where the report was rendered.
         if (settings_.namesSourceRoot) {
             AppendMember(text, "uri", paths_.RootAddress());
             text += ", ";
         }
         text += "\"description\": {\"text\": \"The root of the source tree.\"}}},\n\"invocations\": "
                 "[{\"executionSuccessful\": ";
+        // One unit that failed is enough: the report then lacks findings that there may be.
         text += failures_.empty() ? "true" : "false";
         text += ", \"toolExecutionNotifications\": [" + failures_ + "]}],\n";
         AppendTaxonomies(text);
@@ -98,6 +105,7 @@ protected:
     }
 
 private:
+    // Notes the result with its rule, and returns the place of the rule among the rules.
     std::size_t IndexOf(const Finding& finding, const ReportMessage& message) {
         const auto [row, isNew] = indices_.emplace(finding.rule, rules_.size());
         if (isNew) {
@@ -116,11 +124,13 @@ private:
         const Finding finding = FindingOf(message);
         text += '{';
         AppendMember(text, "ruleId", finding.rule);
+        // By index beside the id: readers then need no search, and the rules may stand behind the results.
         text += ", \"ruleIndex\": " + std::to_string(IndexOf(finding, message)) + ", ";
         AppendMember(text, "level", Levels[LevelRank(message.level)]);
         text += ", \"message\": {";
         AppendMember(text, "text", finding.text);
         text += "}, \"locations\": [";
+        // Without a place the array stands there all the same, empty.
         if (HasFile(message)) {
             AppendLocation(text, message.positions.front(), Role::Primary);
         }
@@ -128,10 +138,14 @@ private:
         AppendRelated(text, message);
         const SuppressEntry entry = MakeSuppressEntry(message, CurrentBaseVersion);
         const FindingNames::Name name = names_.Next(entry, finding.file);
+        // With the ordinal: results of one file with equal fingerprints would be taken for one.
         const std::string fingerprint = HexadecimalText(name.entry) + ":" + std::to_string(name.ordinal);
+        // Under two names: the first says how it was made, the second is the one that the largest platform looks for.
+        // When that is missing, the platform makes its own from sources, which it may not have.
         text += ", \"partialFingerprints\": {\"suppressionEntry/v1\": \"" + fingerprint +
                 "\", \"primaryLocationLineHash\": \"" + fingerprint + "\"}";
         if (!settings_.comparedWith.empty()) {
+            // What the earlier report has was dropped before, so whatever arrives here is new.
             text += ", \"baselineState\": \"new\"";
         }
         AppendSuppressions(text, message);
@@ -142,6 +156,7 @@ private:
     enum class Role { Primary, Related };
 
     void AppendLocation(std::string& text, const MessagePosition& position, Role role) const {
+        // Below the root, the path is told from it: then the report fits a checkout anywhere.
         const std::optional<std::string> below = paths_.BelowRoot(position.file);
         const std::uint32_t line = std::max(position.line, 1U);
         text += "{\"physicalLocation\": {\"artifactLocation\": {";
@@ -154,6 +169,7 @@ private:
             text += '}';
         }
         text += '}';
+        // Of line 1 the line before is none, and the three texts would not fit the numbers.
         if (role == Role::Primary && !position.currLine.empty() && line > 1) {
             text += ", \"contextRegion\": {\"startLine\": " + std::to_string(line - 1) +
                     ", \"endLine\": " + std::to_string(line + 1) + ", \"snippet\": {";
@@ -163,6 +179,7 @@ private:
         text += "}}";
     }
 
+    // The places behind the first, each with a number of its own; nothing for a finding with one place.
     void AppendRelated(std::string& text, const ReportMessage& message) const {
         if (message.positions.size() < 2) {
             return;
@@ -170,20 +187,25 @@ private:
         text += ", \"relatedLocations\": [";
         for (std::size_t at = 1; at < message.positions.size(); ++at) {
             text += at == 1 ? "{\"id\": " : ", {\"id\": ";
+            // Readers want a number and a text for each; the report has no words of its own for them.
             text += std::to_string(at) + ", \"message\": {\"text\": \"further place\"}, ";
             std::string location;
             AppendLocation(location, message.positions[at], Role::Related);
+            // Without its brace, as the id and the message are already in the object.
             text += std::string_view(location).substr(1);
         }
         text += ']';
     }
 
+    // Only where suppressed findings reach this form at all.
     void AppendSuppressions(std::string& text, const ReportMessage& message) const {
         if (settings_.suppressed == nullptr) {
             return;
         }
         const SuppressBase& base = *settings_.suppressed;
+        // By the hashing rules of the base and not by those of today, or an older base would match nothing.
         const bool isInBase = base.Contains(MakeSuppressEntry(message, base.Version()));
+        // An empty array too: it says that the result is not suppressed, while none at all says that nobody looked.
         text += ", \"suppressions\": [";
         text += isInBase ? "{\"kind\": \"external\", \"status\": \"accepted\"}" : "";
         text += isInBase && message.falseAlarm ? ", " : "";
@@ -191,6 +213,7 @@ private:
         text += ']';
     }
 
+    // What has no member of its own in the format, or needs the taxonomy.
     static void AppendProperties(std::string& text, const ReportMessage& message) {
         if (message.cwe != 0) {
             text += ", \"taxa\": [{\"id\": \"" + std::to_string(message.cwe) +
@@ -232,6 +255,7 @@ private:
         std::string relations;
         std::string tags;
         for (const std::uint32_t weakness : rule.weaknesses) {
+            // Twice for each weakness: as a relation into the taxonomy, and as the tag by which platforms filter.
             const std::string number = std::to_string(weakness);
             relations += relations.empty() ? "{\"target\": {\"id\": \"" : ", {\"target\": {\"id\": \"";
             relations += number;
@@ -246,6 +270,7 @@ private:
         text += '}';
     }
 
+    // Only the weaknesses that results name, for which it says of itself that it is not comprehensive.
     void AppendTaxonomies(std::string& text) const {
         text += "\"taxonomies\": [{\"name\": \"CWE\", \"informationUri\": \"https://cwe.mitre.org/\", "
                 "\"shortDescription\": {\"text\": \"Common Weakness Enumeration\"}, \"isComprehensive\": false, "
@@ -264,6 +289,7 @@ private:
         text += "]}],\n";
     }
 
+    // Gathered until the tail: they belong to the invocation, which stands behind the results.
     void AppendFailure(const ReportMessage& message) {
         failures_ += failures_.empty() ? "\n{\"level\": \"error\", \"descriptor\": {"
                                        : ",\n{\"level\": \"error\", \"descriptor\": {";
@@ -279,6 +305,7 @@ private:
         failures_ += '}';
     }
 
+    // Told and not enforced: which platform the report is for, nobody has said.
     void TellLimits() const {
         if (!settings_.tell) {
             return;
@@ -290,6 +317,7 @@ private:
             settings_.tell(count + ": some platforms show only the " + std::to_string(MostShownResults) +
                            " worst of a run");
         }
+        // An estimate that errs on the side of silence; packing the report to know would take longer than to write it.
         if (bytes_ / LeastPacking > MostPackedBytes) {
             settings_.tell("The SARIF report may take more than 10 MB when packed, which some platforms refuse");
         }

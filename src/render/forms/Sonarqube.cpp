@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+// There are three severities, so the two lowest ranks share one.
 constexpr std::string_view Impacts[LevelRanks] = {"HIGH", "MEDIUM", "LOW", "LOW"};
 
 /// Issues, then the rules that they name: the platform knows a rule's severity, not an issue's.
@@ -26,6 +27,7 @@ protected:
     void AppendFinding(std::string& text, const ReportMessage& message) override {
         const Finding finding = FindingOf(message);
         Rule& rule = rules_[std::string(finding.rule)];
+        // The worst of its findings: none of them may look milder than it is.
         rule.worst = std::min(rule.worst, LevelRank(message.level));
         rule.code = message.code;
         text += isFirst_ ? "\n{\"ruleId\": " : ",\n{\"ruleId\": ";
@@ -38,6 +40,7 @@ protected:
             for (std::size_t at = 1; at < message.positions.size(); ++at) {
                 const MessagePosition& position = message.positions[at];
                 text += at == 1 ? "" : ", ";
+                // Only the primary place needs a message.
                 AppendLocation(text, "", position.file, std::max(position.line, 1U));
             }
             text += ']';
@@ -66,11 +69,13 @@ protected:
     }
 
 private:
+    /// What the issues of a rule share.
     struct Rule {
         std::size_t worst = LevelRanks - 1;
         std::string code = {};
     };
 
+    // An empty `message` leaves the member out.
     void AppendLocation(std::string& text, std::string_view message, std::string_view file, std::uint32_t line) const {
         text += '{';
         if (!message.empty()) {

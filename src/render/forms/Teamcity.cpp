@@ -11,6 +11,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+/// One line for each message: the server reads them from the log of a build, whatever stands between them.
 class TeamcityOutput : public FormOutput {
 public:
     TeamcityOutput(const std::string& path, const RenderSettings& settings)
@@ -28,6 +29,7 @@ protected:
             text += "##teamcity[inspectionType";
             AppendValue(text, "id", finding.rule);
             AppendValue(text, "name", finding.rule);
+            // A type needs a description, so a rule without a page has its name there.
             AppendValue(text, "description", address.empty() ? finding.rule : std::string_view(address));
             AppendValue(text, "category", GroupName(ClassifyCode(message.code)));
             text += "]\n";
@@ -44,6 +46,7 @@ protected:
     void AppendTail(std::string& /*text*/) override {}
 
 private:
+    // Appends ` name='value'`; only the value is escaped.
     static void AppendValue(std::string& text, std::string_view name, std::string_view value) {
         text += ' ';
         text += name;
@@ -53,6 +56,7 @@ private:
     }
 
     SourcePaths paths_;
+    // The rules whose type has been written.
     std::set<std::string, std::less<>> declared_;
 };
 

@@ -15,6 +15,7 @@ namespace OrvlogConverter {
 
 namespace {
 
+/// By rank of the level.
 using Counts = std::array<std::size_t, LevelRanks>;
 
 std::size_t Sum(const Counts& counts) {
@@ -25,10 +26,12 @@ std::size_t Sum(const Counts& counts) {
     return sum;
 }
 
+// To the right within the width; what is wider stands as it is.
 std::string Padded(std::string_view text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ') + std::string(text);
 }
 
+/// Two tables, by group and by rule. Counts only, so it takes no more memory for more findings.
 class TotalsOutput : public FormOutput {
 public:
     using FormOutput::FormOutput;
@@ -46,6 +49,7 @@ protected:
     void AppendTail(std::string& text) override {
         AppendTable(text, "Group", {groups_.begin(), groups_.end()});
         text += '\n';
+        // The most frequent rules first, those with equal sums by name: the maps are sorted and the sort is stable.
         Rows rules(rules_.begin(), rules_.end());
         std::stable_sort(rules.begin(), rules.end(),
                          [](const Row& left, const Row& right) { return Sum(left.second) > Sum(right.second); });
@@ -57,9 +61,11 @@ private:
     using Rows = std::vector<Row>;
 
     void AppendTable(std::string& text, std::string_view title, Rows rows) const {
+        // In both tables: a reader may cut out either.
         rows.emplace_back("Total", all_);
         std::size_t width = title.size();
         for (Row& row : rows) {
+            // Escaped before it is measured, since escapes make it longer.
             std::string name;
             AppendEscaped(name, row.first, TextForm::Line);
             row.first = std::move(name);

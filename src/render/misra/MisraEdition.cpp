@@ -16,14 +16,17 @@ namespace {
 using Orvanta::EqualsIgnoringCase;
 
 constexpr std::string_view Publisher = "MISRA ";
+// Of several editions for one standard, one must be taken where the user names none.
 constexpr std::string_view DefaultForC = "MISRA C:2023";
 
+// In the order of the enumeration: NameOf takes the row by its place.
 constexpr std::pair<MisraCategory, std::string_view> CategoryNames[] = {
     {MisraCategory::Mandatory, "Mandatory"},   {MisraCategory::Required, "Required"},
     {MisraCategory::Document, "Document"},     {MisraCategory::Advisory, "Advisory"},
     {MisraCategory::Disapplied, "Disapplied"}, {MisraCategory::Unknown, "Unknown"},
 };
 
+// The numbers of MISRA C stayed when editions were added; those of C++ were given anew.
 MisraStandard StandardNamed(std::string_view edition) {
     if (!edition.starts_with("MISRA C++")) {
         return MisraStandard::C;
@@ -35,6 +38,7 @@ MisraCategory CategoryOfWord(std::string_view word) {
     const auto row = std::find_if(std::begin(CategoryNames), std::end(CategoryNames),
                                   [word](const auto& named) { return named.second == word; });
     if (row == std::end(CategoryNames)) {
+        // The table is part of the program, so a fault in it is ours and not the user's.
         throw std::logic_error("guidelines.csv: category \"" + std::string(word) + "\"");
     }
     return row->first;
@@ -45,12 +49,14 @@ void AddRow(std::string_view row, std::vector<MisraEdition>& editions) {
     const std::string_view name = Orvanta::TakeUpTo(row, ",");
     const std::string numbers(Orvanta::TakeUpTo(row, ","));
     const std::string kind(Orvanta::TakeUpTo(row, ","));
+    // The rows of an edition stand together.
     if (editions.empty() || editions.back().name != name) {
         editions.push_back({name, StandardNamed(name), {}});
     }
     MisraEdition& edition = editions.back();
     const std::string year = edition.standard == MisraStandard::Cpp2023 ? "2023 " : "";
     const std::string language = edition.standard == MisraStandard::C ? "MISRA C " : "MISRA CPP ";
+    // By the reader of names that users write, so that both agree on what a guideline is.
     const auto guideline = ParseMisraGuideline(language + year + kind + " " + numbers);
     const MisraCategory category = CategoryOfWord(Orvanta::TakeUpTo(row, ","));
     if (!guideline || guideline->standard != edition.standard ||
@@ -81,6 +87,7 @@ MisraCategory MisraEdition::CategoryOf(const MisraGuideline& guideline) const {
 }
 
 std::span<const MisraEdition> AllMisraEditions() {
+    // Read when it is first asked for: most runs render no MISRA report. Any thread may be the first.
     static const std::vector<MisraEdition> editions = ReadTable();
     return editions;
 }
@@ -99,6 +106,7 @@ const MisraEdition& MisraEditionNamed(std::string_view name) {
 
 MisraEditions::MisraEditions() {
     for (const MisraEdition& edition : AllMisraEditions()) {
+        // Both standards for C++ have one edition each.
         if (edition.standard != MisraStandard::C || edition.name == DefaultForC) {
             editions_[edition.standard] = &edition;
         }

@@ -22,6 +22,7 @@ enum class MisraCategory : std::uint8_t {
     Unknown, ///< the standard has no such guideline
 };
 
+/// The category's word, as the table and users write it. Lasts for ever.
 [[nodiscard]] std::string_view NameOf(MisraCategory category) noexcept;
 
 /// One published list of guidelines. They all stand in guidelines.csv; the program holds that table.
@@ -30,10 +31,12 @@ struct MisraEdition {
     MisraStandard standard = MisraStandard::C;
     std::map<MisraGuideline, MisraCategory> categories;
 
+    /// Unknown for a guideline that the edition does not list.
     [[nodiscard]] MisraCategory CategoryOf(const MisraGuideline& guideline) const;
 };
 
 /// All editions, in the order of the table.
+/// Any thread may ask.
 [[nodiscard]] std::span<const MisraEdition> AllMisraEditions();
 
 /// The edition of that name, which may leave out "MISRA". \throws ConfigException for any other name, with all of them
@@ -51,9 +54,11 @@ public:
     /// What was chosen.
     [[nodiscard]] const std::set<MisraStandard>& Chosen() const noexcept { return chosen_; }
 
+    /// The edition taken for a standard.
     /// Null for MisraStandard::Other.
     [[nodiscard]] const MisraEdition* Of(MisraStandard standard) const;
 
+    /// By the edition that is taken for its standard; Unknown when that lists no such guideline.
     [[nodiscard]] MisraCategory CategoryOf(const MisraGuideline& guideline) const;
 
 private:

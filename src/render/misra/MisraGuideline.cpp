@@ -22,6 +22,7 @@ struct NameRow {
     std::size_t numbers;
 };
 
+// How many numbers a name has is part of what tells standards apart.
 constexpr NameRow Names[] = {
     {MisraStandard::C, "MISRA-C-", '.', 2},
     {MisraStandard::Cpp2008, "MISRA-CPP-", '-', 3},
@@ -59,12 +60,14 @@ public:
         return isKnown;
     }
 
+    /// The same for one word.
     bool TakeWord(std::string_view word) { return TakeWord(std::span(&word, 1)); }
 
     /// Takes the number that comes next, when it is a year.
     std::optional<std::uint32_t> TakeYear() {
         std::string_view rest = WithoutSeparators();
         const std::optional<std::uint32_t> number = Orvanta::WholeNumber<std::uint32_t>(Digits(rest));
+        // No guideline has a number as large, and no list is older.
         constexpr std::uint32_t FirstYear = 1998;
         if (!number || *number < FirstYear) {
             return std::nullopt;
@@ -88,6 +91,7 @@ public:
             if (rest_.empty()) {
                 return true;
             }
+            // "8.13-2" mixes two ways of writing, and means nothing for certain.
             if ((rest_.front() != '.' && rest_.front() != '-') || (separator != 0 && separator != rest_.front())) {
                 return false;
             }
@@ -97,11 +101,13 @@ public:
     }
 
 private:
+    // What stands behind the separators that come next; empty when nothing does.
     [[nodiscard]] std::string_view WithoutSeparators() const {
         const std::size_t begin = rest_.find_first_not_of("-_: ");
         return begin == std::string_view::npos ? std::string_view() : rest_.substr(begin);
     }
 
+    // The digits that the text begins with, which may be none.
     [[nodiscard]] static std::string_view Digits(std::string_view text) {
         const auto end = std::find_if_not(text.begin(), text.end(), Orvanta::IsDigit);
         return text.substr(0, static_cast<std::size_t>(end - text.begin()));
@@ -110,6 +116,7 @@ private:
     std::string_view rest_;
 };
 
+// There is a row for each standard.
 const NameRow& NamesOf(MisraStandard standard) {
     return *std::find_if(std::begin(Names), std::end(Names),
                          [standard](const NameRow& row) { return row.standard == standard; });
@@ -120,12 +127,15 @@ MisraStandard StandardOf(bool isCpp, std::optional<std::uint32_t> year, char sep
     if (!isCpp) {
         return MisraStandard::C;
     }
+    // Without a year, dashes tell the old numbers: those of 2023 are written with dots.
     const bool isOld = year ? *year < 2023 : separator == '-';
     return isOld ? MisraStandard::Cpp2008 : MisraStandard::Cpp2023;
 }
 
+// Word by word, as all usual spellings have the same parts in the same order and leave out different ones.
 std::optional<MisraGuideline> ReadName(std::string_view name) {
     NameReader reader(name);
+    // A year is only read behind a word for the language: without one, it is no known way to name an edition.
     const bool isMisra = reader.TakeWord("misra");
     const bool saysCpp = reader.TakeWord(CppWords);
     const bool saysC = !saysCpp && reader.TakeWord("c");
@@ -134,6 +144,7 @@ std::optional<MisraGuideline> ReadName(std::string_view name) {
     const bool saysRule = !isDirective && reader.TakeWord(RuleWords);
     std::vector<std::uint32_t> numbers;
     char separator = 0;
+    // Bare numbers are refused here.
     if ((!isMisra && !isDirective && !saysRule) || !reader.TakeNumbers(numbers, separator)) {
         return std::nullopt;
     }
@@ -141,6 +152,7 @@ std::optional<MisraGuideline> ReadName(std::string_view name) {
     MisraGuideline guideline = {StandardOf(isCpp, year, separator)};
     // The numbers of MISRA C++:2023 tell directives by themselves, and names leave the word out.
     guideline.isRule = !isDirective || guideline.standard == MisraStandard::Cpp2023;
+    // "MISRA C Rule 8" names a group of guidelines, not one.
     if (numbers.size() != NamesOf(guideline.standard).numbers) {
         return std::nullopt;
     }
@@ -148,6 +160,7 @@ std::optional<MisraGuideline> ReadName(std::string_view name) {
     return guideline;
 }
 
+// A code of the analyzer does not tell the numbers of a guideline, so it stands for itself.
 std::optional<MisraGuideline> ReadCode(std::string_view code) {
     if (ClassifyCode(code) != AnalyzerType::Misra) {
         return std::nullopt;
@@ -157,6 +170,7 @@ std::optional<MisraGuideline> ReadCode(std::string_view code) {
     return guideline;
 }
 
+// A message that names a guideline in two spellings counts once for it.
 void AddOnce(std::vector<MisraGuideline>& guidelines, const MisraGuideline& guideline) {
     if (std::find(guidelines.begin(), guidelines.end(), guideline) == guidelines.end()) {
         guidelines.push_back(guideline);
@@ -165,10 +179,13 @@ void AddOnce(std::vector<MisraGuideline>& guidelines, const MisraGuideline& guid
 
 // Names may be set apart by blanks, and may hold some.
 void ReadIdentifier(std::string_view identifier, MisraNames& names) {
+    // As a whole first: "MISRA C 2012 Rule 8.13" is one name with blanks in it.
     if (const auto guideline = ParseMisraGuideline(identifier)) {
         AddOnce(names.guidelines, *guideline);
         return;
     }
+    // All parts or none: half a list would hide that the other half was not understood. What does not speak of MISRA is
+    // an identifier of another standard.
     bool isReadable = true;
     std::vector<MisraGuideline> parts;
     for (std::string_view rest = identifier; !rest.empty();) {
@@ -190,6 +207,7 @@ void ReadIdentifier(std::string_view identifier, MisraNames& names) {
 } // namespace
 
 bool MisraGuideline::operator<(const MisraGuideline& other) const noexcept {
+    // Directives stand before rules, as in the published lists.
     return std::tie(standard, isRule, numbers) < std::tie(other.standard, other.isRule, other.numbers);
 }
 
@@ -207,6 +225,7 @@ std::string MisraGuideline::Name() const {
 }
 
 std::optional<MisraGuideline> ParseMisraGuideline(std::string_view name) {
+    // A code such as "V2501" has no word in front that the other reader would know.
     const std::optional<MisraGuideline> byCode = ReadCode(name);
     return byCode ? byCode : ReadName(name);
 }
@@ -216,6 +235,7 @@ MisraNames MisraNamesOf(const ReportMessage& message) {
     for (std::string_view rest = message.sastId; !rest.empty();) {
         ReadIdentifier(Orvanta::Trim(Orvanta::TakeUpTo(rest, ",;")), names);
     }
+    // The code is the last resort: an identifier says more exactly which standard is meant.
     if (names.guidelines.empty() && names.unreadable.empty()) {
         if (const std::optional<MisraGuideline> byCode = ReadCode(message.code)) {
             names.guidelines.push_back(*byCode);

@@ -29,6 +29,7 @@ public:
     /// \throws ParseException for a value that is not of that form
     void AddReport(std::string_view json);
 
+    /// Whether it is known: from the file, or from every report.
     [[nodiscard]] bool IsKnown() const noexcept { return hasFile_ || (hasReports_ && !isReportSilent_); }
 
     /// Empty when nothing is known.
