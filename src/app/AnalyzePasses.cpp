@@ -42,8 +42,8 @@ bool UsesHistory(const AnalyzeInput& input) {
 }
 
 AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
-                             ShownFindings& shown, Log& log, const StopFlag& stop)
-    : input_(input), places_(places), runner_(runner), shown_(shown), log_(log), stop_(stop),
+                             const UserSide& user)
+    : input_(input), places_(places), runner_(runner), shown_(user.shown), log_(user.log), stop_(user.stop),
       units_(PointersTo(input.commands.units)) {
     ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
 }

@@ -20,6 +20,13 @@ class AnalyzerRunner;
 class ShownFindings;
 struct RunPlaces;
 
+/// What a run has of its user: where it shows what it finds and says, and how it is told to stop.
+struct UserSide {
+    ShownFindings& shown;
+    Log& log;
+    const StopFlag& stop;
+};
+
 /// The passes of one run over its units.
 ///
 /// Whatever the options ask for is a list of passes: what is done with each unit, with which units, and where the
@@ -29,8 +36,7 @@ struct RunPlaces;
 class AnalyzePasses {
 public:
     /// All outlive the object.
-    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, ShownFindings& shown,
-                  Log& log, const StopFlag& stop);
+    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, const UserSide& user);
 
     /// Goes through the passes until the last has ended or the user stops the run, and keeps what came of it.
     /// \throws ZelmException for what ends a run early; then, too, the ending holds what became of the units before

@@ -99,7 +99,7 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_);
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    AnalyzePasses passes(input_, places, runner, shown_, log_, stop_);
+    AnalyzePasses passes(input_, places, runner, {shown_, log_, stop_});
     std::exception_ptr failure;
     try {
         passes.Run();

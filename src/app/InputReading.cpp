@@ -41,7 +41,7 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
 
 // A folder stands for the database in it. What can't be there is told with what to do.
 std::string InputPath(const std::string& given) {
-    const std::string path = IsDirectory(given) ? JoinPath(given, DefaultInput) : given;
+    std::string path = IsDirectory(given) ? JoinPath(given, DefaultInput) : given;
     if (PathExists(path)) {
         return path;
     }
@@ -49,7 +49,10 @@ std::string InputPath(const std::string& given) {
     for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
         const std::string other = JoinPath(folder, DefaultInput);
         if (PathExists(other)) {
-            throw ZelmException("Couldn't open file " + path, other + " exists: -f " + other);
+            std::string hint = other;
+            hint += " exists: -f ";
+            hint += other;
+            throw ZelmException("Couldn't open file " + path, hint);
         }
     }
     throw ZelmException("Couldn't open file " + path,

@@ -154,7 +154,7 @@ std::size_t ReadFromStandardInput(std::span<char> target) {
     constexpr int MillisecondsBetweenLooks = 100;
     while (!ProcessStopFlag().IsSet()) {
         pollfd input = {STDIN_FILENO, POLLIN, 0};
-        if (::poll(&input, 1, MillisecondsBetweenLooks) == 0) {
+        if (::poll(&input, 1, MillisecondsBetweenLooks) <= 0) { // nothing yet, or a signal: look at the flag again
             continue;
         }
         const ::ssize_t count = ::read(STDIN_FILENO, target.data(), target.size());
