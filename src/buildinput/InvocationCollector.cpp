@@ -282,6 +282,60 @@ std::vector<std::size_t> InvocationCollector::ValuesOfUnknown(const InvocationOu
     return values;
 }
 
+void InvocationCollector::CompleteArguments(std::vector<std::string>& arguments, const CompilerInfo& compiler,
+                                            const std::string& directory, const Environment& environment,
+                                            EnvironmentScope scope) {
+    if (IsMsvcFamily(compiler.type)) {
+        std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
+        // Where the input gave the whole environment, the driver's own variables had no part in the build.
+        if (scope == EnvironmentScope::Changes) {
+            layers.push_back(&OwnEnvironment());
+        }
+        AddArgumentsOfVariables(arguments, layers);
+    }
+    if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return word.starts_with('@'); })) {
+        ExpandResponseFiles(arguments, directory, ReadingFor(compiler));
+    }
+}
+
+InvocationOutline InvocationCollector::Outline(const Compiler& model, const std::vector<std::string>& arguments,
+                                               const std::string& directory) const {
+    InvocationOutline outline = OutlineInvocation(model, arguments);
+    if (!outline.sources.empty() && !outline.openWords.empty()) {
+        if (std::vector<std::size_t> values = ValuesOfUnknown(outline, arguments, directory); !values.empty()) {
+            // A second time: with a word fewer among the inputs, the command may be another thing.
+            outline = OutlineInvocation(model, arguments, values);
+            const auto shared = std::make_shared<const std::vector<std::size_t>>(std::move(values));
+            for (SourceArgument& source : outline.sources) {
+                source.openValues = shared;
+            }
+        }
+    }
+    return outline;
+}
+
+std::optional<InvocationCollector::Refusal>
+InvocationCollector::RefuseOutline(const InvocationOutline& outline, const std::vector<std::string>& arguments,
+                                   const std::string& directory) const {
+    if (outline.missingResponseFile && leavesOutDeleted_ && !outline.makesObjects && outline.sources.empty()) {
+        return Refusal{InvocationFate::NotACompilation, "link only"}; // its list of objects has been removed
+    }
+    if (outline.missingResponseFile) {
+        return Refusal{InvocationFate::Unreadable, "the response file " +
+                                                       Quoted(arguments[*outline.missingResponseFile].substr(1)) +
+                                                       " doesn't exist"};
+    }
+    if (outline.sources.empty()) {
+        return Refusal{InvocationFate::NotACompilation, std::string(outline.reason)};
+    }
+    if (leavesOutDeleted_ && NoneExists(outline.sources, arguments, directory)) {
+        const SourceArgument& first = outline.sources.front();
+        return Refusal{InvocationFate::DeletedSinceTrace, "source deleted since the trace",
+                       arguments[first.index].substr(first.offset)};
+    }
+    return std::nullopt;
+}
+
 std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::vector<std::string>& arguments,
                                                                          const std::string& workingDirectory,
                                                                          const Environment& environment,
@@ -302,55 +356,21 @@ std::optional<InvocationCollector::Refusal> InvocationCollector::Collect(std::ve
     }
     // Before the variables are added: which of them count depends on the family.
     identified.compiler = OfDriverMode(identified.compiler, arguments);
-    if (IsMsvcFamily(identified.compiler->type)) {
-        std::vector<const Environment*> layers = {&settings_.environmentChanges, &environment};
-        // Where the input gave the whole environment, the driver's own variables had no part in the build.
-        if (scope == EnvironmentScope::Changes) {
-            layers.push_back(&OwnEnvironment());
-        }
-        AddArgumentsOfVariables(arguments, layers);
-    }
-    if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return word.starts_with('@'); })) {
-        ExpandResponseFiles(arguments, *directories.absolute, ReadingFor(*identified.compiler));
-    }
+    CompleteArguments(arguments, *identified.compiler, *directories.absolute, environment, scope);
     const Compiler& model = ModelOf(identified.compiler->type);
     // Behind the response files, which may hold the flags that name option files.
     ExpandOptionFiles(arguments, model.OptionFiles(), *directories.absolute);
     if (std::any_of(arguments.begin(), arguments.end(), [](std::string_view word) { return HoldsZeroByte(word); })) {
         return Refusal{InvocationFate::Unreadable, ZeroByteReason};
     }
-    InvocationOutline outline = OutlineInvocation(model, arguments);
-    if (!outline.sources.empty() && !outline.openWords.empty()) {
-        if (std::vector<std::size_t> values = ValuesOfUnknown(outline, arguments, *directories.absolute);
-            !values.empty()) {
-            // A second time: with a word fewer among the inputs, the command may be another thing.
-            outline = OutlineInvocation(model, arguments, values);
-            const auto shared = std::make_shared<const std::vector<std::size_t>>(std::move(values));
-            for (SourceArgument& source : outline.sources) {
-                source.openValues = shared;
-            }
-        }
-    }
+    const InvocationOutline outline = Outline(model, arguments, *directories.absolute);
     // Files with arguments have been read from the first one: the compiler, too, meets the flag only when it has read
     // them.
     if (!outline.directory.empty()) {
         directories = Share(JoinPath(*directories.absolute, outline.directory));
     }
-    if (outline.missingResponseFile && leavesOutDeleted_ && !outline.makesObjects && outline.sources.empty()) {
-        return Refusal{InvocationFate::NotACompilation, "link only"}; // its list of objects has been removed
-    }
-    if (outline.missingResponseFile) {
-        return Refusal{InvocationFate::Unreadable, "the response file " +
-                                                       Quoted(arguments[*outline.missingResponseFile].substr(1)) +
-                                                       " doesn't exist"};
-    }
-    if (outline.sources.empty()) {
-        return Refusal{InvocationFate::NotACompilation, std::string(outline.reason)};
-    }
-    if (leavesOutDeleted_ && NoneExists(outline.sources, arguments, *directories.absolute)) {
-        const SourceArgument& first = outline.sources.front();
-        return Refusal{InvocationFate::DeletedSinceTrace, "source deleted since the trace",
-                       arguments[first.index].substr(first.offset)};
+    if (std::optional<Refusal> refusal = RefuseOutline(outline, arguments, *directories.absolute)) {
+        return refusal;
     }
     // Only here, where it is certain that units need it.
     const std::shared_ptr<const Environment> sharedEnvironment = Share(environment);

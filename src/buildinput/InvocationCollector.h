@@ -116,6 +116,16 @@ private:
     [[nodiscard]] std::vector<std::size_t> ValuesOfUnknown(const InvocationOutline& outline,
                                                            const std::vector<std::string>& arguments,
                                                            const std::string& directory) const;
+    /// Adds what variables and response files say to the arguments, in the order in which the compiler reads them.
+    void CompleteArguments(std::vector<std::string>& arguments, const CompilerInfo& compiler,
+                           const std::string& directory, const Environment& environment, EnvironmentScope scope);
+    /// What the command does, the values of unknown flags told from its inputs.
+    [[nodiscard]] InvocationOutline Outline(const Compiler& model, const std::vector<std::string>& arguments,
+                                            const std::string& directory) const;
+    /// Why a command that could be read gives no unit; no value when it gives some.
+    [[nodiscard]] std::optional<Refusal> RefuseOutline(const InvocationOutline& outline,
+                                                       const std::vector<std::string>& arguments,
+                                                       const std::string& directory) const;
     /// Records the present invocation as one that gave no unit.
     void Skip(const std::vector<std::string>& arguments, Refusal refusal);
     /// Whether the compiler filter lets the command through; an empty filter lets all. Behind "ccache" the compiler
