@@ -141,7 +141,6 @@ bool HistoryState::Save(Extent extent) {
     }
     try {
         {
-            // What is saved is the state of one moment, in which what the files were is still true.
             const Lock lock(mutex);
             record.isDirty = record.isDirty || files.HasLearned() || folder.HasLearned();
             if (!record.isDirty) {
