@@ -49,7 +49,7 @@ constexpr RangeRow Ranges[] = {
     {6000, 6999, AnalyzerType::GeneralAnalysis},
 };
 
-// Empty parts are parts: a specification with one is wrong, and must not pass for a shorter one.
+// Empty parts are parts: a list with one is wrong, and must not pass for a shorter one.
 std::vector<std::string_view> Split(std::string_view text, char separator) {
     std::vector<std::string_view> parts;
     for (std::size_t end = 0; end != std::string_view::npos;) {
@@ -69,7 +69,7 @@ AnalyzerType AnalyzerNamed(std::string_view name) {
     return row->analyzer;
 }
 
-// `text` is a part of `separated`, which differs from the specification in separators only.
+// `text` lies in `separated`, a copy of what the user wrote in which only separators are replaced.
 int ParseLevel(std::string_view text, const std::string& separated, std::string_view specification) {
     const std::optional<int> level = Orvanta::WholeNumber<int>(text);
     if (!level) {

@@ -36,8 +36,8 @@ struct AnalyzerLevels {
     bool operator==(const AnalyzerLevels&) const = default;
 };
 
-/// Parses a specification such as "GA:1,2;64:1", in which "+" may stand for ";". "all" gives an empty list: no
-/// restriction. Levels outside 1 to 3 are taken as they are.
+/// Parses a list of analyzers and levels such as "GA:1,2;64:1", in which "+" may stand for ";". "all" gives an empty
+/// list: no restriction. Levels outside 1 to 3 are taken as they are.
 /// \throws ConfigException "Wrong analyzer name: " or "Wrong analyzers format: "
 [[nodiscard]] std::vector<AnalyzerLevels> ParseAnalyzerSpecification(std::string_view text);
 
