@@ -78,7 +78,8 @@ std::size_t CodeScanner::ReadRawString(std::string_view line, std::size_t quote)
         return EndOfLiteral(line, quote); // none after all
     }
     // What the writer has put between the quote and the parenthesis ends the string too.
-    std::string end = ")" + std::string(line.substr(quote + 1, open - quote - 1)) + "\"";
+    std::string end = ")";
+    end.append(line.substr(quote + 1, open - quote - 1)).append("\"");
     const std::size_t close = line.find(end, open);
     if (close != std::string_view::npos) {
         return close + end.size();
