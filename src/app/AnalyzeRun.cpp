@@ -30,20 +30,6 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     return {options, std::move(settings), threads, std::move(reportPath)};
 }
 
-// What a run keeps for later ones is no part of the sources that it may lie among. A folder that can't be written to
-// has been told of by whoever wanted to keep something there.
-void HideFromVersionControl(const std::string& folder) {
-    const std::string list = JoinPath(folder, ".gitignore");
-    if (!IsDirectory(folder) || PathExists(list)) {
-        return;
-    }
-    try {
-        OutputFile(list, OutputFile::Mode::Replace).Append("*\n");
-    } catch (const FileException&) {
-        RemoveFile(list);
-    }
-}
-
 // Findings on standard output have no folder: what later runs need is then kept where the user stands.
 std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
@@ -107,8 +93,6 @@ int AnalyzeRun::Analyze() {
         // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
-    // Also after an error: the history may have been kept.
-    HideFromVersionControl(OrvantaFolder(outputFolder_));
     End(passes.Ending());
     if (failure) {
         std::rethrow_exception(failure);

@@ -5,11 +5,13 @@
 #include "platform/StopFlag.h"
 
 #include <string>
+#include <vector>
 
 namespace Orvanta {
 
-/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once. Leaves no lock file behind, unless
-/// the run is killed.
+/// Keeps two runs from writing one report, or using one folder ".Orvanta", at once. The lock files lie in ".Orvanta",
+/// which is made for them where there is none and is hidden from version control. Leaves no lock file behind, unless
+/// the run is killed, and no folder that holds nothing else.
 class RunLocks {
 public:
     RunLocks() = default;
@@ -21,11 +23,12 @@ public:
     /// the log says so. \throws ZelmException "Another run is writing to " and the report
     void TakeReport(const std::string& reportPath, const StopFlag& stop, Log& log);
 
-    /// Of the folder ".Orvanta", which need not exist.
+    /// Of the folder ".Orvanta".
     /// \throws ZelmException "Another run is using " and the folder
     void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log);
 
 private:
+    std::vector<std::string> folders_; // that hold the lock files
     LockFile report_;
     LockFile shared_;
 };

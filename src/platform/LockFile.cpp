@@ -26,6 +26,15 @@ std::string TargetIfKnown(const std::string& path) {
 
 } // namespace
 
+LockPlace LockPlaceOf(const std::string& path) {
+    if (IsOwnOpenFile(path) || LookAt(path).kind == PathKind::Other) {
+        return {};
+    }
+    const std::string target = TargetIfKnown(path);
+    // The name without its folder: another machine may see the folder under another path.
+    return {std::string(DirectoryOf(target)), ComparablePath(FileNameOf(target))};
+}
+
 LockFile::LockFile(LockFile&& other) noexcept
     : path_(std::move(other.path_)), holder_(std::move(other.holder_)),
       state_(std::exchange(other.state_, State::None)) {}
@@ -51,19 +60,15 @@ void LockFile::ReleaseAndRemove() noexcept {
     state_ = State::None;
 }
 
-LockFile::State LockFile::Take(const std::string& path, std::chrono::milliseconds longest, const StopFlag& stop) {
+LockFile::State LockFile::Take(const LockPlace& place, std::chrono::milliseconds longest, const StopFlag& stop) {
     using Clock = std::chrono::steady_clock;
-    if (IsOwnOpenFile(path) || LookAt(path).kind == PathKind::Other) {
+    if (place.folder.empty()) {
         holder_.reset();
         return state_ = State::Unavailable;
     }
     const Clock::time_point end = Clock::now() + longest;
-    const std::string target = TargetIfKnown(path);
-    const std::string folder(DirectoryOf(target));
-    // The name without its folder: another machine may see the folder under another path.
-    const std::string key = ComparablePath(FileNameOf(target));
     // At least one try, however short the wait may be.
-    while (Take(folder, key) == State::HeldByOther && Clock::now() < end && !stop.IsSet()) {
+    while (Take(place.folder, place.key) == State::HeldByOther && Clock::now() < end && !stop.IsSet()) {
         std::this_thread::sleep_for(LookInterval);
     }
     return state_;

@@ -22,12 +22,12 @@ constexpr std::chrono::minutes LongestWait(2);
 BaseLock::BaseLock(const std::string& basePath, const StopFlag& stop) {
     using State = LockFile::State;
     // The lock by the path first: most bases have one name, and need no other.
-    State state = lock_.Take(basePath, LongestWait, stop);
+    State state = lock_.Take(LockPlaceOf(basePath), LongestWait, stop);
     if (state == State::Held) {
         if (const std::optional<FileIdentity> base = IdentityOf(basePath); base && base->names > 1) {
             // By what the file is, in a folder that all who know it by any name share.
             const std::string name = "base-" + std::to_string(base->device) + "-" + std::to_string(base->number);
-            state = sharedLock_.Take(JoinPath(SystemTemporaryFolder(), name), LongestWait, stop);
+            state = sharedLock_.Take({SystemTemporaryFolder(), name}, LongestWait, stop);
         }
     }
     if (state == State::HeldByOther) {

@@ -261,6 +261,21 @@ TEST_F(OptionsTest, TheSettingsFileOfAProjectIsFoundAndNotTrusted) {
     EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
 }
 
+TEST_F(OptionsTest, ARunLeavesItsReportAlone) {
+    sandbox.AddUnit("a.c");
+    // While it runs, its lock lies where version control does not look.
+    sandbox.WriteScript("a.c", {"touch " + sandbox.Path("started"), "wait-for " + sandbox.Path("go-on")});
+    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] { return sandbox.Exists("started"); }));
+    EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
+    sandbox.Write("go-on", "");
+    EXPECT_EQ(run->Wait().exitCode, 0);
+    EXPECT_FALSE(sandbox.Exists(".Orvanta"));
+    const RunResult missing = sandbox.Analyze({"-o", "none/report.json"});
+    EXPECT_NE(missing.exitCode, 0) << missing;
+    EXPECT_FALSE(sandbox.Exists("none")) << "a lock has made the folder of a report";
+}
+
 } // namespace
 
 } // namespace Orvanta

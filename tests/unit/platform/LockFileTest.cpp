@@ -67,15 +67,15 @@ TEST(Lock, OfOneThingIsOneHoweverItsPathIsSpelt) {
     folder.MakeFolder("d/sub");
     LockFile first;
     LockFile second;
-    ASSERT_EQ(first.Take(folder / "d/report", milliseconds(0), stop), State::Held);
+    ASSERT_EQ(first.Take(LockPlaceOf(folder / "d/report"), milliseconds(0), stop), State::Held);
     for (const std::string& spelling : {folder / "d/../d/./report", folder / "d/sub/../report"}) {
-        EXPECT_EQ(second.Take(spelling, milliseconds(0), stop), State::HeldByOther) << spelling;
+        EXPECT_EQ(second.Take(LockPlaceOf(spelling), milliseconds(0), stop), State::HeldByOther) << spelling;
     }
     if (HostPathRules() == PathRules::Windows) {
-        EXPECT_EQ(second.Take(folder / "D/Report", milliseconds(0), stop), State::HeldByOther);
+        EXPECT_EQ(second.Take(LockPlaceOf(folder / "D/Report"), milliseconds(0), stop), State::HeldByOther);
     }
-    EXPECT_EQ(second.Take(folder / "d/other", milliseconds(0), stop), State::Held);
-    EXPECT_EQ(second.Take(folder / "none/report", milliseconds(0), stop), State::Unavailable);
+    EXPECT_EQ(second.Take(LockPlaceOf(folder / "d/other"), milliseconds(0), stop), State::Held);
+    EXPECT_EQ(second.Take(LockPlaceOf(folder / "none/report"), milliseconds(0), stop), State::Unavailable);
 }
 
 TEST(Lock, IsWaitedForUntilItIsFreeOrTheRunIsToStop) {
@@ -84,12 +84,12 @@ TEST(Lock, IsWaitedForUntilItIsFreeOrTheRunIsToStop) {
     constexpr std::chrono::hours Longest{1};
     LockFile first;
     LockFile second;
-    ASSERT_EQ(first.Take(folder / "report", Longest, stop), State::Held);
-    std::thread waiter([&] { EXPECT_EQ(second.Take(folder / "report", Longest, stop), State::Held); });
+    ASSERT_EQ(first.Take(LockPlaceOf(folder / "report"), Longest, stop), State::Held);
+    std::thread waiter([&] { EXPECT_EQ(second.Take(LockPlaceOf(folder / "report"), Longest, stop), State::Held); });
     first = LockFile();
     waiter.join();
     stop.Set();
-    EXPECT_EQ(first.Take(folder / "report", Longest, stop), State::HeldByOther);
+    EXPECT_EQ(first.Take(LockPlaceOf(folder / "report"), Longest, stop), State::HeldByOther);
 }
 
 TEST(Lock, DiesWithItsHolder) {

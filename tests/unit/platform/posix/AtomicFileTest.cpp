@@ -172,7 +172,7 @@ TEST(AtomicFileOnPosix, WorksWithoutLocksAndLeavesNothing) {
         const StopFlag stop;
         LockFile lock;
         const bool isTold =
-            lock.Take(folder / "file", std::chrono::milliseconds(0), stop) == LockFile::State::Unsupported;
+            lock.Take(LockPlaceOf(folder / "file"), std::chrono::milliseconds(0), stop) == LockFile::State::Unsupported;
         const bool isReplaced = !StaysItself(folder / "file", "first") && !StaysItself(folder / "file", "second");
         std::_Exit(isTold && isReplaced ? 0 : 1);
     }

@@ -118,9 +118,9 @@ TEST(PathOnPosix, LeadsToItsTargetWhetherThatIsThereOrNot) {
     const StopFlag stop;
     LockFile first;
     LockFile second;
-    EXPECT_EQ(first.Take(folder / "outer", std::chrono::milliseconds(0), stop), LockFile::State::Held);
-    EXPECT_EQ(second.Take(target, std::chrono::milliseconds(0), stop), LockFile::State::HeldByOther);
-    EXPECT_EQ(second.Take(folder / "circle", std::chrono::milliseconds(0), stop), LockFile::State::Held);
+    EXPECT_EQ(first.Take(LockPlaceOf(folder / "outer"), std::chrono::milliseconds(0), stop), LockFile::State::Held);
+    EXPECT_EQ(second.Take(LockPlaceOf(target), std::chrono::milliseconds(0), stop), LockFile::State::HeldByOther);
+    EXPECT_EQ(second.Take(LockPlaceOf(folder / "circle"), std::chrono::milliseconds(0), stop), LockFile::State::Held);
 }
 
 class FileSwap : public testing::TestWithParam<Swap> {};
