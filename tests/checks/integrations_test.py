@@ -4,6 +4,7 @@
 FOLDER holds the programs. The steps of the servers' files are run by bash, as the servers would, in a project that has
 one fault of level 1.
 """
+import json
 import os
 import re
 import subprocess
@@ -23,9 +24,19 @@ PROJECT = {
 }
 
 
-def load(name):
+def read(name):
     with open(os.path.join(REPOSITORY, name), encoding="utf-8") as file:
-        return yaml.safe_load(file)
+        return file.read()
+
+
+def load(name):
+    return yaml.safe_load(read(name))
+
+
+def sample(name, language, word):
+    """The block of a page of the documentation that is of this language and holds the word."""
+    blocks = re.findall(rf"```{language}\n(.*?)```", read(name), re.DOTALL)
+    return next(block for block in blocks if word in block)
 
 
 class Integrations(unittest.TestCase):
@@ -109,6 +120,66 @@ class Integrations(unittest.TestCase):
             self.assertEqual(run.returncode, code, run.stdout)
             for name in [*job["artifacts"]["paths"], *job["artifacts"]["reports"].values()]:
                 self.assertTrue(os.path.exists(self.path(name)), name)
+
+    def run_script(self, lines):
+        run = self.run_in_project(["bash", "-eo", "pipefail", "-c", "\n".join(lines)], WORKSPACE=self.folder)
+        return run.returncode, run.stdout
+
+    def test_jenkins_sample(self):
+        text = sample("docs/ci.md", "groovy", "recordIssues")
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        code, said = self.run_script(re.findall(r"^sh '(.*)'$", text, re.MULTILINE))
+        self.assertEqual(code, 0, said)
+        with open(self.path(re.search(r"pattern: '(.*?)'", text)[1]), encoding="utf-8") as file:
+            self.assertIn(FAULT, file.read())
+        self.assertTrue(os.path.exists(self.path("report.junit.xml")))
+
+    def test_azure_sample(self):
+        steps = yaml.safe_load(sample("docs/ci.md", "yaml", "PublishTestResults"))
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        scripts = [step["script"] for step in steps if "script" in step]
+        scripts = [script.replace("$(Build.SourcesDirectory)", self.folder) for script in scripts]
+        self.assertEqual(self.run_script(scripts)[0], 2)
+        for name in [steps[2]["inputs"]["testResultsFiles"], steps[3]["publish"]]:
+            self.assertTrue(os.path.exists(self.path(name)), name)
+
+    def test_accepted_findings_move_with_their_lines(self):
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        analyze = "orvanta-analyzer analyze -q -f build/compile_commands.json -o report.json"
+        self.assertEqual(self.run_script([analyze, "orvanta-analyzer suppress report.json"])[0], 0)
+        fault = "int Second(void) {\n    int zero = 0;\n    return 7 / zero;\n}\n\n"
+        with open(self.path("src/list.c"), "w", encoding="utf-8") as file:
+            file.write(fault + PROJECT["src/list.c"])
+        self.assertEqual(self.run_script([analyze + " -s suppress_base.json"])[0], 0)
+        with open(self.path("report.json"), encoding="utf-8") as file:
+            messages = [warning["message"] for warning in json.load(file)["warnings"]]
+        self.assertEqual(messages, ["[zerodiv] Division by zero."])
+
+    def findings(self):
+        """Makes the file that editors read, as their page says."""
+        code, said = self.run_script([sample("docs/editors.md", "sh", "findings.txt")])
+        self.assertEqual(code, 0, said)
+        with open(self.path("findings.txt"), encoding="utf-8") as file:
+            return file.read().splitlines()
+
+    def test_problem_matcher(self):
+        task = json.loads(sample("docs/editors.md", "json", "problemMatcher"))["tasks"][0]
+        matcher = task["problemMatcher"]["pattern"]
+        rows = [re.search(matcher["regexp"], line) for line in self.findings()]
+        self.assertTrue(rows and all(rows))
+        places = [tuple(row[matcher[field]] for field in ("file", "line", "severity", "code")) for row in rows]
+        self.assertIn((self.path("src/list.c"), "3", "error", "arrayIndexOutOfBounds"), places)
+
+    def test_vim_error_format(self):
+        lines = self.findings()
+        commands = sample("docs/editors.md", "vim", "errorformat").splitlines()
+        listing = "call writefile(map(getqflist(), 'bufname(v:val.bufnr) . v:val.lnum . v:val.type'), 'read')"
+        words = [word for command in [*commands, listing] for word in ("-c", command)]
+        self.run_in_project(["vim", "-Nu", "NONE", "-es", *words, "-c", "qa!"])
+        with open(self.path("read"), encoding="utf-8") as file:
+            read_places = file.read().splitlines()
+        self.assertEqual(len(read_places), len(lines))
+        self.assertIn(self.path("src/list.c") + "3e", read_places)
 
 
 if __name__ == "__main__":
