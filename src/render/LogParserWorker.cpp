@@ -1,13 +1,13 @@
 #include "render/LogParserWorker.h"
 
 #include "platform/Console.h"
-#include "render/NoticeFilter.h"
 #include "report/DocumentationLink.h"
 #include "report/DuplicateFilter.h"
 #include "report/Exceptions.h"
 #include "report/ReportPass.h"
 #include "report/SourceRootTransformer.h"
 #include "report/WholeFile.h"
+#include "suppress/NoticeFilter.h"
 #include "suppress/SuppressBaseFilter.h"
 
 #include <algorithm>

@@ -6,6 +6,7 @@
 #include "report/FinishedReport.h"
 #include "report/ReportPass.h"
 #include "report/WholeFile.h"
+#include "suppress/NoticeFilter.h"
 #include "suppress/SuppressBaseFilter.h"
 
 #include <cstddef>
@@ -55,11 +56,13 @@ void FilterWorker::Run() {
         // A document made from lines: a copied one brings its own members along.
         output.AddMember("version", "1");
     }
-    SuppressBaseFilter filter(&output, &base);
+    // The report may have been filtered by such a base before.
+    NoticeFilter notices(&output);
+    SuppressBaseFilter filter(&notices, &base);
     // The notice of an outdated base comes first, before the first message.
     filter.Begin();
     const auto takeMessage = [&](const ReportMessage& message, std::string_view text) {
-        if (!filter.Accept(message)) {
+        if (!filter.Accept(message) || !notices.Accept(message)) {
             return;
         }
         if (isSameKind) {

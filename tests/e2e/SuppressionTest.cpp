@@ -191,6 +191,8 @@ TEST_F(SuppressionTest, ReportOfAnOutdatedBaseBeginsWithANotice) {
     EXPECT_EQ(findings[0].file, " ");
     EXPECT_EQ(findings[1].code, "V501");
     EXPECT_TRUE(result.Says("Findings: 2 high, 0 medium, 0 low; 0 more are hidden")) << result;
+    EXPECT_EQ(sandbox.Run({"filter-suppressed", "report.json", "-s", "old.json"}).exitCode, 0);
+    EXPECT_EQ(Report(), findings) << "once is enough, however often the report is filtered";
 }
 
 TEST_F(SuppressionTest, SourceRootLeavesThePathsOfTheReport) {

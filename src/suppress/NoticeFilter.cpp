@@ -1,4 +1,4 @@
-#include "render/NoticeFilter.h"
+#include "suppress/NoticeFilter.h"
 
 #include "report/DocumentationLink.h"
 #include "suppress/SuppressBase.h"
