@@ -274,7 +274,9 @@ void ReadDependencyInfo(std::istream& input, const std::function<void(const Depe
     }
 }
 
-DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path), text_("[") {}
+DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path) {
+    file_.Append("[");
+}
 
 void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string> arguments, const PathTable& paths,
                                std::span<const FileNumber> listed, std::span<const FileNumber> added) {
@@ -282,7 +284,7 @@ void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string>
     for (std::size_t place = pathTexts_.size(); place < paths.Size(); ++place) {
         AppendJsonString(pathTexts_.emplace_back(), paths.Reported(static_cast<FileNumber>(place)));
     }
-    text_ += std::exchange(isFirst_, false) ? "\n{" : ",\n{";
+    text_ = std::exchange(isFirst_, false) ? "\n{" : ",\n{";
     if (!added.empty()) {
         AppendList("\"added\":[", added);
         text_ += "],";
@@ -300,11 +302,7 @@ void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string>
     text_ += "],\"id\":";
     AppendJsonString(text_, id);
     text_ += '}';
-    // Large enough for calls of the system not to count, and all that is ever held of the file.
-    constexpr std::size_t BlockSize = std::size_t{64} << 10U;
-    if (text_.size() >= BlockSize) {
-        WriteText();
-    }
+    file_.Append(text_);
 }
 
 void DependencyInfoWriter::AppendList(std::string_view opening, std::span<const FileNumber> files) {
@@ -318,15 +316,8 @@ void DependencyInfoWriter::AppendList(std::string_view opening, std::span<const 
 }
 
 ContentFingerprint DependencyInfoWriter::Finish() {
-    text_ += "\n]\n";
-    WriteText();
-    return content_.Value();
-}
-
-void DependencyInfoWriter::WriteText() {
-    file_.Append(text_);
-    content_.Add(text_);
-    text_.clear();
+    file_.Append("\n]\n");
+    return file_.Content();
 }
 
 } // namespace Orvanta

@@ -292,28 +292,10 @@ bool FileVersions::HasLearned() const {
     return hasLearned_;
 }
 
-// What no unit names any more is left behind here, so that neither the tables nor the looks at files grow for ever.
-void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions) {
-    constexpr FileNumber NoFile{0xFFFFFFFFU};
-    const Lock lock(mutex_);
-    std::vector<VersionNumber> newVersions(versions_.size(), None);
-    std::vector<FileNumber> newFiles(paths_.Size(), NoFile);
-    for (VersionNumber& version : lists) {
-        VersionNumber& newVersion = newVersions[PlaceOf(version)];
-        if (newVersion == None) {
-            FileVersion copy = At(version, lock);
-            FileNumber& newFile = newFiles[PlaceOf(copy.file)];
-            if (newFile == NoFile) {
-                newFile = paths.AddNew(paths_.Path(copy.file), paths_.DirectorySize(copy.file));
-            }
-            copy.file = newFile;
-            // In the order in which the lists name them, so that the next run meets them one behind the other.
-            newVersion = static_cast<VersionNumber>(versions.size());
-            versions.push_back(copy);
-        }
-        version = newVersion;
-    }
+FileVersions::Held FileVersions::HoldToSave() {
+    std::unique_lock lock(mutex_);
     hasLearned_ = false;
+    return {std::move(lock), paths_, versions_};
 }
 
 std::string FileVersions::PathOf(FileNumber file) const {

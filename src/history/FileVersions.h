@@ -83,8 +83,15 @@ public:
     /// Whether more is known of a version than was adopted: worth saving.
     [[nodiscard]] bool HasLearned() const;
 
-    /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
-    void CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions);
+    /// The tables, which nobody changes as long as it lives.
+    struct Held {
+        std::unique_lock<std::mutex> lock;
+        const PathTable& paths;
+        std::span<const FileVersion> versions; ///< by number
+    };
+
+    /// Gives the tables out to be saved: what was learned so far counts as saved.
+    [[nodiscard]] Held HoldToSave();
 
     /// The path of the file, absolute, as it is looked up on disk.
     [[nodiscard]] std::string PathOf(FileNumber file) const;

@@ -212,23 +212,6 @@ void HistoryRecord::DropOthers(const std::function<bool(std::size_t unit)>& isGo
     }
 }
 
-HistoryData HistoryRecord::Copy(std::vector<std::size_t>& units) const {
-    HistoryData history;
-    for (std::size_t unit = 0; unit < Size(); ++unit) {
-        KnownUnit row = units_[unit];
-        // Of such a unit nothing is known that a run could use.
-        if (row.hasList == 0 && row.leftOutWith == Fingerprint{}) {
-            continue;
-        }
-        const std::span<const VersionNumber> list = ListOf(unit);
-        row.listBegin = history.lists.size();
-        history.lists.insert(history.lists.end(), list.begin(), list.end());
-        history.units.push_back(row);
-        units.push_back(unit);
-    }
-    return history;
-}
-
 std::pair<std::string_view, std::uint32_t> SplitId(std::string_view id) {
     const std::size_t opening = id.rfind(" (");
     std::uint32_t namesake = 0;

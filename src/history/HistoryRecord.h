@@ -104,9 +104,6 @@ public:
     /// Drops the units that are not of this run and for which `isGone` holds.
     void DropOthers(const std::function<bool(std::size_t unit)>& isGone);
 
-    /// The rows worth keeping and their lists, without what no unit needs any more. `units` are their places here.
-    [[nodiscard]] HistoryData Copy(std::vector<std::size_t>& units) const;
-
     /// Whether the dependency information on disk lacks something.
     bool isInfoBehind = false;
 
