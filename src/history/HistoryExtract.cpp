@@ -9,9 +9,9 @@ constexpr FileNumber NoPath{0xFFFFFFFFU};
 
 } // namespace
 
-HistoryExtract::HistoryExtract(const HistoryRecord& record, const FileVersions::Held& files)
-    : record_(record), files_(files), newVersions_(files.versions.size(), NoVersion),
-      newPaths_(files.paths.Size(), NoPath) {
+HistoryExtract::HistoryExtract(const HistoryRecord& record, const VersionTable& files)
+    : record_(record), files_(files), newVersions_(files.Versions().size(), NoVersion),
+      newPaths_(files.Paths().Size(), NoPath) {
     for (std::size_t unit = 0; unit < record.Size(); ++unit) {
         // Of the others nothing is known that a run could use.
         if (record[unit].hasList != 0 || record[unit].leftOutWith != Fingerprint{}) {
@@ -29,7 +29,7 @@ void HistoryExtract::Number(VersionNumber version) {
     }
     newVersions_[PlaceOf(version)] = static_cast<VersionNumber>(versions_.size());
     versions_.push_back(version);
-    const FileNumber file = files_.versions[PlaceOf(version)].file;
+    const FileNumber file = files_[version].file;
     if (newPaths_[PlaceOf(file)] == NoPath) {
         newPaths_[PlaceOf(file)] = static_cast<FileNumber>(paths_.size());
         paths_.push_back(file);
@@ -39,7 +39,7 @@ void HistoryExtract::Number(VersionNumber version) {
 HistoryCounts HistoryExtract::Counts() const {
     HistoryCounts counts;
     for (const FileNumber file : paths_) {
-        counts.textSize += files_.paths.Path(file).size();
+        counts.textSize += files_.Paths().Path(file).size();
     }
     for (const std::size_t unit : units_) {
         counts.lists += record_[unit].ListSize();
@@ -52,16 +52,16 @@ HistoryCounts HistoryExtract::Counts() const {
 
 void HistoryExtract::WriteTo(HistoryFileWriter& writer) const {
     for (const FileNumber file : paths_) {
-        writer.AddText(files_.paths.Path(file));
+        writer.AddText(files_.Paths().Path(file));
     }
     PathTable::Entry entry;
     for (const FileNumber file : paths_) {
-        entry.end += files_.paths.Path(file).size();
-        entry.directorySize = files_.paths.DirectorySize(file);
+        entry.end += files_.Paths().Path(file).size();
+        entry.directorySize = files_.Paths().DirectorySize(file);
         writer.AddRow(entry);
     }
     for (const VersionNumber number : versions_) {
-        FileVersion version = files_.versions[PlaceOf(number)];
+        FileVersion version = files_[number];
         version.file = newPaths_[PlaceOf(version.file)];
         writer.AddRow(version);
     }

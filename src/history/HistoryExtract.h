@@ -1,9 +1,9 @@
 #pragma once
 
-#include "history/FileVersions.h"
 #include "history/HistoryFile.h"
 #include "history/HistoryRecord.h"
 #include "history/Numbers.h"
+#include "history/VersionTable.h"
 
 #include <cstddef>
 #include <span>
@@ -18,7 +18,7 @@ namespace Orvanta {
 /// what is the better part of a run's memory. So nothing of both may change as long as this lives.
 class HistoryExtract {
 public:
-    HistoryExtract(const HistoryRecord& record, const FileVersions::Held& files);
+    HistoryExtract(const HistoryRecord& record, const VersionTable& files);
 
     /// The units, by their places in the record.
     [[nodiscard]] std::span<const std::size_t> Units() const noexcept { return units_; }
@@ -33,7 +33,7 @@ private:
     void Number(VersionNumber version);
 
     const HistoryRecord& record_;
-    const FileVersions::Held& files_;
+    const VersionTable& files_;
     std::vector<std::size_t> units_;
     // In the order in which the lists name them, so that the next run meets them one behind the other.
     std::vector<VersionNumber> versions_;    // by new number

@@ -81,10 +81,14 @@ UnitHistory::ReadResult HistoryState::ReadLists() {
 /// Forgets the units of other runs whose source is gone: nothing else says that they will not be back. Those without a
 /// list are not worth keeping.
 void HistoryState::DropGoneUnits() {
+    const auto isFileGone = [this](FileNumber file) {
+        // Asked once more: no stamp can also mean that a folder stands there, or that it can't be told.
+        return !files.StampOfFile(file) && LookAt(files.PathOf(file)).kind == PathKind::Nothing;
+    };
     std::vector<bool> isGone;
     for (std::size_t unit = record.RunSize(); unit < record.Size(); ++unit) {
         const std::span<const VersionNumber> list = record.ListOf(unit);
-        isGone.push_back(list.empty() || files.IsGone(files.FileOf(list[record[unit].sourcePlace])));
+        isGone.push_back(list.empty() || isFileGone(files.FileOf(list[record[unit].sourcePlace])));
     }
     const Lock lock(mutex);
     const std::size_t first = record.RunSize();
@@ -92,22 +96,22 @@ void HistoryState::DropGoneUnits() {
 }
 
 void HistoryState::FillInfo(DependencyInfoWriter& writer, std::span<const std::size_t> units,
-                            const FileVersions::Held& held) const {
+                            const VersionTable& known) const {
     std::vector<FileNumber> named;
     const auto add = [&](std::size_t unit, const std::string& id, std::span<const std::string> arguments) {
         named.clear();
         for (const VersionNumber version : record.NamedOf(unit)) {
-            named.push_back(held.versions[PlaceOf(version)].file);
+            named.push_back(known[version].file);
         }
         const std::span<const FileNumber> all = named;
-        writer.Add(id, arguments, held.paths, all.first(record[unit].named), all.subspan(record[unit].named));
+        writer.Add(id, arguments, known.Paths(), all.first(record[unit].named), all.subspan(record[unit].named));
     };
     std::unordered_set<std::size_t> others;
     for (const std::size_t unit : units) {
         if (unit >= record.RunSize()) {
             others.insert(unit);
         } else if (record[unit].hasList != 0) {
-            add(unit, record.IdOf(unit), commands[unit].arguments.ToVector());
+            add(unit, JoinId(identities[unit].id, record[unit].namesake), commands[unit].arguments.ToVector());
         }
     }
     if (others.empty() || !folder.HasInfo()) {
@@ -142,13 +146,13 @@ void HistoryState::Write(bool isLast, const Lock&) {
         writing = HistoryFolder::InfoWriting::StandsBehind;
     }
     const FileVersions::Held held = files.HoldToSave();
-    const HistoryExtract extract(record, held);
+    const HistoryExtract extract(record, held.table);
     HistoryHead head;
     head.findingsNumber = findings->Number();
     head.findingsEnd = findings->End();
     folder.Write({head, extract.Counts(), [&](HistoryFileWriter& writer) { extract.WriteTo(writer); },
                   [&](DependencyInfoWriter& writer) {
-                      FillInfo(writer, extract.Units(), held);
+                      FillInfo(writer, extract.Units(), held.table);
                   }},
                  writing);
     record.isDirty = false;

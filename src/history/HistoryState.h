@@ -65,8 +65,7 @@ private:
     /// Writes all; a worker that needs the lock waits.
     void Write(bool isLast, const Lock& lock);
     /// Adds an entry for each unit that has a list.
-    void FillInfo(DependencyInfoWriter& writer, std::span<const std::size_t> units,
-                  const FileVersions::Held& held) const;
+    void FillInfo(DependencyInfoWriter& writer, std::span<const std::size_t> units, const VersionTable& known) const;
 
     std::mutex saving_;                          // one at a time; taken before `mutex`
     Clock::time_point lastSaved_ = Clock::now(); // guarded by saving_
