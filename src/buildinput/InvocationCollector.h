@@ -4,7 +4,6 @@
 #include "buildinput/InvocationReader.h"
 #include "buildinput/SharedRecords.h"
 #include "compilers/CompilerIdentifier.h"
-#include "compilers/CompilerRegistry.h"
 #include "platform/Log.h"
 #include "settings/RunSettings.h"
 
@@ -21,6 +20,8 @@
 // unit is little more than its packed words.
 
 namespace Orvanta {
+
+class CompilerRegistry;
 
 /// Why an invocation gives no unit.
 struct InvocationRefusal {

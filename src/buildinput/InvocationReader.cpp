@@ -2,6 +2,9 @@
 
 #include "buildinput/CompilerVariables.h"
 #include "buildinput/OptionFile.h"
+#include "compilers/CommandLineReader.h"
+#include "compilers/Compiler.h"
+#include "compilers/CompilerInfo.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "buildinput/CompileCommand.h"
 #include "buildinput/ResponseFile.h"
-#include "compilers/CommandLineReader.h"
-#include "compilers/Compiler.h"
+#include "platform/Environment.h"
 #include "platform/Log.h"
 #include "settings/RunSettings.h"
 
@@ -13,6 +11,10 @@
 #include <vector>
 
 namespace Orvanta {
+
+class Compiler;
+struct CompilerInfo;
+struct InvocationOutline;
 
 /// Reads commands whose compiler is known: puts in place what stands elsewhere, and tells what they do. Looks at the
 /// disk where only that can tell. One thread at a time.

@@ -1,5 +1,7 @@
 #include "buildinput/SharedRecords.h"
 
+#include "compilers/Compiler.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
 

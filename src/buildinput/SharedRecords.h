@@ -1,8 +1,6 @@
 #pragma once
 
-#include "compilers/Compiler.h"
 #include "compilers/CompilerInfo.h"
-#include "compilers/CompilerRegistry.h"
 #include "platform/Environment.h"
 
 #include <map>
@@ -13,6 +11,9 @@
 #include <vector>
 
 namespace Orvanta {
+
+class Compiler;
+class CompilerRegistry;
 
 /// A working directory as written, and where it is.
 struct SharedDirectory {

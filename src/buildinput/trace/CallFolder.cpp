@@ -1,7 +1,10 @@
 #include "buildinput/trace/CallFolder.h"
 
 #include "buildinput/ProgramName.h"
+#include "buildinput/trace/InvocationQueue.h"
+#include "buildinput/trace/ProcessTree.h"
 #include "buildinput/trace/TraceText.h"
+#include "buildinput/trace/TraceWarnings.h"
 #include "platform/Paths.h"
 
 #include <memory>

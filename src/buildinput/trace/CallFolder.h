@@ -1,11 +1,8 @@
 #pragma once
 
-#include "buildinput/trace/InvocationQueue.h"
-#include "buildinput/trace/ProcessTree.h"
 #include "buildinput/trace/TraceCommand.h"
 #include "buildinput/trace/TraceEnvironment.h"
 #include "buildinput/trace/TraceProcess.h"
-#include "buildinput/trace/TraceWarnings.h"
 #include "buildinput/trace/TracedCall.h"
 #include "settings/RunSettings.h"
 
@@ -16,6 +13,10 @@
 #include <string_view>
 
 namespace Orvanta {
+
+class InvocationQueue;
+class ProcessTree;
+class TraceWarnings;
 
 /// A call behind its name, and the lines of the trace in which it began and ended.
 struct CallText {
