@@ -1,5 +1,6 @@
 #include "buildinput/trace/TraceText.h"
 
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -45,12 +46,8 @@ char TakeEscape(std::string_view& text) {
     if (letter == 'x') {
         return TakeCode(text, HexadecimalDigits, 16).value_or('x');
     }
-    for (const Escape& escape : Escapes) {
-        if (escape.letter == letter) {
-            return escape.character;
-        }
-    }
-    return letter;
+    const Escape* const escape = FindRow(Escapes, &Escape::letter, letter);
+    return escape != nullptr ? escape->character : letter;
 }
 
 /// Copies stretches without a backslash as a whole: most texts are one.
