@@ -16,16 +16,16 @@ constexpr VersionNumber None = VersionTable::None;
 // for it for ever. A file that never holds still stays unknown.
 void ReadContent(FileLook& look, const std::string& path) {
     constexpr int MostAttempts = 3;
-    for (int attempt = 0; attempt < MostAttempts && look.stamp; ++attempt) {
+    for (int attempt = 0; attempt < MostAttempts && look.file.stamp; ++attempt) {
         const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
         const std::optional<FileStamp> after = StampOf(path);
-        if (content && after == look.stamp && content->size == after->size) {
+        if (content && after == look.file.stamp && content->size == after->size) {
             look.content = content->bytes;
             look.isRead = true;
             return;
         }
         look.moment = std::chrono::steady_clock::now();
-        look.stamp = StampOf(path);
+        look.file = AskForStamp(path);
     }
 }
 
@@ -88,28 +88,28 @@ void FileVersions::Look(FileNumber number, File& file) {
         const Lock lock(mutex_);
         path = table_.Paths().Path(number);
     }
-    file.look.stamp = StampOf(path);
+    file.look.file = AskForStamp(path);
     {
         const Lock lock(mutex_);
         FindCurrent(number, file, lock);
         // Known by its stamp, as nearly all are, or not there: nothing is read.
-        if (file.current != None || !file.look.stamp) {
+        if (file.current != None || !file.look.file.stamp) {
             return;
         }
     }
     ReadContent(file.look, path);
     // By the moment of the look: what is younger than that could still change within the same tick.
-    const bool isProven = file.look.isRead && clock_.IsOlder(*file.look.stamp, file.look.moment);
+    const bool isProven = file.look.isRead && clock_.IsOlder(*file.look.file.stamp, file.look.moment);
     const Lock lock(mutex_);
     for (VersionNumber version = table_.First(number); file.look.isRead && version != None;
          version = table_.Next(version)) {
         FileVersion& known = table_[version];
         // The same content under a new stamp, such as that of a checkout: the version takes the new stamp over.
         if ((known.sight == Sight::Young || known.sight == Sight::Proven) && known.content == file.look.content &&
-            known.stamp.size == file.look.stamp->size) {
+            known.stamp.size == file.look.file.stamp->size) {
             const Sight sight = isProven ? Sight::Proven : Sight::Young;
-            hasLearned_ = hasLearned_ || known.stamp != *file.look.stamp || known.sight != sight;
-            known.stamp = *file.look.stamp;
+            hasLearned_ = hasLearned_ || known.stamp != *file.look.file.stamp || known.sight != sight;
+            known.stamp = *file.look.file.stamp;
             known.sight = sight;
             file.current = version;
         }
@@ -118,12 +118,12 @@ void FileVersions::Look(FileNumber number, File& file) {
 
 // The version that the stamp alone tells.
 void FileVersions::FindCurrent(FileNumber number, File& file, const Lock&) {
-    if (!file.look.stamp) {
-        file.current = table_.Find(number, Sight::NotThere);
+    if (!file.look.file.stamp) {
+        file.current = file.look.file.isTold ? table_.Find(number, Sight::NotThere) : None;
         return;
     }
     for (VersionNumber version = table_.First(number); version != None; version = table_.Next(version)) {
-        if (table_[version].sight == Sight::Proven && table_[version].stamp == *file.look.stamp) {
+        if (table_[version].sight == Sight::Proven && table_[version].stamp == *file.look.file.stamp) {
             file.current = version;
         }
     }
@@ -142,10 +142,10 @@ bool FileVersions::IsTold(const File& file, Moment begin, const Lock&) {
         return false;
     }
     const bool isEarly = file.look.moment <= begin;
-    if (!file.look.stamp) {
-        return isEarly; // it may have been there later, for a while of which nobody can tell
+    if (!file.look.file.stamp) {
+        return isEarly && file.look.file.isTold; // it may have been there later, for a while of which nobody can tell
     }
-    return (file.current != None || file.look.isRead) && (isEarly || clock_.IsOlder(*file.look.stamp, begin));
+    return (file.current != None || file.look.isRead) && (isEarly || clock_.IsOlder(*file.look.file.stamp, begin));
 }
 
 VersionNumber FileVersions::VersionSeenBy(FileNumber number, Moment begin, WhenAbsent whenAbsent) {
@@ -154,16 +154,16 @@ VersionNumber FileVersions::VersionSeenBy(FileNumber number, Moment begin, WhenA
     const Lock lock(mutex_);
     // From now on DoubtChanged looks after it.
     file.isGivenOut = true;
-    if (!IsTold(file, begin, lock) || (!file.look.stamp && whenAbsent == WhenAbsent::Doubt)) {
+    if (!IsTold(file, begin, lock) || (!file.look.file.stamp && whenAbsent == WhenAbsent::Doubt)) {
         return table_.FindOrAdd(number, Sight::Unseen);
     }
-    if (!file.look.stamp) {
+    if (!file.look.file.stamp) {
         // Absence is a version as well: the unit is made anew when a file turns up there.
         file.current = table_.FindOrAdd(number, Sight::NotThere);
     } else if (file.current == None) {
-        const bool isProven = clock_.IsOlder(*file.look.stamp, file.look.moment);
-        file.current =
-            table_.AddVersion({number, isProven ? Sight::Proven : Sight::Young, *file.look.stamp, file.look.content});
+        const bool isProven = clock_.IsOlder(*file.look.file.stamp, file.look.moment);
+        file.current = table_.AddVersion(
+            {number, isProven ? Sight::Proven : Sight::Young, *file.look.file.stamp, file.look.content});
     }
     return file.current;
 }
@@ -172,7 +172,7 @@ bool FileVersions::IsTooNewFor(FileNumber number, Moment begin) {
     const File& file = Looked(number);
     clock_.Read(); // not under the lock
     const Lock lock(mutex_);
-    return file.look.stamp && !file.isDoubted && !IsTold(file, begin, lock);
+    return file.look.file.stamp && !file.isDoubted && !IsTold(file, begin, lock);
 }
 
 bool FileVersions::IsCurrent(VersionNumber version) {
@@ -188,7 +188,7 @@ FileNumber FileVersions::FileOf(VersionNumber version) const {
 }
 
 std::optional<FileStamp> FileVersions::StampOfFile(FileNumber file) {
-    return Looked(file).look.stamp;
+    return Looked(file).look.file.stamp;
 }
 
 // Between the look at a file and the end of a unit, somebody may have changed it, and changed it back. What is the same
@@ -204,7 +204,7 @@ void FileVersions::DoubtChanged() {
         }
         file.isDoubted = true;
         // The version itself is taken back, and with it the lists of all units that name it already.
-        const VersionNumber doubted = file.look.stamp ? file.current : table_.Find(number, Sight::NotThere);
+        const VersionNumber doubted = file.look.file.stamp ? file.current : table_.Find(number, Sight::NotThere);
         if (doubted != None) {
             table_[doubted] = {number, Sight::Unseen, {}, {}};
             hasLearned_ = true;
@@ -214,7 +214,7 @@ void FileVersions::DoubtChanged() {
 
 // Whether the file is not as it was when it was looked at.
 bool FileVersions::HasChangedSince(const File& file, const std::string& path, const Lock&) {
-    if (StampOf(path) != file.look.stamp) {
+    if (AskForStamp(path) != file.look.file) {
         return true;
     }
     // A stamp that proves nothing leaves the content to be compared.

@@ -40,9 +40,9 @@ private:
 /// What a look at a file has told.
 struct FileLook {
     std::chrono::steady_clock::time_point moment; ///< before the look: what happens in between counts as later
-    std::optional<FileStamp> stamp;               ///< absent: no file
-    Fingerprint content;                          ///< when it was read
-    bool isRead = false;                          ///< whether that was possible
+    StampAnswer file;
+    Fingerprint content; ///< when it was read
+    bool isRead = false; ///< whether that was possible
 };
 
 /// The files that units are made of, in all versions that some unit saw. Each file is looked up on disk once in a run,
