@@ -78,6 +78,10 @@ TEST(HistoryFaults, IsOfUseWheneverTheRunIsKilled) {
                 EXPECT_EQ(next->KeptFindings(unit), unit == 0 ? "new in a.c\n" : "new in b.c\n") << row.name;
             }
         }
+        if (row.unchanged == Both) {
+            next->Save(); // makes up for a file that was not replaced
+            EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json"), after.at("depend_info.json")) << row.name;
+        }
     }
 }
 
@@ -167,6 +171,22 @@ TEST(HistoryFaults, DamageCostsTheUnitsConcernedAndALine) {
             EXPECT_EQ(build.told, None);
         }
     }
+}
+
+// The unit has run and found something else: what it had found before is no result any more.
+TEST(HistoryFaults, KeepsNoOldFindingsWhereNewOnesCanNotBeWritten) {
+    const HistoryBuild build(Both);
+    const fs::path findings = NativePath(build.folder / ".Orvanta/findings-1");
+    {
+        const auto history = build.Read();
+        fs::rename(findings, NativePath(build.folder / "kept"));
+        fs::create_directory(findings);
+        build.Run(*history, 0, "something else\n");
+        history->Save();
+    }
+    fs::remove(findings);
+    fs::rename(NativePath(build.folder / "kept"), findings);
+    EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"});
 }
 
 // A full disk, a missing right, or something else in the place of the folder.

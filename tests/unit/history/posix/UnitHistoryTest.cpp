@@ -24,6 +24,17 @@ TEST(UnitHistory, DoesNotTakeWhatCanNotBeToldForAbsent) {
     std::filesystem::create_symlink("specs", build.folder / "specs");
     EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"}) << "it may be there now";
     EXPECT_EQ(run(), Names{"b.c"});
+    std::filesystem::remove(build.folder / "specs");
+    EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"}) << "the unit ran while it could not be told";
+}
+
+// What a file is counts, not how it is called.
+TEST(UnitHistory, FindsAFileByAnyOfItsNames) {
+    const HistoryBuild build(Both);
+    std::filesystem::create_hard_link(build.folder / "own.h", build.folder / "name.h");
+    std::vector<bool> found;
+    EXPECT_EQ(build.Read()->UnitsMadeOf(Names{build.folder / "name.h"}, found), (std::vector{false, true}));
+    EXPECT_EQ(found, std::vector{true});
 }
 
 } // namespace
