@@ -17,9 +17,6 @@ namespace fs = std::filesystem;
 
 using ReadResult = UnitHistory::ReadResult;
 
-const Names Both = {"a.c", "b.c"};
-const Names None;
-
 /// The files of a history as they stood at one moment.
 using Kept = std::map<std::string, std::string>;
 

@@ -1,6 +1,7 @@
 #include "history/UnitHistory.h"
 
 #include "HistoryBuild.h"
+#include "history/FileVersions.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using ReadResult = UnitHistory::ReadResult;
-
-const Names Both = {"a.c", "b.c"};
-const Names None;
 
 TEST(UnitHistory, KnowsWhatTheLastRunSawAndFound) {
     const HistoryBuild build(Both);
@@ -230,6 +228,19 @@ TEST(UnitHistory, DoubtsTheAbsenceOfWhatWasThereDuringTheRun) {
     late.Keep(build.DependenciesOf(1), "of b.c");
     history->Save();
     EXPECT_EQ(build.Unchanged(*build.Read()), None);
+}
+
+// One with a time to come could be written again and look the same.
+TEST(FileVersions, AreNotProvenByAStampThatCouldBeGivenOnceMore) {
+    const TestFolder folder;
+    const std::string path = folder.Write("file", "text");
+    fs::last_write_time(NativePath(path), fs::file_time_type::clock::now() + std::chrono::hours(1));
+    FileVersions files(folder.Path());
+    const FileNumber file = files.NumberOf(path, "");
+    files.LookAt(file);
+    const VersionNumber version =
+        files.VersionSeenBy(file, std::chrono::steady_clock::now(), FileVersions::WhenAbsent::Doubt);
+    EXPECT_EQ(files.HoldToSave().table[version].sight, Sight::Young);
 }
 
 TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {

@@ -7,8 +7,6 @@
 namespace Orvanta {
 namespace {
 
-const Names Both = {"a.c", "b.c"};
-
 // A path of which the system can't tell what is there, as one behind a circle of links, is no path where nothing is:
 // what the unit saw there is not known.
 TEST(UnitHistory, DoesNotTakeWhatCanNotBeToldForAbsent) {
