@@ -38,14 +38,15 @@ CompileCommand CommandOf(Words flags, const std::string& source, Environment var
 class UnitPlanning : public testing::Test {
 protected:
     UnitPlan Plan(const CompileCommand& command, std::size_t unit = 0) {
-        return UnitPlanner(settings, registry, places, log, stop).Plan(command, unit, IntermodularAnalysisMode::None);
+        return UnitPlanner(settings_, registry_, places_, log_, stop_)
+            .Plan(command, unit, IntermodularAnalysisMode::None);
     }
 
-    RunSettings settings;
-    CompilerRegistry registry;
-    RunPlaces places = {HostPath("/core"), "", HostPath("/units"), HostPath("/temporary"), HostPath("/out")};
-    Log log;
-    StopFlag stop;
+    RunSettings settings_;
+    CompilerRegistry registry_;
+    RunPlaces places_ = {HostPath("/core"), "", HostPath("/units"), HostPath("/temporary"), HostPath("/out")};
+    Log log_;
+    StopFlag stop_;
 };
 
 struct VerdictCase {
@@ -67,9 +68,9 @@ const VerdictCase VerdictCases[] = {
 
 TEST_F(UnitPlanning, LeavesOutWhatTheUserOrAFolderOfTheSystemExcludes) {
     for (const VerdictCase& row : VerdictCases) {
-        settings = RunSettings();
-        settings.exclusions.Add(HostPath(row.excluded));
-        settings.analyzeSystemPaths = row.analyzesSystemPaths;
+        settings_ = RunSettings();
+        settings_.exclusions.Add(HostPath(row.excluded));
+        settings_.analyzeSystemPaths = row.analyzesSystemPaths;
         const CompileCommand command = CommandOf({"-isystem", HostPath(row.systemFolder)}, HostPath("/p/sys/a.c"));
         EXPECT_EQ(Plan(command).verdict, row.verdict) << row.systemFolder << " " << row.excluded;
     }
@@ -86,7 +87,7 @@ std::string ValueIn(const EnvironmentBlock& block, const std::string& name) {
 }
 
 TEST_F(UnitPlanning, LaysTheRunsVariablesOverTheInvocationsAndThoseOverTheDriversOwn) {
-    settings.environmentChanges = {{"RUN", "run"}, {"SUNPRO_DEPENDENCIES", "f"}};
+    settings_.environmentChanges = {{"RUN", "run"}, {"SUNPRO_DEPENDENCIES", "f"}};
     CompileCommand command = CommandOf({}, "a.c", {{"RUN", "build"}, {"BUILD", "build"}, {"DEPENDENCIES_OUTPUT", "f"}});
     const UnitPlan changed = Plan(command);
     EXPECT_EQ(ValueIn(*changed.environment, "RUN"), "run");
@@ -106,7 +107,7 @@ TEST_F(UnitPlanning, LaysTheRunsVariablesOverTheInvocationsAndThoseOverTheDriver
 }
 
 TEST_F(UnitPlanning, RunsTheIdentifiedProgramWithTheBuildsFoldersInFrontOfTheUsers) {
-    settings.extraIncludes = {HostPath("/user")};
+    settings_.extraIncludes = {HostPath("/user")};
     const UnitPlan plan = Plan(CommandOf({"-Ibuild", "-DX"}, "a.c"));
     EXPECT_EQ(plan.preprocessing.front(), HostPath("/usr/bin/gcc"));
     EXPECT_EQ(plan.parsed.userIncludes, (Words{"build", HostPath("/user")}));
@@ -119,7 +120,7 @@ TEST_F(UnitPlanning, RunsTheIdentifiedProgramWithTheBuildsFoldersInFrontOfTheUse
 
 TEST_F(UnitPlanning, TellsTheCoreTheStatedStandardUnlessTheUserHasNamedOne) {
     EXPECT_EQ(Plan(CommandOf({}, "a.c")).settings.find("std")->second, "c11");
-    settings.userSettings.emplace("std", "c99");
+    settings_.userSettings.emplace("std", "c99");
     EXPECT_EQ(Plan(CommandOf({}, "a.c")).settings.find("std")->second, "c99");
 }
 
