@@ -2,6 +2,7 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
+#include "platform/Table.h"
 
 namespace Orvanta {
 
@@ -65,10 +66,8 @@ IntermodularStage ReadIntermodularStage(const SettingsMap& settings, const std::
     if (!word) {
         return IntermodularStage::None;
     }
-    for (const StageWord& row : StageWords) {
-        if (row.word == *word) {
-            return row.stage;
-        }
+    if (const StageWord* const row = FindRow(StageWords, &StageWord::word, *word)) {
+        return row->stage;
     }
     Fail(settingsPath,
          R"("intermodular" is ")" + *word + R"(", but "first-run", "merge-info" or "second-run" is )" + "expected");

@@ -20,7 +20,7 @@ void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
     // Before any settings are read: this task has none.
     if (options.task == Orvanta::CoreTask::TellVersion) {
-        Orvanta::WriteToStandardOutput(Orvanta::CppcheckVersion(currentDirectory) + "\n");
+        Orvanta::WriteResultToStandardOutput(Orvanta::CppcheckVersion(currentDirectory) + "\n");
         return;
     }
     const Orvanta::SettingsMap settings = Orvanta::ReadSettingsFile(options.settingsPath);
@@ -35,7 +35,7 @@ void Run(const Orvanta::CoreOptions& options) {
     case Orvanta::CoreTask::TellVersion:
         break;
     case Orvanta::CoreTask::ListDependencies:
-        Orvanta::WriteToStandardOutput(Orvanta::DependencyLines(unit, currentDirectory));
+        Orvanta::WriteResultToStandardOutput(Orvanta::DependencyLines(unit, currentDirectory));
         break;
     case Orvanta::CoreTask::Analyze:
         if (unit.stage == Orvanta::IntermodularStage::Collecting) {

@@ -34,7 +34,7 @@ void StdOutProgress::Step(unsigned percent, unsigned stage, std::string_view fil
     const std::lock_guard lock(progressMutex_);
     // Workers count and report in two steps, so a lower number may come later.
     highestPercent_ = std::max(highestPercent_, percent);
-    WriteToStandardOutput(ProgressLine(highestPercent_, stage, file) + "\n");
+    WriteMessage(ProgressLine(highestPercent_, stage, file) + "\n");
 }
 
 void StdOutProgress::Finish(std::string_view summary) {

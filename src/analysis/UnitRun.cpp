@@ -29,6 +29,18 @@ std::string EnvironmentText(const EnvironmentBlock& environment) {
     return text;
 }
 
+/// Afterwards nothing is at `path` that an earlier run could have left there.
+void RequireNone(const std::string& path, const RunPlaces& places) {
+    if (places.unitFiles == SettingsFile::Lifetime::Remove) {
+        return; // the folder is new
+    }
+    RemoveFile(path);
+    // As one that another program holds open on Windows: it would be taken for this run's.
+    if (PathExists(path)) {
+        throw FileException("Can't remove", path, "it is of an earlier run");
+    }
+}
+
 // A forced include is always preprocessed from its header: a precompiled form holds no text, and may be out of date.
 void TellPrecompiledForms(const UnitPlan& plan, Log& log) {
     for (const std::string& header : plan.parsed.forcedIncludes) {
@@ -217,7 +229,7 @@ ProcessOutcome UnitRun::Preprocess() const {
         TellPrecompiledForms(plan_, context_.log);
     }
     // Or a compiler that writes nothing would have the text of an earlier run analyzed.
-    RequireNone(plan_.files.preprocessedPath);
+    RequireNone(plan_.files.preprocessedPath, context_.places);
     try {
         return RunPreprocessing(plan_.parsed, plan_.preprocessing);
     } catch (const ProcessReturnCodeException& error) {
@@ -266,7 +278,7 @@ std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen)
 
 AnalyzerStatus UnitRun::AnalyzeText() {
     // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
-    RequireNone(plan_.files.fragmentPath);
+    RequireNone(plan_.files.fragmentPath, context_.places);
     fragmentPath_ = plan_.files.fragmentPath;
     CapturedOutput output;
     const ProcessOutcome outcome = RunCore({}, output);
@@ -312,15 +324,4 @@ const std::string& UnitRun::SettingsPath() {
 }
 
 // Where the user keeps the files of units, a killed run may have left some: they are not this run's.
-void UnitRun::RequireNone(const std::string& path) const {
-    if (context_.places.unitFiles == SettingsFile::Lifetime::Remove) {
-        return; // the folder is new
-    }
-    RemoveFile(path);
-    // As one that another program holds open on Windows: it would be taken for this run's.
-    if (PathExists(path)) {
-        throw FileException("Can't remove", path, "it is of an earlier run");
-    }
-}
-
 } // namespace Orvanta

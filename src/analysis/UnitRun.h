@@ -87,8 +87,6 @@ private:
     [[nodiscard]] ProcessOutcome RunCore(const Arguments& flags, CapturedOutput& output);
     // Writes the settings file when it is first needed: a unit that can't be preprocessed needs none.
     [[nodiscard]] const std::string& SettingsPath();
-    // Afterwards nothing is at `path` that an earlier run could have left there.
-    void RequireNone(const std::string& path) const;
 
     const UnitPlan& plan_;
     const UnitRunContext& context_;

@@ -29,8 +29,22 @@ enum class RegenerateDependInfoOption {
 /// The value of --cfg that has the project's own settings file searched.
 inline constexpr const char* FindSettingsFile = "auto";
 
+/// Those options of `analyze` that the help leaves out.
+struct HiddenAnalyzeOptions {
+    std::vector<std::string> includeDirectories;
+    std::optional<std::string> compilerParameters; ///< of `sourceFile`
+    std::optional<std::string> sourceFile;
+    std::optional<std::string> dumpJson;
+    std::optional<std::string> dumpLog;
+    bool dumpFiles = false;
+    std::vector<std::string> analyzeOnly;
+    std::optional<std::string> dependencyFile;
+    bool printStdout = false;
+    std::optional<std::string> traceDirectory;
+};
+
 /// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
-struct AnalyzeOptions {
+struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> threads;
     bool incremental = false;
     std::optional<std::string> outputFile;
@@ -56,18 +70,6 @@ struct AnalyzeOptions {
     bool analyzeSystemPaths = false;
     bool intermodular = false;
     std::optional<std::string> regenerateDependInfo;
-
-    // Hidden from the help.
-    std::vector<std::string> includeDirectories;
-    std::optional<std::string> compilerParameters; ///< of `sourceFile`
-    std::optional<std::string> sourceFile;
-    std::optional<std::string> dumpJson;
-    std::optional<std::string> dumpLog;
-    bool dumpFiles = false;
-    std::vector<std::string> analyzeOnly;
-    std::optional<std::string> dependencyFile;
-    bool printStdout = false;
-    std::optional<std::string> traceDirectory;
 };
 
 /// The files that the options name to be read. Absent ones are not named; the build input has a name of its own then.

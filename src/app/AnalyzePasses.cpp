@@ -43,8 +43,7 @@ bool UsesHistory(const AnalyzeInput& input) {
 
 AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
                              const UserSide& user)
-    : input_(input), places_(places), runner_(runner), shown_(user.shown), log_(user.log), stop_(user.stop),
-      units_(PointersTo(input.commands.units)) {
+    : input_(input), places_(places), runner_(runner), user_(user), units_(PointersTo(input.commands.units)) {
     ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
 }
 
@@ -53,7 +52,7 @@ void AnalyzePasses::Run() {
         if (UsesHistory(input_)) {
             const ResultMakers makers = {places_.corePath, places_.coreVersion, Version};
             const RunHistory::Places places = {OrvantaFolder(places_.outputFolder), makers, input_.reportPath};
-            history_.emplace(input_.options, input_.settings, input_.commands.units, places, log_);
+            history_.emplace(input_.options, input_.settings, input_.commands.units, places, user_.log);
             if (input_.listedFiles && !input_.options.allowEmpty) {
                 // Before the first pass: a list that means nothing must not cost the listing of all units.
                 history_->RequireListedFile(*input_.listedFiles);
@@ -72,10 +71,10 @@ void AnalyzePasses::Run() {
 
 void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
     unsigned percent = 0;
-    for (std::size_t index = 0; index < passes.size() && !stop_.IsSet(); ++index) {
+    for (std::size_t index = 0; index < passes.size() && !user_.stop.IsSet(); ++index) {
         // May take a while, as linking does, hence the second look at the stop behind it.
         const std::optional<Actions> actions = passes[index].select();
-        if (stop_.IsSet() || !actions) {
+        if (user_.stop.IsSet() || !actions) {
             continue;
         }
         // A pass that was passed over leaves its share to those behind it.
@@ -136,17 +135,17 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
 
 std::vector<AnalyzePasses::Pass> AnalyzePasses::ListIntermodularPasses() {
     const auto collect = [this]() -> std::optional<Actions> {
-        log_.Text("Intermodular analysis stage: Collecting intermodular information.\n");
+        user_.log.Text("Intermodular analysis stage: Collecting intermodular information.\n");
         PrepareMerge(places_);
         return Actions(units_.size(), UnitAction::Run); // nothing is excluded: others may use it
     };
     const auto perform = [this]() -> std::optional<Actions> {
-        log_.Text("Intermodular analysis stage: Linking intermodular information.\n");
+        user_.log.Text("Intermodular analysis stage: Linking intermodular information.\n");
         runner_.RunMerge(units_);
-        if (stop_.IsSet()) {
+        if (user_.stop.IsSet()) {
             return std::nullopt;
         }
-        log_.Text("Intermodular analysis stage: Performing analysis.\n");
+        user_.log.Text("Intermodular analysis stage: Performing analysis.\n");
         return SelectAll(input_.commands.units, input_.settings);
     };
     // Made before the first unit is collected: what changes from here on is seen.
@@ -194,12 +193,12 @@ std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForAnalysis() {
 
 // A report that stays as it was is shown like one just made.
 void AnalyzePasses::ShowKeptReport() {
-    OrvlogConverter::SourceRootTransformer chain(&shown_, SourceTreeRoot(input_.settings));
+    OrvlogConverter::SourceRootTransformer chain(&user_.shown, SourceTreeRoot(input_.settings));
     OrvlogConverter::PassReport(input_.reportPath,
                                 {[&chain](const OrvlogConverter::ReportMessage& message, std::string_view /*text*/) {
                                     chain.Write(message);
                                 }},
-                                stop_);
+                                user_.stop);
 }
 
 // A pass whose results are for those that follow, or for later runs.
@@ -222,7 +221,7 @@ void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentR
 void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
     const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
     ending_.reportPath = input_.reportPath;
-    FindingChain chain(*report, input_.base, shown_, SourceTreeRoot(input_.settings));
+    FindingChain chain(*report, input_.base, user_.shown, SourceTreeRoot(input_.settings));
     // Committed at once: from the first moment the report holds the notice of an outdated base, if there is one.
     chain.Front().Begin();
     report->Commit();

@@ -84,9 +84,7 @@ private:
     const AnalyzeInput& input_;
     const RunPlaces& places_;
     AnalyzerRunner& runner_;
-    ShownFindings& shown_;
-    Log& log_;
-    const StopFlag& stop_;
+    UserSide user_;
     std::vector<const CompileCommand*> units_;
     std::optional<RunHistory> history_;
     std::optional<FileChanges> changes_; // of an intermodular analysis

@@ -13,7 +13,6 @@
 #include <args.hxx>
 
 #include <string>
-#include <string_view>
 
 namespace Orvanta {
 
@@ -21,11 +20,10 @@ namespace {
 
 constexpr const char* ProgramName = "orvanta-analyzer";
 constexpr const char* Description =
-    "Compiler commands monitoring and analyzer tool.\n\n"
+    "Compiler commands analyzer tool.\n\n"
     "Orvanta is a static analyzer for C and C++. This tool learns from a build how each source file is compiled, "
     "preprocesses the files with the project's own compilers, has the core analyzer look at them and gathers what it "
     "finds into one report.";
-constexpr std::string_view RemovedWords = " monitoring and";
 constexpr const char* Epilog = "\n"
                                "The OrvantaDriver utility defines several non-zero exit codes,\n"
                                "which do not necessarily indicate some issue with the operation of the\n"
@@ -37,18 +35,10 @@ constexpr const char* Epilog = "\n"
                                "  1 - Error (crash) during analysis of some source file(s);\n"
                                "\n";
 
-// The text without the words that are not to be shown.
-std::string WithoutRemovedWords(std::string text) {
-    for (std::size_t at = text.find(RemovedWords); at != std::string::npos; at = text.find(RemovedWords, at)) {
-        text.erase(at, RemovedWords.size());
-    }
-    return text;
-}
-
 // The words of the program's own help.
 void SetUpParser(args::ArgumentParser& parser) {
-    parser.Prog(WithoutRemovedWords(ProgramName));
-    parser.Description(WithoutRemovedWords(Description));
+    parser.Prog(ProgramName);
+    parser.Description(Description);
     parser.Epilog(Epilog);
     SetHelpWords(parser);
 }

@@ -2,7 +2,9 @@
 
 #include "app/TopLevel.h"
 #include "app/Version.h"
+#include "platform/Table.h"
 #include "render/RenderTypes.h"
+#include "render/misra/MisraEdition.h"
 
 #include <args.hxx>
 
@@ -42,6 +44,14 @@ std::vector<std::string> RenderTypeChoices() {
     return names;
 }
 
+std::vector<std::string> MisraStandardChoices() {
+    std::vector<std::string> names;
+    for (const OrvlogConverter::MisraEdition& edition : OrvlogConverter::AllMisraEditions()) {
+        names.emplace_back(edition.ShortName());
+    }
+    return names;
+}
+
 // The options whose values are words of a list.
 const ChoicesRow ChoicesOfOptions[] = {
     {"--analysis-mode", AnalyzerChoices},
@@ -60,10 +70,7 @@ const ChoicesRow ChoicesOfOptions[] = {
      [] {
          return std::vector<std::string>{"skip-analysis", "run-analysis"};
      }},
-    {"--misra-standard",
-     [] {
-         return std::vector<std::string>{"C:2012", "C:2012+AMD2", "C:2023", "C:2025", "C++:2008", "C++:2023"};
-     }},
+    {"--misra-standard", MisraStandardChoices},
 };
 
 struct KindRow {
@@ -81,18 +88,14 @@ constexpr KindRow KindsOfValues[] = {
 
 // Choices first: an option with a list of words is no file, whatever its value is called.
 void FindKind(OptionText& option) {
-    for (const ChoicesRow& row : ChoicesOfOptions) {
-        if (option.longName == row.longName) {
-            option.choices = row.choices();
-            option.kind = ValueKind::Choices;
-            return;
-        }
+    if (const ChoicesRow* const row = FindRow(ChoicesOfOptions, &ChoicesRow::longName, option.longName)) {
+        option.choices = row->choices();
+        option.kind = ValueKind::Choices;
+        return;
     }
     option.kind = option.valueName.empty() ? ValueKind::None : ValueKind::Any;
-    for (const KindRow& row : KindsOfValues) {
-        if (option.valueName == row.valueName) {
-            option.kind = row.kind;
-        }
+    if (const KindRow* const row = FindRow(KindsOfValues, &KindRow::valueName, option.valueName)) {
+        option.kind = row->kind;
     }
 }
 

@@ -20,7 +20,7 @@ namespace Orvanta {
 namespace {
 
 void Print(std::string_view text) {
-    WriteToStandardOutput(text);
+    WriteMessage(text);
 }
 
 // The two hierarchies of errors have this in common: a text and a hint.

@@ -3,7 +3,9 @@
 #include "buildinput/VariableName.h"
 #include "platform/BlockReader.h"
 #include "platform/Files.h"
+#include "platform/JsonEvents.h"
 #include "platform/NativePath.h"
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <nlohmann/json.hpp>
@@ -23,14 +25,6 @@ using nlohmann::json;
 
 // Bytes of text that are gathered before they are written.
 constexpr std::size_t BlockSize = std::size_t{64} << 10U;
-
-// The JSON library's words for the types of values.
-constexpr std::string_view Null = "null";
-constexpr std::string_view Boolean = "boolean";
-constexpr std::string_view Number = "number";
-constexpr std::string_view String = "string";
-constexpr std::string_view Array = "array";
-constexpr std::string_view Object = "object";
 
 /// A member that is to be a text: the type that it has (empty: it is absent) and, if that is right, the text.
 struct TextMember {
@@ -61,15 +55,6 @@ constexpr MemberName MemberNames[] = {
     {"environment", Member::Environment},
 };
 
-Member MemberOf(std::string_view name) {
-    for (const MemberName& row : MemberNames) {
-        if (row.name == name) {
-            return row.member;
-        }
-    }
-    return Member::Other;
-}
-
 /// An entry as far as it is read. Used again for the next one, so that its strings keep their memory.
 struct Entry {
     TextMember directory;
@@ -96,8 +81,8 @@ const std::string& RequireText(const TextMember& member) {
     if (member.type.empty()) {
         throw json::invalid_iterator::create(214, "cannot get value", nullptr);
     }
-    if (member.type != String) {
-        throw TypeError(String, member.type);
+    if (member.type != JsonType::Text) {
+        throw TypeError(JsonType::Text, member.type);
     }
     return member.text;
 }
@@ -108,8 +93,8 @@ Environment TakeEnvironment(Entry& entry) {
     if (entry.environmentType.empty()) {
         return variables;
     }
-    if (entry.environmentType != Object) {
-        throw TypeError(Object, entry.environmentType);
+    if (entry.environmentType != JsonType::Object) {
+        throw TypeError(JsonType::Object, entry.environmentType);
     }
     for (const auto& [name, value] : entry.environment) {
         const std::string& text = RequireText(value);
@@ -127,36 +112,14 @@ class DatabaseHandler {
 public:
     DatabaseHandler(CommandStringRules rules, InvocationCollector& collector) : rules_(rules), collector_(collector) {}
 
-    // The names and results of these functions are the JSON library's: true means to go on.
-    bool null() { return TakeScalar(Null); }
+    // The parser's events.
+    void TakeScalar(const JsonScalar& value) { TakeValue(value.type, nullptr); }
 
-    bool boolean(bool) { return TakeScalar(Boolean); }
+    void TakeText(const std::string& text) { TakeValue(JsonType::Text, &text); }
 
-    bool number_integer(json::number_integer_t) { return TakeScalar(Number); }
-
-    bool number_unsigned(json::number_unsigned_t) { return TakeScalar(Number); }
-
-    bool number_float(json::number_float_t, const std::string&) { return TakeScalar(Number); }
-
-    bool binary(json::binary_t&) { return TakeScalar("binary"); }
-
-    bool string(std::string& text) { return TakeScalar(String, &text); }
-
-    bool start_object(std::size_t) { return Open(Object); }
-
-    bool start_array(std::size_t) { return Open(Array); }
-
-    bool end_object() { return Close(); }
-
-    bool end_array() { return Close(); }
-
-    bool key(std::string& name);
-
-    template <typename Exception>
-    bool parse_error(std::size_t, const std::string&, const Exception& error) {
-        // The library's own exception, which knows the place in the text.
-        throw error;
-    }
+    void Open(std::string_view type);
+    void Close(std::string_view type);
+    void TakeKey(const std::string& name);
 
     /// \throws what was wrong with the content of the document
     void Finish() const;
@@ -165,10 +128,8 @@ private:
     // What the parser is inside of. Values that nobody asks for are Skipped with all that is in them.
     enum class Place { Document, Entries, Entry, Arguments, Environment, Skipped };
 
-    // Events of the parser, with what they have in common. The text is the library's: it is copied where it is kept.
-    bool TakeScalar(std::string_view type, const std::string* text = nullptr);
-    bool Open(std::string_view type);
-    bool Close();
+    // A value, or the beginning of one, at the present place. The text is null for what is no text, and the library's:
+    // it is copied where it is kept.
     void TakeValue(std::string_view type, const std::string* text);
     // Put a value into its place in the entry. A wrong type is kept with it, and told when the entry is complete.
     void TakeMember(std::string_view type, const std::string* text);
@@ -192,27 +153,22 @@ private:
     std::exception_ptr firstFault_;
 };
 
-bool DatabaseHandler::key(std::string& name) {
+void DatabaseHandler::TakeKey(const std::string& name) {
     // An object with members is no empty database, but a wrong one.
     isEmpty_ = false;
     if (place_ == Place::Environment) {
         variable_ = &entry_.environment[name];
     } else if (place_ == Place::Entry) {
-        member_ = MemberOf(name);
+        const MemberName* const row = FindRow(MemberNames, &MemberName::name, name);
+        member_ = row != nullptr ? row->member : Member::Other;
     }
-    return true;
 }
 
-bool DatabaseHandler::TakeScalar(std::string_view type, const std::string* text) {
-    TakeValue(type, text);
-    return true;
-}
-
-bool DatabaseHandler::Open(std::string_view type) {
+void DatabaseHandler::Open(std::string_view type) {
     // Only the depth counts here: nothing inside is told apart.
     if (place_ == Place::Skipped) {
         ++skippedDepth_;
-        return true;
+        return;
     }
     TakeValue(type, nullptr);
     const Place within = PlaceWithin(type);
@@ -221,10 +177,9 @@ bool DatabaseHandler::Open(std::string_view type) {
         skippedDepth_ = 1;
     }
     place_ = within;
-    return true;
 }
 
-bool DatabaseHandler::Close() {
+void DatabaseHandler::Close(std::string_view) {
     switch (place_) {
     case Place::Document:
         break; // nothing is open
@@ -245,27 +200,25 @@ bool DatabaseHandler::Close() {
         }
         break;
     }
-    return true;
 }
 
 /// Where the parser is inside an array or object that opens at the present place.
 DatabaseHandler::Place DatabaseHandler::PlaceWithin(std::string_view type) const {
-    if (place_ == Place::Document && type == Array) {
+    if (place_ == Place::Document && type == JsonType::Array) {
         return Place::Entries;
     }
-    if (place_ == Place::Entries && type == Object) {
+    if (place_ == Place::Entries && type == JsonType::Object) {
         return Place::Entry;
     }
-    if (place_ == Place::Entry && member_ == Member::Arguments && type == Array) {
+    if (place_ == Place::Entry && member_ == Member::Arguments && type == JsonType::Array) {
         return Place::Arguments;
     }
-    if (place_ == Place::Entry && member_ == Member::Environment && type == Object) {
+    if (place_ == Place::Entry && member_ == Member::Environment && type == JsonType::Object) {
         return Place::Environment;
     }
     return Place::Skipped;
 }
 
-/// Takes a value, or the beginning of one, at the present place. `text` is null for what is no text.
 void DatabaseHandler::TakeValue(std::string_view type, const std::string* text) {
     switch (place_) {
     case Place::Document:
@@ -274,8 +227,8 @@ void DatabaseHandler::TakeValue(std::string_view type, const std::string* text) 
     case Place::Entries:
         isEmpty_ = false;
         entry_.Clear();
-        if (type != Object && firstFault_ == nullptr) {
-            firstFault_ = std::make_exception_ptr(TypeError(Object, type));
+        if (type != JsonType::Object && firstFault_ == nullptr) {
+            firstFault_ = std::make_exception_ptr(TypeError(JsonType::Object, type));
         }
         break;
     case Place::Entry:
@@ -351,10 +304,10 @@ void DatabaseHandler::HandOver() {
         if (entry_.arguments.empty() && std::all_of(command.begin(), command.end(), IsWhiteSpace)) {
             entry_.arguments = {":"}; // a step that runs nothing, as ninja lists it
         }
-    } else if (entry_.argumentsType != Array) {
-        throw TypeError(Array, entry_.argumentsType);
+    } else if (entry_.argumentsType != JsonType::Array) {
+        throw TypeError(JsonType::Array, entry_.argumentsType);
     } else if (!entry_.wrongArgumentType.empty()) {
-        throw TypeError(String, entry_.wrongArgumentType);
+        throw TypeError(JsonType::Text, entry_.wrongArgumentType);
     } else {
         entry_.arguments.resize(entry_.argumentCount);
     }
@@ -363,11 +316,12 @@ void DatabaseHandler::HandOver() {
 
 void DatabaseHandler::Finish() const {
     // An empty database is no fault of its text: builds that compile nothing write one.
-    if (documentType_ == Null || (isEmpty_ && (documentType_ == Array || documentType_ == Object))) {
+    if (documentType_ == JsonType::Null ||
+        (isEmpty_ && (documentType_ == JsonType::Array || documentType_ == JsonType::Object))) {
         throw NoCompilerInvocationsFound(NoCompilerInvocationsFound::Hint::None);
     }
-    if (documentType_ != Array) {
-        throw TypeError(Array, documentType_);
+    if (documentType_ != JsonType::Array) {
+        throw TypeError(JsonType::Array, documentType_);
     }
     if (firstFault_ != nullptr) {
         std::rethrow_exception(firstFault_);
@@ -394,7 +348,7 @@ void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, Inv
     BlockReader reader(input);
     DatabaseHandler handler(rules, collector);
     // By events: a database of a large build would fill the memory as a tree.
-    json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
+    ReadJson(handler, BlockIterator(reader), BlockIterator());
     handler.Finish();
 }
 

@@ -2,6 +2,7 @@
 
 #include "buildinput/ProgramName.h"
 #include "platform/Paths.h"
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -66,10 +67,7 @@ bool IsNamed(std::string_view program, std::span<const std::string> names) {
 }
 
 const LauncherRow* RowOf(std::string_view program, std::span<const std::string> further) {
-    const auto* const row =
-        std::find_if(std::begin(Launchers), std::end(Launchers),
-                     [program](const LauncherRow& known) { return IsProgramNamed(program, known.name); });
-    if (row != std::end(Launchers)) {
+    if (const LauncherRow* const row = FindRow(Launchers, &LauncherRow::name, program, IsProgramNamed)) {
         return row;
     }
     return IsNamed(program, further) ? &Further : nullptr;

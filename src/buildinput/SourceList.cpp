@@ -1,5 +1,6 @@
 #include "buildinput/SourceList.h"
 
+#include "buildinput/EscapedText.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace Orvanta {
 
@@ -30,6 +32,23 @@ std::optional<std::string> CheckoutRoot(std::string folder) {
         }
         folder = std::move(parent);
     }
+}
+
+/// The paths that a line may mean, the likeliest first. Version control puts quotes round a path with other letters
+/// than those of English, and escapes these; people put them round a path with blanks, or with backslashes that are no
+/// escapes.
+std::vector<std::string> Readings(std::string_view line) {
+    if (line.size() < 2 || !line.starts_with('"') || !line.ends_with('"')) {
+        return {std::string(line)};
+    }
+    const std::string_view between = line.substr(1, line.size() - 2);
+    std::string decoded;
+    DecodeEscapes(between, decoded);
+    std::vector<std::string> readings = {std::move(decoded)};
+    if (between != readings.front()) {
+        readings.emplace_back(between);
+    }
+    return readings;
 }
 
 } // namespace
@@ -68,9 +87,15 @@ std::vector<ListedFile> ParseSourceList(std::string_view text, std::span<const s
     std::vector<ListedFile> files;
     while (!text.empty()) {
         const std::string_view line = Trim(TakeLine(text));
-        if (!line.empty()) {
-            files.push_back(FileInFolders(line, folders));
+        if (line.empty()) {
+            continue;
         }
+        ListedFile file;
+        for (const std::string& path : Readings(line)) {
+            ListedFile read = FileInFolders(path, folders);
+            file.places.insert(file.places.end(), read.places.begin(), read.places.end());
+        }
+        files.push_back(std::move(file));
     }
     return files;
 }

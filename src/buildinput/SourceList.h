@@ -20,8 +20,9 @@ struct ListedFile {
 /// A file in one of the folders. Nothing is looked at.
 [[nodiscard]] ListedFile FileInFolders(std::string_view path, std::span<const std::string> folders);
 
-/// Reads a list of one path a line. Blanks around a path and blank lines don't count; "#" has no meaning. What does not
-/// exist is listed as well: a unit may have been made of it.
+/// Reads a list of one path a line. Blanks around a path and blank lines don't count; "#" has no meaning. A path may
+/// stand between double quotes, with the escapes of C, as git prints those that are not plain. What does not exist is
+/// listed as well: a unit may have been made of it.
 /// \throws FileException with the path of the list
 [[nodiscard]] std::vector<ListedFile> ReadSourceList(const std::string& path, std::span<const std::string> folders);
 

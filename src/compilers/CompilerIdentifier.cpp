@@ -1,14 +1,15 @@
 #include "compilers/CompilerIdentifier.h"
 
+#include "compilers/CompilerQuestion.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
 #include <charconv>
-#include <chrono>
 #include <cstdint>
 #include <utility>
 
@@ -17,10 +18,6 @@ namespace Orvanta {
 namespace {
 
 constexpr std::string_view LauncherName = "ccache";
-// Far more than a version text takes: only what would never answer is stopped.
-constexpr std::chrono::seconds VersionQueryTimeout{10};
-// Bytes of each output; what a program prints beyond them is no version text.
-constexpr std::size_t LongestVersionText = 65536;
 
 struct NameRule {
     std::string_view name;
@@ -60,13 +57,6 @@ CompilerType IarGeneration(std::string_view text) {
         }
     }
     return CompilerType::IARArm;
-}
-
-// Goes on taking what it does not keep: a program that can't write its output would never end.
-OutputReceiver ReceiveUpToLimit(std::string& target) {
-    return [&target](std::string_view bytes) {
-        target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
-    };
 }
 
 std::string VariableLines(const Environment& environment) {
@@ -228,9 +218,9 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     try {
         // From the driver's own folder where that of the invocation is gone: the version does not depend on it.
         Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
-                        EnvironmentBlock(variables), ReceiveUpToLimit(output.standardOutput),
-                        ReceiveUpToLimit(output.standardError));
-        const WaitResult end = WaitWithTimeout(process, VersionQueryTimeout, PollInterval, stop_);
+                        EnvironmentBlock(variables), ReceiveAnswer(output.standardOutput),
+                        ReceiveAnswer(output.standardError));
+        const WaitResult end = WaitWithTimeout(process, CompilerQuestionTimeout, PollInterval, stop_);
         if (!end.finished) {
             process.kill(true);
             // A program that the user has stopped was not too slow.
@@ -260,10 +250,8 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
 std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
     // The stems come first: "clang-cl" contains "clang".
     const std::string_view stem = StemOf(path);
-    for (const NameRule& rule : StemRules) {
-        if (EqualsIgnoringCase(stem, rule.name)) {
-            return rule.type;
-        }
+    if (const NameRule* const rule = FindRow(StemRules, &NameRule::name, stem, EqualsIgnoringCase)) {
+        return rule->type;
     }
     const std::string_view name = FileNameOf(path);
     if (EqualsIgnoringCase(name, "armclang")) {
@@ -272,12 +260,8 @@ std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
     if (ContainsIgnoringCase(name, "clang")) {
         return CompilerType::Clang;
     }
-    for (const NameRule& rule : FileNameRules) {
-        if (EqualsIgnoringCase(name, rule.name)) {
-            return rule.type;
-        }
-    }
-    return std::nullopt;
+    const NameRule* const rule = FindRow(FileNameRules, &NameRule::name, name, EqualsIgnoringCase);
+    return rule != nullptr ? std::optional(rule->type) : std::nullopt;
 }
 
 CompilerType CompilerTypeByVersionText(std::string_view text) {

@@ -1,20 +1,15 @@
 #include "compilers/CompilerTarget.h"
 
-#include "platform/Process.h"
+#include "compilers/CompilerQuestion.h"
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
-#include <chrono>
 #include <span>
 
 namespace Orvanta {
 
 namespace {
-
-// Far more than an answer takes: only what would never come is stopped.
-constexpr std::chrono::seconds VersionQueryTimeout{10};
-// Bytes of each output; what a program prints beyond them is no version text.
-constexpr std::size_t LongestVersionText = 65536;
 
 struct TargetRow {
     std::string_view word;
@@ -41,9 +36,8 @@ constexpr TargetRow Processors[] = {
 };
 
 std::optional<TargetBits> Find(std::span<const TargetRow> rows, std::string_view word) {
-    const auto found = std::find_if(rows.begin(), rows.end(),
-                                    [word](const TargetRow& row) { return EqualsIgnoringCase(row.word, word); });
-    return found == rows.end() ? std::nullopt : std::optional<TargetBits>(found->bits);
+    const TargetRow* const row = FindRow(rows, &TargetRow::word, word, EqualsIgnoringCase);
+    return row != nullptr ? std::optional(row->bits) : std::nullopt;
 }
 
 // Cuts the last component off a path, whatever its separators.
@@ -54,13 +48,6 @@ std::string_view TakeLastComponent(std::string_view& path) {
     return component;
 }
 
-// Goes on taking what it does not keep: a program that can't write its output would never end.
-OutputReceiver ReceiveUpToLimit(std::string& target) {
-    return [&target](std::string_view bytes) {
-        target.append(bytes.substr(0, LongestVersionText - std::min(LongestVersionText, target.size())));
-    };
-}
-
 // cl takes the question for an unknown option, and prints its banner all the same.
 std::optional<TargetBits> AskForTarget(const std::string& path) {
     const CapturedOutput output = AskCompiler(path, "--version");
@@ -69,21 +56,6 @@ std::optional<TargetBits> AskForTarget(const std::string& path) {
 }
 
 } // namespace
-
-// In the driver's own folder and with its own variables: the answer is to hold for all units of this compiler.
-CapturedOutput AskCompiler(const std::string& path, const char* question) {
-    CapturedOutput output;
-    try {
-        Process process({path, question}, std::string(), OwnEnvironmentBlock(), ReceiveUpToLimit(output.standardOutput),
-                        ReceiveUpToLimit(output.standardError));
-        if (!WaitWithTimeout(process, VersionQueryTimeout, PollInterval, ProcessStopFlag()).finished) {
-            process.kill(true);
-        }
-    } catch (const ProcessException&) {
-        return {}; // the preprocessing that follows will say why it can't be started
-    }
-    return output;
-}
 
 std::optional<TargetBits> TargetByCompilerPath(std::string_view path) {
     TakeLastComponent(path); // the compiler itself

@@ -2,7 +2,6 @@
 
 #include "compilers/TargetBits.h"
 #include "platform/OnceMap.h"
-#include "platform/Process.h"
 
 #include <optional>
 #include <string>
@@ -23,10 +22,6 @@ namespace Orvanta {
 
 /// The target that a banner or version text names: its first word that is one.
 [[nodiscard]] std::optional<TargetBits> TargetByVersionText(std::string_view text);
-
-/// What a compiler prints when it is asked with one argument; nothing when it can't be started or does not answer.
-/// Starts it and waits for it.
-[[nodiscard]] CapturedOutput AskCompiler(const std::string& path, const char* question);
 
 /// Knows the targets of compilers, each learnt once per path. Any thread may use it.
 class CompilerTargets {

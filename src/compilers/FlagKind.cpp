@@ -1,5 +1,7 @@
 #include "compilers/FlagKind.h"
 
+#include "platform/Table.h"
+
 namespace Orvanta {
 
 namespace {
@@ -23,12 +25,8 @@ std::string_view StandardWord(FlagKind standard, Language language) noexcept {
     if (standard == FlagKind::StandardAnsi) {
         return language == Language::C ? "c90" : "c++98";
     }
-    for (const StandardWordRow& row : StandardWords) {
-        if (row.standard == standard) {
-            return row.word;
-        }
-    }
-    return {};
+    const StandardWordRow* const row = FindRow(StandardWords, &StandardWordRow::standard, standard);
+    return row != nullptr ? row->word : std::string_view();
 }
 
 } // namespace Orvanta

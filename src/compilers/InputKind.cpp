@@ -1,6 +1,7 @@
 #include "compilers/InputKind.h"
 
 #include "platform/Paths.h"
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -114,12 +115,8 @@ constexpr std::string_view WindowsLinkerExtensions[] = {".obj", ".lib", ".res", 
 
 // In the order of the rows: nearly all inputs of a build are found in the first few.
 InputKind KindOfExtension(std::string_view extension) noexcept {
-    for (const InputKindRow& row : Extensions) {
-        if (row.name == extension) {
-            return row.kind;
-        }
-    }
-    return InputKind::LinkInput;
+    const InputKindRow* const row = FindRow(Extensions, &InputKindRow::name, extension);
+    return row != nullptr ? row->kind : InputKind::LinkInput;
 }
 
 } // namespace
@@ -140,12 +137,8 @@ bool IsWindowsLinkerFile(std::string_view path) noexcept {
 }
 
 std::optional<InputKind> InputKindByLanguageWord(std::string_view word) noexcept {
-    for (const InputKindRow& row : LanguageWords) {
-        if (row.name == word) {
-            return row.kind;
-        }
-    }
-    return std::nullopt;
+    const InputKindRow* const row = FindRow(LanguageWords, &InputKindRow::name, word);
+    return row != nullptr ? std::optional(row->kind) : std::nullopt;
 }
 
 std::optional<InputKind> KindNamedBy(FlagEffect effect) noexcept {

@@ -1,6 +1,6 @@
 #include "compilers/TargetPlatform.h"
 
-#include "compilers/CompilerTarget.h"
+#include "compilers/CompilerQuestion.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 

@@ -2,9 +2,9 @@
 
 #include "platform/BlockReader.h"
 #include "platform/Exceptions.h"
+#include "platform/JsonEvents.h"
+#include "platform/Table.h"
 #include "report/JsonText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <utility>
 
@@ -12,7 +12,6 @@ namespace Orvanta {
 
 namespace {
 
-using nlohmann::json;
 using OrvlogConverter::AppendJsonString;
 
 enum class Member { Other, Id, Added, Arguments, Dependencies };
@@ -29,23 +28,8 @@ constexpr MemberName MemberNames[] = {
     {"id", Member::Id},
 };
 
-// Four names: a walk is as fast as any table. What is none of them is read over.
-Member MemberOf(std::string_view name) {
-    for (const MemberName& row : MemberNames) {
-        if (row.name == name) {
-            return row.member;
-        }
-    }
-    return Member::Other;
-}
-
 std::string_view NameOf(Member member) {
-    for (const MemberName& row : MemberNames) {
-        if (row.member == member) {
-            return row.name;
-        }
-    }
-    return {};
+    return FindRow(MemberNames, &MemberName::member, member)->name;
 }
 
 [[noreturn]] void FailField(std::string_view name, const std::string& fault) {
@@ -86,48 +70,18 @@ class EntryHandler {
 public:
     explicit EntryHandler(const std::function<void(const DependencyInfoEntry&)>& take) : take_(take) {}
 
-    // The names and results of these functions are the JSON library's: true means to go on.
-    bool null() { return member_ == Member::Id && place_ == Place::Entry ? true : TakeOther(); }
-
-    bool boolean(bool) { return TakeOther(); }
-
-    bool number_integer(json::number_integer_t) { return TakeOther(); }
-
-    bool number_unsigned(json::number_unsigned_t) { return TakeOther(); }
-
-    bool number_float(json::number_float_t, const std::string&) { return TakeOther(); }
-
-    bool binary(json::binary_t&) { return TakeOther(); }
-
-    bool string(std::string& text);
-
-    bool start_object(std::size_t);
-
-    bool start_array(std::size_t);
-
-    bool end_object();
-
-    bool end_array();
-
-    bool key(std::string& name) {
-        if (place_ == Place::Entry) {
-            member_ = MemberOf(name);
-        }
-        return true;
-    }
-
-    template <typename Exception>
-    bool parse_error(std::size_t, const std::string&, const Exception& error) {
-        throw error;
-    }
+    // The parser's events.
+    void TakeScalar(const JsonScalar& value);
+    void TakeText(const std::string& text);
+    void Open(std::string_view type);
+    void Close(std::string_view type);
+    void TakeKey(std::string_view name);
 
 private:
     // Where the parser stands: in the document, its array, an object of that, an array of texts, or what is read over.
     enum class Place { Document, Entries, Entry, Texts, Skipped };
 
-    bool TakeOther();
-    bool Skip();
-    bool EndSkipped();
+    void TakeOther() const;
     TextArray* ArrayOf(Member member);
     void FinishEntry();
 
@@ -143,7 +97,7 @@ private:
 };
 
 /// A value that is none of those that are read: right only where nothing is read.
-bool EntryHandler::TakeOther() {
+void EntryHandler::TakeOther() const {
     switch (place_) {
     case Place::Document:
         throw ZelmException("an array of entries is expected");
@@ -162,45 +116,68 @@ bool EntryHandler::TakeOther() {
     case Place::Skipped:
         break;
     }
-    return true;
 }
 
-bool EntryHandler::string(std::string& text) {
+void EntryHandler::TakeScalar(const JsonScalar& value) {
+    // An entry without an id may say so.
+    if (place_ != Place::Entry || member_ != Member::Id || value.type != JsonType::Null) {
+        TakeOther();
+    }
+}
+
+void EntryHandler::TakeText(const std::string& text) {
     if (place_ == Place::Texts) {
         texts_->Add(text);
-        return true;
-    }
-    if (place_ == Place::Entry && member_ == Member::Id) {
+    } else if (place_ == Place::Entry && member_ == Member::Id) {
         entry_.id = text;
-        return true;
+    } else {
+        TakeOther();
     }
-    return TakeOther();
 }
 
-bool EntryHandler::start_object(std::size_t) {
-    if (place_ != Place::Entries) {
-        return Skip();
+void EntryHandler::TakeKey(std::string_view name) {
+    if (place_ == Place::Entry) {
+        const MemberName* const row = FindRow(MemberNames, &MemberName::name, name);
+        member_ = row != nullptr ? row->member : Member::Other; // which is read over
     }
-    place_ = Place::Entry;
-    entry_.id.reset();
-    // The texts of the entry before stay until they are written over.
-    added_.isFound = arguments_.isFound = dependencies_.isFound = false;
-    return true;
 }
 
-bool EntryHandler::start_array(std::size_t) {
-    if (place_ == Place::Document) {
+void EntryHandler::Open(std::string_view type) {
+    if (type == JsonType::Object && place_ == Place::Entries) {
+        place_ = Place::Entry;
+        entry_.id.reset();
+        // The texts of the entry before stay until they are written over.
+        added_.isFound = arguments_.isFound = dependencies_.isFound = false;
+        return;
+    }
+    if (type == JsonType::Array && place_ == Place::Document) {
         place_ = Place::Entries;
-        return true;
+        return;
     }
-    TextArray* const array = place_ == Place::Entry ? ArrayOf(member_) : nullptr;
-    if (array == nullptr) {
-        return Skip();
+    if (type == JsonType::Array && place_ == Place::Entry && ArrayOf(member_) != nullptr) {
+        texts_ = ArrayOf(member_);
+        texts_->Begin();
+        place_ = Place::Texts;
+        return;
     }
-    texts_ = array;
-    texts_->Begin();
-    place_ = Place::Texts;
-    return true;
+    // An array or object of which nothing is read.
+    TakeOther();
+    place_ = Place::Skipped;
+    ++skippedDepth_;
+}
+
+void EntryHandler::Close(std::string_view type) {
+    if (place_ == Place::Skipped) {
+        // Only members of an entry are read over, so that is where it goes on.
+        if (--skippedDepth_ == 0) {
+            place_ = Place::Entry;
+        }
+    } else if (type == JsonType::Object) {
+        FinishEntry();
+        place_ = Place::Entries;
+    } else {
+        place_ = place_ == Place::Texts ? Place::Entry : Place::Document;
+    }
 }
 
 TextArray* EntryHandler::ArrayOf(Member member) {
@@ -216,39 +193,6 @@ TextArray* EntryHandler::ArrayOf(Member member) {
         break;
     }
     return nullptr;
-}
-
-// An array or object of which nothing is read.
-bool EntryHandler::Skip() {
-    TakeOther();
-    place_ = Place::Skipped;
-    ++skippedDepth_;
-    return true;
-}
-
-bool EntryHandler::EndSkipped() {
-    // Only members of an entry are read over, so that is where it goes on.
-    if (--skippedDepth_ == 0) {
-        place_ = Place::Entry;
-    }
-    return true;
-}
-
-bool EntryHandler::end_object() {
-    if (place_ == Place::Skipped) {
-        return EndSkipped();
-    }
-    FinishEntry();
-    place_ = Place::Entries;
-    return true;
-}
-
-bool EntryHandler::end_array() {
-    if (place_ == Place::Skipped) {
-        return EndSkipped();
-    }
-    place_ = place_ == Place::Texts ? Place::Entry : Place::Document;
-    return true;
 }
 
 void EntryHandler::FinishEntry() {
@@ -268,13 +212,15 @@ void ReadDependencyInfo(std::istream& input, const std::function<void(const Depe
     EntryHandler handler(take);
     try {
         // By iterators and not the stream itself: the library would ask that for each byte.
-        json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
-    } catch (const json::exception& error) {
+        ReadJson(handler, BlockIterator(reader), BlockIterator());
+    } catch (const nlohmann::json::exception& error) {
         throw ZelmException(error.what());
     }
 }
 
-DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path), text_("[") {}
+DependencyInfoWriter::DependencyInfoWriter(const std::string& path) : file_(path) {
+    file_.Append("[");
+}
 
 void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string> arguments, const PathTable& paths,
                                std::span<const FileNumber> listed, std::span<const FileNumber> added) {
@@ -282,7 +228,7 @@ void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string>
     for (std::size_t place = pathTexts_.size(); place < paths.Size(); ++place) {
         AppendJsonString(pathTexts_.emplace_back(), paths.Reported(static_cast<FileNumber>(place)));
     }
-    text_ += std::exchange(isFirst_, false) ? "\n{" : ",\n{";
+    text_ = std::exchange(isFirst_, false) ? "\n{" : ",\n{";
     if (!added.empty()) {
         AppendList("\"added\":[", added);
         text_ += "],";
@@ -300,11 +246,7 @@ void DependencyInfoWriter::Add(std::string_view id, std::span<const std::string>
     text_ += "],\"id\":";
     AppendJsonString(text_, id);
     text_ += '}';
-    // Large enough for calls of the system not to count, and all that is ever held of the file.
-    constexpr std::size_t BlockSize = std::size_t{64} << 10U;
-    if (text_.size() >= BlockSize) {
-        WriteText();
-    }
+    file_.Append(text_);
 }
 
 void DependencyInfoWriter::AppendList(std::string_view opening, std::span<const FileNumber> files) {
@@ -318,15 +260,8 @@ void DependencyInfoWriter::AppendList(std::string_view opening, std::span<const 
 }
 
 ContentFingerprint DependencyInfoWriter::Finish() {
-    text_ += "\n]\n";
-    WriteText();
-    return content_.Value();
-}
-
-void DependencyInfoWriter::WriteText() {
-    file_.Append(text_);
-    content_.Add(text_);
-    text_.clear();
+    file_.Append("\n]\n");
+    return file_.Content();
 }
 
 } // namespace Orvanta

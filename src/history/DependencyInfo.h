@@ -1,8 +1,8 @@
 #pragma once
 
+#include "history/FingerprintedFile.h"
 #include "history/Numbers.h"
 #include "history/PathTable.h"
-#include "platform/Files.h"
 #include "platform/Fingerprint.h"
 
 #include <functional>
@@ -51,12 +51,9 @@ public:
 private:
     /// Appends the paths behind `opening`, joined by commas; every file has its text in `pathTexts_` by then.
     void AppendList(std::string_view opening, std::span<const FileNumber> files);
-    /// Hands what is gathered on to the file and to its fingerprint, and leaves nothing gathered.
-    void WriteText();
 
-    AtomicFile file_;
-    ContentFingerprinter content_;
-    std::string text_; // not written yet
+    FingerprintedFile file_;
+    std::string text_; // of one entry; keeps its memory for the next
     bool isFirst_ = true;
     std::vector<std::string> pathTexts_; // as JSON, by file: each is written many times
 };

@@ -8,20 +8,50 @@
 
 namespace Orvanta {
 
-FileVersions::FileVersions(std::string folder) : folder_(std::move(folder)) {}
+namespace {
+
+constexpr VersionNumber None = VersionTable::None;
+
+// Reads the file between two looks that agree: otherwise the content could be that of another stamp, and would be taken
+// for it for ever. A file that never holds still stays unknown.
+void ReadContent(FileLook& look, const std::string& path) {
+    constexpr int MostAttempts = 3;
+    for (int attempt = 0; attempt < MostAttempts && look.file.stamp; ++attempt) {
+        const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
+        const std::optional<FileStamp> after = StampOf(path);
+        if (content && after == look.file.stamp && content->size == after->size) {
+            look.content = content->bytes;
+            look.isRead = true;
+            return;
+        }
+        look.moment = std::chrono::steady_clock::now();
+        look.file = AskForStamp(path);
+    }
+}
+
+} // namespace
+
+void LateClock::Read() {
+    std::call_once(once_, [this] {
+        try {
+            MakeFolders(folder_);
+            clock_.emplace(folder_);
+        } catch (const ZelmException&) {
+            clock_.reset();
+        }
+    });
+}
+
+bool LateClock::IsOlder(const FileStamp& stamp, std::chrono::steady_clock::time_point moment) {
+    Read();
+    return clock_ && clock_->IsOlder(stamp, moment);
+}
+
+FileVersions::FileVersions(std::string folder) : clock_(std::move(folder)) {}
 
 void FileVersions::Adopt(PathTable paths, std::vector<FileVersion> versions) {
     const Lock lock(mutex_);
-    paths_ = std::move(paths);
-    versions_ = std::move(versions);
-    AddFiles(lock);
-    nextVersion_.resize(versions_.size());
-    for (std::size_t place = 0; place < versions_.size(); ++place) {
-        File& file = FileAt(versions_[place].file, lock);
-        // The versions of a file are a list through the table: most have one, and a list for each would be an
-        // allocation.
-        nextVersion_[place] = std::exchange(file.firstVersion, static_cast<VersionNumber>(place));
-    }
+    table_ = VersionTable(std::move(paths), std::move(versions));
 }
 
 FileNumber FileVersions::NumberOf(std::string_view reported, const std::string& directory) {
@@ -29,9 +59,7 @@ FileNumber FileVersions::NumberOf(std::string_view reported, const std::string& 
     // Joined before the lock is taken: every worker comes here for every file.
     const std::string joined = isWhole ? std::string() : JoinPath(directory, reported);
     const Lock lock(mutex_);
-    const FileNumber number = isWhole ? paths_.Add(reported, 0) : paths_.Add(joined, joined.size() - reported.size());
-    AddFiles(lock);
-    return number;
+    return isWhole ? table_.Add(reported, 0) : table_.Add(joined, joined.size() - reported.size());
 }
 
 void FileVersions::LookAt(FileNumber file) {
@@ -42,7 +70,10 @@ FileVersions::File& FileVersions::Looked(FileNumber number) {
     File* file = nullptr;
     {
         const Lock lock(mutex_);
-        file = &FileAt(number, lock);
+        while (files_.size() <= PlaceOf(number)) {
+            files_.emplace_back();
+        }
+        file = &files_[PlaceOf(number)];
     }
     // Without the lock, so that others go on while the disk is asked; the file stays where it is in its deque.
     std::call_once(file->once, [this, number, file] { Look(number, *file); });
@@ -51,207 +82,113 @@ FileVersions::File& FileVersions::Looked(FileNumber number) {
 
 void FileVersions::Look(FileNumber number, File& file) {
     // Taken before the look: what happens in between counts as later.
-    file.looked = std::chrono::steady_clock::now();
+    file.look.moment = std::chrono::steady_clock::now();
     std::string path;
     {
         const Lock lock(mutex_);
-        path = paths_.Path(number);
+        path = table_.Paths().Path(number);
     }
-    file.stamp = StampOf(path);
+    file.look.file = AskForStamp(path);
     {
         const Lock lock(mutex_);
-        FindCurrent(file, lock);
+        FindCurrent(number, file, lock);
         // Known by its stamp, as nearly all are, or not there: nothing is read.
-        if (file.current != None || !file.stamp) {
+        if (file.current != None || !file.look.file.stamp) {
             return;
         }
     }
-    ReadContent(file, path);
+    ReadContent(file.look, path);
     // By the moment of the look: what is younger than that could still change within the same tick.
-    const bool isProven = file.isKnown && IsProven(*file.stamp, file.looked);
+    const bool isProven = file.look.isRead && clock_.IsOlder(*file.look.file.stamp, file.look.moment);
     const Lock lock(mutex_);
-    for (VersionNumber version = file.firstVersion; file.isKnown && version != None; version = Next(version, lock)) {
-        FileVersion& known = At(version, lock);
+    for (VersionNumber version = table_.First(number); file.look.isRead && version != None;
+         version = table_.Next(version)) {
+        FileVersion& known = table_[version];
         // The same content under a new stamp, such as that of a checkout: the version takes the new stamp over.
-        if ((known.sight == Sight::Young || known.sight == Sight::Proven) && known.content == file.content &&
-            known.stamp.size == file.stamp->size) {
+        if ((known.sight == Sight::Young || known.sight == Sight::Proven) && known.content == file.look.content &&
+            known.stamp.size == file.look.file.stamp->size) {
             const Sight sight = isProven ? Sight::Proven : Sight::Young;
-            hasLearned_ = hasLearned_ || known.stamp != *file.stamp || known.sight != sight;
-            known.stamp = *file.stamp;
+            hasLearned_ = hasLearned_ || known.stamp != *file.look.file.stamp || known.sight != sight;
+            known.stamp = *file.look.file.stamp;
             known.sight = sight;
             file.current = version;
         }
     }
 }
 
-// Reads the file between two looks that agree: otherwise the content could be that of another stamp, and would be taken
-// for it for ever. A file that never holds still stays unknown.
-void FileVersions::ReadContent(File& file, const std::string& path) {
-    constexpr int MostAttempts = 3;
-    for (int attempt = 0; attempt < MostAttempts && file.stamp; ++attempt) {
-        const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
-        const std::optional<FileStamp> after = StampOf(path);
-        if (content && after == file.stamp && content->size == after->size) {
-            file.content = content->bytes;
-            file.isKnown = true;
-            return;
-        }
-        file.looked = std::chrono::steady_clock::now();
-        file.stamp = StampOf(path);
-    }
-}
-
 // The version that the stamp alone tells.
-void FileVersions::FindCurrent(File& file, const Lock& lock) {
-    if (!file.stamp) {
-        file.current = FindVersion(file, Sight::NotThere, lock);
+void FileVersions::FindCurrent(FileNumber number, File& file, const Lock&) {
+    if (!file.look.file.stamp) {
+        file.current = file.look.file.isTold ? table_.Find(number, Sight::NotThere) : None;
         return;
     }
-    for (VersionNumber version = file.firstVersion; version != None; version = Next(version, lock)) {
-        if (At(version, lock).sight == Sight::Proven && At(version, lock).stamp == *file.stamp) {
+    for (VersionNumber version = table_.First(number); version != None; version = table_.Next(version)) {
+        if (table_[version].sight == Sight::Proven && table_[version].stamp == *file.look.file.stamp) {
             file.current = version;
         }
     }
 }
 
-bool FileVersions::IsProven(const FileStamp& stamp, Moment looked) {
-    ReadClock();
-    return clock_ && clock_->IsOlder(stamp, looked);
-}
-
-void FileVersions::ReadClock() {
-    std::call_once(clockOnce_, [this] {
-        try {
-            MakeFolders(folder_);
-            clock_.emplace(folder_);
-        } catch (const ZelmException&) {
-            clock_.reset(); // nothing counts as old then: files are read once more, units run once more
-        }
-    });
-}
-
-FileVersions::File& FileVersions::FileAt(FileNumber number, const Lock&) {
-    return files_[PlaceOf(number)];
-}
-
-FileVersion& FileVersions::At(VersionNumber version, const Lock&) {
-    return versions_[PlaceOf(version)];
-}
-
-VersionNumber FileVersions::Next(VersionNumber version, const Lock&) const {
-    return nextVersion_[PlaceOf(version)];
-}
-
-VersionNumber FileVersions::FindVersion(const File& file, Sight sight, const Lock& lock) const {
-    VersionNumber version = file.firstVersion;
-    while (version != None && versions_[PlaceOf(version)].sight != sight) {
-        version = Next(version, lock);
-    }
-    return version;
-}
-
-VersionNumber FileVersions::AddVersion(File& file, const FileVersion& version, const Lock&) {
-    const auto number = static_cast<VersionNumber>(versions_.size());
-    versions_.push_back(version);
-    nextVersion_.push_back(std::exchange(file.firstVersion, number));
-    return number;
-}
-
-VersionNumber FileVersions::FindOrAddVersion(FileNumber number, Sight sight, const Lock& lock) {
-    File& file = FileAt(number, lock);
-    const VersionNumber found = FindVersion(file, sight, lock);
-    return found != None ? found : AddVersion(file, {number, sight, {}, {}}, lock);
-}
-
-void FileVersions::AddFiles(const Lock&) {
-    while (files_.size() < paths_.Size()) {
-        files_.emplace_back();
-    }
-}
-
 VersionNumber FileVersions::UnseenVersion(FileNumber file) {
     const Lock lock(mutex_);
-    return FindOrAddVersion(file, Sight::Unseen, lock);
+    return table_.FindOrAdd(file, Sight::Unseen);
 }
 
 // Whether what was found at the file is what a unit saw that was begun at `begin`. That is so when it was looked at
 // before (whoever changes it while the unit runs is found out by DoubtChanged), or when it is older than that
 // beginning, by the clock that stamped it.
-bool FileVersions::IsTold(const File& file, Moment begin, const Lock&) const {
+bool FileVersions::IsTold(const File& file, Moment begin, const Lock&) {
     if (file.isDoubted) {
         return false;
     }
-    const bool isEarly = file.looked <= begin;
-    if (!file.stamp) {
-        return isEarly; // it may have been there later, for a while of which nobody can tell
+    const bool isEarly = file.look.moment <= begin;
+    if (!file.look.file.stamp) {
+        return isEarly && file.look.file.isTold; // it may have been there later, for a while of which nobody can tell
     }
-    return (file.current != None || file.isKnown) && (isEarly || (clock_ && clock_->IsOlder(*file.stamp, begin)));
+    return (file.current != None || file.look.isRead) && (isEarly || clock_.IsOlder(*file.look.file.stamp, begin));
 }
 
 VersionNumber FileVersions::VersionSeenBy(FileNumber number, Moment begin, WhenAbsent whenAbsent) {
     File& file = Looked(number);
-    ReadClock();
+    clock_.Read(); // not under the lock
     const Lock lock(mutex_);
     // From now on DoubtChanged looks after it.
     file.isGivenOut = true;
-    if (!IsTold(file, begin, lock) || (!file.stamp && whenAbsent == WhenAbsent::Doubt)) {
-        return FindOrAddVersion(number, Sight::Unseen, lock);
+    if (!IsTold(file, begin, lock) || (!file.look.file.stamp && whenAbsent == WhenAbsent::Doubt)) {
+        return table_.FindOrAdd(number, Sight::Unseen);
     }
-    if (!file.stamp) {
+    if (!file.look.file.stamp) {
         // Absence is a version as well: the unit is made anew when a file turns up there.
-        file.current = FindOrAddVersion(number, Sight::NotThere, lock);
+        file.current = table_.FindOrAdd(number, Sight::NotThere);
     } else if (file.current == None) {
-        const bool isProven = clock_ && clock_->IsOlder(*file.stamp, file.looked);
-        file.current =
-            AddVersion(file, {number, isProven ? Sight::Proven : Sight::Young, *file.stamp, file.content}, lock);
+        const bool isProven = clock_.IsOlder(*file.look.file.stamp, file.look.moment);
+        file.current = table_.AddVersion(
+            {number, isProven ? Sight::Proven : Sight::Young, *file.look.file.stamp, file.look.content});
     }
     return file.current;
 }
 
 bool FileVersions::IsTooNewFor(FileNumber number, Moment begin) {
     const File& file = Looked(number);
-    ReadClock();
+    clock_.Read(); // not under the lock
     const Lock lock(mutex_);
-    return file.stamp && !file.isDoubted && !IsTold(file, begin, lock);
+    return file.look.file.stamp && !file.isDoubted && !IsTold(file, begin, lock);
 }
 
 bool FileVersions::IsCurrent(VersionNumber version) {
     const File& file = Looked(FileOf(version));
     const Lock lock(mutex_);
     // What a unit may have seen in any form is never what is there now.
-    return At(version, lock).sight != Sight::Unseen && file.current == version;
+    return table_[version].sight != Sight::Unseen && file.current == version;
 }
 
 FileNumber FileVersions::FileOf(VersionNumber version) const {
     const Lock lock(mutex_);
-    return versions_[PlaceOf(version)].file;
-}
-
-std::vector<FileNumber> FileVersions::Files() const {
-    const Lock lock(mutex_);
-    std::vector<FileNumber> files;
-    files.reserve(versions_.size());
-    for (const FileVersion& version : versions_) {
-        files.push_back(version.file);
-    }
-    return files;
+    return table_[version].file;
 }
 
 std::optional<FileStamp> FileVersions::StampOfFile(FileNumber file) {
-    return Looked(file).stamp;
-}
-
-bool FileVersions::IsGone(FileNumber file) {
-    if (StampOfFile(file)) {
-        return false;
-    }
-    std::string path;
-    {
-        const Lock lock(mutex_);
-        path = paths_.Path(file);
-    }
-    // Asked once more: no stamp can also mean that a folder stands there, or that it can't be told.
-    return Orvanta::LookAt(path).kind == PathKind::Nothing;
+    return Looked(file).look.file.stamp;
 }
 
 // Between the look at a file and the end of a unit, somebody may have changed it, and changed it back. What is the same
@@ -261,30 +198,31 @@ void FileVersions::DoubtChanged() {
     for (std::size_t place = 0; place < files_.size(); ++place) {
         File& file = files_[place];
         const auto number = static_cast<FileNumber>(place);
-        if (!file.isGivenOut || file.isDoubted || !HasChangedSince(file, std::string(paths_.Path(number)), lock)) {
+        if (!file.isGivenOut || file.isDoubted ||
+            !HasChangedSince(file, std::string(table_.Paths().Path(number)), lock)) {
             continue;
         }
         file.isDoubted = true;
         // The version itself is taken back, and with it the lists of all units that name it already.
-        const VersionNumber doubted = file.stamp ? file.current : FindVersion(file, Sight::NotThere, lock);
+        const VersionNumber doubted = file.look.file.stamp ? file.current : table_.Find(number, Sight::NotThere);
         if (doubted != None) {
-            At(doubted, lock) = {number, Sight::Unseen, {}, {}};
+            table_[doubted] = {number, Sight::Unseen, {}, {}};
             hasLearned_ = true;
         }
     }
 }
 
 // Whether the file is not as it was when it was looked at.
-bool FileVersions::HasChangedSince(const File& file, const std::string& path, const Lock& lock) {
-    if (StampOf(path) != file.stamp) {
+bool FileVersions::HasChangedSince(const File& file, const std::string& path, const Lock&) {
+    if (AskForStamp(path) != file.look.file) {
         return true;
     }
     // A stamp that proves nothing leaves the content to be compared.
-    if (file.current == None || At(file.current, lock).sight != Sight::Young) {
+    if (file.current == None || table_[file.current].sight != Sight::Young) {
         return false;
     }
     const std::optional<ContentFingerprint> content = FingerprintOfFile(path);
-    return !content || content->bytes != At(file.current, lock).content;
+    return !content || content->bytes != table_[file.current].content;
 }
 
 bool FileVersions::HasLearned() const {
@@ -292,43 +230,15 @@ bool FileVersions::HasLearned() const {
     return hasLearned_;
 }
 
-// What no unit names any more is left behind here, so that neither the tables nor the looks at files grow for ever.
-void FileVersions::CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions) {
-    constexpr FileNumber NoFile{0xFFFFFFFFU};
-    const Lock lock(mutex_);
-    std::vector<VersionNumber> newVersions(versions_.size(), None);
-    std::vector<FileNumber> newFiles(paths_.Size(), NoFile);
-    for (VersionNumber& version : lists) {
-        VersionNumber& newVersion = newVersions[PlaceOf(version)];
-        if (newVersion == None) {
-            FileVersion copy = At(version, lock);
-            FileNumber& newFile = newFiles[PlaceOf(copy.file)];
-            if (newFile == NoFile) {
-                newFile = paths.AddNew(paths_.Path(copy.file), paths_.DirectorySize(copy.file));
-            }
-            copy.file = newFile;
-            // In the order in which the lists name them, so that the next run meets them one behind the other.
-            newVersion = static_cast<VersionNumber>(versions.size());
-            versions.push_back(copy);
-        }
-        version = newVersion;
-    }
+FileVersions::Held FileVersions::HoldToSave() {
+    std::unique_lock lock(mutex_);
     hasLearned_ = false;
+    return {std::move(lock), table_};
 }
 
 std::string FileVersions::PathOf(FileNumber file) const {
     const Lock lock(mutex_);
-    return std::string(paths_.Path(file));
-}
-
-std::vector<std::string> FileVersions::Paths() const {
-    const Lock lock(mutex_);
-    std::vector<std::string> paths;
-    paths.reserve(paths_.Size());
-    for (std::size_t place = 0; place < paths_.Size(); ++place) {
-        paths.emplace_back(paths_.Path(static_cast<FileNumber>(place)));
-    }
-    return paths;
+    return std::string(table_.Paths().Path(file));
 }
 
 } // namespace Orvanta

@@ -2,6 +2,7 @@
 
 #include "history/HistoryFile.h"
 #include "history/Numbers.h"
+#include "history/VersionTable.h"
 #include "platform/FileStamp.h"
 #include "platform/FileSystemClock.h"
 #include "platform/Fingerprint.h"
@@ -11,12 +12,38 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Orvanta {
+
+/// The clock of the file system that holds a folder, read when it is first needed. Any thread may call any function.
+class LateClock {
+public:
+    /// The folder is made for that if need be.
+    explicit LateClock(std::string folder) : folder_(std::move(folder)) {}
+
+    /// Reads the clock, unless that has been done.
+    void Read();
+
+    /// FileSystemClock::IsOlder. False where the file system gives no clock: nothing counts as old then, so that files
+    /// are read once more and units run once more.
+    [[nodiscard]] bool IsOlder(const FileStamp& stamp, std::chrono::steady_clock::time_point moment);
+
+private:
+    std::string folder_;
+    std::once_flag once_;
+    std::optional<FileSystemClock> clock_; // absent where there is none
+};
+
+/// What a look at a file has told.
+struct FileLook {
+    std::chrono::steady_clock::time_point moment; ///< before the look: what happens in between counts as later
+    StampAnswer file;
+    Fingerprint content; ///< when it was read
+    bool isRead = false; ///< whether that was possible
+};
 
 /// The files that units are made of, in all versions that some unit saw. Each file is looked up on disk once in a run,
 /// and read only where its stamp does not tell whether it is a known version.
@@ -42,9 +69,9 @@ public:
     /// Takes over what an earlier run knew. To be called before any other function.
     void Adopt(PathTable paths, std::vector<FileVersion> versions);
 
-    /// Reads the clock of the file system, unless that has been done. To be called before a unit begins, so that what
-    /// happens to this machine's clock meanwhile, as when it sleeps, makes no new file look old.
-    void ReadClock();
+    /// Reads the clock of the file system. To be called before a unit begins, so that what happens to this machine's
+    /// clock meanwhile, as when it sleeps, makes no new file look old.
+    void ReadClock() { clock_.Read(); }
 
     /// The number of the file that a core has reported for a unit which runs in `directory`.
     [[nodiscard]] FileNumber NumberOf(std::string_view reported, const std::string& directory);
@@ -67,14 +94,8 @@ public:
     /// The file that it is a version of.
     [[nodiscard]] FileNumber FileOf(VersionNumber version) const;
 
-    /// By version: the file that it is a version of.
-    [[nodiscard]] std::vector<FileNumber> Files() const;
-
     /// Looks at the file, as LookAt does; absent when there is none.
     [[nodiscard]] std::optional<FileStamp> StampOfFile(FileNumber file);
-
-    /// Whether the file is not there for certain.
-    [[nodiscard]] bool IsGone(FileNumber file);
 
     /// Looks once more at the files whose versions VersionSeenBy has given out: where one has changed since, units may
     /// have seen it one way or the other, and what was given out becomes a version that is not known.
@@ -83,27 +104,24 @@ public:
     /// Whether more is known of a version than was adopted: worth saving.
     [[nodiscard]] bool HasLearned() const;
 
-    /// Copies the versions that `lists` name, and the paths of their files, and puts their new numbers into `lists`.
-    void CopyUsed(std::span<VersionNumber> lists, PathTable& paths, std::vector<FileVersion>& versions);
+    /// The tables, which nobody changes as long as it lives.
+    struct Held {
+        std::unique_lock<std::mutex> lock;
+        const VersionTable& table;
+    };
+
+    /// Gives the tables out to be saved: what was learned so far counts as saved.
+    [[nodiscard]] Held HoldToSave();
 
     /// The path of the file, absolute, as it is looked up on disk.
     [[nodiscard]] std::string PathOf(FileNumber file) const;
 
-    /// By file: its path.
-    [[nodiscard]] std::vector<std::string> Paths() const;
-
 private:
-    static constexpr VersionNumber None{0xFFFFFFFFU};
-
     /// What is known of a file in this run.
     struct File {
         std::once_flag once;
-        Moment looked;                  // set by the look, as all up to `isKnown`
-        std::optional<FileStamp> stamp; // absent: no file
-        Fingerprint content;            // when it is no known version
-        bool isKnown = false;           // whether the content could be read
-        VersionNumber current = None;   // the version that it is, guarded by mutex_, as all that follows
-        VersionNumber firstVersion = None;
+        FileLook look;                              // its content only when it is no known version
+        VersionNumber current = VersionTable::None; // the version that it is, guarded by mutex_, as all that follows
         bool isGivenOut = false;
         bool isDoubted = false;
     };
@@ -114,42 +132,18 @@ private:
     File& Looked(FileNumber number);
     /// Looks at the file and reads it if need be. Only by way of `Looked`, which calls it once.
     void Look(FileNumber number, File& file);
-    /// Sets the content and, where it had to be taken again, the stamp with its moment; leaves the file unknown when it
-    /// does not hold still.
-    void ReadContent(File& file, const std::string& path);
     /// Sets `current` where a known version can be told without reading the file.
-    void FindCurrent(File& file, const Lock& lock);
-    /// Whether any other content would have another stamp; false without a clock.
-    [[nodiscard]] bool IsProven(const FileStamp& stamp, Moment looked);
+    void FindCurrent(FileNumber number, File& file, const Lock& lock);
     /// May read the file, under the lock.
     [[nodiscard]] bool HasChangedSince(const File& file, const std::string& path, const Lock& lock);
     /// Whether it is known what a unit saw that was begun at `begin`.
-    [[nodiscard]] bool IsTold(const File& file, Moment begin, const Lock& lock) const;
+    [[nodiscard]] bool IsTold(const File& file, Moment begin, const Lock& lock);
 
-    // Those with a `lock` want it to be held by the caller. What they return lasts beyond it only for a File.
-    [[nodiscard]] File& FileAt(FileNumber number, const Lock& lock);
-    /// Lasts until a version is added.
-    [[nodiscard]] FileVersion& At(VersionNumber version, const Lock& lock);
-    /// The next older version of the same file; `None` behind the last.
-    [[nodiscard]] VersionNumber Next(VersionNumber version, const Lock& lock) const;
-    /// The newest version of the file that was seen in this way, or `None`.
-    [[nodiscard]] VersionNumber FindVersion(const File& file, Sight sight, const Lock& lock) const;
-    /// Puts a version in front of the file's others.
-    VersionNumber AddVersion(File& file, const FileVersion& version, const Lock& lock);
-    /// For sights that say nothing of a content, of which one version for each file is enough.
-    VersionNumber FindOrAddVersion(FileNumber number, Sight sight, const Lock& lock);
-    /// Makes a File for each path that has none yet.
-    void AddFiles(const Lock& lock);
-
-    std::string folder_;
-    std::once_flag clockOnce_;
-    std::optional<FileSystemClock> clock_; // absent where the file system gives none
+    LateClock clock_;
 
     mutable std::mutex mutex_;
-    PathTable paths_;                        // guarded by mutex_, as all that follows
-    std::vector<FileVersion> versions_;      //
-    std::vector<VersionNumber> nextVersion_; // of the same file, by version
-    std::deque<File> files_;                 // by file; its elements stay where they are
+    VersionTable table_;     // guarded by mutex_, as all that follows
+    std::deque<File> files_; // by file; as far as one was asked for; its elements stay where they are
     bool hasLearned_ = false;
 };
 

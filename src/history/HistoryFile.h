@@ -1,5 +1,6 @@
 #pragma once
 
+#include "history/FingerprintedFile.h"
 #include "history/Numbers.h"
 #include "history/PathTable.h"
 #include "platform/FileStamp.h"
@@ -8,11 +9,14 @@
 #include <cstdint>
 #include <istream>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <vector>
 
 // The binary file of a history, `unit_history.bin`: a head, and then the tables of HistoryData as they stand in memory,
-// so that a hundred thousand units are read with five calls and no parsing. A checksum over all of it tells damage; the
-// version in the head tells another layout. Such a file is not converted: all that it holds can be learned anew.
+// so that a hundred thousand units are read with five calls and no parsing. A checksum of all that tells damage; it
+// stands at the end, so that the file can be written row by row. The version in the head tells another layout. Such a
+// file is not converted: all that it holds can be learned anew.
 
 namespace Orvanta {
 
@@ -59,13 +63,17 @@ struct KnownUnit {
     [[nodiscard]] std::uint64_t ListSize() const noexcept { return std::uint64_t{named} + added + unnamed; }
 };
 
-/// What the binary file holds.
-struct HistoryData {
+/// What the binary file tells beside its tables.
+struct HistoryHead {
     ContentFingerprint info;        ///< the `depend_info.json` that names the same files as this
     ContentFingerprint earlierInfo; ///< the one before it, which may lack some
     FileStamp infoStamp; ///< of the file `info`, when another content would have another stamp; all zero when not known
     std::uint64_t findingsNumber = 0; ///< of the file with the findings; 0: there is none
     std::uint64_t findingsEnd = 0;    ///< how much of it counts
+};
+
+/// What the binary file holds.
+struct HistoryData : HistoryHead {
     PathTable paths;
     std::vector<FileVersion> versions;
     std::vector<KnownUnit> units;
@@ -77,13 +85,40 @@ enum class HistoryChecksum {
     Ignore, ///< for whoever tests what is told apart without it
 };
 
-/// Reads what WriteHistoryFile wrote. Makes nothing that is much larger than the
-/// file.
+/// Reads what HistoryFileWriter wrote. Makes nothing that is much larger than the file.
 /// \throws ZelmException when it is damaged, cut short, of another version or something else; the text is the reason
-[[nodiscard]] HistoryData ReadHistory(std::istream& input, HistoryChecksum checksum = HistoryChecksum::Compare);
+[[nodiscard]] HistoryData ReadHistory(std::istream& input, HistoryChecksum checking = HistoryChecksum::Compare);
 
-/// Replaces the file at `path` in one step.
-/// \throws FileException
-void WriteHistoryFile(const std::string& path, const HistoryData& history);
+/// How many rows the tables of a file have, in their order there.
+struct HistoryCounts {
+    std::uint64_t textSize = 0; ///< of all paths together
+    std::uint64_t paths = 0;
+    std::uint64_t versions = 0;
+    std::uint64_t units = 0;
+    std::uint64_t lists = 0;
+};
+
+/// Writes the binary file, and replaces the one at `path` in one step. All functions throw FileException.
+class HistoryFileWriter {
+public:
+    HistoryFileWriter(const std::string& path, const HistoryHead& head, const HistoryCounts& counts);
+
+    /// To be called for all paths, one behind the other.
+    void AddText(std::string_view path) { file_.Append(path); }
+
+    /// Behind those, for each row of each table, in the order of HistoryCounts.
+    template <typename Row>
+    void AddRow(const Row& row) {
+        // Bytes of a gap would be whatever stood there, and the checksum another one each time.
+        static_assert(std::has_unique_object_representations_v<Row>);
+        file_.Append({reinterpret_cast<const char*>(&row), sizeof row});
+    }
+
+    /// The last call: the file is there.
+    void Commit();
+
+private:
+    FingerprintedFile file_;
+};
 
 } // namespace Orvanta

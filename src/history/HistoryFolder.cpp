@@ -116,34 +116,39 @@ std::optional<HistoryData> HistoryFolder::ReadBinary() {
     return std::nullopt;
 }
 
-void HistoryFolder::Write(HistoryData& history, InfoWriting writing,
-                          const std::function<void(DependencyInfoWriter&)>& writeInfo) {
+void HistoryFolder::Write(Contents contents, InfoWriting writing) {
     const std::string infoPath = JoinPath(path_, InfoName);
-    const std::string binaryPath = JoinPath(path_, BinaryName);
     // All that can be found out beforehand is, before anything is replaced.
     MakeFolders(path_);
     RequireFileOrNothing(infoPath);
-    RequireFileOrNothing(binaryPath);
+    RequireFileOrNothing(JoinPath(path_, BinaryName));
+    HistoryHead& head = contents.head;
     const ContentFingerprint onDisk = infoOnDisk_.value_or(ContentFingerprint());
     if (writing != InfoWriting::Replace) {
-        (writing == InfoWriting::StandsBehind ? history.earlierInfo : history.info) = onDisk;
-        history.infoStamp = writing == InfoWriting::Stands ? infoStamp_ : FileStamp();
-        WriteHistoryFile(binaryPath, history);
+        (writing == InfoWriting::StandsBehind ? head.earlierInfo : head.info) = onDisk;
+        head.infoStamp = writing == InfoWriting::Stands ? infoStamp_ : FileStamp();
+        WriteBinary(contents);
         hasLearned_ = false;
         return;
     }
     // The new file is whole on disk before the binary file names it, and takes its place after that.
     DependencyInfoWriter writer(infoPath);
-    writeInfo(writer);
-    history.earlierInfo = onDisk;
-    history.info = writer.Finish();
+    contents.writeInfo(writer);
+    head.earlierInfo = onDisk;
+    head.info = writer.Finish();
     // A kill behind this finds an old file, which the binary file knows as the one before.
-    WriteHistoryFile(binaryPath, history);
+    WriteBinary(contents);
     writer.Commit();
-    infoOnDisk_ = history.info;
+    infoOnDisk_ = head.info;
     // Too young to prove anything; the next run learns it.
     infoStamp_ = {};
     hasLearned_ = false;
+}
+
+void HistoryFolder::WriteBinary(const Contents& contents) const {
+    HistoryFileWriter writer(JoinPath(path_, BinaryName), contents.head, contents.counts);
+    contents.writeTables(writer);
+    writer.Commit();
 }
 
 } // namespace Orvanta

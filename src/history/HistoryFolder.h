@@ -57,10 +57,18 @@ public:
         Replace,
     };
 
-    /// Replaces the binary file, and then `depend_info.json` if need be, for which `writeInfo` fills the writer. The
-    /// binary file tells of both, the old one and the new one: at no moment is there one that does not belong to it.
+    /// What is written. The head lacks what the folder itself knows: all of `depend_info.json`.
+    struct Contents {
+        HistoryHead head;
+        HistoryCounts counts;
+        std::function<void(HistoryFileWriter&)> writeTables;
+        std::function<void(DependencyInfoWriter&)> writeInfo;
+    };
+
+    /// Replaces the binary file, and then `depend_info.json` if need be. The binary file tells of both, the old one and
+    /// the new one: at no moment is there one that does not belong to it.
     /// \throws FileException; what was there before is there still
-    void Write(HistoryData& history, InfoWriting writing, const std::function<void(DependencyInfoWriter&)>& writeInfo);
+    void Write(Contents contents, InfoWriting writing);
 
     /// The `depend_info.json` that was read turned out to be of no use.
     void ForgetInfo() noexcept { infoOnDisk_.reset(); }
@@ -69,6 +77,7 @@ public:
     [[nodiscard]] bool HasInfo() const noexcept { return infoOnDisk_.has_value(); }
 
 private:
+    void WriteBinary(const Contents& contents) const;
     /// False too when the folder's clock can't be read.
     [[nodiscard]] bool IsProven(const FileStamp& stamp, std::chrono::steady_clock::time_point looked) const;
 

@@ -1,9 +1,9 @@
 #include "history/HistoryRecord.h"
 
+#include "history/KnownUnits.h"
+
 #include <algorithm>
 #include <charconv>
-#include <iterator>
-#include <unordered_map>
 
 namespace Orvanta {
 
@@ -12,10 +12,8 @@ HistoryRecord::HistoryRecord(std::span<const UnitIdentity> identities) : identit
 }
 
 void HistoryRecord::Adopt(std::vector<KnownUnit> known, std::vector<VersionNumber> lists) {
-    units_.assign(RunSize(), {});
+    units_ = MatchUnits(identities_, std::move(known));
     lists_ = std::move(lists);
-    FindNamesakes(known);
-    NumberNewUnits();
     for (std::size_t unit = 0; unit < RunSize(); ++unit) {
         KnownUnit& row = units_[unit];
         // The dependency information tells the arguments too.
@@ -23,81 +21,6 @@ void HistoryRecord::Adopt(std::vector<KnownUnit> known, std::vector<VersionNumbe
         row.arguments = identities_[unit].arguments;
     }
     isDirty = isDirty || isInfoBehind;
-}
-
-// Units are mostly asked for in their order, in which they were written.
-void HistoryRecord::FindNamesakes(std::vector<KnownUnit>& known) {
-    // Numbers of known units begin with 1.
-    constexpr std::size_t Taken = 0; // of namesake
-    std::unordered_multimap<std::uint64_t, std::size_t> places;
-    const auto find = [&](std::size_t unit, bool hasSameArguments) {
-        // Made when the order fails for the first time, and never in a build that has not changed.
-        if (places.empty()) {
-            for (std::size_t place = 0; place < known.size(); ++place) {
-                places.emplace(known[place].source.low, place);
-            }
-        }
-        std::size_t best = known.size();
-        const auto [first, last] = places.equal_range(units_[unit].source.low);
-        for (auto place = first; place != last; ++place) {
-            const KnownUnit& row = known[place->second];
-            if (row.namesake != Taken && row.source == units_[unit].source &&
-                (!hasSameArguments || row.arguments == identities_[unit].arguments)) {
-                // The first in the file: the order within the map says nothing.
-                best = std::min(best, place->second);
-            }
-        }
-        return best;
-    };
-    const auto take = [](KnownUnit& row) {
-        const KnownUnit taken = row;
-        row.namesake = Taken;
-        return taken;
-    };
-    std::vector<std::size_t> missed;
-    std::size_t next = 0;
-    for (std::size_t unit = 0; unit < RunSize(); ++unit) {
-        units_[unit].source = FingerprintOf(identities_[unit].id);
-        const bool isNext = next < known.size() && known[next].namesake != Taken &&
-                            known[next].source == units_[unit].source &&
-                            known[next].arguments == identities_[unit].arguments;
-        const std::size_t place = isNext ? next : known.empty() ? known.size() : find(unit, true);
-        if (place == known.size()) {
-            // In a second pass: those with equal arguments come first, so that none is taken away from its own unit.
-            missed.push_back(unit);
-            units_[unit].namesake = Taken;
-            continue;
-        }
-        units_[unit] = take(known[place]);
-        next = place + 1;
-    }
-    for (const std::size_t unit : missed) {
-        if (const std::size_t place = known.empty() ? known.size() : find(unit, false); place != known.size()) {
-            units_[unit] = take(known[place]);
-        }
-    }
-    std::copy_if(known.begin(), known.end(), std::back_inserter(units_),
-                 [](const KnownUnit& row) { return row.namesake != Taken; });
-}
-
-void HistoryRecord::NumberNewUnits() {
-    const auto isNew = [](const KnownUnit& row) {
-        return row.namesake == 0;
-    };
-    if (std::none_of(units_.begin(), units_.end(), isNew)) {
-        return;
-    }
-    // Two sources with one hash share their numbers, which then have gaps: that does no harm.
-    std::unordered_map<std::uint64_t, std::uint32_t> greatest;
-    for (const KnownUnit& row : units_) {
-        std::uint32_t& namesake = greatest[row.source.low];
-        namesake = std::max(namesake, row.namesake);
-    }
-    for (KnownUnit& row : units_) {
-        if (isNew(row)) {
-            row.namesake = ++greatest[row.source.low];
-        }
-    }
 }
 
 std::span<const VersionNumber> HistoryRecord::ListOf(std::size_t unit) const {
@@ -113,11 +36,6 @@ std::span<const VersionNumber> HistoryRecord::EarlierNamedOf(std::size_t unit) c
     return replaced == replacedLists_.end()
                ? NamedOf(unit)
                : std::span(lists_).subspan(replaced->second.first, replaced->second.second);
-}
-
-std::string HistoryRecord::IdOf(std::size_t unit) const {
-    const std::uint32_t namesake = units_[unit].namesake;
-    return identities_[unit].id + (namesake > 1 ? " (" + std::to_string(namesake) + ")" : "");
 }
 
 bool HistoryRecord::HasList(std::size_t unit) const {
@@ -142,7 +60,7 @@ void HistoryRecord::SetList(std::size_t unit, const SeenList& list, bool namesSa
     isInfoBehind = isInfoBehind || !namesSameFiles;
     // The first list that was replaced is that of the run's beginning, and stays.
     replacedLists_.try_emplace(unit, row.listBegin, std::size_t{row.named} + row.added);
-    PutList(row, list);
+    PutList(unit, list);
     // What was found with other files is no result of these.
     ForgetResult(unit);
 }
@@ -169,7 +87,8 @@ void HistoryRecord::LeaveOut(std::size_t unit) {
     }
 }
 
-void HistoryRecord::PutList(KnownUnit& row, const SeenList& list) {
+void HistoryRecord::PutList(std::size_t unit, const SeenList& list) {
+    KnownUnit& row = units_[unit];
     row.hasList = 1;
     row.named = static_cast<std::uint32_t>(list.named);
     row.added = static_cast<std::uint32_t>(list.added);
@@ -179,11 +98,7 @@ void HistoryRecord::PutList(KnownUnit& row, const SeenList& list) {
     lists_.insert(lists_.end(), list.versions.begin(), list.versions.end());
 }
 
-void HistoryRecord::ReadList(std::size_t unit, const SeenList& list) {
-    PutList(units_[unit], list);
-}
-
-void HistoryRecord::ReadNoList(std::size_t unit) {
+void HistoryRecord::DropList(std::size_t unit) {
     KnownUnit& row = units_[unit];
     row.listBegin = 0;
     row.named = row.added = row.unnamed = row.sourcePlace = 0;
@@ -212,21 +127,8 @@ void HistoryRecord::DropOthers(const std::function<bool(std::size_t unit)>& isGo
     }
 }
 
-HistoryData HistoryRecord::Copy(std::vector<std::size_t>& units) const {
-    HistoryData history;
-    for (std::size_t unit = 0; unit < Size(); ++unit) {
-        KnownUnit row = units_[unit];
-        // Of such a unit nothing is known that a run could use.
-        if (row.hasList == 0 && row.leftOutWith == Fingerprint{}) {
-            continue;
-        }
-        const std::span<const VersionNumber> list = ListOf(unit);
-        row.listBegin = history.lists.size();
-        history.lists.insert(history.lists.end(), list.begin(), list.end());
-        history.units.push_back(row);
-        units.push_back(unit);
-    }
-    return history;
+std::string JoinId(const std::string& id, std::uint32_t namesake) {
+    return id + (namesake > 1 ? " (" + std::to_string(namesake) + ")" : "");
 }
 
 std::pair<std::string_view, std::uint32_t> SplitId(std::string_view id) {
@@ -235,7 +137,7 @@ std::pair<std::string_view, std::uint32_t> SplitId(std::string_view id) {
     if (opening != std::string_view::npos && id.ends_with(')')) {
         const std::string_view digits = id.substr(opening + 2, id.size() - opening - 3);
         const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), namesake);
-        // A source may itself end in parentheses, as "a (copy)" does: only what IdOf writes is taken off.
+        // A source may itself end in parentheses, as "a (copy)" does: only what JoinId writes is taken off.
         if (error == std::errc() && end == digits.data() + digits.size() && namesake > 1) {
             return {id.substr(0, opening), namesake};
         }

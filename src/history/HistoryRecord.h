@@ -43,8 +43,7 @@ public:
     /// Knows nothing but the units of a run.
     explicit HistoryRecord(std::span<const UnitIdentity> identities);
 
-    /// Takes over what an earlier run knew. A unit of this run is found by its id; of several with the same, by its
-    /// arguments, and otherwise the first that is left is taken for it.
+    /// Takes over what an earlier run knew; MatchUnits says of which unit.
     void Adopt(std::vector<KnownUnit> known, std::vector<VersionNumber> lists);
 
     /// How many units are known, those of the run included.
@@ -67,14 +66,8 @@ public:
     /// The same, as it was when this run began.
     [[nodiscard]] std::span<const VersionNumber> EarlierNamedOf(std::size_t unit) const;
 
-    /// The id of a unit of the run in the dependency information, where it stands once.
-    [[nodiscard]] std::string IdOf(std::size_t unit) const;
-
     /// Whether the list is known and was made with the unit's inputs of now.
     [[nodiscard]] bool HasList(std::size_t unit) const;
-
-    /// Whether its last run was a success, with whatever inputs it had.
-    [[nodiscard]] bool HasResult(std::size_t unit) const { return units_[unit].hasResult != 0; }
 
     /// Whether the unit was left out with the inputs that it has now.
     [[nodiscard]] bool IsLeftOut(std::size_t unit) const;
@@ -92,20 +85,17 @@ public:
     /// The unit is left out by rules that its inputs hold, and has no result.
     void LeaveOut(std::size_t unit);
 
-    /// The dependency information itself gives the unit this list, and what the unit saw of its files stands.
-    void ReadList(std::size_t unit, const SeenList& list);
+    /// Puts the list in the place of the one that the unit has, and leaves all else.
+    void PutList(std::size_t unit, const SeenList& list);
 
-    /// It gives none: what was known of the unit's files and findings has no say any more.
-    void ReadNoList(std::size_t unit);
+    /// What was known of the unit's files and findings has no say any more.
+    void DropList(std::size_t unit);
 
     /// Adds a unit that is not of this run; returns its place.
     std::size_t AddOther(const Fingerprint& source, std::uint32_t namesake);
 
     /// Drops the units that are not of this run and for which `isGone` holds.
     void DropOthers(const std::function<bool(std::size_t unit)>& isGone);
-
-    /// The rows worth keeping and their lists, without what no unit needs any more. `units` are their places here.
-    [[nodiscard]] HistoryData Copy(std::vector<std::size_t>& units) const;
 
     /// Whether the dependency information on disk lacks something.
     bool isInfoBehind = false;
@@ -114,13 +104,6 @@ public:
     bool isDirty = false;
 
 private:
-    /// Fills the rows of the run's units with what is known of them, and puts what is left of `known` behind them.
-    void FindNamesakes(std::vector<KnownUnit>& known);
-    /// Gives each unit without a number one that no other unit of its source has.
-    void NumberNewUnits();
-    /// Puts a list behind all others and lets the row tell of it.
-    void PutList(KnownUnit& row, const SeenList& list);
-
     std::span<const UnitIdentity> identities_;
     std::vector<KnownUnit> units_;
     std::vector<VersionNumber> lists_; // of all units; a list that is replaced stays where it is
@@ -128,7 +111,11 @@ private:
     std::unordered_map<std::size_t, std::pair<std::size_t, std::size_t>> replacedLists_;
 };
 
-/// The parts of an id in the dependency information: UnitIdentity::id, and which of several units with it.
+/// The id of a unit in the dependency information, where it stands once: of UnitIdentity::id, and which of several
+/// units with that it is.
+[[nodiscard]] std::string JoinId(const std::string& id, std::uint32_t namesake);
+
+/// The parts of such an id.
 [[nodiscard]] std::pair<std::string_view, std::uint32_t> SplitId(std::string_view id);
 
 } // namespace Orvanta

@@ -1,12 +1,13 @@
 #include "history/HistoryState.h"
 
+#include "history/HistoryExtract.h"
 #include "history/NamedDependencies.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 
 #include <algorithm>
 #include <optional>
-#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace Orvanta {
@@ -80,34 +81,37 @@ UnitHistory::ReadResult HistoryState::ReadLists() {
 /// Forgets the units of other runs whose source is gone: nothing else says that they will not be back. Those without a
 /// list are not worth keeping.
 void HistoryState::DropGoneUnits() {
+    const auto isFileGone = [this](FileNumber file) {
+        // Asked once more: no stamp can also mean that a folder stands there, or that it can't be told.
+        return !files.StampOfFile(file) && LookAt(files.PathOf(file)).kind == PathKind::Nothing;
+    };
     std::vector<bool> isGone;
     for (std::size_t unit = record.RunSize(); unit < record.Size(); ++unit) {
         const std::span<const VersionNumber> list = record.ListOf(unit);
-        isGone.push_back(list.empty() || files.IsGone(files.FileOf(list[record[unit].sourcePlace])));
+        isGone.push_back(list.empty() || isFileGone(files.FileOf(list[record[unit].sourcePlace])));
     }
     const Lock lock(mutex);
     const std::size_t first = record.RunSize();
     record.DropOthers([&](std::size_t unit) { return isGone[unit - first]; });
 }
 
-void HistoryState::FillInfo(DependencyInfoWriter& writer, const HistoryData& history,
-                            const std::vector<std::size_t>& units) {
+void HistoryState::FillInfo(DependencyInfoWriter& writer, std::span<const std::size_t> units,
+                            const VersionTable& known) const {
     std::vector<FileNumber> named;
-    const auto add = [&](std::size_t place, const std::string& id, std::span<const std::string> arguments) {
-        const KnownUnit& row = history.units[place];
+    const auto add = [&](std::size_t unit, const std::string& id, std::span<const std::string> arguments) {
         named.clear();
-        for (std::size_t at = 0; at < std::size_t{row.named} + row.added; ++at) {
-            named.push_back(history.versions[PlaceOf(history.lists[row.listBegin + at])].file);
+        for (const VersionNumber version : record.NamedOf(unit)) {
+            named.push_back(known[version].file);
         }
         const std::span<const FileNumber> all = named;
-        writer.Add(id, arguments, history.paths, all.first(row.named), all.subspan(row.named));
+        writer.Add(id, arguments, known.Paths(), all.first(record[unit].named), all.subspan(record[unit].named));
     };
-    std::unordered_map<std::size_t, std::size_t> others; // unit to place
-    for (std::size_t place = 0; place < units.size(); ++place) {
-        if (units[place] >= record.RunSize()) {
-            others.emplace(units[place], place);
-        } else if (history.units[place].hasList != 0) {
-            add(place, record.IdOf(units[place]), commands[units[place]].arguments.ToVector());
+    std::unordered_set<std::size_t> others;
+    for (const std::size_t unit : units) {
+        if (unit >= record.RunSize()) {
+            others.insert(unit);
+        } else if (record[unit].hasList != 0) {
+            add(unit, JoinId(identities[unit].id, record[unit].namesake), commands[unit].arguments.ToVector());
         }
     }
     if (others.empty() || !folder.HasInfo()) {
@@ -117,61 +121,60 @@ void HistoryState::FillInfo(DependencyInfoWriter& writer, const HistoryData& his
     InfoMatcher matcher(record);
     folder.ReadInfo([&](const DependencyInfoEntry& entry) {
         for (const std::size_t unit : matcher.UnitsOf(entry)) {
-            if (const auto other = others.find(unit); other != others.end() && entry.id) {
-                add(other->second, *entry.id, entry.arguments);
-                others.erase(other);
+            if (entry.id && others.erase(unit) != 0) {
+                add(unit, *entry.id, entry.arguments);
             }
         }
     });
 }
 
-// Only the copy is made under the lock, so that the workers go on while it is written. Looks at files belong into it: a
-// version that is given out between the look and the copy would be saved unchecked.
+// The lock is held while it is written: what is saved must be what stands at one moment, and a copy of it would be as
+// large as all that a run over a hundred thousand unchanged units holds. It costs little, as SaveNowAndThen saves
+// rarely. Looks at files belong under the lock too: a version that is given out between the look and the writing would
+// be saved unchecked.
+void HistoryState::Write(bool isLast, const Lock&) {
+    // The last moment: what has changed since it was given out must not be saved as seen.
+    files.DoubtChanged();
+    if (std::unique_ptr<FindingsStore> compact =
+            isLast ? CompactFindings(*findings, folder.Path(), record.Units()) : nullptr) {
+        findings = std::move(compact);
+    }
+    auto writing = HistoryFolder::InfoWriting::Stands;
+    if (!folder.HasInfo() || (isLast && record.isInfoBehind)) {
+        writing = HistoryFolder::InfoWriting::Replace;
+    } else if (record.isInfoBehind) {
+        writing = HistoryFolder::InfoWriting::StandsBehind;
+    }
+    const FileVersions::Held held = files.HoldToSave();
+    const HistoryExtract extract(record, held.table);
+    HistoryHead head;
+    head.findingsNumber = findings->Number();
+    head.findingsEnd = findings->End();
+    folder.Write({head, extract.Counts(), [&](HistoryFileWriter& writer) { extract.WriteTo(writer); },
+                  [&](DependencyInfoWriter& writer) {
+                      FillInfo(writer, extract.Units(), held.table);
+                  }},
+                 writing);
+    record.isDirty = false;
+    record.isInfoBehind = record.isInfoBehind && writing != HistoryFolder::InfoWriting::Replace;
+}
+
 bool HistoryState::Save(Extent extent) {
     const bool isLast = extent == Extent::All;
     // Before the other lock, as everywhere.
     const Lock oneAtATime(saving_);
     const Clock::time_point begin = Clock::now();
-    HistoryData history;
-    std::vector<std::size_t> units;
-    auto writing = HistoryFolder::InfoWriting::Stands;
-    bool wasInfoBehind = false;
     if (isLast) {
         DropGoneUnits();
     }
     try {
-        {
-            const Lock lock(mutex);
-            record.isDirty = record.isDirty || files.HasLearned() || folder.HasLearned();
-            if (!record.isDirty) {
-                return true;
-            }
-            // The last moment: what has changed since it was given out must not be saved as seen.
-            files.DoubtChanged();
-            if (std::unique_ptr<FindingsStore> compact =
-                    isLast ? CompactFindings(*findings, folder.Path(), record.Units()) : nullptr) {
-                findings = std::move(compact);
-            }
-            history = record.Copy(units);
-            files.CopyUsed(history.lists, history.paths, history.versions);
-            history.findingsNumber = findings->Number();
-            history.findingsEnd = findings->End();
-            wasInfoBehind = record.isInfoBehind;
-            if (!folder.HasInfo() || (isLast && wasInfoBehind)) {
-                writing = HistoryFolder::InfoWriting::Replace;
-            } else if (wasInfoBehind) {
-                writing = HistoryFolder::InfoWriting::StandsBehind;
-            }
-            // Already here: what a worker adds while the file is written is for the next save.
-            record.isDirty = false;
-            record.isInfoBehind = wasInfoBehind && writing != HistoryFolder::InfoWriting::Replace;
-        }
-        folder.Write(history, writing, [&](DependencyInfoWriter& writer) { FillInfo(writer, history, units); });
-    } catch (const FileException& exception) {
         const Lock lock(mutex);
-        // Not all was written, so all of it is still to be saved.
-        record.isDirty = true;
-        record.isInfoBehind = record.isInfoBehind || wasInfoBehind;
+        record.isDirty = record.isDirty || files.HasLearned() || folder.HasLearned();
+        if (!record.isDirty) {
+            return true;
+        }
+        Write(isLast, lock);
+    } catch (const FileException& exception) {
         // In between the next save may go well; at the end nobody else would tell.
         if (isLast) {
             folder.Tell(exception, Loss::New);

@@ -62,8 +62,10 @@ private:
     [[nodiscard]] UnitHistory::ReadResult ReadLists();
     /// Looks at the sources of the units that are not of this run. Takes the lock itself.
     void DropGoneUnits();
-    /// Adds an entry for each unit with a list. `units` are the places in the record of those of `history`.
-    void FillInfo(DependencyInfoWriter& writer, const HistoryData& history, const std::vector<std::size_t>& units);
+    /// Writes all; a worker that needs the lock waits.
+    void Write(bool isLast, const Lock& lock);
+    /// Adds an entry for each unit that has a list.
+    void FillInfo(DependencyInfoWriter& writer, std::span<const std::size_t> units, const VersionTable& known) const;
 
     std::mutex saving_;                          // one at a time; taken before `mutex`
     Clock::time_point lastSaved_ = Clock::now(); // guarded by saving_

@@ -178,7 +178,7 @@ void NamedDependencies::PutIntoRecord() {
     SeenVersions seen;
     for (std::size_t unit = 0; unit < record_.Size(); ++unit) {
         if (!named_[unit]) {
-            record_.ReadNoList(unit);
+            record_.DropList(unit);
             continue;
         }
         seen.Begin();
@@ -188,7 +188,7 @@ void NamedDependencies::PutIntoRecord() {
             seen.Add(file, before[place], place < record_[unit].named);
             named_[unit]->source = place == record_[unit].sourcePlace ? file : named_[unit]->source;
         }
-        record_.ReadList(unit, ListOf(unit, *named_[unit], seen));
+        record_.PutList(unit, ListOf(unit, *named_[unit], seen));
         named_[unit].reset();
     }
     record_.isDirty = true; // the binary file is to belong to this JSON file

@@ -34,10 +34,6 @@ FileNumber PathTable::Add(std::string_view path, std::uint64_t directorySize) {
             return entry->second;
         }
     }
-    return AddNew(path, directorySize);
-}
-
-FileNumber PathTable::AddNew(std::string_view path, std::uint64_t directorySize) {
     text_ += path;
     entries_.push_back({text_.size(), directorySize});
     return static_cast<FileNumber>(Size() - 1);

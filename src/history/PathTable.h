@@ -33,9 +33,6 @@ public:
     /// The number of a path, new or old.
     [[nodiscard]] FileNumber Add(std::string_view path, std::uint64_t directorySize);
 
-    /// Adds a path that is not in the table, which is not looked at.
-    FileNumber AddNew(std::string_view path, std::uint64_t directorySize);
-
     /// How many paths there are; numbers go from 0 on.
     [[nodiscard]] std::size_t Size() const noexcept { return entries_.size(); }
 

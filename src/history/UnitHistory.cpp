@@ -7,6 +7,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 namespace Orvanta {
@@ -65,8 +66,11 @@ bool UnitHistory::State::HasCurrentList(std::size_t unit) {
 /// Whether what the last success of the unit found can be read. It is looked at here, before anything relies on it:
 /// when the report is written it is too late to run the unit.
 bool UnitHistory::State::HasFindings(std::size_t unit) {
-    if (!record.HasResult(unit) || findings->IsIntact(record[unit].findings)) {
-        return record.HasResult(unit);
+    if (record[unit].hasResult == 0) {
+        return false;
+    }
+    if (findings->IsIntact(record[unit].findings)) {
+        return true;
     }
     folder.Tell(FileException(findings->Path(), "the findings kept here are damaged"), Loss::Known);
     record.ForgetResult(unit);
@@ -189,7 +193,7 @@ bool UnitHistory::KnowsDependencies(std::size_t unit) {
 
 bool UnitHistory::IsUnchanged(std::size_t unit) {
     return IsLeftOut(unit) ||
-           (state_->record.HasResult(unit) && state_->HasCurrentList(unit) && state_->HasFindings(unit));
+           (state_->record[unit].hasResult != 0 && state_->HasCurrentList(unit) && state_->HasFindings(unit));
 }
 
 bool UnitHistory::IsLeftOut(std::size_t unit) {
@@ -203,18 +207,16 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
         sources.push_back(state.SourceOf(unit));
     }
     const WantedFiles wanted(paths);
-    const std::vector<std::string> filePaths = state.files.Paths();
-    const std::vector<FileNumber> fileOf = state.files.Files();
-    std::vector<std::optional<std::vector<std::size_t>>> placesOf(filePaths.size()); // of each file, once it is met
+    std::unordered_map<FileNumber, std::vector<std::size_t>> placesOf; // of each file that was met
     std::vector<bool> isMadeOf(state.record.RunSize());
     found.assign(paths.size(), false);
     // Each file is compared with the wanted ones once, however many units name it.
     const auto meet = [&](std::size_t unit, FileNumber file, bool onlyMissing) {
-        std::optional<std::vector<std::size_t>>& places = placesOf[PlaceOf(file)];
-        if (!places) {
-            places = wanted.PlacesOf(filePaths[PlaceOf(file)], state.files.StampOfFile(file));
+        const auto [places, isNew] = placesOf.try_emplace(file);
+        if (isNew) {
+            places->second = wanted.PlacesOf(state.files.PathOf(file), state.files.StampOfFile(file));
         }
-        for (const std::size_t place : *places) {
+        for (const std::size_t place : places->second) {
             if (!onlyMissing || wanted.IsMissing(place)) {
                 isMadeOf[unit] = found[place] = true;
             }
@@ -223,11 +225,11 @@ std::vector<bool> UnitHistory::UnitsMadeOf(std::span<const std::string> paths, s
     for (std::size_t unit = 0; unit < isMadeOf.size(); ++unit) {
         meet(unit, sources[unit], false);
         for (const VersionNumber version : state.record.NamedOf(unit)) {
-            meet(unit, fileOf[PlaceOf(version)], false);
+            meet(unit, state.files.FileOf(version), false);
         }
         // Only for what is gone: a file that is there is found by what units are made of now.
         for (const VersionNumber version : state.record.EarlierNamedOf(unit)) {
-            meet(unit, fileOf[PlaceOf(version)], true);
+            meet(unit, state.files.FileOf(version), true);
         }
     }
     return isMadeOf;

@@ -46,8 +46,8 @@
 // three tables); one file for each unit (a hundred thousand files).
 //
 // The classes: HistoryRecord is what is known of the units, FileVersions what is known of files, both in memory.
-// HistoryFolder and FindingsStore are the files on disk. HistoryState holds all four and the locks; UnitHistory is what
-// a run sees of it, UnitWatch what the run of a unit does.
+// HistoryFolder and FindingsStore are the files on disk. HistoryState holds all four and the locks, and saves what a
+// HistoryExtract says is worth it; UnitHistory is what a run sees of it, UnitWatch what the run of a unit does.
 
 namespace Orvanta {
 

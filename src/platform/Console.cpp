@@ -40,7 +40,7 @@ MessagePlace PlaceOfMessages() noexcept {
     return messagePlace.load();
 }
 
-void WriteToStandardOutput(std::string_view bytes) noexcept {
+void WriteMessage(std::string_view bytes) noexcept {
     switch (PlaceOfMessages()) {
     case MessagePlace::StandardOutput:
         WriteToStream(StandardStream::Output, bytes);

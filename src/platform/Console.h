@@ -29,11 +29,11 @@ void InstallInterruptHandler(StopFlag& stop);
 
 /// Tells the user something, on standard output unless messages go elsewhere: in one piece, past no buffer of ours, so
 /// that whole lines of several writers don't mix. An output that can't take it is no error.
-void WriteToStandardOutput(std::string_view bytes) noexcept;
+void WriteMessage(std::string_view bytes) noexcept;
 
 /// The same for one line, whose end is added.
 inline void PrintLine(std::string_view line) {
-    WriteToStandardOutput(std::string(line) += '\n');
+    WriteMessage(std::string(line) += '\n');
 }
 
 /// Writes bytes that somebody waits for, such as a report, to standard output, in one piece too. An output that can't
@@ -44,7 +44,7 @@ void WriteResultToStandardOutput(std::string_view bytes);
 /// Whether standard output has refused a result: then the run has failed, whatever else becomes of it.
 [[nodiscard]] bool IsStandardOutputLost() noexcept;
 
-/// What WriteToStandardOutput does, on standard error.
+/// What WriteMessage does, on standard error.
 void WriteToStandardError(std::string_view bytes) noexcept;
 
 /// Waits for bytes on standard input and puts them, as they are, at the front of `target`. Returns how many: 0 at the

@@ -31,7 +31,21 @@ struct FileStamp {
     [[nodiscard]] std::int64_t Newest() const noexcept { return std::max(modified, changed); }
 };
 
-/// The stamp of the file at `path`, links followed; absent when there is nothing, or a folder or a device.
-[[nodiscard]] std::optional<FileStamp> StampOf(const std::string& path);
+/// What the system says of a path. That it can't tell (no right to look, a broken disk, a circle of links) is an answer
+/// of its own, as in PathAnswer: taken for absence, what a unit was made of would be a file that is not there.
+struct StampAnswer {
+    std::optional<FileStamp> stamp; ///< absent when there is nothing, or a folder or a device
+    bool isTold = true;             ///< false: it can't be told, and `stamp` is absent
+
+    bool operator==(const StampAnswer&) const = default;
+};
+
+/// Asks for the stamp of the file at `path`, links followed.
+[[nodiscard]] StampAnswer AskForStamp(const std::string& path);
+
+/// The stamp alone, for those to whom no file and no answer are the same doubt.
+[[nodiscard]] inline std::optional<FileStamp> StampOf(const std::string& path) {
+    return AskForStamp(path).stamp;
+}
 
 } // namespace Orvanta

@@ -20,7 +20,7 @@ struct Log::File {
         } catch (const ZelmException& error) {
             isBroken = true;
             // Told once: a line for every line that is lost would bury the rest.
-            WriteToStandardOutput("The log ends here: " + std::string(error.what()) + '\n');
+            WriteMessage("The log ends here: " + std::string(error.what()) + '\n');
         }
     }
 };
@@ -54,7 +54,7 @@ void Log::VerboseLine(std::string_view text) {
 // One lock for both targets: lines stand in the same order on both.
 void Log::Text(std::string_view text) {
     const std::lock_guard lock(mutex_);
-    WriteToStandardOutput(text);
+    WriteMessage(text);
     if (file_ != nullptr) {
         file_->Write(text);
     }

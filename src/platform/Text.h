@@ -62,4 +62,9 @@ template <std::integral Number>
 /// are.
 [[nodiscard]] std::string FillPlaceholders(std::string_view text, std::initializer_list<std::string_view> values);
 
+/// The text between double quotes, for a message.
+[[nodiscard]] inline std::string InQuotes(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
 } // namespace Orvanta

@@ -3,14 +3,13 @@
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/InputFile.h"
+#include "platform/JsonEvents.h"
 #include "platform/Table.h"
 #include "report/Exceptions.h"
 #include "report/JsonCopy.h"
 #include "report/JsonText.h"
 #include "report/Utf8.h"
 #include "report/WholeFile.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <functional>
@@ -25,10 +24,13 @@ namespace OrvlogConverter {
 
 namespace {
 
-using Json = nlohmann::json;
-
 // A base that does not say by which rules it was made is one of the first.
 constexpr std::uint32_t VersionOfBasesWithoutOne = 1;
+
+// How many objects and lists are open where something stands.
+constexpr std::size_t RootDepth = 1;
+constexpr std::size_t ListDepth = 2;
+constexpr std::size_t EntryDepth = 3;
 
 /// The members of an entry, in the order in which they are written.
 struct FieldRow {
@@ -43,6 +45,61 @@ constexpr FieldRow Fields[] = {
     {"CodeCurrent", nullptr, &SuppressEntry::codeCurrent}, {"CodeNext", nullptr, &SuppressEntry::codeNext},
 };
 
+/// An entry as far as it is read.
+class EntryReading {
+public:
+    void Begin() { *this = {}; }
+
+    /// The value to come is that of the member. False: no entry has such a field.
+    bool Select(std::string_view key) {
+        field_ = Orvanta::FindRow(Fields, &FieldRow::key, key);
+        return field_ != nullptr;
+    }
+
+    [[nodiscard]] bool IsTextWanted() const { return field_ != nullptr && field_->text != nullptr; }
+
+    [[nodiscard]] bool IsNumberWanted() const { return field_ != nullptr && field_->number != nullptr; }
+
+    void SetText(std::string text) {
+        MarkSeen();
+        entry_.*field_->text = std::move(text);
+    }
+
+    void SetNumber(std::uint32_t number) {
+        MarkSeen();
+        entry_.*field_->number = number;
+    }
+
+    /// The members that are no field of an entry.
+    [[nodiscard]] std::string& More() noexcept { return entry_.more; }
+
+    /// An entry without one of the fields would hide other findings than the one it was made for.
+    /// \throws ParseException for such a one
+    [[nodiscard]] SuppressEntry Finish() {
+        for (std::size_t index = 0; index < std::size(Fields); ++index) {
+            if ((seen_ & 1U << index) == 0) {
+                throw ParseException(std::string("field ") + Fields[index].key + " is not found");
+            }
+        }
+        field_ = nullptr;
+        return std::move(entry_);
+    }
+
+private:
+    // A field that stands twice counts with its last value, as in any JSON object.
+    void MarkSeen() { seen_ |= 1U << static_cast<unsigned>(field_ - std::begin(Fields)); }
+
+    SuppressEntry entry_;
+    unsigned seen_ = 0;               // one bit for each field
+    const FieldRow* field_ = nullptr; // of the value to come
+};
+
+/// What a base holds beside its entries.
+struct BaseHead {
+    std::uint32_t version = VersionOfBasesWithoutOne;
+    std::string members; ///< the document's other members, each behind ", "
+};
+
 /// Receives the events of a base's document. Members that are no part of a base are kept as they are.
 class BaseHandler {
 public:
@@ -50,122 +107,79 @@ public:
 
     explicit BaseHandler(TakeEntry takeEntry) : takeEntry_(std::move(takeEntry)) {}
 
-    [[nodiscard]] std::uint32_t Version() const { return version_.value_or(VersionOfBasesWithoutOne); }
-
-    /// The document's other members, each behind ", ".
-    [[nodiscard]] std::string Members() const { return members_; }
+    [[nodiscard]] const BaseHead& Head() const noexcept { return head_; }
 
     // The number, from 1, of the entry that is being read; 0 outside of them. For messages.
     [[nodiscard]] std::size_t Entry() const { return isInWarnings_ ? entryNumber_ : 0; }
 
-    // The parser's events. All return true, which has it go on: what is wrong is thrown.
-    bool null() { return TakeScalar("null", "null"); }
+    // The parser's events.
 
-    bool boolean(bool value) { return TakeScalar("boolean", value ? "true" : "false"); }
-
-    // Only negative ones come here, and no field is negative.
-    bool number_integer(Json::number_integer_t value) { return TakeNumber(std::to_string(value), std::nullopt); }
-
-    bool number_unsigned(Json::number_unsigned_t value) { return TakeNumber(std::to_string(value), value); }
-
-    bool number_float(Json::number_float_t, const std::string& text) { return TakeNumber(text, std::nullopt); }
-
-    // A text, as the value of a field or as part of a copy.
-    bool string(std::string& value) {
+    // A value that no part of a base is made of is fine in a copy, where the text counts, whatever a number's size.
+    void TakeScalar(const Orvanta::JsonScalar& value) {
         if (copy_.IsOpen()) {
-            copy_.Text(value);
-            return true;
+            copy_.Scalar(value.text);
+        } else if (value.type == Orvanta::JsonType::Number && IsNumberWanted()) {
+            TakeNumber(value);
+        } else {
+            RequireNothingElse(value.type);
         }
-        if (field_ == nullptr || field_->text == nullptr) {
-            RequireNothingElse("string");
-            return true;
-        }
-        MarkSeen();
-        entry_.*field_->text = std::move(value);
-        return true;
     }
 
-    bool binary(Json::binary_t&) { return TakeScalar("binary", "null"); }
-
-    // The document itself, an entry, or part of a copy; an object anywhere else is an error or passed over.
-    bool start_object(std::size_t) {
+    void TakeText(std::string& value) {
         if (copy_.IsOpen()) {
-            copy_.Open('{');
-            return true;
+            copy_.Text(value);
+        } else if (entry_.IsTextWanted()) {
+            entry_.SetText(std::move(value));
+        } else {
+            RequireNothingElse(Orvanta::JsonType::Text);
         }
-        if (depth_ != 0 && !(depth_ == ListDepth && isInWarnings_)) {
-            RequireNothingElse("object");
+    }
+
+    // The document itself, its list, an entry, or part of a copy; anywhere else it is an error or passed over.
+    void Open(std::string_view type) {
+        const bool isObject = type == Orvanta::JsonType::Object;
+        if (copy_.IsOpen()) {
+            copy_.Open(isObject ? '{' : '[');
+            return;
         }
-        if (depth_ == ListDepth && isInWarnings_) {
+        if (isObject && depth_ == ListDepth && isInWarnings_) {
             ++entryNumber_;
-            entry_ = {};
-            seen_ = 0;
+            entry_.Begin();
+        } else if (!isObject && depth_ == RootDepth && rootKey_ == "warnings") {
+            isInWarnings_ = hasWarnings_ = true;
+        } else if (!isObject || depth_ != 0) {
+            RequireNothingElse(type);
         }
         ++depth_;
-        return true;
     }
 
     // Decides what the value to come is: a field, the list of entries, or what people have added, which is copied.
-    bool key(std::string& name) {
+    void TakeKey(const std::string& name) {
         if (copy_.IsOpen()) {
             copy_.Key(name);
         } else if (depth_ == RootDepth) {
             rootKey_ = name;
             if (name != "warnings" && name != "version") {
-                BeginCopy(members_, name);
+                BeginCopy(head_.members, name);
             }
-        } else if (depth_ == EntryDepth && isInWarnings_) {
-            field_ = Orvanta::FindRow(Fields, &FieldRow::key, name);
-            if (field_ == nullptr) {
-                BeginCopy(entry_.more, name);
-            }
+        } else if (depth_ == EntryDepth && isInWarnings_ && !entry_.Select(name)) {
+            BeginCopy(entry_.More(), name);
         }
-        return true;
     }
 
     // An entry that is whole goes on at once: only the set of them holds it.
-    bool end_object() {
+    void Close(std::string_view type) {
+        const bool isObject = type == Orvanta::JsonType::Object;
         if (copy_.IsOpen()) {
-            copy_.Close('}');
-            return true;
+            copy_.Close(isObject ? '}' : ']');
+            return;
         }
         --depth_;
-        if (depth_ == ListDepth && isInWarnings_) {
-            RequireAllFields();
-            field_ = nullptr;
-            takeEntry_(std::move(entry_));
+        if (isObject && depth_ == ListDepth && isInWarnings_) {
+            takeEntry_(entry_.Finish());
+        } else if (!isObject) {
+            isInWarnings_ = isInWarnings_ && depth_ != RootDepth;
         }
-        return true;
-    }
-
-    // The list of entries, or part of a copy.
-    bool start_array(std::size_t) {
-        if (copy_.IsOpen()) {
-            copy_.Open('[');
-            return true;
-        }
-        if (depth_ == RootDepth && rootKey_ == "warnings") {
-            isInWarnings_ = hasWarnings_ = true;
-        } else {
-            RequireNothingElse("array");
-        }
-        ++depth_;
-        return true;
-    }
-
-    bool end_array() {
-        if (copy_.IsOpen()) {
-            copy_.Close(']');
-            return true;
-        }
-        --depth_;
-        isInWarnings_ = isInWarnings_ && depth_ != RootDepth;
-        return true;
-    }
-
-    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) {
-        isInWarnings_ = false; // the text says where
-        throw ParseException(error.what());
     }
 
     // A document without the list is some other JSON file, named by mistake: it must not be written over as a base.
@@ -176,42 +190,22 @@ public:
     }
 
 private:
-    // How many objects and lists are open where something stands.
-    static constexpr std::size_t RootDepth = 1;
-    static constexpr std::size_t ListDepth = 2;
-    static constexpr std::size_t EntryDepth = 3;
-
     // Whether the value to come is the version, or a field that is a number.
     [[nodiscard]] bool IsNumberWanted() const {
-        return (depth_ == RootDepth && rootKey_ == "version") ||
-               (depth_ == EntryDepth && field_ != nullptr && field_->number != nullptr);
+        return (depth_ == RootDepth && rootKey_ == "version") || (depth_ == EntryDepth && entry_.IsNumberWanted());
     }
 
-    // `value` is absent for what no field can hold, such as a fraction. In a copy the text counts, whatever its size.
-    bool TakeNumber(const std::string& text, std::optional<Json::number_unsigned_t> value) {
-        if (copy_.IsOpen() || !IsNumberWanted()) {
-            return TakeScalar("number", text);
+    // A number where one is wanted; some no field can hold, such as a fraction.
+    void TakeNumber(const Orvanta::JsonScalar& value) {
+        if (!value.number || *value.number > std::numeric_limits<std::uint32_t>::max()) {
+            throw ParseException("number out of range: " + value.text);
         }
-        if (!value || *value > std::numeric_limits<std::uint32_t>::max()) {
-            throw ParseException("number out of range: " + text);
-        }
+        const auto number = static_cast<std::uint32_t>(*value.number);
         if (depth_ == RootDepth) {
-            version_ = static_cast<std::uint32_t>(*value);
+            head_.version = number;
         } else {
-            MarkSeen();
-            entry_.*field_->number = static_cast<std::uint32_t>(*value);
+            entry_.SetNumber(number);
         }
-        return true;
-    }
-
-    // A value that no part of a base is made of: fine in a copy, an error where something else is wanted.
-    bool TakeScalar(const char* type, std::string_view json) {
-        if (copy_.IsOpen()) {
-            copy_.Scalar(json);
-        } else {
-            RequireNothingElse(type);
-        }
-        return true;
     }
 
     // The next value's text goes behind its key into `members`.
@@ -223,49 +217,32 @@ private:
     }
 
     // For a value of this type: another one may be wanted here.
-    void RequireNothingElse(const std::string& type) {
-        const char* wanted = nullptr;
+    void RequireNothingElse(std::string_view type) {
+        std::string_view wanted;
         if (depth_ == 0 || (depth_ == ListDepth && isInWarnings_)) {
-            wanted = "object";
+            wanted = Orvanta::JsonType::Object;
         } else if (depth_ == RootDepth && rootKey_ == "warnings") {
-            wanted = "array";
+            wanted = Orvanta::JsonType::Array;
         } else if (IsNumberWanted()) {
-            wanted = "number";
-        } else if (depth_ == EntryDepth && field_ != nullptr) {
-            wanted = "string";
+            wanted = Orvanta::JsonType::Number;
+        } else if (depth_ == EntryDepth && entry_.IsTextWanted()) {
+            wanted = Orvanta::JsonType::Text;
         }
-        if (wanted != nullptr) {
-            if (depth_ == ListDepth) {
-                ++entryNumber_;
-            }
-            throw ParseException(std::string("type must be ") + wanted + ", but is " + type);
-        }
-    }
-
-    // A field that stands twice counts with its last value, as in any JSON object.
-    void MarkSeen() { seen_ |= 1U << static_cast<unsigned>(field_ - std::begin(Fields)); }
-
-    // An entry without one of them would hide other findings than the one it was made for.
-    void RequireAllFields() const {
-        for (std::size_t index = 0; index < std::size(Fields); ++index) {
-            if ((seen_ & 1U << index) == 0) {
-                throw ParseException(std::string("field ") + Fields[index].key + " is not found");
-            }
+        if (!wanted.empty()) {
+            entryNumber_ += depth_ == ListDepth ? 1 : 0;
+            throw ParseException("type must be " + std::string(wanted) + ", but is " + std::string(type));
         }
     }
 
     TakeEntry takeEntry_;
-    std::optional<std::uint32_t> version_;
+    BaseHead head_;
     std::size_t depth_ = 0; // of what is no part of a copy
     JsonCopy copy_;         // of a member that is no part of a base
-    std::string members_;
     std::string rootKey_;
     bool isInWarnings_ = false;
     bool hasWarnings_ = false;
-    SuppressEntry entry_;
+    EntryReading entry_;
     std::size_t entryNumber_ = 0;
-    unsigned seen_ = 0;               // one bit for each field
-    const FieldRow* field_ = nullptr; // of the value to come
 };
 
 // On one line, with the fields in the table's order: merges compare lines.
@@ -329,14 +306,16 @@ SuppressBase SuppressBase::Parse(std::istream& text, const std::string& name) {
         // A person's note may be in an old encoding: the base is read all the same.
         Utf8Buffer buffer(text);
         std::istream stream(&buffer);
-        Json::sax_parse(stream, &handler);
+        Orvanta::ReadJson(handler, stream);
         handler.RequireWarnings();
+    } catch (const nlohmann::json::exception& error) {
+        throw ParseException(name + ": " + error.what()); // which says where
     } catch (const ParseException& error) {
         const std::string entry = handler.Entry() == 0 ? "" : ", entry " + std::to_string(handler.Entry());
         throw ParseException(name + entry + ": " + error.what());
     }
-    base.version_ = handler.Version();
-    base.members_ = handler.Members();
+    base.version_ = handler.Head().version;
+    base.members_ = handler.Head().members;
     return base;
 }
 

@@ -234,7 +234,7 @@ void ListDependencies(const Unit& unit) {
         }
         const std::string path = line.substr(begin + 2, end - begin - 2);
         if (!path.ends_with("//") && listed.insert(path).second) {
-            WriteToStandardOutput("<}include{>" + path + "\r\n"); // as it is, on every system
+            WriteMessage("<}include{>" + path + "\r\n"); // as it is, on every system
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "buildinput/trace/TraceLine.h"
 
+#include "platform/Table.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -39,12 +40,8 @@ constexpr std::string_view Attached = " attached";
 constexpr std::string_view AttachedProcess = "strace: Process ";
 
 TraceCall CallByName(std::string_view name) {
-    for (const CallName& row : CallNames) {
-        if (row.name == name) {
-            return row.call;
-        }
-    }
-    return TraceCall::Other;
+    const CallName* const row = FindRow(CallNames, &CallName::name, name);
+    return row != nullptr ? row->call : TraceCall::Other;
 }
 
 void SkipBlanks(std::string_view& text) {

@@ -1,26 +1,19 @@
 #include "buildinput/trace/TraceReader.h"
 
-#include "buildinput/ProgramName.h"
+#include "buildinput/trace/CallFolder.h"
 #include "buildinput/trace/InvocationQueue.h"
 #include "buildinput/trace/LineReader.h"
 #include "buildinput/trace/ProcessTree.h"
-#include "buildinput/trace/TraceCommand.h"
-#include "buildinput/trace/TraceEnvironment.h"
 #include "buildinput/trace/TraceText.h"
 #include "buildinput/trace/TraceWarnings.h"
 #include "buildinput/trace/TracedCall.h"
-#include "platform/Paths.h"
-#include "platform/Text.h"
 
-#include <map>
 #include <utility>
 
 namespace Orvanta {
 
 namespace {
 
-constexpr const char* AdviceForCutTexts =
-    "the trace shows its arguments only in part (\"...\"): trace with strace -f -v -s 1048576";
 constexpr ProcessId UnnamedProcess = 0; // the number of no process
 
 /// Whether a whole call changes what is known. Most don't: failed ones, and files opened only to be read. Who opens a
@@ -40,8 +33,9 @@ bool CanMatter(TraceCall call, std::string_view text) {
 class TraceReader {
 public:
     TraceReader(const std::string& path, InvocationCollector& collector)
-        : warnings_(path, collector.MessageLog()), finder_(collector.Settings()), queue_(collector),
-          tree_([this](const ProcessOrigin& origin) { warnings_.NeverStarted(origin.process, origin.line); }) {}
+        : warnings_(path, collector.MessageLog()), queue_(collector),
+          tree_([this](const ProcessOrigin& origin) { warnings_.NeverStarted(origin.process, origin.line); }),
+          folder_(collector.Settings(), warnings_, queue_, tree_) {}
 
     void ReadLine(std::string_view text, std::size_t number);
     /// To be called behind the last line. False when no line is a trace's.
@@ -55,28 +49,12 @@ private:
     void ReadResumption(TraceProcess& process, std::string_view text, bool isUnfinished);
     void ReadLooseEnd(const TraceLine& line);
     void ReadEnd(const TraceLine& line);
-    void Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine);
-    void AddUnreadable(TraceProcess& process, const TracedCall& call, const char* what, std::size_t callLine);
-    bool Fold(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
-    void FoldStart(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine);
-    bool FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine);
-    void TakeProgramPath(TraceProcess& process, const TracedCall& call);
-    static void FoldFileChange(TraceProcess& process, const TracedCall& call);
-    void FoldOpening(TraceProcess& process, const TracedCall& call);
-    static void RememberOpened(TraceProcess& process, const TracedCall& call);
-    void Execute(TraceProcess& process, TracedCommand command, std::size_t line);
-    void Locate(TraceProcess& process, const std::string& path);
-    void LocateByFile(TraceProcess& process, const std::optional<std::string>& path);
-    void AddLaunchers(const TraceProcess& process);
 
     TraceWarnings warnings_;
-    TracedCommandFinder finder_;
     InvocationQueue queue_;
     ProcessTree tree_;
-    TraceEnvironments environments_;
-    ExecutedProgram program_; // of the execution read last: used again, so that its arrays keep their memory
-    std::map<std::string, std::size_t> passedOver_; // programs that look like compilers and are not known, with calls
-    std::size_t number_ = 0;                        // of the line
+    CallFolder folder_;
+    std::size_t number_ = 0; // of the line
     bool isTrace_ = false;
     ProcessId unnamed_ = UnnamedProcess;        // what the process without a number turned out to be
     std::optional<ProcessId> interrupted_ = {}; // whose call a message of the tracer's own has interrupted
@@ -154,7 +132,7 @@ void TraceReader::ReadCall(const TraceLine& line) {
     }
     // A call that stands in one line: whatever the process had begun before will not be resumed.
     tree_.EndCall(process);
-    Complete(process, line.call, line.text, number_);
+    folder_.Fold(process, line.call, {line.text, number_, number_});
 }
 
 void TraceReader::ReadResumption(TraceProcess& process, std::string_view text, bool isUnfinished) {
@@ -168,7 +146,7 @@ void TraceReader::ReadResumption(TraceProcess& process, std::string_view text, b
     const std::string whole = std::exchange(process.pendingText, {});
     const ProcessId id = process.id;
     if (!HasFailed(whole)) {
-        Complete(process, call, whole, process.pendingLine);
+        folder_.Fold(process, call, {whole, process.pendingLine, number_});
     }
     // Ended only when it has been followed: with no start under way, its child would be taken for a root.
     if (TraceProcess* const still = tree_.Find(id)) {
@@ -192,226 +170,9 @@ void TraceReader::ReadEnd(const TraceLine& line) {
         warnings_.NeverStarted(*line.process, number_);
         return;
     }
-    AddLaunchers(*process);
+    folder_.AddLaunchers(*process);
     tree_.End(*process);
     queue_.Flush();
-}
-
-/// A launcher counts when it has ended and started no compiler.
-void TraceReader::AddLaunchers(const TraceProcess& process) {
-    for (std::shared_ptr<TracedInvocation> launcher = process.invocation; launcher != nullptr;
-         launcher = launcher->replaced) {
-        if (launcher->isTransparent) {
-            queue_.Add(launcher);
-        }
-    }
-}
-
-/// Follows a call that has ended and did not fail.
-void TraceReader::Complete(TraceProcess& process, TraceCall call, std::string_view text, std::size_t callLine) {
-    const TracedCall parsed = ParseTracedCall(call, text);
-    // A call without success is read, and there is nothing to take over of it.
-    const bool isRead = parsed.isReadable && (!parsed.HasSucceeded() || Fold(process, parsed, text, callLine));
-    if (!isRead) {
-        const char* const what = HasResult(text) ? "this call can't be read" : "this call is cut short";
-        warnings_.Malformed(callLine, what);
-        AddUnreadable(process, parsed, what, callLine);
-    }
-}
-
-/// A compiler has been executed, but not all of the call is to be seen: its invocation has failed.
-void TraceReader::AddUnreadable(TraceProcess& process, const TracedCall& call, const char* what, std::size_t callLine) {
-    const bool isExecution = call.call == TraceCall::Execute || call.call == TraceCall::ExecuteAt;
-    if (!isExecution || call.path.raw.empty()) {
-        return;
-    }
-    TakeProgramPath(process, call);
-    if (finder_.IsCompiler(program_.path)) {
-        program_.environment.isWhole = false;
-        TracedCommand command;
-        command.arguments = {program_.path};
-        command.fault = "line " + std::to_string(callLine) + " of the trace: " + what;
-        Execute(process, std::move(command), callLine);
-    }
-}
-
-/// Takes what a call has changed over. False: its arguments can't be read.
-bool TraceReader::Fold(TraceProcess& process, const TracedCall& call, std::string_view text, std::size_t callLine) {
-    switch (call.call) {
-    case TraceCall::Other:
-        break;
-    case TraceCall::Execute:
-    case TraceCall::ExecuteAt:
-        return FoldExecution(process, call, callLine);
-    case TraceCall::Fork:
-        FoldStart(process, call, text, callLine);
-        break;
-    case TraceCall::ChangeDirectory:
-        process.directory->Change(call.path.Decode());
-        break;
-    case TraceCall::ChangeDirectoryFile:
-        FoldFileChange(process, call);
-        break;
-    case TraceCall::GetDirectory:
-        if (!call.path.isCut) {
-            Locate(process, call.path.Decode());
-            queue_.Flush();
-        }
-        break;
-    case TraceCall::Open:
-    case TraceCall::OpenAt:
-        FoldOpening(process, call);
-        break;
-    }
-    return true;
-}
-
-void TraceReader::FoldStart(TraceProcess& process, const TracedCall& call, std::string_view text,
-                            std::size_t callLine) {
-    tree_.Start(process, static_cast<ProcessId>(call.result->value), text, callLine, number_);
-    queue_.Flush();
-}
-
-bool TraceReader::FoldExecution(TraceProcess& process, const TracedCall& call, std::size_t callLine) {
-    TakeProgramPath(process, call);
-    // Most programs of a build are no compilers, and their arguments may be long: they are read only where something
-    // asks.
-    const bool mayCompile = finder_.MayCompile(program_.path);
-    // What a compiler that is known starts is part of its run, and not passed over.
-    if (!mayCompile && LooksLikeCompiler(program_.path) && process.FindEnclosure().invocation == nullptr) {
-        ++passedOver_[std::string(FileNameOf(program_.path, PathRules::Posix))];
-    }
-    const bool needsGuess = process.origin->guessedDirectory.empty() && process.directory->IsStartOf(process.origin);
-    TraceTextReader reader(call.rest);
-    if (mayCompile || needsGuess) {
-        if (!reader.Take(", ") || !reader.TakeArray(program_.arguments) || !reader.Take(", ")) {
-            return false;
-        }
-        if (needsGuess) {
-            process.origin->guessedDirectory = DirectoryVariable(reader.Rest());
-        }
-    }
-    // A program that is executed has a table of its own, even where its process shared one before.
-    if (process.files != nullptr) {
-        process.files = std::make_shared<OpenDirectories>(*process.files);
-        std::erase_if(*process.files, [](const auto& opened) { return opened.second.closesOnExecute; });
-    }
-    if (mayCompile) {
-        // Without -v the tracer shows an address and a number in its place.
-        if (!reader.TakeArray(program_.environment)) {
-            program_.environment.isWhole = false;
-        }
-        if (std::optional<TracedCommand> command = finder_.Find(program_)) {
-            Execute(process, *std::move(command), callLine);
-        }
-    }
-    return true;
-}
-
-/// Reads the path of a program that is executed, by its name or by a file that is open.
-void TraceReader::TakeProgramPath(TraceProcess& process, const TracedCall& call) {
-    call.path.DecodeInto(program_.path);
-    if (call.call == TraceCall::Execute) {
-        return;
-    }
-    std::optional<std::string> folder;
-    if (!call.file) {
-        LocateByFile(process, call.filePath);
-    } else if (call.filePath) {
-        folder = call.filePath;
-    } else if (process.files != nullptr && process.files->contains(*call.file)) {
-        folder = AbsoluteDirectory(process.files->at(*call.file).directory);
-    }
-    program_.path = JoinTracePath(folder.value_or(""), program_.path);
-}
-
-/// A compiler has begun to run.
-void TraceReader::Execute(TraceProcess& process, TracedCommand command, std::size_t line) {
-    if (process.invocation != nullptr && !process.invocation->isTransparent) {
-        return; // a compiler that goes on as another one is one run
-    }
-    auto invocation = std::make_shared<TracedInvocation>();
-    invocation->arguments = std::move(command.arguments);
-    invocation->environment = environments_.Get(program_.environment);
-    invocation->directory = *process.directory;
-    invocation->origin = process.origin;
-    invocation->replaced = process.invocation;
-    invocation->process = process.id;
-    invocation->line = line;
-    invocation->isTransparent = command.isTransparent;
-    invocation->fault = std::move(command.fault);
-    if (command.isCut) {
-        invocation->fault = "line " + std::to_string(line) + " of the trace: " + AdviceForCutTexts;
-    }
-    process.invocation = invocation;
-    // A launcher waits for its end, see AddLaunchers.
-    if (!invocation->isTransparent) {
-        queue_.Add(std::move(invocation));
-    }
-}
-
-void TraceReader::FoldFileChange(TraceProcess& process, const TracedCall& call) {
-    if (call.filePath) {
-        // What the tracer shows itself counts more than what was opened under this number.
-        process.directory->Set(*call.filePath);
-    } else if (call.file && process.files != nullptr && process.files->contains(*call.file)) {
-        *process.directory = process.files->at(*call.file).directory;
-    }
-}
-
-/// The system itself has said where the process works.
-void TraceReader::Locate(TraceProcess& process, const std::string& path) {
-    if (!IsAbsolutePath(path, PathRules::Posix)) {
-        return; // "(unreachable)/..."
-    }
-    const std::shared_ptr<ProcessOrigin> base = process.directory->base;
-    // It has not moved since it began, so that its beginning is known as well, and with it where its children are.
-    if (base != nullptr && !base->directory && process.directory->path.empty()) {
-        base->directory = TraceDirectory{path, nullptr};
-    }
-    process.directory->Set(path);
-}
-
-void TraceReader::LocateByFile(TraceProcess& process, const std::optional<std::string>& path) {
-    // Nothing is learnt where the directory is absolute already, which it mostly is.
-    if (path && process.directory->base != nullptr) {
-        Locate(process, *path);
-        queue_.Flush();
-    }
-}
-
-void TraceReader::FoldOpening(TraceProcess& process, const TracedCall& call) {
-    LocateByFile(process, call.file ? std::nullopt : call.filePath);
-    // A directory is opened to be read, and never created by being opened.
-    const bool isFile =
-        call.rest.find("O_RDONLY") == std::string_view::npos || call.rest.find("O_CREAT") != std::string_view::npos;
-    if (!isFile) {
-        RememberOpened(process, call);
-    }
-}
-
-/// Keeps a file that may be a directory, in the place of one that had the same number.
-void TraceReader::RememberOpened(TraceProcess& process, const TracedCall& call) {
-    if (process.files == nullptr) {
-        process.files = std::make_shared<OpenDirectories>();
-    }
-    OpenDirectory& entry = (*process.files)[call.result->value];
-    entry.closesOnExecute = call.rest.find("O_CLOEXEC") != std::string_view::npos;
-    if (std::optional<std::string> shown = TracePath(call.result->comment)) {
-        entry.directory.Set(*std::move(shown));
-    } else if (call.path.raw.starts_with('/')) {
-        entry.directory.base.reset();
-        call.path.DecodeInto(entry.directory.path); // keeps the memory of the one before
-    } else {
-        if (call.filePath) {
-            entry.directory.Set(*call.filePath);
-        } else if (!call.file) {
-            entry.directory = *process.directory;
-        } else if (process.files->contains(*call.file)) {
-            entry.directory = TraceDirectory(process.files->at(*call.file).directory);
-        }
-        entry.directory.Change(call.path.Decode());
-    }
 }
 
 bool TraceReader::Finish() {
@@ -420,10 +181,10 @@ bool TraceReader::Finish() {
         return false;
     }
     // What lives still will show no end, for which a launcher waits otherwise.
-    tree_.ForEach([this](const TraceProcess& process) { AddLaunchers(process); });
+    tree_.ForEach([this](const TraceProcess& process) { folder_.AddLaunchers(process); });
     tree_.Settle();
     warnings_.Finish();
-    warnings_.PassedOver(passedOver_);
+    warnings_.PassedOver(folder_.PassedOver());
     if (!tree_.HasRoot()) {
         throw ZelmException("No roots found");
     }

@@ -1,5 +1,9 @@
 #include "platform/FileStamp.h"
 
+#include "platform/posix/Descriptor.h"
+
+#include <cerrno>
+
 #include <sys/stat.h>
 
 namespace Orvanta {
@@ -14,15 +18,21 @@ std::int64_t Nanoseconds(const timespec& time) {
 
 } // namespace
 
-std::optional<FileStamp> StampOf(const std::string& path) {
+StampAnswer AskForStamp(const std::string& path) {
     struct stat status {};
 
     // A text with a zero byte in it can't be a path; its beginning might be one.
-    if (path.find('\0') != std::string::npos || ::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return std::nullopt;
+    if (path.find('\0') != std::string::npos) {
+        return {};
     }
-    return FileStamp{static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim),
-                     Nanoseconds(status.st_ctim), status.st_dev, status.st_ino};
+    if (::stat(path.c_str(), &status) != 0) {
+        return {std::nullopt, IsAbsence(errno)};
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return {};
+    }
+    return {FileStamp{static_cast<std::uint64_t>(status.st_size), Nanoseconds(status.st_mtim),
+                      Nanoseconds(status.st_ctim), status.st_dev, status.st_ino}};
 }
 
 } // namespace Orvanta

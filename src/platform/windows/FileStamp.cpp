@@ -23,23 +23,28 @@ std::uint64_t Whole(DWORD high, DWORD low) {
 
 } // namespace
 
-std::optional<FileStamp> StampOf(const std::string& path) {
+StampAnswer AskForStamp(const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) {
-        return std::nullopt;
+        return {};
     }
     // One handle for both questions, so that they are answered for the same file.
     const Handle file = OpenForLooking(path);
     FILE_BASIC_INFO times{};
     BY_HANDLE_FILE_INFORMATION information{};
-    if (!file.IsOpen() || !IsOnDisk(file) ||
-        ::GetFileInformationByHandleEx(file.Get(), FileBasicInfo, &times, sizeof times) == FALSE ||
-        ::GetFileInformationByHandle(file.Get(), &information) == FALSE ||
-        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
-        return std::nullopt;
+    // "NUL", "CON" and their like are found in every folder.
+    if (file.IsOpen() && !IsOnDisk(file)) {
+        return {};
     }
-    return FileStamp{Whole(information.nFileSizeHigh, information.nFileSizeLow), Nanoseconds(times.LastWriteTime),
-                     Nanoseconds(times.ChangeTime), information.dwVolumeSerialNumber,
-                     Whole(information.nFileIndexHigh, information.nFileIndexLow)};
+    if (!file.IsOpen() || ::GetFileInformationByHandleEx(file.Get(), FileBasicInfo, &times, sizeof times) == FALSE ||
+        ::GetFileInformationByHandle(file.Get(), &information) == FALSE) {
+        return {std::nullopt, IsAbsence(::GetLastError())};
+    }
+    if ((information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        return {};
+    }
+    return {FileStamp{Whole(information.nFileSizeHigh, information.nFileSizeLow), Nanoseconds(times.LastWriteTime),
+                      Nanoseconds(times.ChangeTime), information.dwVolumeSerialNumber,
+                      Whole(information.nFileIndexHigh, information.nFileIndexLow)}};
 }
 
 } // namespace Orvanta

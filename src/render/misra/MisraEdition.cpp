@@ -81,6 +81,12 @@ std::string_view NameOf(MisraCategory category) noexcept {
     return CategoryNames[static_cast<std::size_t>(category)].second;
 }
 
+std::string_view MisraEdition::ShortName() const noexcept {
+    std::string_view shortName = name;
+    shortName.remove_prefix(Publisher.size()); // all names begin with it
+    return shortName;
+}
+
 MisraCategory MisraEdition::CategoryOf(const MisraGuideline& guideline) const {
     const auto known = categories.find(guideline);
     return known == categories.end() ? MisraCategory::Unknown : known->second;
@@ -95,7 +101,7 @@ std::span<const MisraEdition> AllMisraEditions() {
 const MisraEdition& MisraEditionNamed(std::string_view name) {
     std::string known;
     for (const MisraEdition& edition : AllMisraEditions()) {
-        const std::string_view shortName = edition.name.substr(Publisher.size());
+        const std::string_view shortName = edition.ShortName();
         if (EqualsIgnoringCase(edition.name, name) || EqualsIgnoringCase(shortName, name)) {
             return edition;
         }

@@ -31,6 +31,9 @@ struct MisraEdition {
     MisraStandard standard = MisraStandard::C;
     std::map<MisraGuideline, MisraCategory> categories;
 
+    /// The name without "MISRA", by which users ask for it: "C:2023".
+    [[nodiscard]] std::string_view ShortName() const noexcept;
+
     /// Unknown for a guideline that the edition does not list.
     [[nodiscard]] MisraCategory CategoryOf(const MisraGuideline& guideline) const;
 };

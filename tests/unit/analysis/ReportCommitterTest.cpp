@@ -2,6 +2,7 @@
 
 #include "report/Exceptions.h"
 #include "report/MessageLine.h"
+#include "support/Findings.h"
 #include "support/TestFolder.h"
 
 #include <gmock/gmock.h>
@@ -16,19 +17,9 @@
 namespace Orvanta {
 namespace {
 
+using OrvlogConverter::FindingSaying;
 using OrvlogConverter::LineFormat;
 using OrvlogConverter::ReportMessage;
-
-ReportMessage Finding(const std::string& text, std::uint32_t level = 1) {
-    ReportMessage message;
-    message.code = "V501";
-    message.message = text;
-    message.level = level;
-    message.positions.resize(1);
-    message.positions[0].file = "/p/a.c";
-    message.positions[0].line = 1;
-    return message;
-}
 
 std::string LineOf(const ReportMessage& message) {
     std::string line;
@@ -68,7 +59,7 @@ TEST(ReportCommitter, KeepsInputOrderWhateverOrderUnitsEndIn) {
     for (std::size_t unit = 0; unit < Units; ++unit) {
         const std::string name = std::to_string(unit);
         results[unit].fragmentPath =
-            folder.Write(name, LineOf(Finding(name + " one")) + LineOf(Finding(name + " two")));
+            folder.Write(name, LineOf(FindingSaying(name + " one")) + LineOf(FindingSaying(name + " two")));
         expected.insert(expected.end(), {name + " one", name + " two"});
         order.push_back(unit);
     }
@@ -96,7 +87,7 @@ TEST(ReportCommitter, CommitsAUnitAsSoonAsItsTurnHasCome) {
     const TestFolder folder;
     MemoryOutput output;
     ReportCommitter committer(3, output);
-    committer.Commit(1, {.ownFindings = {Finding("second")}});
+    committer.Commit(1, {.ownFindings = {FindingSaying("second")}});
     EXPECT_TRUE(output.committed.empty());
     committer.Commit(0, {.status = AnalyzerStatus::Excluded});
     EXPECT_EQ(output.committed, std::vector<std::string>{"second"});
@@ -108,7 +99,7 @@ TEST(ReportCommitter, FetchesWhatIsCarriedOverWhenItsTurnHasCome) {
     ReportCommitter committer(5, output, [&fetched](std::size_t unit) {
         fetched.push_back(unit);
         return unit == 4 ? throw OrvlogConverter::FilesystemException("gone")
-                         : LineOf(Finding("carried " + std::to_string(unit)));
+                         : LineOf(FindingSaying("carried " + std::to_string(unit)));
     });
     const UnitResult carried = {.status = AnalyzerStatus::CarriedOver};
     committer.Commit(1, carried);
@@ -132,9 +123,9 @@ TEST(ReportCommitter, ReportsAFindingOfManyUnitsOnce) {
     const TestFolder folder;
     MemoryOutput output;
     ReportCommitter committer(2, output);
-    committer.Commit(0, {.fragmentPath = folder.Write("0", LineOf(Finding("in a header")))});
-    committer.Commit(1,
-                     {.fragmentPath = folder.Write("1", LineOf(Finding("in a header")) + LineOf(Finding("own", 2)))});
+    committer.Commit(0, {.fragmentPath = folder.Write("0", LineOf(FindingSaying("in a header")))});
+    committer.Commit(
+        1, {.fragmentPath = folder.Write("1", LineOf(FindingSaying("in a header")) + LineOf(FindingSaying("own", 2)))});
     EXPECT_EQ(output.committed, (std::vector<std::string>{"in a header", "own"}));
     EXPECT_EQ(committer.Outcome().findingsByLevel, (std::array<std::size_t, 4>{0, 1, 1, 0}));
 }
@@ -143,11 +134,11 @@ TEST(ReportCommitter, FailsAUnitWithAnUnreadableFindingButKeepsTheOthers) {
     const TestFolder folder;
     MemoryOutput output;
     ReportCommitter committer(2, output);
-    committer.Commit(
-        0, {.fragmentPath = folder.Write("0", LineOf(Finding("good")) + "rubbish\n" + LineOf(Finding("too")))});
+    committer.Commit(0, {.fragmentPath = folder.Write("0", LineOf(FindingSaying("good")) + "rubbish\n" +
+                                                               LineOf(FindingSaying("too")))});
     committer.Commit(1, {.status = AnalyzerStatus::CoreFailed,
                          .reason = "exit 3",
-                         .fragmentPath = folder.Write("1", LineOf(Finding("whole")) + "{\"half")});
+                         .fragmentPath = folder.Write("1", LineOf(FindingSaying("whole")) + "{\"half")});
     EXPECT_EQ(output.committed, (std::vector<std::string>{"good", "too", "whole"}));
     const RunOutcome& outcome = committer.Outcome();
     EXPECT_EQ(outcome.statuses, (std::vector<AnalyzerStatus>{AnalyzerStatus::Failed, AnalyzerStatus::CoreFailed}));
@@ -171,10 +162,10 @@ TEST(ReportCommitter, FailsAUnitWhoseFindingsCannotBeReadAtAll) {
 TEST(ReportCommitter, FailsOnlyTheUnitWhoseFindingsTheReportCouldNotTake) {
     MemoryOutput output;
     ReportCommitter committer(3, output);
-    committer.Commit(0, {.ownFindings = {Finding("first")}});
+    committer.Commit(0, {.ownFindings = {FindingSaying("first")}});
     output.failNext = true;
-    committer.Commit(1, {.ownFindings = {Finding("lost")}});
-    committer.Commit(2, {.ownFindings = {Finding("third")}});
+    committer.Commit(1, {.ownFindings = {FindingSaying("lost")}});
+    committer.Commit(2, {.ownFindings = {FindingSaying("third")}});
     EXPECT_EQ(output.committed, (std::vector<std::string>{"first", "third"}));
     EXPECT_EQ(committer.Outcome().failures, (std::map<std::size_t, std::string>{{1, "no space"}}));
     EXPECT_EQ(committer.Outcome().findingsByLevel[1], 2U);
@@ -184,8 +175,8 @@ TEST(ReportCommitter, DropsWhatAStoppedUnitLeft) {
     const TestFolder folder;
     MemoryOutput output;
     ReportCommitter committer(1, output);
-    committer.Commit(0,
-                     {.status = AnalyzerStatus::Stopped, .fragmentPath = folder.Write("0", LineOf(Finding("half")))});
+    committer.Commit(
+        0, {.status = AnalyzerStatus::Stopped, .fragmentPath = folder.Write("0", LineOf(FindingSaying("half")))});
     EXPECT_TRUE(output.committed.empty());
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "buildinput/InvocationCollector.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 #include "support/TestFolder.h"
 

@@ -26,6 +26,27 @@ TEST(SourceList, NamesOnePathALine) {
     EXPECT_THROW((void)ReadSourceList(folder / "none", folders), ZelmException);
 }
 
+TEST(SourceList, ReadsPathsBetweenQuotesAsGitMeansThem) {
+    struct Case {
+        const char* line;
+        std::vector<std::string> places;
+    };
+
+    const Case cases[] = {
+        {R"("h\303\251.h")", {HostPath("/w/h\xC3\xA9.h"), HostPath("/w/h") + R"(\303\251.h)"}},
+        {R"("a b.c")", {HostPath("/w/a b.c")}},
+        {R"("say \"x\".c")", {HostPath("/w/say \"x\".c"), HostPath("/w/say ") + R"(\"x\".c)"}},
+        {R"("half)", {HostPath("/w/\"half")}},
+        {R"(")", {HostPath("/w/\"")}},
+    };
+    for (const Case& row : cases) {
+        const std::vector<ListedFile> files = ParseSourceList(row.line, std::vector{HostPath("/w")});
+        ASSERT_EQ(files.size(), 1U) << row.line;
+        EXPECT_EQ(files.front().places.front(), row.places.front()) << row.line;
+        EXPECT_EQ(files.front().places.size(), row.places.size()) << row.line;
+    }
+}
+
 } // namespace
 
 } // namespace Orvanta

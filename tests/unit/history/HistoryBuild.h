@@ -17,6 +17,9 @@ namespace Orvanta {
 
 using Names = std::vector<std::string>;
 
+inline const Names Both = {"a.c", "b.c"};
+inline const Names None;
+
 /// A build in a folder of its own, and the history of the runs over it.
 class HistoryBuild {
 public:

@@ -5,6 +5,8 @@
 
 #include <filesystem>
 #include <map>
+#include <optional>
+#include <string>
 
 // What of a history is left after a kill, after damage, and where nothing can be written.
 
@@ -14,9 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using ReadResult = UnitHistory::ReadResult;
-
-const Names Both = {"a.c", "b.c"};
-const Names None;
 
 /// The files of a history as they stood at one moment.
 using Kept = std::map<std::string, std::string>;
@@ -76,6 +75,10 @@ TEST(HistoryFaults, IsOfUseWheneverTheRunIsKilled) {
                 EXPECT_EQ(next->KeptFindings(unit), unit == 0 ? "new in a.c\n" : "new in b.c\n") << row.name;
             }
         }
+        if (row.unchanged == Both) {
+            next->Save(); // makes up for a file that was not replaced
+            EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json"), after.at("depend_info.json")) << row.name;
+        }
     }
 }
 
@@ -112,7 +115,7 @@ TEST(HistoryFaults, ForgetsTheRoomThatOldFindingsTook) {
 /// What stands where a file of the history belongs, the units that still count, and of which file it is told.
 struct DamageCase {
     const char* file;
-    const char* text; // null: a folder
+    std::optional<std::string> text; // absent: a folder
     Names unchanged;
     const char* reason; // null: the run itself tells it
 };
@@ -124,15 +127,17 @@ TEST(HistoryFaults, DamageCostsTheUnitsConcernedAndALine) {
     std::string newer = build.folder.Read(".Orvanta/unit_history.bin");
     newer[8] = '\x7F'; // the version
     std::string flipped = build.folder.Read(".Orvanta/unit_history.bin");
-    flipped.back() ^= 1;
+    flipped[flipped.size() / 2] ^= 1;
+    const std::string cut = flipped.substr(0, flipped.size() - 1);
     const DamageCase rows[] = {
-        {"findings-1", oneDamaged.c_str(), {"b.c"}, "the findings kept here are damaged"},
+        {"findings-1", oneDamaged, {"b.c"}, "the findings kept here are damaged"},
         {"findings-1", "found in a.c\n", {"a.c"}, "findings are missing here"},
-        {"findings-1", nullptr, None, "findings are missing here"},
-        {"unit_history.bin", newer.c_str(), None, "it is damaged"},
-        {"unit_history.bin", flipped.c_str(), None, "it is damaged"},
-        {"unit_history.bin", nullptr, None, "a folder stands where a file belongs"},
-        {"depend_info.json", nullptr, None, nullptr},
+        {"findings-1", {}, None, "findings are missing here"},
+        {"unit_history.bin", newer, None, "another version of this program wrote it"},
+        {"unit_history.bin", flipped, None, "it is damaged"},
+        {"unit_history.bin", cut, None, "it is damaged"},
+        {"unit_history.bin", {}, None, "a folder stands where a file belongs"},
+        {"depend_info.json", {}, None, nullptr},
     };
     const Kept whole = KeptNow(build);
     for (const DamageCase& row : rows) {
@@ -143,18 +148,14 @@ TEST(HistoryFaults, DamageCostsTheUnitsConcernedAndALine) {
         }
         build.told.clear();
         fs::remove(NativePath(path));
-        if (row.text == nullptr) {
-            build.folder.Write(std::string(".Orvanta/") + row.file + "/held", "");
-        } else {
-            build.folder.Write(std::string(".Orvanta/") + row.file, row.text);
-        }
+        build.folder.Write(std::string(".Orvanta/") + row.file + (row.text ? "" : "/held"), row.text.value_or(""));
         auto history = build.Read(row.reason == nullptr ? ReadResult::Unreadable : ReadResult::Read);
         EXPECT_EQ(build.Unchanged(*history), row.unchanged) << path;
         for (const std::size_t unit : {0U, 1U}) {
             build.Run(*history, unit, build.FindingsIn(unit));
             EXPECT_EQ(history->KeptFindings(unit), build.FindingsIn(unit)) << path;
         }
-        const bool isHealed = row.text != nullptr || std::string_view(row.file).starts_with("findings");
+        const bool isHealed = row.text || std::string_view(row.file).starts_with("findings");
         EXPECT_EQ(history->Save(), isHealed) << path;
         ASSERT_EQ(build.told.size(), 1U) << path;
         EXPECT_TRUE(build.told.front().starts_with("Warning: " + path + ": ")) << build.told.front();
@@ -167,6 +168,22 @@ TEST(HistoryFaults, DamageCostsTheUnitsConcernedAndALine) {
             EXPECT_EQ(build.told, None);
         }
     }
+}
+
+// The unit has run and found something else: what it had found before is no result any more.
+TEST(HistoryFaults, KeepsNoOldFindingsWhereNewOnesCanNotBeWritten) {
+    const HistoryBuild build(Both);
+    const fs::path findings = NativePath(build.folder / ".Orvanta/findings-1");
+    {
+        const auto history = build.Read();
+        fs::rename(findings, NativePath(build.folder / "kept"));
+        fs::create_directory(findings);
+        build.Run(*history, 0, "something else\n");
+        history->Save();
+    }
+    fs::remove(findings);
+    fs::rename(NativePath(build.folder / "kept"), findings);
+    EXPECT_EQ(build.Unchanged(*build.Read()), Names{"b.c"});
 }
 
 // A full disk, a missing right, or something else in the place of the folder.

@@ -1,6 +1,7 @@
 #include "history/UnitHistory.h"
 
 #include "HistoryBuild.h"
+#include "history/FileVersions.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using ReadResult = UnitHistory::ReadResult;
-
-const Names Both = {"a.c", "b.c"};
-const Names None;
 
 TEST(UnitHistory, KnowsWhatTheLastRunSawAndFound) {
     const HistoryBuild build(Both);
@@ -141,6 +139,9 @@ TEST(UnitHistory, TellsUnitsOfOneSourceApartByTheirArguments) {
     HistoryBuild build(Names{"a.c", "a.c"});
     build.commands[1].arguments = ArgumentList(Names{"clang", "a.c"});
     build.RunAll();
+    // Another hand has written the lists: they are told apart there too.
+    build.folder.Write(".Orvanta/depend_info.json", build.folder.Read(".Orvanta/depend_info.json") + "\n");
+    EXPECT_EQ(build.Unchanged(*build.Read()), (Names{"a.c", "a.c"}));
     for (const std::size_t alone : {1U, 0U}) {
         HistoryBuild* const part = &build;
         const std::vector<CompileCommand> all = std::exchange(part->commands, {build.commands[alone]});
@@ -211,6 +212,35 @@ TEST(UnitHistory, DoubtsWhatWasChangedAndChangedBackDuringTheRun) {
     build.folder.Write("own.h", "other");
     history->Save();
     EXPECT_EQ(build.Unchanged(*build.Read()), Names{"a.c"});
+}
+
+// A file that a compiler looked for, which was there for a while and seen to be there.
+TEST(UnitHistory, DoubtsTheAbsenceOfWhatWasThereDuringTheRun) {
+    const HistoryBuild build(Both);
+    const Names lookedFor = {build.folder / "specs"};
+    const auto history = build.Read();
+    UnitWatch early = history->Watch(0, lookedFor);
+    UnitWatch late = history->Watch(1, lookedFor);
+    early.Keep(build.DependenciesOf(0), "of a.c");
+    build.folder.Write("specs", "");
+    history->SaveProgress();
+    fs::remove(NativePath(build.folder / "specs"));
+    late.Keep(build.DependenciesOf(1), "of b.c");
+    history->Save();
+    EXPECT_EQ(build.Unchanged(*build.Read()), None);
+}
+
+// One with a time to come could be written again and look the same.
+TEST(FileVersions, AreNotProvenByAStampThatCouldBeGivenOnceMore) {
+    const TestFolder folder;
+    const std::string path = folder.Write("file", "text");
+    fs::last_write_time(NativePath(path), fs::file_time_type::clock::now() + std::chrono::hours(1));
+    FileVersions files(folder.Path());
+    const FileNumber file = files.NumberOf(path, "");
+    files.LookAt(file);
+    const VersionNumber version =
+        files.VersionSeenBy(file, std::chrono::steady_clock::now(), FileVersions::WhenAbsent::Doubt);
+    EXPECT_EQ(files.HoldToSave().table[version].sight, Sight::Young);
 }
 
 TEST(UnitHistory, KeepsFindingsWhenAListingTellsNothingNew) {
@@ -325,6 +355,18 @@ TEST(UnitHistory, KeepsWhatAPersonHasAddedToAList) {
     WriteInfo(build, R"([{"dependencies": ["@/shared.h"], "arguments": ["gcc", "a.c"], "id": "a.c"}])");
     build.RunAll();
     EXPECT_EQ(build.folder.Read(".Orvanta/depend_info.json").find("data.txt"), std::string::npos);
+}
+
+TEST(UnitHistory, MakesUnitsOfProgramsWhoeverWritesTheLists) {
+    const HistoryBuild build(Both);
+    build.folder.Write("core", "a program that no list names");
+    build.RunAll();
+    build.RunAll();
+    build.folder.Write(".Orvanta/depend_info.json", build.folder.Read(".Orvanta/depend_info.json") + "\n");
+    build.Read()->Save();
+    EXPECT_EQ(build.Unchanged(*build.Read()), Both);
+    build.folder.Write("core", "another program");
+    EXPECT_EQ(build.Unchanged(*build.Read()), None);
 }
 
 TEST(UnitHistory, TakesTheListsAsTheyStandInTheFile) {

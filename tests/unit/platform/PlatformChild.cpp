@@ -39,14 +39,14 @@ int HoldLock(const std::string& directory, const std::string& key) {
     if (lock.Take(directory, key) != LockFile::State::Held) {
         return EXIT_FAILURE;
     }
-    WriteToStandardOutput("held\n");
+    WriteMessage("held\n");
     WaitToBeKilled();
 }
 
 int UseTemporaryFolder(bool isToBeKilled) {
     const TemporaryFolder folder;
     std::ofstream(folder.Path() + "/fragment") << "findings";
-    WriteToStandardOutput(folder.Path() + '\n');
+    WriteMessage(folder.Path() + '\n');
     if (isToBeKilled) {
         WaitToBeKilled();
     }
@@ -54,9 +54,9 @@ int UseTemporaryFolder(bool isToBeKilled) {
 }
 
 int Print(std::size_t size) {
-    WriteToStandardOutput(std::string(size, 'o'));
+    WriteMessage(std::string(size, 'o'));
     std::cerr << std::string(size, 'e') << std::flush;
-    WriteToStandardOutput("end");
+    WriteMessage("end");
     return EXIT_SUCCESS;
 }
 
@@ -65,7 +65,7 @@ int ShowArguments(const std::vector<std::string>& arguments) {
     for (const std::string& argument : arguments) {
         text += std::to_string(argument.size()) + ':' + argument;
     }
-    WriteToStandardOutput(text);
+    WriteMessage(text);
     return EXIT_SUCCESS;
 }
 
@@ -76,12 +76,12 @@ int ShowConditions(const std::vector<std::string>& variables) {
         text += name + (value ? '=' + *value : " is not set") + '\n';
     }
     const std::string input{std::istreambuf_iterator<char>(std::cin), {}};
-    WriteToStandardOutput(text + CurrentDirectory() + '\n' + std::to_string(input.size()) + " bytes\n");
+    WriteMessage(text + CurrentDirectory() + '\n' + std::to_string(input.size()) + " bytes\n");
     return EXIT_SUCCESS;
 }
 
 int Fail() {
-    WriteToStandardOutput("out");
+    WriteMessage("out");
     std::cerr << "err" << std::flush;
     return 2;
 }
@@ -99,7 +99,7 @@ int HoldLockUntil(const std::string& directory, const std::string& key, const st
     if (lock.Take(directory, key) != LockFile::State::Held) {
         return EXIT_FAILURE;
     }
-    WriteToStandardOutput("held\n");
+    WriteMessage("held\n");
     TouchFile(JoinPath(directory, "held"));
     WaitForFile(endSign);
     return EXIT_SUCCESS;
@@ -178,7 +178,7 @@ const TaskRow Tasks[] = {
     {"hold-lock-in-grandchild",
      [](const auto& words) -> int {
          if (words.size() > 3) {
-             WriteToStandardOutput(std::to_string(OwnProcessId()) + '\n');
+             WriteMessage(std::to_string(OwnProcessId()) + '\n');
          }
          StartSibling({words.at(0), "hold-lock", words.at(1), words.at(2)});
          WaitToBeKilled();

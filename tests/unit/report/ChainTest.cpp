@@ -2,6 +2,7 @@
 #include "report/MessageFilter.h"
 #include "report/MultipleOutput.h"
 #include "report/SourceRootTransformer.h"
+#include "support/Findings.h"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +12,6 @@ namespace OrvlogConverter {
 namespace {
 
 using FalseAlarms = MessageFilterSettings::FalseAlarms;
-
-ReportMessage Finding(const std::string& code, std::uint32_t level = 1, const std::string& file = "/p/src/a.c",
-                      const std::string& line = "if (a_1 == b2) f();") {
-    return {code, "m", "", {{file, 3, "", line, "", 0, 0, 0}}, 0, level, false};
-}
 
 /// Notes what it is told.
 class Recorder : public IOutput {

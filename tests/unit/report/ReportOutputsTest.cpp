@@ -1,5 +1,6 @@
 #include "report/ReportOutputs.h"
 
+#include "support/Findings.h"
 #include "support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -10,10 +11,6 @@ namespace OrvlogConverter {
 namespace {
 
 using Orvanta::TestFolder;
-
-ReportMessage Finding(const std::string& code) {
-    return {code, "m", "", {{"a.c", 1, "", "", "", 0, 0, 0}}, 0, 1, false};
-}
 
 std::string LineOf(const std::string& code, LineFormat format) {
     std::string line;

@@ -13,6 +13,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <iterator>
+#include <sstream>
+
 namespace OrvlogConverter {
 namespace {
 
@@ -223,6 +226,24 @@ TEST(Utf8, IsToldFromWhatOnlyLooksLikeIt) {
     for (const std::string_view text : {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
                                         "\xF4\x90\x80\x80", "\x80", "\xFF", "\xC3", "\xE1\x80", "\xC3("}) {
         EXPECT_FALSE(IsValidUtf8(text)) << text;
+    }
+}
+
+// Read in blocks, each text is what it is as a whole, wherever a block cuts it.
+TEST(Utf8, IsReadAcrossTheBordersOfBlocks) {
+    for (const std::string_view piece : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xF0\x9F\x98(", "\xE2\x82"}) {
+        for (std::size_t shift = 0; shift < 4; ++shift) {
+            std::string text(shift, 'a');
+            while (text.size() < std::size_t{200} << 10U) {
+                text += piece;
+            }
+            std::istringstream bytes(text);
+            Utf8Buffer buffer(bytes);
+            std::string read(std::istreambuf_iterator<char>(&buffer), {});
+            std::string expected;
+            AppendValidUtf8(expected, text);
+            EXPECT_TRUE(read == expected) << testing::PrintToString(piece) << " behind " << shift;
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "suppress/LineHash.h"
 
+#include "support/Findings.h"
 #include "suppress/SuppressEntry.h"
 
 #include <gtest/gtest.h>
@@ -78,26 +79,22 @@ TEST(NormalizeText, LeavesNumbersAndSpacingOut) {
     }
 }
 
-ReportMessage Finding(const std::string& file, const std::string& text, const std::string& line = "x = 1;") {
-    return {"V501", text, "", {{file, 3, "before", line, "after", 0, 0, 0}}, 0, 1, false};
-}
-
 TEST(SuppressEntry, StaysWhenCodeMoves) {
-    const SuppressEntry entry = MakeSuppressEntry(Finding("/p/a.c", "size 12"), 2);
+    const SuppressEntry entry = MakeSuppressEntry(FindingSaying("size 12", 1, "/p/a.c"), 2);
     EXPECT_EQ(entry, (SuppressEntry{"a.c", "V501", "size _", HashLine("before", 2), HashLine("x = 1;", 2),
                                     HashLine("after", 2)}));
-    ReportMessage moved = Finding("C:\\q\\a.c", "size 7  ");
+    ReportMessage moved = FindingSaying("size 7  ", 1, "C:\\q\\a.c");
     moved.positions.front().line = 99;
     moved.level = 3;
     EXPECT_EQ(MakeSuppressEntry(moved, 2), entry);
-    EXPECT_NE(MakeSuppressEntry(Finding("/p/b.c", "size 12"), 2), entry);
-    EXPECT_NE(MakeSuppressEntry(Finding("/p/a.c", "Size 12"), 2), entry);
-    EXPECT_NE(MakeSuppressEntry(Finding("/p/a.c", "size 12", "x = 2;"), 2), entry);
+    EXPECT_NE(MakeSuppressEntry(FindingSaying("size 12", 1, "/p/b.c"), 2), entry);
+    EXPECT_NE(MakeSuppressEntry(FindingSaying("Size 12", 1, "/p/a.c"), 2), entry);
+    EXPECT_NE(MakeSuppressEntry(FindingSaying("size 12", 1, "/p/a.c", "x = 2;"), 2), entry);
     EXPECT_EQ(MakeSuppressEntry({}, 2), SuppressEntry());
 }
 
 TEST(SuppressEntry, TakesHashesThatTheMessageBrings) {
-    ReportMessage message = Finding("a.c", "m");
+    ReportMessage message = FindingSaying("m", 1, "a.c");
     MessagePosition& first = message.positions.front();
     first.prevHash = 1;
     first.currHash = 2;

@@ -2,6 +2,7 @@
 
 #include "report/Exceptions.h"
 #include "support/ErrorOf.h"
+#include "support/Findings.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +10,6 @@ namespace OrvlogConverter {
 namespace {
 
 using Orvanta::ErrorOf;
-
-ReportMessage Finding(const std::string& code, const std::string& file = "/p/src/test.c", std::uint32_t line = 22) {
-    return {code, "m", "", {{file, line, "", "", "", 0, 0, 0}}, 0, 1, false};
-}
 
 SuppressFilterSettings Files(const std::vector<std::string>& values) {
     SuppressFilterSettings settings;
@@ -46,14 +43,14 @@ TEST(SuppressFilter, ChoosesByFileLineLevelAndCode) {
     const FilterCase cases[] = {
         {"nothing set", {}, Finding("V501"), true},
         {"disabled", disabled, Finding("V501"), false},
-        {"file", Files({"test.c"}), Finding("V501"), true},
+        {"file", Files({"a.c"}), Finding("V501"), true},
         {"part of a path", Files({"src"}), Finding("V501"), true},
-        {"file and line", Files({"test.c:22"}), Finding("V501"), true},
-        {"other line", Files({"test.c:23"}), Finding("V501"), false},
-        {"line 0", Files({"test.c:0"}), Finding("V501"), true},
+        {"file and line", Files({"a.c:3"}), Finding("V501"), true},
+        {"other line", Files({"a.c:4"}), Finding("V501"), false},
+        {"line 0", Files({"a.c:0"}), Finding("V501"), true},
         {"other file", Files({"other.c"}), Finding("V501"), false},
-        {"one of two", Files({"other.c", "test.c:22"}), Finding("V501"), true},
-        {"no position", Files({"test.c"}), nowhere, false},
+        {"one of two", Files({"other.c", "a.c:3"}), Finding("V501"), true},
+        {"no position", Files({"a.c"}), nowhere, false},
         {"level", Analyzers("GA:2"), Finding("V501"), false},
         {"analyzer", Analyzers("GA"), Finding("V501"), true},
         {"code", Numbers({501, 502}), Finding("V501"), true},
@@ -77,11 +74,11 @@ TEST(SuppressFilter, RejectsFilesWithTheirFault) {
     constexpr std::string_view IsPath =
         "You can only use name of the file in the '--file' argument. Specifying file path is not supported.";
     const FaultCase cases[] = {
-        {{"test.c:x"}, "invalid stoul argument"},
-        {{"test.c:"}, "invalid stoul argument"},
-        {{"test.c:2x"}, "invalid stoul argument"},
-        {{"test.c:-2"}, "invalid stoul argument"},
-        {{"test.c:99999999999999999999"}, "stoul argument out of range"},
+        {{"a.c:x"}, "invalid stoul argument"},
+        {{"a.c:"}, "invalid stoul argument"},
+        {{"a.c:2x"}, "invalid stoul argument"},
+        {{"a.c:-2"}, "invalid stoul argument"},
+        {{"a.c:99999999999999999999"}, "stoul argument out of range"},
         {{":22"}, OnlyLine},
         {{":0"}, OnlyLine},
         {{"src/test.c"}, IsPath},

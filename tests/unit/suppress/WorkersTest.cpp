@@ -2,6 +2,7 @@
 #include "report/JsonMessage.h"
 #include "report/RawLine.h"
 #include "support/ErrorOf.h"
+#include "support/Findings.h"
 #include "support/TestFolder.h"
 #include "suppress/FilterWorker.h"
 #include "suppress/SuppressBase.h"
@@ -20,19 +21,15 @@ namespace {
 using OrvlogConverter::ReportMessage;
 using OrvlogConverter::SuppressBase;
 
-ReportMessage Finding(const std::string& text) {
-    return {"V501", text, "", {{"/p/a.c", 3, "before", text, "after", 0, 0, 0}}, 0, 1, false};
-}
-
 std::string JsonLine(const std::string& text) {
     std::string line;
-    OrvlogConverter::AppendJsonMessage(line, Finding(text));
+    OrvlogConverter::AppendJsonMessage(line, OrvlogConverter::FindingSaying(text));
     return line + "\n";
 }
 
 std::string RawLine(const std::string& text) {
     std::string line;
-    OrvlogConverter::AppendRawLine(line, Finding(text));
+    OrvlogConverter::AppendRawLine(line, OrvlogConverter::FindingSaying(text));
     return line + "\n";
 }
 

@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include "platform/Exceptions.h"
+#include "platform/FileStamp.h"
 #include "platform/LockFile.h"
 #include "platform/posix/FileSwap.h"
 #include "support/ErrorOf.h"
@@ -82,6 +83,7 @@ TEST(PathOnPosix, ThatCannotBeToldIsNotTakenForNothing) {
     const PathAnswer answer = LookAt(circle);
     EXPECT_FALSE(answer.kind.has_value());
     EXPECT_FALSE(answer.IsThere());
+    EXPECT_FALSE(AskForStamp(circle).isTold);
     const std::string reason = "Too many levels of symbolic links";
     EXPECT_EQ(answer.reason, reason);
     const std::function<void()> questions[] = {

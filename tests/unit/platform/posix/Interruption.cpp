@@ -29,7 +29,7 @@ int BeInterrupted() {
     if (other.IsSet()) {
         return EXIT_FAILURE;
     }
-    WriteToStandardOutput("stopped\n");
+    WriteMessage("stopped\n");
     return EXIT_SUCCESS;
 }
 

@@ -52,7 +52,7 @@ int BeInterrupted() {
             return EXIT_FAILURE;
         }
     }
-    WriteToStandardOutput("stopped\n");
+    WriteMessage("stopped\n");
     // Not by way of exit: Wine crashes when it meets a thread that is just ending with its event.
     ::TerminateProcess(::GetCurrentProcess(), EXIT_SUCCESS);
     return EXIT_FAILURE;
