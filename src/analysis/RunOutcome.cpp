@@ -10,6 +10,9 @@ namespace Orvanta {
 void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     statuses[unit] = result.status;
     inSystemFolders += result.isInSystemFolder ? 1 : 0;
+    if (result.importsModules) {
+        importingModules.insert(unit);
+    }
     if (IsFailure(result.status)) {
         // Nobody reads the reason of the result after this.
         failures.emplace(unit, std::move(result.reason));

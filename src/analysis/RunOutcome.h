@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct RunOutcome {
     std::array<std::size_t, 4> findingsByLevel = {}; ///< findings in the report; [0] counts those without a level
     std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
     std::size_t inSystemFolders = 0;                 ///< units that were excluded because they lie there
+    std::set<std::size_t> importingModules = {};     ///< units whose text lacks what the modules export
     bool isReportKept = false;                       ///< the report stands as it was: its findings were not counted
 
     /// Takes over how a unit ended, and why.

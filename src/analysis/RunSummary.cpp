@@ -6,6 +6,7 @@
 #include <array>
 #include <iomanip>
 #include <map>
+#include <set>
 #include <sstream>
 
 namespace Orvanta {
@@ -174,6 +175,15 @@ std::string SummaryText(const CollectedCommands& commands, const RunOutcome& out
         text += "The results are saved to " + reportPath + "\n";
     }
     return text;
+}
+
+std::string ModulesText(const CollectedCommands& commands, const RunOutcome& outcome) {
+    const std::set<std::size_t>& units = outcome.importingModules;
+    if (units.empty()) {
+        return "";
+    }
+    return "Source files that import modules: " + std::to_string(units.size()) + ", the first is " +
+           SourcePath(commands.units[*units.begin()]) + ". What modules export is not known to the core.\n";
 }
 
 std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome) {

@@ -36,6 +36,9 @@ struct InvocationCounts {
 [[nodiscard]] std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome,
                                       std::chrono::milliseconds elapsed, const std::string& reportPath);
 
+/// The line that says how many units import modules, and names the first; empty when none does.
+[[nodiscard]] std::string ModulesText(const CollectedCommands& commands, const RunOutcome& outcome);
+
 /// The lines that name every failed unit and invocation with its reason; empty when there is none.
 [[nodiscard]] std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome);
 

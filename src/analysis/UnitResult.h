@@ -13,6 +13,7 @@ struct UnitResult {
     AnalyzerStatus status = AnalyzerStatus::Analyzed;
     std::string reason = {};                                      ///< of a failure
     bool isInSystemFolder = false;                                ///< why it was excluded
+    bool importsModules = false;                                  ///< what those export is not in its text
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
 };

@@ -2,6 +2,7 @@
 
 #include "analysis/DependencyLines.h"
 #include "analysis/FileChanges.h"
+#include "analysis/ModuleImports.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
 #include "analysis/ProcessRun.h"
@@ -67,6 +68,15 @@ UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, 
     return {AnalyzerStatus::PreprocessingFailed, std::move(text)};
 }
 
+// Spares the look at the texts of nearly all builds.
+bool MayImportModules(const UnitPlan& plan) {
+    const auto standard = plan.settings.find("std");
+    return plan.parsed.effects.Has(FlagEffect::UsesModules) ||
+           (standard != plan.settings.end() &&
+            standard->second == StandardWord(FlagKind::StandardCpp20, Language::Cpp) &&
+            UnitLanguage(plan.parsed) == Language::Cpp);
+}
+
 // A failure has thrown by then: only the end and a stop are left.
 AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
     return lastStep == ProcessOutcome::Succeeded ? AnalyzerStatus::Analyzed : AnalyzerStatus::Stopped;
@@ -94,6 +104,7 @@ UnitResult UnitRun::Run(const UnitWork& work) {
         result.status = AnalyzerStatus::Failed;
         result.reason = error.what();
     }
+    result.importsModules = importsModules_;
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
@@ -277,6 +288,7 @@ std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen)
 }
 
 AnalyzerStatus UnitRun::AnalyzeText() {
+    importsModules_ = MayImportModules(plan_) && ImportsModules(ReadWholeFile(plan_.files.preprocessedPath));
     // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
     RequireNone(plan_.files.fragmentPath, context_.places);
     fragmentPath_ = plan_.files.fragmentPath;

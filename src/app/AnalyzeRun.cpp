@@ -169,6 +169,7 @@ void AnalyzeRun::End(const RunEnding& ending) {
                           "has them analyzed.");
             }
         }
+        log_.Text(ModulesText(commands, outcome));
         progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath));
     } else {
         progress_.Finish(ending.summary);

@@ -3,6 +3,7 @@
 #include "analysis/RunSummary.h"
 #include "buildinput/CommandStringSplitter.h"
 #include "buildinput/InvocationCollector.h"
+#include "buildinput/ProgramName.h"
 #include "buildinput/SourceList.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -80,6 +81,19 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
     }
 }
 
+// A name with a slip in it would leave a compiler's files out in silence, where another name lets some in.
+void TellUnmatchedNames(const std::vector<std::string>& names, const CollectedCommands& commands, Log& log) {
+    for (const std::string& name : names) {
+        const bool isOfSome =
+            std::any_of(commands.units.begin(), commands.units.end(), [&name](const CompileCommand& unit) {
+                return IsProgramNamed(unit.arguments[0], name) || (unit.wrapped && IsProgramNamed("ccache", name));
+            });
+        if (!isOfSome) {
+            log.Line("-C " + name + ": this compiler compiles no source file of the input");
+        }
+    }
+}
+
 } // namespace
 
 std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
@@ -114,6 +128,9 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     }
     CollectedCommands commands = collector.Take();
     TellSkipped(commands, log);
+    if (!options.sourceFile) { // with which the option filters nothing
+        TellUnmatchedNames(options.compilers, commands, log);
+    }
     return commands;
 }
 

@@ -184,8 +184,9 @@ private:
         if (name == "/dev/null") {
             return InputKind::NullDevice;
         }
-        if (name.size() > 1 && name.front() == '@') {
-            return InputKind::MissingResponseFile; // those that are there have been expanded
+        // Those that are there have been expanded. "@VERSION@" is a word of a template, as build steps hand it on.
+        if (name.size() > 1 && name.front() == '@' && name.back() != '@') {
+            return InputKind::MissingResponseFile;
         }
         return stated_ ? *stated_ : model_.KindOfInput(name, ofAll_);
     }

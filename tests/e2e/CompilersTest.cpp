@@ -154,6 +154,18 @@ TEST_F(CompilersTest, SourcesInSystemFoldersAreLeftOutUnlessWanted) {
     EXPECT_EQ(sandbox.CoreCalls().size(), 2U);
 }
 
+TEST_F(CompilersTest, ImportsOfModulesAreToldOnce) {
+    for (const auto& [source, text] :
+         {std::pair{"plain.cpp", "int x;\n"}, {"a.cpp", "import m;\n"}, {"b.cpp", "module m;\n"}}) {
+        sandbox.AddUnit(source, {}, {"-std=c++20"});
+        sandbox.Write(source, text);
+    }
+    const RunResult result = sandbox.Analyze({"-j", "2"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(result.Count("Source files that import modules: 2, the first is " + sandbox.Path("a.cpp") + "."), 1U)
+        << result;
+}
+
 } // namespace
 
 } // namespace Orvanta

@@ -161,19 +161,25 @@ TEST_F(OptionsTest, AnalyzeOnlyLeavesTheOthersOut) {
     EXPECT_EQ(OnlyCall().Setting("source-file"), sandbox.Path("lib/b.c")) << result;
 }
 
-TEST_F(OptionsTest, CompilerFilterIgnoresCaseAndSuffix) {
+TEST_F(OptionsTest, CompilerFilterTakesNamesAndPathsAndTellsWhatMatchesNothing) {
     const std::string other = sandbox.AddCompiler("other-gcc", "gcc 12\n");
-    sandbox.Write("b.c", "int b;\n");
+    const std::string elsewhere = sandbox.Path("elsewhere/fake-gcc");
     sandbox.AddUnit("a.c");
-    sandbox.AddEntry({{other, "-c", sandbox.Path("b.c")}});
-    for (const char* const name : {"FAKE-gcc", "fake-gcc.exe"}) {
+    sandbox.AddUnit("b.c");
+    sandbox.Write("c.c", "int c;\n");
+    sandbox.AddEntry({{other, "-c", sandbox.Path("c.c")}});
+    const std::string compiler = sandbox.Path("tools/fake-gcc");
+    for (const std::string& name : {std::string("FAKE-gcc"), std::string("fake-gcc.exe"), compiler}) {
         sandbox.ForgetCoreCalls();
-        const RunResult result = sandbox.Analyze({"-C", name});
+        const RunResult result = sandbox.Analyze({"-C", name, "-C", elsewhere});
         EXPECT_EQ(result.exitCode, 0) << result;
-        EXPECT_EQ(OnlyCall().Setting("source-file"), sandbox.Path("a.c")) << result;
+        EXPECT_EQ(sandbox.AnalyzedSources(), (std::vector{sandbox.Path("a.c"), sandbox.Path("b.c")})) << result;
+        EXPECT_TRUE(result.Says("Skipped: 1 the compiler \"" + other + "\" is not one of those asked for")) << result;
+        EXPECT_TRUE(result.Says("-C " + elsewhere + ": this compiler compiles no source file of the input")) << result;
+        EXPECT_FALSE(result.Says("-C " + name + ":")) << result;
     }
-    EXPECT_EQ(sandbox.Analyze({"-C", "fake-gcc", "-C", "other-gcc"}).exitCode, 0);
-    EXPECT_EQ(sandbox.CoreCalls().size(), 3U);
+    EXPECT_EQ(sandbox.Analyze({"-C", "fake-gcc", "-C", other}).exitCode, 0);
+    EXPECT_EQ(sandbox.CoreCalls().size(), 5U);
 }
 
 TEST_F(OptionsTest, GivenVariablesGoOverTheEntrysGoOverTheDriversOwn) {

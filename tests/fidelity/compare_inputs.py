@@ -3,9 +3,10 @@
 
 Builds real projects under strace, has the driver read the trace and the database, and compares what it would analyze:
 the same sources, in the same folders, with the same arguments. The text of each unit must be its compiler's own. The
-database is the build tool's own, or bear's.
+database is the build tool's own, what libtool says it runs, or bear's.
 PROJECT is one of:
-    googletest-make, googletest-ninja    the sources that the Debian package googletest ships
+    googletest-make, googletest-ninja    the sources that the Debian package googletest ships, built with CMake
+    libltdl                              those of libltdl-dev, built with configure, automake's rules and libtool
     NAME                                 the Debian source package of that name, built by make; needs bear and a network
 CORE is any program that keeps the core's protocol.
 """
@@ -18,8 +19,9 @@ import subprocess
 import sys
 import tempfile
 
-STRACE = ["strace", "-f", "-v", "-s", "1048576", "-e", "trace=process,chdir,fchdir,getcwd,open,openat"]
+STRACE = ["strace", "-f", "--seccomp-bpf", "-v", "-s", "1048576", "-e", "trace=process,chdir,fchdir,getcwd,open,openat"]
 GOOGLETEST = "/usr/src/googletest"
+LIBLTDL = "/usr/share/libtool"
 # Flags that only write make's rules: the build tool adds them to the command, but not to its database.
 DEPENDENCY_FLAGS = {"-MD": 0, "-MMD": 0, "-MP": 0, "-MT": 1, "-MF": 1, "-MQ": 1}
 JOBS = "-j2"
@@ -42,6 +44,25 @@ def cmake_project(generator, *options):
         run(STRACE + ["-o", trace, "cmake", "--build", folder, "--", JOBS], folder)
         return trace, os.path.join(folder, "compile_commands.json")
     return build
+
+
+def libltdl(folder):
+    """Traces a build of libltdl, which compiles each source twice; returns the paths of its trace and database."""
+    parent = os.path.dirname(folder)  # configure refuses a folder with a blank in its name
+    place = os.path.join(parent, "libltdl-build")
+    os.mkdir(place)
+    shutil.copytree(LIBLTDL, os.path.join(parent, "libltdl"))
+    shutil.copytree(os.path.join(LIBLTDL, "build-aux"), os.path.join(parent, "build-aux"))
+    run(["../libltdl/configure", "--quiet", "--enable-ltdl-install", "CC=" + shutil.which("gcc"),
+         "CFLAGS=-O0 -w"], place)
+    trace, database = os.path.join(folder, "strace_out"), os.path.join(folder, "compile_commands.json")
+    said = run(STRACE + ["-o", trace, "make", "V=1", JOBS], place)
+    # Behind a redirection stands nothing that is the compiler's.
+    commands = [line.partition(":  ")[2].partition(" >")[0] for line in said.splitlines()
+                if line.startswith("libtool: compile:")]
+    with open(database, "w", encoding="utf-8") as file:
+        json.dump([{"directory": place, "command": command, "file": ""} for command in commands], file)
+    return trace, database
 
 
 def debian_lists(folder):
@@ -85,6 +106,7 @@ def debian_project(name):
 PROJECTS = {
     "googletest-make": cmake_project("Unix Makefiles"),
     "googletest-ninja": cmake_project("Ninja", "-Dgtest_build_samples=ON"),
+    "libltdl": libltdl,
 }
 
 

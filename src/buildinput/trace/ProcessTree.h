@@ -33,6 +33,10 @@ public:
     TraceProcess& At(ProcessId id, std::size_t line);
     /// The live process with this number; null when there is none. Valid until it ends.
     [[nodiscard]] TraceProcess* Find(ProcessId id);
+
+    /// Whether a call is under way that may start a process.
+    [[nodiscard]] bool IsStarting() const noexcept { return pendingStarts_ > 0; }
+
     /// The only live process; null when there are several, or none.
     [[nodiscard]] TraceProcess* Only();
 

@@ -166,9 +166,12 @@ void TraceReader::ReadLooseEnd(const TraceLine& line) {
 
 void TraceReader::ReadEnd(const TraceLine& line) {
     TraceProcess* process = line.process ? tree_.Find(*line.process) : &ProcessOf(line);
-    if (process == nullptr) {
+    if (process == nullptr && !tree_.IsStarting()) {
         warnings_.NeverStarted(*line.process, number_);
         return;
+    }
+    if (process == nullptr) {
+        process = &tree_.At(*line.process, number_); // gone before the call that started it has returned
     }
     folder_.AddLaunchers(*process);
     tree_.End(*process);

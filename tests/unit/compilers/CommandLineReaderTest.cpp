@@ -85,6 +85,7 @@ struct ReasonCase {
 const ReasonCase ReasonCases[] = {
     {"Objects", "gcc a.o b.o libc.a -o prog", "link only"},
     {"VersionedLibrary", "gcc libz.so.1.2 -shared -o libq.so", "link only"},
+    {"WordOfATemplate", "gcc a.o @VERSION@ -o prog", "link only"},
     {"StatedLanguageEnded", "gcc -xc++ -xnone main.o -o prog", "link only"},
     {"AssemblyFile", "gcc -c a.S", "assembly"},
     {"StatedAssembly", "gcc -c -x assembler-with-cpp a.c", "assembly"},
@@ -190,7 +191,7 @@ TEST(OutlineInvocation, TellsOfAResponseFileThatIsNotThere) {
     const Gcc model;
     const Words missing = Split("gcc -c a.c -install_name @rpath/x @gone.rsp");
     EXPECT_EQ(OutlineInvocation(model, missing).missingResponseFile, 5U);
-    EXPECT_EQ(OutlineInvocation(model, Split("gcc -c a@b.c -Wl,-rpath,@loader_path")).missingResponseFile,
+    EXPECT_EQ(OutlineInvocation(model, Split("gcc -c a@b.c @VERSION@ -Wl,-rpath,@loader_path")).missingResponseFile,
               std::nullopt);
 }
 

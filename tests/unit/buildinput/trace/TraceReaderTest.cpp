@@ -115,6 +115,9 @@ const TraceCase Directories[] = {
 2  <... execve resumed>) = 0
 2  +++ exited with 0 +++
 1  <... clone3 resumed>) = 2
+1  vfork( <unfinished ...>
+3  +++ exited with 0 +++
+1  <... vfork resumed>) = 3
 )", AInSub},
     {"ChildOfAChildThatIsSeenBeforeItsStart", R"(1  execve("/bin/make", ["make"], ["PWD=%"]) = 0
 1  clone(child_stack=NULL, flags=SIGCHLD <unfinished ...>
