@@ -204,10 +204,9 @@ bool InvocationCollector::LooksLikeLauncher(const std::vector<std::string>& argu
 }
 
 /// Takes the compiler's commands of a line that was meant for a shell.
-std::optional<InvocationCollector::Refusal> InvocationCollector::CollectShellLine(std::vector<std::string>& arguments,
-                                                                                  const std::string& workingDirectory,
-                                                                                  const Environment& environment,
-                                                                                  EnvironmentScope scope) {
+std::optional<InvocationCollector::Refusal>
+InvocationCollector::CollectShellLine(const std::vector<std::string>& arguments, const std::string& workingDirectory,
+                                      const Environment& environment, EnvironmentScope scope) {
     // Kept when no command of the line could be one of a compiler.
     std::optional<Refusal> refusal = Refusal{InvocationFate::NotACompilation, "no command of a compiler"};
     bool gaveUnits = false;

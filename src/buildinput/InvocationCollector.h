@@ -101,7 +101,7 @@ private:
                                                  const std::string& workingDirectory, const Environment& environment,
                                                  EnvironmentScope scope);
     /// Takes each command of the line that names a compiler. No value when one gave units, else the last one's refusal.
-    [[nodiscard]] std::optional<Refusal> CollectShellLine(std::vector<std::string>& arguments,
+    [[nodiscard]] std::optional<Refusal> CollectShellLine(const std::vector<std::string>& arguments,
                                                           const std::string& workingDirectory,
                                                           const Environment& environment, EnvironmentScope scope);
     /// Takes a command behind launchers, or none. What these set for it goes over the invocation's own.
