@@ -13,7 +13,7 @@ FINDING = ('{"falseAlarm":false,"level":%d,"code":"V%d","message":"There are ide
            'left and to the right of the \'==\' operator.","positions":[{"file":"/home/user/project/src/module/Source'
            '%d.cpp","line":%d}],"cwe":571,"sastId":"MISRA-C-8.13"}\n')
 TEXT_FORMS = ["json", "raw", "misra", "text", "csv", "gitlab", "github", "teamcity", "junit", "sonarqube"]
-WHOLE_FORMS = ["sarif", "html"]
+PAGE_FORMS = ["sarif", "html"]
 AGGREGATES = ("_mean", "_median", "_stddev", "_cv")
 SECONDS = re.compile(r"reader: ([\d.e+-]+) s, of [^:]*: ([\d.e+-]+) s")
 PEAK = re.compile(r"(?:VmHWM|Peak memory):\s*(\d+) (kB|MB)")
@@ -46,7 +46,8 @@ def inputs(programs):
 
 def filtering(programs):
     # A row a line, as what is measured writes lines of its own among them.
-    text = output_of(programs["filter_report"], "--benchmark_format=csv", "--benchmark_filter=FilterReport|ParseAndDump")
+    text = output_of(programs["filter_report"], "--benchmark_format=csv",
+                     "--benchmark_filter=FilterReport|ParseAndDump")
     seconds = {}
     for run in csv.DictReader(line for line in text.splitlines() if line.startswith(('name,', '"'))):
         if not run["name"].endswith(AGGREGATES):
@@ -73,17 +74,17 @@ def forms(programs):
         write_report(report)
         # "totals" writes a page of counts: what it costs is the reading.
         reading = statistics.median(converted(programs, report, "totals")["total"] for _ in range(3))
-        runs = {form: converted(programs, report, form) for form in TEXT_FORMS + WHOLE_FORMS}
+        runs = {form: converted(programs, report, form) for form in TEXT_FORMS + PAGE_FORMS}
     rows = [Row(f"1,000,000 findings as `{form}`: CPU, reading them", f"{runs[form]['total']:.2f} s",
                 f"{reading:.2f} s", runs[form]["total"] / reading, 2)
             for form in TEXT_FORMS]
     peak = max(runs[form]["peak"] for form in TEXT_FORMS) / 1024
     rows.append(Row("the largest of these: peak memory", f"{peak:.0f} MB", "", peak, 150, "MB"))
-    return rows, {form: runs[form]["peak"] / 1024 for form in WHOLE_FORMS}
+    return rows, {form: runs[form]["peak"] / 1024 for form in PAGE_FORMS}
 
 
 def rows(programs):
     form_rows, whole = forms(programs)
     needs = ", ".join(f"`{form}` {peak:.0f} MB" for form, peak in whole.items())
-    note = f"1,000,000 findings in the forms that are no streams need: {needs}"
+    note = f"1,000,000 findings need, in forms that are written for one reader: {needs}"
     return inputs(programs) + [filtering(programs)] + form_rows, note
