@@ -1,5 +1,6 @@
 # One command each; what it does stands in the script of that name under tools/.
-.PHONY: demo test test-windows package package-windows check format bench fuzz kill-test fault-test coverage hard
+.PHONY: demo test test-windows package package-windows check format bench fuzz kill-test fault-test own-findings \
+    coverage hard
 
 demo: ## Build, analyze a real project and show its first findings
 	@tools/demo
@@ -40,12 +41,16 @@ fault-test: ## Let every call of the system fail once, in every way to run the p
 	@tools/install-packages build test
 	@tools/fault-test
 
+own-findings: ## Analyze our own sources; what is found is mended, or accepted with a reason
+	@tools/install-packages build test
+	@tools/own-findings
+
 coverage: ## Run the native tests and show which lines none of them reaches
 	@tools/coverage
 
 hard: ## The long runs: all tests under the sanitizers, two minutes of fuzzing a target, 700 kills, every fault
 	@tools/hard
 
-bench: ## Build the benchmarks and run them
+bench: ## Measure what a run costs, each figure beside its yardstick: one table
 	@tools/install-packages build bench
 	@tools/bench

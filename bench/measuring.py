@@ -1,7 +1,37 @@
-"""What the scripts that measure whole runs share."""
+"""What the scripts that measure share: whole runs, and the rows of the table that they end in."""
+import dataclasses
 import statistics
 import subprocess
 import sys
+
+
+@dataclasses.dataclass
+class Row:
+    """One figure beside what it is measured by. The yardstick is a text, empty where there is only a limit. `before` is
+    what it was when it was last worked on: a value that grows is to be explained, also one within the limit."""
+    figure: str
+    ours: str
+    yardstick: str
+    value: float
+    limit: float
+    unit: str = "times"
+    before: float | None = None
+
+    def is_reached(self):
+        return self.value <= self.limit
+
+    def cells(self):
+        verdict = "reached" if self.is_reached() else "**missed**"
+        before = "-" if self.before is None else f"{self.before:g}"
+        return [self.figure, self.ours, self.yardstick or "-", f"{self.value:.2f} {self.unit}", before,
+                f"{self.limit:g}", verdict]
+
+
+def print_table(rows):
+    print("| figure, yardstick | ours | yardstick | result | before | limit | |")
+    print("|---|---|---|---|---|---|---|")
+    for row in rows:
+        print("| " + " | ".join(row.cells()) + " |")
 
 
 def find_programs(build, names):
@@ -9,7 +39,7 @@ def find_programs(build, names):
     programs = {name: build / path for name, path in names.items()}
     for path in programs.values():
         if not path.exists():
-            sys.exit(f"{path} is missing: cmake --preset bench && cmake --build --preset bench")
+            sys.exit(f"{path} is missing: tools/build bench")
     return programs
 
 
@@ -32,13 +62,12 @@ def measure_rounds(program, commands, folder, rounds, environment=None):
     return pairs[1:]
 
 
-def median_ratio(pairs, way, other, figure):
-    """The median of the ratios of the pairs."""
-    return statistics.median(pair[way][figure] / pair[other][figure] for pair in pairs)
+def text_of(figure, value):
+    return f"{value / 1024:.1f} MB" if figure == "peak" else f"{value:.2f} s"
 
 
-def row(name, value, limit, unit):
-    """Prints a figure beside its limit; whether it is reached."""
-    verdict = "reached" if value <= limit else "MISSED"
-    print(f"{name:<54} {value:>8.2f} {limit:>8.2f} {unit:<12} {verdict}")
-    return value <= limit
+def compared(name, pairs, ways, figure, limit, before=None):
+    """The row of two ways: each one's median, and the median of the ratios of the pairs."""
+    ours, yardstick = (statistics.median(pair[way][figure] for pair in pairs) for way in ways)
+    ratio = statistics.median(pair[ways[0]][figure] / pair[ways[1]][figure] for pair in pairs)
+    return Row(name, text_of(figure, ours), text_of(figure, yardstick), ratio, limit, before=before)

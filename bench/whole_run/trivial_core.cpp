@@ -1,36 +1,43 @@
-// The cheapest core there can be: reads the unit's settings and finds nothing. Asked for the unit's dependencies, it
-// prints what SOURCE.included holds.
+// The cheapest core there can be: reads the unit's settings and finds what SOURCE.findings holds, mostly nothing. Asked
+// for the unit's dependencies, it prints what SOURCE.included holds. A source named "slow..." takes it a second.
 #include <cstdio>
 #include <cstring>
 
+#include <unistd.h>
+
 namespace {
 
-char line[8192];
+constexpr std::size_t LongestLine = 8192;
 
-/// The value, when the line is that of the key.
-const char* Value(const char* key) {
+/// Copies the value, when the line is that of the key.
+void TakeValue(const char* line, const char* key, char* value) {
     const std::size_t size = std::strlen(key);
-    return std::strncmp(line, key, size) == 0 ? line + size : nullptr;
-}
-
-int MakeFile(const char* path) {
-    std::FILE* const output = std::fopen(path, "w");
-    return output == nullptr ? 1 : std::fclose(output);
-}
-
-int PrintIncluded(const char* source) {
-    static char path[8192];
-    std::snprintf(path, sizeof path, "%s.included", source);
-    std::FILE* const input = std::fopen(path, "r");
-    while (input != nullptr && std::fgets(line, sizeof line, input) != nullptr) {
-        std::fputs(line, stdout);
+    if (std::strncmp(line, key, size) == 0) {
+        std::snprintf(value, LongestLine, "%s", line + size);
     }
-    return 0;
+}
+
+/// Copies SOURCE with this ending, which need not be there.
+void Copy(const char* source, const char* ending, std::FILE* output) {
+    static char path[LongestLine];
+    static char block[LongestLine];
+    std::snprintf(path, sizeof path, "%s%s", source, ending);
+    std::FILE* const input = std::fopen(path, "r");
+    if (input == nullptr) {
+        return;
+    }
+    for (std::size_t size = 0; (size = std::fread(block, 1, sizeof block, input)) > 0;) {
+        std::fwrite(block, 1, size, output);
+    }
+    std::fclose(input);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    static char line[LongestLine];
+    static char outputPath[LongestLine];
+    static char source[LongestLine];
     const bool isListing = argc > 3 && std::strcmp(argv[3], "--display-dependencies") == 0;
     std::FILE* const settings = argc > 2 ? std::fopen(argv[2], "r") : nullptr;
     if (settings == nullptr) {
@@ -38,14 +45,20 @@ int main(int argc, char** argv) {
     }
     while (std::fgets(line, sizeof line, settings) != nullptr) {
         line[std::strcspn(line, "\n")] = '\0';
-        const char* const output = Value("output-file=");
-        const char* const source = Value("source-file=");
-        if (!isListing && output != nullptr) {
-            return MakeFile(output);
-        }
-        if (isListing && source != nullptr) {
-            return PrintIncluded(source);
-        }
+        TakeValue(line, "output-file=", outputPath);
+        TakeValue(line, "source-file=", source);
     }
-    return 1;
+    if (isListing) {
+        Copy(source, ".included", stdout);
+        return 0;
+    }
+    if (std::strstr(source, "/slow") != nullptr) {
+        ::sleep(1);
+    }
+    std::FILE* const output = std::fopen(outputPath, "w");
+    if (output == nullptr) {
+        return 1;
+    }
+    Copy(source, ".findings", output);
+    return std::fclose(output);
 }

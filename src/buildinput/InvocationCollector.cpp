@@ -188,7 +188,7 @@ CollectedCommands InvocationCollector::Take() {
 }
 
 /// Takes the compiler's commands of a line that was meant for a shell.
-std::optional<InvocationRefusal> InvocationCollector::CollectShellLine(std::vector<std::string>& arguments,
+std::optional<InvocationRefusal> InvocationCollector::CollectShellLine(const std::vector<std::string>& arguments,
                                                                        const std::string& workingDirectory,
                                                                        const Environment& environment,
                                                                        EnvironmentScope scope) {

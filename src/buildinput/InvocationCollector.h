@@ -76,7 +76,7 @@ private:
                                                            const std::string& workingDirectory,
                                                            const Environment& environment, EnvironmentScope scope);
     /// Takes each command of the line that names a compiler. No value when one gave units, else the last one's refusal.
-    [[nodiscard]] std::optional<InvocationRefusal> CollectShellLine(std::vector<std::string>& arguments,
+    [[nodiscard]] std::optional<InvocationRefusal> CollectShellLine(const std::vector<std::string>& arguments,
                                                                     const std::string& workingDirectory,
                                                                     const Environment& environment,
                                                                     EnvironmentScope scope);

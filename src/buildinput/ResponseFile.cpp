@@ -198,7 +198,7 @@ std::vector<std::string> SplitAsCompiler(std::string_view text, NativeQuoting qu
     // A command line has no line ends, and so the splitter takes them for characters of a word.
     std::replace_if(line.begin(), line.end(), IsWhiteSpace, ' ');
     std::vector<std::string> words = SplitCommandString(line, CommandStringRules::Windows);
-    words.erase(words.begin(), words.begin() + (words.empty() ? 0 : 1));
+    words.erase(words.begin());
     return words;
 }
 

@@ -31,7 +31,7 @@ private:
 class GateOutput : public IOutput {
 public:
     /// Has a copy of the gate of its own.
-    explicit GateOutput(FindingGate gate) : gate_(gate) {}
+    explicit GateOutput(const FindingGate& gate) : gate_(gate) {}
 
     /// Always false, so that a gate among the outputs does not make a message count as written.
     bool Write(const ReportMessage& message) override {

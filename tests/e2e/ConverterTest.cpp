@@ -16,7 +16,7 @@ protected:
     }
 
     RunResult Convert(const Arguments& arguments) const {
-        Arguments command{ORVANTA_CONVERTER};
+        Arguments command{ConverterProgram()};
         command.insert(command.end(), arguments.begin(), arguments.end());
         return RunningDriver(command, sandbox.Path(), sandbox.DriverEnvironment()).Wait();
     }

@@ -1,10 +1,25 @@
 #include "FuzzInput.h"
+#include "TraceMutator.h"
 #include "buildinput/trace/TraceReader.h"
 #include "platform/StopFlag.h"
 
+#include <algorithm>
 #include <sstream>
 
 using namespace Orvanta;
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
+
+// One time in four the fuzzer's own way, which finds what no grammar thinks of.
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed) {
+    if (seed % 4 == 0) {
+        return LLVMFuzzerMutate(data, size, maxSize);
+    }
+    const std::string changed = TraceMutator(seed).Mutate(FuzzText(data, size)).substr(0, maxSize);
+    std::copy(changed.begin(), changed.end(), data);
+    return changed.size();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // The filter lets no compiler through: nothing that an input names is ever looked up or started.

@@ -1,3 +1,4 @@
+#include "FuzzFile.h"
 #include "FuzzInput.h"
 #include "report/Exceptions.h"
 #include "suppress/SuppressBase.h"
@@ -12,6 +13,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const SuppressBase base = SuppressBase::Parse(text, "base");
         Orvanta::Require(base.Size() <= size);
+        static const Orvanta::FuzzFile file;
+        const std::string& path = file.Hold("");
+        base.Write(path);
+        const SuppressBase again = SuppressBase::Read(path);
+        Orvanta::Require(again.Size() == base.Size() && again.Version() == base.Version());
     } catch (const ParseException& error) {
         Orvanta::Require(std::string(error.what()).starts_with("base"));
     }

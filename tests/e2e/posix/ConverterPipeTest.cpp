@@ -10,7 +10,7 @@ class ConverterPipeTest : public SandboxTest {
 protected:
     RunResult Shell(const std::string& commands) const {
         Environment environment = sandbox.DriverEnvironment();
-        environment["CONVERTER"] = ORVANTA_CONVERTER;
+        environment["CONVERTER"] = ConverterProgram();
         return RunningDriver({"/bin/sh", "-c", commands}, sandbox.Path(), environment).Wait();
     }
 };

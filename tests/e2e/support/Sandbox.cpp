@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -53,6 +54,11 @@ CoreCall ReadCoreCall(const fs::path& path) {
         call.settings.emplace_back(line.substr(0, equals), equals == std::string::npos ? "" : line.substr(equals + 1));
     }
     return call;
+}
+
+std::string TestedProgram(const std::string& built) {
+    const char* const folder = std::getenv("ORVANTA_TESTED_BUILD");
+    return folder == nullptr ? built : JoinPath(folder, "bin/" + std::string(FileNameOf(built)));
 }
 
 } // namespace
@@ -298,7 +304,11 @@ bool HoldsSoon(const std::function<bool()>& condition) {
 }
 
 std::string DriverProgram() {
-    return ORVANTA_DRIVER;
+    return TestedProgram(ORVANTA_DRIVER);
+}
+
+std::string ConverterProgram() {
+    return TestedProgram(ORVANTA_CONVERTER);
 }
 
 std::string FakeCoreProgram() {

@@ -130,8 +130,11 @@ private:
 /// Looks again and again until the condition holds; false when it doesn't within 20 seconds.
 [[nodiscard]] bool HoldsSoon(const std::function<bool()>& condition);
 
-/// The programs under test and the fakes.
+/// The programs under test: those of this build, or of the build folder that ORVANTA_TESTED_BUILD names, which may have
+/// been made with sanitizers.
 [[nodiscard]] std::string DriverProgram();
+[[nodiscard]] std::string ConverterProgram();
+/// The fake, always of this build.
 [[nodiscard]] std::string FakeCoreProgram();
 
 } // namespace Orvanta
