@@ -3,15 +3,15 @@
 #include "buildinput/VariableName.h"
 #include "platform/BlockReader.h"
 #include "platform/Files.h"
-#include "platform/NativePath.h"
+#include "platform/InputFile.h"
 #include "platform/Text.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <exception>
-#include <fstream>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -85,19 +85,34 @@ struct Entry {
     void Clear() { directory.type = command.type = argumentsType = environmentType = {}; }
 };
 
-/// In the library's own form: the fault reads as one of a document that is held whole.
-json::type_error TypeError(std::string_view expected, std::string_view found) {
-    return json::type_error::create(302, "type must be " + std::string(expected) + ", but is " + std::string(found),
-                                    nullptr);
+/// What is wrong with the content: the library's error, as a document that is held whole would give it, and what to
+/// look for in the file. Never leaves this file.
+struct ContentFault {
+    std::exception_ptr error;
+    std::string what;
+};
+
+// As a message names a type.
+std::string WithArticle(std::string_view type) {
+    const bool hasVowel = type == Array || type == Object;
+    return type == Null ? std::string(type) : (hasVowel ? "an " : "a ") + std::string(type);
 }
 
-/// \throws json::exception when the member is absent or no text
-const std::string& RequireText(const TextMember& member) {
+/// `what` is of the wrong type.
+ContentFault TypeFault(const std::string& what, std::string_view expected, std::string_view found) {
+    const std::string text = "type must be " + std::string(expected) + ", but is " + std::string(found);
+    return {std::make_exception_ptr(json::type_error::create(302, text, nullptr)),
+            what + " is " + WithArticle(found) + ", expected " + WithArticle(expected)};
+}
+
+/// `name` is how the file names the member. \throws ContentFault when it is absent or no text
+const std::string& RequireText(const TextMember& member, const char* name) {
     if (member.type.empty()) {
-        throw json::invalid_iterator::create(214, "cannot get value", nullptr);
+        throw ContentFault{std::make_exception_ptr(json::invalid_iterator::create(214, "cannot get value", nullptr)),
+                           std::string(name) + " is missing"};
     }
     if (member.type != String) {
-        throw TypeError(String, member.type);
+        throw TypeFault(name, String, member.type);
     }
     return member.text;
 }
@@ -109,10 +124,10 @@ Environment TakeEnvironment(Entry& entry) {
         return variables;
     }
     if (entry.environmentType != Object) {
-        throw TypeError(Object, entry.environmentType);
+        throw TypeFault("\"environment\"", Object, entry.environmentType);
     }
     for (const auto& [name, value] : entry.environment) {
-        const std::string& text = RequireText(value);
+        const std::string& text = RequireText(value, "a value in \"environment\"");
         if (IsVariableName(name)) {
             variables.emplace(name, text);
         }
@@ -159,7 +174,10 @@ public:
     }
 
     /// \throws what was wrong with the content of the document
-    void Finish() const;
+    void Finish();
+
+    /// After a failure: which entry it was, and what was wrong with it, for a line that begins with the file.
+    [[nodiscard]] std::string FaultText() const;
 
 private:
     // What the parser is inside of. Values that nobody asks for are Skipped with all that is in them.
@@ -176,8 +194,10 @@ private:
     [[nodiscard]] Place PlaceWithin(std::string_view type) const;
     // The entry is complete: hands it over, unless a fault was found already, and keeps the first fault.
     void FinishEntry();
-    // \throws json::exception for what is missing or of a wrong type
+    // \throws ContentFault for what is missing or of a wrong type
     void HandOver();
+    // Keeps the first fault, with the present entry.
+    void Keep(const ContentFault& fault);
 
     CommandStringRules rules_;
     InvocationCollector& collector_;
@@ -189,7 +209,9 @@ private:
     Member member_ = Member::Other;
     TextMember* variable_ = nullptr; // of the entry's environment, the one whose value comes next
     Entry entry_;
-    std::exception_ptr firstFault_;
+    std::size_t entryNumber_ = 0; // from 1
+    bool isRead_ = false;         // the whole document is JSON
+    std::optional<ContentFault> firstFault_;
 };
 
 bool DatabaseHandler::key(std::string& name) {
@@ -274,8 +296,9 @@ void DatabaseHandler::TakeValue(std::string_view type, const std::string* text) 
     case Place::Entries:
         isEmpty_ = false;
         entry_.Clear();
-        if (type != Object && firstFault_ == nullptr) {
-            firstFault_ = std::make_exception_ptr(TypeError(Object, type));
+        ++entryNumber_;
+        if (type != Object) {
+            Keep(TypeFault("it", Object, type));
         }
         break;
     case Place::Entry:
@@ -328,50 +351,71 @@ void DatabaseHandler::TakeArgument(std::string_view type, const std::string* tex
     entry_.arguments[entry_.argumentCount++] = *text;
 }
 
+void DatabaseHandler::Keep(const ContentFault& fault) {
+    if (!firstFault_) {
+        firstFault_ = {fault.error, ", entry " + std::to_string(entryNumber_) + ": " + fault.what};
+    }
+}
+
 void DatabaseHandler::FinishEntry() {
-    if (firstFault_ != nullptr) {
+    if (firstFault_) {
         return;
     }
     try {
         HandOver();
-    } catch (const json::exception&) {
-        firstFault_ = std::current_exception();
+    } catch (const ContentFault& fault) {
+        Keep(fault);
     }
 }
 
 void DatabaseHandler::HandOver() {
     // Of several faults an entry tells the same one, however its members are sorted.
     const Environment environment = TakeEnvironment(entry_);
-    const std::string& directory = RequireText(entry_.directory);
+    const std::string& directory = RequireText(entry_.directory, "\"directory\"");
     // Where an entry has both, the words of "arguments" hold: nothing has to be guessed about their quoting.
     if (entry_.argumentsType.empty()) {
-        const std::string& command = RequireText(entry_.command);
+        const std::string& command = RequireText(entry_.command, "\"command\"");
         SplitCommandString(command, rules_, entry_.arguments);
         // What can't be split goes on without words: the collector refuses it by name.
         if (entry_.arguments.empty() && std::all_of(command.begin(), command.end(), IsWhiteSpace)) {
             entry_.arguments = {":"}; // a step that runs nothing, as ninja lists it
         }
     } else if (entry_.argumentsType != Array) {
-        throw TypeError(Array, entry_.argumentsType);
+        throw TypeFault("\"arguments\"", Array, entry_.argumentsType);
     } else if (!entry_.wrongArgumentType.empty()) {
-        throw TypeError(String, entry_.wrongArgumentType);
+        throw TypeFault("a value in \"arguments\"", String, entry_.wrongArgumentType);
     } else {
         entry_.arguments.resize(entry_.argumentCount);
     }
     collector_.AddInvocationFrom(entry_.arguments, directory, environment, EnvironmentScope::Changes);
 }
 
-void DatabaseHandler::Finish() const {
+void DatabaseHandler::Finish() {
+    isRead_ = true;
     // An empty database is no fault of its text: builds that compile nothing write one.
     if (documentType_ == Null || (isEmpty_ && (documentType_ == Array || documentType_ == Object))) {
         throw NoCompilerInvocationsFound(NoCompilerInvocationsFound::Hint::None);
     }
     if (documentType_ != Array) {
-        throw TypeError(Array, documentType_);
+        const ContentFault fault = TypeFault("the database", Array, documentType_);
+        firstFault_ = {fault.error, ": " + fault.what};
     }
-    if (firstFault_ != nullptr) {
-        std::rethrow_exception(firstFault_);
+    if (firstFault_) {
+        std::rethrow_exception(firstFault_->error);
     }
+}
+
+std::string DatabaseHandler::FaultText() const {
+    // Told in any case where both are wrong: the content counts only in a text that is JSON to its end.
+    constexpr const char* NoJson = "it is no valid JSON";
+    if (isRead_) {
+        return firstFault_ ? firstFault_->what : "";
+    }
+    if (entryNumber_ == 0) {
+        return std::string(": ") + NoJson;
+    }
+    const bool isInside = place_ != Place::Document && place_ != Place::Entries;
+    return (isInside ? ", entry " : ", behind entry ") + std::to_string(entryNumber_) + ": " + NoJson;
 }
 
 /// The directory is written as an absolute path: the file may be read from anywhere.
@@ -390,20 +434,42 @@ json ToJson(const CompileCommand& unit) {
 
 } // namespace
 
-void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector) {
+void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector,
+                              std::string* fault) {
     BlockReader reader(input);
     DatabaseHandler handler(rules, collector);
-    // By events: a database of a large build would fill the memory as a tree.
-    json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
-    handler.Finish();
+    try {
+        // By events: a database of a large build would fill the memory as a tree.
+        json::sax_parse(BlockIterator(reader), BlockIterator(), &handler);
+        handler.Finish();
+    } catch (const json::exception&) {
+        if (fault != nullptr) {
+            *fault = handler.FaultText();
+        }
+        throw;
+    }
+}
+
+void ReadDatabaseFrom(std::istream& input, const std::string& path, InvocationCollector& collector) {
+    std::string fault;
+    try {
+        ParseCompilationDatabase(input, HostCommandStringRules(), collector, &fault);
+    } catch (const json::exception&) {
+        EndWhenStopped(); // what was read is a part
+        // The library knows neither the file nor the entry, and its words are shown as they are.
+        collector.MessageLog().Line(path + fault);
+        throw;
+    }
 }
 
 bool ReadCompilationDatabase(const std::string& path, InvocationCollector& collector) {
-    std::ifstream input(NativePath(path), std::ios::binary);
-    if (!input.is_open()) {
+    std::optional<InputStream> input;
+    try {
+        input.emplace(path);
+    } catch (const FileException&) {
         return false;
     }
-    ParseCompilationDatabase(input, HostCommandStringRules(), collector);
+    ReadDatabaseFrom(*input, path, collector);
     return true;
 }
 

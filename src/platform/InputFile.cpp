@@ -17,6 +17,9 @@ std::streambuf::int_type InputStream::underflow() {
     if (gptr() < egptr()) {
         return std::streambuf::traits_type::to_int_type(*gptr());
     }
+    if (ProcessStopFlag().IsSet()) {
+        return std::streambuf::traits_type::eof(); // a file on a disk may be long too
+    }
     block_.resize(BlockSize);
     const std::size_t count = file_.Read(block_);
     setg(block_.data(), block_.data(), block_.data() + count);
