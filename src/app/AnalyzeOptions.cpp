@@ -228,15 +228,14 @@ std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& o
                         "\", expected \"skip-analysis\" or \"run-analysis\"");
 }
 
+std::string BuildInputOf(const AnalyzeOptions& options) {
+    const std::string given = options.inputFile.value_or(DefaultInput);
+    return LookAt(given).kind == PathKind::Folder ? JoinPath(given, DefaultInput) : given;
+}
+
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
-    constexpr const char* DefaultInput = "compile_commands.json";
-    return {options.inputFile.value_or(DefaultInput),
-            options.settingsFile,
-            options.sourceList,
-            options.suppressFile,
-            options.sourceFile,
-            options.dependencyFile,
-            options.rulesConfig};
+    return {BuildInputOf(options), options.settingsFile,   options.sourceList, options.suppressFile,
+            options.sourceFile,    options.dependencyFile, options.rulesConfig};
 }
 
 std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {

@@ -29,6 +29,9 @@ enum class RegenerateDependInfoOption {
 /// The value of --cfg that has the project's own settings file searched.
 inline constexpr const char* FindSettingsFile = "auto";
 
+/// The name of a compilation database where nothing names another.
+inline constexpr const char* DefaultInput = "compile_commands.json";
+
 /// The options of `analyze` as given; absent ones keep the settings file's values or the defaults.
 struct AnalyzeOptions {
     std::optional<std::string> threads;
@@ -69,6 +72,9 @@ struct AnalyzeOptions {
     bool printStdout = false;
     std::optional<std::string> traceDirectory;
 };
+
+/// The build input: what `--file` names or the default, and of a folder the database in it.
+[[nodiscard]] std::string BuildInputOf(const AnalyzeOptions& options);
 
 /// The files that the options name to be read. Absent ones are not named; the build input has a name of its own then.
 [[nodiscard]] std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options);

@@ -6,6 +6,7 @@
 #include "analysis/RunSummary.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
+#include "app/OutputCheck.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -44,7 +45,14 @@ AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
       progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
 
 void AnalyzeRun::Run() {
-    ReadInputs();
+    try {
+        ReadInputs();
+    } catch (...) {
+        OpenLog(); // why the run has ended is what it is for
+        throw;
+    }
+    RequireOutputs();
+    OpenLog();
     // A stop while compilers are identified leaves part of the units: none of them may be taken for all.
     if (stop_.IsSet()) {
         throw ZelmRcException(InterruptedExitCode);
@@ -66,14 +74,27 @@ void AnalyzeRun::Run() {
 void AnalyzeRun::ReadInputs() {
     const AnalyzeOptions& options = input_.options;
     if (options.dumpLog) {
-        // Before all else, so that the log holds all that the rest says.
-        log_.OpenFile(AbsolutePath(*options.dumpLog));
+        // Before all else, so that the log holds all that the rest says. What stands at its path may be a source.
+        log_.KeepForFile();
     }
     if (options.suppressFile) { // before the work of which a broken base would take the report
         input_.base = OrvlogConverter::SuppressBase::Read(*options.suppressFile);
     }
     input_.listedFiles = ReadListedFiles(options, log_);
     input_.commands = ReadInput(options, input_.settings, registry_, log_, stop_);
+}
+
+void AnalyzeRun::RequireOutputs() const {
+    for (const std::string& output :
+         {input_.reportPath, input_.options.dumpJson.value_or(""), input_.options.dumpLog.value_or("")}) {
+        RequireNoSource(output, input_.commands.units);
+    }
+}
+
+void AnalyzeRun::OpenLog() {
+    if (input_.options.dumpLog) {
+        log_.OpenFile(AbsolutePath(*input_.options.dumpLog));
+    }
 }
 
 int AnalyzeRun::Analyze() {

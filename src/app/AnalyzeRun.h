@@ -44,6 +44,10 @@ private:
 
     // Reads what there is to do. Starts compilers where they have to be identified, but no core; touches no report.
     void ReadInputs();
+    // Sees to it that no output takes the place of a source: the first moment at which these are known.
+    void RequireOutputs() const;
+    // Opens the file of --dump-log, which gets all that was said so far.
+    void OpenLog();
     // From the locks to the end that the user sees. Returns the run's code; an error of the passes leaves it as thrown.
     [[nodiscard]] int Analyze();
     // The locks of all that this run writes to and a later one reads. Waits a moment for another run.

@@ -153,6 +153,22 @@ TEST_F(OptionsTest, EmptyValuesAreRefusedAndUnknownOnesToldByName) {
     EXPECT_TRUE(result.Says("Warning: the file of --rules-config doesn't exist: none.orvconfig\n")) << result;
 }
 
+TEST_F(OptionsTest, WhatLooksLikeASlipIsToldByName) {
+    sandbox.AddUnit("lib/a.c");
+    sandbox.AddUnit("b.c");
+    sandbox.Write("my.cfg", "exclude_paths=other\nown-key=1\nown-key=2\n");
+    const RunResult result = sandbox.Analyze({"-e", "lib", "-e", "lbi", "-e", "*/generated/*", "-c", "my.cfg"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Warning: no source file of the build is left out by --exclude-path lbi\n")) << result;
+    EXPECT_TRUE(result.Says("is left out by --exclude-path */generated/*\n")) << result;
+    EXPECT_TRUE(result.Says("unknown key \"exclude_paths\", did you mean \"exclude-path\"?\n")) << result;
+    EXPECT_EQ(result.Count("Warning: "), 3U) << result;
+
+    const RunResult open = sandbox.Analyze({"--source-file", "b.c", "--cl-params", "-DA=\"x y"});
+    EXPECT_EQ(open.exitCode, 1) << open;
+    EXPECT_TRUE(open.Says("Error: Wrong value of --cl-params: \"-DA=\"x y\", a quote is not closed\n")) << open;
+}
+
 TEST_F(OptionsTest, AnalyzeOnlyLeavesTheOthersOut) {
     sandbox.AddUnit("src/a.c");
     sandbox.AddUnit("lib/b.c");
