@@ -3,7 +3,8 @@
 
 Each round edits a small project, starts a run of a random kind, ends it at a random moment by a random signal, looks at
 what it left (no process, no temporary file), and lets another run of that kind go to its end: its report must be the
-one of a run in a folder where nothing happened before. In one round of four the cores hang. Prints the seed of the run; the same seed gives the same edits, kinds and signals.
+one of a run in a folder where nothing happened before. In one round of four the cores hang. Prints the seed of the run;
+the same seed gives the same edits, kinds and signals.
 """
 import argparse
 import json
