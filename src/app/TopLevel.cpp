@@ -118,4 +118,16 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
     return 1;
 }
 
+int RunGuarded(EntryFunction* entry, int argumentCount, const char* const* arguments) noexcept {
+    try {
+        return entry(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        // In pieces: there may be no memory to put them together.
+        Print("Unexpected exception was thrown: ");
+        Print(error.what());
+        Print("\n");
+        return 1;
+    }
+}
+
 } // namespace Orvanta
