@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <chrono>
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -84,6 +86,11 @@ const OptionRow VisibleOptions[] = {
     {0, "orvanta-path", "FILE", "Path to Orvanta", nullptr, nullptr, &A::corePath},
     {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
      &A::rulesConfig},
+    {0, "timeout", "SECONDS", "Give up a file that takes longer", nullptr, nullptr, &A::timeout},
+    {0, "max-output", "SIZE",
+     "Give up a file whose compiler or analyzer writes more than SIZE bytes to standard output or standard error; "
+     "K, M and G behind the number count",
+     nullptr, nullptr, &A::maxOutput},
     {0, "ignore-ccache", "",
      "Enables the analysis of all source files ignoring the current ccache state. Even if ccache decides that compiler "
      "should not run, the analyzer will still analyze the corresponding source files.",
@@ -196,6 +203,20 @@ void RefuseEmpty(const std::optional<std::string>& value, const char* option) {
 
 // Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
+// "64K" and the like; absent for what is no such number, and for none at all.
+std::optional<std::uint64_t> ByteCount(std::string_view text) {
+    constexpr std::string_view Suffixes = "KMG"; // each 1024 of the one before
+    constexpr unsigned BitsOfStep = 10;
+    const std::size_t step = text.empty() ? std::string_view::npos : Suffixes.find(text.back());
+    unsigned bits = 0;
+    if (step != std::string_view::npos) {
+        text.remove_suffix(1);
+        bits = BitsOfStep * static_cast<unsigned>(step + 1);
+    }
+    const auto number = WholeNumber<std::uint32_t>(text); // large enough, and no product overflows
+    return number && *number > 0 ? std::optional(std::uint64_t{*number} << bits) : std::nullopt;
+}
+
     if (first && second) {
         throw ZelmException(std::string("Flags ") + names + " cannot be used together");
     }
@@ -280,6 +301,26 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
 
 std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
+UnitLimits LimitsOf(const AnalyzeOptions& options) {
+    UnitLimits limits;
+    if (options.timeout) {
+        const auto seconds = WholeNumber<std::uint32_t>(*options.timeout);
+        if (!seconds || *seconds == 0) {
+            throw ZelmException("Wrong value of --timeout: \"" + *options.timeout +
+                                "\", expected a number of 1 or more seconds");
+        }
+        limits.time = std::chrono::seconds(*seconds);
+    }
+    if (options.maxOutput) {
+        limits.outputBytes = ByteCount(*options.maxOutput);
+        if (!limits.outputBytes) {
+            throw ZelmException("Wrong value of --max-output: \"" + *options.maxOutput +
+                                "\", expected a number of 1 or more bytes, K, M or G behind it counting");
+        }
+    }
+    return limits;
+}
+
 }
 
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
@@ -312,3 +353,4 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
 }
 
 } // namespace Orvanta
+    static_cast<void>(LimitsOf(options));

@@ -8,6 +8,7 @@
 // has the default's value.
 
 #include "render/FindingGate.h"
+#include "settings/RunSettings.h"
 
 #include <cstddef>
 #include <optional>
@@ -55,6 +56,8 @@ struct AnalyzeOptions {
     std::optional<std::string> platform;
     std::optional<std::string> corePath;
     std::optional<std::string> rulesConfig;
+    std::optional<std::string> timeout;   ///< seconds
+    std::optional<std::string> maxOutput; ///< bytes, or with a suffix
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
     bool intermodular = false;
@@ -88,6 +91,10 @@ struct AnalyzeOptions {
 [[nodiscard]] std::size_t FindingsToShow(const AnalyzeOptions& options);
 
 /// The gate of `--fail-on`; absent when it was not given.
+/// What `--timeout` and `--max-output` set.
+/// \throws ZelmException
+[[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
+
 /// \throws OrvlogConverter::ConfigException
 [[nodiscard]] std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options);
 

@@ -100,6 +100,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
 }
+    settings.limits = LimitsOf(options);
 
 } // namespace
 

@@ -4,12 +4,20 @@
 #include "settings/ExclusionSet.h"
 #include "settings/SettingsMap.h"
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Orvanta {
+
+/// What a unit may take before it fails. Without limits unless the user sets them.
+struct UnitLimits {
+    std::optional<std::chrono::seconds> time;      ///< `--timeout`: of all that is done with it in one stage
+    std::optional<std::uint64_t> outputBytes = {}; ///< `--max-output`: on either output of each child
+};
 
 /// What one run of the driver is asked to do: defaults, then the settings file, then the options laid over it.
 /// Read-only once the run has started.
@@ -27,6 +35,7 @@ struct RunSettings {
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     bool ignoreCcache = false;
+    UnitLimits limits;
     bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
     bool showCoreOutputOfMsvc = false; ///< show what the core prints for units of cl and clang-cl too
