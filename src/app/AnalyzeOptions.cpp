@@ -5,14 +5,15 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/SettingsMap.h"
 
 #include <args.hxx>
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -75,6 +76,7 @@ const OptionRow VisibleOptions[] = {
     {0, "allow-empty", "", "A list of source files of which nothing belongs to the build is no error", nullptr, nullptr,
      &A::allowEmpty},
     {'C', "compiler", "COMPILER_NAME", "Filter compiler commands by compiler name", nullptr, nullptr, &A::compilers},
+    {0, "compiler-path", "DIR", "Start no compiler from outside DIR", nullptr, nullptr, &A::compilerFolders},
     {'E', "env", "VAR=VALUE", "Modify environment for preprocessor", nullptr, nullptr, &A::environment},
     {'e', "exclude-path", "PATH", "Directory whose files are not necessary to check", nullptr, nullptr,
      &A::excludePaths},
@@ -84,13 +86,13 @@ const OptionRow VisibleOptions[] = {
     {'p', "preprocessor", "NAME", "Preprocessor (gcc or clang)", "<auto-detected>", nullptr, &A::preprocessor},
     {0, "platform", "NAME", "Platform (linux64, linux32)", "linux64", nullptr, &A::platform},
     {0, "orvanta-path", "FILE", "Path to Orvanta", nullptr, nullptr, &A::corePath},
-    {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
-     &A::rulesConfig},
     {0, "timeout", "SECONDS", "Give up a file that takes longer", nullptr, nullptr, &A::timeout},
     {0, "max-output", "SIZE",
      "Give up a file whose compiler or analyzer writes more than SIZE bytes to standard output or standard error; "
      "K, M and G behind the number count",
      nullptr, nullptr, &A::maxOutput},
+    {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
+     &A::rulesConfig},
     {0, "ignore-ccache", "",
      "Enables the analysis of all source files ignoring the current ccache state. Even if ccache decides that compiler "
      "should not run, the analyzer will still analyze the corresponding source files.",
@@ -201,8 +203,6 @@ void RefuseEmpty(const std::optional<std::string>& value, const char* option) {
     }
 }
 
-// Two options that ask for different runs.
-void RefuseTogether(bool first, bool second, const char* names) {
 // "64K" and the like; absent for what is no such number, and for none at all.
 std::optional<std::uint64_t> ByteCount(std::string_view text) {
     constexpr std::string_view Suffixes = "KMG"; // each 1024 of the one before
@@ -217,6 +217,8 @@ std::optional<std::uint64_t> ByteCount(std::string_view text) {
     return number && *number > 0 ? std::optional(std::uint64_t{*number} << bits) : std::nullopt;
 }
 
+// Two options that ask for different runs.
+void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
         throw ZelmException(std::string("Flags ") + names + " cannot be used together");
     }
@@ -299,8 +301,6 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
     return *count;
 }
 
-std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
-    return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 UnitLimits LimitsOf(const AnalyzeOptions& options) {
     UnitLimits limits;
     if (options.timeout) {
@@ -321,12 +321,15 @@ UnitLimits LimitsOf(const AnalyzeOptions& options) {
     return limits;
 }
 
+std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
+    return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
     RefuseEmpty(options.compilers, "--compiler");
+    RefuseEmpty(options.compilerFolders, "--compiler-path");
     RefuseEmpty(options.includeDirectories, "--include-dir");
     RefuseEmpty(options.sourceTreeRoot, "--sourcetree-root");
     RefuseEmpty(options.rulesConfig, "--rules-config");
@@ -334,6 +337,12 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.platform, "--platform");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
+    }
+    for (const std::string& folder : options.compilerFolders) {
+        // A misspelt one would let nothing be started, and a mask would let more be started than is seen.
+        if (HasWildcard(folder) || !IsDirectory(folder)) {
+            throw ZelmException("Wrong value of --compiler-path: \"" + folder + "\", expected a folder");
+        }
     }
     RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");
     RequireExisting(options.dependencyFile, "Dependency file doesn't exist: ");
@@ -346,6 +355,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
+    static_cast<void>(LimitsOf(options));
     static_cast<void>(GateOf(options));
     for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));
@@ -353,4 +363,3 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
 }
 
 } // namespace Orvanta
-    static_cast<void>(LimitsOf(options));

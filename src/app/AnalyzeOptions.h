@@ -48,6 +48,7 @@ struct AnalyzeOptions {
     std::optional<std::string> sourceList;
     bool allowEmpty = false;
     std::vector<std::string> compilers;
+    std::vector<std::string> compilerFolders;
     std::vector<std::string> environment; ///< "VAR=VALUE"
     std::vector<std::string> excludePaths;
     std::optional<std::string> analysisMode;
@@ -55,9 +56,9 @@ struct AnalyzeOptions {
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;
     std::optional<std::string> corePath;
-    std::optional<std::string> rulesConfig;
     std::optional<std::string> timeout;   ///< seconds
     std::optional<std::string> maxOutput; ///< bytes, or with a suffix
+    std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
     bool intermodular = false;
@@ -90,11 +91,11 @@ struct AnalyzeOptions {
 /// \throws ZelmException
 [[nodiscard]] std::size_t FindingsToShow(const AnalyzeOptions& options);
 
-/// The gate of `--fail-on`; absent when it was not given.
 /// What `--timeout` and `--max-output` set.
 /// \throws ZelmException
 [[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
 
+/// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException
 [[nodiscard]] std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options);
 

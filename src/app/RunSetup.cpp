@@ -4,6 +4,7 @@
 #include "app/ProjectSettings.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
@@ -84,6 +85,9 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         settings.compilerNames.push_back(name);
         settings.compilerFilter.push_back(name);
     }
+    for (const std::string& folder : options.compilerFolders) {
+        settings.compilerFolders.Add(ResolveLinks(AbsolutePath(folder)));
+    }
     for (const std::string& value : options.analyzeOnly) {
         settings.onlyPaths.Add(PathOrMask(value));
     }
@@ -96,11 +100,11 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     if (options.traceDirectory) {
         settings.traceDirectory = AbsolutePath(*options.traceDirectory);
     }
+    settings.limits = LimitsOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
 }
-    settings.limits = LimitsOf(options);
 
 } // namespace
 

@@ -192,6 +192,25 @@ TEST_F(OptionsTest, CompilerFilterIgnoresCaseAndSuffix) {
     EXPECT_EQ(sandbox.CoreCalls().size(), 3U);
 }
 
+TEST_F(OptionsTest, NoCompilerIsStartedFromOutsideTheFoldersThatAreNamed) {
+    const std::string good = sandbox.AddCompiler("plain", "fake (GCC) 12\n");
+    for (const char* const folder : {"else", "tools-not"}) { // the second begins like the one that is named
+        sandbox.Write(std::string(folder) + "/a.c", "int a;\n");
+        std::filesystem::copy_file(good, sandbox.Path(std::string(folder) + "/plain"));
+    }
+    sandbox.AddEntry({{good, "-c", "else/a.c"}});
+    sandbox.AddEntry({{sandbox.Path("else/plain"), "-c", "else/a.c"}});
+    sandbox.AddEntry({{sandbox.Path("tools-not/plain"), "-c", "else/a.c"}});
+    const RunResult result = sandbox.Analyze({"--compiler-path", "tools", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(result.Says("(1 analyzed, 2 failed")) << result;
+    EXPECT_EQ(result.Count("\" lies in none of the folders of --compiler-path"), 2U) << result;
+    EXPECT_FALSE(sandbox.Exists("else/plain.calls"));
+    for (const char* const folder : {"none", "to*ls", "else/a.c", ""}) {
+        EXPECT_EQ(sandbox.Analyze({"--compiler-path", folder}).exitCode, 1) << folder;
+    }
+}
+
 TEST_F(OptionsTest, GivenVariablesGoOverTheEntrysGoOverTheDriversOwn) {
     sandbox.AddCompiler("fake-gcc", "gcc 12\n",
                         "show-variable FROM_DRIVER\nshow-variable FROM_ENTRY\nshow-variable FROM_OPTION\n");
