@@ -4,6 +4,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/WatchedChildren.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -223,9 +224,19 @@ bool ReadWhole(void* target, std::size_t size) noexcept {
     return true;
 }
 
+// False when the pipe has closed before its end.
+bool ReadFolder(std::uint64_t length, Known& known) {
+    constexpr std::uint64_t LongestPath = 65536;
+    std::string path(std::min(length, LongestPath), '\0');
+    if (!ReadWhole(path.data(), path.size())) {
+        return false;
+    }
+    known.folders.push_back(std::move(path));
+    return true;
+}
+
 // Returns when the pipe has closed; true after a farewell.
 bool ReadNotes(Known& known) {
-    constexpr std::uint64_t LongestPath = 65536;
     Record record{};
     while (ReadWhole(&record, sizeof record)) {
         switch (record.note) {
@@ -238,14 +249,11 @@ bool ReadNotes(Known& known) {
         case Note::Input:
             known.input = record.value;
             break;
-        case Note::Folder: {
-            std::string path(record.value > LongestPath ? 0 : record.value, '\0');
-            if (path.empty() || !ReadWhole(path.data(), path.size())) {
+        case Note::Folder:
+            if (!ReadFolder(record.value, known)) {
                 return false;
             }
-            known.folders.push_back(std::move(path));
             break;
-        }
         case Note::Farewell:
             return true;
         }
