@@ -26,6 +26,21 @@ std::streambuf::int_type InputStream::underflow() {
     return count == 0 ? std::streambuf::traits_type::eof() : std::streambuf::traits_type::to_int_type(*gptr());
 }
 
+std::streamsize InputStream::xsgetn(char* target, std::streamsize count) {
+    constexpr std::streamsize FewBytes = 32768; // for which a call of the system each would cost more than a copy
+    std::streamsize filled = std::min<std::streamsize>(count, egptr() - gptr());
+    std::copy_n(gptr(), filled, target);
+    gbump(static_cast<int>(filled));
+    while (count - filled >= FewBytes && !ProcessStopFlag().IsSet()) {
+        const std::size_t read = file_.Read({target + filled, static_cast<std::size_t>(count - filled)});
+        if (read == 0) {
+            return filled;
+        }
+        filled += static_cast<std::streamsize>(read);
+    }
+    return filled + (filled < count ? std::streambuf::xsgetn(target + filled, count - filled) : 0);
+}
+
 void EndWhenStopped() {
     // What shells give for a program that Ctrl+C has ended: 128 and the number of the signal.
     constexpr int InterruptedCode = 130;

@@ -49,6 +49,8 @@ public:
 protected:
     /// Reads the next block; the end at a stop as well, which `EndWhenStopped` tells apart.
     std::streambuf::int_type underflow() override;
+    /// The same for many bytes, which go straight to where they are wanted.
+    std::streamsize xsgetn(char* target, std::streamsize count) override;
 
 private:
     InputFile file_;
