@@ -154,6 +154,14 @@ class Runs:
             time.sleep(0.02)
 
 
+def catches(run, sent):
+    """Whether the run has come so far that it deals with the signal, or has ended."""
+    status = pathlib.Path(f"/proc/{run.pid}/status").read_text(encoding="utf-8")
+    fields = dict(line.split(":\t", 1) for line in status.splitlines())
+    known = int(fields["SigCgt"], 16) | int(fields["SigIgn"], 16)  # SIGHUP may be ignored, as under nohup
+    return fields["State"].startswith("Z") or bool(known >> (sent - 1) & 1)
+
+
 def one_round(runs, project, rng, length):
     kind, sent, threads, edit = rng.choice(KINDS), rng.choice(SIGNALS), rng.choice([1, 2, 4]), project.edit()
     moment, hangs = rng.uniform(0, 1.1) * length, rng.random() < 0.25
@@ -165,6 +173,8 @@ def one_round(runs, project, rng, length):
             mark.touch()
         run = runs.start(kind, output, threads)
         time.sleep(moment)
+        if sent != signal.SIGKILL:
+            runs.expect_soon("a signal is not dealt with", lambda: not catches(run, sent))
         run.send_signal(sent)
         run.communicate(timeout=SOON)
         if sent != signal.SIGKILL and run.returncode not in (0, STOPPED):
