@@ -30,15 +30,16 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
         command.emplace_back(ExtensionOf(source) == ".c" ? "cc" : "c++");
     }
     if (options.compilerParameters) {
-        // The word behind them is a word of its own unless a quote is left open: then it would be the file's name.
+        // A first word has rules of its own on Windows, so they are not the first. The word behind them is a word of
+        // its own unless a quote is left open: then it would be the file's name.
         std::vector<std::string> parameters =
-            SplitCommandString(*options.compilerParameters + " .", HostCommandStringRules());
-        if (parameters.empty() || parameters.back() != ".") {
+            SplitCommandString(". " + *options.compilerParameters + " .", HostCommandStringRules());
+        if (parameters.size() < 2 || parameters.back() != ".") {
             throw ZelmException("Wrong value of --cl-params: \"" + *options.compilerParameters +
                                 "\", a quote is not closed");
         }
         parameters.pop_back();
-        command.insert(command.end(), parameters.begin(), parameters.end());
+        command.insert(command.end(), parameters.begin() + 1, parameters.end());
     }
     command.insert(command.end(), {"-c", source});
     return command;
