@@ -15,6 +15,18 @@
 
 namespace Orvanta {
 
+namespace {
+
+ChildLimits LimitsFromNow(const UnitLimits& unit) {
+    ChildLimits limits = {.outputBytes = unit.outputBytes};
+    if (unit.time) {
+        limits.deadline = std::chrono::steady_clock::now() + *unit.time;
+    }
+    return limits;
+}
+
+} // namespace
+
 AnalyzerRunner::AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                                Log& log, AnalyzerProgress& progress, const StopFlag& stop)
     : settings_(settings), places_(places), log_(log), progress_(progress), stop_(stop),
@@ -31,7 +43,7 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
         // A plan that can't be made is the unit's own fault: the others go on.
         return {.status = AnalyzerStatus::Failed, .reason = error.what()};
     }
-    const UnitRunContext context = {settings_, places_, log_, stop_};
+    const UnitRunContext context = {settings_, places_, log_, stop_, LimitsFromNow(settings_.limits)};
     return UnitRun(*plan, context, *task.progress).Run(*task.work);
 }
 
@@ -137,8 +149,10 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
-    static_cast<void>(
-        RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, planner_.CommonEnvironment()}, stop_, output));
+    // Of no unit, so it may take its time.
+    const ChildLimits limits = {.outputBytes = settings_.limits.outputBytes};
+    static_cast<void>(RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, planner_.CommonEnvironment()},
+                                    limits, stop_, output));
 }
 
 void PrepareMerge(const RunPlaces& places) {

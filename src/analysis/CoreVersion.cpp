@@ -23,16 +23,18 @@ OutputReceiver ReceiveUpToLimit(std::string& target) {
 
 } // namespace
 
-std::string AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop) {
+CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop) {
     std::string output;
+    std::string errors;
     Process process({corePath, "--version"}, folder, OwnEnvironmentBlock(), ReceiveUpToLimit(output),
-                    [](std::string_view) {});
+                    ReceiveUpToLimit(errors));
     const WaitResult end = WaitWithTimeout(process, LongestWait, PollInterval, stop);
-    // What stands in the output then is a complaint, no version.
-    if (!end.finished || end.exitCode != 0) {
-        return "";
+    if (!end.finished) {
+        return {};
     }
-    return std::string(Trim(std::string_view(output).substr(0, output.find('\n'))));
+    // What stands in the output of a failure is no version.
+    return end.exitCode == 0 ? CoreAnswer{std::string(Trim(std::string_view(output).substr(0, output.find('\n')))), ""}
+                             : CoreAnswer{"", std::string(Trim(errors))};
 }
 
 } // namespace Orvanta

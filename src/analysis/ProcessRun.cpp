@@ -2,14 +2,63 @@
 
 #include "platform/Text.h"
 
+#include <algorithm>
+
 namespace Orvanta {
 
-ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const StopFlag& stop,
-                             CapturedOutput& output) {
-    Process process(command, place.workingDirectory, place.environment,
-                    MakeRedirectToStringProcessor(output.standardOutput),
-                    MakeRedirectToStringProcessor(output.standardError));
-    const WaitResult result = WaitUntilEndOrStop(process, stop);
+namespace {
+
+// An output up to its limit, beyond which nothing is kept.
+class LimitedOutput {
+public:
+    LimitedOutput(std::string& target, std::optional<std::uint64_t> limit) : target_(target), limit_(limit) {}
+
+    [[nodiscard]] OutputReceiver Receiver() {
+        return [this](std::string_view bytes) {
+            isOver_ = isOver_ || (limit_ && bytes.size() > *limit_ - target_.size());
+            if (!isOver_) {
+                target_ += bytes;
+            }
+        };
+    }
+
+    [[nodiscard]] bool IsOver() const noexcept { return isOver_; }
+
+private:
+    std::string& target_;
+    std::optional<std::uint64_t> limit_;
+    bool isOver_ = false;
+};
+
+} // namespace
+
+ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const ChildLimits& limits,
+                             const StopFlag& stop, CapturedOutput& output) {
+    using Clock = std::chrono::steady_clock;
+    LimitedOutput standardOutput(output.standardOutput, limits.outputBytes);
+    LimitedOutput standardError(output.standardError, limits.outputBytes);
+    Process process(command, place.workingDirectory, place.environment, standardOutput.Receiver(),
+                    standardError.Receiver());
+    const auto isOver = [&] {
+        return standardOutput.IsOver() || standardError.IsOver();
+    };
+    // Its destructor ends the child, with all that it started, when one of these goes up.
+    while (!process.HasEnded() && !isOver() && !stop.IsSet()) {
+        const auto now = Clock::now();
+        if (limits.deadline && now >= *limits.deadline) {
+            throw LimitException("Timed out (--timeout). " + std::string(ProcessInterruptedException(command).what()));
+        }
+        // Rounded up: a wait that ends too early would be made again and again.
+        const auto left =
+            limits.deadline ? std::chrono::ceil<std::chrono::milliseconds>(*limits.deadline - now) : PollInterval;
+        process.WaitForChange(std::min(PollInterval, left));
+    }
+    if (isOver()) {
+        throw LimitException("Too much output (--max-output) on standard " +
+                             std::string(standardOutput.IsOver() ? "output. " : "error. ") +
+                             ProcessInterruptedException(command).what());
+    }
+    const WaitResult result = process.HasEnded() ? WaitResult{process.get_exit_status(), true} : WaitResult{};
     return JudgeEnd(command, result, process, output);
 }
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <sstream>
+#include <unordered_map>
 
 namespace Orvanta {
 
@@ -133,6 +134,52 @@ void AppendFailure(std::string& text, const std::string& what, std::string_view 
     text += '\n';
 }
 
+// Failures by their reason, each group where its first one stands.
+class FailureGroups {
+public:
+    // `what` names several of them.
+    explicit FailureGroups(const char* what) : what_(what) {}
+
+    void Add(std::string name, std::string_view reason) {
+        const auto [place, isNew] = places_.emplace(reason, groups_.size());
+        if (isNew) {
+            groups_.push_back({reason, {}});
+        }
+        groups_[place->second].names.push_back(std::move(name));
+    }
+
+    [[nodiscard]] std::string Text(FailureForm form) const {
+        constexpr std::size_t SmallestGroup = 4; // fewer take no more lines by themselves
+        std::string text;
+        for (const Group& group : groups_) {
+            if (form == FailureForm::Grouped && group.names.size() >= SmallestGroup) {
+                AppendGroup(text, group);
+                continue;
+            }
+            for (const std::string& name : group.names) {
+                AppendFailure(text, name, group.reason);
+            }
+        }
+        return text;
+    }
+
+private:
+    struct Group {
+        std::string_view reason;
+        std::vector<std::string> names;
+    };
+
+    void AppendGroup(std::string& text, const Group& group) const {
+        AppendFailure(text, std::to_string(group.names.size()) + " " + what_, group.reason);
+        text += "    " + group.names[0] + ", " + group.names[1] + " and " + std::to_string(group.names.size() - 2) +
+                " more (--verbose names each)\n";
+    }
+
+    const char* what_;
+    std::vector<Group> groups_;
+    std::unordered_map<std::string_view, std::size_t> places_; // of the groups, by reason
+};
+
 } // namespace
 
 bool IsFailure(InvocationFate fate) noexcept {
@@ -186,17 +233,19 @@ std::string ModulesText(const CollectedCommands& commands, const RunOutcome& out
            SourcePath(commands.units[*units.begin()]) + ". What modules export is not known to the core.\n";
 }
 
-std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome) {
-    std::string text;
+std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome, FailureForm form) {
+    FailureGroups invocations("invocations");
     for (const SkippedInvocation& skipped : commands.skipped) {
         if (IsFailure(skipped.fate)) {
-            AppendFailure(text, "invocation " + std::to_string(skipped.invocation) + " (" + skipped.what + ")",
-                          skipped.reason);
+            invocations.Add("invocation " + std::to_string(skipped.invocation) + " (" + skipped.what + ")",
+                            skipped.reason);
         }
     }
+    FailureGroups files("files");
     for (const auto& [unit, reason] : outcome.failures) {
-        AppendFailure(text, SourcePath(commands.units[unit]), reason);
+        files.Add(SourcePath(commands.units[unit]), reason);
     }
+    const std::string text = invocations.Text(form) + files.Text(form);
     return text.empty() ? text : "These could not be analyzed:\n" + text;
 }
 

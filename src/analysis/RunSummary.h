@@ -39,7 +39,13 @@ struct InvocationCounts {
 /// The line that says how many units import modules, and names the first; empty when none does.
 [[nodiscard]] std::string ModulesText(const CollectedCommands& commands, const RunOutcome& outcome);
 
-/// The lines that name every failed unit and invocation with its reason; empty when there is none.
-[[nodiscard]] std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome);
+/// How a list of failures tells of many with one reason.
+enum class FailureForm {
+    Grouped, ///< once, with how many there are and the first few
+    Whole,   ///< each by its name
+};
+
+/// The lines that name the failed units and invocations with their reasons; empty when there is none.
+[[nodiscard]] std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome, FailureForm form);
 
 } // namespace Orvanta

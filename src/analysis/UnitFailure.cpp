@@ -28,14 +28,11 @@ OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath) {
 
 std::string CoreFailureReason(const ProcessReturnCodeException& error) {
     const CapturedOutput& output = error.Output();
-    std::string reason = error.Summary();
-    // A core that is silent on standard error has said why on the other one.
+    // A core that is silent on standard error has said why on the other one. Its command is left out: it is another one
+    // for each unit, and what fails all of them for one reason is to be told once.
     const std::string_view said = Trim(output.standardError.empty() ? output.standardOutput : output.standardError);
-    if (!said.empty()) {
-        reason += '\n';
-        reason += said.substr(0, LongestFailureText);
-    }
-    return reason;
+    return said.empty() ? "The core returned code " + std::to_string(error.ExitCode()) + " and said nothing."
+                        : std::string(said.substr(0, LongestFailureText));
 }
 
 } // namespace Orvanta

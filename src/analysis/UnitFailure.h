@@ -25,7 +25,7 @@ private:
 /// The finding that stands in the report for a unit that could not be preprocessed.
 [[nodiscard]] OrvlogConverter::ReportMessage NotAnalyzedMessage(std::string sourcePath);
 
-/// Why a core failed, for the list of failures: its command and its code, then what it said.
+/// Why a core failed, for the list of failures: what it said, else its code.
 [[nodiscard]] std::string CoreFailureReason(const ProcessReturnCodeException& error);
 
 } // namespace Orvanta

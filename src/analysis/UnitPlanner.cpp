@@ -4,6 +4,7 @@
 #include "compilers/CommandLineReader.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/EnvironmentNames.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -64,13 +65,23 @@ UnitVerdict VerdictOn(const UnitPlan& plan, const RunSettings& settings) {
     return !settings.analyzeSystemPaths && IsInSystemFolder(plan) ? UnitVerdict::InSystemFolder : UnitVerdict::Analyze;
 }
 
+// Its script is a program of the build as well.
+VisualStudioEnvironment::Host VisualStudioHost(const RunSettings& settings) {
+    VisualStudioEnvironment::Host host;
+    host.exists = [&settings](const std::string& path) {
+        return LookAt(path).IsThere() && MayStart(settings, path);
+    };
+    return host;
+}
+
 } // namespace
 
 UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                          Log& log, const StopFlag& stop)
     : settings_(settings), registry_(registry), places_(places), log_(log), probe_(places.temporaryFolder, stop),
-      visualStudio_(log), commonEnvironment_(std::make_shared<EnvironmentBlock>(
-                              InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
+      visualStudio_(log, VisualStudioHost(settings)),
+      commonEnvironment_(std::make_shared<EnvironmentBlock>(
+          InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
 UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, IntermodularAnalysisMode mode) {
     UnitPlan plan;

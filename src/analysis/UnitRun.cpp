@@ -55,9 +55,9 @@ void TellPrecompiledForms(const UnitPlan& plan, Log& log) {
 UnitFailure PreprocessingFailure(const UnitPlan& plan, std::string_view reason, const CapturedOutput& output,
                                  Log& log) {
     std::string text = "Source file can't be preprocessed!";
-    log.Line(text);
     if (log.IsVerbose()) {
-        std::string details = "Environment variables:\n" + EnvironmentText(*plan.environment);
+        std::string details = plan.sourcePath + ": " + std::string(reason) + "\n" + text + "\n";
+        details += "Environment variables:\n" + EnvironmentText(*plan.environment);
         details += "Stdout:\n" + output.standardOutput;
         if (!output.standardError.empty()) {
             details += "\nStderr:\n" + output.standardError;
@@ -213,8 +213,8 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
     try {
         const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
         CapturedOutput output;
-        const ProcessOutcome outcome =
-            RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment}, context_.stop, output);
+        const ProcessOutcome outcome = RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment},
+                                                     context_.limits, context_.stop, output);
         // Some flags make a compiler end well without preprocessing: the core's failure would then mislead.
         if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
             throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
@@ -314,7 +314,10 @@ ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) 
     Arguments command = {context_.places.corePath, "--cfg", SettingsPath()};
     command.insert(command.end(), flags.begin(), flags.end());
     try {
-        return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.stop, output);
+        return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.limits, context_.stop,
+                             output);
+    } catch (const LimitException& error) {
+        throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessStartException& error) {
         // A folder or an environment that hinders the start is this unit's own; the program is everybody's.
         if (error.WhatFailed() == ProcessStartException::Cause::Program) {
@@ -322,9 +325,10 @@ ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) 
         }
         throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessReturnCodeException& error) {
-        // With all that the core printed; the list of failures holds the beginning.
-        context_.log.VerboseLine(error.what());
-        throw UnitFailure(AnalyzerStatus::CoreFailed, CoreFailureReason(error));
+        const std::string reason = CoreFailureReason(error);
+        // With its command and all that the core printed; the list of failures holds the beginning.
+        context_.log.VerboseLine(plan_.sourcePath + ": " + reason + "\n" + error.what());
+        throw UnitFailure(AnalyzerStatus::CoreFailed, reason);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/PassProgress.h"
+#include "analysis/ProcessRun.h"
 #include "analysis/RunPass.h"
 #include "analysis/RunPlaces.h"
 #include "analysis/ScopedFile.h"
@@ -26,12 +27,13 @@ public:
     using ZelmException::ZelmException;
 };
 
-/// What the runs of all units of a pass share.
+/// What the run of a unit works with.
 struct UnitRunContext {
     const RunSettings& settings;
     const RunPlaces& places;
     Log& log;
     const StopFlag& stop;
+    ChildLimits limits; ///< of each child; the time is that of all together
 };
 
 /// The run of one unit: executes its plan, step by step. A step that fails throws; a step's value says whether it came

@@ -5,11 +5,14 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/SettingsMap.h"
 
 #include <args.hxx>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -73,6 +76,7 @@ const OptionRow VisibleOptions[] = {
     {0, "allow-empty", "", "A list of source files of which nothing belongs to the build is no error", nullptr, nullptr,
      &A::allowEmpty},
     {'C', "compiler", "COMPILER_NAME", "Filter compiler commands by compiler name", nullptr, nullptr, &A::compilers},
+    {0, "compiler-path", "DIR", "Start no compiler from outside DIR", nullptr, nullptr, &A::compilerFolders},
     {'E', "env", "VAR=VALUE", "Modify environment for preprocessor", nullptr, nullptr, &A::environment},
     {'e', "exclude-path", "PATH", "Directory whose files are not necessary to check", nullptr, nullptr,
      &A::excludePaths},
@@ -82,6 +86,11 @@ const OptionRow VisibleOptions[] = {
     {'p', "preprocessor", "NAME", "Preprocessor (gcc or clang)", "<auto-detected>", nullptr, &A::preprocessor},
     {0, "platform", "NAME", "Platform (linux64, linux32)", "linux64", nullptr, &A::platform},
     {0, "orvanta-path", "FILE", "Path to Orvanta", nullptr, nullptr, &A::corePath},
+    {0, "timeout", "SECONDS", "Give up a file that takes longer", nullptr, nullptr, &A::timeout},
+    {0, "max-output", "SIZE",
+     "Give up a file whose compiler or analyzer writes more than SIZE bytes to standard output or standard error; "
+     "K, M and G behind the number count",
+     nullptr, nullptr, &A::maxOutput},
     {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
      &A::rulesConfig},
     {0, "ignore-ccache", "",
@@ -194,6 +203,20 @@ void RefuseEmpty(const std::optional<std::string>& value, const char* option) {
     }
 }
 
+// "64K" and the like; absent for what is no such number, and for none at all.
+std::optional<std::uint64_t> ByteCount(std::string_view text) {
+    constexpr std::string_view Suffixes = "KMG"; // each 1024 of the one before
+    constexpr unsigned BitsOfStep = 10;
+    const std::size_t step = text.empty() ? std::string_view::npos : Suffixes.find(text.back());
+    unsigned bits = 0;
+    if (step != std::string_view::npos) {
+        text.remove_suffix(1);
+        bits = BitsOfStep * static_cast<unsigned>(step + 1);
+    }
+    const auto number = WholeNumber<std::uint32_t>(text); // large enough, and no product overflows
+    return number && *number > 0 ? std::optional(std::uint64_t{*number} << bits) : std::nullopt;
+}
+
 // Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
@@ -228,15 +251,14 @@ std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& o
                         "\", expected \"skip-analysis\" or \"run-analysis\"");
 }
 
+std::string BuildInputOf(const AnalyzeOptions& options) {
+    const std::string given = options.inputFile.value_or(DefaultInput);
+    return LookAt(given).kind == PathKind::Folder ? JoinPath(given, DefaultInput) : given;
+}
+
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
-    constexpr const char* DefaultInput = "compile_commands.json";
-    return {options.inputFile.value_or(DefaultInput),
-            options.settingsFile,
-            options.sourceList,
-            options.suppressFile,
-            options.sourceFile,
-            options.dependencyFile,
-            options.rulesConfig};
+    return {BuildInputOf(options), options.settingsFile,   options.sourceList, options.suppressFile,
+            options.sourceFile,    options.dependencyFile, options.rulesConfig};
 }
 
 std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
@@ -279,6 +301,26 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
     return *count;
 }
 
+UnitLimits LimitsOf(const AnalyzeOptions& options) {
+    UnitLimits limits;
+    if (options.timeout) {
+        const auto seconds = WholeNumber<std::uint32_t>(*options.timeout);
+        if (!seconds || *seconds == 0) {
+            throw ZelmException("Wrong value of --timeout: \"" + *options.timeout +
+                                "\", expected a number of 1 or more seconds");
+        }
+        limits.time = std::chrono::seconds(*seconds);
+    }
+    if (options.maxOutput) {
+        limits.outputBytes = ByteCount(*options.maxOutput);
+        if (!limits.outputBytes) {
+            throw ZelmException("Wrong value of --max-output: \"" + *options.maxOutput +
+                                "\", expected a number of 1 or more bytes, K, M or G behind it counting");
+        }
+    }
+    return limits;
+}
+
 std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
@@ -287,6 +329,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
     RefuseEmpty(options.compilers, "--compiler");
+    RefuseEmpty(options.compilerFolders, "--compiler-path");
     RefuseEmpty(options.includeDirectories, "--include-dir");
     RefuseEmpty(options.sourceTreeRoot, "--sourcetree-root");
     RefuseEmpty(options.rulesConfig, "--rules-config");
@@ -294,6 +337,12 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.platform, "--platform");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
+    }
+    for (const std::string& folder : options.compilerFolders) {
+        // A misspelt one would let nothing be started, and a mask would let more be started than is seen.
+        if (HasWildcard(folder) || !IsDirectory(folder)) {
+            throw ZelmException("Wrong value of --compiler-path: \"" + folder + "\", expected a folder");
+        }
     }
     RequireExisting(options.sourceList, "List of files to analyze doesn't exist: ");
     RequireExisting(options.dependencyFile, "Dependency file doesn't exist: ");
@@ -306,6 +355,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
+    static_cast<void>(LimitsOf(options));
     static_cast<void>(GateOf(options));
     for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));

@@ -8,6 +8,7 @@
 // has the default's value.
 
 #include "render/FindingGate.h"
+#include "settings/RunSettings.h"
 
 #include <cstddef>
 #include <optional>
@@ -28,6 +29,9 @@ enum class RegenerateDependInfoOption {
 
 /// The value of --cfg that has the project's own settings file searched.
 inline constexpr const char* FindSettingsFile = "auto";
+
+/// The name of a compilation database where nothing names another.
+inline constexpr const char* DefaultInput = "compile_commands.json";
 
 /// Those options of `analyze` that the help leaves out.
 struct HiddenAnalyzeOptions {
@@ -58,6 +62,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> sourceList;
     bool allowEmpty = false;
     std::vector<std::string> compilers;
+    std::vector<std::string> compilerFolders;
     std::vector<std::string> environment; ///< "VAR=VALUE"
     std::vector<std::string> excludePaths;
     std::optional<std::string> analysisMode;
@@ -65,12 +70,17 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;
     std::optional<std::string> corePath;
+    std::optional<std::string> timeout;   ///< seconds
+    std::optional<std::string> maxOutput; ///< bytes, or with a suffix
     std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
     bool intermodular = false;
     std::optional<std::string> regenerateDependInfo;
 };
+
+/// The build input: what `--file` names or the default, and of a folder the database in it.
+[[nodiscard]] std::string BuildInputOf(const AnalyzeOptions& options);
 
 /// The files that the options name to be read. Absent ones are not named; the build input has a name of its own then.
 [[nodiscard]] std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options);
@@ -82,6 +92,10 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// How many findings are shown at the end.
 /// \throws ZelmException
 [[nodiscard]] std::size_t FindingsToShow(const AnalyzeOptions& options);
+
+/// What `--timeout` and `--max-output` set.
+/// \throws ZelmException
+[[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
 
 /// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException

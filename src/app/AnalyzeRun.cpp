@@ -6,6 +6,7 @@
 #include "analysis/RunSummary.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
+#include "app/OutputCheck.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -44,7 +45,14 @@ AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
       progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
 
 void AnalyzeRun::Run() {
-    ReadInputs();
+    try {
+        ReadInputs();
+    } catch (...) {
+        OpenLog(); // why the run has ended is what it is for
+        throw;
+    }
+    RequireOutputs();
+    OpenLog();
     // A stop while compilers are identified leaves part of the units: none of them may be taken for all.
     if (stop_.IsSet()) {
         throw ZelmRcException(InterruptedExitCode);
@@ -66,8 +74,8 @@ void AnalyzeRun::Run() {
 void AnalyzeRun::ReadInputs() {
     const AnalyzeOptions& options = input_.options;
     if (options.dumpLog) {
-        // Before all else, so that the log holds all that the rest says.
-        log_.OpenFile(AbsolutePath(*options.dumpLog));
+        // Before all else, so that the log holds all that the rest says. What stands at its path may be a source.
+        log_.KeepForFile();
     }
     if (options.suppressFile) { // before the work of which a broken base would take the report
         input_.base = OrvlogConverter::SuppressBase::Read(*options.suppressFile);
@@ -76,13 +84,27 @@ void AnalyzeRun::ReadInputs() {
     input_.commands = ReadInput(options, input_.settings, registry_, log_, stop_);
 }
 
+void AnalyzeRun::RequireOutputs() const {
+    for (const std::string& output :
+         {input_.reportPath, input_.options.dumpJson.value_or(""), input_.options.dumpLog.value_or("")}) {
+        RequireNoSource(output, input_.commands.units);
+    }
+}
+
+void AnalyzeRun::OpenLog() {
+    if (input_.options.dumpLog) {
+        log_.OpenFile(AbsolutePath(*input_.options.dumpLog));
+    }
+}
+
 int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
     // Inside the locks: what goes at the end goes before another run may begin.
     const TemporaryFolder temporaryFolder;
-    RunPlaces places = MakePlaces(temporaryFolder.Path());
+    const CoreLocation core = FindCore();
+    RunPlaces places = MakePlaces(core.path, temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
-    places.coreVersion = AskCoreVersion(places.corePath, temporaryFolder.Path(), stop_);
+    places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     AnalyzePasses passes(input_, places, runner, {shown_, log_, stop_});
@@ -126,9 +148,9 @@ RunLocks AnalyzeRun::TakeLocks() {
     return locks;
 }
 
-RunPlaces AnalyzeRun::MakePlaces(const std::string& temporaryFolder) {
+RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string& temporaryFolder) {
     RunPlaces places;
-    places.corePath = CorePath();
+    places.corePath = corePath;
     places.unitFolder = temporaryFolder;
     places.temporaryFolder = temporaryFolder;
     places.outputFolder = outputFolder_;
@@ -141,15 +163,26 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& temporaryFolder) {
     return places;
 }
 
-std::string AnalyzeRun::CorePath() {
-    if (input_.options.corePath) {
-        return AbsolutePath(*input_.options.corePath);
+std::string AnalyzeRun::VersionOf(const CoreLocation& core, const std::string& folder) {
+    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_);
+    // Another core may not know the question. Ours does, and fails when its engine is missing: then every unit would,
+    // but not a mere listing of what they include.
+    const bool isListingOnly = RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis;
+    if (core.origin == CoreLocation::Origin::Bundled && !answer.complaint.empty() && !isListingOnly) {
+        throw ZelmException(answer.complaint);
     }
-    const CoreLocation core = LocateCore(ProgramDirectory());
+    return answer.version;
+}
+
+CoreLocation AnalyzeRun::FindCore() {
+    if (input_.options.corePath) {
+        return {AbsolutePath(*input_.options.corePath)};
+    }
+    CoreLocation core = LocateCore(ProgramDirectory());
     if (core.origin == CoreLocation::Origin::Bundled) {
         log_.Line("Using the bundled core: " + core.path);
     }
-    return core.path;
+    return core;
 }
 
 void AnalyzeRun::End(const RunEnding& ending) {
@@ -157,7 +190,7 @@ void AnalyzeRun::End(const RunEnding& ending) {
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
     // Ahead of the summary, which stays in sight when there are many.
-    log_.Text(FailureList(commands, outcome));
+    TellFailures(outcome);
     if (ending.summary.empty()) {
         const InvocationCounts counts = CountInvocations(commands, outcome);
         // An empty report would look like clean code.
@@ -179,6 +212,20 @@ void AnalyzeRun::End(const RunEnding& ending) {
     }
     if (!ending.reportPath.empty()) {
         ShowFindings();
+    }
+}
+
+// Who reads the log file or wants all lines gets each by name.
+void AnalyzeRun::TellFailures(const RunOutcome& outcome) {
+    const std::string whole = FailureList(input_.commands, outcome, FailureForm::Whole);
+    if (input_.options.verbose || whole.empty()) {
+        log_.Text(whole);
+        return;
+    }
+    const std::string grouped = FailureList(input_.commands, outcome, FailureForm::Grouped);
+    log_.Text(grouped);
+    if (grouped != whole) {
+        log_.VerboseLine(whole);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/CoreLocator.h"
 #include "analysis/Progress.h"
 #include "analysis/RunPlaces.h"
 #include "app/AnalyzeInput.h"
@@ -29,6 +30,7 @@
 namespace Orvanta {
 
 struct RunEnding;
+struct RunOutcome;
 
 /// One run of `analyze`, from the checked options to the exit code.
 class AnalyzeRun {
@@ -44,18 +46,26 @@ private:
 
     // Reads what there is to do. Starts compilers where they have to be identified, but no core; touches no report.
     void ReadInputs();
+    // Sees to it that no output takes the place of a source: the first moment at which these are known.
+    void RequireOutputs() const;
+    // Opens the file of --dump-log, which gets all that was said so far.
+    void OpenLog();
     // From the locks to the end that the user sees. Returns the run's code; an error of the passes leaves it as thrown.
     [[nodiscard]] int Analyze();
     // The locks of all that this run writes to and a later one reads. Waits a moment for another run.
     [[nodiscard]] RunLocks TakeLocks();
     // Where the run's files go; makes the folder in which the user wants to keep them.
-    [[nodiscard]] RunPlaces MakePlaces(const std::string& temporaryFolder);
+    [[nodiscard]] RunPlaces MakePlaces(const std::string& corePath, const std::string& temporaryFolder);
     // The core that the options name, else the one that is found; the log tells of the bundled one.
-    [[nodiscard]] std::string CorePath();
+    [[nodiscard]] CoreLocation FindCore();
+    // What the core says of itself. Throws when the bundled one can analyze nothing, with what is missing.
+    [[nodiscard]] std::string VersionOf(const CoreLocation& core, const std::string& folder);
     // The exit code: of what became of the units first, then of the gate.
     [[nodiscard]] int ResultOf(const RunEnding& ending) const;
     // Tells what came of the run, once, whatever it was.
     void End(const RunEnding& ending);
+    // Tells what failed and why: many with one reason once.
+    void TellFailures(const RunOutcome& outcome);
     // Shows the worst findings, and how many of them stop the build.
     void ShowFindings();
 

@@ -6,12 +6,14 @@
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
+#include "platform/ChildWatch.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
 #include "platform/StopFlag.h"
 
 #include <args.hxx>
 
+#include <optional>
 #include <string>
 
 namespace Orvanta {
@@ -46,7 +48,11 @@ void SetUpParser(args::ArgumentParser& parser) {
 } // namespace
 
 int RunProgram(int argumentCount, const char* const* arguments) {
+    if (const std::optional<int> code = WatchIfAsked(argumentCount, arguments)) {
+        return *code;
+    }
     InstallCrashHandler();
+    const ChildWatch watch;
     // Both before the first word is parsed, since subcommands run inside the parser.
     InstallInterruptHandler(ProcessStopFlag());
 

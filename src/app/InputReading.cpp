@@ -1,6 +1,7 @@
 #include "app/InputReading.h"
 
 #include "analysis/RunSummary.h"
+#include "app/RunSetup.h"
 #include "buildinput/CommandStringSplitter.h"
 #include "buildinput/InvocationCollector.h"
 #include "buildinput/ProgramName.h"
@@ -19,8 +20,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr const char* DefaultInput = "compile_commands.json";
-
 // The command that compiles one file: the named compiler, else the system's for the file's language.
 std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     const std::string& source = *options.sourceFile;
@@ -32,17 +31,24 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
         command.emplace_back(ExtensionOf(source) == ".c" ? "cc" : "c++");
     }
     if (options.compilerParameters) {
-        const std::vector<std::string> parameters =
-            SplitCommandString(*options.compilerParameters, HostCommandStringRules());
-        command.insert(command.end(), parameters.begin(), parameters.end());
+        // A first word has rules of its own on Windows, so they are not the first. The word behind them is a word of
+        // its own unless a quote is left open: then it would be the file's name.
+        std::vector<std::string> parameters =
+            SplitCommandString(". " + *options.compilerParameters + " .", HostCommandStringRules());
+        if (parameters.size() < 2 || parameters.back() != ".") {
+            throw ZelmException("Wrong value of --cl-params: \"" + *options.compilerParameters +
+                                "\", a quote is not closed");
+        }
+        parameters.pop_back();
+        command.insert(command.end(), parameters.begin() + 1, parameters.end());
     }
     command.insert(command.end(), {"-c", source});
     return command;
 }
 
-// A folder stands for the database in it. What can't be there is told with what to do.
-std::string InputPath(const std::string& given) {
-    std::string path = IsDirectory(given) ? JoinPath(given, DefaultInput) : given;
+// What isn't there is told with what to do.
+std::string ExistingInput(const AnalyzeOptions& options) {
+    std::string path = BuildInputOf(options);
     if (PathExists(path)) {
         return path;
     }
@@ -59,6 +65,31 @@ std::string InputPath(const std::string& given) {
     throw ZelmException("Couldn't open file " + path,
                         "Have the build make a database (cmake -DCMAKE_EXPORT_COMPILE_COMMANDS=ON) or a trace "
                         "(strace), and name it with -f FILE");
+}
+
+// A misspelt folder would be analyzed in silence.
+void TellUnusedExclusions(const AnalyzeOptions& options, const std::vector<CompileCommand>& units, Log& log) {
+    struct Exclusion {
+        std::string value;
+        ExclusionSet paths;
+    };
+
+    std::vector<Exclusion> unused;
+    ExclusionSet all;
+    for (const std::string& value : options.excludePaths) {
+        unused.push_back({value, ExclusionSet()});
+        unused.back().paths.Add(PathOrMask(value));
+        all.Add(PathOrMask(value));
+    }
+    for (auto unit = units.begin(); unit != units.end() && !unused.empty(); ++unit) {
+        // One look for the many that none of them matches.
+        if (const std::string path = SourcePath(*unit); all.Matches(path)) {
+            std::erase_if(unused, [&path](const Exclusion& exclusion) { return exclusion.paths.Matches(path); });
+        }
+    }
+    for (const Exclusion& exclusion : unused) {
+        log.Line("Warning: no source file of the build is left out by --exclude-path " + exclusion.value);
+    }
 }
 
 // What became of invocations that give no unit; which ones, only in the verbose log.
@@ -124,13 +155,14 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
         // In the current folder, as if the command had been typed there.
         collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
     } else {
-        ReadBuildInput(InputPath(options.inputFile.value_or(DefaultInput)), collector);
+        ReadBuildInput(ExistingInput(options), collector);
     }
     CollectedCommands commands = collector.Take();
     TellSkipped(commands, log);
     if (!options.sourceFile) { // with which the option filters nothing
         TellUnmatchedNames(options.compilers, commands, log);
     }
+    TellUnusedExclusions(options, commands.units, log);
     return commands;
 }
 

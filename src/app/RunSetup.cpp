@@ -4,12 +4,14 @@
 #include "app/ProjectSettings.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
 #include "report/ReportReader.h"
 #include "report/WholeFile.h"
 #include "settings/AnalysisMode.h"
+#include "settings/SettingKeys.h"
 #include "settings/SettingsFile.h"
 
 #include <optional>
@@ -20,11 +22,6 @@ namespace Orvanta {
 namespace {
 
 constexpr const char* SourceTreeRootKey = "sourcetree-root";
-
-// Options count from the current directory, unless they are masks.
-std::string PathOrMask(const std::string& value) {
-    return HasWildcard(value) ? value : AbsolutePath(value);
-}
 
 // The settings reader does not know these keys as paths, so they are still as written.
 void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile) {
@@ -55,6 +52,15 @@ void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
     settings.environmentChanges[change.substr(0, equalsSign)] = change.substr(equalsSign + 1);
 }
 
+// A key that means nothing to us may mean something to a core: it is handed on all the same.
+void WarnAboutKeys(const SettingsMap& settings, const std::string& path) {
+    for (auto entry = settings.begin(); entry != settings.end(); entry = settings.upper_bound(entry->first)) {
+        if (const std::string warning = KeyWarning(path, entry->first); !warning.empty()) {
+            PrintLine(warning);
+        }
+    }
+}
+
 // Lays what was given over what the settings file says. Relative paths count from the current folder.
 void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     // As the number that the core takes; the file's value has become one when it was read.
@@ -79,6 +85,9 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         settings.compilerNames.push_back(name);
         settings.compilerFilter.push_back(name);
     }
+    for (const std::string& folder : options.compilerFolders) {
+        settings.compilerFolders.Add(ResolveLinks(AbsolutePath(folder)));
+    }
     for (const std::string& value : options.analyzeOnly) {
         settings.onlyPaths.Add(PathOrMask(value));
     }
@@ -91,6 +100,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     if (options.traceDirectory) {
         settings.traceDirectory = AbsolutePath(*options.traceDirectory);
     }
+    settings.limits = LimitsOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
@@ -98,10 +108,15 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
 
 } // namespace
 
+std::string PathOrMask(const std::string& value) {
+    return HasWildcard(value) ? value : AbsolutePath(value);
+}
+
 RunSettings MakeRunSettings(const AnalyzeOptions& options) {
     RunSettings settings;
     if (const std::optional<std::string> path = SettingsFileOf(options)) {
         SettingsMap fromFile = ReadSettingsFile(*path);
+        WarnAboutKeys(fromFile, *path);
         if (*options.settingsFile == FindSettingsFile) {
             // Before anything of it is taken over.
             DropUntrusted(fromFile, *path);

@@ -14,6 +14,9 @@ namespace Orvanta {
 /// \throws ZelmException
 [[nodiscard]] RunSettings MakeRunSettings(const AnalyzeOptions& options);
 
+/// How a value that names a path or a mask counts: paths from the current folder, masks as they are.
+[[nodiscard]] std::string PathOrMask(const std::string& value);
+
 /// The number of workers: the option's, else one for each processor that the process may use.
 /// \throws ZelmException when the option is no number of 1 or more
 [[nodiscard]] unsigned ThreadCount(const AnalyzeOptions& options);

@@ -11,6 +11,10 @@
 
 #include <args.hxx>
 
+#include <atomic>
+#include <cstdlib>
+#include <exception>
+#include <new>
 #include <sstream>
 #include <string_view>
 #include <vector>
@@ -116,6 +120,61 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
         PrintLine(std::string("Unexpected exception was thrown: ") + error.what());
     }
     return 1;
+}
+
+namespace {
+
+// In pieces: there may be no memory to put them together.
+void PrintUnexpected(const std::exception& error) {
+    Print("Unexpected exception was thrown: ");
+    Print(error.what());
+    Print("\n");
+}
+
+// Whether the exception that is being handled is one of that type.
+template <class Error>
+bool IsHandled() {
+    try {
+        if (std::current_exception() != nullptr) {
+            throw;
+        }
+    } catch (const Error&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+    return false;
+}
+
+std::atomic<bool> wantsMemory = false; // from the first time on that there was none
+
+void NoteWantOfMemory() {
+    wantsMemory.store(true);
+    throw std::bad_alloc();
+}
+
+// For what no handler can take: an exception that leaves a function which must not throw, of a library too. Want of
+// memory is no fault of the program, which the crash handler would take it for.
+[[noreturn]] void EndByException() noexcept {
+    // Where the exception is on its way still, its type can't be asked for.
+    if (std::uncaught_exceptions() > 0 ? wantsMemory.load() : IsHandled<std::bad_alloc>()) {
+        PrintUnexpected(std::bad_alloc());
+        std::_Exit(1);
+    }
+    std::abort();
+}
+
+} // namespace
+
+int RunGuarded(EntryFunction* entry, int argumentCount, const char* const* arguments) noexcept {
+    std::set_new_handler(NoteWantOfMemory);
+    std::set_terminate(EndByException);
+    try {
+        return entry(argumentCount, arguments);
+    } catch (const std::exception& error) {
+        PrintUnexpected(error);
+        return 1;
+    }
 }
 
 } // namespace Orvanta

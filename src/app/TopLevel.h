@@ -44,4 +44,11 @@ int ParseAndRun(args::ArgumentParser& parser, int argumentCount, const char* con
 /// messages go to standard error.
 void MakeRoomFor(const std::string& outputPath) noexcept;
 
+/// What a program does from its first step to its exit code.
+using EntryFunction = int(int argumentCount, const char* const* arguments);
+
+/// Runs it. What is thrown before its own handlers are there, or behind them, as for want of memory, is told in the
+/// same words and ends with code 1.
+[[nodiscard]] int RunGuarded(EntryFunction* entry, int argumentCount, const char* const* arguments) noexcept;
+
 } // namespace Orvanta

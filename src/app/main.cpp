@@ -1,5 +1,6 @@
 #include "app/Entry.h"
+#include "app/TopLevel.h"
 
 int main(int argumentCount, char** arguments) {
-    return Orvanta::RunProgram(argumentCount, arguments);
+    return Orvanta::RunGuarded(Orvanta::RunProgram, argumentCount, arguments);
 }

@@ -3,36 +3,57 @@
 #include "buildinput/CompilationDatabase.h"
 #include "buildinput/InvocationCollector.h"
 #include "buildinput/trace/TraceReader.h"
-#include "platform/Files.h"
-#include "platform/NativePath.h"
+#include "platform/InputFile.h"
 #include "platform/Paths.h"
 
-#include <fstream>
+#include <optional>
 
 namespace Orvanta {
 
 NoCompilerInvocationsFound::NoCompilerInvocationsFound(Hint hint)
     : ZelmException("No compiler invocations were detected."), hint_(hint) {}
 
+namespace {
+
+// Once only: what a pipe has given can't be read again.
+void Open(const std::string& path, std::optional<InputStream>& input) {
+    const std::string message = "Couldn't open file " + path;
+    try {
+        input.emplace(path);
+    } catch (const FileException& error) {
+        throw ZelmException(message, error.Reason());
+    }
+    if (input->IsEndless()) {
+        throw ZelmException(message, "It is no file, pipe or terminal");
+    }
+}
+
+} // namespace
+
 void ReadBuildInput(const std::string& path, InvocationCollector& collector) {
-    std::ifstream input;
-    if (LookAt(path).kind != PathKind::Folder) { // some systems open a folder for reading like a file
-        input.open(NativePath(path), std::ios::binary);
-    }
-    if (!input.is_open()) {
-        throw ZelmException("Couldn't open file " + path);
-    }
+    std::optional<InputStream> opened;
+    Open(path, opened);
+    InputStream& input = *opened;
     // The extension alone decides: a trace may be a pipe, of which no first bytes can be looked at and put back.
-    if (ExtensionOf(path) == ".json") {
-        // It was opened to tell of a file that is not there in the same words, whatever kind it is.
-        input.close();
-        // Where a database has relative directories, they count from the folder that it lies in.
-        collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
-        if (!ReadCompilationDatabase(path, collector)) {
-            throw ZelmException("Couldn't parse compile commands database " + path);
+    const bool isDatabase = ExtensionOf(path) == ".json";
+    bool isUnderstood = true;
+    try {
+        if (isDatabase) {
+            // Where a database has relative directories, they count from the folder that it lies in.
+            collector.SetBaseDirectory(std::string(DirectoryOf(AbsolutePath(path))));
+            ReadDatabaseFrom(input, path, collector);
+        } else {
+            isUnderstood = ReadTrace(input, path, collector);
         }
-    } else if (!ReadTrace(input, path, collector)) {
-        throw ZelmException("Couldn't parse " + path);
+    } catch (const ZelmException&) {
+        EndWhenStopped(); // the rest was not read
+        if (!input.bad()) {
+            throw;
+        }
+    }
+    EndWhenStopped();
+    if (!isUnderstood || input.bad()) {
+        throw ZelmException((isDatabase ? "Couldn't parse compile commands database " : "Couldn't parse ") + path);
     }
     // Told only of a file that has been read to its end.
     collector.MessageLog().Line("Using tracing file: " + path);

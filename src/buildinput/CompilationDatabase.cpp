@@ -3,8 +3,8 @@
 #include "buildinput/VariableName.h"
 #include "platform/BlockReader.h"
 #include "platform/Files.h"
+#include "platform/InputFile.h"
 #include "platform/JsonEvents.h"
-#include "platform/NativePath.h"
 #include "platform/Table.h"
 #include "platform/Text.h"
 
@@ -12,8 +12,8 @@
 
 #include <algorithm>
 #include <exception>
-#include <fstream>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -70,19 +70,34 @@ struct Entry {
     void Clear() { directory.type = command.type = argumentsType = environmentType = {}; }
 };
 
-/// In the library's own form: the fault reads as one of a document that is held whole.
-json::type_error TypeError(std::string_view expected, std::string_view found) {
-    return json::type_error::create(302, "type must be " + std::string(expected) + ", but is " + std::string(found),
-                                    nullptr);
+/// What is wrong with the content: the library's error, as a document that is held whole would give it, and what to
+/// look for in the file. Never leaves this file.
+struct ContentFault {
+    std::exception_ptr error;
+    std::string what;
+};
+
+// As a message names a type.
+std::string WithArticle(std::string_view type) {
+    const bool hasVowel = type == JsonType::Array || type == JsonType::Object;
+    return type == JsonType::Null ? std::string(type) : (hasVowel ? "an " : "a ") + std::string(type);
 }
 
-/// \throws json::exception when the member is absent or no text
-const std::string& RequireText(const TextMember& member) {
+/// `what` is of the wrong type.
+ContentFault TypeFault(const std::string& what, std::string_view expected, std::string_view found) {
+    const std::string text = "type must be " + std::string(expected) + ", but is " + std::string(found);
+    return {std::make_exception_ptr(json::type_error::create(302, text, nullptr)),
+            what + " is " + WithArticle(found) + ", expected " + WithArticle(expected)};
+}
+
+/// `name` is how the file names the member. \throws ContentFault when it is absent or no text
+const std::string& RequireText(const TextMember& member, const char* name) {
     if (member.type.empty()) {
-        throw json::invalid_iterator::create(214, "cannot get value", nullptr);
+        throw ContentFault{std::make_exception_ptr(json::invalid_iterator::create(214, "cannot get value", nullptr)),
+                           std::string(name) + " is missing"};
     }
     if (member.type != JsonType::Text) {
-        throw TypeError(JsonType::Text, member.type);
+        throw TypeFault(name, JsonType::Text, member.type);
     }
     return member.text;
 }
@@ -94,10 +109,10 @@ Environment TakeEnvironment(Entry& entry) {
         return variables;
     }
     if (entry.environmentType != JsonType::Object) {
-        throw TypeError(JsonType::Object, entry.environmentType);
+        throw TypeFault("\"environment\"", JsonType::Object, entry.environmentType);
     }
     for (const auto& [name, value] : entry.environment) {
-        const std::string& text = RequireText(value);
+        const std::string& text = RequireText(value, "a value in \"environment\"");
         if (IsVariableName(name)) {
             variables.emplace(name, text);
         }
@@ -122,7 +137,10 @@ public:
     void TakeKey(const std::string& name);
 
     /// \throws what was wrong with the content of the document
-    void Finish() const;
+    void Finish();
+
+    /// After a failure: which entry it was, and what was wrong with it, for a line that begins with the file.
+    [[nodiscard]] std::string FaultText() const;
 
 private:
     // What the parser is inside of. Values that nobody asks for are Skipped with all that is in them.
@@ -137,8 +155,10 @@ private:
     [[nodiscard]] Place PlaceWithin(std::string_view type) const;
     // The entry is complete: hands it over, unless a fault was found already, and keeps the first fault.
     void FinishEntry();
-    // \throws json::exception for what is missing or of a wrong type
+    // \throws ContentFault for what is missing or of a wrong type
     void HandOver();
+    // Keeps the first fault, with the present entry.
+    void Keep(const ContentFault& fault);
 
     CommandStringRules rules_;
     InvocationCollector& collector_;
@@ -150,7 +170,9 @@ private:
     Member member_ = Member::Other;
     TextMember* variable_ = nullptr; // of the entry's environment, the one whose value comes next
     Entry entry_;
-    std::exception_ptr firstFault_;
+    std::size_t entryNumber_ = 0; // from 1
+    bool isRead_ = false;         // the whole document is JSON
+    std::optional<ContentFault> firstFault_;
 };
 
 void DatabaseHandler::TakeKey(const std::string& name) {
@@ -227,8 +249,9 @@ void DatabaseHandler::TakeValue(std::string_view type, const std::string* text) 
     case Place::Entries:
         isEmpty_ = false;
         entry_.Clear();
-        if (type != JsonType::Object && firstFault_ == nullptr) {
-            firstFault_ = std::make_exception_ptr(TypeError(JsonType::Object, type));
+        ++entryNumber_;
+        if (type != JsonType::Object) {
+            Keep(TypeFault("it", JsonType::Object, type));
         }
         break;
     case Place::Entry:
@@ -281,51 +304,72 @@ void DatabaseHandler::TakeArgument(std::string_view type, const std::string* tex
     entry_.arguments[entry_.argumentCount++] = *text;
 }
 
+void DatabaseHandler::Keep(const ContentFault& fault) {
+    if (!firstFault_) {
+        firstFault_ = {fault.error, ", entry " + std::to_string(entryNumber_) + ": " + fault.what};
+    }
+}
+
 void DatabaseHandler::FinishEntry() {
-    if (firstFault_ != nullptr) {
+    if (firstFault_) {
         return;
     }
     try {
         HandOver();
-    } catch (const json::exception&) {
-        firstFault_ = std::current_exception();
+    } catch (const ContentFault& fault) {
+        Keep(fault);
     }
 }
 
 void DatabaseHandler::HandOver() {
     // Of several faults an entry tells the same one, however its members are sorted.
     const Environment environment = TakeEnvironment(entry_);
-    const std::string& directory = RequireText(entry_.directory);
+    const std::string& directory = RequireText(entry_.directory, "\"directory\"");
     // Where an entry has both, the words of "arguments" hold: nothing has to be guessed about their quoting.
     if (entry_.argumentsType.empty()) {
-        const std::string& command = RequireText(entry_.command);
+        const std::string& command = RequireText(entry_.command, "\"command\"");
         SplitCommandString(command, rules_, entry_.arguments);
         // What can't be split goes on without words: the collector refuses it by name.
         if (entry_.arguments.empty() && std::all_of(command.begin(), command.end(), IsWhiteSpace)) {
             entry_.arguments = {":"}; // a step that runs nothing, as ninja lists it
         }
     } else if (entry_.argumentsType != JsonType::Array) {
-        throw TypeError(JsonType::Array, entry_.argumentsType);
+        throw TypeFault("\"arguments\"", JsonType::Array, entry_.argumentsType);
     } else if (!entry_.wrongArgumentType.empty()) {
-        throw TypeError(JsonType::Text, entry_.wrongArgumentType);
+        throw TypeFault("a value in \"arguments\"", JsonType::Text, entry_.wrongArgumentType);
     } else {
         entry_.arguments.resize(entry_.argumentCount);
     }
     collector_.AddInvocationFrom(entry_.arguments, directory, environment, EnvironmentScope::Changes);
 }
 
-void DatabaseHandler::Finish() const {
+void DatabaseHandler::Finish() {
+    isRead_ = true;
     // An empty database is no fault of its text: builds that compile nothing write one.
     if (documentType_ == JsonType::Null ||
         (isEmpty_ && (documentType_ == JsonType::Array || documentType_ == JsonType::Object))) {
         throw NoCompilerInvocationsFound(NoCompilerInvocationsFound::Hint::None);
     }
     if (documentType_ != JsonType::Array) {
-        throw TypeError(JsonType::Array, documentType_);
+        const ContentFault fault = TypeFault("the database", JsonType::Array, documentType_);
+        firstFault_ = {fault.error, ": " + fault.what};
     }
-    if (firstFault_ != nullptr) {
-        std::rethrow_exception(firstFault_);
+    if (firstFault_) {
+        std::rethrow_exception(firstFault_->error);
     }
+}
+
+std::string DatabaseHandler::FaultText() const {
+    // Told in any case where both are wrong: the content counts only in a text that is JSON to its end.
+    constexpr const char* NoJson = "it is no valid JSON";
+    if (isRead_) {
+        return firstFault_ ? firstFault_->what : "";
+    }
+    if (entryNumber_ == 0) {
+        return std::string(": ") + NoJson;
+    }
+    const bool isInside = place_ != Place::Document && place_ != Place::Entries;
+    return (isInside ? ", entry " : ", behind entry ") + std::to_string(entryNumber_) + ": " + NoJson;
 }
 
 /// The directory is written as an absolute path: the file may be read from anywhere.
@@ -344,20 +388,42 @@ json ToJson(const CompileCommand& unit) {
 
 } // namespace
 
-void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector) {
+void ParseCompilationDatabase(std::istream& input, CommandStringRules rules, InvocationCollector& collector,
+                              std::string* fault) {
     BlockReader reader(input);
     DatabaseHandler handler(rules, collector);
-    // By events: a database of a large build would fill the memory as a tree.
-    ReadJson(handler, BlockIterator(reader), BlockIterator());
-    handler.Finish();
+    try {
+        // By events: a database of a large build would fill the memory as a tree.
+        ReadJson(handler, BlockIterator(reader), BlockIterator());
+        handler.Finish();
+    } catch (const json::exception&) {
+        if (fault != nullptr) {
+            *fault = handler.FaultText();
+        }
+        throw;
+    }
+}
+
+void ReadDatabaseFrom(std::istream& input, const std::string& path, InvocationCollector& collector) {
+    std::string fault;
+    try {
+        ParseCompilationDatabase(input, HostCommandStringRules(), collector, &fault);
+    } catch (const json::exception&) {
+        EndWhenStopped(); // what was read is a part
+        // The library knows neither the file nor the entry, and its words are shown as they are.
+        collector.MessageLog().Line(path + fault);
+        throw;
+    }
 }
 
 bool ReadCompilationDatabase(const std::string& path, InvocationCollector& collector) {
-    std::ifstream input(NativePath(path), std::ios::binary);
-    if (!input.is_open()) {
+    std::optional<InputStream> input;
+    try {
+        input.emplace(path);
+    } catch (const FileException&) {
         return false;
     }
-    ParseCompilationDatabase(input, HostCommandStringRules(), collector);
+    ReadDatabaseFrom(*input, path, collector);
     return true;
 }
 

@@ -194,9 +194,10 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     }
     auto info = std::make_shared<CompilerInfo>();
     info->path = path;
-    // A name that tells saves the start of a program.
-    if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
-        info->type = *type;
+    if (!MayStart(settings_, path)) {
+        info->fault = "The compiler \"" + path + "\" lies in none of the folders of --compiler-path";
+    } else if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
+        info->type = *type; // a name that tells saves the start of a program
     } else if (!AskForVersion(*info, workingDirectory, environment)) {
         return info;
     }

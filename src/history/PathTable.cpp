@@ -2,6 +2,7 @@
 
 #include "platform/Fingerprint.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Orvanta {
@@ -34,8 +35,12 @@ FileNumber PathTable::Add(std::string_view path, std::uint64_t directorySize) {
             return entry->second;
         }
     }
+    // Room first: a path without its entry would become part of the next one.
+    if (const std::size_t size = text_.size() + path.size(); size > text_.capacity()) {
+        text_.reserve(std::max(size, 2 * text_.capacity()));
+    }
+    entries_.push_back({text_.size() + path.size(), directorySize});
     text_ += path;
-    entries_.push_back({text_.size(), directorySize});
     return static_cast<FileNumber>(Size() - 1);
 }
 

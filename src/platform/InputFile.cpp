@@ -17,10 +17,28 @@ std::streambuf::int_type InputStream::underflow() {
     if (gptr() < egptr()) {
         return std::streambuf::traits_type::to_int_type(*gptr());
     }
+    if (ProcessStopFlag().IsSet()) {
+        return std::streambuf::traits_type::eof(); // a file on a disk may be long too
+    }
     block_.resize(BlockSize);
     const std::size_t count = file_.Read(block_);
     setg(block_.data(), block_.data(), block_.data() + count);
     return count == 0 ? std::streambuf::traits_type::eof() : std::streambuf::traits_type::to_int_type(*gptr());
+}
+
+std::streamsize InputStream::xsgetn(char* target, std::streamsize count) {
+    constexpr std::streamsize FewBytes = 32768; // for which a call of the system each would cost more than a copy
+    std::streamsize filled = std::min<std::streamsize>(count, egptr() - gptr());
+    std::copy_n(gptr(), filled, target);
+    gbump(static_cast<int>(filled));
+    while (count - filled >= FewBytes && !ProcessStopFlag().IsSet()) {
+        const std::size_t read = file_.Read({target + filled, static_cast<std::size_t>(count - filled)});
+        if (read == 0) {
+            return filled;
+        }
+        filled += static_cast<std::streamsize>(read);
+    }
+    return filled + (filled < count ? std::streambuf::xsgetn(target + filled, count - filled) : 0);
 }
 
 void EndWhenStopped() {

@@ -36,15 +36,21 @@ private:
     std::unique_ptr<Handle> handle_;
 };
 
-/// The same as a stream, read in large blocks. One whose reading fails is `bad`.
+/// The same as a stream, read in large blocks. It ends when the process is asked to stop, whatever it reads. One whose
+/// reading fails is `bad`.
 class InputStream : private std::streambuf, public std::istream {
 public:
     /// \throws FileException
     explicit InputStream(const std::string& path);
 
+    /// As of the file.
+    [[nodiscard]] bool IsEndless() const noexcept { return file_.IsEndless(); }
+
 protected:
     /// Reads the next block; the end at a stop as well, which `EndWhenStopped` tells apart.
     std::streambuf::int_type underflow() override;
+    /// The same for many bytes, which go straight to where they are wanted.
+    std::streamsize xsgetn(char* target, std::streamsize count) override;
 
 private:
     InputFile file_;

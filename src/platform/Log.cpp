@@ -29,8 +29,25 @@ Log::Log(Verbosity verbosity) : verbosity_(verbosity) {}
 
 Log::~Log() = default;
 
+void Log::KeepForFile() {
+    kept_.emplace();
+}
+
 void Log::OpenFile(const std::string& path) {
     file_ = std::make_unique<File>(File{OutputFile(path, OutputFile::Mode::Replace)});
+    if (kept_) {
+        file_->Write(*kept_);
+        kept_.reset();
+    }
+}
+
+// The lock is held.
+void Log::WriteToFile(std::string_view text) {
+    if (file_ != nullptr) {
+        file_->Write(text);
+    } else if (kept_) {
+        *kept_ += text;
+    }
 }
 
 void Log::Line(std::string_view text) {
@@ -48,20 +65,18 @@ void Log::VerboseLine(std::string_view text) {
         return;
     }
     const std::lock_guard lock(mutex_);
-    file_->Write(line);
+    WriteToFile(line);
 }
 
 // One lock for both targets: lines stand in the same order on both.
 void Log::Text(std::string_view text) {
     const std::lock_guard lock(mutex_);
     WriteMessage(text);
-    if (file_ != nullptr) {
-        file_->Write(text);
-    }
+    WriteToFile(text);
 }
 
 bool Log::IsVerbose() const noexcept {
-    return verbosity_ == Verbosity::Verbose || file_ != nullptr;
+    return verbosity_ == Verbosity::Verbose || file_ != nullptr || kept_;
 }
 
 } // namespace Orvanta

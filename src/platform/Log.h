@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,11 @@ public:
     Log(const Log&) = delete;
     Log& operator=(const Log&) = delete;
 
-    /// From now on every line, those for verbose output included, is also written to the file at `path`.
+    /// Keeps every line from now on for a file that is opened later.
+    void KeepForFile();
+
+    /// From now on every line, those for verbose output included, is also written to the file at `path`, behind those
+    /// that were kept for it.
     /// \throws FileException when it can't be written
     void OpenFile(const std::string& path);
 
@@ -36,9 +41,11 @@ public:
 
 private:
     struct File;
+    void WriteToFile(std::string_view text);
     Verbosity verbosity_;
-    std::mutex mutex_;           // one line at a time, on both targets
-    std::unique_ptr<File> file_; // guarded by mutex_ once workers run; set before they do
+    std::mutex mutex_;                // one line at a time, on both targets
+    std::unique_ptr<File> file_;      // guarded by mutex_ once workers run; set before they do
+    std::optional<std::string> kept_; // until then
 };
 
 } // namespace Orvanta

@@ -1,5 +1,6 @@
 #include "platform/TemporaryFolder.h"
 
+#include "platform/ChildWatch.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
@@ -78,6 +79,7 @@ TemporaryFolder::TemporaryFolder() {
     constexpr int MostAttempts = 100;
     for (int attempt = 0; attempt < MostAttempts; ++attempt) {
         path_ = JoinPath(parent, RandomName());
+        RemoveWhenKilled(path_); // a kill right behind the making is covered too
         if (!MakePrivateFolder(path_)) {
             continue;
         }

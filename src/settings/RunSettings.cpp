@@ -1,5 +1,8 @@
 #include "settings/RunSettings.h"
 
+#include "platform/Files.h"
+#include "platform/Paths.h"
+
 #include <iterator>
 #include <utility>
 
@@ -72,6 +75,10 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
 
 void OverrideSetting(RunSettings& run, const std::string& key, std::string value) {
     ReplaceSetting(run.userSettings, key, std::move(value));
+}
+
+bool MayStart(const RunSettings& run, const std::string& program) {
+    return run.compilerFolders.IsEmpty() || run.compilerFolders.Matches(NormalizePath(ResolveLinks(program)));
 }
 
 bool IsExcluded(const RunSettings& run, std::string_view sourcePath) {

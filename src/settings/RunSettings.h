@@ -4,12 +4,20 @@
 #include "settings/ExclusionSet.h"
 #include "settings/SettingsMap.h"
 
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Orvanta {
+
+/// What a unit may take before it fails. Without limits unless the user sets them.
+struct UnitLimits {
+    std::optional<std::chrono::seconds> time;      ///< `--timeout`: of all that is done with it in one stage
+    std::optional<std::uint64_t> outputBytes = {}; ///< `--max-output`: on either output of each child
+};
 
 /// What one run of the driver is asked to do: defaults, then the settings file, then the options laid over it.
 /// Read-only once the run has started.
@@ -23,9 +31,11 @@ struct RunSettings {
     std::vector<std::string> compilerNames;  ///< names of programs that count as compilers
     std::vector<std::string> launcherNames;  ///< of programs that only start a compiler, beside the known ones
     std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
+    ExclusionSet compilerFolders;            ///< `--compiler-path`: when not empty, no program elsewhere is started
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
+    UnitLimits limits;
     bool ignoreCcache = false;
     bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
@@ -39,6 +49,10 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings);
 
 /// Puts a given option's value in the place of the settings file's values of that key.
 void OverrideSetting(RunSettings& run, const std::string& key, std::string value);
+
+/// Whether `--compiler-path` lets a program be started for the build: what its path leads to, links followed, lies in
+/// one of the folders. Asks the system. Any thread may ask.
+[[nodiscard]] bool MayStart(const RunSettings& run, const std::string& program);
 
 /// Whether a unit with this source, an absolute and normalised path, is to be left out by the exclusions or by
 /// `--analyze-only`. Any thread may ask.

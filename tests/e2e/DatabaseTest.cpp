@@ -33,20 +33,29 @@ constexpr const char* NoJson = "Unexpected exception was thrown: [json.exception
 struct BadDatabase {
     const char* text;
     const char* said;
+    const char* told = ""; // in the first line, behind the file; empty: nothing
 };
 
 const BadDatabase BadDatabases[] = {
     {R"([])", NoInvocations},
     {R"({})", NoInvocations},
     {R"(null)", NoInvocations},
-    {R"([{"arguments": ["gcc", "-c", "a.c"]}])", NoMember},
-    {R"([{"directory": "/"}])", NoMember},
-    {R"([{"directory": 1, "command": "gcc -c a.c"}])", "type must be string, but is number"},
-    {R"([{"directory": "/", "command": null}])", "type must be string, but is null"},
-    {R"([{"directory": "/", "arguments": ["gcc", false]}])", "type must be string, but is boolean"},
-    {R"([{"directory": "/", "command": "gcc", "environment": {"A": 1}}])", "type must be string, but is number"},
-    {R"([{"directory": "/", "command": "gcc -c a.c"},])", NoJson},
-    {R"()", NoJson},
+    {R"({"directory": "/"})", "type must be array", ": the database is an object, expected an array"},
+    {R"([{"arguments": ["gcc", "-c", "a.c"]}])", NoMember, ", entry 1: \"directory\" is missing"},
+    {R"([{"directory": "/"}])", NoMember, ", entry 1: \"command\" is missing"},
+    {R"([{"directory": "/", "command": ":"}, 7])", "type must be object",
+     ", entry 2: it is a number, expected an object"},
+    {R"([{"directory": 1, "command": "gcc -c a.c"}])", "type must be string, but is number",
+     ", entry 1: \"directory\" is a number, expected a string"},
+    {R"([{"directory": "/", "command": null}])", "type must be string, but is null",
+     ", entry 1: \"command\" is null, expected a string"},
+    {R"([{"directory": "/", "arguments": ["gcc", false]}])", "type must be string, but is boolean",
+     ", entry 1: a value in \"arguments\" is a boolean, expected a string"},
+    {R"([{"directory": "/", "command": "gcc", "environment": {"A": 1}}])", "type must be string, but is number",
+     ", entry 1: a value in \"environment\" is a number, expected a string"},
+    {R"([{"directory": "/", "command": "gcc -c a.c"},])", NoJson, ", behind entry 1: it is no valid JSON"},
+    {R"([{"directory": 1}, {"directory" "/"}])", NoJson, ", entry 2: it is no valid JSON"},
+    {R"()", NoJson, ": it is no valid JSON"},
 };
 
 TEST_F(DatabaseTest, FaultyDatabaseEndsTheRunWithItsReason) {
@@ -56,6 +65,9 @@ TEST_F(DatabaseTest, FaultyDatabaseEndsTheRunWithItsReason) {
         EXPECT_EQ(result.exitCode, 1) << bad.text << result;
         EXPECT_TRUE(result.Says(bad.said)) << bad.text << result;
         EXPECT_FALSE(result.Says("'-C'")) << result;
+        if (*bad.told != '\0') {
+            EXPECT_TRUE(result.output.starts_with("compile_commands.json" + std::string(bad.told) + "\n")) << result;
+        }
     }
 }
 

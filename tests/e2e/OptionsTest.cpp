@@ -153,6 +153,22 @@ TEST_F(OptionsTest, EmptyValuesAreRefusedAndUnknownOnesToldByName) {
     EXPECT_TRUE(result.Says("Warning: the file of --rules-config doesn't exist: none.orvconfig\n")) << result;
 }
 
+TEST_F(OptionsTest, WhatLooksLikeASlipIsToldByName) {
+    sandbox.AddUnit("lib/a.c");
+    sandbox.AddUnit("b.c");
+    sandbox.Write("my.cfg", "exclude_paths=other\nown-key=1\nown-key=2\n");
+    const RunResult result = sandbox.Analyze({"-e", "lib", "-e", "lbi", "-e", "*/generated/*", "-c", "my.cfg"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Warning: no source file of the build is left out by --exclude-path lbi\n")) << result;
+    EXPECT_TRUE(result.Says("is left out by --exclude-path */generated/*\n")) << result;
+    EXPECT_TRUE(result.Says("unknown key \"exclude_paths\", did you mean \"exclude-path\"?\n")) << result;
+    EXPECT_EQ(result.Count("Warning: "), 3U) << result;
+
+    const RunResult open = sandbox.Analyze({"--source-file", "b.c", "--cl-params", "-DA=\"x y"});
+    EXPECT_EQ(open.exitCode, 1) << open;
+    EXPECT_TRUE(open.Says("Error: Wrong value of --cl-params: \"-DA=\"x y\", a quote is not closed\n")) << open;
+}
+
 TEST_F(OptionsTest, AnalyzeOnlyLeavesTheOthersOut) {
     sandbox.AddUnit("src/a.c");
     sandbox.AddUnit("lib/b.c");
@@ -180,6 +196,25 @@ TEST_F(OptionsTest, CompilerFilterTakesNamesAndPathsAndTellsWhatMatchesNothing) 
     }
     EXPECT_EQ(sandbox.Analyze({"-C", "fake-gcc", "-C", other}).exitCode, 0);
     EXPECT_EQ(sandbox.CoreCalls().size(), 5U);
+}
+
+TEST_F(OptionsTest, NoCompilerIsStartedFromOutsideTheFoldersThatAreNamed) {
+    const std::string good = sandbox.AddCompiler("plain", "fake (GCC) 12\n");
+    for (const char* const folder : {"else", "tools-not"}) { // the second begins like the one that is named
+        sandbox.Write(std::string(folder) + "/a.c", "int a;\n");
+        std::filesystem::copy_file(good, sandbox.Path(std::string(folder) + "/plain"));
+    }
+    sandbox.AddEntry({{good, "-c", "else/a.c"}});
+    sandbox.AddEntry({{sandbox.Path("else/plain"), "-c", "else/a.c"}});
+    sandbox.AddEntry({{sandbox.Path("tools-not/plain"), "-c", "else/a.c"}});
+    const RunResult result = sandbox.Analyze({"--compiler-path", "tools", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(result.Says("(1 analyzed, 2 failed")) << result;
+    EXPECT_EQ(result.Count("\" lies in none of the folders of --compiler-path"), 2U) << result;
+    EXPECT_FALSE(sandbox.Exists("else/plain.calls"));
+    for (const char* const folder : {"none", "to*ls", "else/a.c", ""}) {
+        EXPECT_EQ(sandbox.Analyze({"--compiler-path", folder}).exitCode, 1) << folder;
+    }
 }
 
 TEST_F(OptionsTest, GivenVariablesGoOverTheEntrysGoOverTheDriversOwn) {

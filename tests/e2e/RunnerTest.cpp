@@ -82,7 +82,7 @@ struct FailingUnit {
 
 TEST_F(RunnerTest, FailedUnitIsNamedAndHarmsNoOther) {
     const FailingUnit cases[] = {
-        {"exits.c", {"finding V501 1 1 unreliable", "stderr bad input", "exit 3"}, "", "returned code 3."},
+        {"exits.c", {"finding V501 1 1 unreliable", "stderr bad input", "exit 3"}, "", "bad input"},
         {"crashes.c", {"crash"}, "", "returned code"},
         {"compiler.c", {}, "stderr x.c:1: error: no\nexit 2\n", "x.c:1: error: no"},
     };

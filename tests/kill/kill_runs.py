@@ -2,8 +2,9 @@
 """kill_runs PROGRAM [--rounds N] [--seed S]: runs that are killed or stopped at random moments cost nothing but time.
 
 Each round edits a small project, starts a run of a random kind, ends it at a random moment by a random signal, looks at
-what it left, and lets another run of that kind go to its end: its report must be the one of a run in a folder where
-nothing happened before. Prints the seed of the run; the same seed gives the same edits, kinds and signals.
+what it left (no process, no temporary file), and lets another run of that kind go to its end: its report must be the
+one of a run in a folder where nothing happened before. In one round of four the cores hang. Prints the seed of the run;
+the same seed gives the same edits, kinds and signals.
 """
 import argparse
 import json
@@ -142,6 +143,9 @@ class Runs:
                 pass
         return found
 
+    def temporary_files(self):
+        return [path.name for path in self.temporary.iterdir()]
+
     def expect_soon(self, what, find):
         end = time.monotonic() + SOON
         while left := find():
@@ -150,19 +154,34 @@ class Runs:
             time.sleep(0.02)
 
 
+def catches(run, sent):
+    """Whether the run has come so far that it deals with the signal, or has ended."""
+    status = pathlib.Path(f"/proc/{run.pid}/status").read_text(encoding="utf-8")
+    fields = dict(line.split(":\t", 1) for line in status.splitlines())
+    known = int(fields["SigCgt"], 16) | int(fields["SigIgn"], 16)  # SIGHUP may be ignored, as under nohup
+    return fields["State"].startswith("Z") or bool(known >> (sent - 1) & 1)
+
+
 def one_round(runs, project, rng, length):
     kind, sent, threads, edit = rng.choice(KINDS), rng.choice(SIGNALS), rng.choice([1, 2, 4]), project.edit()
-    moment = rng.uniform(0, 1.1) * length
-    told = f"{kind.name}, -j {threads}, after \"{edit}\": {sent.name} after {moment * 1000:.0f} ms"
+    moment, hangs = rng.uniform(0, 1.1) * length, rng.random() < 0.25
+    told = f"{kind.name}, -j {threads}, after \"{edit}\"{', hanging' * hangs}: {sent.name} after {moment * 1000:.0f} ms"
+    mark = project.folder / "hang"
     try:
         output = runs.folder / kind.name
+        if hangs:
+            mark.touch()
         run = runs.start(kind, output, threads)
         time.sleep(moment)
+        if sent != signal.SIGKILL:
+            runs.expect_soon("a signal is not dealt with", lambda: not catches(run, sent))
         run.send_signal(sent)
         run.communicate(timeout=SOON)
         if sent != signal.SIGKILL and run.returncode not in (0, STOPPED):
             raise Fault(f"the stopped run ended with {run.returncode}")
+        mark.unlink(missing_ok=True)
         runs.expect_soon("a child goes on", runs.processes)
+        runs.expect_soon("a temporary file is left", runs.temporary_files)
         runs.report(kind, output)
         after = runs.finish(kind, output, threads)
         clean = runs.folder / "clean"
@@ -170,7 +189,7 @@ def one_round(runs, project, rng, length):
         shutil.rmtree(clean)
         if after != expected:
             raise Fault(f"the report differs from a clean run's:\n{after}\n--- expected:\n{expected}")
-        runs.expect_soon("a temporary file is left", lambda: [path.name for path in runs.temporary.iterdir()])
+        runs.expect_soon("a temporary file is left", runs.temporary_files)
     except (Fault, subprocess.TimeoutExpired) as fault:
         raise Fault(f"{told}\n{fault}") from fault
     return run.returncode != 0

@@ -1,5 +1,6 @@
+#include "app/TopLevel.h"
 #include "app/converter/ConverterCommand.h"
 
 int main(int argumentCount, char** arguments) {
-    return OrvlogConverter::RunConverter(argumentCount, arguments);
+    return Orvanta::RunGuarded(OrvlogConverter::RunConverter, argumentCount, arguments);
 }

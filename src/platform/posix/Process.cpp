@@ -3,6 +3,7 @@
 #include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/SearchPath.h"
+#include "platform/posix/WatchedChildren.h"
 
 #include <algorithm>
 #include <array>
@@ -169,6 +170,9 @@ private:
 
 // Every child's standard input.
 int EmptyInput() {
+    if (const int watched = WatchedInput(); watched >= 0) {
+        return watched;
+    }
     static const Descriptor input = [] {
         Descriptor device = OpenFile("/dev/null", O_RDONLY);
         if (!device.IsOpen()) {
@@ -278,6 +282,9 @@ struct Process::Handles {
 void Process::Handles::Start(const Arguments& command, const StartConditions& conditions) {
     const std::string& workingDirectory = conditions.workingDirectory;
     group = conditions.group;
+    if (group == ProcessGroup::Own) {
+        StartWatcher();
+    }
     const std::string program = ResolveProgram(command.front(), workingDirectory, conditions.environment);
     Pipe output;
     Pipe error;
@@ -298,6 +305,9 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
     if (fault != 0) {
         pid = -1;
         FailToStart(command.front(), workingDirectory, fault);
+    }
+    if (group == ProcessGroup::Own) {
+        NoteStart(pid);
     }
     // Ours must go, or the pipes would never come to their end.
     output.write.Reset();
@@ -343,6 +353,9 @@ void Process::Handles::Look(int milliseconds) {
 
 // To be called once the child has ended, or is about to: waits for that.
 void Process::Handles::TakeStatus() noexcept {
+    if (group == ProcessGroup::Own) {
+        NoteEnd(pid);
+    }
     int status = 0;
     pid_t taken = -1;
     do {

@@ -93,6 +93,8 @@ std::string ResolveProgram(const std::string& program, const StartConditions& co
 }
 
 CommandLineReader ReaderOf(std::string_view program) {
+    // The system drops points and blanks at the end of a name, and then sees the extension before them.
+    program = program.substr(0, program.find_last_not_of(". ") + 1);
     const std::string_view extension = ExtensionOf(program);
     // The system hands these to the command interpreter, which takes the command line apart once more.
     const bool isBatch = EqualsIgnoringCase(extension, ".bat") || EqualsIgnoringCase(extension, ".cmd");
@@ -189,6 +191,28 @@ DWORD CreationFlags(ProcessGroup group) {
     return group == ProcessGroup::Own ? Always | CREATE_NEW_PROCESS_GROUP : Always;
 }
 
+// `program` is the absolute path of what `command` names.
+std::wstring CommandLineOf(const Arguments& command, const std::string& program) {
+    std::string line;
+    if (ReaderOf(program) == CommandLineReader::Program) {
+        line = MakeCommandLine(command, CommandLineReader::Program);
+    } else {
+        Arguments words = command;
+        // The interpreter runs what the line says, and would look for a mere name in other places.
+        words.front() = program;
+        line = MakeCommandLine(words, CommandLineReader::Interpreter);
+        if (const std::string fault = FaultForInterpreter(line); !fault.empty()) {
+            throw ProcessStartException(command.front(), "a batch file can't be given " + fault, Cause::Command);
+        }
+    }
+    std::wstring wide = ToWide(line);
+    if (wide.size() > LongestCommandLine) {
+        throw ProcessStartException(command.front(), std::make_error_code(std::errc::argument_list_too_long).message(),
+                                    Cause::Command);
+    }
+    return wide;
+}
+
 std::wstring WorkingDirectory(const std::string& directory) {
     return directory.empty() ? std::wstring() : ToWide(AbsolutePath(directory));
 }
@@ -206,11 +230,7 @@ StartedChild StartChild(const Arguments& command, const StartConditions& conditi
     if (program.empty()) {
         FailToStart(name, conditions.workingDirectory, ERROR_FILE_NOT_FOUND);
     }
-    std::wstring line = ToWide(MakeCommandLine(command, ReaderOf(program)));
-    if (line.size() > LongestCommandLine) {
-        throw ProcessStartException(name, std::make_error_code(std::errc::argument_list_too_long).message(),
-                                    Cause::Command);
-    }
+    std::wstring line = CommandLineOf(command, program);
     const InheritedHandles inherited(outputs);
     STARTUPINFOEXW startup = inherited.StartupInformation();
     std::wstring variables = WideBlock(conditions.environment);

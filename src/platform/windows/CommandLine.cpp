@@ -34,6 +34,23 @@ std::string QuoteArgument(std::string_view argument) {
     return QuoteWhere(argument, SpecialToPrograms);
 }
 
+std::string FaultForInterpreter(std::string_view line) {
+    constexpr std::string_view Commands = "&|<>^()";
+    bool isQuoted = false; // as the interpreter sees it, to which no backslash means anything
+    for (const char character : line) {
+        if (character == '\n' || character == '\r') {
+            return "a line break in its arguments";
+        }
+        if (character == '%' || (!isQuoted && Commands.find(character) != std::string_view::npos)) {
+            return std::string("\"") + character + "\" in its arguments" + (character == '%' ? "" : " behind a quote");
+        }
+        if (character == '"') {
+            isQuoted = !isQuoted;
+        }
+    }
+    return {};
+}
+
 std::string MakeCommandLine(const std::vector<std::string>& words, CommandLineReader reader) {
     const std::string_view special =
         reader == CommandLineReader::Interpreter ? SpecialToInterpreter : SpecialToPrograms;

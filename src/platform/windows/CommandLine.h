@@ -18,4 +18,9 @@ enum class CommandLineReader {
 /// The command line that starts a program with these words.
 [[nodiscard]] std::string MakeCommandLine(const std::vector<std::string>& words, CommandLineReader reader);
 
+/// What in a command line for the interpreter would not reach a batch file as it is, or would be a command of its own,
+/// as the end of a reason; empty when nothing would. A quote inside a word ends what the interpreter takes for quoted,
+/// and a variable is put in anywhere, so there is no way to write these.
+[[nodiscard]] std::string FaultForInterpreter(std::string_view line);
+
 } // namespace Orvanta

@@ -158,6 +158,21 @@ TEST_F(BundledCoreTest, ListsTheDependenciesOfAnIncrementalRun) {
     EXPECT_LT(Report().size(), whole.size());
 }
 
+TEST_F(BundledCoreTest, WithoutItsEngineEndsTheRunBeforeTheFirstFile) {
+    for (const char* const source : {"a.c", "b.c"}) {
+        sandbox.Write(source, "int x;\n");
+        sandbox.AddEntry({{"/usr/bin/gcc", "-c", source}});
+    }
+    sandbox.WriteDatabase();
+    sandbox.Write("report.json", "of an earlier run");
+    sandbox.SetVariable("PATH", sandbox.Path("none"));
+    const RunResult result = sandbox.Run({"analyze", "-o", "report.json"});
+    EXPECT_EQ(result.exitCode, 1) << result;
+    EXPECT_TRUE(result.Says("Error: Cppcheck was not found along PATH: install the package")) << result;
+    EXPECT_EQ(result.Count("Cppcheck"), 1U) << result;
+    EXPECT_EQ(sandbox.Read("report.json"), "of an earlier run");
+}
+
 } // namespace
 
 } // namespace Orvanta

@@ -139,6 +139,22 @@ TEST_F(FileIdentityTest, FindsListedFilesThroughLinks) {
     EXPECT_EQ(Analyzed(), Names{"b.c"}) << result;
 }
 
+// A link in a folder that is trusted would lead out of it.
+TEST_F(FileIdentityTest, ACompilerIsWhereItsLinksLead) {
+    sandbox.ForgetEntries();
+    const std::string trusted = sandbox.AddCompiler("plain", "fake (GCC) 12\n");
+    sandbox.Write("else/a.c", "int a;\n");
+    std::filesystem::copy_file(trusted, sandbox.Path("else/plain"));
+    std::filesystem::create_symlink("../else/plain", sandbox.Path("tools/leads-out"));
+    std::filesystem::create_symlink("../tools/plain", sandbox.Path("else/leads-in"));
+    std::filesystem::create_directory_symlink("tools", sandbox.Path("named"));
+    sandbox.AddEntry({{sandbox.Path("tools/leads-out"), "-c", "else/a.c"}});
+    sandbox.AddEntry({{sandbox.Path("else/leads-in"), "-c", "else/a.c"}});
+    const RunResult result = sandbox.Analyze({"--compiler-path", "named", "-o", "report.json"});
+    EXPECT_TRUE(result.Says("(1 analyzed, 1 failed")) << result;
+    EXPECT_TRUE(result.Says("/tools/leads-out\" lies in none of the folders of --compiler-path")) << result;
+}
+
 } // namespace
 
 } // namespace Orvanta

@@ -68,6 +68,28 @@ TEST_F(KillAtAnyMomentTest, LeavesAWholeReport) {
     EXPECT_EQ(Report().size(), 2U * Units);
 }
 
+// No next run is needed, neither for what hangs nor for what lies in the temporary folder.
+TEST_F(KillAtAnyMomentTest, LeavesNoProcessAndNoTemporaryFile) {
+    sandbox.AddUnit("a.c", {"spawn-hanging-child", "hang"});
+    sandbox.AddUnit("b.c", {"spawn-hanging-child", "hang"});
+    sandbox.AddUnit("c.c");
+    sandbox.Write("c.c.compiler", "hang\n");
+    const std::unique_ptr<RunningDriver> run = sandbox.StartAnalyze({"-q", "-j", "3", "-o", "report.json"});
+    ASSERT_TRUE(HoldsSoon([&] {
+        return sandbox.Exists("records/core-of-a.c.hangs") && sandbox.Exists("records/core-of-b.c.hangs") &&
+               sandbox.Exists("tools/compiler-of-c.c.hangs");
+    }));
+    const std::string keys[] = {"core-of-a.c", "child-of-a.c", "core-of-b.c", "child-of-b.c"};
+    for (const std::string& key : keys) {
+        ASSERT_TRUE(sandbox.IsAlive(key)) << key;
+    }
+    run->Kill();
+    for (const std::string& key : keys) {
+        EXPECT_TRUE(HoldsSoon([&] { return !sandbox.IsAlive(key); })) << key;
+    }
+    EXPECT_TRUE(HoldsSoon([&] { return sandbox.Leftovers().empty(); }));
+}
+
 } // namespace
 
 } // namespace Orvanta

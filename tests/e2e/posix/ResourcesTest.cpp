@@ -32,7 +32,8 @@ TEST_F(ResourcesTest, ReportThatCannotGrowStaysReadable) {
     for (int unit = 0; unit < Units; ++unit) {
         sandbox.AddUnit("unit" + std::to_string(unit) + ".c", {"finding V501 1 1 " + std::string(100, 'x')});
     }
-    const RunResult result = AnalyzeWithin("trap '' XFSZ; ulimit -f 8; exec \"$@\"", {"-o", "report.json", "-q"});
+    const RunResult result =
+        AnalyzeWithin("trap '' XFSZ; ulimit -f 8; exec \"$@\"", {"-o", "report.json", "-q", "--verbose"});
     EXPECT_EQ(result.exitCode, 1) << result;
     EXPECT_TRUE(result.Says("File too large")) << result;
     EXPECT_TRUE(result.Says(sandbox.Path("report.json"))) << result;

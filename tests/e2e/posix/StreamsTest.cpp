@@ -47,7 +47,10 @@ TEST_F(StreamsTest, AWaitForAPipeEndsWhenItIsToEnd) {
         Sandbox::AnalyzeCommand({"-c", "pipe"}),
         Sandbox::AnalyzeCommand({"-S", "pipe"}),
         Sandbox::AnalyzeCommand({"-s", "pipe"}),
+        Sandbox::AnalyzeCommand({"-f", "pipe"}),
+        Sandbox::AnalyzeCommand({"-f", "pipe.json"}),
     };
+    std::filesystem::create_symlink("pipe", sandbox.Path("pipe.json"));
     for (const Arguments& command : commands) {
         RunningDriver run(command, sandbox.Path(), sandbox.DriverEnvironment());
         int writer = -1; // can be opened when somebody reads
@@ -64,10 +67,28 @@ TEST_F(StreamsTest, AWaitForAPipeEndsWhenItIsToEnd) {
     EXPECT_FALSE(sandbox.Exists("out.json"));
 }
 
-TEST_F(StreamsTest, AnEndlessDeviceIsNoListOfFiles) {
-    const RunResult result = sandbox.Analyze({"-S", "/dev/zero"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_TRUE(result.Says("Error: /dev/zero: it is no file, pipe or terminal\n")) << result;
+// A second opening would wait for a writer that has gone.
+TEST_F(StreamsTest, ADatabaseMayComeThroughAPipe) {
+    ASSERT_EQ(::mkfifo(sandbox.Path("pipe.json").c_str(), 0600), 0);
+    const RunResult result =
+        AnalyzeWithin("cat compile_commands.json > pipe.json & exec \"$@\"", {"-f", "pipe.json", "-o", "r.json"});
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_TRUE(result.Says("Compiler invocations: 1 (1 analyzed")) << result;
+}
+
+TEST_F(StreamsTest, AnEndlessDeviceIsRefused) {
+    std::filesystem::create_symlink("/dev/zero", sandbox.Path("zero.json"));
+    const std::pair<Arguments, const char*> cases[] = {
+        {{"-S", "/dev/zero"}, "Error: /dev/zero: it is no file, pipe or terminal\n"},
+        {{"-c", "/dev/zero"}, "Error: Can't open config file /dev/zero\n"},
+        {{"-f", "/dev/zero"}, "Error: Couldn't open file /dev/zero\nIt is no file, pipe or terminal\n"},
+        {{"-f", "zero.json"}, "Error: Couldn't open file zero.json\nIt is no file, pipe or terminal\n"},
+    };
+    for (const auto& [options, message] : cases) {
+        const RunResult result = sandbox.Analyze(options);
+        EXPECT_EQ(result.exitCode, 1);
+        EXPECT_TRUE(result.Says(message)) << result;
+    }
 }
 
 TEST_F(StreamsTest, FindingsOnStandardOutputAreAReport) {
@@ -100,8 +121,15 @@ TEST_F(StreamsTest, AnOpenFileOfTheCallerTakesTheReportWhereItStands) {
 TEST_F(StreamsTest, AnOutputThatIsAnInputIsRefused) {
     std::filesystem::create_hard_link(sandbox.Path("compile_commands.json"), sandbox.Path("name.json"));
     std::filesystem::create_symlink("r.json", sandbox.Path("link.json"));
+    std::filesystem::create_hard_link(sandbox.Path("a.c"), sandbox.Path("of-source"));
+    std::filesystem::create_symlink("a.c", sandbox.Path("source-link"));
+    const std::string source = sandbox.Read("a.c");
     const Arguments commands[] = {
         Sandbox::AnalyzeCommand({"-o", "name.json"}),
+        Sandbox::AnalyzeCommand({"-f", ".", "-o", "name.json"}),
+        Sandbox::AnalyzeCommand({"-o", "a.c"}),
+        Sandbox::AnalyzeCommand({"--dump-json", "of-source"}),
+        Sandbox::AnalyzeCommand({"--dump-log", "source-link"}),
         Sandbox::AnalyzeCommand({"-s", "r.json", "-o", "link.json"}),
         Command({"suppress", "r.json", "-o", "link.json"}),
         Command({"filter-suppressed", "name.json", "-s", "compile_commands.json"}),
@@ -114,6 +142,7 @@ TEST_F(StreamsTest, AnOutputThatIsAnInputIsRefused) {
         EXPECT_TRUE(result.Says(" would replace a file that is read: ")) << CommandLineText(command) << result;
     }
     EXPECT_EQ(sandbox.Read("r.json"), report);
+    EXPECT_EQ(sandbox.Read("a.c"), source);
     EXPECT_EQ(sandbox.Read("compile_commands.json"), database);
 }
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,13 +56,29 @@ TEST(RunSummary, CountsEachInvocationOnceAndShowsTimeFindingsAndReport) {
 }
 
 TEST(RunSummary, NamesEveryFailureWithItsReason) {
-    EXPECT_EQ(FailureList(SomeCommands(), SomeOutcome()), "These could not be analyzed:\n"
-                                                          "  invocation 6 (foo): compiler \"foo\" was not found\n"
-                                                          "  " +
-                                                              HostPath("/p/d.c") +
-                                                              ": Command \"core\" returned code 3.\n"
-                                                              "    it broke\n");
-    EXPECT_EQ(FailureList({}, {}), "");
+    EXPECT_EQ(FailureList(SomeCommands(), SomeOutcome(), FailureForm::Grouped),
+              "These could not be analyzed:\n"
+              "  invocation 6 (foo): compiler \"foo\" was not found\n"
+              "  " +
+                  HostPath("/p/d.c") +
+                  ": Command \"core\" returned code 3.\n"
+                  "    it broke\n");
+    EXPECT_EQ(FailureList({}, {}, FailureForm::Grouped), "");
+}
+
+TEST(RunSummary, TellsAReasonThatManyHaveOnce) {
+    CollectedCommands commands;
+    RunOutcome outcome;
+    for (std::size_t unit = 0; unit < 5; ++unit) {
+        const std::string name = std::string(1, static_cast<char>('a' + unit)) + ".c";
+        commands.units.push_back(UnitOf(unit + 1, name));
+        outcome.failures[unit] = unit == 1 ? "its own" : "no core\nat all";
+    }
+    EXPECT_EQ(FailureList(commands, outcome, FailureForm::Grouped),
+              "These could not be analyzed:\n  4 files: no core\n    at all\n    " + HostPath("/p/a.c") + ", " +
+                  HostPath("/p/c.c") + " and 2 more (--verbose names each)\n  " + HostPath("/p/b.c") + ": its own\n");
+    const std::string each = FailureList(commands, outcome, FailureForm::Whole);
+    EXPECT_EQ(std::count(each.begin(), each.end(), '\n'), 1 + 4 * 2 + 1) << each;
 }
 
 struct ResultCase {

@@ -62,6 +62,58 @@ TEST(Child, MayBeABatchFile) {
     EXPECT_EQ(output, "[\"x & y\"][z]\r\n");
 }
 
+struct BatchCase {
+    Arguments arguments;
+    const char* refusal; // the end of the reason; empty: they arrive as they are
+};
+
+const BatchCase BatchCases[] = {
+    {{"x & y", "a|b", "<in", ">out>>", "a^b", "(c)", "!d!", "a\\b\\"}, ""},
+    {{"-DTEXT=\"a b\"", "behind"}, ""},
+    {{"-DTEXT=\"a&echo\""}, "\"&\" in its arguments behind a quote"},
+    {{"a\" & echo ran"}, "\"&\" in its arguments behind a quote"},
+    {{"one\"", "x & echo ran"}, "\"&\" in its arguments behind a quote"},
+    {{"a\">ran", "b\""}, "\">\" in its arguments behind a quote"},
+    {{"%PATH%"}, "\"%\" in its arguments"},
+    {{"50%"}, "\"%\" in its arguments"},
+    {{"a\necho ran"}, "a line break in its arguments"},
+    {{"a\r"}, "a line break in its arguments"},
+};
+
+// Guards against arguments that the command interpreter takes for commands.
+TEST(Child, ThatIsABatchFileGetsItsArgumentsAsTheyAreOrDoesNotStart) {
+    const TestFolder folder;
+    for (const char* const name : {"compiler.bat", "compiler.CMD"}) {
+        const std::string script =
+            folder.Write(name, "@\"" + std::string(ORVANTA_PLATFORM_CHILD) + "\" show-arguments %*\r\n");
+        for (const BatchCase& row : BatchCases) {
+            Arguments command = {script};
+            std::string expected;
+            for (const std::string& argument : row.arguments) {
+                command.push_back(argument);
+                expected += std::to_string(argument.size()) + ":" + argument;
+            }
+            std::string output;
+            std::string refusal;
+            try {
+                Process process(command, folder.Path(), OwnEnvironmentBlock(), MakeRedirectToStringProcessor(output),
+                                nullptr);
+                EXPECT_EQ(process.get_exit_status(), 0);
+            } catch (const ProcessStartException& error) {
+                EXPECT_EQ(error.WhatFailed(), Cause::Command);
+                refusal = error.Reason();
+            }
+            const bool isRefused = *row.refusal != '\0';
+            EXPECT_EQ(refusal, isRefused ? std::string("a batch file can't be given ") + row.refusal : "");
+            EXPECT_EQ(output, isRefused ? "" : expected);
+        }
+        // Points and blanks at the end are dropped by the system.
+        EXPECT_THROW(Process({script + ". .", "%A%"}, "", OwnEnvironmentBlock(), nullptr, nullptr),
+                     ProcessStartException);
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder / "ran"));
+}
+
 // How a child outside a job is ended.
 TEST(TreeOfProcesses, IsFoundInTheListOfTheSystem) {
     const TestFolder folder;
