@@ -3,6 +3,7 @@
 // With "--peak" it reads the database once, as the driver does, and prints the peak memory of the process.
 
 #include "buildinput/CompilationDatabase.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 #include "platform/TemporaryFolder.h"
 

@@ -4,6 +4,7 @@
 
 #include "buildinput/BuildInput.h"
 #include "buildinput/InvocationCollector.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 #include "platform/TemporaryFolder.h"
 
