@@ -1,3 +1,4 @@
+#include "platform/ConsoleStream.h"
 #include "platform/CrashReport.h"
 
 #include <array>
@@ -105,7 +106,10 @@ void StartCrashThread(CrashState& state) {
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
     try {
         std::thread([&state] { ReportCrashes(state); }).detach();
-    } catch (const std::system_error&) {
+    } catch (const std::system_error& fault) {
+        // Nothing has begun yet. A run that could crash without a word is not worth beginning.
+        WriteToStream(StandardStream::Error,
+                      "Error: the crash handler's thread can't be started: " + std::string(fault.what()) + '\n');
         std::abort();
     }
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);

@@ -1,3 +1,4 @@
+#include "platform/ConsoleStream.h"
 #include "platform/CrashReport.h"
 #include "platform/windows/Handle.h"
 
@@ -165,6 +166,8 @@ void InstallCrashHandler() {
     crashState.store(&state);
     const Handle thread(::CreateThread(nullptr, 0, &ReportCrash, nullptr, 0, nullptr));
     if (!thread.IsOpen()) {
+        // Nothing has begun yet. A run that could crash without a word is not worth beginning.
+        WriteToStream(StandardStream::Error, "Error: the crash handler's thread can't be started\n");
         std::abort();
     }
     ReserveStackForHandling();
