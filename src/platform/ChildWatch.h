@@ -20,7 +20,7 @@ class ChildWatch {
 public:
     ChildWatch() noexcept;
     /// Says farewell: every child has been waited for by then.
-    ~ChildWatch();
+    ~ChildWatch(); // NOLINT(performance-trivially-destructible): only on Windows there is nothing to do
     ChildWatch(const ChildWatch&) = delete;
     ChildWatch& operator=(const ChildWatch&) = delete;
 };
