@@ -1,5 +1,6 @@
 #include "FuzzInput.h"
 #include "buildinput/CompilationDatabase.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 
 #include <nlohmann/json.hpp>

@@ -1,6 +1,7 @@
 #include "FuzzInput.h"
 #include "TraceMutator.h"
 #include "buildinput/trace/TraceReader.h"
+#include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 
 #include <algorithm>
