@@ -31,13 +31,17 @@ void MakeHiddenFolder(const std::string& folder) {
         return;
     }
     const std::string list = JoinPath(folder, IgnoreList);
+    bool isOurs = false; // a list that stands there already is never removed, whatever fails
     try {
         MakeFolders(folder);
         if (!PathExists(list)) {
+            isOurs = true;
             OutputFile(list, OutputFile::Mode::Replace).Append("*\n");
         }
     } catch (const FileException&) {
-        RemoveFile(list);
+        if (isOurs) {
+            RemoveFile(list);
+        }
     }
 }
 
