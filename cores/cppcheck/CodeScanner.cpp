@@ -18,16 +18,6 @@ bool IsRawPrefix(std::string_view word) {
     return word == "R" || word == "u8R" || word == "uR" || word == "UR" || word == "LR";
 }
 
-// The place behind the literal that begins with a quote at `begin`.
-std::size_t EndOfLiteral(std::string_view line, std::size_t begin) {
-    std::size_t i = begin + 1;
-    while (i < line.size() && line[i] != line[begin]) {
-        // An escaped quote ends nothing. A literal that the line does not close ends with it.
-        i += line[i] == '\\' ? 2U : 1U;
-    }
-    return i + 1;
-}
-
 // The place behind a name or number; the quotes that group a number's digits belong to it.
 std::size_t EndOfWord(std::string_view line, std::size_t begin) {
     std::size_t i = begin;
@@ -38,6 +28,15 @@ std::size_t EndOfWord(std::string_view line, std::size_t begin) {
 }
 
 } // namespace
+
+std::size_t EndOfLiteral(std::string_view text, std::size_t begin) {
+    std::size_t i = begin + 1;
+    while (i < text.size() && text[i] != text[begin]) {
+        // An escaped quote ends nothing.
+        i += text[i] == '\\' ? 2U : 1U;
+    }
+    return i + 1;
+}
 
 void CodeScanner::Read(std::string_view line) {
     std::size_t i = 0;

@@ -6,6 +6,10 @@
 
 namespace Orvanta {
 
+/// The place behind the character or string literal whose quote stands at `begin`. One that is not closed in the text
+/// ends behind it.
+[[nodiscard]] std::size_t EndOfLiteral(std::string_view text, std::size_t begin);
+
 /// Follows preprocessed text line by line and tells code from literals, of which raw strings may go over many lines.
 class CodeScanner {
 public:

@@ -5,6 +5,7 @@
 #include "cppcheck/MergedFindings.h"
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/SystemTextCutter.h"
+#include "cppcheck/TypeChecks.h"
 #include "cppcheck/UnitInformation.h"
 #include "platform/Files.h"
 #include "report/MessageLine.h"
@@ -39,7 +40,9 @@ std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& 
 
 // The same for every task, so that a fingerprint of one compares with that of another.
 CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirectory) {
-    return CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
+    CutText cut = CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
+    BlankTypeChecks(cut.text);
+    return cut;
 }
 
 } // namespace
