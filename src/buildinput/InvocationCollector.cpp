@@ -4,6 +4,7 @@
 #include "buildinput/ProgramName.h"
 #include "buildinput/ShellLine.h"
 #include "compilers/CommandLineReader.h"
+#include "compilers/InputKind.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Process.h"
@@ -72,16 +73,24 @@ bool IsCompiler(std::string_view program, const std::vector<std::string>& names)
            });
 }
 
-/// A program that is not known, with a compiler as the first of its words: refused with advice instead of being asked
+/// A program that is not known, with a compiler among the words that follow: refused with advice instead of being asked
 /// for its version, as it may do anything.
 bool LooksLikeLauncher(const std::vector<std::string>& arguments, const std::vector<std::string>& names) {
     if (IsCompiler(arguments[0], names) || FileNameOf(arguments[0]) == Ccache) {
         return false;
     }
-    // Long options before the compiler may be the launcher's own. A short one may have a value, which nobody can tell.
-    const auto word = std::find_if(arguments.begin() + 1, arguments.end(),
-                                   [](std::string_view argument) { return !argument.starts_with("--"); });
-    return word != arguments.end() && IsCompiler(*word, names);
+    for (auto word = arguments.begin() + 1; word != arguments.end(); ++word) {
+        if (IsCompiler(*word, names)) {
+            return true;
+        }
+        // Between them may stand another launcher and long options. A short option may have a value, which nobody can
+        // tell, and behind a source there is no compiler.
+        const bool isShortOption = word->starts_with('-') && !word->starts_with("--");
+        if (isShortOption || IsSource(InputKindByExtension(*word))) {
+            return false;
+        }
+    }
+    return false;
 }
 
 /// Whether the compiler filter lets the command through; an empty filter lets all. Behind "ccache" the compiler counts.

@@ -121,6 +121,8 @@ const LaunchedCase LaunchedCases[] = {
     {"wrap-it %/clang -c a.c", "%: %/clang -c a.c"},
     {"other-wrap %/clang -c a.c", "(the program \"other-wrap\" looks like a launcher: the key \"launcher\" of a settings "
                                   "file makes it one)"},
+    {"python3 other-wrap.py --log distcc %/clang -c a.c", "(the program \"python3\" looks like a launcher: the key "
+                                                         "\"launcher\" of a settings file makes it one)"},
     {"%/ccache distcc %/clang -c a.c", "(ccache command)"},
     {"nice %/ccache depend_mode=true %/clang -c a.c", "(ccache command)"},
     // Lines for a shell, as ninja's own list of commands has them.
