@@ -12,6 +12,7 @@ namespace OrvlogConverter {
 namespace {
 
 constexpr std::size_t AsciiSize = 128;
+constexpr std::size_t ByteValues = 256;
 
 /// A row of a form: a character and what stands for it. A null text lets the character stand for itself, which only
 /// controls need to have said of them.
@@ -21,7 +22,11 @@ struct Replacement {
 };
 
 /// What stands for each ASCII character; null where the character stands for itself.
-using EscapeTable = std::array<const char*, AsciiSize>;
+struct EscapeTable {
+    std::array<const char*, AsciiSize> texts = {};
+    /// By byte: whether it is to be looked at more closely. Nearly none is, so it has a dense table of its own.
+    std::array<bool, ByteValues> isSpecial = {};
+};
 
 // Stands for a character that is to be spelled out.
 // Told from the texts of rows by its address.
@@ -32,11 +37,14 @@ constexpr const char* SpelledOut = "";
 consteval EscapeTable MakeTable(std::span<const Replacement> replacements) {
     EscapeTable table = {};
     for (std::size_t control = 0; control < ' '; ++control) {
-        table[control] = SpelledOut;
+        table.texts[control] = SpelledOut;
     }
-    table[0x7F] = SpelledOut;
+    table.texts[0x7F] = SpelledOut;
     for (const Replacement& row : replacements) {
-        table[static_cast<unsigned char>(row.character)] = row.text;
+        table.texts[static_cast<unsigned char>(row.character)] = row.text;
+    }
+    for (std::size_t byte = 0; byte < ByteValues; ++byte) {
+        table.isSpecial[byte] = byte >= AsciiSize || table.texts[byte] != nullptr;
     }
     return table;
 }
@@ -141,8 +149,7 @@ public:
         std::size_t begin = 0; // of what stands for itself and is not yet appended
         for (std::size_t at = 0; at < text.size();) {
             const auto byte = static_cast<unsigned char>(text[at]);
-            // Nearly every byte ends here, so this look comes before the decoding.
-            if (byte < AsciiSize && table_[byte] == nullptr) {
+            if (!table_.isSpecial[byte]) {
                 ++at;
                 continue;
             }
@@ -170,10 +177,10 @@ private:
         } else if (byte >= AsciiSize) {
             // All ranges end at U+FFFF, so four digits hold every number.
             AppendSpelled('u', CodePointOf(character), 4);
-        } else if (table_[byte] == SpelledOut) {
+        } else if (table_.texts[byte] == SpelledOut) {
             AppendSpelled('x', byte, 2);
         } else {
-            target_ += table_[byte];
+            target_ += table_.texts[byte];
         }
     }
 

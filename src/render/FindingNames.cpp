@@ -15,12 +15,13 @@ FindingNames::Name FindingNames::Next(const SuppressEntry& entry, std::string_vi
 
 std::string HexadecimalText(const Orvanta::Fingerprint& fingerprint) {
     constexpr unsigned WordBits = 64;
-    std::string text;
+    std::string text(2 * WordBits / 4, '0');
+    auto digit = text.begin();
     // The high word first, as one number of 128 bits is written.
     for (const std::uint64_t word : {fingerprint.high, fingerprint.low}) {
         for (unsigned shift = WordBits; shift > 0;) {
             shift -= 4;
-            text += "0123456789abcdef"[word >> shift & 0xFU];
+            *digit++ = "0123456789abcdef"[word >> shift & 0xFU];
         }
     }
     return text;

@@ -29,11 +29,15 @@ protected:
         AppendVisibleJson(text, finding.text);
         text += ", \"check_name\": ";
         AppendVisibleJson(text, finding.rule);
-        text += ", \"fingerprint\": \"" + UniqueName(message, file) + "\", \"severity\": \"";
+        text += ", \"fingerprint\": \"";
+        text += UniqueName(message, file);
+        text += "\", \"severity\": \"";
         text += Severities[LevelRank(message.level)];
         text += "\", \"location\": {\"path\": ";
         AppendVisibleJson(text, file);
-        text += ", \"lines\": {\"begin\": " + std::to_string(finding.line) + "}}}";
+        text += ", \"lines\": {\"begin\": ";
+        text += std::to_string(finding.line);
+        text += "}}}";
     }
 
     void AppendTail(std::string& text) override { text += "\n]\n"; }

@@ -41,13 +41,14 @@ protected:
         const std::string line = std::to_string(finding.line);
         // Servers group tests by class and list them by name, so the class is the file and the name tells rule and
         // line.
-        tests_ += "<testcase classname=\"" + suiteText_ + "\" name=\"";
+        tests_.append("<testcase classname=\"").append(suiteText_).append("\" name=\"");
         AppendEscaped(tests_, finding.rule, TextForm::Markup);
-        tests_ += " at line " + line + "\" file=\"" + suiteText_ + "\" line=\"" + line + "\"><failure type=\"";
+        tests_.append(" at line ").append(line).append("\" file=\"").append(suiteText_);
+        tests_.append("\" line=\"").append(line).append("\"><failure type=\"");
         tests_ += LevelWord(message.level);
         tests_ += "\" message=\"";
         AppendEscaped(tests_, finding.text, TextForm::Markup);
-        tests_ += "\">" + suiteText_ + ":" + line + ": ";
+        tests_.append("\">").append(suiteText_).append(":").append(line).append(": ");
         AppendEscaped(tests_, FirstPosition(message).currLine, TextForm::Markup);
         tests_ += "</failure></testcase>\n";
     }
