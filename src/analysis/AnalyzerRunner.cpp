@@ -149,10 +149,11 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
+    ProcessCost cost;
     // Of no unit, so it may take its time.
     const ChildLimits limits = {.outputBytes = settings_.limits.outputBytes};
     static_cast<void>(RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, planner_.CommonEnvironment()},
-                                    limits, stop_, output));
+                                    limits, stop_, {output, cost}));
 }
 
 void PrepareMerge(const RunPlaces& places) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
+#include "history/UnitCost.h"
 #include "report/ReportMessage.h"
 
 #include <string>
@@ -16,6 +17,7 @@ struct UnitResult {
     bool importsModules = false;                                  ///< what those export is not in its text
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
+    UnitCost cost = {};                                           ///< of all children that were run for it
 };
 
 } // namespace Orvanta

@@ -105,6 +105,7 @@ UnitResult UnitRun::Run(const UnitWork& work) {
         result.reason = error.what();
     }
     result.importsModules = importsModules_;
+    result.cost = cost_;
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
@@ -209,14 +210,16 @@ void UnitRun::RemoveTextAtEnd() {
 }
 
 // A precompiled header that is missing, out of date or another compiler's gives way to the header behind it.
-ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const {
+ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) {
     try {
         const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
         CapturedOutput output;
         const ProcessOutcome outcome = RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment},
-                                                     context_.limits, context_.stop, output);
+                                                     context_.limits, context_.stop, {output, cost_.compiler});
+        const std::optional<std::uint64_t> size = FileSize(plan_.files.preprocessedPath);
+        cost_.textBytes = size.value_or(0);
         // Some flags make a compiler end well without preprocessing: the core's failure would then mislead.
-        if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
+        if (outcome == ProcessOutcome::Succeeded && !size) {
             throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
                                        context_.log);
         }
@@ -234,7 +237,7 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
     return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
 }
 
-ProcessOutcome UnitRun::Preprocess() const {
+ProcessOutcome UnitRun::Preprocess() {
     if (context_.log.IsVerbose()) {
         // Looks at the disk several times for each header: only where somebody reads what it says.
         TellPrecompiledForms(plan_, context_.log);
@@ -315,7 +318,7 @@ ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) 
     command.insert(command.end(), flags.begin(), flags.end());
     try {
         return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.limits, context_.stop,
-                             output);
+                             {output, cost_.core});
     } catch (const LimitException& error) {
         throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessStartException& error) {
@@ -339,5 +342,4 @@ const std::string& UnitRun::SettingsPath() {
     return settings_->Path();
 }
 
-// Where the user keeps the files of units, a killed run may have left some: they are not this run's.
 } // namespace Orvanta

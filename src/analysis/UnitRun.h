@@ -71,9 +71,9 @@ private:
     // From here on the preprocessed text goes with this run, unless the user keeps the files of units.
     void RemoveTextAtEnd();
     // Runs the compiler once, and once more when it stumbles over a precompiled header. A success has left the text.
-    [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const;
+    [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words);
     // Leaves a text of this run, or throws UnitFailure with what the compiler said.
-    [[nodiscard]] ProcessOutcome Preprocess() const;
+    [[nodiscard]] ProcessOutcome Preprocess();
     // Whether the text that the collecting stage has left still is what the unit's files say. Removes the list.
     [[nodiscard]] bool IsCollectedTextCurrent(FileChanges& changes) const;
     // The files that the text was made of, as the core reads them from it. Absent after a stop.
@@ -96,6 +96,7 @@ private:
     std::optional<ScopedFile> text_;       // the preprocessed text, when it goes with this run
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything
+    UnitCost cost_;                        // so far
     bool importsModules_ = false;          // as the text that was analyzed says
 };
 
