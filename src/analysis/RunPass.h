@@ -3,6 +3,7 @@
 #include "analysis/AnalyzerStatus.h"
 #include "analysis/Progress.h"
 
+#include <cstddef>
 #include <span>
 #include <variant>
 #include <vector>
@@ -11,6 +12,7 @@ namespace Orvanta {
 
 class FileChanges;
 class ResultReceiver;
+class UnitEvents;
 class UnitHistory;
 
 /// What a run does with a unit.
@@ -70,6 +72,7 @@ struct RunPass {
     std::vector<UnitAction> actions; ///< by unit
     PercentRange percents;
     ResultReceiver& receiver; ///< of what becomes of each unit
+    UnitEvents& events;
 };
 
 /// Whether a pass with these actions runs no unit.

@@ -5,6 +5,7 @@
 #include "analysis/SourceSelection.h"
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
+#include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/ShownFindings.h"
 #include "app/Version.h"
@@ -42,8 +43,9 @@ bool UsesHistory(const AnalyzeInput& input) {
 }
 
 AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
-                             const UserSide& user)
-    : input_(input), places_(places), runner_(runner), user_(user), units_(PointersTo(input.commands.units)) {
+                             RunMonitor& monitor, const UserSide& user)
+    : input_(input), places_(places), runner_(runner), monitor_(monitor), user_(user),
+      units_(PointersTo(input.commands.units)) {
     ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
 }
 
@@ -204,7 +206,7 @@ void AnalyzePasses::ShowKeptReport() {
 // A pass whose results are for those that follow, or for later runs.
 void AnalyzePasses::Learn(const Pass& pass, const Actions& actions, PercentRange percents) {
     OutcomeReceiver receiver(units_.size());
-    Go({pass.work, actions, percents, receiver}, learned_.emplace_back(pass.failure, RunOutcome()).second);
+    Go(pass, actions, percents, receiver, learned_.emplace_back(pass.failure, RunOutcome()).second);
 }
 
 // The same, when none follows.
@@ -228,7 +230,7 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
     // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
     ReportCommitter committer(units_.size(), *report, chain.Front(),
                               [this](std::size_t unit) { return history_->Units().KeptFindings(unit); });
-    Go({pass.work, actions, percents, committer}, ending_.outcome);
+    Go(pass, actions, percents, committer, ending_.outcome);
     // Only of a pass that came to its end: after an error the last commit stands.
     chain.Front().End();
     if (input_.base) {
@@ -244,14 +246,20 @@ void AnalyzePasses::ReportByHistory(const Pass& pass, const Actions& actions, Pe
 }
 
 // What became of the units is known also when the pass ends in an error.
-void AnalyzePasses::Go(const RunPass& pass, RunOutcome& outcome) {
+void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange percents, ResultReceiver& receiver,
+                       RunOutcome& outcome) {
+    std::vector<PlacedCommand> commands;
+    commands.reserve(units_.size());
+    for (const std::size_t unit : monitor_.BeginPass(pass.work, actions)) {
+        commands.push_back({units_[unit], unit});
+    }
     try {
-        runner_.RunParallel(units_, input_.threads, pass);
+        runner_.RunParallel(commands, input_.threads, {pass.work, actions, percents, receiver, monitor_});
     } catch (...) {
-        outcome = pass.receiver.Outcome();
+        outcome = receiver.Outcome();
         throw;
     }
-    outcome = pass.receiver.Outcome();
+    outcome = receiver.Outcome();
 }
 
 } // namespace Orvanta

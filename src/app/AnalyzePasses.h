@@ -17,6 +17,7 @@
 namespace Orvanta {
 
 class AnalyzerRunner;
+class RunMonitor;
 class ShownFindings;
 struct RunPlaces;
 
@@ -36,7 +37,8 @@ struct UserSide {
 class AnalyzePasses {
 public:
     /// All outlive the object.
-    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, const UserSide& user);
+    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, RunMonitor& monitor,
+                  const UserSide& user);
 
     /// Goes through the passes until the last has ended or the user stops the run, and keeps what came of it.
     /// \throws ZelmException for what ends a run early; then, too, the ending holds what became of the units before
@@ -77,13 +79,15 @@ private:
     // The same, of units that carry their findings over to later runs.
     void ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents);
     // Runs the pass; `outcome` is set also when it ends in an error.
-    void Go(const RunPass& pass, RunOutcome& outcome);
+    void Go(const Pass& pass, const Actions& actions, PercentRange percents, ResultReceiver& receiver,
+            RunOutcome& outcome);
     // Reads the report that stays as it was, for the end of the run and its gate.
     void ShowKeptReport();
 
     const AnalyzeInput& input_;
     const RunPlaces& places_;
     AnalyzerRunner& runner_;
+    RunMonitor& monitor_;
     UserSide user_;
     std::vector<const CompileCommand*> units_;
     std::optional<RunHistory> history_;

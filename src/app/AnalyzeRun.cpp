@@ -7,6 +7,7 @@
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
+#include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -107,7 +108,8 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    AnalyzePasses passes(input_, places, runner, {shown_, log_, stop_});
+    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
+    AnalyzePasses passes(input_, places, runner, monitor, {shown_, log_, stop_});
     std::exception_ptr failure;
     try {
         passes.Run();
@@ -115,6 +117,7 @@ int AnalyzeRun::Analyze() {
         // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
+    monitor.KeepCosts(log_);
     End(passes.Ending());
     if (failure) {
         std::rethrow_exception(failure);
