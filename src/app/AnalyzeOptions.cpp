@@ -67,6 +67,8 @@ const OptionRow VisibleOptions[] = {
      "End with exit code 2 when a finding that is shown is one of these analyzers and levels, such as 'GA:1;64'; 'all' "
      "is any finding",
      nullptr, nullptr, &A::failOn},
+    {0, "stats", "FILE", "Write what became of every file, and what it took, into FILE, one JSON object a line",
+     nullptr, nullptr, &A::stats},
     {'f', "file", "FILE", "Use trace output or compile commands database FILE", "compile_commands.json",
      "'compile_commands.json', 'strace_out'", &A::inputFile},
     {'S', "source-files", "FILE",
@@ -335,6 +337,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.rulesConfig, "--rules-config");
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
+    RefuseEmpty(options.stats, "--stats");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
@@ -357,7 +360,11 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(LimitsOf(options));
     static_cast<void>(GateOf(options));
-    for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
+    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
+    }
+    for (const std::optional<std::string>& output :
+         {options.outputFile, options.dumpJson, options.dumpLog, options.stats}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));
     }
 }

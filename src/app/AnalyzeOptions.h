@@ -58,6 +58,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     bool verbose = false;
     std::optional<std::string> show;
     std::optional<std::string> failOn;
+    std::optional<std::string> stats;
     std::optional<std::string> inputFile;
     std::optional<std::string> sourceList;
     bool allowEmpty = false;

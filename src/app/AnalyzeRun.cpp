@@ -4,11 +4,13 @@
 #include "analysis/CoreLocator.h"
 #include "analysis/CoreVersion.h"
 #include "analysis/RunSummary.h"
+#include "analysis/RunTimes.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
+#include "app/RunStatistics.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -86,8 +88,8 @@ void AnalyzeRun::ReadInputs() {
 }
 
 void AnalyzeRun::RequireOutputs() const {
-    for (const std::string& output :
-         {input_.reportPath, input_.options.dumpJson.value_or(""), input_.options.dumpLog.value_or("")}) {
+    for (const std::string& output : {input_.reportPath, input_.options.dumpJson.value_or(""),
+                                      input_.options.dumpLog.value_or(""), input_.options.stats.value_or("")}) {
         RequireNoSource(output, input_.commands.units);
     }
 }
@@ -100,6 +102,10 @@ void AnalyzeRun::OpenLog() {
 
 int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
+    std::optional<RunStatistics> statistics;
+    if (input_.options.stats) { // before the work that it is to tell of
+        statistics.emplace(AbsolutePath(*input_.options.stats));
+    }
     // Inside the locks: what goes at the end goes before another run may begin.
     const TemporaryFolder temporaryFolder;
     const CoreLocation core = FindCore();
@@ -118,7 +124,14 @@ int AnalyzeRun::Analyze() {
         failure = std::current_exception();
     }
     monitor.KeepCosts(log_);
-    End(passes.Ending());
+    End(passes.Ending(), monitor.Costs());
+    try {
+        if (statistics) {
+            statistics->Write(input_.commands, passes.Ending().outcome, monitor.Costs());
+        }
+    } catch (...) {
+        failure = failure ? failure : std::current_exception(); // what ended the passes is told first
+    }
     if (failure) {
         std::rethrow_exception(failure);
     }
@@ -188,7 +201,7 @@ CoreLocation AnalyzeRun::FindCore() {
     return core;
 }
 
-void AnalyzeRun::End(const RunEnding& ending) {
+void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs) {
     const CollectedCommands& commands = input_.commands;
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
@@ -210,11 +223,24 @@ void AnalyzeRun::End(const RunEnding& ending) {
     } else {
         progress_.Finish(ending.summary);
     }
+    TellTimes(costs);
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
     }
     if (!ending.reportPath.empty()) {
         ShowFindings();
+    }
+}
+
+void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
+    const std::string text = TimesText(input_.commands.units, costs);
+    if (text.empty()) {
+        return;
+    }
+    if (MessageColumns() && !input_.options.quiet) {
+        log_.Text(text);
+    } else {
+        log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end
     }
 }
 
