@@ -39,6 +39,8 @@
 
 namespace Orvanta {
 
+class ReplayBundles;
+
 /// There is no compile command left to run. Only the entry catches it.
 class NoCompilationCommandsToRun : public ZelmException {
 public:
@@ -68,6 +70,9 @@ public:
     /// All must outlive the runner.
     AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places, Log& log,
                    AnalyzerProgress& progress, const StopFlag& stop);
+
+    /// Who takes the bundles of units that fail; null for nobody. Before the first unit; must outlive the runner.
+    void OfferTo(ReplayBundles* bundles) noexcept { bundles_ = bundles; }
 
     /// Does its work with one unit. What goes wrong with it is its result. Any number of threads may call it at once.
     /// \throws CoreUnusableException
@@ -99,6 +104,7 @@ private:
     AnalyzerProgress& progress_;
     const StopFlag& stop_;
     UnitPlanner planner_;
+    ReplayBundles* bundles_ = nullptr;
     std::atomic<bool> coreIsUnusable_ = false;
 };
 

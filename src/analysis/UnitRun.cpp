@@ -6,6 +6,7 @@
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
 #include "analysis/ProcessRun.h"
+#include "analysis/ReplayBundles.h"
 #include "analysis/StartableCommand.h"
 #include "analysis/UnitFailure.h"
 #include "compilers/Compiler.h"
@@ -14,6 +15,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string_view>
 #include <utility>
 
@@ -85,6 +87,17 @@ AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
 } // namespace
 
 UnitResult UnitRun::Run(const UnitWork& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    UnitResult result = ResultOf(work);
+    if (context_.bundles != nullptr) {
+        // While the files of the unit are there.
+        const auto elapsed = std::chrono::steady_clock::now() - begin;
+        context_.bundles->Offer({plan_, evidence_, result, std::chrono::duration_cast<std::chrono::seconds>(elapsed)});
+    }
+    return result;
+}
+
+UnitResult UnitRun::ResultOf(const UnitWork& work) {
     UnitResult result;
     try {
         result.status = std::visit([this](const auto& chosen) { return Do(chosen); }, work);
@@ -213,15 +226,14 @@ void UnitRun::RemoveTextAtEnd() {
 ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) {
     try {
         const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
-        CapturedOutput output;
-        const ProcessOutcome outcome = RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment},
-                                                     context_.limits, context_.stop, {output, cost_.compiler});
+        const ProcessOutcome outcome =
+            RunChild(command.Words(), *plan_.environment, {evidence_.compiler, cost_.compiler});
         const std::optional<std::uint64_t> size = FileSize(plan_.files.preprocessedPath);
         cost_.textBytes = size.value_or(0);
         // Some flags make a compiler end well without preprocessing: the core's failure would then mislead.
         if (outcome == ProcessOutcome::Succeeded && !size) {
-            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
-                                       context_.log);
+            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.",
+                                       evidence_.compiler.output, context_.log);
         }
         return outcome;
     } catch (const ProcessReturnCodeException&) {
@@ -235,6 +247,23 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
     ParsedCommand plain = parsed;
     IncludePlainHeader(plain, plan_.Directory());
     return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
+}
+
+ProcessOutcome UnitRun::RunChild(const Arguments& command, const EnvironmentBlock& environment,
+                                 const ChildFacts& facts) {
+    ChildEnd& end = facts.end;
+    end = {};
+    try {
+        const ProcessOutcome outcome = RunSupervised(command, {plan_.Directory(), environment}, context_.limits,
+                                                     context_.stop, {end.output, facts.cost});
+        if (outcome == ProcessOutcome::Succeeded) {
+            end.exitCode = 0;
+        }
+        return outcome;
+    } catch (const ProcessReturnCodeException& error) {
+        end.exitCode = error.ExitCode();
+        throw;
+    }
 }
 
 ProcessOutcome UnitRun::Preprocess() {
@@ -270,11 +299,10 @@ bool UnitRun::IsCollectedTextCurrent(FileChanges& changes) const {
 
 // Absent after a stop.
 std::optional<UnitRun::Dependencies> UnitRun::ListDependencies() {
-    CapturedOutput output;
-    if (RunCore({"--display-dependencies", "--skip-analysis"}, output) == ProcessOutcome::Stopped) {
+    if (RunCore({"--display-dependencies", "--skip-analysis"}) == ProcessOutcome::Stopped) {
         return std::nullopt;
     }
-    return ReadDependencyLines(output.standardOutput, plan_.Directory());
+    return ReadDependencyLines(evidence_.core.output.standardOutput, plan_.Directory());
 }
 
 // Absent after a stop.
@@ -295,11 +323,11 @@ AnalyzerStatus UnitRun::AnalyzeText() {
     // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
     RequireNone(plan_.files.fragmentPath, context_.places);
     fragmentPath_ = plan_.files.fragmentPath;
-    CapturedOutput output;
-    const ProcessOutcome outcome = RunCore({}, output);
+    const ProcessOutcome outcome = RunCore({});
+    const std::string& output = evidence_.core.output.standardOutput;
     const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
-    if (outcome == ProcessOutcome::Succeeded && isShown && !output.standardOutput.empty()) {
-        context_.log.Text(output.standardOutput);
+    if (outcome == ProcessOutcome::Succeeded && isShown && !output.empty()) {
+        context_.log.Text(output);
     }
     return StatusAfter(outcome);
 }
@@ -313,12 +341,12 @@ AnalyzerStatus UnitRun::CollectText() {
     }
 }
 
-ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) {
+ProcessOutcome UnitRun::RunCore(const Arguments& flags) {
+    evidence_.coreFlags = flags;
     Arguments command = {context_.places.corePath, "--cfg", SettingsPath()};
     command.insert(command.end(), flags.begin(), flags.end());
     try {
-        return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.limits, context_.stop,
-                             {output, cost_.core});
+        return RunChild(command, *plan_.coreEnvironment, {evidence_.core, cost_.core});
     } catch (const LimitException& error) {
         throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessStartException& error) {

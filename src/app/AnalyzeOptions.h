@@ -7,6 +7,7 @@
 // and paths where they are needed, after a settings file has had its say. So an absent option can be told from one that
 // has the default's value.
 
+#include "analysis/ReplayBundles.h"
 #include "render/FindingGate.h"
 #include "settings/RunSettings.h"
 
@@ -71,8 +72,12 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;
     std::optional<std::string> corePath;
-    std::optional<std::string> timeout;   ///< seconds
-    std::optional<std::string> maxOutput; ///< bytes, or with a suffix
+    std::optional<std::string> timeout;    ///< seconds
+    std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
+    std::optional<std::string> bundle;     ///< a folder
+    std::optional<std::string> bundleSlow; ///< seconds
+    std::vector<std::string> bundleSources;
+    bool scrub = false;
     std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
@@ -97,6 +102,10 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// What `--timeout` and `--max-output` set.
 /// \throws ZelmException
 [[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
+
+/// What `--bundle` and the options beside it ask for; absent without it.
+/// \throws ZelmException
+[[nodiscard]] std::optional<BundleWishes> BundlesOf(const AnalyzeOptions& options);
 
 /// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException

@@ -3,6 +3,7 @@
 #include "analysis/AnalyzerRunner.h"
 #include "analysis/CoreLocator.h"
 #include "analysis/CoreVersion.h"
+#include "analysis/ReplayBundles.h"
 #include "analysis/RunSummary.h"
 #include "analysis/RunTimes.h"
 #include "app/AnalyzePasses.h"
@@ -11,6 +12,7 @@
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/RunStatistics.h"
+#include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -20,6 +22,7 @@
 #include "platform/TemporaryFolder.h"
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
@@ -115,6 +118,11 @@ int AnalyzeRun::Analyze() {
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
+    std::optional<ReplayBundles> bundles;
+    if (std::optional<BundleWishes> wishes = BundlesOf(input_.options)) {
+        bundles.emplace(std::move(*wishes), BundleMakers{Version, places.coreVersion}, log_);
+        runner.OfferTo(&*bundles);
+    }
     AnalyzePasses passes(input_, places, runner, monitor, {shown_, log_, stop_});
     std::exception_ptr failure;
     try {
@@ -124,6 +132,10 @@ int AnalyzeRun::Analyze() {
         failure = std::current_exception();
     }
     monitor.KeepCosts(log_);
+    if (bundles && bundles->Count() > 0) {
+        log_.Line("Replay bundles: " + std::to_string(bundles->Count()) + " in " +
+                  AbsolutePath(*input_.options.bundle));
+    }
     End(passes.Ending(), monitor.Costs());
     try {
         if (statistics) {

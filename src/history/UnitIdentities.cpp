@@ -129,10 +129,8 @@ void AddCompiler(FingerprintBuilder& builder, const CompilerInfo& compiler) {
     builder.Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Add(compiler.path);
     // Where the path leads, so that a link which is turned to another version counts as a change.
     builder.Add(ResolveLinks(compiler.path));
-    for (const DecisiveVariable& variable : DecisiveVariables) {
-        if (variable.counts(compiler.type)) {
-            AddVariable(builder, variable.name);
-        }
+    for (const std::string_view name : VariablesReadBy(compiler.type)) {
+        AddVariable(builder, name);
     }
     if (IsScript(compiler.path)) {
         AddVariable(builder, "PATH");
@@ -186,6 +184,16 @@ struct CompilerPart {
 };
 
 } // namespace
+
+std::vector<std::string_view> VariablesReadBy(CompilerType type) {
+    std::vector<std::string_view> names;
+    for (const DecisiveVariable& variable : DecisiveVariables) {
+        if (variable.counts(type)) {
+            names.push_back(variable.name);
+        }
+    }
+    return names;
+}
 
 std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units, const RunSettings& settings,
                                         const ResultMakers& makers) {
