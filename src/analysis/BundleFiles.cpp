@@ -187,18 +187,13 @@ private:
     // A replay runs in another folder: its names are absolute, found as a core finds them.
     [[nodiscard]] std::string FileName(std::string_view quotedName, std::string& currentFile) const {
         const std::string name = UnescapedName(quotedName);
-        if (name.empty() || name.front() == '<' || name.ends_with("//")) {
+        if (NamesNoFile(name)) {
             return scrubber_ != nullptr && name.ends_with("//") ? std::string("//") : std::string(quotedName);
         }
-        const bool isRelative = !IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
-        std::string path = isRelative ? JoinPath(unit_.plan.Directory(), name) : name;
-        if (isRelative && !LookAt(path).IsThere()) {
-            const std::string besideFile = JoinPath(DirectoryOf(currentFile), name);
-            path = LookAt(besideFile).IsThere() ? besideFile : path;
-        }
+        const std::string path = PathOfName(name, currentFile, unit_.plan.Directory());
         currentFile = path;
         if (scrubber_ == nullptr) {
-            return isRelative ? EscapedName(path) : std::string(quotedName);
+            return path == name ? std::string(quotedName) : EscapedName(path);
         }
         static_cast<void>(scrubber_->Path(name)); // __FILE__ is written like this
         return EscapedName(scrubber_->Path(path));

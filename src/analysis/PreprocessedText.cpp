@@ -1,10 +1,14 @@
 #include "analysis/PreprocessedText.h"
 
+#include "platform/Files.h"
+#include "platform/Paths.h"
 #include "platform/Text.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <set>
 
 namespace Orvanta {
 
@@ -198,6 +202,42 @@ private:
 
 std::string RewritePreprocessedText(std::string_view text, const TextRewriting& rewriting) {
     return Rewriter(text, rewriting).Run();
+}
+
+std::string PathOfName(const std::string& name, std::string_view currentFile, std::string_view directory) {
+    const bool isRelative = !IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
+    if (!isRelative) {
+        return name;
+    }
+    std::string path = JoinPath(directory, name);
+    if (!LookAt(path).IsThere()) {
+        // Generators name their grammars as they were called, which need not be from where the compiler runs.
+        std::string besideFile = JoinPath(DirectoryOf(currentFile), name);
+        return LookAt(besideFile).IsThere() ? besideFile : path;
+    }
+    return path;
+}
+
+bool NamesNoFile(std::string_view name) {
+    return name.empty() || name.front() == '<' || name.ends_with("//");
+}
+
+std::vector<std::string> FilesNamedByText(std::string_view text, const std::string& sourcePath,
+                                          std::string_view directory) {
+    std::set<std::string, std::less<>> names; // as they are written: a file is entered many times
+    std::set<std::string> paths = {sourcePath};
+    std::string currentFile = sourcePath;
+    TextRewriting reading;
+    reading.fileName = [&](std::string_view quotedName) {
+        const std::string name = UnescapedName(quotedName);
+        if (!NamesNoFile(name) && names.emplace(quotedName).second) {
+            currentFile = PathOfName(name, currentFile, directory);
+            paths.insert(currentFile);
+        }
+        return std::string();
+    };
+    static_cast<void>(RewritePreprocessedText(text, reading));
+    return {paths.begin(), paths.end()};
 }
 
 std::string UnescapedName(std::string_view quotedName) {

@@ -12,6 +12,7 @@ namespace Orvanta {
 
 class FileChanges;
 class ResultReceiver;
+class RunJournal;
 class UnitEvents;
 class UnitHistory;
 
@@ -29,7 +30,9 @@ enum class UnitAction {
 namespace Work {
 
 /// Analyzes the unit.
-struct Analyze {};
+struct Analyze {
+    RunJournal* journal = nullptr; ///< of this run, which may go on with an earlier one; null: nothing is written down
+};
 
 /// Analyzes the unit, and the history keeps what it saw and found.
 struct AnalyzeAndKeep {

@@ -2,8 +2,10 @@
 
 #include "analysis/AnalyzerStatus.h"
 #include "history/UnitCost.h"
+#include "platform/Fingerprint.h"
 #include "report/ReportMessage.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,7 @@ struct UnitResult {
     bool importsModules = false;                                  ///< what those export is not in its text
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
+    std::optional<Fingerprint> text = {};                         ///< of the preprocessed one, where it is asked for
     UnitCost cost = {};                                           ///< of all children that were run for it
 };
 

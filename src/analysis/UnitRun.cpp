@@ -5,12 +5,15 @@
 #include "analysis/ModuleImports.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
+#include "analysis/PreprocessedText.h"
 #include "analysis/ProcessRun.h"
 #include "analysis/ReplayBundles.h"
 #include "analysis/StartableCommand.h"
 #include "analysis/UnitFailure.h"
 #include "compilers/Compiler.h"
+#include "history/RunJournal.h"
 #include "history/UnitHistory.h"
+#include "platform/FileStamp.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 
@@ -118,18 +121,29 @@ UnitResult UnitRun::ResultOf(const UnitWork& work) {
         result.reason = error.what();
     }
     result.importsModules = importsModules_;
+    result.text = textFingerprint_;
     result.cost = cost_;
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
 }
 
-AnalyzerStatus UnitRun::Do(const Work::Analyze&) {
+AnalyzerStatus UnitRun::Do(const Work::Analyze& work) {
     if (IsLeftOut()) {
         return AnalyzerStatus::Excluded;
     }
     RemoveTextAtEnd();
-    return Preprocess() == ProcessOutcome::Stopped ? AnalyzerStatus::Stopped : AnalyzeText();
+    if (Preprocess() == ProcessOutcome::Stopped) {
+        return AnalyzerStatus::Stopped;
+    }
+    if (work.journal != nullptr) {
+        const std::string text = ReadWholeFile(plan_.files.preprocessedPath);
+        textFingerprint_ = FingerprintOf(text);
+        if (IsFinished(*work.journal, text)) {
+            return AnalyzerStatus::CarriedOver;
+        }
+    }
+    return AnalyzeText();
 }
 
 AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
@@ -295,6 +309,21 @@ bool UnitRun::IsCollectedTextCurrent(FileChanges& changes) const {
     return !changes.HasChanged(plan_.sourcePath) &&
            std::none_of(dependencies.begin(), dependencies.end(),
                         [&changes](const std::string& path) { return changes.HasChanged(path); });
+}
+
+// The text tells all but comments and layout, which a core may look up in the files themselves.
+bool UnitRun::IsFinished(const RunJournal& journal, std::string_view text) {
+    const std::optional<FinishedUnit> finished = journal.Find(plan_.unit);
+    if (!finished || finished->text != *textFingerprint_) {
+        return false;
+    }
+    const std::vector<std::string> files = FilesNamedByText(text, plan_.sourcePath, plan_.Directory());
+    const bool isCurrent = std::all_of(files.begin(), files.end(), [&finished](const std::string& path) {
+        const std::optional<FileStamp> stamp = StampOf(path);
+        return stamp && stamp->Newest() < finished->begin;
+    });
+    importsModules_ = isCurrent && finished->importsModules;
+    return isCurrent;
 }
 
 // Absent after a stop.

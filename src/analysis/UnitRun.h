@@ -88,6 +88,8 @@ private:
     [[nodiscard]] ProcessOutcome Preprocess();
     // Whether the text that the collecting stage has left still is what the unit's files say. Removes the list.
     [[nodiscard]] bool IsCollectedTextCurrent(FileChanges& changes) const;
+    // Whether an earlier run has finished the unit with this text, and nothing that the text names has changed since.
+    [[nodiscard]] bool IsFinished(const RunJournal& journal, std::string_view text);
     // The files that the text was made of, as the core reads them from it. Absent after a stop.
     [[nodiscard]] std::optional<Dependencies> ListDependencies();
     // Makes the text and the list, once more when files have changed under the first. Absent after a stop.
@@ -112,8 +114,9 @@ private:
     UnitEvidence evidence_;
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything
-    UnitCost cost_;                        // so far
-    bool importsModules_ = false;          // as the text that was analyzed says
+    std::optional<Fingerprint> textFingerprint_;
+    UnitCost cost_;               // so far
+    bool importsModules_ = false; // as the text that was analyzed says
 };
 
 } // namespace Orvanta

@@ -57,6 +57,8 @@ using A = AnalyzeOptions;
 const OptionRow VisibleOptions[] = {
     {'j', "threads", "N", "Allow N Orvanta analyzers at once", nullptr, nullptr, &A::threads},
     {'i', "incremental", "", "Use incremental analysis", nullptr, nullptr, &A::incremental},
+    {0, "resume", "", "Go on with a run that was interrupted: what it has finished is not analyzed again", nullptr,
+     nullptr, &A::resume},
     {'o', "output-file", "FILE", "Place the analyzer's report into FILE", nullptr, nullptr, &A::outputFile},
     {'c', "cfg", "FILE", "Run Orvanta using config FILE", nullptr, nullptr, &A::settingsFile},
     {'s', "suppress-file", "FILE", "Path to suppress file", nullptr, nullptr, &A::suppressFile},
@@ -386,6 +388,12 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
     RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
     RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
+    // Their runs keep what they have finished anyway, or are made of stages.
+    RefuseTogether(options.resume, options.incremental, "--resume and --incremental");
+    RefuseTogether(options.resume, options.sourceList.has_value(), "--resume and --source-files");
+    RefuseTogether(options.resume, options.dependencyFile.has_value(), "--resume and --dep-file");
+    RefuseTogether(options.resume, options.intermodular, "--resume and --intermodular");
+    RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
     if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {

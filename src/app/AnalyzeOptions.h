@@ -52,6 +52,7 @@ struct HiddenAnalyzeOptions {
 struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> threads;
     bool incremental = false;
+    bool resume = false;
     std::optional<std::string> outputFile;
     std::optional<std::string> settingsFile;
     std::optional<std::string> suppressFile;

@@ -1,10 +1,12 @@
 #include "app/AnalyzePasses.h"
 
 #include "analysis/AnalyzerRunner.h"
+#include "analysis/JournalWriter.h"
 #include "analysis/ReportCommitter.h"
 #include "analysis/SourceSelection.h"
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
+#include "app/OpenJournal.h"
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/ShownFindings.h"
@@ -60,7 +62,9 @@ void AnalyzePasses::Run() {
                 history_->RequireListedFile(*input_.listedFiles);
             }
         }
+        journal_ = OpenJournal(input_, places_, user_.log);
         GoThrough(ListPasses());
+        EndJournal();
     } catch (...) {
         Keep();
         throw;
@@ -83,6 +87,14 @@ void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
         const unsigned share = (AllPercents - percent) / static_cast<unsigned>(passes.size() - index);
         (this->*passes[index].run)(passes[index], *actions, {percent, percent + share});
         percent += share;
+    }
+}
+
+void AnalyzePasses::EndJournal() {
+    if (journal_ && user_.stop.IsSet() && journal_->HoldsAny()) {
+        ending_.lastLine = "What is finished is kept: the same command with --resume goes on from here.";
+    } else if (journal_) {
+        journal_->Remove();
     }
 }
 
@@ -123,7 +135,7 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
         const auto all = [this] {
             return SelectAll(input_.commands.units, input_.settings);
         };
-        return {{Work::Analyze{}, all, &AnalyzePasses::Report}};
+        return {{Work::Analyze{journal_.get()}, all, &AnalyzePasses::Report}};
     }
     std::vector<Pass> passes;
     if (regeneration || input_.listedFiles) {
@@ -228,9 +240,15 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
     chain.Front().Begin();
     report->Commit();
     // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
-    ReportCommitter committer(units_.size(), *report, chain.Front(),
-                              [this](std::size_t unit) { return history_->Units().KeptFindings(unit); });
-    Go(pass, actions, percents, committer, ending_.outcome);
+    ReportCommitter committer(units_.size(), *report, chain.Front(), [this](std::size_t unit) {
+        return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
+    });
+    if (journal_) {
+        JournalWriter writer(*journal_, committer);
+        Go(pass, actions, percents, writer, ending_.outcome);
+    } else {
+        Go(pass, actions, percents, committer, ending_.outcome);
+    }
     // Only of a pass that came to its end: after an error the last commit stands.
     chain.Front().End();
     if (input_.base) {

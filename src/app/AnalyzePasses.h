@@ -5,10 +5,12 @@
 #include "app/AnalyzeInput.h"
 #include "app/RunEnding.h"
 #include "app/RunHistory.h"
+#include "history/RunJournal.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -62,6 +64,8 @@ private:
     void GoThrough(const std::vector<Pass>& passes);
     // Puts together how each unit ended, and saves what later runs need. Returns whether all could be written.
     bool Keep();
+    // What of the run a later one can go on with: nothing when it has come to its end.
+    void EndJournal();
     // The list that the options ask for; starts nothing.
     [[nodiscard]] std::vector<Pass> ListPasses();
     // Collecting and performing; the linking stands before the second selects its units.
@@ -91,7 +95,8 @@ private:
     UserSide user_;
     std::vector<const CompileCommand*> units_;
     std::optional<RunHistory> history_;
-    std::optional<FileChanges> changes_; // of an intermodular analysis
+    std::unique_ptr<RunJournal> journal_; // of an ordinary run; null: it can't be resumed
+    std::optional<FileChanges> changes_;  // of an intermodular analysis
     std::vector<std::pair<const char*, RunOutcome>> learned_;
     bool writesWholeReport_ = false; // one that later runs may leave as it is
     RunEnding ending_;

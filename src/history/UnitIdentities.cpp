@@ -137,28 +137,6 @@ void AddCompiler(FingerprintBuilder& builder, const CompilerInfo& compiler) {
     }
 }
 
-Fingerprint CommonInputs(const RunSettings& settings, const ResultMakers& makers) {
-    FingerprintBuilder builder;
-    builder.Add(ResultVersion).Add(makers.ownVersion);
-    for (const auto& [key, value] : settings.userSettings) {
-        // Where the report goes decides no result.
-        if (key != "output-file") {
-            builder.Add(key).Add(value);
-        }
-        // What the file holds, which may change without its name.
-        if (key == "rules-config" && IsRegularFile(value)) {
-            builder.Add(ReadWholeFile(value));
-        }
-    }
-    for (const std::string& directory : settings.extraIncludes) {
-        builder.Add(directory);
-    }
-    AddEnvironment(builder, settings.environmentChanges);
-    builder.Add(settings.analyzeSystemPaths ? 1 : 0);
-    builder.Add(makers.corePath).Add(ResolveLinks(makers.corePath)).Add(makers.coreVersion);
-    return builder.Value();
-}
-
 /// What many units share, made once for each.
 template <typename Shared, typename Part>
 class SharedParts {
@@ -185,6 +163,28 @@ struct CompilerPart {
 
 } // namespace
 
+Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers) {
+    FingerprintBuilder builder;
+    builder.Add(ResultVersion).Add(makers.ownVersion);
+    for (const auto& [key, value] : settings.userSettings) {
+        // Where the report goes decides no result.
+        if (key != "output-file") {
+            builder.Add(key).Add(value);
+        }
+        // What the file holds, which may change without its name.
+        if (key == "rules-config" && IsRegularFile(value)) {
+            builder.Add(ReadWholeFile(value));
+        }
+    }
+    for (const std::string& directory : settings.extraIncludes) {
+        builder.Add(directory);
+    }
+    AddEnvironment(builder, settings.environmentChanges);
+    builder.Add(settings.analyzeSystemPaths ? 1 : 0);
+    builder.Add(makers.corePath).Add(ResolveLinks(makers.corePath)).Add(makers.coreVersion);
+    return builder.Value();
+}
+
 std::vector<std::string_view> VariablesReadBy(CompilerType type) {
     std::vector<std::string_view> names;
     for (const DecisiveVariable& variable : DecisiveVariables) {
@@ -197,7 +197,7 @@ std::vector<std::string_view> VariablesReadBy(CompilerType type) {
 
 std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units, const RunSettings& settings,
                                         const ResultMakers& makers) {
-    const Fingerprint common = CommonInputs(settings, makers);
+    const Fingerprint common = FingerprintOfRun(settings, makers);
     SharedParts<CompilerInfo, CompilerPart> compilers;
     SharedParts<Environment, Fingerprint> environments;
     const auto partOf = [&](const CompilerInfo& compiler) {

@@ -29,6 +29,9 @@ struct ResultMakers {
 [[nodiscard]] std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units,
                                                       const RunSettings& settings, const ResultMakers& makers);
 
+/// Of what decides the results of all units alike: the settings with the file of rules, the core and the program.
+[[nodiscard]] Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers);
+
 /// The names of the variables in which compilers of a family look for more: those of the driver's own environment that
 /// count for its units. Constants, in the order of their bytes.
 [[nodiscard]] std::vector<std::string_view> VariablesReadBy(CompilerType type);
