@@ -3,6 +3,7 @@
 #include "analysis/PathList.h"
 #include "analysis/ProcessRun.h"
 #include "analysis/RunOutcome.h"
+#include "analysis/UnitEvents.h"
 #include "analysis/UnitRun.h"
 #include "analysis/WorkerPool.h"
 #include "platform/Files.h"
@@ -43,14 +44,16 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
         // A plan that can't be made is the unit's own fault: the others go on.
         return {.status = AnalyzerStatus::Failed, .reason = error.what()};
     }
-    const UnitRunContext context = {settings_, places_, log_, stop_, LimitsFromNow(settings_.limits)};
+    const UnitRunContext context = {settings_, places_, log_, stop_, LimitsFromNow(settings_.limits), bundles_};
     return UnitRun(*plan, context, *task.progress).Run(*task.work);
 }
 
 void AnalyzerRunner::RunTask(const AnalysisTask& task, ResultReceiver& receiver) {
     UnitResult result;
     try {
+        task.events->UnitBegins(task.unit);
         result = Run(task);
+        task.events->UnitEnds(task.unit, result);
     } catch (...) {
         coreIsUnusable_.store(true);
         throw; // to the pool, which hands it to WaitForTasks
@@ -88,8 +91,7 @@ bool AnalyzerRunner::ShouldEnd() const noexcept {
     return stop_.IsSet() || coreIsUnusable_.load();
 }
 
-int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands, unsigned threads,
-                                const RunPass& pass) {
+int AnalyzerRunner::RunParallel(std::span<const PlacedCommand> commands, unsigned threads, const RunPass& pass) {
     if (commands.empty()) {
         throw NoCompilationCommandsToRun();
     }
@@ -103,8 +105,8 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
                   " threads could be started: " + pool.Fault());
     }
     bool hasSettled = false; // since the receiver was last asked to put on disk what it has
-    for (std::size_t unit = 0; unit < commands.size(); ++unit) {
-        if (std::optional<UnitResult> settled = SettledResult(*commands[unit], pass.actions[unit])) {
+    for (const auto& [command, unit] : commands) {
+        if (std::optional<UnitResult> settled = SettledResult(*command, pass.actions[unit])) {
             pass.receiver.Commit(unit, std::move(*settled));
             progress.CountFinished();
             hasSettled = true;
@@ -122,7 +124,7 @@ int AnalyzerRunner::RunParallel(std::span<const CompileCommand* const> commands,
             pass.receiver.Commit(unit, {.status = AnalyzerStatus::Stopped});
             continue;
         }
-        const AnalysisTask task = {commands[unit], ModeOf(pass.work), unit, &pass.work, &progress};
+        const AnalysisTask task = {command, ModeOf(pass.work), unit, &pass.work, &progress, &pass.events};
         pool.push_task([this, &pass, task] { RunTask(task, pass.receiver); });
     }
     pool.WaitForTasks();
@@ -149,10 +151,11 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
+    ProcessCost cost;
     // Of no unit, so it may take its time.
     const ChildLimits limits = {.outputBytes = settings_.limits.outputBytes};
     static_cast<void>(RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, planner_.CommonEnvironment()},
-                                    limits, stop_, output));
+                                    limits, stop_, {output, cost}));
 }
 
 void PrepareMerge(const RunPlaces& places) {

@@ -39,6 +39,8 @@
 
 namespace Orvanta {
 
+class ReplayBundles;
+
 /// There is no compile command left to run. Only the entry catches it.
 class NoCompilationCommandsToRun : public ZelmException {
 public:
@@ -46,13 +48,20 @@ public:
     NoCompilationCommandsToRun() : ZelmException("No compilation units were found.") {}
 };
 
+/// A unit and its position among the run's units, by which it is known to all that hear of it.
+struct PlacedCommand {
+    const CompileCommand* command = nullptr;
+    std::size_t unit = 0;
+};
+
 /// One queued unit.
 struct AnalysisTask {
     const CompileCommand* command = nullptr;
     IntermodularAnalysisMode mode = IntermodularAnalysisMode::None;
-    std::size_t unit = 0;             ///< position among the run's units
+    std::size_t unit = 0;             ///< its place
     const UnitWork* work = nullptr;   ///< not null
     PassProgress* progress = nullptr; ///< not null
+    UnitEvents* events = nullptr;     ///< not null
 };
 
 /// Analyzes the units of a run.
@@ -62,17 +71,18 @@ public:
     AnalyzerRunner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places, Log& log,
                    AnalyzerProgress& progress, const StopFlag& stop);
 
+    /// Who takes the bundles of units that fail; null for nobody. Before the first unit; must outlive the runner.
+    void OfferTo(ReplayBundles* bundles) noexcept { bundles_ = bundles; }
+
     /// Does its work with one unit. What goes wrong with it is its result. Any number of threads may call it at once.
     /// \throws CoreUnusableException
     [[nodiscard]] UnitResult Run(const AnalysisTask& task);
 
-    /// Goes through the units with up to `threads` workers, does with each what `pass` says, hands the results to its
-    /// receiver and returns the CombinedResult of what that makes of them. After a stop, units that need no run are
-    /// handed over all the same.
-    /// \throws NoCompilationCommandsToRun for an empty list
-    /// \throws CoreUnusableException
-    /// \throws ZelmException when no thread can be started
-    int RunParallel(std::span<const CompileCommand* const> commands, unsigned threads, const RunPass& pass);
+    /// Goes through the units in the order given, with up to `threads` workers, does with each what `pass` says, hands
+    /// the results to its receiver and returns the CombinedResult of what that makes of them. After a stop, units that
+    /// need no run are handed over all the same. \throws NoCompilationCommandsToRun for an empty list \throws
+    /// CoreUnusableException \throws ZelmException when no thread can be started
+    int RunParallel(std::span<const PlacedCommand> commands, unsigned threads, const RunPass& pass);
 
     /// Lets the core link what was collected of these units, in ".Orvanta"; after a stop, in part.
     /// \throws ProcessException when the core fails, ZelmException "can't find output directory", "Couldn't create
@@ -94,6 +104,7 @@ private:
     AnalyzerProgress& progress_;
     const StopFlag& stop_;
     UnitPlanner planner_;
+    ReplayBundles* bundles_ = nullptr;
     std::atomic<bool> coreIsUnusable_ = false;
 };
 

@@ -33,25 +33,31 @@ private:
 } // namespace
 
 ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const ChildLimits& limits,
-                             const StopFlag& stop, CapturedOutput& output) {
+                             const StopFlag& stop, ChildRecord record) {
     using Clock = std::chrono::steady_clock;
-    LimitedOutput standardOutput(output.standardOutput, limits.outputBytes);
-    LimitedOutput standardError(output.standardError, limits.outputBytes);
+    LimitedOutput standardOutput(record.output.standardOutput, limits.outputBytes);
+    LimitedOutput standardError(record.output.standardError, limits.outputBytes);
     Process process(command, place.workingDirectory, place.environment, standardOutput.Receiver(),
                     standardError.Receiver());
     const auto isOver = [&] {
         return standardOutput.IsOver() || standardError.IsOver();
     };
     // Its destructor ends the child, with all that it started, when one of these goes up.
+    bool isLate = false;
     while (!process.HasEnded() && !isOver() && !stop.IsSet()) {
         const auto now = Clock::now();
-        if (limits.deadline && now >= *limits.deadline) {
-            throw LimitException("Timed out (--timeout). " + std::string(ProcessInterruptedException(command).what()));
+        isLate = limits.deadline && now >= *limits.deadline;
+        if (isLate) {
+            break;
         }
         // Rounded up: a wait that ends too early would be made again and again.
         const auto left =
             limits.deadline ? std::chrono::ceil<std::chrono::milliseconds>(*limits.deadline - now) : PollInterval;
         process.WaitForChange(std::min(PollInterval, left));
+    }
+    record.cost += process.Cost();
+    if (isLate) {
+        throw LimitException("Timed out (--timeout). " + std::string(ProcessInterruptedException(command).what()));
     }
     if (isOver()) {
         throw LimitException("Too much output (--max-output) on standard " +
@@ -59,7 +65,7 @@ ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const
                              ProcessInterruptedException(command).what());
     }
     const WaitResult result = process.HasEnded() ? WaitResult{process.get_exit_status(), true} : WaitResult{};
-    return JudgeEnd(command, result, process, output);
+    return JudgeEnd(command, result, process, record.output);
 }
 
 std::string_view TellingLine(std::string_view output) {

@@ -23,6 +23,12 @@ struct ChildLimits {
     std::optional<std::uint64_t> outputBytes = {}; ///< on either output
 };
 
+/// Where what is known of a child goes, whatever its end was. Both outlive the run of it.
+struct ChildRecord {
+    CapturedOutput& output;
+    ProcessCost& cost; ///< is added to; of a child that was ended at a limit, or by a stop, its time alone
+};
+
 /// A child was ended, or has failed, because of one of its limits. The text names the child and the option.
 class LimitException : public ProcessException {
 public:
@@ -33,7 +39,7 @@ public:
 /// child and all that it started are gone. \throws ProcessException; LimitException also for a child that has ended by
 /// itself with too much output
 [[nodiscard]] ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const ChildLimits& limits,
-                                           const StopFlag& stop, CapturedOutput& output);
+                                           const StopFlag& stop, ChildRecord record);
 
 /// The line of a failed child's output that tells most: the first with "error" in it, else the first that isn't blank.
 [[nodiscard]] std::string_view TellingLine(std::string_view output);

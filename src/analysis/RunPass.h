@@ -3,6 +3,7 @@
 #include "analysis/AnalyzerStatus.h"
 #include "analysis/Progress.h"
 
+#include <cstddef>
 #include <span>
 #include <variant>
 #include <vector>
@@ -11,6 +12,8 @@ namespace Orvanta {
 
 class FileChanges;
 class ResultReceiver;
+class RunJournal;
+class UnitEvents;
 class UnitHistory;
 
 /// What a run does with a unit.
@@ -27,7 +30,9 @@ enum class UnitAction {
 namespace Work {
 
 /// Analyzes the unit.
-struct Analyze {};
+struct Analyze {
+    RunJournal* journal = nullptr; ///< of this run, which may go on with an earlier one; null: nothing is written down
+};
 
 /// Analyzes the unit, and the history keeps what it saw and found.
 struct AnalyzeAndKeep {
@@ -70,6 +75,7 @@ struct RunPass {
     std::vector<UnitAction> actions; ///< by unit
     PercentRange percents;
     ResultReceiver& receiver; ///< of what becomes of each unit
+    UnitEvents& events;
 };
 
 /// Whether a pass with these actions runs no unit.

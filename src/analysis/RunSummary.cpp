@@ -89,15 +89,6 @@ std::string SkippedText(const CollectedCommands& commands, const InvocationCount
     return text.empty() ? text : text + "\n";
 }
 
-// "H:MM:SS.T", by whole numbers: a floating second would round 59.96 up to 60.0.
-std::string ElapsedText(std::chrono::milliseconds elapsed) {
-    const auto tenths = elapsed.count() / 100;
-    std::ostringstream text;
-    text << tenths / 36000 << ':' << std::setfill('0') << std::setw(2) << tenths / 600 % 60 << ':' << std::setw(2)
-         << tenths / 10 % 60 << '.' << tenths % 10;
-    return text.str();
-}
-
 // The same counts, of the units themselves.
 InvocationCounts CountUnits(const RunOutcome& outcome) {
     InvocationCounts counts;
@@ -181,6 +172,15 @@ private:
 };
 
 } // namespace
+
+std::string ElapsedText(std::chrono::milliseconds elapsed) {
+    // By whole numbers: a floating second would round 59.96 up to 60.0.
+    const auto tenths = elapsed.count() / 100;
+    std::ostringstream text;
+    text << tenths / 36000 << ':' << std::setfill('0') << std::setw(2) << tenths / 600 % 60 << ':' << std::setw(2)
+         << tenths / 10 % 60 << '.' << tenths % 10;
+    return text.str();
+}
 
 bool IsFailure(InvocationFate fate) noexcept {
     return fate == InvocationFate::CompilerUnusable || fate == InvocationFate::Unreadable;

@@ -31,6 +31,9 @@ struct InvocationCounts {
 /// Counts invocations; one that compiles several sources counts by its worst unit.
 [[nodiscard]] InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome);
 
+/// A time as "H:MM:SS.T".
+[[nodiscard]] std::string ElapsedText(std::chrono::milliseconds elapsed);
+
 /// The lines that end a run: its time, what became of the invocations, the findings, and where the report is
 /// (`reportPath`, empty for standard output).
 [[nodiscard]] std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome,

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
+#include "history/UnitCost.h"
+#include "platform/Fingerprint.h"
 #include "report/ReportMessage.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +19,8 @@ struct UnitResult {
     bool importsModules = false;                                  ///< what those export is not in its text
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
+    std::optional<Fingerprint> text = {};                         ///< of the preprocessed one, where it is asked for
+    UnitCost cost = {};                                           ///< of all children that were run for it
 };
 
 } // namespace Orvanta

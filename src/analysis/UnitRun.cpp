@@ -5,15 +5,20 @@
 #include "analysis/ModuleImports.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
+#include "analysis/PreprocessedText.h"
 #include "analysis/ProcessRun.h"
+#include "analysis/ReplayBundles.h"
 #include "analysis/StartableCommand.h"
 #include "analysis/UnitFailure.h"
 #include "compilers/Compiler.h"
+#include "history/RunJournal.h"
 #include "history/UnitHistory.h"
+#include "platform/FileStamp.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string_view>
 #include <utility>
 
@@ -85,6 +90,17 @@ AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
 } // namespace
 
 UnitResult UnitRun::Run(const UnitWork& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    UnitResult result = ResultOf(work);
+    if (context_.bundles != nullptr) {
+        // While the files of the unit are there.
+        const auto elapsed = std::chrono::steady_clock::now() - begin;
+        context_.bundles->Offer({plan_, evidence_, result, std::chrono::duration_cast<std::chrono::seconds>(elapsed)});
+    }
+    return result;
+}
+
+UnitResult UnitRun::ResultOf(const UnitWork& work) {
     UnitResult result;
     try {
         result.status = std::visit([this](const auto& chosen) { return Do(chosen); }, work);
@@ -105,17 +121,29 @@ UnitResult UnitRun::Run(const UnitWork& work) {
         result.reason = error.what();
     }
     result.importsModules = importsModules_;
+    result.text = textFingerprint_;
+    result.cost = cost_;
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
 }
 
-AnalyzerStatus UnitRun::Do(const Work::Analyze&) {
+AnalyzerStatus UnitRun::Do(const Work::Analyze& work) {
     if (IsLeftOut()) {
         return AnalyzerStatus::Excluded;
     }
     RemoveTextAtEnd();
-    return Preprocess() == ProcessOutcome::Stopped ? AnalyzerStatus::Stopped : AnalyzeText();
+    if (Preprocess() == ProcessOutcome::Stopped) {
+        return AnalyzerStatus::Stopped;
+    }
+    if (work.journal != nullptr) {
+        const std::string text = ReadWholeFile(plan_.files.preprocessedPath);
+        textFingerprint_ = FingerprintOf(text);
+        if (IsFinished(*work.journal, text)) {
+            return AnalyzerStatus::CarriedOver;
+        }
+    }
+    return AnalyzeText();
 }
 
 AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
@@ -209,16 +237,17 @@ void UnitRun::RemoveTextAtEnd() {
 }
 
 // A precompiled header that is missing, out of date or another compiler's gives way to the header behind it.
-ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const {
+ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) {
     try {
         const StartableCommand command(words, parsed, plan_.files.basePath + ".rsp");
-        CapturedOutput output;
-        const ProcessOutcome outcome = RunSupervised(command.Words(), {plan_.Directory(), *plan_.environment},
-                                                     context_.limits, context_.stop, output);
+        const ProcessOutcome outcome =
+            RunChild(command.Words(), *plan_.environment, {evidence_.compiler, cost_.compiler});
+        const std::optional<std::uint64_t> size = FileSize(plan_.files.preprocessedPath);
+        cost_.textBytes = size.value_or(0);
         // Some flags make a compiler end well without preprocessing: the core's failure would then mislead.
-        if (outcome == ProcessOutcome::Succeeded && !PathExists(plan_.files.preprocessedPath)) {
-            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.", output,
-                                       context_.log);
+        if (outcome == ProcessOutcome::Succeeded && !size) {
+            throw PreprocessingFailure(plan_, "The compiler ended with code 0, but wrote no text.",
+                                       evidence_.compiler.output, context_.log);
         }
         return outcome;
     } catch (const ProcessReturnCodeException&) {
@@ -234,7 +263,24 @@ ProcessOutcome UnitRun::RunPreprocessing(const ParsedCommand& parsed, const Argu
     return RunPreprocessing(plain, plan_.model->BuildPreprocessCommand(plain, plan_.files.preprocessedPath));
 }
 
-ProcessOutcome UnitRun::Preprocess() const {
+ProcessOutcome UnitRun::RunChild(const Arguments& command, const EnvironmentBlock& environment,
+                                 const ChildFacts& facts) {
+    ChildEnd& end = facts.end;
+    end = {};
+    try {
+        const ProcessOutcome outcome = RunSupervised(command, {plan_.Directory(), environment}, context_.limits,
+                                                     context_.stop, {end.output, facts.cost});
+        if (outcome == ProcessOutcome::Succeeded) {
+            end.exitCode = 0;
+        }
+        return outcome;
+    } catch (const ProcessReturnCodeException& error) {
+        end.exitCode = error.ExitCode();
+        throw;
+    }
+}
+
+ProcessOutcome UnitRun::Preprocess() {
     if (context_.log.IsVerbose()) {
         // Looks at the disk several times for each header: only where somebody reads what it says.
         TellPrecompiledForms(plan_, context_.log);
@@ -265,13 +311,27 @@ bool UnitRun::IsCollectedTextCurrent(FileChanges& changes) const {
                         [&changes](const std::string& path) { return changes.HasChanged(path); });
 }
 
+// The text tells all but comments and layout, which a core may look up in the files themselves.
+bool UnitRun::IsFinished(const RunJournal& journal, std::string_view text) {
+    const std::optional<FinishedUnit> finished = journal.Find(plan_.unit);
+    if (!finished || finished->text != *textFingerprint_) {
+        return false;
+    }
+    const std::vector<std::string> files = FilesNamedByText(text, plan_.sourcePath, plan_.Directory());
+    const bool isCurrent = std::all_of(files.begin(), files.end(), [&finished](const std::string& path) {
+        const std::optional<FileStamp> stamp = StampOf(path);
+        return stamp && stamp->Newest() < finished->begin;
+    });
+    importsModules_ = isCurrent && finished->importsModules;
+    return isCurrent;
+}
+
 // Absent after a stop.
 std::optional<UnitRun::Dependencies> UnitRun::ListDependencies() {
-    CapturedOutput output;
-    if (RunCore({"--display-dependencies", "--skip-analysis"}, output) == ProcessOutcome::Stopped) {
+    if (RunCore({"--display-dependencies", "--skip-analysis"}) == ProcessOutcome::Stopped) {
         return std::nullopt;
     }
-    return ReadDependencyLines(output.standardOutput, plan_.Directory());
+    return ReadDependencyLines(evidence_.core.output.standardOutput, plan_.Directory());
 }
 
 // Absent after a stop.
@@ -292,11 +352,11 @@ AnalyzerStatus UnitRun::AnalyzeText() {
     // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
     RequireNone(plan_.files.fragmentPath, context_.places);
     fragmentPath_ = plan_.files.fragmentPath;
-    CapturedOutput output;
-    const ProcessOutcome outcome = RunCore({}, output);
+    const ProcessOutcome outcome = RunCore({});
+    const std::string& output = evidence_.core.output.standardOutput;
     const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
-    if (outcome == ProcessOutcome::Succeeded && isShown && !output.standardOutput.empty()) {
-        context_.log.Text(output.standardOutput);
+    if (outcome == ProcessOutcome::Succeeded && isShown && !output.empty()) {
+        context_.log.Text(output);
     }
     return StatusAfter(outcome);
 }
@@ -310,12 +370,12 @@ AnalyzerStatus UnitRun::CollectText() {
     }
 }
 
-ProcessOutcome UnitRun::RunCore(const Arguments& flags, CapturedOutput& output) {
+ProcessOutcome UnitRun::RunCore(const Arguments& flags) {
+    evidence_.coreFlags = flags;
     Arguments command = {context_.places.corePath, "--cfg", SettingsPath()};
     command.insert(command.end(), flags.begin(), flags.end());
     try {
-        return RunSupervised(command, {plan_.Directory(), *plan_.coreEnvironment}, context_.limits, context_.stop,
-                             output);
+        return RunChild(command, *plan_.coreEnvironment, {evidence_.core, cost_.core});
     } catch (const LimitException& error) {
         throw UnitFailure(AnalyzerStatus::CoreFailed, error.what());
     } catch (const ProcessStartException& error) {
@@ -339,5 +399,4 @@ const std::string& UnitRun::SettingsPath() {
     return settings_->Path();
 }
 
-// Where the user keeps the files of units, a killed run may have left some: they are not this run's.
 } // namespace Orvanta

@@ -5,6 +5,7 @@
 #include "analysis/RunPass.h"
 #include "analysis/RunPlaces.h"
 #include "analysis/ScopedFile.h"
+#include "analysis/UnitEvidence.h"
 #include "analysis/UnitPlan.h"
 #include "analysis/UnitResult.h"
 #include "platform/Exceptions.h"
@@ -19,6 +20,7 @@
 
 namespace Orvanta {
 
+class ReplayBundles;
 class UnitWatch;
 
 /// The core can't be started at all: no unit will succeed. Ends the run.
@@ -33,7 +35,8 @@ struct UnitRunContext {
     const RunPlaces& places;
     Log& log;
     const StopFlag& stop;
-    ChildLimits limits; ///< of each child; the time is that of all together
+    ChildLimits limits;               ///< of each child; the time is that of all together
+    ReplayBundles* bundles = nullptr; ///< null: none are wanted
 };
 
 /// The run of one unit: executes its plan, step by step. A step that fails throws; a step's value says whether it came
@@ -51,6 +54,15 @@ public:
 
 private:
     using Dependencies = std::vector<std::string>;
+
+    // Where what is known of a child goes.
+    struct ChildFacts {
+        ChildEnd& end;
+        ProcessCost& cost;
+    };
+
+    // Does the work and makes a result of every way in which it ends.
+    [[nodiscard]] UnitResult ResultOf(const UnitWork& work);
 
     // The works.
     [[nodiscard]] AnalyzerStatus Do(const Work::Analyze& work);
@@ -71,32 +83,40 @@ private:
     // From here on the preprocessed text goes with this run, unless the user keeps the files of units.
     void RemoveTextAtEnd();
     // Runs the compiler once, and once more when it stumbles over a precompiled header. A success has left the text.
-    [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words) const;
+    [[nodiscard]] ProcessOutcome RunPreprocessing(const ParsedCommand& parsed, const Arguments& words);
     // Leaves a text of this run, or throws UnitFailure with what the compiler said.
-    [[nodiscard]] ProcessOutcome Preprocess() const;
+    [[nodiscard]] ProcessOutcome Preprocess();
     // Whether the text that the collecting stage has left still is what the unit's files say. Removes the list.
     [[nodiscard]] bool IsCollectedTextCurrent(FileChanges& changes) const;
+    // Whether an earlier run has finished the unit with this text, and nothing that the text names has changed since.
+    [[nodiscard]] bool IsFinished(const RunJournal& journal, std::string_view text);
     // The files that the text was made of, as the core reads them from it. Absent after a stop.
     [[nodiscard]] std::optional<Dependencies> ListDependencies();
     // Makes the text and the list, once more when files have changed under the first. Absent after a stop.
     [[nodiscard]] std::optional<Dependencies> PreprocessAndList(UnitWatch& seen);
+    // Runs a child in the unit's folder and remembers how it ended.
+    [[nodiscard]] ProcessOutcome RunChild(const Arguments& command, const EnvironmentBlock& environment,
+                                          const ChildFacts& facts);
     // Has the core analyze the text; its findings are the result's, also when it fails half-way.
     [[nodiscard]] AnalyzerStatus AnalyzeText();
     // The same with a plan of the collecting stage; a failure leaves nothing that could be linked.
     [[nodiscard]] AnalyzerStatus CollectText();
     // Runs the core with the unit's settings, and these flags behind them. Throws CoreUnusableException when no unit
     // could run it, else UnitFailure.
-    [[nodiscard]] ProcessOutcome RunCore(const Arguments& flags, CapturedOutput& output);
+    [[nodiscard]] ProcessOutcome RunCore(const Arguments& flags);
     // Writes the settings file when it is first needed: a unit that can't be preprocessed needs none.
     [[nodiscard]] const std::string& SettingsPath();
 
     const UnitPlan& plan_;
     const UnitRunContext& context_;
     PassProgress& progress_;
-    std::optional<ScopedFile> text_;       // the preprocessed text, when it goes with this run
+    std::optional<ScopedFile> text_; // the preprocessed text, when it goes with this run
+    UnitEvidence evidence_;
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything
-    bool importsModules_ = false;          // as the text that was analyzed says
+    std::optional<Fingerprint> textFingerprint_;
+    UnitCost cost_;               // so far
+    bool importsModules_ = false; // as the text that was analyzed says
 };
 
 } // namespace Orvanta

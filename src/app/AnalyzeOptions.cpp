@@ -57,6 +57,8 @@ using A = AnalyzeOptions;
 const OptionRow VisibleOptions[] = {
     {'j', "threads", "N", "Allow N Orvanta analyzers at once", nullptr, nullptr, &A::threads},
     {'i', "incremental", "", "Use incremental analysis", nullptr, nullptr, &A::incremental},
+    {0, "resume", "", "Go on with a run that was interrupted: what it has finished is not analyzed again", nullptr,
+     nullptr, &A::resume},
     {'o', "output-file", "FILE", "Place the analyzer's report into FILE", nullptr, nullptr, &A::outputFile},
     {'c', "cfg", "FILE", "Run Orvanta using config FILE", nullptr, nullptr, &A::settingsFile},
     {'s', "suppress-file", "FILE", "Path to suppress file", nullptr, nullptr, &A::suppressFile},
@@ -67,6 +69,8 @@ const OptionRow VisibleOptions[] = {
      "End with exit code 2 when a finding that is shown is one of these analyzers and levels, such as 'GA:1;64'; 'all' "
      "is any finding",
      nullptr, nullptr, &A::failOn},
+    {0, "stats", "FILE", "Write what became of every file, and what it took, into FILE, one JSON object a line",
+     nullptr, nullptr, &A::stats},
     {'f', "file", "FILE", "Use trace output or compile commands database FILE", "compile_commands.json",
      "'compile_commands.json', 'strace_out'", &A::inputFile},
     {'S', "source-files", "FILE",
@@ -91,6 +95,14 @@ const OptionRow VisibleOptions[] = {
      "Give up a file whose compiler or analyzer writes more than SIZE bytes to standard output or standard error; "
      "K, M and G behind the number count",
      nullptr, nullptr, &A::maxOutput},
+    {0, "bundle", "DIR",
+     "Write what lets a file that fails be analyzed again elsewhere, without project and compiler, into a folder in "
+     "DIR",
+     nullptr, nullptr, &A::bundle},
+    {0, "bundle-slow", "SECONDS", "With --bundle: also for a file that takes longer", nullptr, nullptr, &A::bundleSlow},
+    {0, "bundle-unit", "FILE", "With --bundle: also for this source file, whatever becomes of it", nullptr, nullptr,
+     &A::bundleSources},
+    {0, "scrub", "", "With --bundle: replace paths and comments", nullptr, nullptr, &A::scrub},
     {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
      &A::rulesConfig},
     {0, "ignore-ccache", "",
@@ -217,6 +229,19 @@ std::optional<std::uint64_t> ByteCount(std::string_view text) {
     return number && *number > 0 ? std::optional(std::uint64_t{*number} << bits) : std::nullopt;
 }
 
+// As the number of seconds that it is; absent when it was not given.
+std::optional<std::chrono::seconds> SecondsOf(const std::optional<std::string>& value, const char* option) {
+    if (!value) {
+        return std::nullopt;
+    }
+    const auto seconds = WholeNumber<std::uint32_t>(*value);
+    if (!seconds || *seconds == 0) {
+        throw ZelmException(std::string("Wrong value of ") + option + ": \"" + *value +
+                            "\", expected a number of 1 or more seconds");
+    }
+    return std::chrono::seconds(*seconds);
+}
+
 // Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
@@ -303,14 +328,7 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
 
 UnitLimits LimitsOf(const AnalyzeOptions& options) {
     UnitLimits limits;
-    if (options.timeout) {
-        const auto seconds = WholeNumber<std::uint32_t>(*options.timeout);
-        if (!seconds || *seconds == 0) {
-            throw ZelmException("Wrong value of --timeout: \"" + *options.timeout +
-                                "\", expected a number of 1 or more seconds");
-        }
-        limits.time = std::chrono::seconds(*seconds);
-    }
+    limits.time = SecondsOf(options.timeout, "--timeout");
     if (options.maxOutput) {
         limits.outputBytes = ByteCount(*options.maxOutput);
         if (!limits.outputBytes) {
@@ -319,6 +337,21 @@ UnitLimits LimitsOf(const AnalyzeOptions& options) {
         }
     }
     return limits;
+}
+
+std::optional<BundleWishes> BundlesOf(const AnalyzeOptions& options) {
+    const std::optional<std::chrono::seconds> slow = SecondsOf(options.bundleSlow, "--bundle-slow");
+    if (!options.bundle) {
+        if (slow || !options.bundleSources.empty() || options.scrub) {
+            throw ZelmException("--bundle-slow, --bundle-unit and --scrub need --bundle");
+        }
+        return std::nullopt;
+    }
+    BundleWishes wishes = {AbsolutePath(*options.bundle), slow, {}, options.scrub};
+    for (const std::string& source : options.bundleSources) {
+        wishes.sources.push_back(AbsolutePath(source));
+    }
+    return wishes;
 }
 
 std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options) {
@@ -335,6 +368,9 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.rulesConfig, "--rules-config");
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
+    RefuseEmpty(options.stats, "--stats");
+    RefuseEmpty(options.bundle, "--bundle");
+    RefuseEmpty(options.bundleSources, "--bundle-unit");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }
@@ -352,12 +388,28 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.incremental, options.intermodular, "--incremental and --intermodular");
     RefuseTogether(options.incremental, options.dependencyFile.has_value(), "--incremental and --dep-file");
     RefuseTogether(options.dependencyFile.has_value(), options.intermodular, "--dep-file and --intermodular");
+    // Their runs keep what they have finished anyway, or are made of stages.
+    RefuseTogether(options.resume, options.incremental, "--resume and --incremental");
+    RefuseTogether(options.resume, options.sourceList.has_value(), "--resume and --source-files");
+    RefuseTogether(options.resume, options.dependencyFile.has_value(), "--resume and --dep-file");
+    RefuseTogether(options.resume, options.intermodular, "--resume and --intermodular");
+    RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
+    // What links the units is the core's own: nobody can replace names in it.
+    RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
+    if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
+        throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
+    }
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(LimitsOf(options));
+    static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
-    for (const std::optional<std::string>& output : {options.outputFile, options.dumpJson, options.dumpLog}) {
+    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
+    }
+    for (const std::optional<std::string>& output :
+         {options.outputFile, options.dumpJson, options.dumpLog, options.stats}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));
     }
 }

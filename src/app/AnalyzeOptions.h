@@ -7,6 +7,7 @@
 // and paths where they are needed, after a settings file has had its say. So an absent option can be told from one that
 // has the default's value.
 
+#include "analysis/ReplayBundles.h"
 #include "render/FindingGate.h"
 #include "settings/RunSettings.h"
 
@@ -51,6 +52,7 @@ struct HiddenAnalyzeOptions {
 struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> threads;
     bool incremental = false;
+    bool resume = false;
     std::optional<std::string> outputFile;
     std::optional<std::string> settingsFile;
     std::optional<std::string> suppressFile;
@@ -58,6 +60,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     bool verbose = false;
     std::optional<std::string> show;
     std::optional<std::string> failOn;
+    std::optional<std::string> stats;
     std::optional<std::string> inputFile;
     std::optional<std::string> sourceList;
     bool allowEmpty = false;
@@ -70,8 +73,12 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;
     std::optional<std::string> corePath;
-    std::optional<std::string> timeout;   ///< seconds
-    std::optional<std::string> maxOutput; ///< bytes, or with a suffix
+    std::optional<std::string> timeout;    ///< seconds
+    std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
+    std::optional<std::string> bundle;     ///< a folder
+    std::optional<std::string> bundleSlow; ///< seconds
+    std::vector<std::string> bundleSources;
+    bool scrub = false;
     std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
@@ -96,6 +103,10 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// What `--timeout` and `--max-output` set.
 /// \throws ZelmException
 [[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
+
+/// What `--bundle` and the options beside it ask for; absent without it.
+/// \throws ZelmException
+[[nodiscard]] std::optional<BundleWishes> BundlesOf(const AnalyzeOptions& options);
 
 /// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException

@@ -1,10 +1,13 @@
 #include "app/AnalyzePasses.h"
 
 #include "analysis/AnalyzerRunner.h"
+#include "analysis/JournalWriter.h"
 #include "analysis/ReportCommitter.h"
 #include "analysis/SourceSelection.h"
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
+#include "app/OpenJournal.h"
+#include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/ShownFindings.h"
 #include "app/Version.h"
@@ -42,8 +45,9 @@ bool UsesHistory(const AnalyzeInput& input) {
 }
 
 AnalyzePasses::AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner,
-                             const UserSide& user)
-    : input_(input), places_(places), runner_(runner), user_(user), units_(PointersTo(input.commands.units)) {
+                             RunMonitor& monitor, const UserSide& user)
+    : input_(input), places_(places), runner_(runner), monitor_(monitor), user_(user),
+      units_(PointersTo(input.commands.units)) {
     ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::Stopped);
 }
 
@@ -58,7 +62,9 @@ void AnalyzePasses::Run() {
                 history_->RequireListedFile(*input_.listedFiles);
             }
         }
+        journal_ = OpenJournal(input_, places_, user_.log);
         GoThrough(ListPasses());
+        EndJournal();
     } catch (...) {
         Keep();
         throw;
@@ -81,6 +87,14 @@ void AnalyzePasses::GoThrough(const std::vector<Pass>& passes) {
         const unsigned share = (AllPercents - percent) / static_cast<unsigned>(passes.size() - index);
         (this->*passes[index].run)(passes[index], *actions, {percent, percent + share});
         percent += share;
+    }
+}
+
+void AnalyzePasses::EndJournal() {
+    if (journal_ && user_.stop.IsSet() && journal_->HoldsAny()) {
+        ending_.lastLine = "What is finished is kept: the same command with --resume goes on from here.";
+    } else if (journal_) {
+        journal_->Remove();
     }
 }
 
@@ -121,7 +135,7 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
         const auto all = [this] {
             return SelectAll(input_.commands.units, input_.settings);
         };
-        return {{Work::Analyze{}, all, &AnalyzePasses::Report}};
+        return {{Work::Analyze{journal_.get()}, all, &AnalyzePasses::Report}};
     }
     std::vector<Pass> passes;
     if (regeneration || input_.listedFiles) {
@@ -204,7 +218,7 @@ void AnalyzePasses::ShowKeptReport() {
 // A pass whose results are for those that follow, or for later runs.
 void AnalyzePasses::Learn(const Pass& pass, const Actions& actions, PercentRange percents) {
     OutcomeReceiver receiver(units_.size());
-    Go({pass.work, actions, percents, receiver}, learned_.emplace_back(pass.failure, RunOutcome()).second);
+    Go(pass, actions, percents, receiver, learned_.emplace_back(pass.failure, RunOutcome()).second);
 }
 
 // The same, when none follows.
@@ -226,9 +240,15 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
     chain.Front().Begin();
     report->Commit();
     // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
-    ReportCommitter committer(units_.size(), *report, chain.Front(),
-                              [this](std::size_t unit) { return history_->Units().KeptFindings(unit); });
-    Go({pass.work, actions, percents, committer}, ending_.outcome);
+    ReportCommitter committer(units_.size(), *report, chain.Front(), [this](std::size_t unit) {
+        return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
+    });
+    if (journal_) {
+        JournalWriter writer(*journal_, committer);
+        Go(pass, actions, percents, writer, ending_.outcome);
+    } else {
+        Go(pass, actions, percents, committer, ending_.outcome);
+    }
     // Only of a pass that came to its end: after an error the last commit stands.
     chain.Front().End();
     if (input_.base) {
@@ -244,14 +264,20 @@ void AnalyzePasses::ReportByHistory(const Pass& pass, const Actions& actions, Pe
 }
 
 // What became of the units is known also when the pass ends in an error.
-void AnalyzePasses::Go(const RunPass& pass, RunOutcome& outcome) {
+void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange percents, ResultReceiver& receiver,
+                       RunOutcome& outcome) {
+    std::vector<PlacedCommand> commands;
+    commands.reserve(units_.size());
+    for (const std::size_t unit : monitor_.BeginPass(pass.work, actions)) {
+        commands.push_back({units_[unit], unit});
+    }
     try {
-        runner_.RunParallel(units_, input_.threads, pass);
+        runner_.RunParallel(commands, input_.threads, {pass.work, actions, percents, receiver, monitor_});
     } catch (...) {
-        outcome = pass.receiver.Outcome();
+        outcome = receiver.Outcome();
         throw;
     }
-    outcome = pass.receiver.Outcome();
+    outcome = receiver.Outcome();
 }
 
 } // namespace Orvanta

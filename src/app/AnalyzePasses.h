@@ -5,10 +5,12 @@
 #include "app/AnalyzeInput.h"
 #include "app/RunEnding.h"
 #include "app/RunHistory.h"
+#include "history/RunJournal.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -17,6 +19,7 @@
 namespace Orvanta {
 
 class AnalyzerRunner;
+class RunMonitor;
 class ShownFindings;
 struct RunPlaces;
 
@@ -36,7 +39,8 @@ struct UserSide {
 class AnalyzePasses {
 public:
     /// All outlive the object.
-    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, const UserSide& user);
+    AnalyzePasses(const AnalyzeInput& input, const RunPlaces& places, AnalyzerRunner& runner, RunMonitor& monitor,
+                  const UserSide& user);
 
     /// Goes through the passes until the last has ended or the user stops the run, and keeps what came of it.
     /// \throws ZelmException for what ends a run early; then, too, the ending holds what became of the units before
@@ -60,6 +64,8 @@ private:
     void GoThrough(const std::vector<Pass>& passes);
     // Puts together how each unit ended, and saves what later runs need. Returns whether all could be written.
     bool Keep();
+    // What of the run a later one can go on with: nothing when it has come to its end.
+    void EndJournal();
     // The list that the options ask for; starts nothing.
     [[nodiscard]] std::vector<Pass> ListPasses();
     // Collecting and performing; the linking stands before the second selects its units.
@@ -77,17 +83,20 @@ private:
     // The same, of units that carry their findings over to later runs.
     void ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents);
     // Runs the pass; `outcome` is set also when it ends in an error.
-    void Go(const RunPass& pass, RunOutcome& outcome);
+    void Go(const Pass& pass, const Actions& actions, PercentRange percents, ResultReceiver& receiver,
+            RunOutcome& outcome);
     // Reads the report that stays as it was, for the end of the run and its gate.
     void ShowKeptReport();
 
     const AnalyzeInput& input_;
     const RunPlaces& places_;
     AnalyzerRunner& runner_;
+    RunMonitor& monitor_;
     UserSide user_;
     std::vector<const CompileCommand*> units_;
     std::optional<RunHistory> history_;
-    std::optional<FileChanges> changes_; // of an intermodular analysis
+    std::unique_ptr<RunJournal> journal_; // of an ordinary run; null: it can't be resumed
+    std::optional<FileChanges> changes_;  // of an intermodular analysis
     std::vector<std::pair<const char*, RunOutcome>> learned_;
     bool writesWholeReport_ = false; // one that later runs may leave as it is
     RunEnding ending_;

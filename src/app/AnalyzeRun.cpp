@@ -3,11 +3,16 @@
 #include "analysis/AnalyzerRunner.h"
 #include "analysis/CoreLocator.h"
 #include "analysis/CoreVersion.h"
+#include "analysis/ReplayBundles.h"
 #include "analysis/RunSummary.h"
+#include "analysis/RunTimes.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
+#include "app/RunMonitor.h"
 #include "app/RunSetup.h"
+#include "app/RunStatistics.h"
+#include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
 #include "platform/Exceptions.h"
@@ -17,6 +22,7 @@
 #include "platform/TemporaryFolder.h"
 
 #include <exception>
+#include <optional>
 #include <utility>
 
 namespace Orvanta {
@@ -85,8 +91,8 @@ void AnalyzeRun::ReadInputs() {
 }
 
 void AnalyzeRun::RequireOutputs() const {
-    for (const std::string& output :
-         {input_.reportPath, input_.options.dumpJson.value_or(""), input_.options.dumpLog.value_or("")}) {
+    for (const std::string& output : {input_.reportPath, input_.options.dumpJson.value_or(""),
+                                      input_.options.dumpLog.value_or(""), input_.options.stats.value_or("")}) {
         RequireNoSource(output, input_.commands.units);
     }
 }
@@ -99,6 +105,10 @@ void AnalyzeRun::OpenLog() {
 
 int AnalyzeRun::Analyze() {
     const RunLocks locks = TakeLocks();
+    std::optional<RunStatistics> statistics;
+    if (input_.options.stats) { // before the work that it is to tell of
+        statistics.emplace(AbsolutePath(*input_.options.stats));
+    }
     // Inside the locks: what goes at the end goes before another run may begin.
     const TemporaryFolder temporaryFolder;
     const CoreLocation core = FindCore();
@@ -107,7 +117,13 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    AnalyzePasses passes(input_, places, runner, {shown_, log_, stop_});
+    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
+    std::optional<ReplayBundles> bundles;
+    if (std::optional<BundleWishes> wishes = BundlesOf(input_.options)) {
+        bundles.emplace(std::move(*wishes), BundleMakers{Version, places.coreVersion}, log_);
+        runner.OfferTo(&*bundles);
+    }
+    AnalyzePasses passes(input_, places, runner, monitor, {shown_, log_, stop_});
     std::exception_ptr failure;
     try {
         passes.Run();
@@ -115,7 +131,19 @@ int AnalyzeRun::Analyze() {
         // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
-    End(passes.Ending());
+    monitor.KeepCosts(log_);
+    if (bundles && bundles->Count() > 0) {
+        log_.Line("Replay bundles: " + std::to_string(bundles->Count()) + " in " +
+                  AbsolutePath(*input_.options.bundle));
+    }
+    End(passes.Ending(), monitor.Costs());
+    try {
+        if (statistics) {
+            statistics->Write(input_.commands, passes.Ending().outcome, monitor.Costs());
+        }
+    } catch (...) {
+        failure = failure ? failure : std::current_exception(); // what ended the passes is told first
+    }
     if (failure) {
         std::rethrow_exception(failure);
     }
@@ -185,7 +213,7 @@ CoreLocation AnalyzeRun::FindCore() {
     return core;
 }
 
-void AnalyzeRun::End(const RunEnding& ending) {
+void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs) {
     const CollectedCommands& commands = input_.commands;
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
@@ -207,11 +235,24 @@ void AnalyzeRun::End(const RunEnding& ending) {
     } else {
         progress_.Finish(ending.summary);
     }
+    TellTimes(costs);
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
     }
     if (!ending.reportPath.empty()) {
         ShowFindings();
+    }
+}
+
+void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
+    const std::string text = TimesText(input_.commands.units, costs);
+    if (text.empty()) {
+        return;
+    }
+    if (MessageColumns() && !input_.options.quiet) {
+        log_.Text(text);
+    } else {
+        log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end
     }
 }
 

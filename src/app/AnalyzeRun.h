@@ -7,11 +7,13 @@
 #include "app/RunLocks.h"
 #include "app/ShownFindings.h"
 #include "compilers/CompilerRegistry.h"
+#include "history/UnitCost.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 // The program: what the user asks for, and what the user is told.
 //
@@ -63,7 +65,9 @@ private:
     // The exit code: of what became of the units first, then of the gate.
     [[nodiscard]] int ResultOf(const RunEnding& ending) const;
     // Tells what came of the run, once, whatever it was.
-    void End(const RunEnding& ending);
+    void End(const RunEnding& ending, const std::vector<UnitCost>& costs = {});
+    // Says which files took longest: where somebody looks on, and in what is kept for a closer look.
+    void TellTimes(const std::vector<UnitCost>& costs);
     // Tells what failed and why: many with one reason once.
     void TellFailures(const RunOutcome& outcome);
     // Shows the worst findings, and how many of them stop the build.

@@ -27,6 +27,9 @@ public:
     /// \throws ZelmException "Another run is using " and the folder
     void TakeShared(const std::string& orvantaFolder, const StopFlag& stop, Log& log);
 
+    /// The folder ".Orvanta" of the locks, in which this run may keep things for later ones; empty when there is none.
+    [[nodiscard]] std::string Folder() const { return folders_.empty() ? std::string() : folders_.back(); }
+
 private:
     std::vector<std::string> folders_; // that hold the lock files
     LockFile report_;

@@ -129,36 +129,12 @@ void AddCompiler(FingerprintBuilder& builder, const CompilerInfo& compiler) {
     builder.Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Add(compiler.path);
     // Where the path leads, so that a link which is turned to another version counts as a change.
     builder.Add(ResolveLinks(compiler.path));
-    for (const DecisiveVariable& variable : DecisiveVariables) {
-        if (variable.counts(compiler.type)) {
-            AddVariable(builder, variable.name);
-        }
+    for (const std::string_view name : VariablesReadBy(compiler.type)) {
+        AddVariable(builder, name);
     }
     if (IsScript(compiler.path)) {
         AddVariable(builder, "PATH");
     }
-}
-
-Fingerprint CommonInputs(const RunSettings& settings, const ResultMakers& makers) {
-    FingerprintBuilder builder;
-    builder.Add(ResultVersion).Add(makers.ownVersion);
-    for (const auto& [key, value] : settings.userSettings) {
-        // Where the report goes decides no result.
-        if (key != "output-file") {
-            builder.Add(key).Add(value);
-        }
-        // What the file holds, which may change without its name.
-        if (key == "rules-config" && IsRegularFile(value)) {
-            builder.Add(ReadWholeFile(value));
-        }
-    }
-    for (const std::string& directory : settings.extraIncludes) {
-        builder.Add(directory);
-    }
-    AddEnvironment(builder, settings.environmentChanges);
-    builder.Add(settings.analyzeSystemPaths ? 1 : 0);
-    builder.Add(makers.corePath).Add(ResolveLinks(makers.corePath)).Add(makers.coreVersion);
-    return builder.Value();
 }
 
 /// What many units share, made once for each.
@@ -187,9 +163,41 @@ struct CompilerPart {
 
 } // namespace
 
+Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers) {
+    FingerprintBuilder builder;
+    builder.Add(ResultVersion).Add(makers.ownVersion);
+    for (const auto& [key, value] : settings.userSettings) {
+        // Where the report goes decides no result.
+        if (key != "output-file") {
+            builder.Add(key).Add(value);
+        }
+        // What the file holds, which may change without its name.
+        if (key == "rules-config" && IsRegularFile(value)) {
+            builder.Add(ReadWholeFile(value));
+        }
+    }
+    for (const std::string& directory : settings.extraIncludes) {
+        builder.Add(directory);
+    }
+    AddEnvironment(builder, settings.environmentChanges);
+    builder.Add(settings.analyzeSystemPaths ? 1 : 0);
+    builder.Add(makers.corePath).Add(ResolveLinks(makers.corePath)).Add(makers.coreVersion);
+    return builder.Value();
+}
+
+std::vector<std::string_view> VariablesReadBy(CompilerType type) {
+    std::vector<std::string_view> names;
+    for (const DecisiveVariable& variable : DecisiveVariables) {
+        if (variable.counts(type)) {
+            names.push_back(variable.name);
+        }
+    }
+    return names;
+}
+
 std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units, const RunSettings& settings,
                                         const ResultMakers& makers) {
-    const Fingerprint common = CommonInputs(settings, makers);
+    const Fingerprint common = FingerprintOfRun(settings, makers);
     SharedParts<CompilerInfo, CompilerPart> compilers;
     SharedParts<Environment, Fingerprint> environments;
     const auto partOf = [&](const CompilerInfo& compiler) {

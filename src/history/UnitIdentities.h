@@ -1,11 +1,13 @@
 #pragma once
 
 #include "buildinput/CompileCommand.h"
+#include "compilers/CompilerType.h"
 #include "history/UnitIdentity.h"
 #include "settings/RunSettings.h"
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Orvanta {
@@ -26,5 +28,12 @@ struct ResultMakers {
 /// elsewhere is another one, though it be a copy: it may look for its parts beside itself.
 [[nodiscard]] std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units,
                                                       const RunSettings& settings, const ResultMakers& makers);
+
+/// Of what decides the results of all units alike: the settings with the file of rules, the core and the program.
+[[nodiscard]] Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers);
+
+/// The names of the variables in which compilers of a family look for more: those of the driver's own environment that
+/// count for its units. Constants, in the order of their bytes.
+[[nodiscard]] std::vector<std::string_view> VariablesReadBy(CompilerType type);
 
 } // namespace Orvanta

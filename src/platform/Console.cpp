@@ -40,6 +40,11 @@ MessagePlace PlaceOfMessages() noexcept {
     return messagePlace.load();
 }
 
+std::optional<unsigned> MessageColumns() noexcept {
+    return TerminalColumns(PlaceOfMessages() == MessagePlace::StandardError ? StandardStream::Error
+                                                                            : StandardStream::Output);
+}
+
 void WriteMessage(std::string_view bytes) noexcept {
     switch (PlaceOfMessages()) {
     case MessagePlace::StandardOutput:

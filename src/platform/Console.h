@@ -3,6 +3,7 @@
 #include "platform/StopFlag.h"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -51,6 +52,10 @@ void WriteToStandardError(std::string_view bytes) noexcept;
 /// end of the input, and when the process is asked to stop meanwhile.
 /// \throws FileException
 [[nodiscard]] std::size_t ReadFromStandardInput(std::span<char> target);
+
+/// How many columns the terminal has to which messages go; absent when they go to none on which a line can be written
+/// over. Asks the system: a terminal may have another width at any time.
+[[nodiscard]] std::optional<unsigned> MessageColumns() noexcept;
 
 /// Whether what is written to standard output may be coloured: it goes to a terminal that knows colours. NO_COLOR
 /// forbids them, CLICOLOR_FORCE asks for them wherever the output goes.

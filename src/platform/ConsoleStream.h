@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,9 @@ inline constexpr std::string_view StopMessage = "Stopping analysis. This might t
 
 /// Writes all of `bytes`, in one piece: two threads don't mix. Empty when that went well, else the system's reason.
 std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept;
+
+/// How many columns the terminal has to which the stream goes; absent when it goes to none that knows the sequences by
+/// which a line is cleared.
+std::optional<unsigned> TerminalColumns(StandardStream stream) noexcept;
 
 } // namespace Orvanta

@@ -83,6 +83,13 @@ bool Process::HasEnded() const noexcept {
     return exitStatus_.has_value();
 }
 
+ProcessCost Process::Cost() const noexcept {
+    if (HasEnded()) {
+        return cost_;
+    }
+    return {.wall = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start_)};
+}
+
 OutputReceiver MakeRedirectToStringProcessor(std::string& target) {
     return [&target](std::string_view bytes) {
         target += bytes;

@@ -12,6 +12,7 @@
 
 #include "platform/Environment.h"
 #include "platform/Exceptions.h"
+#include "platform/ProcessCost.h"
 #include "platform/StopFlag.h"
 
 #include <chrono>
@@ -159,7 +160,13 @@ public:
     /// Whether an earlier call has seen the end of the child: a question to this object, not to the system.
     [[nodiscard]] bool HasEnded() const noexcept;
 
+    /// What the child took, once its end has been seen; until then only the time that has passed. It was measured when
+    /// its status was taken, so the question costs nothing.
+    [[nodiscard]] ProcessCost Cost() const noexcept;
+
 private:
+    using Clock = std::chrono::steady_clock;
+
     /// What no system can start.
     /// \throws ProcessStartException
     static void RequireStartable(const Arguments& command);
@@ -171,6 +178,8 @@ private:
     struct Handles; // the system's handles of the child and of its pipes
     std::unique_ptr<Handles> handles_;
     std::optional<int> exitStatus_;
+    const Clock::time_point start_ = Clock::now();
+    ProcessCost cost_; // once it has ended
 };
 
 /// How a wait ended. When `finished` is false, `exitCode` is 0 after a stop request and 1 after a time-out.

@@ -2,6 +2,7 @@
 // come too late or name the wrong thing.
 
 #include "e2e/support/SandboxTest.h"
+#include "platform/NativePath.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -302,7 +303,7 @@ TEST_F(OptionsTest, TheSettingsFileOfAProjectIsFoundAndNotTrusted) {
     EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
 }
 
-TEST_F(OptionsTest, ARunLeavesItsReportAlone) {
+TEST_F(OptionsTest, ARunLeavesItsReportAndOneHiddenFolder) {
     sandbox.AddUnit("a.c");
     // While it runs, its lock lies where version control does not look.
     sandbox.WriteScript("a.c", {"touch " + sandbox.Path("started"), "wait-for " + sandbox.Path("go-on")});
@@ -311,7 +312,10 @@ TEST_F(OptionsTest, ARunLeavesItsReportAlone) {
     EXPECT_EQ(sandbox.Read(".Orvanta/.gitignore"), "*\n");
     sandbox.Write("go-on", "");
     EXPECT_EQ(run->Wait().exitCode, 0);
-    EXPECT_FALSE(sandbox.Exists(".Orvanta"));
+    EXPECT_TRUE(sandbox.Exists(".Orvanta/unit_costs.bin"));
+    std::filesystem::remove_all(NativePath(sandbox.Path(".Orvanta")));
+    EXPECT_EQ(sandbox.Analyze().exitCode, 0);
+    EXPECT_FALSE(sandbox.Exists(".Orvanta")) << "findings on standard output have no folder";
     const RunResult missing = sandbox.Analyze({"-o", "none/report.json"});
     EXPECT_NE(missing.exitCode, 0) << missing;
     EXPECT_FALSE(sandbox.Exists("none")) << "a lock has made the folder of a report";

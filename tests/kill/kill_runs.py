@@ -3,8 +3,9 @@
 
 Each round edits a small project, starts a run of a random kind, ends it at a random moment by a random signal, looks at
 what it left (no process, no temporary file), and lets another run of that kind go to its end: its report must be the
-one of a run in a folder where nothing happened before. In one round of four the cores hang. Prints the seed of the run;
-the same seed gives the same edits, kinds and signals.
+one of a run in a folder where nothing happened before. Where that is possible, the other run mostly resumes the first,
+now and then behind one more edit. In one round of four the cores hang. Prints the seed of the run; the same seed gives
+the same edits, kinds and signals.
 """
 import argparse
 import json
@@ -107,18 +108,20 @@ class Runs:
         self.temporary = folder / "temporary"
         self.temporary.mkdir()
 
-    def start(self, kind, output, threads):
+    def start(self, kind, output, threads, more=()):
         output.mkdir(exist_ok=True)
         command = [self.program, "analyze", "-q", "-j", str(threads), "--orvanta-path", HERE / "line_core",
-                   "-o", output / kind.report, *kind.options]
+                   "-o", output / kind.report, *kind.options, *more]
         return subprocess.Popen(command, cwd=self.folder / "project", env={**os.environ, "TMPDIR": str(self.temporary)},
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
-    def finish(self, kind, output, threads):
-        run = self.start(kind, output, threads)
+    def finish(self, kind, output, threads, more=()):
+        run = self.start(kind, output, threads, more)
         said = run.communicate(timeout=60)[0]
         if run.returncode != 0:
             raise Fault(f"a run to the end ended with {run.returncode}:\n{said}")
+        if left := list(output.glob(".Orvanta/*.journal")):
+            raise Fault(f"a journal is left: {left}")
         return self.report(kind, output)
 
     @staticmethod
@@ -165,7 +168,10 @@ def catches(run, sent):
 def one_round(runs, project, rng, length):
     kind, sent, threads, edit = rng.choice(KINDS), rng.choice(SIGNALS), rng.choice([1, 2, 4]), project.edit()
     moment, hangs = rng.uniform(0, 1.1) * length, rng.random() < 0.25
-    told = f"{kind.name}, -j {threads}, after \"{edit}\"{', hanging' * hangs}: {sent.name} after {moment * 1000:.0f} ms"
+    resumes = not kind.options and rng.random() < 0.75
+    between = project.edit if resumes and rng.random() < 0.4 else lambda: "nothing"
+    told = f"{kind.name}{', resumed' * resumes}, -j {threads}, after \"{edit}\"{', hanging' * hangs}"
+    told += f": {sent.name} after {moment * 1000:.0f} ms"
     mark = project.folder / "hang"
     try:
         output = runs.folder / kind.name
@@ -183,7 +189,8 @@ def one_round(runs, project, rng, length):
         runs.expect_soon("a child goes on", runs.processes)
         runs.expect_soon("a temporary file is left", runs.temporary_files)
         runs.report(kind, output)
-        after = runs.finish(kind, output, threads)
+        told += f", then \"{between()}\""
+        after = runs.finish(kind, output, threads, ["--resume"] * resumes)
         clean = runs.folder / "clean"
         expected = runs.finish(kind, clean, threads)
         shutil.rmtree(clean)

@@ -23,6 +23,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace Orvanta {
@@ -141,12 +142,22 @@ std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcep
                                                                                              : SystemReason(errno);
 }
 
+std::optional<unsigned> TerminalColumns(StandardStream stream) noexcept {
+    constexpr unsigned Usual = 80; // of a terminal that doesn't know its width
+    const int descriptor = stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO;
+    const char* const terminal = std::getenv("TERM");
+    if (::isatty(descriptor) != 1 || terminal == nullptr || std::string_view(terminal) == "dumb") {
+        return std::nullopt;
+    }
+    winsize size{};
+    return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : Usual;
+}
+
 bool ShowsColours() {
     if (const std::optional<bool> asked = ColoursAskedFor()) {
         return *asked;
     }
-    const char* const terminal = std::getenv("TERM");
-    return ::isatty(STDOUT_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
+    return TerminalColumns(StandardStream::Output).has_value();
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {

@@ -16,6 +16,7 @@
 #include <poll.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -183,6 +184,10 @@ int EmptyInput() {
     return input.Number();
 }
 
+std::chrono::microseconds DurationOf(const timeval& time) {
+    return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
+}
+
 struct Pipe {
     Descriptor read;
     Descriptor write;
@@ -256,6 +261,7 @@ struct Process::Handles {
     Output standardOutput;
     Output standardError;
     std::optional<int> exitStatus;
+    ProcessCost cost; // but for the wall time
     bool isToBeKilled = false;
     ProcessGroup group = ProcessGroup::Own;
 
@@ -358,9 +364,13 @@ void Process::Handles::TakeStatus() noexcept {
     }
     int status = 0;
     pid_t taken = -1;
+    rusage usage{};
     do {
-        taken = ::waitpid(pid, &status, 0);
+        taken = ::wait4(pid, &status, 0, &usage);
     } while (taken < 0 && errno == EINTR);
+    cost.processor = DurationOf(usage.ru_utime) + DurationOf(usage.ru_stime);
+    constexpr std::uint64_t UnitOfMemory = 1024;
+    cost.peakMemory = static_cast<std::uint64_t>(usage.ru_maxrss) * UnitOfMemory;
     // What shells give for a child that a signal has ended.
     constexpr int SignalBase = 128;
     exitStatus = WIFSIGNALED(status) ? SignalBase + WTERMSIG(status) : WEXITSTATUS(status);
@@ -384,7 +394,11 @@ Process::~Process() = default;
 std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
     if (!exitStatus_) {
         handles_->Look(longest ? static_cast<int>(longest->count()) : -1);
-        exitStatus_ = handles_->exitStatus;
+        if (handles_->exitStatus) {
+            handles_->cost.wall = Cost().wall;
+            cost_ = handles_->cost;
+            exitStatus_ = handles_->exitStatus;
+        }
     }
     return exitStatus_;
 }

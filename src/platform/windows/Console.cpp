@@ -107,15 +107,26 @@ std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcep
                : SystemReason(::GetLastError());
 }
 
+std::optional<unsigned> TerminalColumns(StandardStream stream) noexcept {
+    void* const output = ::GetStdHandle(stream == StandardStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    if (::GetConsoleMode(output, &mode) == FALSE || ::GetConsoleScreenBufferInfo(output, &screen) == FALSE) {
+        return std::nullopt;
+    }
+    // Tried and not asked for: only the console itself knows whether it takes sequences.
+    if ((mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) == 0 &&
+        ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) == FALSE) {
+        return std::nullopt;
+    }
+    return static_cast<unsigned>(std::max(screen.srWindow.Right - screen.srWindow.Left + 1, 1));
+}
+
 bool ShowsColours() {
     if (const std::optional<bool> asked = ColoursAskedFor()) {
         return *asked;
     }
-    void* const output = ::GetStdHandle(STD_OUTPUT_HANDLE);
-    DWORD mode = 0;
-    return ::GetConsoleMode(output, &mode) != FALSE &&
-           // Tried and not asked for: only the console itself knows whether it takes sequences.
-           ::SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != FALSE;
+    return TerminalColumns(StandardStream::Output).has_value();
 }
 
 std::size_t ReadFromStandardInput(std::span<char> target) {

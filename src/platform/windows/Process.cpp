@@ -37,6 +37,7 @@ struct Process::Handles {
     OutputPipe standardError;
     StartedChild child;
     std::optional<int> exitStatus;
+    ProcessCost cost; // but for the wall time
     bool isToBeKilled = false;
     ProcessGroup group = ProcessGroup::Own;
 };
@@ -91,6 +92,7 @@ void Process::Handles::TakeStatus() {
     DWORD code = 0;
     ::GetExitCodeProcess(child.process.Get(), &code);
     exitStatus = static_cast<int>(code);
+    cost = CostOf(child.process.Get(), child.job);
     // What it leaves behind on purpose, such as a compiler's server, lives on.
     if (!isToBeKilled && child.job.IsOpen()) {
         child.job.LetGo();
@@ -116,7 +118,11 @@ Process::~Process() = default;
 std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
     if (!exitStatus_) {
         handles_->Look(longest ? static_cast<DWORD>(longest->count()) : INFINITE);
-        exitStatus_ = handles_->exitStatus;
+        if (handles_->exitStatus) {
+            handles_->cost.wall = Cost().wall;
+            cost_ = handles_->cost;
+            exitStatus_ = handles_->exitStatus;
+        }
     }
     return exitStatus_;
 }

@@ -1,10 +1,12 @@
 #include "platform/windows/ProcessTree.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include <windows.h>
+#include <psapi.h>
 #include <tlhelp32.h>
 
 namespace Orvanta {
@@ -36,12 +38,21 @@ std::vector<DWORD> ProcessesOf(void* job) {
     return ids;
 }
 
+std::uint64_t TicksOf(const FILETIME& time) {
+    return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32U) | time.dwLowDateTime;
+}
+
 // When a process was started, to be compared with other such times only; 0 when that can't be told.
 std::uint64_t BirthOf(void* process) {
     FILETIME created{};
     FILETIME ignored{};
     ::GetProcessTimes(process, &created, &ignored, &ignored, &ignored);
-    return (static_cast<std::uint64_t>(created.dwHighDateTime) << 32U) | created.dwLowDateTime;
+    return TicksOf(created);
+}
+
+std::chrono::microseconds DurationOf(std::uint64_t ticks) {
+    constexpr std::uint64_t TicksPerMicrosecond = 10;
+    return std::chrono::microseconds(ticks / TicksPerMicrosecond);
 }
 
 // A number alone proves no parent: the list names those too whose parent is gone, by a number that is free again.
@@ -109,6 +120,33 @@ void Job::Terminate() noexcept {
 
 void Job::LetGo() noexcept {
     SetKillOnClose(job_.Get(), false);
+}
+
+ProcessCost Job::Cost() const noexcept {
+    JOBOBJECT_BASIC_ACCOUNTING_INFORMATION times{};
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION memory{};
+    ::QueryInformationJobObject(job_.Get(), JobObjectBasicAccountingInformation, &times, sizeof times, nullptr);
+    ::QueryInformationJobObject(job_.Get(), JobObjectExtendedLimitInformation, &memory, sizeof memory, nullptr);
+    const auto ticks = static_cast<std::uint64_t>(times.TotalUserTime.QuadPart + times.TotalKernelTime.QuadPart);
+    return {.processor = DurationOf(ticks), .peakMemory = memory.PeakJobMemoryUsed};
+}
+
+ProcessCost CostOf(void* process, const Job& job) noexcept {
+    FILETIME ignored{};
+    FILETIME system{};
+    FILETIME own{};
+    PROCESS_MEMORY_COUNTERS memory{};
+    ::GetProcessTimes(process, &ignored, &ignored, &system, &own);
+    ::K32GetProcessMemoryInfo(process, &memory, sizeof memory);
+    ProcessCost cost = {.processor = DurationOf(TicksOf(system) + TicksOf(own)),
+                        .peakMemory = std::max<std::uint64_t>(memory.PeakWorkingSetSize, memory.PeakPagefileUsage)};
+    if (job.IsOpen()) {
+        // A system that keeps no account of jobs answers with zeros.
+        const ProcessCost all = job.Cost();
+        cost.processor = std::max(cost.processor, all.processor);
+        cost.peakMemory = std::max(cost.peakMemory, all.peakMemory);
+    }
+    return cost;
 }
 
 void TerminateTree(void* process) noexcept {

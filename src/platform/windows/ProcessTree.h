@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ProcessCost.h"
 #include "platform/windows/Handle.h"
 
 namespace Orvanta {
@@ -20,9 +21,15 @@ public:
     /// From now on, what is left in the job outlives it.
     void LetGo() noexcept;
 
+    /// What all processes of the job have taken so far, those that have ended included.
+    [[nodiscard]] ProcessCost Cost() const noexcept;
+
 private:
     Handle job_;
 };
+
+/// What a process that has ended took, with the rest of its job where it has one; without the wall time.
+[[nodiscard]] ProcessCost CostOf(void* process, const Job& job) noexcept;
 
 /// Ends a process and all that it started, found from the system's list of processes.
 void TerminateTree(void* process) noexcept;

@@ -2,8 +2,12 @@
 // place, or buries the user in findings of system headers.
 
 #include "e2e/support/SandboxTest.h"
+#include "platform/Environment.h"
+#include "platform/Text.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <set>
 
 namespace Orvanta {
 
@@ -36,6 +40,14 @@ protected:
                                      "    printf(\"%s\", text);\n"
                                      "    return 0;\n"
                                      "}\n");
+    }
+
+    static std::multiset<std::string_view> SortedLines(std::string_view text) {
+        std::multiset<std::string_view> lines;
+        while (!text.empty()) {
+            lines.insert(TakeLine(text));
+        }
+        return lines;
     }
 
     /// The error of the array index in a file: where it must be, and once.
@@ -171,6 +183,53 @@ TEST_F(BundledCoreTest, WithoutItsEngineEndsTheRunBeforeTheFirstFile) {
     EXPECT_TRUE(result.Says("Error: Cppcheck was not found along PATH: install the package")) << result;
     EXPECT_EQ(result.Count("Cppcheck"), 1U) << result;
     EXPECT_EQ(sandbox.Read("report.json"), "of an earlier run");
+}
+
+// Runs in a folder where neither the project nor a compiler is, as far as the scripts can tell.
+TEST_F(BundledCoreTest, FindsTheSameInAReplayWithoutTheProject) {
+    for (const bool isScrubbed : {false, true}) {
+        WriteProject();
+        sandbox.Write("src/label.c", "/* secret */\nint Label(void) { void *p = &&end; goto *p; end: return 0; }\n");
+        sandbox.ForgetEntries();
+        sandbox.AddEntry({{"g++", "-CC", "-I../include", "-c", "main.cpp", "-o", "main.o"}, sandbox.Path("src")});
+        sandbox.AddEntry({{"gcc", "-c", "label.c"}, sandbox.Path("src")});
+        sandbox.WriteDatabase();
+        Arguments options = {"analyze", "-o", "report.json", "--bundle", "b", "--bundle-unit", "src/main.cpp"};
+        if (isScrubbed) {
+            options.emplace_back("--scrub");
+        }
+        const RunResult result = sandbox.Run(options);
+        EXPECT_TRUE(result.Says("Replay bundles: 2 in ")) << result;
+        const std::string line = result.Lines().at(1);
+        const std::string core = line.substr(line.rfind(' ') + 1);
+        for (const char* const folder : {"src", "include"}) {
+            std::filesystem::remove_all(sandbox.Path(folder));
+        }
+        std::size_t failed = 0;
+        for (const auto& bundle : std::filesystem::directory_iterator(sandbox.Path("b"))) {
+            const std::string name = "b/" + bundle.path().filename().string();
+            const std::string path = EnvironmentVariable("PATH").value_or("");
+            Process replay(
+                {bundle.path().string() + "/replay.sh", core}, sandbox.Path("b"), EnvironmentBlock({{"PATH", path}}),
+                [](std::string_view) {}, [](std::string_view) {});
+            const bool hasFailed = replay.get_exit_status() != 0;
+            const std::string expected =
+                sandbox.Exists(name + "/expected.findings") ? sandbox.Read(name + "/expected.findings") : std::string();
+            // The core sorts by names, which scrubbing has changed.
+            const std::string replayed = sandbox.Read(name + "/replayed.findings");
+            EXPECT_EQ(SortedLines(replayed), SortedLines(expected)) << name;
+            EXPECT_NE(hasFailed, expected.find("arrayIndexOutOfBounds") != std::string::npos) << name;
+            failed += hasFailed ? 1 : 0;
+            for (const auto& file : std::filesystem::directory_iterator(bundle)) {
+                const std::string text = sandbox.Read(name + "/" + file.path().filename().string());
+                for (const char* const word : {"secret", "main.cpp", "shared.h", "label.c", "BundledCoreTest"}) {
+                    EXPECT_TRUE(!isScrubbed || text.find(word) == std::string::npos) << word << " in " << file.path();
+                }
+            }
+        }
+        EXPECT_EQ(failed, 1U);
+        std::filesystem::remove_all(sandbox.Path("b"));
+    }
 }
 
 } // namespace

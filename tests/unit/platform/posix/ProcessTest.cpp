@@ -178,5 +178,16 @@ TEST(RunAndReadOf, AShellCommandIsItsStandardOutput) {
     EXPECT_EQ(RunAndRead("exit 1"), "");
 }
 
+TEST(Child, IsMeasuredWithAllThatItStarted) {
+    Script child("dd if=/dev/zero of=/dev/null bs=67108864 count=2; exit 3");
+    EXPECT_EQ(child.process.Cost().processor.count(), 0) << "not known before its end";
+    EXPECT_EQ(child.process.get_exit_status(), 3);
+    const ProcessCost cost = child.process.Cost();
+    EXPECT_GE(cost.peakMemory, 67'108'864U);
+    EXPECT_GT(cost.processor.count(), 0);
+    EXPECT_GT(cost.wall.count(), 0);
+    EXPECT_EQ(child.process.Cost(), cost) << "measured once";
+}
+
 } // namespace
 } // namespace Orvanta

@@ -139,5 +139,16 @@ TEST(RunAndReadOf, KeepsTheQuotesOfABatchFile) {
     EXPECT_EQ(RunAndRead('"' + script + "\" word && echo marker && set RESULT"), "marker \nRESULT=word\n");
 }
 
+TEST(Child, IsMeasured) {
+    constexpr std::size_t Size = 40'000'000; // held by the child, and much work to write
+    ChildProgram child({"print", std::to_string(Size)});
+    EXPECT_EQ(child.End(), 0);
+    const ProcessCost cost = child.ItsProcess().Cost();
+    EXPECT_GT(cost.processor.count(), 0);
+    EXPECT_GT(cost.wall.count(), 0);
+    // Wine tells no memory of a process that has ended.
+    EXPECT_TRUE(cost.peakMemory == 0 || cost.peakMemory >= Size) << cost.peakMemory;
+}
+
 } // namespace
 } // namespace Orvanta

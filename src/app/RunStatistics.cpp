@@ -1,0 +1,103 @@
+#include "app/RunStatistics.h"
+
+#include "analysis/RunSummary.h"
+#include "report/JsonText.h"
+
+#include <string_view>
+
+namespace Orvanta {
+
+namespace {
+
+using OrvlogConverter::AppendJsonString;
+
+// The words of the summary.
+const char* FateOf(AnalyzerStatus status) {
+    switch (status) {
+    case AnalyzerStatus::Analyzed:
+        return "analyzed";
+    case AnalyzerStatus::PreprocessingFailed:
+    case AnalyzerStatus::CoreFailed:
+    case AnalyzerStatus::Failed:
+        break;
+    case AnalyzerStatus::Stopped:
+        return "stopped";
+    case AnalyzerStatus::Excluded:
+        return "excluded";
+    case AnalyzerStatus::CarriedOver:
+        return "carried over";
+    case AnalyzerStatus::NotListed:
+        return "skipped";
+    }
+    return "failed";
+}
+
+void AppendMember(std::string& line, const char* name, std::string_view text) {
+    line.append(",\"").append(name).append("\":");
+    AppendJsonString(line, text);
+}
+
+// In milliseconds and bytes: whole numbers say enough.
+void AppendCost(std::string& line, const char* name, const ProcessCost& cost) {
+    const auto milliseconds = [](std::chrono::microseconds time) {
+        return std::to_string(std::chrono::round<std::chrono::milliseconds>(time).count());
+    };
+    line.append(",\"").append(name).append("\":{\"wallMs\":").append(milliseconds(cost.wall));
+    line.append(",\"cpuMs\":").append(milliseconds(cost.processor));
+    line.append(",\"peakBytes\":").append(std::to_string(cost.peakMemory)).append("}");
+}
+
+std::string LineBegin(std::size_t invocation, std::string_view unit, const char* fate) {
+    std::string line = "{\"invocation\":" + std::to_string(invocation);
+    AppendMember(line, "unit", unit);
+    AppendMember(line, "fate", fate);
+    return line;
+}
+
+std::string UnitLine(const CompileCommand& command, AnalyzerStatus status, const std::string* reason,
+                     const UnitCost& cost) {
+    std::string line = LineBegin(command.invocation, SourcePath(command), FateOf(status));
+    if (reason != nullptr) {
+        AppendMember(line, "reason", *reason);
+    }
+    // What was not run took nothing, which is not the same as no time.
+    if (cost.compiler.wall.count() > 0) {
+        AppendCost(line, "compiler", cost.compiler);
+    }
+    if (cost.core.wall.count() > 0) {
+        AppendCost(line, "core", cost.core);
+    }
+    if (cost.textBytes > 0) {
+        line += ",\"textBytes\":" + std::to_string(cost.textBytes);
+    }
+    return line + "}\n";
+}
+
+std::string SkippedLine(const SkippedInvocation& skipped) {
+    std::string line = LineBegin(skipped.invocation, skipped.what, IsFailure(skipped.fate) ? "failed" : "skipped");
+    AppendMember(line, "reason", skipped.reason);
+    return line + "}\n";
+}
+
+} // namespace
+
+void RunStatistics::Write(const CollectedCommands& commands, const RunOutcome& outcome,
+                          std::span<const UnitCost> costs) {
+    auto skipped = commands.skipped.begin();
+    const auto writeSkippedBefore = [&](std::size_t invocation) {
+        for (; skipped != commands.skipped.end() && skipped->invocation < invocation; ++skipped) {
+            file_.Append(SkippedLine(*skipped));
+        }
+    };
+    for (std::size_t unit = 0; unit < commands.units.size(); ++unit) {
+        writeSkippedBefore(commands.units[unit].invocation);
+        const auto failure = outcome.failures.find(unit);
+        file_.Append(UnitLine(commands.units[unit], outcome.statuses[unit],
+                              failure == outcome.failures.end() ? nullptr : &failure->second,
+                              costs.empty() ? UnitCost() : costs[unit]));
+    }
+    writeSkippedBefore(commands.invocations + 1);
+    file_.Commit();
+}
+
+} // namespace Orvanta
