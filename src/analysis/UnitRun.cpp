@@ -105,6 +105,7 @@ UnitResult UnitRun::Run(const UnitWork& work) {
         result.reason = error.what();
     }
     result.importsModules = importsModules_;
+    result.tallies = std::move(tallies_);
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
@@ -295,8 +296,11 @@ AnalyzerStatus UnitRun::AnalyzeText() {
     CapturedOutput output;
     const ProcessOutcome outcome = RunCore({}, output);
     const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
-    if (outcome == ProcessOutcome::Succeeded && isShown && !output.standardOutput.empty()) {
-        context_.log.Text(output.standardOutput);
+    if (outcome == ProcessOutcome::Succeeded && !output.standardOutput.empty()) {
+        const std::string shown = TakeTallies(output.standardOutput, tallies_);
+        if (isShown && !shown.empty()) {
+            context_.log.Text(shown);
+        }
     }
     return StatusAfter(outcome);
 }

@@ -96,6 +96,7 @@ private:
     std::optional<ScopedFile> text_;       // the preprocessed text, when it goes with this run
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything
+    CoreTallies tallies_;                  // what the core said of the run
     bool importsModules_ = false;          // as the text that was analyzed says
 };
 
