@@ -48,9 +48,6 @@ constexpr std::string_view Definitions[] = {
     "_wassert(text,file,line)=abort()",
 };
 
-// Matters of taste, which would bury the rest.
-constexpr std::string_view SuppressedChecks[] = {"noExplicitConstructor", "useStlAlgorithm"};
-
 std::string_view Find(std::span<const WordPair> table, std::string_view word) {
     for (const WordPair& pair : table) {
         if (pair.ours == word) {
@@ -99,9 +96,6 @@ void AddUnitWords(Arguments& command, const UnitSettings& unit) {
     AddLibraries(command, platform);
     for (const std::string_view definition : Definitions) {
         command.push_back("-D" + std::string(definition));
-    }
-    for (const std::string_view check : SuppressedChecks) {
-        command.push_back("--suppress=" + std::string(check));
     }
 }
 

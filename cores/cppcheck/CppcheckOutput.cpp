@@ -37,8 +37,8 @@ bool ReadNumber(std::string_view text, std::uint32_t& number) {
     throw ZelmException("Cppcheck wrote a line that is not understood: \"" + std::string(line) + "\"");
 }
 
-CppcheckFinding ReadFinding(std::string_view line) {
-    CppcheckFinding finding;
+Finding ReadFinding(std::string_view line) {
+    Finding finding;
     std::array<std::string_view, 7> fields;
     // All or nothing: a finding with a field in the wrong place would be told at a wrong one.
     if (!SplitFields(line, fields) || !ReadNumber(fields[1], finding.location.line) ||
@@ -53,8 +53,8 @@ CppcheckFinding ReadFinding(std::string_view line) {
     return finding;
 }
 
-CppcheckLocation ReadLocation(std::string_view line) {
-    CppcheckLocation location;
+FindingPlace ReadLocation(std::string_view line) {
+    FindingPlace location;
     std::array<std::string_view, 2> fields;
     if (!SplitFields(line, fields) || !ReadNumber(fields[1], location.line)) {
         FailAt(line);

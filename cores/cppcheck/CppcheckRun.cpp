@@ -46,9 +46,9 @@ std::string_view ExtensionFor(UnitLanguage language) {
 
 // With a build folder, Cppcheck runs its whole-program step over the one unit twice, the second time without knowing
 // where values come from.
-void DropRepeated(std::vector<CppcheckFinding>& findings) {
+void DropRepeated(std::vector<Finding>& findings) {
     std::set<std::tuple<std::string, std::uint32_t, std::string>> seen;
-    std::erase_if(findings, [&](const CppcheckFinding& finding) {
+    std::erase_if(findings, [&](const Finding& finding) {
         return finding.id.starts_with("ctu") &&
                !seen.emplace(finding.location.file, finding.location.line, finding.id + finding.message).second;
     });
@@ -124,6 +124,8 @@ Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cut
     for (const std::string& word : CppcheckCommand(FindCppcheck(), unit, "")) {
         builder.Add(word);
     }
+    // What the choice leaves out is not collected.
+    builder.Add(std::string{static_cast<char>(unit.choice.groups), unit.choice.all ? 'a' : ' '});
     return builder.Add(cutText).Value();
 }
 

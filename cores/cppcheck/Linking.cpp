@@ -49,10 +49,10 @@ public:
     [[nodiscard]] const std::vector<MarkedFile>& Files() const noexcept { return files_; }
 
     // A fault whose places one unit holds alone is found when that unit is analyzed.
-    [[nodiscard]] bool IsSeenByOneUnit(const CppcheckFinding& finding) const {
+    [[nodiscard]] bool IsSeenByOneUnit(const Finding& finding) const {
         // The units that hold all places of the finding: what is left in the end knows the whole fault.
         std::vector<std::uint32_t> units = UnitsWith(finding.location);
-        for (const CppcheckLocation& location : finding.path) {
+        for (const FindingPlace& location : finding.path) {
             const std::vector<std::uint32_t> others = UnitsWith(location);
             std::vector<std::uint32_t> both;
             std::set_intersection(units.begin(), units.end(), others.begin(), others.end(), std::back_inserter(both));
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    [[nodiscard]] std::vector<std::uint32_t> UnitsWith(const CppcheckLocation& location) const {
+    [[nodiscard]] std::vector<std::uint32_t> UnitsWith(const FindingPlace& location) const {
         const auto key = KeyOfAlias(location.file);
         const auto units = key ? unitsByFile_.find(*key) : unitsByFile_.end();
         return units == unitsByFile_.end() ? std::vector<std::uint32_t>() : units->second;
@@ -86,8 +86,11 @@ std::string LinkUnits(const LinkSettings& settings) {
         link.Add(information.facts);
     }
     CppcheckOutput output = link.Run();
-    std::erase_if(output.findings, [&](const CppcheckFinding& finding) { return factFiles.IsSeenByOneUnit(finding); });
-    WriteMergedFindings(settings.mergedPath, MakeReportMessages(output.findings, factFiles.Files(), {}));
+    std::erase_if(output.findings, [&](const Finding& finding) { return factFiles.IsSeenByOneUnit(finding); });
+    // Each unit chooses for itself.
+    constexpr std::uint8_t AllGroups = 255;
+    const ReportScope scope{factFiles.Files(), {}, {}, {AllGroups}};
+    WriteMergedFindings(settings.mergedPath, MakeReportMessages(output.findings, scope).messages);
     return std::move(output.otherText);
 }
 

@@ -2,6 +2,8 @@
 
 #include "cppcheck/FileAlias.h"
 #include "cppcheck/SourceLines.h"
+#include "cppcheck/SourceMarks.h"
+#include "cppcheck/WrittenLines.h"
 #include "platform/Exceptions.h"
 
 #include <algorithm>
@@ -34,14 +36,6 @@ bool Contains(const std::string_view (&table)[Count], std::string_view word) {
 
 constexpr std::uint32_t LowLevel = 3;
 
-std::uint32_t LevelOf(std::string_view severity) {
-    if (severity == "error") {
-        return 1;
-    }
-    // Style, performance and portability: nothing that must go wrong.
-    return severity == "warning" ? 2 : LowLevel;
-}
-
 /// Where a finding stands for the user.
 struct Place {
     const MarkedFile* file; ///< not null
@@ -60,7 +54,7 @@ public:
     }
 
     // A finding without a place, or with one outside of the unit's files, is laid to the first line of the source.
-    [[nodiscard]] Place Resolve(const CppcheckLocation& location) const {
+    [[nodiscard]] Place Resolve(const FindingPlace& location) const {
         const auto key = KeyOfAlias(location.file);
         const auto file = key ? fileByKey_.find(*key) : fileByKey_.end();
         if (file == fileByKey_.end() || location.line == 0) {
@@ -95,34 +89,67 @@ private:
     std::unordered_map<std::uint64_t, const MarkedFile*> fileByKey_;
 };
 
-// Not those in system headers, and of those in the text of their macros only faults: its style is not the user's.
-bool IsForTheUser(const CppcheckFinding& finding, const Places& places) {
-    const Place place = places.Resolve(finding.location);
-    return !Contains(DroppedSeverities, finding.severity) && !place.file->isSystem &&
-           (LevelOf(finding.severity) < LowLevel || !places.IsInSystemMacro(place, finding.column));
-}
+/// Makes report messages of a unit's findings.
+class MessageMaker {
+public:
+    explicit MessageMaker(const ReportScope& scope)
+        : choice_(scope.choice), places_(scope.files, scope.systemMacros), written_(scope.cutText, lines_) {}
 
-ReportMessage MakeMessage(const CppcheckFinding& finding, const Places& places, SourceLines& lines) {
-    ReportMessage message;
-    message.code = "External";
-    message.level = LevelOf(finding.severity);
-    message.cwe = finding.cwe;
-    // All findings of other tools have one code: the name in front is what tells them apart.
-    message.message = "[" + finding.id + "] " + finding.message;
-    const Place primary = places.Resolve(finding.location);
-    message.positions.push_back(lines.At(primary.file->path, primary.line));
-    for (const CppcheckLocation& location : finding.path) {
-        const Place place = places.Resolve(location);
-        // The steps name the finding's own place again, and some of them more than once.
-        const bool isKnown = std::any_of(message.positions.begin(), message.positions.end(), [&](const auto& known) {
-            return known.line == place.line && known.file == place.file->path;
-        });
-        if (!isKnown) {
-            message.positions.push_back(lines.At(place.file->path, place.line));
+    void Add(const Finding& finding) {
+        const CheckRow row = RowFor(finding);
+        const Place place = places_.Resolve(finding.location);
+        if (!IsWanted(finding, row, place)) {
+            return;
         }
+        ReportMessage message = MakeMessage(finding, row, place);
+        const OrvlogConverter::MessagePosition& position = message.positions.front();
+        const bool isHidden = IsHiddenByMark(position.currLine, position.prevLine, {&finding.id, 1}, message.code);
+        (isHidden ? reported_.hidden : reported_.messages).push_back(std::move(message));
     }
-    return message;
-}
+
+    [[nodiscard]] ReportedFindings Take() { return std::move(reported_); }
+
+private:
+    // Not those in system headers, and of those in the text of their macros only faults: its style is not the user's.
+    bool IsWanted(const Finding& finding, const CheckRow& row, const Place& place) {
+        if (Contains(DroppedSeverities, finding.severity) || place.file->isSystem || !choice_.Has(row.group) ||
+            (row.level == LowLevel && places_.IsInSystemMacro(place, finding.column))) {
+            return false;
+        }
+        if (choice_.all || row.state == CheckState::On) {
+            return true;
+        }
+        return row.state == CheckState::AsWritten && written_.IsAsWritten(place.file->path, place.line);
+    }
+
+    ReportMessage MakeMessage(const Finding& finding, const CheckRow& row, const Place& primary) {
+        ReportMessage message;
+        message.code = "External";
+        message.level = row.level;
+        message.cwe = finding.cwe != 0 ? finding.cwe : row.cwe;
+        // All findings of other tools have one code: the name in front is what tells them apart.
+        message.message = "[" + finding.id + "] " + finding.message;
+        message.positions.push_back(lines_.At(primary.file->path, primary.line));
+        for (const FindingPlace& location : finding.path) {
+            const Place place = places_.Resolve(location);
+            // The steps name the finding's own place again, and some of them more than once.
+            const bool isKnown =
+                std::any_of(message.positions.begin(), message.positions.end(), [&](const auto& known) {
+                    return known.line == place.line && known.file == place.file->path;
+                });
+            if (!isKnown) {
+                message.positions.push_back(lines_.At(place.file->path, place.line));
+            }
+        }
+        return message;
+    }
+
+    CheckChoice choice_;
+    Places places_;
+    SourceLines lines_;
+    WrittenLines written_;
+    ReportedFindings reported_;
+};
 
 bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
     const auto key = [](const ReportMessage& message) {
@@ -135,25 +162,21 @@ bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
 
 } // namespace
 
-std::vector<ReportMessage> MakeReportMessages(std::span<const CppcheckFinding> findings,
-                                              std::span<const MarkedFile> files,
-                                              std::span<const SystemMacroText> systemMacros) {
-    std::vector<ReportMessage> messages;
+ReportedFindings MakeReportMessages(std::span<const Finding> findings, const ReportScope& scope) {
     // A unit without findings needs no table of its files.
     if (findings.empty()) {
-        return messages;
+        return {};
     }
-    const Places places(files, systemMacros);
-    SourceLines lines;
-    for (const CppcheckFinding& finding : findings) {
-        if (IsForTheUser(finding, places)) {
-            messages.push_back(MakeMessage(finding, places, lines));
-        }
+    MessageMaker maker(scope);
+    for (const Finding& finding : findings) {
+        maker.Add(finding);
     }
-    // Sorted, so that a report does not depend on the order in which Cppcheck runs its checks.
+    ReportedFindings reported = maker.Take();
+    // Sorted, so that a report does not depend on the order in which an engine runs its checks.
+    std::vector<ReportMessage>& messages = reported.messages;
     std::stable_sort(messages.begin(), messages.end(), IsBefore);
     messages.erase(std::unique(messages.begin(), messages.end()), messages.end());
-    return messages;
+    return reported;
 }
 
 void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage> others) {
@@ -167,8 +190,8 @@ void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage
 }
 
 // Cppcheck ends with code 0 even then: an exit code of its own for this would also come for any finding.
-void ThrowIfNotAnalyzed(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files) {
-    for (const CppcheckFinding& finding : findings) {
+void ThrowIfNotAnalyzed(std::span<const Finding> findings, std::span<const MarkedFile> files) {
+    for (const Finding& finding : findings) {
         if (Contains(FailureIds, finding.id)) {
             const Place place = Places(files, {}).Resolve(finding.location);
             // The rest of the text shows the definitions that this core hands to Cppcheck.

@@ -1,21 +1,34 @@
 #pragma once
 
-#include "cppcheck/CppcheckOutput.h"
+#include "cppcheck/CheckChoice.h"
+#include "cppcheck/Finding.h"
 #include "cppcheck/MarkedText.h"
 #include "cppcheck/SystemTextCutter.h"
 #include "report/ReportMessage.h"
 
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace Orvanta {
 
-/// The findings in a user's own files as report messages, in order of file, line and Cppcheck's identifier, each once.
-/// `files` are those of the unit, whose aliases Cppcheck names places by, its source first; any other name stands for
-/// the source. `systemMacros` are those of its cut text.
-[[nodiscard]] std::vector<OrvlogConverter::ReportMessage>
-MakeReportMessages(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files,
-                   std::span<const SystemMacroText> systemMacros);
+/// What has to be known of a unit to tell findings in it. All that is viewed must outlive the object.
+struct ReportScope {
+    std::span<const MarkedFile> files;             ///< whose aliases places are named by, the source first
+    std::span<const SystemMacroText> systemMacros; ///< those of `cutText`
+    std::string_view cutText;                      ///< empty where there is none: all lines count as written then
+    CheckChoice choice;
+};
+
+/// What is told of a unit.
+struct ReportedFindings {
+    std::vector<OrvlogConverter::ReportMessage> messages;
+    std::vector<OrvlogConverter::ReportMessage> hidden; ///< by marks in the source; in any order
+};
+
+/// The findings in a user's own files that the choice asks for, as report messages, in order of file, line and
+/// identifier, each once. A place in a file that is none of the unit's stands for the source.
+[[nodiscard]] ReportedFindings MakeReportMessages(std::span<const Finding> findings, const ReportScope& scope);
 
 /// Adds those of the `others` that say something new of a place. The order of the messages is kept.
 void AddFindings(std::vector<OrvlogConverter::ReportMessage>& messages,
@@ -23,6 +36,6 @@ void AddFindings(std::vector<OrvlogConverter::ReportMessage>& messages,
 
 /// Makes sure that Cppcheck has looked at the unit: it tells by a finding when it could not read the text.
 /// \throws ZelmException with the place and the reason
-void ThrowIfNotAnalyzed(std::span<const CppcheckFinding> findings, std::span<const MarkedFile> files);
+void ThrowIfNotAnalyzed(std::span<const Finding> findings, std::span<const MarkedFile> files);
 
 } // namespace Orvanta

@@ -5,6 +5,7 @@
 #include "cppcheck/MergedFindings.h"
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/SystemTextCutter.h"
+#include "cppcheck/TallyLines.h"
 #include "cppcheck/TypeChecks.h"
 #include "cppcheck/UnitInformation.h"
 #include "platform/Files.h"
@@ -21,8 +22,14 @@ namespace {
 
 using OrvlogConverter::ReportMessage;
 
+/// What is told of a unit, and what was said on the way to it.
+struct UnitFindings {
+    std::vector<ReportMessage> messages;
+    UnitWords words;
+};
+
 // What collecting has found in the unit; nullopt when it has not, or in another text.
-std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& unit, std::string_view cutText) {
+std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, std::string_view cutText) {
     if (unit.stage != IntermodularStage::Performing || !PathExists(unit.informationPath)) {
         return std::nullopt;
     }
@@ -31,9 +38,27 @@ std::optional<std::vector<ReportMessage>> CollectedFindings(const UnitSettings& 
     if (information.analysis != FingerprintOfAnalysis(unit, cutText)) {
         return std::nullopt;
     }
-    std::vector<ReportMessage> findings;
+    UnitFindings collected;
     for (const std::string& line : information.findings) {
-        findings.push_back(OrvlogConverter::ReadMessageLine(line));
+        collected.messages.push_back(OrvlogConverter::ReadMessageLine(line));
+    }
+    collected.words.tallies = information.tallies;
+    return collected;
+}
+
+// The messages of what the engine has found.
+UnitFindings Report(const UnitSettings& unit, CppcheckOutput output, const CutText& cut) {
+    ThrowIfNotAnalyzed(output.findings, cut.files);
+    ReportedFindings reported =
+        MakeReportMessages(output.findings, {cut.files, cut.systemMacros, cut.text, unit.choice});
+    UnitFindings findings;
+    findings.messages = std::move(reported.messages);
+    findings.words.otherText = std::move(output.otherText);
+    for (const ReportMessage& message : reported.hidden) {
+        const OrvlogConverter::MessagePosition& place = message.positions.front();
+        AppendTally(findings.words.tallies, "Findings hidden by marks in the sources",
+                    place.file + ":" + std::to_string(place.line) + " " +
+                        message.message.substr(0, message.message.find(' ')));
     }
     return findings;
 }
@@ -47,45 +72,43 @@ CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirector
 
 } // namespace
 
-std::string AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
+UnitWords AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
     const CutText cut = ReadCutText(unit, currentDirectory);
-    std::string otherText;
-    std::optional<std::vector<ReportMessage>> messages = CollectedFindings(unit, cut.text);
-    if (!messages) {
-        CppcheckOutput output = RunCppcheck(unit, cut.text);
-        // Before anything is written: what the unit gave before stays where it is.
-        ThrowIfNotAnalyzed(output.findings, cut.files);
-        messages = MakeReportMessages(output.findings, cut.files, cut.systemMacros);
-        otherText = std::move(output.otherText);
+    std::optional<UnitFindings> findings = CollectedFindings(unit, cut.text);
+    // Before anything is written: what the unit gave before stays where it is when it can't be analyzed.
+    if (!findings) {
+        findings = Report(unit, RunCppcheck(unit, cut.text), cut);
     }
-    if (unit.stage == IntermodularStage::Performing) {
-        AddFindings(*messages, ReadMergedFindings(unit.mergedPath, cut.files));
+    // What the linking finds are faults, whichever unit they are told for.
+    if (unit.stage == IntermodularStage::Performing && unit.choice.Has(CheckGroup::General)) {
+        AddFindings(findings->messages, ReadMergedFindings(unit.mergedPath, cut.files));
     }
     std::string text;
-    for (const ReportMessage& message : *messages) {
+    for (const ReportMessage& message : findings->messages) {
         OrvlogConverter::AppendMessageLine(text, message, unit.outputFormat);
         text += '\n';
     }
     // At the very end, and in one piece.
     OutputFile(unit.outputPath, OutputFile::Mode::Replace).Append(text);
-    return otherText;
+    return std::move(findings->words);
 }
 
-std::string CollectFacts(const UnitSettings& unit, const std::string& currentDirectory) {
+UnitWords CollectFacts(const UnitSettings& unit, const std::string& currentDirectory) {
     const CutText cut = ReadCutText(unit, currentDirectory);
     CppcheckCollection collection = CollectWithCppcheck(unit, cut.text);
-    ThrowIfNotAnalyzed(collection.output.findings, cut.files);
+    UnitFindings findings = Report(unit, std::move(collection.output), cut);
 
     UnitInformation information;
     information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
     information.files = FilesOfFacts(information.facts, cut.files);
     information.analysis = FingerprintOfAnalysis(unit, cut.text);
-    for (const ReportMessage& message : MakeReportMessages(collection.output.findings, cut.files, cut.systemMacros)) {
+    for (const ReportMessage& message : findings.messages) {
         OrvlogConverter::AppendMessageLine(information.findings.emplace_back(), message,
                                            OrvlogConverter::LineFormat::Json);
     }
+    information.tallies = std::move(findings.words.tallies);
     WriteUnitInformation(unit.informationPath, information);
-    return std::move(collection.output.otherText);
+    return {"", std::move(findings.words.otherText)};
 }
 
 std::string DependencyLines(const UnitSettings& unit, const std::string& currentDirectory) {

@@ -13,7 +13,7 @@ namespace Orvanta {
 namespace {
 
 // Its number is to be raised with each change of the order below.
-constexpr std::string_view Kind = "orvanta-cppcheck-unit 1";
+constexpr std::string_view Kind = "orvanta-cppcheck-unit 2";
 
 // The number of entries goes first, so that no entry has to mark the end.
 void AppendList(std::string& text, std::span<const std::string> list) {
@@ -72,6 +72,7 @@ void WriteUnitInformation(const std::string& path, const UnitInformation& unit) 
     AppendNumber(text, unit.analysis.low);
     AppendNumber(text, unit.analysis.high);
     AppendList(text, unit.findings);
+    AppendField(text, unit.tallies);
     OutputFile(path, OutputFile::Mode::Replace).Append(text);
 }
 
@@ -89,6 +90,7 @@ UnitInformation ReadUnitInformation(const std::string& path) {
     unit.analysis.low = reader.NextNumber();
     unit.analysis.high = reader.NextNumber();
     unit.findings = ReadList(reader);
+    unit.tallies = reader.Next();
     // A file that was cut short has failed before this; one that holds more is none of ours.
     reader.ExpectEnd();
     return unit;

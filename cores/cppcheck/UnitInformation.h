@@ -16,6 +16,7 @@ struct UnitInformation {
     std::vector<FactGroup> facts;      ///< naming files by their aliases
     Fingerprint analysis;              ///< what the findings depend on
     std::vector<std::string> findings; ///< of the unit by itself, as JSON lines
+    std::string tallies;               ///< of the same analysis
 
     bool operator==(const UnitInformation&) const = default;
 };

@@ -3,6 +3,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
 #include "platform/Table.h"
+#include "settings/AnalysisMode.h"
 
 namespace Orvanta {
 
@@ -41,6 +42,18 @@ bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, st
         Fail(settingsPath, '"' + std::string(key) + R"(" is ")" + word + R"(", but "yes" or "no" is expected)");
     }
     return word == "yes";
+}
+
+// The driver writes a number; who writes settings by hand may use names.
+CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsPath) {
+    CheckChoice choice;
+    try {
+        choice.groups = ParseAnalysisMode(LastValue(settings, "analysis-mode").value_or(DefaultAnalysisMode));
+    } catch (const ZelmException& error) {
+        Fail(settingsPath, error.what());
+    }
+    choice.all = ReadSwitch(settings, settingsPath, "engines-all", "no");
+    return choice;
 }
 
 struct StageWord {
@@ -93,6 +106,7 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     unit.platform = LastValue(settings, "platform").value_or("");
     unit.preprocessor = LastValue(settings, "preprocessor").value_or("");
     unit.isPlainCharUnsigned = ReadSwitch(settings, settingsPath, "funsigned-char", "no");
+    unit.choice = ReadChoice(settings, settingsPath);
     unit.outputFormat = ReadSwitch(settings, settingsPath, "new-output-format", "yes")
                             ? OrvlogConverter::LineFormat::Json
                             : OrvlogConverter::LineFormat::Raw;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cppcheck/CheckChoice.h"
 #include "report/MessageLine.h"
 #include "settings/SettingsMap.h"
 
@@ -28,6 +29,7 @@ struct UnitSettings {
     std::string platform; ///< such as "x64", "linux64" or "arm"
     bool isPlainCharUnsigned = false;
     std::string preprocessor; ///< the name of the compiler's family, such as "gcc"
+    CheckChoice choice;
     OrvlogConverter::LineFormat outputFormat = OrvlogConverter::LineFormat::Json;
     IntermodularStage stage = IntermodularStage::None; ///< never Linking
     std::string informationPath;                       ///< the unit's information: written when collecting, known when

@@ -16,6 +16,11 @@
 
 namespace {
 
+void Tell(const Orvanta::UnitWords& words) {
+    std::cerr << words.otherText;
+    Orvanta::WriteResultToStandardOutput(words.tallies);
+}
+
 void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
     // Before any settings are read: this task has none.
@@ -39,14 +44,14 @@ void Run(const Orvanta::CoreOptions& options) {
         break;
     case Orvanta::CoreTask::Analyze:
         if (unit.stage == Orvanta::IntermodularStage::Collecting) {
-            std::cerr << Orvanta::CollectFacts(unit, currentDirectory);
+            Tell(Orvanta::CollectFacts(unit, currentDirectory));
             break;
         }
         // Only an analysis needs it, so its lack is no fault of the settings as such.
         if (unit.outputPath.empty()) {
             throw Orvanta::ZelmException(options.settingsPath + ": the key \"output-file\" is missing or empty");
         }
-        std::cerr << Orvanta::AnalyzeUnit(unit, currentDirectory);
+        Tell(Orvanta::AnalyzeUnit(unit, currentDirectory));
         break;
     }
 }

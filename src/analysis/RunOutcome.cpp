@@ -13,6 +13,7 @@ void RunOutcome::Settle(std::size_t unit, UnitResult& result) {
     if (result.importsModules) {
         importingModules.insert(unit);
     }
+    AddTallies(tallies, std::move(result.tallies));
     if (IsFailure(result.status)) {
         // Nobody reads the reason of the result after this.
         failures.emplace(unit, std::move(result.reason));

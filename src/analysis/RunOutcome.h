@@ -22,6 +22,7 @@ struct RunOutcome {
     std::optional<std::size_t> hiddenFindings = {};  ///< by a suppression base; empty when there was none
     std::size_t inSystemFolders = 0;                 ///< units that were excluded because they lie there
     std::set<std::size_t> importingModules = {};     ///< units whose text lacks what the modules export
+    CoreTallies tallies = {};                        ///< what the core said of the run as a whole
     bool isReportKept = false;                       ///< the report stands as it was: its findings were not counted
 
     /// Takes over how a unit ended, and why.

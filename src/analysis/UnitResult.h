@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
+#include "analysis/CoreTallies.h"
 #include "history/UnitCost.h"
 #include "platform/Fingerprint.h"
 #include "report/ReportMessage.h"
@@ -17,6 +18,7 @@ struct UnitResult {
     std::string reason = {};                                      ///< of a failure
     bool isInSystemFolder = false;                                ///< why it was excluded
     bool importsModules = false;                                  ///< what those export is not in its text
+    CoreTallies tallies = {};                                     ///< what the core says of the whole run
     std::string fragmentPath = {};                                ///< the core's findings; empty when it was not run
     std::vector<OrvlogConverter::ReportMessage> ownFindings = {}; ///< of the driver itself
     std::optional<Fingerprint> text = {};                         ///< of the preprocessed one, where it is asked for

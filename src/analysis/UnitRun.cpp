@@ -123,6 +123,7 @@ UnitResult UnitRun::ResultOf(const UnitWork& work) {
     result.importsModules = importsModules_;
     result.text = textFingerprint_;
     result.cost = cost_;
+    result.tallies = std::move(tallies_);
     // Also of a failed unit: what a core found before it broke is worth reporting, and the receiver removes the file.
     result.fragmentPath = std::move(fragmentPath_);
     return result;
@@ -355,8 +356,11 @@ AnalyzerStatus UnitRun::AnalyzeText() {
     const ProcessOutcome outcome = RunCore({});
     const std::string& output = evidence_.core.output.standardOutput;
     const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
-    if (outcome == ProcessOutcome::Succeeded && isShown && !output.empty()) {
-        context_.log.Text(output);
+    if (outcome == ProcessOutcome::Succeeded && !output.empty()) {
+        const std::string shown = TakeTallies(output, tallies_);
+        if (isShown && !shown.empty()) {
+            context_.log.Text(shown);
+        }
     }
     return StatusAfter(outcome);
 }

@@ -116,6 +116,7 @@ private:
     std::string fragmentPath_;             // empty: the core was not run to find anything
     std::optional<Fingerprint> textFingerprint_;
     UnitCost cost_;               // so far
+    CoreTallies tallies_;         // what the core said of the run
     bool importsModules_ = false; // as the text that was analyzed says
 };
 

@@ -231,6 +231,7 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
             }
         }
         log_.Text(ModulesText(commands, outcome));
+        log_.Text(TalliesText(outcome.tallies));
         progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath));
     } else {
         progress_.Finish(ending.summary);

@@ -27,12 +27,11 @@ TEST(CppcheckOutput, GivesFindingsWithTheirPathsAndOtherText) {
                                                      "0\x1fstyle\x1fx\x1f"
                                                      "0\x1f");
     ASSERT_EQ(output.findings.size(), 2U);
-    const std::vector<CppcheckLocation> path = {{"f1.h", 9}, {"f0.cpp", 3}};
-    const CppcheckLocation begin = {"f0.cpp", 3};
-    EXPECT_EQ(output.findings[0],
-              (CppcheckFinding{begin, 14, "error", "nullPointer", 476, "Null pointer: a|b:c\x1f\"", path}));
-    const CppcheckLocation none = {"f1.h", 0};
-    EXPECT_EQ(output.findings[1], (CppcheckFinding{none, 0, "style", "x", 0, "", {}}));
+    const std::vector<FindingPlace> path = {{"f1.h", 9}, {"f0.cpp", 3}};
+    const FindingPlace begin = {"f0.cpp", 3};
+    EXPECT_EQ(output.findings[0], (Finding{begin, 14, "error", "nullPointer", 476, "Null pointer: a|b:c\x1f\"", path}));
+    const FindingPlace none = {"f1.h", 0};
+    EXPECT_EQ(output.findings[1], (Finding{none, 0, "style", "x", 0, "", {}}));
     EXPECT_EQ(output.otherText, "cppcheck: note\n");
 }
 

@@ -52,6 +52,7 @@ TEST(UnitInformationFile, ComesBackAsItWasWritten) {
     unit.files = FilesOfFacts(unit.facts, files);
     unit.analysis = {7, ~std::uint64_t{0}};
     unit.findings = {"{}", ""};
+    unit.tallies = "<}tally{>a\tb\n";
     EXPECT_THAT(unit.files, ElementsAre(source, "/p/b.h"));
 
     WriteUnitInformation(folder / "file", unit);

@@ -28,13 +28,17 @@ constexpr SystemMacroText SystemMacros[] = {
     {1, 2, 1, 99},
 };
 
-CppcheckFinding Finding(CppcheckLocation location, std::string severity, std::string id, std::uint32_t column = 1) {
+Finding Found(FindingPlace location, std::string severity, std::string id, std::uint32_t column = 1) {
     return {std::move(location), column, std::move(severity), std::move(id), 7, "text", {}};
 }
 
-std::vector<std::string> Summaries(std::span<const CppcheckFinding> findings) {
+ReportScope ScopeOf(std::span<const MarkedFile> files) {
+    return {files, SystemMacros, {}, {255}};
+}
+
+std::vector<std::string> Summaries(std::span<const Finding> findings) {
     std::vector<std::string> summaries;
-    for (const OrvlogConverter::ReportMessage& message : MakeReportMessages(findings, Files, SystemMacros)) {
+    for (const OrvlogConverter::ReportMessage& message : MakeReportMessages(findings, ScopeOf(Files)).messages) {
         summaries.push_back(message.positions.front().file + ":" + std::to_string(message.positions.front().line) +
                             " " + std::to_string(message.level) + " " + message.message);
     }
@@ -42,18 +46,18 @@ std::vector<std::string> Summaries(std::span<const CppcheckFinding> findings) {
 }
 
 TEST(ReportMessages, AreSortedUniqueAndOnlyOfUsersFiles) {
-    const std::vector<CppcheckFinding> findings = {
-        Finding({Source, 10}, "style", "b"),
-        Finding({Source, 9}, "warning", "c"),
-        Finding({Source, 10}, "performance", "a"),
-        Finding({Header, 70}, "error", "d"),
-        Finding({Header, 70}, "error", "d"),
-        Finding({SystemHeader, 1}, "error", "inSystemHeader"),
-        Finding({Source, 1}, "information", "aboutCppcheck"),
-        Finding({Source, 2}, "style", "styleOfASystemMacro", 10),
-        Finding({Source, 2}, "style", "styleBehindIt", 11),
-        Finding({Source, 2}, "warning", "f", 5),
-        Finding({"nofile", 0}, "portability", "e"),
+    const std::vector<Finding> findings = {
+        Found({Source, 10}, "style", "b"),
+        Found({Source, 9}, "warning", "c"),
+        Found({Source, 10}, "performance", "a"),
+        Found({Header, 70}, "error", "d"),
+        Found({Header, 70}, "error", "d"),
+        Found({SystemHeader, 1}, "error", "inSystemHeader"),
+        Found({Source, 1}, "information", "aboutCppcheck"),
+        Found({Source, 2}, "style", "styleOfASystemMacro", 10),
+        Found({Source, 2}, "style", "styleBehindIt", 11),
+        Found({Source, 2}, "warning", "f", 5),
+        Found({"nofile", 0}, "portability", "e"),
     };
     EXPECT_THAT(Summaries(findings),
                 ElementsAre("/p/a.h:70 1 [d] text", "/p/u.cpp:1 3 [e] text", "/p/u.cpp:2 2 [f] text",
@@ -66,9 +70,9 @@ TEST(ReportMessages, CarryThePathAndTheSourceLines) {
     const std::string path = folder.Write("u.c", "one\r\ntwo\r\nthree");
     const MarkedFile files[] = {{path, false, true}};
     const std::string alias = AliasOf(path);
-    CppcheckFinding finding = Finding({alias, 3}, "error", "nullPointer");
+    Finding finding = Found({alias, 3}, "error", "nullPointer");
     finding.path = {{alias, 1}, {alias, 3}, {alias, 1}};
-    const auto messages = MakeReportMessages({&finding, 1}, files, {});
+    const auto messages = MakeReportMessages({&finding, 1}, ScopeOf(files)).messages;
 
     OrvlogConverter::ReportMessage expected;
     expected.code = "External";
@@ -88,12 +92,12 @@ TEST(ReportMessages, CarryThePathAndTheSourceLines) {
 }
 
 TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
-    const std::vector<CppcheckFinding> own = {Finding({Source, 9}, "error", "b"), Finding({Header, 5}, "error", "b")};
-    std::vector<CppcheckFinding> others = {Finding({Source, 9}, "error", "b"), Finding({Source, 9}, "error", "a"),
-                                           Finding({Source, 7}, "error", "b")};
+    const std::vector<Finding> own = {Found({Source, 9}, "error", "b"), Found({Header, 5}, "error", "b")};
+    std::vector<Finding> others = {Found({Source, 9}, "error", "b"), Found({Source, 9}, "error", "a"),
+                                   Found({Source, 7}, "error", "b")};
     others.front().path = {{Header, 1}};
-    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, Files, {});
-    AddFindings(messages, MakeReportMessages(others, Files, {}));
+    std::vector<OrvlogConverter::ReportMessage> messages = MakeReportMessages(own, ScopeOf(Files)).messages;
+    AddFindings(messages, MakeReportMessages(others, ScopeOf(Files)).messages);
     std::vector<std::pair<std::uint32_t, std::string>> summaries;
     for (const OrvlogConverter::ReportMessage& message : messages) {
         summaries.emplace_back(message.positions.front().line, message.message);
@@ -103,8 +107,40 @@ TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
                                        testing::Pair(9, "[a] text"), testing::Pair(9, "[b] text")));
 }
 
+// The second line is what a macro has made of the source's.
+TEST(ReportMessages, AreThoseThatTheUserHasChosen) {
+    const TestFolder folder;
+    const std::string path = folder.Write("u.c", "if (a == 1) {} // known\n"
+                                                 "if (MACRO(a)) {}\n"
+                                                 "*NULL = 1; // NOLINT\n");
+    const MarkedFile files[] = {{path, false, true}};
+    const std::string alias = AliasOf(path);
+    const std::string text = "# 1 \"" + alias + "\"\nif (a==1) {}\nif ((a) == 1) {}\n*((void *)0) = 1;\n";
+    const std::vector<Finding> findings = {
+        Found({alias, 1}, "style", "knownConditionTrueFalse"),
+        Found({alias, 2}, "style", "knownConditionTrueFalse"),
+        Found({alias, 2}, "error", "nullPointer"),
+        Found({alias, 2}, "warning", "nullPointer"),
+        Found({alias, 1}, "style", "useStlAlgorithm"),
+        Found({alias, 1}, "performance", "passedByValue"),
+        Found({alias, 3}, "error", "nullPointer"),
+    };
+    const auto told = [&](const CheckChoice& choice) {
+        std::string words;
+        const ReportedFindings reported = MakeReportMessages(findings, {files, {}, text, choice});
+        for (const OrvlogConverter::ReportMessage& message : reported.messages) {
+            words += std::to_string(message.positions.front().line) + message.message.substr(0, 4) +
+                     std::to_string(message.level) + " ";
+        }
+        return words + std::to_string(reported.hidden.size());
+    };
+    EXPECT_EQ(told({}), "1[kno3 2[nul1 2[nul2 1");
+    EXPECT_EQ(told({8}), "1[pas3 0");
+    EXPECT_EQ(told({255, true}), "1[kno3 1[pas3 1[use3 2[kno3 2[nul1 2[nul2 1");
+}
+
 TEST(ReportMessages, AUnitThatCppcheckCantReadIsNoCleanOne) {
-    CppcheckFinding finding = Finding({Header, 4}, "error", "syntaxError");
+    Finding finding = Found({Header, 4}, "error", "syntaxError");
     finding.message = "Unmatched '{'. Configuration: '__null=NULL'.";
     try {
         ThrowIfNotAnalyzed({&finding, 1}, Files);

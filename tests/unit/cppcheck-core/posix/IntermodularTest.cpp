@@ -157,7 +157,7 @@ TEST_F(CoreAcrossUnits, LinkingNamesTheFileThatItCantUse) {
     const std::string damaged = folder_.Write("temp \303\244/callee.unit", "old");
     CoreEnd end = RunStage("merge", "merge-info");
     EXPECT_EQ(end.exitCode, 1);
-    EXPECT_EQ(end.standardError, damaged + ": is damaged, or no file of the kind \"orvanta-cppcheck-unit 1\"\n");
+    EXPECT_EQ(end.standardError, damaged + ": is damaged, or no file of the kind \"orvanta-cppcheck-unit 2\"\n");
     std::filesystem::remove(damaged);
     EXPECT_THAT(RunStage("merge", "merge-info").standardError, testing::StartsWith(damaged + ": "));
 

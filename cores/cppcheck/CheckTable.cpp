@@ -1,0 +1,46 @@
+#include "cppcheck/CheckTable.h"
+
+#include <algorithm>
+
+namespace Orvanta {
+
+namespace {
+
+constexpr std::uint32_t LevelOfWarnings = 2;
+
+const CheckRow* FindIn(std::span<const CheckRow> rows, std::string_view id) {
+    const auto row = std::lower_bound(rows.begin(), rows.end(), id,
+                                      [](const CheckRow& left, std::string_view right) { return left.id < right; });
+    return row != rows.end() && row->id == id ? &*row : nullptr;
+}
+
+} // namespace
+
+const CheckRow* FindCheck(std::string_view id) {
+    return FindIn(CppcheckChecks(), id);
+}
+
+CheckRow RowFor(const Finding& finding) {
+    if (const CheckRow* const known = FindCheck(finding.id)) {
+        CheckRow row = *known;
+        // Of one kind of fault, Cppcheck calls those a warning that depend on a condition which may never hold.
+        if (finding.severity == "warning") {
+            row.level = std::max(row.level, LevelOfWarnings);
+        }
+        return row;
+    }
+    CheckRow row;
+    row.id = finding.id;
+    if (finding.severity == "error") {
+        row.level = 1;
+    } else if (finding.severity == "warning") {
+        row.level = LevelOfWarnings;
+    } else if (finding.severity == "performance") {
+        row.group = CheckGroup::Speed;
+    } else if (finding.severity == "portability") {
+        row.group = CheckGroup::Widths;
+    }
+    return row;
+}
+
+} // namespace Orvanta
