@@ -113,8 +113,8 @@ std::string AnswerKey(const ParsedCommand& command, Language language, const std
     return key;
 }
 
-std::string FallbackStandard(Language language) {
-    return language == Language::C ? "c99" : "c++14";
+ProbedStandard FallbackStandard(Language language) {
+    return {language == Language::C ? "c99" : "c++14"};
 }
 
 } // namespace
@@ -147,8 +147,9 @@ std::optional<long> LastNumber(std::string_view text) noexcept {
 
 StandardProbe::StandardProbe(std::string folder, const StopFlag& stop) : folder_(std::move(folder)), stop_(stop) {}
 
-std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command, Language language,
-                                                 ProcessPlace place, const Environment& ownVariables) {
+ProbedStandard StandardProbe::ProbeLanguageStandard(const Compiler& model, const ParsedCommand& command,
+                                                    Language language, ProcessPlace place,
+                                                    const Environment& ownVariables) {
     try {
         return answers_.Get(AnswerKey(command, language, place.workingDirectory, ownVariables),
                             [&] { return Ask(model, command, language, place); });
@@ -157,8 +158,8 @@ std::string StandardProbe::ProbeLanguageStandard(const Compiler& model, const Pa
     }
 }
 
-std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
-                               ProcessPlace place) const {
+ProbedStandard StandardProbe::Ask(const Compiler& model, const ParsedCommand& command, Language language,
+                                  ProcessPlace place) const {
     // Threads may ask different compilers at once: each has files of its own. One thread asks one thing at a time.
     const std::string number = std::to_string(std::hash<std::thread::id>{}(std::this_thread::get_id()));
     const char* const extension = language == Language::C ? ".Orvanta.c" : ".Orvanta.cpp";
@@ -193,7 +194,10 @@ std::string StandardProbe::Ask(const Compiler& model, const ParsedCommand& comma
         return FallbackStandard(language); // it would hang again
     }
     const std::optional<long> version = LastNumber(ReadWholeFile(result.Path()));
-    return version ? std::string(StandardWordOfVersion(*version, language)) : FallbackStandard(language);
+    if (!version) {
+        return FallbackStandard(language);
+    }
+    return {std::string(StandardWordOfVersion(*version, language)), true};
 }
 
 } // namespace Orvanta

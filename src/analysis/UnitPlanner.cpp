@@ -43,10 +43,11 @@ void AddArgument(ParsedCommand& command, std::vector<std::string>& list, const c
     list.push_back(value);
 }
 
-// By the paths as they are written: no link is followed.
-bool IsInSystemFolder(const UnitPlan& plan) {
+// The folder of the system that holds the source, as the command writes it; null when there is none. By the paths as
+// they are written: no link is followed.
+const std::string* SystemFolderOf(const UnitPlan& plan) {
     const std::vector<std::string>& folders = plan.parsed.systemIncludes;
-    return std::any_of(folders.begin(), folders.end(), [&plan](const std::string& folder) {
+    const auto holder = std::find_if(folders.begin(), folders.end(), [&plan](const std::string& folder) {
         if (folder.empty()) {
             return false; // compilers ignore it
         }
@@ -55,14 +56,18 @@ bool IsInSystemFolder(const UnitPlan& plan) {
         return !IsSeparator(path.back()) && plan.sourcePath.size() > path.size() && plan.sourcePath.starts_with(path) &&
                IsSeparator(plan.sourcePath[path.size()]);
     });
+    return holder == folders.end() ? nullptr : &*holder;
 }
 
 // The exclusion comes first: of a unit that is both, the user hears what the user has said.
-UnitVerdict VerdictOn(const UnitPlan& plan, const RunSettings& settings) {
-    if (IsExcluded(settings, plan.sourcePath)) {
-        return UnitVerdict::ExcludedBySetting;
+void Judge(UnitPlan& plan, const RunSettings& settings) {
+    if (std::optional<std::string> rule = ExclusionRule(settings, plan.sourcePath)) {
+        plan.verdict = UnitVerdict::ExcludedBySetting;
+        plan.verdictRule = *std::move(rule);
+    } else if (const std::string* const folder = settings.analyzeSystemPaths ? nullptr : SystemFolderOf(plan)) {
+        plan.verdict = UnitVerdict::InSystemFolder;
+        plan.verdictRule = "system folder " + *folder;
     }
-    return !settings.analyzeSystemPaths && IsInSystemFolder(plan) ? UnitVerdict::InSystemFolder : UnitVerdict::Analyze;
 }
 
 // Its script is a program of the build as well.
@@ -101,24 +106,28 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     }
     AddArgument(plan.parsed, plan.parsed.defines, "-D", PredefinedMacro);
     // Before the environment and the settings, both of which depend on the platform.
-    FindPlatform(plan.parsed);
-    plan.verdict = VerdictOn(plan, settings_);
+    plan.platformOrigin = FindPlatform(plan.parsed);
+    if (settings_.userSettings.contains("platform")) {
+        plan.platformOrigin = PlatformOrigin::Settings; // which wins over what was found
+    }
+    Judge(plan, settings_);
     plan.environment = EnvironmentOf(command, plan.parsed);
     // The whole environment of a build is the compiler's business; the core belongs to this run.
     plan.coreEnvironment = command.environmentScope == EnvironmentScope::Whole ? commonEnvironment_ : plan.environment;
     plan.files = NameFiles(command, unit);
     plan.preprocessing = plan.model->BuildPreprocessCommand(plan.parsed, plan.files.preprocessedPath);
-    plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, StandardOf(plan), plan.files);
+    const std::string standard = FindStandard(plan);
+    plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, standard, plan.files);
     AddIntermodularSettings(plan.settings, mode, places_.MergedFile(), plan.files.collectedPath);
     return plan;
 }
 
 // Where no flag says for what the unit is compiled, its compiler tells.
-void UnitPlanner::FindPlatform(ParsedCommand& parsed) {
+PlatformOrigin UnitPlanner::FindPlatform(ParsedCommand& parsed) {
     // Only these families know the question (-dumpmachine).
     const bool speaksGcc = parsed.compilerType == CompilerType::Gcc || parsed.compilerType == CompilerType::Clang;
     if (!speaksGcc || !parsed.platformWord.empty()) {
-        return;
+        return PlatformOrigin::Command;
     }
     const std::optional<TargetPlatform> target =
         parsed.targetTriple.empty() ? platforms_.Get(parsed.compilerPath) : PlatformOfTriple(parsed.targetTriple);
@@ -128,6 +137,10 @@ void UnitPlanner::FindPlatform(ParsedCommand& parsed) {
     if (log_.IsVerbose()) {
         TellPlatform(parsed, target);
     }
+    if (!target) {
+        return PlatformOrigin::Default;
+    }
+    return parsed.targetTriple.empty() ? PlatformOrigin::Compiler : PlatformOrigin::Command;
 }
 
 void UnitPlanner::TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target) {
@@ -190,18 +203,21 @@ std::shared_ptr<const EnvironmentBlock> UnitPlanner::EnvironmentOf(const Compile
     return std::make_shared<const EnvironmentBlock>(variables);
 }
 
-std::string UnitPlanner::StandardOf(const UnitPlan& plan) {
+std::string UnitPlanner::FindStandard(UnitPlan& plan) {
     const Language language = UnitLanguage(plan.parsed);
     const std::optional<FlagKind> stated = language == Language::C ? plan.parsed.cStandard : plan.parsed.cppStandard;
+    // The user's word wins in any case.
+    if (settings_.userSettings.contains("std")) {
+        plan.standardOrigin = StandardOrigin::Settings;
+        return "";
+    }
     if (stated) {
         return std::string(StandardWord(*stated, language));
     }
-    // The user's word wins in any case, so no compiler need be asked.
-    if (settings_.userSettings.contains("std")) {
-        return "";
-    }
-    return probe_.ProbeLanguageStandard(*plan.model, plan.parsed, language, {plan.Directory(), *plan.environment},
-                                        *plan.command->environment);
+    ProbedStandard answer = probe_.ProbeLanguageStandard(
+        *plan.model, plan.parsed, language, {plan.Directory(), *plan.environment}, *plan.command->environment);
+    plan.standardOrigin = answer.isTold ? StandardOrigin::Compiler : StandardOrigin::Fallback;
+    return std::move(answer.word);
 }
 
 } // namespace Orvanta

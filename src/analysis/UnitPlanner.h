@@ -48,10 +48,10 @@ private:
     [[nodiscard]] std::shared_ptr<const EnvironmentBlock> EnvironmentOf(const CompileCommand& invocation,
                                                                         const ParsedCommand& parsed);
     // The word for the unit's standard: what its flags say, else what the compiler answers; empty when the user's
-    // settings name one. Needs the plan's environment.
-    [[nodiscard]] std::string StandardOf(const UnitPlan& plan);
+    // settings name one. Needs the plan's environment, and notes in it where the word comes from.
+    [[nodiscard]] std::string FindStandard(UnitPlan& plan);
     // Fills in the platform where no flag has named one. May block while a cross compiler is asked.
-    void FindPlatform(ParsedCommand& parsed);
+    PlatformOrigin FindPlatform(ParsedCommand& parsed);
     // Says in the verbose log, once for each compiler, what it compiles for. An absent target is this machine's.
     void TellPlatform(const ParsedCommand& parsed, const std::optional<TargetPlatform>& target);
 

@@ -153,6 +153,17 @@ public:
         }
     }
 
+    // The same for the rows with these long names.
+    template <std::size_t Size>
+    void DeclareNamed(const OptionRow (&rows)[Size], args::Options visibility,
+                      std::span<const std::string_view> names) {
+        for (const OptionRow& row : rows) {
+            if (std::find(names.begin(), names.end(), row.longName) != names.end()) {
+                std::visit([&](auto field) { DeclareRow(row, visibility, field); }, row.field);
+            }
+        }
+    }
+
     // After the parsing: what was not given leaves the record as it is.
     void StoreInto(AnalyzeOptions& options) const {
         for (const auto& store : stores_) {
@@ -255,6 +266,16 @@ AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
     OptionReader reader(parser);
     reader.Declare(VisibleOptions, args::Options::None);
     reader.Declare(HiddenOptions, args::Options::Hidden);
+    parser.Parse();
+    AnalyzeOptions options;
+    reader.StoreInto(options);
+    return options;
+}
+
+AnalyzeOptions ParseSharedOptions(args::Subparser& parser, std::span<const std::string_view> names) {
+    OptionReader reader(parser);
+    reader.DeclareNamed(VisibleOptions, args::Options::None, names);
+    reader.DeclareNamed(HiddenOptions, args::Options::Hidden, names);
     parser.Parse();
     AnalyzeOptions options;
     reader.StoreInto(options);

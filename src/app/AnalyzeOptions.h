@@ -13,7 +13,9 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace args {
@@ -95,6 +97,11 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// Declares the options of `analyze` on its parser and parses the rest of the command line.
 /// \throws args::Error and the parser library's other exceptions
 [[nodiscard]] AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser);
+
+/// Declares on a subcommand's parser those options of `analyze` that it shares, by their long names, behind what it has
+/// declared itself, and parses the rest of the command line. Hidden ones stay hidden.
+/// \throws args::Error and the parser library's other exceptions
+[[nodiscard]] AnalyzeOptions ParseSharedOptions(args::Subparser& parser, std::span<const std::string_view> names);
 
 /// How many findings are shown at the end.
 /// \throws ZelmException

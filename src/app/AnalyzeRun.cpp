@@ -37,15 +37,10 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     return {options, std::move(settings), threads, std::move(reportPath)};
 }
 
-// Findings on standard output have no folder: what later runs need is then kept where the user stands.
-std::string FolderOf(const std::string& reportPath) {
-    return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
-}
-
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
-    : input_(InputOf(options)), outputFolder_(FolderOf(input_.reportPath)),
+    : input_(InputOf(options)), outputFolder_(OutputFolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
       shown_(FindingsToShow(options), GateOf(options)),
       progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}

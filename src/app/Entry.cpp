@@ -6,6 +6,7 @@
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
+#include "app/inspect/ExplainCommand.h"
 #include "platform/ChildWatch.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
@@ -73,6 +74,9 @@ int RunProgram(int argumentCount, const char* const* arguments) {
                                  SuppressCommand);
     const args::Command filterSuppressed(parser, "filter-suppressed", "Filter analyzer log based on suppression file",
                                          FilterSuppressedCommand);
+    const args::Command explain(parser, "explain",
+                                "Show how a file's compiler commands are read, and what a run does with them",
+                                ExplainCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 

@@ -46,27 +46,6 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     return command;
 }
 
-// What isn't there is told with what to do.
-std::string ExistingInput(const AnalyzeOptions& options) {
-    std::string path = BuildInputOf(options);
-    if (PathExists(path)) {
-        return path;
-    }
-    // Where builds mostly put it: only told, as another build's database may lie there.
-    for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
-        const std::string other = JoinPath(folder, DefaultInput);
-        if (PathExists(other)) {
-            std::string hint = other;
-            hint += " exists: -f ";
-            hint += other;
-            throw ZelmException("Couldn't open file " + path, hint);
-        }
-    }
-    throw ZelmException("Couldn't open file " + path,
-                        "Have the build make a database (cmake -DCMAKE_EXPORT_COMPILE_COMMANDS=ON) or a trace "
-                        "(strace), and name it with -f FILE");
-}
-
 // A misspelt folder would be analyzed in silence.
 void TellUnusedExclusions(const AnalyzeOptions& options, const std::vector<CompileCommand>& units, Log& log) {
     struct Exclusion {
@@ -127,6 +106,30 @@ void TellUnmatchedNames(const std::vector<std::string>& names, const CollectedCo
 
 } // namespace
 
+void AddSingleFile(const AnalyzeOptions& options, InvocationCollector& collector) {
+    collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
+}
+
+std::string ExistingInput(const AnalyzeOptions& options) {
+    std::string path = BuildInputOf(options);
+    if (PathExists(path)) {
+        return path;
+    }
+    // Where builds mostly put it: only told, as another build's database may lie there.
+    for (const char* const folder : {"build", "out", "builddir", "cmake-build-debug", "cmake-build-release"}) {
+        const std::string other = JoinPath(folder, DefaultInput);
+        if (PathExists(other)) {
+            std::string hint = other;
+            hint += " exists: -f ";
+            hint += other;
+            throw ZelmException("Couldn't open file " + path, hint);
+        }
+    }
+    throw ZelmException("Couldn't open file " + path,
+                        "Have the build make a database (cmake -DCMAKE_EXPORT_COMPILE_COMMANDS=ON) or a trace "
+                        "(strace), and name it with -f FILE");
+}
+
 std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log) {
     if (!options.sourceList && !options.dependencyFile) {
         return std::nullopt;
@@ -152,8 +155,7 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     CompilerIdentifier identifier(settings, log, stop);
     InvocationCollector collector(settings, registry, identifier, log);
     if (options.sourceFile) {
-        // In the current folder, as if the command had been typed there.
-        collector.AddInvocation(SingleFileCommand(options), CurrentDirectory(), {});
+        AddSingleFile(options, collector);
     } else {
         ReadBuildInput(ExistingInput(options), collector);
     }

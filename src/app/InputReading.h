@@ -14,6 +14,8 @@
 
 namespace Orvanta {
 
+class InvocationCollector;
+
 /// The files that `--source-files` lists and `--dep-file` names, absolute and normalised; absent when neither is given.
 /// \throws ZelmException for a list without paths
 [[nodiscard]] std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& options, Log& log);
@@ -23,6 +25,14 @@ namespace Orvanta {
 /// \throws what ReadBuildInput throws
 [[nodiscard]] CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
                                           const CompilerRegistry& registry, Log& log, const StopFlag& stop);
+
+/// Takes the invocation that `--source-file` makes up, in the current folder, as if it had been typed there.
+/// \throws ZelmException for --cl-params with an open quote
+void AddSingleFile(const AnalyzeOptions& options, InvocationCollector& collector);
+
+/// The path of the build input, which exists.
+/// \throws ZelmException with advice when it doesn't
+[[nodiscard]] std::string ExistingInput(const AnalyzeOptions& options);
 
 /// Whether an invocation that should have given a unit gave none.
 [[nodiscard]] bool HasFailedInvocation(const CollectedCommands& commands);

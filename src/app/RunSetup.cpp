@@ -2,7 +2,6 @@
 
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
-#include "platform/Console.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -53,10 +52,11 @@ void AddEnvironmentChange(RunSettings& settings, const std::string& change) {
 }
 
 // A key that means nothing to us may mean something to a core: it is handed on all the same.
-void WarnAboutKeys(const SettingsMap& settings, const std::string& path) {
+void WarnAboutKeys(const SettingsMap& settings, const std::string& path,
+                   const std::function<void(const std::string&)>& warn) {
     for (auto entry = settings.begin(); entry != settings.end(); entry = settings.upper_bound(entry->first)) {
         if (const std::string warning = KeyWarning(path, entry->first); !warning.empty()) {
-            PrintLine(warning);
+            warn(warning);
         }
     }
 }
@@ -112,11 +112,11 @@ std::string PathOrMask(const std::string& value) {
     return HasWildcard(value) ? value : AbsolutePath(value);
 }
 
-RunSettings MakeRunSettings(const AnalyzeOptions& options) {
+RunSettings MakeRunSettings(const AnalyzeOptions& options, const std::function<void(const std::string& line)>& warn) {
     RunSettings settings;
     if (const std::optional<std::string> path = SettingsFileOf(options)) {
         SettingsMap fromFile = ReadSettingsFile(*path);
-        WarnAboutKeys(fromFile, *path);
+        WarnAboutKeys(fromFile, *path, warn);
         if (*options.settingsFile == FindSettingsFile) {
             // Before anything of it is taken over.
             DropUntrusted(fromFile, *path);
@@ -155,6 +155,10 @@ std::string ReportPath(const AnalyzeOptions& options, const RunSettings& setting
     std::string path = LastValue(settings.userSettings, "output-file").value_or("");
     RequireNoInput(path, NamedInputs(options));
     return path;
+}
+
+std::string OutputFolderOf(const std::string& reportPath) {
+    return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
 }
 
 std::string SourceTreeRoot(const RunSettings& settings) {

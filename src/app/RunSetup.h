@@ -1,18 +1,22 @@
 #pragma once
 
 #include "app/AnalyzeOptions.h"
+#include "platform/Console.h"
 #include "report/MessageLine.h"
 #include "report/ReportOutputs.h"
 #include "settings/RunSettings.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
 namespace Orvanta {
 
 /// The settings of a run: the defaults, the settings file over them, the given options over both.
+/// `warn` gets a line for each key of the file that must be a slip.
 /// \throws ZelmException
-[[nodiscard]] RunSettings MakeRunSettings(const AnalyzeOptions& options);
+[[nodiscard]] RunSettings MakeRunSettings(const AnalyzeOptions& options,
+                                          const std::function<void(const std::string& line)>& warn = PrintLine);
 
 /// How a value that names a path or a mask counts: paths from the current folder, masks as they are.
 [[nodiscard]] std::string PathOrMask(const std::string& value);
@@ -23,6 +27,10 @@ namespace Orvanta {
 
 /// The absolute path of the run's report; empty when the findings go to standard output.
 [[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
+
+/// The folder whose ".Orvanta" keeps what later runs need: the report's; of findings that go to standard output, the
+/// one where the user stands.
+[[nodiscard]] std::string OutputFolderOf(const std::string& reportPath);
 
 /// The folder that the report writes as "|?|"; empty when paths stay as they are.
 [[nodiscard]] std::string SourceTreeRoot(const RunSettings& settings);

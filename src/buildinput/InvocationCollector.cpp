@@ -11,6 +11,8 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace Orvanta {
@@ -167,6 +169,9 @@ void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments,
                                             const Environment& environment, EnvironmentScope scope) {
     // Counted before anything can fail: an invocation's number is its place in the input.
     ++collected_.invocations;
+    if (!IsWanted(arguments, workingDirectory)) {
+        return;
+    }
     std::optional<InvocationRefusal> refusal;
     try {
         // Only errors that this system has put into words are the invocation's; others, such as a full memory, are the
@@ -183,7 +188,36 @@ void InvocationCollector::AddInvocationFrom(std::vector<std::string>& arguments,
 
 void InvocationCollector::AddUnreadable(const std::vector<std::string>& arguments, std::string reason) {
     ++collected_.invocations;
-    Skip(arguments, {InvocationFate::Unreadable, std::move(reason)});
+    if (IsWanted(arguments, {})) {
+        Skip(arguments, {InvocationFate::Unreadable, std::move(reason)});
+    }
+}
+
+void InvocationCollector::TakeBy(InvocationSieve& sieve) {
+    sieve_ = &sieve;
+    reader_.TellFiles([&sieve](const std::string& path, const std::vector<std::string>& words) {
+        sieve.trails.back().files.push_back({path, words});
+    });
+}
+
+bool InvocationCollector::IsWanted(const std::vector<std::string>& arguments, const std::string& workingDirectory) {
+    if (sieve_ == nullptr) {
+        return true;
+    }
+    if (!sieve_->wants(arguments)) {
+        return false;
+    }
+    sieve_->trails.push_back({collected_.invocations, arguments, workingDirectory, {}, {}, {}});
+    return true;
+}
+
+void InvocationCollector::NoteLaunchers(std::vector<std::string> before, const std::vector<std::string>& arguments) {
+    InvocationTrail& trail = sieve_->trails.back();
+    auto end = arguments.empty() ? before.end() : std::find(before.begin(), before.end(), arguments.front());
+    if (end == before.end() && !arguments.empty()) {
+        end -= static_cast<std::ptrdiff_t>(arguments.size()); // its name has been brought into another form
+    }
+    trail.launcher.insert(trail.launcher.end(), std::make_move_iterator(before.begin()), std::make_move_iterator(end));
 }
 
 void InvocationCollector::Skip(const std::vector<std::string>& arguments, InvocationRefusal refusal) {
@@ -235,7 +269,11 @@ std::optional<InvocationRefusal> InvocationCollector::CollectLaunched(std::vecto
     if (arguments[0] == plainCompiler_) {
         return Collect(arguments, workingDirectory, environment, scope);
     }
+    std::vector<std::string> before = sieve_ != nullptr ? arguments : std::vector<std::string>();
     const LauncherEffects effects = RemoveLaunchers(arguments, settings_.launcherNames);
+    if (sieve_ != nullptr && effects.any) {
+        NoteLaunchers(std::move(before), arguments);
+    }
     if (!effects.otherPurpose.empty()) {
         return InvocationRefusal{InvocationFate::NotACompilation, std::string(effects.otherPurpose)};
     }
@@ -295,6 +333,12 @@ std::optional<InvocationRefusal> InvocationCollector::Collect(std::vector<std::s
     CompilerIdentifier::Result identified = identifier_.IdentifyCompiler(arguments, *directory.absolute, environment);
     if (std::optional<InvocationRefusal> refusal = RefuseCompiler(identified, arguments.front())) {
         return refusal;
+    }
+    if (sieve_ != nullptr) {
+        if (identified.wrapped) {
+            sieve_->trails.back().launcher.emplace_back(Ccache);
+        }
+        sieve_->trails.back().command = arguments;
     }
     // Before the variables are added: which of them count depends on the family.
     identified.compiler = records_.InDriverMode(identified.compiler, arguments);

@@ -2,6 +2,7 @@
 
 #include "buildinput/BuildInput.h"
 #include "buildinput/InvocationReader.h"
+#include "buildinput/InvocationTrail.h"
 #include "buildinput/SharedRecords.h"
 #include "compilers/CompilerIdentifier.h"
 #include "platform/Log.h"
@@ -40,6 +41,12 @@ public:
 
     /// Relative working directories are taken from here on from `directory`; until set, from the current directory.
     void SetBaseDirectory(std::string directory) { records_.SetBaseDirectory(std::move(directory)); }
+
+    /// From now on only what the sieve wants is taken, and it gets the trail of each. It outlives the collector.
+    void TakeBy(InvocationSieve& sieve);
+
+    /// The next invocation is this one of the input, counted from 1: those between are passed over.
+    void ContinueAt(std::size_t invocation) noexcept { collected_.invocations = invocation - 1; }
 
     /// Takes one invocation: compiler first; no arguments when its command string can't be split.
     /// \throws nothing for what is wrong with the invocation itself: that is its fate
@@ -89,6 +96,10 @@ private:
     [[nodiscard]] std::optional<InvocationRefusal> RefuseOutline(const InvocationOutline& outline,
                                                                  const std::vector<std::string>& arguments,
                                                                  const std::string& directory) const;
+    /// Whether the sieve, where there is one, wants the invocation; begins its trail.
+    [[nodiscard]] bool IsWanted(const std::vector<std::string>& arguments, const std::string& workingDirectory);
+    /// Notes in the trail which words were taken off in front of the compiler; `before` had them all.
+    void NoteLaunchers(std::vector<std::string> before, const std::vector<std::string>& arguments);
     /// Records the present invocation as one that gave no unit.
     void Skip(const std::vector<std::string>& arguments, InvocationRefusal refusal);
 
@@ -99,6 +110,7 @@ private:
     InvocationReader reader_;
     std::string plainCompiler_; // the last first word of a command that is a compiler and no launcher: mostly the same
     CollectedCommands collected_;
+    InvocationSieve* sieve_ = nullptr; // null: all are taken, and leave no trail
     bool leavesOutDeleted_ = false;
 };
 

@@ -75,6 +75,7 @@ ResponseFileReading InvocationReader::ReadingFor(const CompilerInfo& compiler) {
         reading.compilers = NativeQuoting::Gnu;
     }
     reading.isNative = settings_.nativeResponseFiles;
+    reading.tellFile = tellFile_;
     reading.tellDifference = [this](const std::string& path, const std::string& word, const std::string& native) {
         // Once for each file: a build hands the same one to many commands.
         if (toldResponseFiles_.insert(path).second) {

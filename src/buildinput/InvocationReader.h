@@ -6,8 +6,10 @@
 #include "settings/RunSettings.h"
 
 #include <cstddef>
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Orvanta {
@@ -22,6 +24,11 @@ class InvocationReader {
 public:
     /// Both outlive the object. `log` takes what differs from how a compiler reads its files.
     InvocationReader(const RunSettings& settings, Log& log) : settings_(settings), log_(log) {}
+
+    /// From now on each response file that is read is told to `receiver`, as ResponseFileReading says.
+    void TellFiles(std::function<void(const std::string& path, const std::vector<std::string>& words)> receiver) {
+        tellFile_ = std::move(receiver);
+    }
 
     /// Adds what variables, response files and option files say to the arguments, in the order in which the compiler
     /// reads them.
@@ -43,6 +50,7 @@ private:
     const RunSettings& settings_;
     Log& log_;
     std::set<std::string> toldResponseFiles_;
+    std::function<void(const std::string&, const std::vector<std::string>&)> tellFile_; // mostly empty
 };
 
 } // namespace Orvanta

@@ -176,6 +176,9 @@ std::vector<std::string> Expand(const std::string& path, const std::string& dire
     // first.
     Count(totals, 0, text.size(), path, reading);
     std::vector<std::string> words = WordsOf(text, path, reading);
+    if (reading.tellFile) {
+        reading.tellFile(JoinPath(directory, path), words);
+    }
     Count(totals, words.size(), 0, path, reading);
     std::vector<std::string> arguments;
     for (std::string& word : words) {

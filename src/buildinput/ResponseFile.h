@@ -29,7 +29,9 @@ struct ResponseFileReading {
     std::optional<NativeQuoting> compilers = {}; ///< how the unit's compiler splits; absent: not known
     bool isNative = false;                       ///< whether its rules hold in place of the driver's
     DifferenceReceiver tellDifference = {};      ///< may be empty
-    std::size_t mostWords = 16'000'000;          ///< that the files of one command may hold together
+    /// Is told of each file that is read, with its words before nested files are put in; may be empty.
+    std::function<void(const std::string& path, const std::vector<std::string>& words)> tellFile = {};
+    std::size_t mostWords = 16'000'000; ///< that the files of one command may hold together
     std::size_t mostBytes = std::size_t{256} << 20U;
 };
 

@@ -29,6 +29,7 @@ std::shared_ptr<const CompilerInfo> SharedRecords::InDriverMode(const std::share
         // A record of its own: other commands use the same program without the flag.
         auto copy = std::make_shared<CompilerInfo>(*compiler);
         copy->type = CompilerType::ClangCl;
+        copy->rule += ", and --driver-mode=cl stands in its command";
         inMode = std::move(copy);
     }
     return inMode;

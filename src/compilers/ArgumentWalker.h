@@ -41,6 +41,12 @@ struct FlagUse {
     std::size_t wordCount = 0;
 };
 
+/// Whether a flag stays in the preprocessing command of the source that argument `source` names. There the source
+/// stands last, so that a language for the files behind it would be its own.
+[[nodiscard]] inline bool StaysForPreprocessing(const FlagUse& use, std::size_t source) noexcept {
+    return use.match.row->isKept && (use.match.row->kind != FlagKind::Language || use.index < source);
+}
+
 /// One input file of a command line.
 struct InputFile {
     std::size_t index = 0;  ///< of the argument that names it
@@ -52,7 +58,8 @@ struct InputFile {
 
 /// Goes once through a command line (compiler first, response files expanded) and calls `visitor.Flag(const FlagUse&)`
 /// and `visitor.Input(const InputFile&)` in the order of the arguments: the one place that knows which argument is a
-/// flag, which is a flag's value and which is a file. Allocates nothing. Used by CommandLineReader only.
+/// flag, which is a flag's value and which is a file. Allocates nothing. Used by CommandLineReader and CommandNotes
+/// only.
 template <typename Visitor>
 class ArgumentWalker {
 public:

@@ -148,9 +148,8 @@ void CommandVisitor::Flag(const FlagUse& use) {
     RecordStandard(row);
     RecordCharSign(row.effect);
     RecordValue(use);
-    // In the preprocessing command the source stands last, so that a later language would be its own.
     const std::size_t before = command_.keptArguments.size();
-    if (row.isKept && (row.kind != FlagKind::Language || use.index < source_)) {
+    if (StaysForPreprocessing(use, source_)) {
         Keep(use);
     }
     // With the place of its words, so that they can be taken out again.

@@ -21,21 +21,21 @@ constexpr std::string_view LauncherName = "ccache";
 
 struct NameRule {
     std::string_view name;
-    CompilerType type;
+    FamilyRuling ruling;
 };
 
 // These compare with the name without its extension, so that cl.exe is cl. The other rules take the whole file name:
 // armcc.exe is asked for its version instead.
 constexpr NameRule StemRules[] = {
-    {"clang-cl", CompilerType::ClangCl},
-    {"cl", CompilerType::Cl},
+    {"clang-cl", {CompilerType::ClangCl, "its name without extension is clang-cl"}},
+    {"cl", {CompilerType::Cl, "its name without extension is cl"}},
 };
 // Tried after "contains clang", which "armclang" alone escapes.
 constexpr NameRule FileNameRules[] = {
-    {"qcc", CompilerType::Qcc},
-    {"xc8-cc", CompilerType::XC8},
-    {"armcc", CompilerType::Keil5},
-    {"armcl", CompilerType::TiArmCGT},
+    {"qcc", {CompilerType::Qcc, "its name is qcc"}},
+    {"xc8-cc", {CompilerType::XC8, "its name is xc8-cc"}},
+    {"armcc", {CompilerType::Keil5, "its name is armcc"}},
+    {"armcl", {CompilerType::TiArmCGT, "its name is armcl"}},
 };
 
 constexpr std::string_view WhiteSpace = " \t\n\r\v\f";
@@ -48,15 +48,15 @@ std::string_view TakeWord(std::string_view& text) {
 }
 
 // A word such as "V7.80.4" names the release; the compilers before 8 have other options.
-CompilerType IarGeneration(std::string_view text) {
+FamilyRuling IarGeneration(std::string_view text) {
     for (std::string_view word = TakeWord(text); !word.empty(); word = TakeWord(text)) {
         std::int32_t release = 0;
         if (word.front() == 'V' &&
             std::from_chars(word.data() + 1, word.data() + word.size(), release).ec == std::errc() && release < 8) {
-            return CompilerType::IARArm_v7_OrOlder;
+            return {CompilerType::IARArm_v7_OrOlder, "its version text says IAR, of a release before 8"};
         }
     }
-    return CompilerType::IARArm;
+    return {CompilerType::IARArm, "its version text says IAR"};
 }
 
 std::string VariableLines(const Environment& environment) {
@@ -196,8 +196,9 @@ std::shared_ptr<const CompilerInfo> CompilerIdentifier::Judge(const std::string&
     info->path = path;
     if (!MayStart(settings_, path)) {
         info->fault = "The compiler \"" + path + "\" lies in none of the folders of --compiler-path";
-    } else if (const std::optional<CompilerType> type = CompilerTypeByName(path)) {
-        info->type = *type; // a name that tells saves the start of a program
+    } else if (const std::optional<FamilyRuling> ruling = FamilyByName(path)) {
+        info->type = ruling->type; // a name that tells saves the start of a program
+        info->rule = ruling->rule;
     } else if (!AskForVersion(*info, workingDirectory, environment)) {
         return info;
     }
@@ -235,7 +236,9 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
         // Compilers differ in where they print it.
         compiler.version = output.standardOutput + output.standardError;
         // Whatever the program returns: one that refuses the question may have told its name all the same.
-        compiler.type = CompilerTypeByVersionText(compiler.version);
+        const FamilyRuling ruling = FamilyByVersionText(compiler.version);
+        compiler.type = ruling.type;
+        compiler.rule = ruling.rule;
         if (end.exitCode != 0) {
             log_.VerboseLine(
                 FillPlaceholders("Compiler version output command returned code %1%.\nCommand: %2%\nOutput:\n%3%",
@@ -248,42 +251,42 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     return true;
 }
 
-std::optional<CompilerType> CompilerTypeByName(std::string_view path) {
+std::optional<FamilyRuling> FamilyByName(std::string_view path) {
     // The stems come first: "clang-cl" contains "clang".
     const std::string_view stem = StemOf(path);
     if (const NameRule* const rule = FindRow(StemRules, &NameRule::name, stem, EqualsIgnoringCase)) {
-        return rule->type;
+        return rule->ruling;
     }
     const std::string_view name = FileNameOf(path);
     if (EqualsIgnoringCase(name, "armclang")) {
-        return CompilerType::Keil6;
+        return FamilyRuling{CompilerType::Keil6, "its name is armclang"};
     }
     if (ContainsIgnoringCase(name, "clang")) {
-        return CompilerType::Clang;
+        return FamilyRuling{CompilerType::Clang, "its name contains clang"};
     }
     const NameRule* const rule = FindRow(FileNameRules, &NameRule::name, name, EqualsIgnoringCase);
-    return rule != nullptr ? std::optional(rule->type) : std::nullopt;
+    return rule != nullptr ? std::optional(rule->ruling) : std::nullopt;
 }
 
-CompilerType CompilerTypeByVersionText(std::string_view text) {
+FamilyRuling FamilyByVersionText(std::string_view text) {
     if (text.find("IAR") != std::string_view::npos) {
         return IarGeneration(text);
     }
     if (text.starts_with("Microchip MPLAB XC8 C Compiler")) {
-        return CompilerType::XC8;
+        return {CompilerType::XC8, "its version text begins as that of XC8"};
     }
     if (ContainsIgnoringCase(text, "arm embedded") && ContainsIgnoringCase(text, "gnu")) {
-        return CompilerType::GccARM;
+        return {CompilerType::GccARM, "its version text says GNU and ARM Embedded"};
     }
     if (ContainsIgnoringCase(text, "apple llvm")) {
-        return CompilerType::Clang;
+        return {CompilerType::Clang, "its version text says Apple LLVM"};
     }
     const std::string_view firstWord = text.substr(0, text.find(' '));
     if (firstWord.find("llvm") != std::string_view::npos || firstWord.find("clang") != std::string_view::npos) {
-        return CompilerType::Clang;
+        return {CompilerType::Clang, "the first word of its version text names clang or llvm"};
     }
     // GCC's text begins with the name under which it was called, which may be any: what nothing else tells is GCC.
-    return CompilerType::Gcc;
+    return {CompilerType::Gcc, "it answers --version, and nothing names another family"};
 }
 
 } // namespace Orvanta

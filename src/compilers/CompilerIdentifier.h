@@ -94,10 +94,16 @@ private:
     std::string key_;                                                            // of the look-up under way
 };
 
+/// A family, and the rule that has told it, as a user reads it.
+struct FamilyRuling {
+    CompilerType type = CompilerType::Unknown;
+    std::string_view rule; ///< a constant of the program
+};
+
 /// The family by the compiler's file name, as far as the name tells it.
-[[nodiscard]] std::optional<CompilerType> CompilerTypeByName(std::string_view path);
+[[nodiscard]] std::optional<FamilyRuling> FamilyByName(std::string_view path);
 
 /// The family by the text that "--version" printed, standard output first.
-[[nodiscard]] CompilerType CompilerTypeByVersionText(std::string_view text);
+[[nodiscard]] FamilyRuling FamilyByVersionText(std::string_view text);
 
 } // namespace Orvanta

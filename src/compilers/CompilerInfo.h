@@ -12,6 +12,7 @@ struct CompilerInfo {
     std::string path;    ///< absolute
     std::string version; ///< the text that "--version" printed; empty when the name alone decided
     std::string fault;   ///< why it can't be started; empty when it can, as far as is known
+    std::string rule;    ///< which rule has told the family, for whoever asks why; empty for an unknown one
 };
 
 } // namespace Orvanta

@@ -40,9 +40,10 @@ enum class FlagValue : std::uint8_t {
 /// What a flag has to do with files beside sources, headers and the output.
 enum class FlagFile : std::uint8_t {
     None,
-    Read,        ///< its value names a file that is read
-    ReadAsSpecs, ///< likewise, and the file may lie behind a search prefix
-    Written,     ///< it makes the compiler write one
+    Read,         ///< its value names a file that is read
+    ReadAsSpecs,  ///< likewise, and the file may lie behind a search prefix
+    Written,      ///< it makes the compiler write one
+    AboutWritten, ///< it says something about one that another flag has it write
 };
 
 /// All facts about one flag. The name stands without its introducer.

@@ -4,9 +4,11 @@
 #include "history/PathShortener.h"
 #include "history/WantedFiles.h"
 #include "platform/Exceptions.h"
+#include "platform/Files.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -24,6 +26,7 @@ struct UnitHistory::State : HistoryState {
 
     // Of the questions.
     [[nodiscard]] bool IsCurrent(VersionNumber version);
+    [[nodiscard]] std::optional<VersionNumber> FirstChanged(std::size_t unit);
     [[nodiscard]] bool HasCurrentList(std::size_t unit);
     [[nodiscard]] bool HasFindings(std::size_t unit);
 
@@ -57,10 +60,16 @@ bool UnitHistory::State::IsCurrent(VersionNumber version) {
     return isCurrent[place] == 1;
 }
 
-bool UnitHistory::State::HasCurrentList(std::size_t unit) {
+/// The first version of the unit's list that its file does not have now.
+std::optional<VersionNumber> UnitHistory::State::FirstChanged(std::size_t unit) {
     const std::span<const VersionNumber> list = record.ListOf(unit);
-    return record.HasList(unit) &&
-           std::all_of(list.begin(), list.end(), [this](VersionNumber version) { return IsCurrent(version); });
+    const auto changed =
+        std::find_if_not(list.begin(), list.end(), [this](VersionNumber version) { return IsCurrent(version); });
+    return changed == list.end() ? std::nullopt : std::optional(*changed);
+}
+
+bool UnitHistory::State::HasCurrentList(std::size_t unit) {
+    return record.HasList(unit) && !FirstChanged(unit);
 }
 
 /// Whether what the last success of the unit found can be read. It is looked at here, before anything relies on it:
@@ -194,6 +203,50 @@ bool UnitHistory::KnowsDependencies(std::size_t unit) {
 bool UnitHistory::IsUnchanged(std::size_t unit) {
     return IsLeftOut(unit) ||
            (state_->record[unit].hasResult != 0 && state_->HasCurrentList(unit) && state_->HasFindings(unit));
+}
+
+UnitStanding UnitHistory::StandingOf(std::size_t unit) {
+    using Kind = UnitStanding::Kind;
+    if (IsLeftOut(unit)) {
+        return {Kind::LeftOut};
+    }
+    if (state_->record[unit].hasList == 0) {
+        return {Kind::Unknown};
+    }
+    if (!state_->record.HasList(unit)) {
+        return {Kind::InputsChanged};
+    }
+    if (const std::optional<VersionNumber> changed = state_->FirstChanged(unit)) {
+        return {Kind::FileChanged, state_->files.PathOf(state_->files.FileOf(*changed))};
+    }
+    if (IsUnchanged(unit)) {
+        return {Kind::Unchanged};
+    }
+    // The question has forgotten a result whose findings are damaged.
+    return {state_->record[unit].findings.size != 0 ? Kind::FindingsLost : Kind::NoResult};
+}
+
+std::vector<std::string> UnitHistory::SourcesMadeOf(const std::string& path) const {
+    State& state = *state_;
+    const std::string target = ResolveLinks(path);
+    std::unordered_map<FileNumber, bool> isWanted; // each file is compared once, however many units name it
+    const auto isOf = [&](VersionNumber version) {
+        const auto [answer, isNew] = isWanted.try_emplace(state.files.FileOf(version));
+        if (isNew) {
+            const std::string known = state.files.PathOf(answer->first);
+            answer->second = known == path || known == target;
+        }
+        return answer->second;
+    };
+    std::set<std::string> sources;
+    for (std::size_t unit = 0; unit < state.record.Size(); ++unit) {
+        const std::span<const VersionNumber> named = state.record.NamedOf(unit);
+        if (std::any_of(named.begin(), named.end(), isOf)) {
+            const VersionNumber source = state.record.ListOf(unit)[state.record[unit].sourcePlace];
+            sources.insert(state.files.PathOf(state.files.FileOf(source)));
+        }
+    }
+    return {sources.begin(), sources.end()};
 }
 
 bool UnitHistory::IsLeftOut(std::size_t unit) {

@@ -53,6 +53,22 @@ namespace Orvanta {
 
 class UnitWatch;
 
+/// What stands between a unit and its last result.
+struct UnitStanding {
+    enum class Kind {
+        Unchanged,     ///< the result stands
+        LeftOut,       ///< it was left out, and would be again
+        Unknown,       ///< no run knows it
+        InputsChanged, ///< its command, settings, variables, compiler or core are others
+        FileChanged,   ///< `path` is another version, or can't be told to be the same
+        NoResult,      ///< its last run has failed, or was no analysis
+        FindingsLost,  ///< what it found can't be read any more
+    };
+
+    Kind kind = Kind::Unknown;
+    std::string path = {}; ///< of the first file that has changed
+};
+
 /// The history of the units of one run; what it keeps of other units stays until their source is gone. A file is looked
 /// up on disk once per run, however many units include it.
 ///
@@ -74,6 +90,13 @@ public:
 
     /// Why the last `Read` found the file unreadable; empty when it did not.
     [[nodiscard]] const std::string& Fault() const;
+
+    /// Why the unit would run again, or that it would not.
+    [[nodiscard]] UnitStanding StandingOf(std::size_t unit);
+
+    /// The sources of all units known, those of other runs too, that are made of the file at `path`, which is absolute
+    /// and normalised; in the order of the text, each once.
+    [[nodiscard]] std::vector<std::string> SourcesMadeOf(const std::string& path) const;
 
     /// Whether the files that the unit is made of are known, and none of them, nor the unit's inputs, has changed
     /// since.

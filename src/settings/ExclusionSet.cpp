@@ -59,21 +59,22 @@ bool FitsMask(std::string_view text, std::string_view mask) {
 
 void ExclusionSet::Add(std::string_view value) {
     if (HasWildcard(value)) {
-        masks_.push_back(FoldForMask(value));
+        masks_.push_back({FoldForMask(value), std::string(value)});
     } else if (!value.empty()) {
         std::string prefix = NormalizePath(value, rules_);
         prefixes_.insert(rules_ == PathRules::Windows ? ToLowerAscii(prefix) : std::move(prefix));
     }
 }
 
-bool ExclusionSet::Matches(std::string_view path) const {
-    return MatchesPrefix(path) || MatchesMask(path);
+std::optional<std::string_view> ExclusionSet::RuleFor(std::string_view path) const {
+    const std::optional<std::string_view> prefix = PrefixFor(path);
+    return prefix ? prefix : MaskFor(path);
 }
 
-bool ExclusionSet::MatchesPrefix(std::string_view path) const {
+std::optional<std::string_view> ExclusionSet::PrefixFor(std::string_view path) const {
     // Every unit asks, and most runs have no prefix: then nothing is folded or copied.
     if (prefixes_.empty()) {
-        return false;
+        return std::nullopt;
     }
     std::string folded;
     if (rules_ == PathRules::Windows) {
@@ -83,8 +84,8 @@ bool ExclusionSet::MatchesPrefix(std::string_view path) const {
     }
     // The path itself, its folder, and so on up to the root, which is its own folder.
     while (!path.empty()) {
-        if (prefixes_.contains(path)) {
-            return true;
+        if (const auto prefix = prefixes_.find(path); prefix != prefixes_.end()) {
+            return *prefix;
         }
         const std::string_view parent = DirectoryOf(path, rules_);
         if (parent.size() == path.size()) {
@@ -92,17 +93,18 @@ bool ExclusionSet::MatchesPrefix(std::string_view path) const {
         }
         path = parent;
     }
-    return false;
+    return std::nullopt;
 }
 
-bool ExclusionSet::MatchesMask(std::string_view path) const {
+std::optional<std::string_view> ExclusionSet::MaskFor(std::string_view path) const {
     // The same for masks: folding a path costs more than the question.
     if (masks_.empty()) {
-        return false;
+        return std::nullopt;
     }
     const std::string folded = FoldForMask(path);
-    return std::any_of(masks_.begin(), masks_.end(),
-                       [&folded](const std::string& mask) { return FitsMask(folded, mask); });
+    const auto mask = std::find_if(masks_.begin(), masks_.end(),
+                                   [&folded](const Mask& candidate) { return FitsMask(folded, candidate.folded); });
+    return mask == masks_.end() ? std::nullopt : std::optional<std::string_view>(mask->written);
 }
 
 } // namespace Orvanta

@@ -3,6 +3,7 @@
 #include "platform/Paths.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -25,7 +26,10 @@ public:
     void Add(std::string_view value);
 
     /// `path` is absolute and normalised.
-    [[nodiscard]] bool Matches(std::string_view path) const;
+    [[nodiscard]] bool Matches(std::string_view path) const { return RuleFor(path).has_value(); }
+
+    /// The entry that matches, as long as the set is not changed: a mask as it was given, a prefix normalised.
+    [[nodiscard]] std::optional<std::string_view> RuleFor(std::string_view path) const;
 
     /// Whether it excludes nothing.
     [[nodiscard]] bool IsEmpty() const noexcept { return prefixes_.empty() && masks_.empty(); }
@@ -38,14 +42,19 @@ private:
         std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
     };
 
-    // Whether one of the prefixes is the path or one of the folders above it.
-    [[nodiscard]] bool MatchesPrefix(std::string_view path) const;
-    // Whether one of the masks fits the whole path. Costs one look at each mask.
-    [[nodiscard]] bool MatchesMask(std::string_view path) const;
+    struct Mask {
+        std::string folded;
+        std::string written;
+    };
+
+    // The prefix that is the path or one of the folders above it.
+    [[nodiscard]] std::optional<std::string_view> PrefixFor(std::string_view path) const;
+    // The first mask that fits the whole path. Costs one look at each mask.
+    [[nodiscard]] std::optional<std::string_view> MaskFor(std::string_view path) const;
 
     PathRules rules_;
     std::unordered_set<std::string, PrefixHash, std::equal_to<>> prefixes_; // normalised, folded where the system folds
-    std::vector<std::string> masks_;                                        // folded
+    std::vector<Mask> masks_;
 };
 
 } // namespace Orvanta

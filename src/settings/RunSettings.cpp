@@ -81,9 +81,17 @@ bool MayStart(const RunSettings& run, const std::string& program) {
     return run.compilerFolders.IsEmpty() || run.compilerFolders.Matches(NormalizePath(ResolveLinks(program)));
 }
 
-bool IsExcluded(const RunSettings& run, std::string_view sourcePath) {
+std::optional<std::string> ExclusionRule(const RunSettings& run, std::string_view sourcePath) {
     // An exclusion counts also for what `--analyze-only` names.
-    return (!run.onlyPaths.IsEmpty() && !run.onlyPaths.Matches(sourcePath)) || run.exclusions.Matches(sourcePath);
+    if (!run.onlyPaths.IsEmpty() && !run.onlyPaths.Matches(sourcePath)) {
+        return "--analyze-only";
+    }
+    const std::optional<std::string_view> rule = run.exclusions.RuleFor(sourcePath);
+    return rule ? std::optional("exclude-path " + std::string(*rule)) : std::nullopt;
+}
+
+bool IsExcluded(const RunSettings& run, std::string_view sourcePath) {
+    return ExclusionRule(run, sourcePath).has_value();
 }
 
 } // namespace Orvanta

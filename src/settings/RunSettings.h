@@ -54,8 +54,11 @@ void OverrideSetting(RunSettings& run, const std::string& key, std::string value
 /// one of the folders. Asks the system. Any thread may ask.
 [[nodiscard]] bool MayStart(const RunSettings& run, const std::string& program);
 
-/// Whether a unit with this source, an absolute and normalised path, is to be left out by the exclusions or by
-/// `--analyze-only`. Any thread may ask.
+/// What leaves out a unit with this source, an absolute and normalised path, as a user reads it: one of the exclusions,
+/// or `--analyze-only`; absent when it is not left out. Any thread may ask.
+[[nodiscard]] std::optional<std::string> ExclusionRule(const RunSettings& run, std::string_view sourcePath);
+
+/// Whether there is such a rule.
 [[nodiscard]] bool IsExcluded(const RunSettings& run, std::string_view sourcePath);
 
 } // namespace Orvanta

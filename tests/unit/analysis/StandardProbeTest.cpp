@@ -56,7 +56,7 @@ public:
     std::string Probe(Language language, std::vector<std::string> keptArguments = {}, const Environment& own = {}) {
         ParsedCommand command = command_;
         command.keptArguments = std::move(keptArguments);
-        return probe_.ProbeLanguageStandard(model_, command, language, {directory_, OwnEnvironmentBlock()}, own);
+        return probe_.ProbeLanguageStandard(model_, command, language, {directory_, OwnEnvironmentBlock()}, own).word;
     }
 
     [[nodiscard]] std::size_t Calls() const {
