@@ -1,5 +1,12 @@
-# The libraries that we use: threads, and headers of nlohmann/json, args and backward-cpp.
+# The libraries that we use: threads, hashes, compression, and headers of nlohmann/json, args and backward-cpp.
 find_package(Threads REQUIRED)
+find_package(ZLIB REQUIRED)
+find_library(GCRYPT_LIBRARY gcrypt REQUIRED)
+find_library(GPG_ERROR_LIBRARY gpg-error REQUIRED)
+set(GCRYPT_LIBRARIES ${GCRYPT_LIBRARY} ${GPG_ERROR_LIBRARY})
+if(WIN32)
+    list(APPEND GCRYPT_LIBRARIES ws2_32)
+endif()
 
 if(CMAKE_CROSSCOMPILING)
     # Headers alone serve every system, but beside them in the system's folder lie those of its own C library. So the

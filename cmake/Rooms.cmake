@@ -9,8 +9,9 @@ set(ORVANTA_ROOMS
     "src/compilers settings platform"
     "src/buildinput compilers settings platform"
     "src/history buildinput compilers report settings platform"
-    "src/analysis history buildinput compilers report settings platform"
-    "src/app analysis history render suppress buildinput compilers report settings platform"
+    "src/cache report settings platform"
+    "src/analysis cache history buildinput compilers report settings platform"
+    "src/app analysis cache history render suppress buildinput compilers report settings platform"
     "cores/cppcheck report settings platform")
 
 # orvanta_link_room(TARGET FOLDER)

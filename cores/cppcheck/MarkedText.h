@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cppcheck/CodeScanner.h"
-#include "cppcheck/LineMarker.h"
+#include "platform/LineMarker.h"
 
 #include <cstddef>
 #include <cstdint>

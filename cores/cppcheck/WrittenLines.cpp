@@ -1,7 +1,7 @@
 #include "cppcheck/WrittenLines.h"
 
 #include "cppcheck/FileAlias.h"
-#include "cppcheck/LineMarker.h"
+#include "platform/LineMarker.h"
 #include "platform/Text.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-#include "cppcheck/LineMarker.h"
+#include "platform/LineMarker.h"
 
 #include "platform/Text.h"
 
