@@ -11,6 +11,7 @@ enum class AnalyzerStatus {
     Stopped = 4, ///< the user stopped the run before the unit was done, or before it was started
     Excluded = 5,
     CarriedOver = 6, ///< nothing has changed since its last run: what that found is reported again
+    FromCache = 8,   ///< its text was analyzed before, here or elsewhere: what that found is reported again
     NotListed = 7,   ///< the list of source files names neither its source nor a file that it includes
 };
 

@@ -45,6 +45,7 @@ const char* StatusWord(AnalyzerStatus status) {
     case AnalyzerStatus::Stopped:
     case AnalyzerStatus::Excluded:
     case AnalyzerStatus::CarriedOver:
+    case AnalyzerStatus::FromCache:
     case AnalyzerStatus::NotListed:
         break;
     }

@@ -36,7 +36,8 @@ int CombinedResult(const RunOutcome& outcome) noexcept {
         return InterruptedExitCode;
     }
     const bool someSucceeded = hasAny([](AnalyzerStatus status) {
-        return status == AnalyzerStatus::Analyzed || status == AnalyzerStatus::CarriedOver;
+        return status == AnalyzerStatus::Analyzed || status == AnalyzerStatus::CarriedOver ||
+               status == AnalyzerStatus::FromCache;
     });
     const bool someFailed = hasAny([](AnalyzerStatus status) { return IsFailure(status); });
     return someSucceeded && !someFailed ? 0 : 1;

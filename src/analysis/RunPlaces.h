@@ -6,13 +6,16 @@
 
 namespace Orvanta {
 
+class ResultCache;
+
 /// Where a run finds its core and puts its files.
 struct RunPlaces {
     std::string corePath;
-    std::string coreVersion;     ///< what the core says stands behind it; empty when it doesn't say
-    std::string unitFolder;      ///< takes the files of the units; exists
-    std::string temporaryFolder; ///< takes all other files that go with the run; exists
-    std::string outputFolder;    ///< of the report: what later runs and stages need lies in ".Orvanta" in there
+    std::string coreVersion;      ///< what the core says stands behind it; empty when it doesn't say
+    std::string unitFolder;       ///< takes the files of the units; exists
+    std::string temporaryFolder;  ///< takes all other files that go with the run; exists
+    std::string outputFolder;     ///< of the report: what later runs and stages need lies in ".Orvanta" in there
+    ResultCache* cache = nullptr; ///< of results of earlier runs; null when there is none
     SettingsFile::Lifetime unitFiles = SettingsFile::Lifetime::Remove; ///< of the preprocessed and the settings files
 
     /// What the core links of all units in an intermodular analysis.

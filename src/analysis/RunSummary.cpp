@@ -30,6 +30,7 @@ std::size_t WeightOf(AnalyzerStatus status) {
     case AnalyzerStatus::Excluded:
         return 1;
     case AnalyzerStatus::CarriedOver:
+    case AnalyzerStatus::FromCache:
         return 2;
     case AnalyzerStatus::Analyzed:
         return 3;

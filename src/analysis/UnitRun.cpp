@@ -144,7 +144,7 @@ AnalyzerStatus UnitRun::Do(const Work::Analyze& work) {
             return AnalyzerStatus::CarriedOver;
         }
     }
-    return AnalyzeText();
+    return RecallOrAnalyze(nullptr);
 }
 
 AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
@@ -166,9 +166,9 @@ AnalyzerStatus UnitRun::Do(const Work::AnalyzeAndKeep& work) {
     } else if (Preprocess() == ProcessOutcome::Stopped) {
         return AnalyzerStatus::Stopped;
     }
-    const AnalyzerStatus status = AnalyzeText();
+    const AnalyzerStatus status = RecallOrAnalyze(&*dependencies);
     // Any other end drops the watch, which forgets the unit's earlier result.
-    if (status == AnalyzerStatus::Analyzed) {
+    if (status == AnalyzerStatus::Analyzed || status == AnalyzerStatus::FromCache) {
         seen.Keep(*dependencies, PathExists(fragmentPath_) ? ReadWholeFile(fragmentPath_) : std::string());
     }
     return status;
@@ -282,6 +282,7 @@ ProcessOutcome UnitRun::RunChild(const Arguments& command, const EnvironmentBloc
 }
 
 ProcessOutcome UnitRun::Preprocess() {
+    recall_.Forget();
     if (context_.log.IsVerbose()) {
         // Looks at the disk several times for each header: only where somebody reads what it says.
         TellPrecompiledForms(plan_, context_.log);
@@ -329,6 +330,9 @@ bool UnitRun::IsFinished(const RunJournal& journal, std::string_view text) {
 
 // Absent after a stop.
 std::optional<UnitRun::Dependencies> UnitRun::ListDependencies() {
+    if (const CachedResult* const known = recall_.Find(); known != nullptr && known->dependencies) {
+        return known->dependencies;
+    }
     if (RunCore({"--display-dependencies", "--skip-analysis"}) == ProcessOutcome::Stopped) {
         return std::nullopt;
     }
@@ -348,19 +352,45 @@ std::optional<UnitRun::Dependencies> UnitRun::PreprocessAndList(UnitWatch& seen)
     return Preprocess() == ProcessOutcome::Succeeded ? ListDependencies() : std::nullopt;
 }
 
-AnalyzerStatus UnitRun::AnalyzeText() {
+AnalyzerStatus UnitRun::RecallOrAnalyze(const Dependencies* dependencies) {
+    const CachedResult* const known = recall_.Find();
+    if (known == nullptr) {
+        const AnalyzerStatus status = AnalyzeText();
+        if (status == AnalyzerStatus::Analyzed) {
+            recall_.Keep(fragmentPath_, evidence_.core.output.standardOutput, dependencies);
+        }
+        return status;
+    }
+    BeginFindings();
+    // By the file, as if the core had written it: whoever takes findings takes them from there.
+    OutputFile(fragmentPath_, OutputFile::Mode::Replace).Append(FindingLines(*known));
+    ShowOutput(known->output);
+    if (dependencies != nullptr) {
+        recall_.KeepDependencies(*dependencies);
+    }
+    return AnalyzerStatus::FromCache;
+}
+
+void UnitRun::BeginFindings() {
     importsModules_ = MayImportModules(plan_) && ImportsModules(ReadWholeFile(plan_.files.preprocessedPath));
     // Findings of an earlier run are not this one's. Named before the core runs: what it wrote counts even if it fails.
     RequireNone(plan_.files.fragmentPath, context_.places);
     fragmentPath_ = plan_.files.fragmentPath;
-    const ProcessOutcome outcome = RunCore({});
-    const std::string& output = evidence_.core.output.standardOutput;
+}
+
+void UnitRun::ShowOutput(std::string_view output) {
     const bool isShown = !IsMsvcFamily(plan_.model->Type()) || context_.settings.showCoreOutputOfMsvc;
-    if (outcome == ProcessOutcome::Succeeded && !output.empty()) {
-        const std::string shown = TakeTallies(output, tallies_);
-        if (isShown && !shown.empty()) {
-            context_.log.Text(shown);
-        }
+    const std::string shown = TakeTallies(output, tallies_);
+    if (isShown && !shown.empty()) {
+        context_.log.Text(shown);
+    }
+}
+
+AnalyzerStatus UnitRun::AnalyzeText() {
+    BeginFindings();
+    const ProcessOutcome outcome = RunCore({});
+    if (outcome == ProcessOutcome::Succeeded) {
+        ShowOutput(evidence_.core.output.standardOutput);
     }
     return StatusAfter(outcome);
 }

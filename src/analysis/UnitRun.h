@@ -7,6 +7,7 @@
 #include "analysis/ScopedFile.h"
 #include "analysis/UnitEvidence.h"
 #include "analysis/UnitPlan.h"
+#include "analysis/UnitRecall.h"
 #include "analysis/UnitResult.h"
 #include "platform/Exceptions.h"
 #include "platform/Log.h"
@@ -37,6 +38,7 @@ struct UnitRunContext {
     const StopFlag& stop;
     ChildLimits limits;               ///< of each child; the time is that of all together
     ReplayBundles* bundles = nullptr; ///< null: none are wanted
+    ResultCache* cache = nullptr;     ///< null: there is none
 };
 
 /// The run of one unit: executes its plan, step by step. A step that fails throws; a step's value says whether it came
@@ -46,7 +48,7 @@ class UnitRun {
 public:
     /// All outlive the run.
     UnitRun(const UnitPlan& plan, const UnitRunContext& context, PassProgress& progress)
-        : plan_(plan), context_(context), progress_(progress) {}
+        : plan_(plan), context_(context), progress_(progress), recall_(plan, context.cache) {}
 
     /// Does the work. What goes wrong with the unit is its result.
     /// \throws CoreUnusableException
@@ -97,6 +99,13 @@ private:
     // Runs a child in the unit's folder and remembers how it ended.
     [[nodiscard]] ProcessOutcome RunChild(const Arguments& command, const EnvironmentBlock& environment,
                                           const ChildFacts& facts);
+    // Reports what is known of the text, when anything is; else as AnalyzeText. `dependencies` may be null: nobody has
+    // listed them.
+    [[nodiscard]] AnalyzerStatus RecallOrAnalyze(const Dependencies* dependencies);
+    // Names the file of the unit's findings, and makes sure that it holds none of an earlier run.
+    void BeginFindings();
+    // Shows what the core has printed, but for what it says of the run.
+    void ShowOutput(std::string_view output);
     // Has the core analyze the text; its findings are the result's, also when it fails half-way.
     [[nodiscard]] AnalyzerStatus AnalyzeText();
     // The same with a plan of the collecting stage; a failure leaves nothing that could be linked.
@@ -111,6 +120,7 @@ private:
     const UnitRunContext& context_;
     PassProgress& progress_;
     std::optional<ScopedFile> text_; // the preprocessed text, when it goes with this run
+    UnitRecall recall_;
     UnitEvidence evidence_;
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything

@@ -103,6 +103,11 @@ const OptionRow VisibleOptions[] = {
     {0, "bundle-unit", "FILE", "With --bundle: also for this source file, whatever becomes of it", nullptr, nullptr,
      &A::bundleSources},
     {0, "scrub", "", "With --bundle: replace paths and comments", nullptr, nullptr, &A::scrub},
+    {0, "cache", "DIR", "Keep results in DIR, and analyze no file whose result is there", nullptr, nullptr,
+     &A::cacheFolder},
+    {0, "cache-readonly", "", "Use the results in the cache and keep no new ones", nullptr, nullptr, &A::cacheReadOnly},
+    {0, "cache-size", "SIZE", "Largest size of the cache; K, M and G behind the number count", "5G", nullptr,
+     &A::cacheSize},
     {'R', "rules-config", "FILE", "Path to the diagnostic configuration file (.orvconfig)", nullptr, nullptr,
      &A::rulesConfig},
     {0, "ignore-ccache", "",
@@ -347,15 +352,24 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
     return *count;
 }
 
+std::uint64_t RequireByteCount(const std::string& text, const std::string& option) {
+    const std::optional<std::uint64_t> bytes = ByteCount(text);
+    if (!bytes) {
+        throw ZelmException("Wrong value of " + option + ": \"" + text +
+                            "\", expected a number of 1 or more bytes, K, M or G behind it counting");
+    }
+    return *bytes;
+}
+
+std::optional<std::uint64_t> CacheSizeOf(const AnalyzeOptions& options) {
+    return options.cacheSize ? std::optional(RequireByteCount(*options.cacheSize, "--cache-size")) : std::nullopt;
+}
+
 UnitLimits LimitsOf(const AnalyzeOptions& options) {
     UnitLimits limits;
     limits.time = SecondsOf(options.timeout, "--timeout");
     if (options.maxOutput) {
-        limits.outputBytes = ByteCount(*options.maxOutput);
-        if (!limits.outputBytes) {
-            throw ZelmException("Wrong value of --max-output: \"" + *options.maxOutput +
-                                "\", expected a number of 1 or more bytes, K, M or G behind it counting");
-        }
+        limits.outputBytes = RequireByteCount(*options.maxOutput, "--max-output");
     }
     return limits;
 }
@@ -424,6 +438,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(LimitsOf(options));
+    static_cast<void>(CacheSizeOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
     if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {

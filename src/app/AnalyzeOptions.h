@@ -12,6 +12,7 @@
 #include "settings/RunSettings.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -81,6 +82,9 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;
     bool scrub = false;
+    std::optional<std::string> cacheFolder;
+    bool cacheReadOnly = false;
+    std::optional<std::string> cacheSize; ///< bytes, or with a suffix
     std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
@@ -114,6 +118,14 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// What `--bundle` and the options beside it ask for; absent without it.
 /// \throws ZelmException
 [[nodiscard]] std::optional<BundleWishes> BundlesOf(const AnalyzeOptions& options);
+
+/// The bytes that the value of an option stands for: a number, and K, M or G behind it.
+/// \throws ZelmException
+[[nodiscard]] std::uint64_t RequireByteCount(const std::string& text, const std::string& option);
+
+/// What `--cache-size` sets; absent without it.
+/// \throws ZelmException
+[[nodiscard]] std::optional<std::uint64_t> CacheSizeOf(const AnalyzeOptions& options);
 
 /// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException

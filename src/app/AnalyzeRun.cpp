@@ -9,6 +9,7 @@
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
+#include "app/RunCache.h"
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/RunStatistics.h"
@@ -111,6 +112,8 @@ int AnalyzeRun::Analyze() {
     // The core's first start: one that can't be started leaves the earlier report as it was.
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
+    cache_ = MakeResultCache(input_.settings, places);
+    places.cache = cache_.get();
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
     std::optional<ReplayBundles> bundles;
@@ -227,11 +230,14 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
         }
         log_.Text(ModulesText(commands, outcome));
         log_.Text(TalliesText(outcome.tallies));
-        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath));
+        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath) + HitsText(cache_.get()));
     } else {
         progress_.Finish(ending.summary);
     }
     TellTimes(costs);
+    if (cache_ && !cache_->Fault().empty()) {
+        log_.Line("Warning: results can't be kept for other runs: " + cache_->Fault());
+    }
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);
     }

@@ -6,12 +6,14 @@
 #include "app/AnalyzeInput.h"
 #include "app/RunLocks.h"
 #include "app/ShownFindings.h"
+#include "cache/ResultCache.h"
 #include "compilers/CompilerRegistry.h"
 #include "history/UnitCost.h"
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 
 #include <chrono>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -81,6 +83,7 @@ private:
     Log log_;
     ShownFindings shown_;
     StdOutProgress progress_;
+    std::unique_ptr<ResultCache> cache_; // null: there is none
 };
 
 } // namespace Orvanta

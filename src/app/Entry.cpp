@@ -1,6 +1,7 @@
 #include "app/Entry.h"
 
 #include "app/AnalyzeCommand.h"
+#include "app/CacheCommand.h"
 #include "app/FilterSuppressedCommand.h"
 #include "app/ProgramText.h"
 #include "app/SuppressCommand.h"
@@ -77,6 +78,7 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     const args::Command explain(parser, "explain",
                                 "Show how a file's compiler commands are read, and what a run does with them",
                                 ExplainCommand);
+    const args::Command cache(parser, "cache", "Show, check, trim or empty a cache of results", CacheCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 

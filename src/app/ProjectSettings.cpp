@@ -8,6 +8,8 @@
 #include <iterator>
 #include <set>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace Orvanta {
 
@@ -25,21 +27,35 @@ bool IsRootOfCheckout(const std::string& folder) {
     return PathExists(JoinPath(folder, ".git"));
 }
 
+// From the current one up to the root of the checkout, else of the disk.
+std::vector<std::string> FoldersOfCheckout() {
+    std::vector<std::string> folders = {CurrentDirectory()};
+    while (!IsRootOfCheckout(folders.back())) {
+        std::string above(DirectoryOf(folders.back()));
+        if (above.empty() || above == folders.back()) {
+            break;
+        }
+        folders.push_back(std::move(above));
+    }
+    return folders;
+}
+
 // No further than the checkout: a file above it is another project's, or somebody else's on a shared machine.
 std::optional<std::string> FindProjectSettings() {
-    for (std::string folder = CurrentDirectory();;) {
+    for (const std::string& folder : FoldersOfCheckout()) {
         if (std::string path = JoinPath(folder, ProjectSettingsName); IsRegularFile(path)) {
             return path;
         }
-        const std::string above(DirectoryOf(folder));
-        if (IsRootOfCheckout(folder) || above.empty() || above == folder) {
-            return std::nullopt;
-        }
-        folder = above;
     }
+    return std::nullopt;
 }
 
 } // namespace
+
+std::optional<std::string> CheckoutRoot() {
+    const std::string top = FoldersOfCheckout().back();
+    return IsRootOfCheckout(top) ? std::optional(top) : std::nullopt;
+}
 
 std::optional<std::string> SettingsFileOf(const AnalyzeOptions& options) {
     if (!options.settingsFile) {

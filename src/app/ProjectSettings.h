@@ -12,6 +12,9 @@ namespace Orvanta {
 /// nearest one above it, up to the root of the checkout, and says which.
 [[nodiscard]] std::optional<std::string> SettingsFileOf(const AnalyzeOptions& options);
 
+/// The folder of the checkout that the current folder belongs to; absent outside of one.
+[[nodiscard]] std::optional<std::string> CheckoutRoot();
+
 /// A file that was found, not named, came with the sources and may be anybody's: keys that don't say plainly how to
 /// analyze, such as those that name programs, are dropped, and one line says which.
 void DropUntrusted(SettingsMap& settings, const std::string& path);

@@ -25,7 +25,7 @@ constexpr const char* SourceTreeRootKey = "sourcetree-root";
 // The settings reader does not know these keys as paths, so they are still as written.
 void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile) {
     const std::string folder(DirectoryOf(settingsFile));
-    for (const char* const key : {"output-file", SourceTreeRootKey}) {
+    for (const char* const key : {"output-file", "cache", SourceTreeRootKey}) {
         const auto [first, last] = settings.equal_range(key);
         for (auto entry = first; entry != last; ++entry) {
             if (!entry->second.empty()) {
@@ -101,6 +101,11 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         settings.traceDirectory = AbsolutePath(*options.traceDirectory);
     }
     settings.limits = LimitsOf(options);
+    if (options.cacheFolder) {
+        settings.cache.folder = AbsolutePath(*options.cacheFolder);
+    }
+    settings.cache.isReadOnly = options.cacheReadOnly;
+    settings.cache.largestSize = CacheSizeOf(options).value_or(settings.cache.largestSize);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;

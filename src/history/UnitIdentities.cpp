@@ -15,9 +15,6 @@ namespace Orvanta {
 
 namespace {
 
-// To be raised when the driver gives other results for the same inputs, within one version.
-constexpr std::uint64_t ResultVersion = 2;
-
 /// A variable of the driver's own environment that changes what a compiler reads. Others come and go with every
 /// terminal.
 /// One that only another family reads must not make this one's units run. Those of the invocation itself count all,

@@ -5,6 +5,7 @@
 #include "history/UnitIdentity.h"
 #include "settings/RunSettings.h"
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,6 +19,9 @@ struct ResultMakers {
     std::string coreVersion; ///< what the core says stands behind it; empty when it doesn't say
     std::string ownVersion;  ///< of this program
 };
+
+/// To be raised when the driver gives other results for the same inputs, within one version.
+inline constexpr std::uint64_t ResultVersion = 2;
 
 /// How the history of a build knows these units: by their folder and source, and by all that decides their results
 /// beside the files that they are made of. That is the command line, the variables of the invocation and those in which

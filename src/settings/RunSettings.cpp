@@ -66,6 +66,9 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
             run.compilerNames.push_back(value);
         } else if (key == "response-file-quoting") {
             run.nativeResponseFiles = value == "native";
+        } else if (key == "cache") {
+            run.cache.folder = value;
+            continue; // where results are kept is no part of them
         } else if (key == "launcher") {
             run.launcherNames.push_back(value);
         }

@@ -19,6 +19,13 @@ struct UnitLimits {
     std::optional<std::uint64_t> outputBytes = {}; ///< `--max-output`: on either output of each child
 };
 
+/// Where results are kept for all runs and machines that share the place.
+struct CacheSettings {
+    std::string folder; ///< absolute; empty: there is no cache
+    bool isReadOnly = false;
+    std::uint64_t largestSize = std::uint64_t{5} << 30U; ///< bytes
+};
+
 /// What one run of the driver is asked to do: defaults, then the settings file, then the options laid over it.
 /// Read-only once the run has started.
 struct RunSettings {
@@ -36,6 +43,7 @@ struct RunSettings {
     Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     UnitLimits limits;
+    CacheSettings cache;
     bool ignoreCcache = false;
     bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like

@@ -13,6 +13,7 @@ namespace {
 // What the driver reads, and what it tells a core: a person may set either.
 constexpr std::string_view KnownKeys[] = {
     "analysis-mode",
+    "cache",
     "compiler",
     "exclude-path",
     "fshort-double",

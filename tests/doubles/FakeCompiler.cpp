@@ -199,7 +199,10 @@ void Preprocess(const Call& call) {
                     [](const ScriptLine& step) { return step.word == "empty-output"; })) {
         return;
     }
-    output << "// " << CommandLineText(call.arguments) << "\n# 1 \"" << call.source << "\"\n";
+    // The same in every run, as a real compiler's text is.
+    std::vector<std::string> shown = call.arguments;
+    std::replace(shown.begin(), shown.end(), call.output, std::string("OUTPUT"));
+    output << "// " << CommandLineText(shown) << "\n# 1 \"" << call.source << "\"\n";
     std::string text = ReadText(call.source);
     if (call.understanding) {
         output << UnderstandingLines(*call.understanding);

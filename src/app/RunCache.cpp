@@ -1,0 +1,55 @@
+#include "app/RunCache.h"
+
+#include "app/ProjectSettings.h"
+#include "app/Version.h"
+#include "history/UnitIdentities.h"
+#include "platform/Exceptions.h"
+#include "platform/Files.h"
+#include "settings/SettingsMap.h"
+
+#include <optional>
+
+namespace Orvanta {
+
+namespace {
+
+// Of all that makes a result, and is the same for all units.
+Digest MakersOf(const RunSettings& settings, const RunPlaces& places) {
+    DigestBuilder builder;
+    builder.Add(Version).Add(ResultVersion).Add(places.coreVersion);
+    const std::optional<Digest> core = DigestOfFile(places.corePath);
+    if (!core) {
+        throw FileException(places.corePath, "the core can't be read");
+    }
+    builder.Add(core->Text());
+    // The core is told its name, and reads what it holds.
+    const std::optional<std::string> rules = LastValue(settings.userSettings, "rules-config");
+    const std::optional<Digest> contents = rules ? DigestOfFile(*rules) : std::nullopt;
+    return builder.Add(contents ? contents->Text() : std::string()).Value();
+}
+
+} // namespace
+
+std::unique_ptr<ResultCache> MakeResultCache(const RunSettings& settings, const RunPlaces& places) {
+    const CacheSettings& cache = settings.cache;
+    if (cache.folder.empty()) {
+        return nullptr;
+    }
+    const std::string root =
+        LastValue(settings.userSettings, "sourcetree-root").value_or(CheckoutRoot().value_or(std::string()));
+    const auto access = cache.isReadOnly ? ResultCache::Access::ReadOnly : ResultCache::Access::ReadAndWrite;
+    return std::make_unique<ResultCache>(ResultCache::Settings{cache.folder, access, cache.largestSize}, RootMark(root),
+                                         MakersOf(settings, places));
+}
+
+std::string HitsText(const ResultCache* cache) {
+    constexpr std::size_t Percent = 100;
+    const std::size_t asked = cache == nullptr ? 0 : cache->Hits() + cache->Misses();
+    if (asked == 0) {
+        return "";
+    }
+    return "Result cache: " + std::to_string(cache->Hits()) + " of " + std::to_string(asked) + " files were known (" +
+           std::to_string(cache->Hits() * Percent / asked) + "%)\n";
+}
+
+} // namespace Orvanta
