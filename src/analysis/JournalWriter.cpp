@@ -25,7 +25,8 @@ std::optional<std::string> FindingsOf(const UnitResult& result) {
 
 void JournalWriter::Commit(std::size_t unit, UnitResult result) {
     // One that failed runs again: it may have failed for want of something.
-    if (result.status == AnalyzerStatus::Analyzed && result.text) {
+    const bool isFinished = result.status == AnalyzerStatus::Analyzed || result.status == AnalyzerStatus::FromCache;
+    if (isFinished && result.text) {
         if (const std::optional<std::string> findings = FindingsOf(result)) {
             journal_.Append(unit, {*result.text, result.importsModules}, *findings);
         }

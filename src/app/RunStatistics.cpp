@@ -25,6 +25,7 @@ const char* FateOf(AnalyzerStatus status) {
     case AnalyzerStatus::Excluded:
         return "excluded";
     case AnalyzerStatus::CarriedOver:
+    case AnalyzerStatus::FromCache:
         return "carried over";
     case AnalyzerStatus::NotListed:
         return "skipped";
@@ -59,6 +60,9 @@ std::string UnitLine(const CompileCommand& command, AnalyzerStatus status, const
     std::string line = LineBegin(command.invocation, SourcePath(command), FateOf(status));
     if (reason != nullptr) {
         AppendMember(line, "reason", *reason);
+    }
+    if (status == AnalyzerStatus::FromCache) {
+        AppendMember(line, "cache", "hit");
     }
     // What was not run took nothing, which is not the same as no time.
     if (cost.compiler.wall.count() > 0) {

@@ -201,7 +201,11 @@ void Preprocess(const Call& call) {
     }
     // The same in every run, as a real compiler's text is.
     std::vector<std::string> shown = call.arguments;
-    std::replace(shown.begin(), shown.end(), call.output, std::string("OUTPUT"));
+    for (std::string& word : shown) {
+        if (word.ends_with(call.output)) {
+            word.replace(word.size() - call.output.size(), call.output.size(), "OUTPUT");
+        }
+    }
     output << "// " << CommandLineText(shown) << "\n# 1 \"" << call.source << "\"\n";
     std::string text = ReadText(call.source);
     if (call.understanding) {

@@ -102,7 +102,7 @@ void ExpectUnit(const FamilyUnit& unit, const CoreCall& call) {
         EXPECT_EQ(call.Setting(key), value) << key << " of " << row.command;
     }
     EXPECT_EQ(call.preprocessed.substr(0, call.preprocessed.find('\n')),
-              "// " + CommandLineText(ExpectedCommand(unit, call.Setting("i-file"))));
+              "// " + CommandLineText(ExpectedCommand(unit, "OUTPUT")));
     EXPECT_EQ(Understood(call, "language"), row.language) << row.command;
     EXPECT_EQ(Understood(call, "includes"), unit.Filled(row.includes)) << row.command;
     EXPECT_EQ(Understood(call, "defines"), defines + (defines.empty() ? "ORVANTA" : "|ORVANTA")) << row.command;
