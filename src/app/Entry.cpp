@@ -6,6 +6,7 @@
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
+#include "app/inspect/DoctorCommand.h"
 #include "app/inspect/ExplainCommand.h"
 #include "platform/ChildWatch.h"
 #include "platform/Console.h"
@@ -77,6 +78,7 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     const args::Command explain(parser, "explain",
                                 "Show how a file's compiler commands are read, and what a run does with them",
                                 ExplainCommand);
+    const args::Command doctor(parser, "doctor", "Tell what would go wrong in a run, before it begins", DoctorCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 
