@@ -59,17 +59,6 @@ const std::string* SystemFolderOf(const UnitPlan& plan) {
     return holder == folders.end() ? nullptr : &*holder;
 }
 
-// The exclusion comes first: of a unit that is both, the user hears what the user has said.
-void Judge(UnitPlan& plan, const RunSettings& settings) {
-    if (std::optional<std::string> rule = ExclusionRule(settings, plan.sourcePath)) {
-        plan.verdict = UnitVerdict::ExcludedBySetting;
-        plan.verdictRule = *std::move(rule);
-    } else if (const std::string* const folder = settings.analyzeSystemPaths ? nullptr : SystemFolderOf(plan)) {
-        plan.verdict = UnitVerdict::InSystemFolder;
-        plan.verdictRule = "system folder " + *folder;
-    }
-}
-
 // Its script is a program of the build as well.
 VisualStudioEnvironment::Host VisualStudioHost(const RunSettings& settings) {
     VisualStudioEnvironment::Host host;
@@ -80,6 +69,17 @@ VisualStudioEnvironment::Host VisualStudioHost(const RunSettings& settings) {
 }
 
 } // namespace
+
+// The exclusion comes first: of a unit that is both, the user hears what the user has said.
+void JudgeUnit(UnitPlan& plan, const RunSettings& settings) {
+    if (std::optional<std::string> rule = ExclusionRule(settings, plan.sourcePath)) {
+        plan.verdict = UnitVerdict::ExcludedBySetting;
+        plan.verdictRule = *std::move(rule);
+    } else if (const std::string* const folder = settings.analyzeSystemPaths ? nullptr : SystemFolderOf(plan)) {
+        plan.verdict = UnitVerdict::InSystemFolder;
+        plan.verdictRule = "system folder " + *folder;
+    }
+}
 
 UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                          Log& log, const StopFlag& stop)
@@ -110,7 +110,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     if (settings_.userSettings.contains("platform")) {
         plan.platformOrigin = PlatformOrigin::Settings; // which wins over what was found
     }
-    Judge(plan, settings_);
+    JudgeUnit(plan, settings_);
     plan.environment = EnvironmentOf(command, plan.parsed);
     // The whole environment of a build is the compiler's business; the core belongs to this run.
     plan.coreEnvironment = command.environmentScope == EnvironmentScope::Whole ? commonEnvironment_ : plan.environment;

@@ -19,6 +19,10 @@ namespace Orvanta {
 
 class CompilerRegistry;
 
+/// Decides whether a unit is to be analyzed. Of the plan it needs the command, the source's path and the command as
+/// read, and fills in the verdict with its rule.
+void JudgeUnit(UnitPlan& plan, const RunSettings& settings);
+
 /// Makes the plans of units, and keeps what they share: what compilers have answered, and environments. A plan is made
 /// without starting the core and without touching the report; a compiler may be asked for its default standard. Any
 /// thread may use it.

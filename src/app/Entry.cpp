@@ -7,6 +7,7 @@
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
 #include "app/Version.h"
+#include "app/inspect/DoctorCommand.h"
 #include "app/inspect/ExplainCommand.h"
 #include "platform/ChildWatch.h"
 #include "platform/Console.h"
@@ -79,6 +80,7 @@ int RunProgram(int argumentCount, const char* const* arguments) {
                                 "Show how a file's compiler commands are read, and what a run does with them",
                                 ExplainCommand);
     const args::Command cache(parser, "cache", "Show, check, trim or empty a cache of results", CacheCommand);
+    const args::Command doctor(parser, "doctor", "Tell what would go wrong in a run, before it begins", DoctorCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 

@@ -11,6 +11,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -46,31 +47,6 @@ std::vector<std::string> SingleFileCommand(const AnalyzeOptions& options) {
     return command;
 }
 
-// A misspelt folder would be analyzed in silence.
-void TellUnusedExclusions(const AnalyzeOptions& options, const std::vector<CompileCommand>& units, Log& log) {
-    struct Exclusion {
-        std::string value;
-        ExclusionSet paths;
-    };
-
-    std::vector<Exclusion> unused;
-    ExclusionSet all;
-    for (const std::string& value : options.excludePaths) {
-        unused.push_back({value, ExclusionSet()});
-        unused.back().paths.Add(PathOrMask(value));
-        all.Add(PathOrMask(value));
-    }
-    for (auto unit = units.begin(); unit != units.end() && !unused.empty(); ++unit) {
-        // One look for the many that none of them matches.
-        if (const std::string path = SourcePath(*unit); all.Matches(path)) {
-            std::erase_if(unused, [&path](const Exclusion& exclusion) { return exclusion.paths.Matches(path); });
-        }
-    }
-    for (const Exclusion& exclusion : unused) {
-        log.Line("Warning: no source file of the build is left out by --exclude-path " + exclusion.value);
-    }
-}
-
 // What became of invocations that give no unit; which ones, only in the verbose log.
 void TellSkipped(const CollectedCommands& commands, Log& log) {
     // Told also without the verbose log: otherwise nobody would know why these are missing from the report.
@@ -88,19 +64,6 @@ void TellSkipped(const CollectedCommands& commands, Log& log) {
     for (const SkippedInvocation& skipped : commands.skipped) {
         log.VerboseLine("  " + std::string(IsFailure(skipped.fate) ? "Failed" : "Skipped") + ": invocation " +
                         std::to_string(skipped.invocation) + " (" + skipped.what + "): " + skipped.reason);
-    }
-}
-
-// A name with a slip in it would leave a compiler's files out in silence, where another name lets some in.
-void TellUnmatchedNames(const std::vector<std::string>& names, const CollectedCommands& commands, Log& log) {
-    for (const std::string& name : names) {
-        const bool isOfSome =
-            std::any_of(commands.units.begin(), commands.units.end(), [&name](const CompileCommand& unit) {
-                return IsProgramNamed(unit.arguments[0], name) || (unit.wrapped && IsProgramNamed("ccache", name));
-            });
-        if (!isOfSome) {
-            log.Line("-C " + name + ": this compiler compiles no source file of the input");
-        }
     }
 }
 
@@ -150,6 +113,43 @@ std::optional<std::vector<ListedFile>> ReadListedFiles(const AnalyzeOptions& opt
     return files;
 }
 
+std::vector<std::string> UnusedExclusions(std::span<const std::string> values,
+                                          const std::vector<CompileCommand>& units) {
+    struct Exclusion {
+        std::string value;
+        ExclusionSet paths;
+    };
+
+    std::vector<Exclusion> unused;
+    ExclusionSet all;
+    for (const std::string& value : values) {
+        unused.push_back({value, ExclusionSet()});
+        unused.back().paths.Add(PathOrMask(value));
+        all.Add(PathOrMask(value));
+    }
+    for (auto unit = units.begin(); unit != units.end() && !unused.empty(); ++unit) {
+        // One look for the many that none of them matches.
+        if (const std::string path = SourcePath(*unit); all.Matches(path)) {
+            std::erase_if(unused, [&path](const Exclusion& exclusion) { return exclusion.paths.Matches(path); });
+        }
+    }
+    std::vector<std::string> left;
+    for (Exclusion& exclusion : unused) {
+        left.push_back(std::move(exclusion.value));
+    }
+    return left;
+}
+
+std::vector<std::string> UnmatchedCompilers(const std::vector<std::string>& names, const CollectedCommands& commands) {
+    std::vector<std::string> unmatched;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(unmatched), [&commands](const std::string& name) {
+        return std::none_of(commands.units.begin(), commands.units.end(), [&name](const CompileCommand& unit) {
+            return IsProgramNamed(unit.arguments[0], name) || (unit.wrapped && IsProgramNamed("ccache", name));
+        });
+    });
+    return unmatched;
+}
+
 CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& settings,
                             const CompilerRegistry& registry, Log& log, const StopFlag& stop) {
     CompilerIdentifier identifier(settings, log, stop);
@@ -162,9 +162,15 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     CollectedCommands commands = collector.Take();
     TellSkipped(commands, log);
     if (!options.sourceFile) { // with which the option filters nothing
-        TellUnmatchedNames(options.compilers, commands, log);
+        // A name with a slip in it would leave a compiler's files out in silence, where another name lets some in.
+        for (const std::string& name : UnmatchedCompilers(options.compilers, commands)) {
+            log.Line("-C " + name + ": this compiler compiles no source file of the input");
+        }
     }
-    TellUnusedExclusions(options, commands.units, log);
+    // A misspelt folder would be analyzed in silence.
+    for (const std::string& value : UnusedExclusions(options.excludePaths, commands.units)) {
+        log.Line("Warning: no source file of the build is left out by --exclude-path " + value);
+    }
     return commands;
 }
 

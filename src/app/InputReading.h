@@ -9,6 +9,7 @@
 #include "settings/RunSettings.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,6 +34,14 @@ void AddSingleFile(const AnalyzeOptions& options, InvocationCollector& collector
 /// The path of the build input, which exists.
 /// \throws ZelmException with advice when it doesn't
 [[nodiscard]] std::string ExistingInput(const AnalyzeOptions& options);
+
+/// Those of the values of exclusions, as options or settings give them, that leave out no source file.
+[[nodiscard]] std::vector<std::string> UnusedExclusions(std::span<const std::string> values,
+                                                        const std::vector<CompileCommand>& units);
+
+/// Those of the names that no compiler of a unit has.
+[[nodiscard]] std::vector<std::string> UnmatchedCompilers(const std::vector<std::string>& names,
+                                                          const CollectedCommands& commands);
 
 /// Whether an invocation that should have given a unit gave none.
 [[nodiscard]] bool HasFailedInvocation(const CollectedCommands& commands);
