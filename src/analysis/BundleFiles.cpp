@@ -6,6 +6,7 @@
 #include "history/UnitIdentities.h"
 #include "platform/EnvironmentNames.h"
 #include "platform/Files.h"
+#include "platform/LineMarker.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/MessageLine.h"
@@ -187,17 +188,17 @@ private:
 
     // A replay runs in another folder: its names are absolute, found as a core finds them.
     [[nodiscard]] std::string FileName(std::string_view quotedName, std::string& currentFile) const {
-        const std::string name = UnescapedName(quotedName);
+        const std::string name = UnquotedName(quotedName);
         if (NamesNoFile(name)) {
             return scrubber_ != nullptr && name.ends_with("//") ? std::string("//") : std::string(quotedName);
         }
         const std::string path = PathOfName(name, currentFile, unit_.plan.Directory());
         currentFile = path;
         if (scrubber_ == nullptr) {
-            return path == name ? std::string(quotedName) : EscapedName(path);
+            return path == name ? std::string(quotedName) : QuotedName(path);
         }
         static_cast<void>(scrubber_->Path(name)); // __FILE__ is written like this
-        return EscapedName(scrubber_->Path(path));
+        return QuotedName(scrubber_->Path(path));
     }
 
     [[nodiscard]] OrvlogConverter::ReportMessage WithoutSources(OrvlogConverter::ReportMessage message) const {

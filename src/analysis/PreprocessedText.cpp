@@ -1,14 +1,12 @@
 #include "analysis/PreprocessedText.h"
 
-#include "platform/Files.h"
-#include "platform/Paths.h"
+#include "platform/LineMarker.h"
 #include "platform/Text.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <set>
 
 namespace Orvanta {
 
@@ -17,39 +15,6 @@ namespace {
 bool IsWordCharacter(char character) {
     const char lower = ToLowerAscii(character);
     return IsDigit(character) || (lower >= 'a' && lower <= 'z') || character == '_';
-}
-
-/// Where the name of a line marker stands in its line.
-struct NamePlace {
-    std::size_t begin = 0;
-    std::size_t size = 0;
-};
-
-// `# 12 "file" 1 3` and `#line 12 "file"`; absent for every other line.
-std::optional<NamePlace> FindMarkerName(std::string_view line) {
-    std::size_t at = line.find_first_not_of(" \t");
-    if (at == std::string_view::npos || line[at] != '#') {
-        return std::nullopt;
-    }
-    at = line.find_first_not_of(" \t", at + 1);
-    constexpr std::string_view Word = "line";
-    if (at != std::string_view::npos && line.substr(at).starts_with(Word)) {
-        at = line.find_first_not_of(" \t", at + Word.size());
-    }
-    const std::size_t number = at;
-    while (at < line.size() && IsDigit(line[at])) {
-        ++at;
-    }
-    if (number == std::string_view::npos || at == number) {
-        return std::nullopt;
-    }
-    const std::size_t open = line.find_first_not_of(" \t", at);
-    // From behind: the name may hold quotes, the flags do not.
-    const std::size_t close = line.rfind('"');
-    if (open == std::string_view::npos || line[open] != '"' || close == open) {
-        return std::nullopt;
-    }
-    return NamePlace{open + 1, close - open - 1};
 }
 
 class Rewriter {
@@ -83,16 +48,17 @@ private:
 
     void TakeMarker() {
         const std::string_view line = text_.substr(at_, text_.find('\n', at_) - at_);
-        const std::optional<NamePlace> name = FindMarkerName(line);
-        if (name && rewriting_.fileName) {
-            Copy(name->begin);
-            result_ += rewriting_.fileName(text_.substr(at_, name->size));
-            at_ += name->size;
+        const std::optional<LineMarker> marker = ReadLineMarker(line);
+        if (!marker || marker->quotedName.empty()) {
+            return;
+        }
+        if (rewriting_.fileName) {
+            Copy(static_cast<std::size_t>(marker->quotedName.data() - line.data()));
+            result_ += rewriting_.fileName(marker->quotedName);
+            at_ += marker->quotedName.size();
         }
         // Else its quotes would pass for a string.
-        if (name) {
-            CopyThrough(text_.find('\n', at_));
-        }
+        CopyThrough(text_.find('\n', at_));
     }
 
     // What begins at a character that may mean more than itself.
@@ -202,63 +168,6 @@ private:
 
 std::string RewritePreprocessedText(std::string_view text, const TextRewriting& rewriting) {
     return Rewriter(text, rewriting).Run();
-}
-
-std::string PathOfName(const std::string& name, std::string_view currentFile, std::string_view directory) {
-    const bool isRelative = !IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
-    if (!isRelative) {
-        return name;
-    }
-    std::string path = JoinPath(directory, name);
-    if (!LookAt(path).IsThere()) {
-        // Generators name their grammars as they were called, which need not be from where the compiler runs.
-        std::string besideFile = JoinPath(DirectoryOf(currentFile), name);
-        return LookAt(besideFile).IsThere() ? besideFile : path;
-    }
-    return path;
-}
-
-bool NamesNoFile(std::string_view name) {
-    return name.empty() || name.front() == '<' || name.ends_with("//");
-}
-
-std::vector<std::string> FilesNamedByText(std::string_view text, const std::string& sourcePath,
-                                          std::string_view directory) {
-    std::set<std::string, std::less<>> names; // as they are written: a file is entered many times
-    std::set<std::string> paths = {sourcePath};
-    std::string currentFile = sourcePath;
-    TextRewriting reading;
-    reading.fileName = [&](std::string_view quotedName) {
-        const std::string name = UnescapedName(quotedName);
-        if (!NamesNoFile(name) && names.emplace(quotedName).second) {
-            currentFile = PathOfName(name, currentFile, directory);
-            paths.insert(currentFile);
-        }
-        return std::string();
-    };
-    static_cast<void>(RewritePreprocessedText(text, reading));
-    return {paths.begin(), paths.end()};
-}
-
-std::string UnescapedName(std::string_view quotedName) {
-    std::string name;
-    for (std::size_t at = 0; at < quotedName.size(); ++at) {
-        const std::string_view rest = quotedName.substr(at);
-        at += rest.starts_with("\\\\") || rest.starts_with("\\\"") ? 1U : 0U;
-        name += quotedName[at];
-    }
-    return name;
-}
-
-std::string EscapedName(std::string_view path) {
-    std::string name;
-    for (const char character : path) {
-        if (character == '\\' || character == '"') {
-            name += '\\';
-        }
-        name += character;
-    }
-    return name;
 }
 
 } // namespace Orvanta

@@ -17,7 +17,8 @@ const CachedResult* UnitRecall::Find() {
     }
     if (!looked_) {
         const std::string text = ReadWholeFile(plan_.files.preprocessedPath);
-        const Digest key = cache_->KeyOf({text, plan_.Directory(), plan_.settings, plan_.files.basePath});
+        const Digest key =
+            cache_->KeyOf({text, plan_.sourcePath, plan_.Directory(), plan_.settings, plan_.files.basePath});
         looked_ = Look{key, cache_->Find(key)};
     }
     return looked_->result ? &*looked_->result : nullptr;

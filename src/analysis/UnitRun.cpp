@@ -5,7 +5,6 @@
 #include "analysis/ModuleImports.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
-#include "analysis/PreprocessedText.h"
 #include "analysis/ProcessRun.h"
 #include "analysis/ReplayBundles.h"
 #include "analysis/StartableCommand.h"
@@ -15,6 +14,7 @@
 #include "history/UnitHistory.h"
 #include "platform/FileStamp.h"
 #include "platform/Files.h"
+#include "platform/LineMarker.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -319,7 +319,8 @@ bool UnitRun::IsFinished(const RunJournal& journal, std::string_view text) {
     if (!finished || finished->text != *textFingerprint_) {
         return false;
     }
-    const std::vector<std::string> files = FilesNamedByText(text, plan_.sourcePath, plan_.Directory());
+    const std::vector<std::string> files =
+        FilesNamedByMarkers(text, plan_.sourcePath, plan_.Directory(), SystemHeaders::Taken);
     const bool isCurrent = std::all_of(files.begin(), files.end(), [&finished](const std::string& path) {
         const std::optional<FileStamp> stamp = StampOf(path);
         return stamp && stamp->Newest() < finished->begin;

@@ -82,7 +82,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;
     bool scrub = false;
-    std::optional<std::string> cacheFolder;
+    std::optional<std::string> cachePlace;
+    std::optional<std::string> cacheTokenFile;
     bool cacheReadOnly = false;
     std::optional<std::string> cacheSize; ///< bytes, or with a suffix
     std::optional<std::string> rulesConfig;

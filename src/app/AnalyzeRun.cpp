@@ -236,7 +236,7 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
     }
     TellTimes(costs);
     if (cache_ && !cache_->Fault().empty()) {
-        log_.Line("Warning: results can't be kept for other runs: " + cache_->Fault());
+        log_.Line("Warning: the cache of results did not work: " + cache_->Fault());
     }
     if (!ending.lastLine.empty()) {
         log_.Line(ending.lastLine);

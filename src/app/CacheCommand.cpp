@@ -84,6 +84,9 @@ void CacheCommand(args::Subparser& parser) {
     parser.Parse();
     const Action& action = ActionOf(word.Get());
     const std::uint64_t largest = RequireByteCount(size.Get(), "--size");
+    if (IsServerAddress(folder.Get())) {
+        throw ZelmException("Results on a server are looked after there: " + folder.Get());
+    }
     const std::string path = AbsolutePath(folder.Get());
     if (folder.Get().empty() || !IsDirectory(path)) {
         throw ZelmException("There is no cache of results: " + folder.Get());

@@ -5,9 +5,11 @@
 #include "history/UnitIdentities.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Text.h"
 #include "settings/SettingsMap.h"
 
 #include <optional>
+#include <utility>
 
 namespace Orvanta {
 
@@ -28,18 +30,36 @@ Digest MakersOf(const RunSettings& settings, const RunPlaces& places) {
     return builder.Add(contents ? contents->Text() : std::string()).Value();
 }
 
+// What the file holds, without line ends.
+std::string TokenOf(const CacheSettings& cache) {
+    if (cache.tokenFile.empty()) {
+        return "";
+    }
+    if (IsReadableByOthers(cache.tokenFile)) {
+        throw ZelmException("The file of --cache-token-file can be read by others: " + cache.tokenFile,
+                            "Take the right away: chmod 600 " + cache.tokenFile);
+    }
+    const std::string text = ReadWholeFile(cache.tokenFile);
+    std::string token(Trim(text));
+    if (token.empty() || token.find_first_of("\r\n") != std::string::npos) {
+        throw ZelmException("The file of --cache-token-file holds no token: " + cache.tokenFile);
+    }
+    return token;
+}
+
 } // namespace
 
 std::unique_ptr<ResultCache> MakeResultCache(const RunSettings& settings, const RunPlaces& places) {
     const CacheSettings& cache = settings.cache;
-    if (cache.folder.empty()) {
+    if (cache.place.empty()) {
         return nullptr;
     }
+    std::unique_ptr<ResultStore> store = MakeResultStore(cache.place, TokenOf(cache));
     const std::string root =
         LastValue(settings.userSettings, "sourcetree-root").value_or(CheckoutRoot().value_or(std::string()));
     const auto access = cache.isReadOnly ? ResultCache::Access::ReadOnly : ResultCache::Access::ReadAndWrite;
-    return std::make_unique<ResultCache>(ResultCache::Settings{cache.folder, access, cache.largestSize}, RootMark(root),
-                                         MakersOf(settings, places));
+    return std::make_unique<ResultCache>(std::move(store), ResultCache::Settings{access, cache.largestSize},
+                                         RootMark(root), MakersOf(settings, places));
 }
 
 std::string HitsText(const ResultCache* cache) {

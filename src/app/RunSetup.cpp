@@ -2,6 +2,7 @@
 
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
+#include "cache/ResultStore.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -28,7 +29,7 @@ void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile
     for (const char* const key : {"output-file", "cache", SourceTreeRootKey}) {
         const auto [first, last] = settings.equal_range(key);
         for (auto entry = first; entry != last; ++entry) {
-            if (!entry->second.empty()) {
+            if (!entry->second.empty() && !IsServerAddress(entry->second)) {
                 entry->second = NormalizePath(JoinPath(folder, entry->second));
             }
         }
@@ -101,9 +102,11 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         settings.traceDirectory = AbsolutePath(*options.traceDirectory);
     }
     settings.limits = LimitsOf(options);
-    if (options.cacheFolder) {
-        settings.cache.folder = AbsolutePath(*options.cacheFolder);
+    if (options.cachePlace) {
+        settings.cache.place =
+            IsServerAddress(*options.cachePlace) ? *options.cachePlace : AbsolutePath(*options.cachePlace);
     }
+    settings.cache.tokenFile = options.cacheTokenFile.value_or("");
     settings.cache.isReadOnly = options.cacheReadOnly;
     settings.cache.largestSize = CacheSizeOf(options).value_or(settings.cache.largestSize);
     settings.ignoreCcache = options.ignoreCcache;

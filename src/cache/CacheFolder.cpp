@@ -126,7 +126,7 @@ std::string UnfinishedName(const std::string& path) {
 
 } // namespace
 
-std::optional<std::string> CacheFolder::Find(const Digest& key) const {
+std::optional<std::string> CacheFolder::Find(const Digest& key) {
     const std::string path = PathOf(folder_, key.Text());
     try {
         std::string bytes = ReadWholeFile(path);
@@ -144,7 +144,7 @@ std::optional<std::string> CacheFolder::Find(const Digest& key) const {
     }
 }
 
-void CacheFolder::Store(const Digest& key, std::string_view bytes) const {
+void CacheFolder::Store(const Digest& key, std::string_view bytes) {
     const std::string path = PathOf(folder_, key.Text());
     MakeFolders(ShardOf(folder_, key.Text()));
     const std::string unfinished = UnfinishedName(path);
@@ -178,10 +178,10 @@ CacheFolder::Contents CacheFolder::Trim(std::uint64_t largest) const {
     return RemoveOldest(ListAll(folder_), largest);
 }
 
-CacheFolder::Contents CacheFolder::TrimBeside(const Digest& key, std::uint64_t largest) const {
+void CacheFolder::MakeRoom(const Digest& key, std::uint64_t largest) {
     std::vector<Entry> entries;
     ListShard(NativePath(ShardOf(folder_, key.Text())), entries);
-    return RemoveOldest(std::move(entries), largest / Shards);
+    RemoveOldest(std::move(entries), largest / Shards);
 }
 
 CacheFolder::Contents CacheFolder::RemoveUnless(const std::function<bool(std::string_view bytes)>& isWanted) const {

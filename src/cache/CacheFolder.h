@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cache/Digest.h"
+#include "cache/ResultStore.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,18 +21,17 @@
 
 namespace Orvanta {
 
-/// A folder of results, each under the digest of all that it depends on.
-class CacheFolder {
+/// A folder of results.
+class CacheFolder : public ResultStore {
 public:
     /// The folder need not be there. Files of others in it stay.
     explicit CacheFolder(std::string folder) : folder_(std::move(folder)) {}
 
-    /// What is kept under the key; absent when nothing is, or it can't be read.
-    [[nodiscard]] std::optional<std::string> Find(const Digest& key) const;
-
-    /// Keeps the bytes under the key, in place of what was there.
+    [[nodiscard]] std::optional<std::string> Find(const Digest& key) override;
     /// \throws FileException
-    void Store(const Digest& key, std::string_view bytes) const;
+    void Store(const Digest& key, std::string_view bytes) override;
+    /// Removes the least recently used of the entries beside that of `key`, which have a 256th of the bytes.
+    void MakeRoom(const Digest& key, std::uint64_t largest) override;
 
     /// What is kept.
     struct Contents {
@@ -45,9 +44,6 @@ public:
     /// Removes the least recently used entries until the rest is no larger than `largest` bytes, and what writers that
     /// are gone have left. Returns what was removed.
     Contents Trim(std::uint64_t largest) const;
-
-    /// The same for the entries beside that of `key`, which have a 256th of the bytes.
-    Contents TrimBeside(const Digest& key, std::uint64_t largest) const;
 
     /// Removes the entries for which `isWanted` says no. Returns what was removed.
     Contents RemoveUnless(const std::function<bool(std::string_view bytes)>& isWanted) const;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cache/CacheFolder.h"
 #include "cache/CachedResult.h"
 #include "cache/Digest.h"
+#include "cache/ResultStore.h"
 #include "cache/RootMark.h"
 #include "platform/OnceMap.h"
 #include "settings/SettingsMap.h"
@@ -10,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -19,7 +20,8 @@ namespace Orvanta {
 
 /// All that the core's result of a unit depends on, beside what is the same for the whole run.
 struct ResultInputs {
-    std::string_view text;        ///< preprocessed, with its line markers
+    std::string_view text; ///< preprocessed, with its line markers
+    const std::string& sourcePath;
     const std::string& directory; ///< in which the core runs, and from which names in the markers are taken
     const SettingsMap& settings;  ///< that the core is told
     std::string_view ownFiles;    ///< what the paths of this run's own files begin with: settings that name one are
@@ -37,13 +39,12 @@ public:
     enum class Access { ReadOnly, ReadAndWrite };
 
     struct Settings {
-        std::string folder;
         Access access = Access::ReadAndWrite;
         std::uint64_t largestSize = 0; ///< bytes
     };
 
     /// `makers` is of what makes results: the core, what stands behind it, this program.
-    ResultCache(Settings settings, RootMark root, const Digest& makers);
+    ResultCache(std::unique_ptr<ResultStore> store, Settings settings, RootMark root, const Digest& makers);
 
     /// \throws ZelmException when the library of hashes can't be used
     [[nodiscard]] Digest KeyOf(const ResultInputs& inputs);
@@ -60,17 +61,18 @@ public:
 
     [[nodiscard]] std::size_t Misses() const noexcept { return misses_; }
 
-    /// Why a result could not be kept; empty when all could. Only when no thread is in Store.
-    [[nodiscard]] const std::string& Fault() const noexcept { return fault_; }
+    /// Why a result could not be kept, or the place is asked no more; empty when all went well. Only when no thread is
+    /// in Store.
+    [[nodiscard]] std::string Fault() const { return fault_.empty() ? store_->Fault() : fault_; }
 
 private:
     // Adds the contents of the files that the markers of the text name.
     void AddFiles(DigestBuilder& builder, const ResultInputs& inputs);
     // Makes room beside an entry that was stored, as long as this has taken a hundredth of the run at most.
-    void TrimBeside(const Digest& key);
+    void MakeRoom(const Digest& key);
 
+    const std::unique_ptr<ResultStore> store_;
     const Settings settings_;
-    const CacheFolder folder_;
     const RootMark root_;
     const Digest makers_;
     OnceMap<std::string> fileDigests_; // by path; what stands for one that can't be read is no digest

@@ -92,6 +92,10 @@ struct FileIdentity {
 /// \throws FileException when it can't be told
 [[nodiscard]] bool IsSameFile(const std::string& left, const std::string& right);
 
+/// Whether users who are not the file's owner may read it, as far as its permissions tell.
+/// \throws FileException when they can't be told
+[[nodiscard]] bool IsReadableByOthers(const std::string& path);
+
 /// Makes a folder with those on its way; one that is there is no fault.
 /// \throws FileException
 void MakeFolders(const std::string& path);

@@ -1,8 +1,13 @@
 #include "platform/LineMarker.h"
 
+#include "platform/Files.h"
+#include "platform/Paths.h"
 #include "platform/Text.h"
 
 #include <charconv>
+#include <cstddef>
+#include <unordered_set>
+#include <utility>
 
 namespace Orvanta {
 
@@ -69,6 +74,67 @@ std::string UnquotedName(std::string_view quotedName) {
         }
     }
     return name;
+}
+
+std::string QuotedName(std::string_view name) {
+    std::string quoted;
+    for (const char character : name) {
+        if (character == '\\' || character == '"') {
+            quoted += '\\';
+        }
+        quoted += character;
+    }
+    return quoted;
+}
+
+bool NamesNoFile(std::string_view name) noexcept {
+    return name.empty() || name.front() == '<' || name.ends_with("//");
+}
+
+std::string PathOfName(const std::string& name, std::string_view currentFile, std::string_view directory) {
+    const bool isRelative = !IsAbsolutePath(name, PathRules::Windows) && !IsAbsolutePath(name, PathRules::Posix);
+    if (!isRelative) {
+        return name;
+    }
+    std::string path = JoinPath(directory, name);
+    if (!LookAt(path).IsThere()) {
+        // Generators name their grammars as they were called, which need not be from where the compiler runs.
+        std::string besideFile = JoinPath(DirectoryOf(currentFile), name);
+        return LookAt(besideFile).IsThere() ? besideFile : path;
+    }
+    return path;
+}
+
+std::vector<std::string> FilesNamedByMarkers(std::string_view text, const std::string& sourcePath,
+                                             std::string_view directory, SystemHeaders systemHeaders) {
+    std::vector<std::string> files = {sourcePath};
+    std::unordered_set<std::string> known = {sourcePath};
+    std::unordered_set<std::string_view> seen; // as they are written: a file is entered many times
+    std::string_view last;
+    const auto take = [&](const LineMarker& marker) {
+        const bool isWanted = systemHeaders == SystemHeaders::Taken || !marker.isSystemHeader;
+        if (!isWanted || !seen.insert(marker.quotedName).second) {
+            return;
+        }
+        const std::string name = UnquotedName(marker.quotedName);
+        if (!NamesNoFile(name)) {
+            std::string path = PathOfName(name, files.back(), directory);
+            if (known.insert(path).second) {
+                files.push_back(std::move(path));
+            }
+        }
+    };
+    for (std::size_t at = 0; at < text.size();) {
+        const std::optional<LineMarker> marker = ReadLineMarker(text.substr(at, text.find('\n', at) - at));
+        // Most markers name the file that the one before has named.
+        if (marker && marker->quotedName != last) {
+            take(*marker);
+            last = marker->quotedName;
+        }
+        const std::size_t next = text.find("\n#", at);
+        at = next == std::string_view::npos ? text.size() : next + 1;
+    }
+    return files;
 }
 
 } // namespace Orvanta

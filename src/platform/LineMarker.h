@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Orvanta {
 
@@ -20,5 +21,23 @@ struct LineMarker {
 
 /// A file name without the escapes of a line marker: `\\`, `\"` and three octal digits.
 [[nodiscard]] std::string UnquotedName(std::string_view quotedName);
+
+/// A file name with those escapes of quotes and backslashes.
+[[nodiscard]] std::string QuotedName(std::string_view name);
+
+/// Whether a name in a marker is that of text in no file, such as "<built-in>", or gcc's note of the folder.
+[[nodiscard]] bool NamesNoFile(std::string_view name) noexcept;
+
+/// Where a file lies that a marker names: a relative name counts from `directory`, where the compiler ran, and where
+/// there is none, from the folder of the file that names it. Asks the system.
+[[nodiscard]] std::string PathOfName(const std::string& name, std::string_view currentFile, std::string_view directory);
+
+/// What becomes of files that a compiler took for system headers.
+enum class SystemHeaders { Taken, LeftOut };
+
+/// The paths of the files that the markers of a text name, each once, in the order in which they are first named,
+/// behind that of the source. A raw string that holds what looks like a marker may add one.
+[[nodiscard]] std::vector<std::string> FilesNamedByMarkers(std::string_view text, const std::string& sourcePath,
+                                                           std::string_view directory, SystemHeaders systemHeaders);
 
 } // namespace Orvanta

@@ -67,7 +67,7 @@ void ApplySettings(RunSettings& run, const SettingsMap& settings) {
         } else if (key == "response-file-quoting") {
             run.nativeResponseFiles = value == "native";
         } else if (key == "cache") {
-            run.cache.folder = value;
+            run.cache.place = value;
             continue; // where results are kept is no part of them
         } else if (key == "launcher") {
             run.launcherNames.push_back(value);

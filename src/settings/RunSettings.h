@@ -21,7 +21,8 @@ struct UnitLimits {
 
 /// Where results are kept for all runs and machines that share the place.
 struct CacheSettings {
-    std::string folder; ///< absolute; empty: there is no cache
+    std::string place;     ///< a folder, absolute, or the address of a server; empty: there is no cache
+    std::string tokenFile; ///< holds what the server is to be told; empty: nothing
     bool isReadOnly = false;
     std::uint64_t largestSize = std::uint64_t{5} << 30U; ///< bytes
 };

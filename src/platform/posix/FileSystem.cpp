@@ -87,6 +87,15 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
     return std::nullopt;
 }
 
+bool IsReadableByOthers(const std::string& path) {
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) != 0) {
+        throw FileException(path, SystemReason(errno));
+    }
+    return (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
+}
+
 void MakeFolders(const std::string& path) {
     std::error_code error;
     fs::create_directories(path, error);

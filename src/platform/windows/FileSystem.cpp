@@ -7,6 +7,8 @@
 
 #include <windows.h>
 
+#include <aclapi.h>
+
 namespace Orvanta {
 
 namespace {
@@ -85,6 +87,59 @@ std::optional<FileIdentity> IdentityOf(const std::string& path) {
         return std::nullopt; // a device has no identity of its own
     }
     FailFile(path, error);
+}
+
+namespace {
+
+/// The permissions of a file, which the system hands out as one block.
+class Permissions {
+public:
+    explicit Permissions(const std::string& path) {
+        const DWORD error = ::GetNamedSecurityInfoW(WidePath(path).c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
+                                                    nullptr, nullptr, &list_, nullptr, &block_);
+        if (error != ERROR_SUCCESS) {
+            FailFile(path, error);
+        }
+    }
+
+    ~Permissions() { ::LocalFree(block_); }
+
+    Permissions(const Permissions&) = delete;
+    Permissions& operator=(const Permissions&) = delete;
+
+    // Whether members of the group may read. A file without a list is everybody's.
+    [[nodiscard]] bool LetRead(WELL_KNOWN_SID_TYPE group) const {
+        unsigned char sid[SECURITY_MAX_SID_SIZE];
+        DWORD size = sizeof sid;
+        if (list_ == nullptr || ::CreateWellKnownSid(group, nullptr, sid, &size) == FALSE) {
+            return true;
+        }
+        for (DWORD at = 0; at < list_->AceCount; ++at) {
+            void* entry = nullptr;
+            if (::GetAce(list_, at, &entry) == FALSE) {
+                continue;
+            }
+            auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+            const bool grants = allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE &&
+                                (allowed->Mask & (FILE_READ_DATA | GENERIC_READ | GENERIC_ALL)) != 0;
+            if (grants && ::EqualSid(&allowed->SidStart, sid) != FALSE) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    PACL list_ = nullptr;
+    PSECURITY_DESCRIPTOR block_ = nullptr;
+};
+
+} // namespace
+
+bool IsReadableByOthers(const std::string& path) {
+    const Permissions permissions(path);
+    return permissions.LetRead(WinWorldSid) || permissions.LetRead(WinAuthenticatedUserSid) ||
+           permissions.LetRead(WinBuiltinUsersSid);
 }
 
 void MakeFolders(const std::string& path) {

@@ -23,7 +23,7 @@ void UseLast(const TestFolder& folder, const Digest& key, std::chrono::hours ago
 
 TEST(CacheFolderTest, LeastRecentlyUsedGoFirstAndForeignFilesStay) {
     const TestFolder folder;
-    const CacheFolder cache(folder.Path());
+    CacheFolder cache(folder.Path());
     const Digest keys[] = {DigestOf("a"), DigestOf("b"), DigestOf("c")};
     for (const Digest& key : keys) {
         cache.Store(key, std::string(100, 'x'));

@@ -14,14 +14,16 @@ namespace {
 struct CacheOfRun {
     explicit CacheOfRun(const TestFolder& folder, std::string_view tree = "tree",
                         ResultCache::Access access = ResultCache::Access::ReadAndWrite)
-        : directory(folder / tree),
-          cache({folder / "cache", access, std::uint64_t{1} << 20U}, RootMark(directory), DigestOf("core 1")) {}
+        : directory(folder / tree), source(directory + "/a.c"),
+          cache(MakeResultStore(folder / "cache", ""), {access, std::uint64_t{1} << 20U}, RootMark(directory),
+                DigestOf("core 1")) {}
 
     Digest KeyOf(const std::string& text, const SettingsMap& settings = {}) {
-        return cache.KeyOf({text, directory, settings, directory + "/tmp-"});
+        return cache.KeyOf({text, source, directory, settings, directory + "/tmp-"});
     }
 
     std::string directory;
+    std::string source;
     ResultCache cache;
 };
 

@@ -1,0 +1,208 @@
+#!/usr/bin/env python3
+"""http_test.py DRIVER CORE: a cache of results on servers that work and on those that don't.
+
+Runs the driver with a trivial compiler and the given core against nginx, as WebDAV set up for PUT, and against a server
+of our own that is slow, fails, lies, cuts its answers short, or wants a token.
+"""
+import http.server
+import json
+import os
+import pathlib
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+DRIVER, CORE = map(os.path.abspath, sys.argv[1:3])
+UNITS = 8
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class Project:
+    """Some sources, and a core that is counted by the files it leaves."""
+
+    def __init__(self, folder):
+        self.folder = pathlib.Path(folder)
+        entries = []
+        for unit in range(UNITS):
+            name = f"u{unit}.c"
+            (self.folder / name).write_text(f"int f{unit}(int *p) {{ return p ? {unit} : *p; }}\n", encoding="ascii")
+            entries.append({"directory": folder, "file": name, "arguments": ["gcc", "-c", name]})
+        (self.folder / "compile_commands.json").write_text(json.dumps(entries), encoding="ascii")
+
+    def analyze(self, *options):
+        shutil.rmtree(self.folder / ".Orvanta", ignore_errors=True)
+        command = [DRIVER, "analyze", "-j2", "-o", "report.json", "--orvanta-path", CORE, *options]
+        run = subprocess.run(command, cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                             check=False, timeout=120)
+        return run.returncode, run.stdout, (self.folder / "report.json").read_bytes()
+
+
+class Behaviour:
+    """What the server of our own does; changed by the tests."""
+    entries = {}
+    mode = "right"
+    tokens = []
+    requests = 0
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def log_message(self, *_):
+        pass
+
+    def answer(self, status, body=b"", told=None):
+        self.send_response(status)
+        self.send_header("Content-Length", str(len(body) if told is None else told))
+        self.end_headers()
+        self.wfile.write(body)
+
+    def misbehave(self):
+        Behaviour.requests += 1
+        Behaviour.tokens.append(self.headers.get("Authorization"))
+        if Behaviour.mode == "slow":
+            time.sleep(20)
+        if Behaviour.mode == "failing":
+            self.answer(500)
+            return True
+        return False
+
+    def do_GET(self):
+        if self.misbehave():
+            return
+        body = Behaviour.entries.get(self.path)
+        if body is None:
+            self.answer(404)
+        elif Behaviour.mode == "lying":
+            self.answer(200, body[:-1] + bytes([body[-1] ^ 1]))
+        elif Behaviour.mode == "truncating":
+            self.close_connection = True
+            self.answer(200, body[:len(body) // 2], len(body))
+        else:
+            self.answer(200, body)
+
+    def do_PUT(self):
+        body = self.rfile.read(int(self.headers["Content-Length"]))
+        if self.misbehave():
+            return
+        Behaviour.entries[self.path] = body
+        self.answer(201)
+
+
+class HttpCacheTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.project = Project(folder.name)
+        self.expected = self.project.analyze()[2]
+        Behaviour.entries, Behaviour.mode, Behaviour.tokens, Behaviour.requests = {}, "right", [], 0
+
+    def start_server(self):
+        server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+        server.daemon_threads = True
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        return f"http://127.0.0.1:{server.server_port}/cache"
+
+    def expect(self, run, known, says=""):
+        code, output, report = run
+        self.assertEqual(code, 0, output)
+        self.assertEqual(report, self.expected)
+        self.assertIn(f"Result cache: {known} of {UNITS} files were known", output)
+        self.assertIn(says, output)
+        self.assertEqual("Warning: the cache" in output, bool(says), output)
+
+    def test_nginx(self):
+        nginx = shutil.which("nginx", path=os.environ.get("PATH", "") + ":/usr/sbin")
+        if nginx is None:
+            self.skipTest("nginx is not installed")
+        with tempfile.TemporaryDirectory() as folder:
+            os.chmod(folder, 0o777)
+            port = free_port()
+            config = pathlib.Path(folder) / "nginx.conf"
+            config.write_text(f"""
+daemon off; master_process off; pid {folder}/pid; error_log {folder}/error.log;
+events {{ worker_connections 64; }}
+http {{
+    access_log off; client_body_temp_path {folder}/body; proxy_temp_path {folder}/p; fastcgi_temp_path {folder}/f;
+    uwsgi_temp_path {folder}/u; scgi_temp_path {folder}/s;
+    server {{
+        listen 127.0.0.1:{port}; root {folder}/root; client_max_body_size 100m;
+        location /cache {{ dav_methods PUT; create_full_put_path on; }}
+    }}
+}}
+""", encoding="ascii")
+            (pathlib.Path(folder) / "root").mkdir()
+            with subprocess.Popen([nginx, "-c", str(config), "-p", folder], stderr=subprocess.DEVNULL) as server:
+                try:
+                    self.wait_for(port)
+                    address = f"http://127.0.0.1:{port}/cache/"
+                    self.expect(self.project.analyze("--cache", address), 0)
+                    self.expect(self.project.analyze("--cache", address), UNITS)
+                finally:
+                    server.terminate()
+
+    def wait_for(self, port):
+        for _ in range(100):
+            try:
+                socket.create_connection(("127.0.0.1", port)).close()
+                return
+            except OSError:
+                time.sleep(0.05)
+        self.fail("nginx does not listen")
+
+    def test_a_token_goes_with_each_request_and_is_kept_from_others(self):
+        token = self.project.folder / "token"
+        token.write_text("secret\n", encoding="ascii")
+        token.chmod(0o644)
+        address = self.start_server()
+        code, output, _ = self.project.analyze("--cache", address, "--cache-token-file", str(token))
+        self.assertEqual(code, 1)
+        self.assertIn("can be read by others", output)
+        self.assertEqual(Behaviour.requests, 0)
+        token.chmod(0o600)
+        self.expect(self.project.analyze("--cache", address, "--cache-token-file", str(token)), 0)
+        self.assertEqual(set(Behaviour.tokens), {"Bearer secret"})
+        self.expect(self.project.analyze("--cache", address, "--cache-readonly"), UNITS)
+
+    def test_a_server_that_fails_is_asked_three_times(self):
+        address = self.start_server()
+        Behaviour.mode = "failing"
+        self.expect(self.project.analyze("--cache", address), 0, "failed 3 times and was asked no more")
+        self.assertLessEqual(Behaviour.requests, 3 + 1)  # one more may be under way
+
+    def test_nobody_listens(self):
+        address = f"http://127.0.0.1:{free_port()}"
+        self.expect(self.project.analyze("--cache", address), 0, "failed 3 times")
+
+    def test_wrong_answers_are_misses(self):
+        address = self.start_server()
+        self.expect(self.project.analyze("--cache", address), 0)
+        Behaviour.mode = "lying"
+        self.expect(self.project.analyze("--cache", address), 0)
+        Behaviour.mode = "truncating"
+        self.expect(self.project.analyze("--cache", address), 0, "failed 3 times")
+        Behaviour.mode = "right"
+        self.expect(self.project.analyze("--cache", address), UNITS)
+
+    def test_a_slow_server_does_not_hold_a_run_up_for_ever(self):
+        address = self.start_server()
+        Behaviour.mode = "slow"
+        begin = time.monotonic()
+        self.expect(self.project.analyze("--cache", address), 0, "failed 3 times")
+        self.assertLess(time.monotonic() - begin, 60)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)
