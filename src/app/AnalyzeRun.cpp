@@ -39,13 +39,33 @@ std::string FolderOf(const std::string& reportPath) {
     return reportPath.empty() ? CurrentDirectory() : std::string(DirectoryOf(reportPath));
 }
 
+bool IsOnTerminal() {
+    return MessageColumns().has_value();
+}
+
+// Where there is no terminal the lines are all that can be shown.
+StdOutProgress::Display LinesOf(const AnalyzeOptions& options) {
+    if (options.quiet) {
+        return StdOutProgress::Display::Hidden;
+    }
+    return ProgressFormOf(options) == ProgressForm::Status && IsOnTerminal() ? StdOutProgress::Display::SummaryOnly
+                                                                             : StdOutProgress::Display::Shown;
+}
+
+RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
+    if (options.quiet || !IsOnTerminal()) {
+        return RunMonitor::Display::Nothing;
+    }
+    return ProgressFormOf(options) == ProgressForm::Lines ? RunMonitor::Display::Beginning
+                                                          : RunMonitor::Display::Status;
+}
+
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
     : input_(InputOf(options)), outputFolder_(FolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
-      shown_(FindingsToShow(options), GateOf(options)),
-      progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
+      shown_(FindingsToShow(options), GateOf(options)), progress_(LinesOf(options), log_) {}
 
 void AnalyzeRun::Run() {
     try {
@@ -114,7 +134,7 @@ int AnalyzeRun::Analyze() {
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
+    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder(), StatusOf(input_.options), log_);
     AnalyzePasses passes(input_, places, runner, monitor, {shown_, log_, stop_});
     std::exception_ptr failure;
     try {
@@ -123,7 +143,7 @@ int AnalyzeRun::Analyze() {
         // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
-    monitor.KeepCosts(log_);
+    monitor.KeepCosts();
     End(passes.Ending(), monitor.Costs());
     try {
         if (statistics) {
@@ -237,7 +257,7 @@ void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
     if (text.empty()) {
         return;
     }
-    if (MessageColumns() && !input_.options.quiet) {
+    if (IsOnTerminal() && !input_.options.quiet) {
         log_.Text(text);
     } else {
         log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end
