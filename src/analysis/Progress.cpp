@@ -28,7 +28,7 @@ std::string ProgressLine(unsigned percent, unsigned stage, std::string_view file
 }
 
 void StdOutProgress::Step(unsigned percent, unsigned stage, std::string_view file) {
-    if (display_ == Display::Hidden) {
+    if (display_ != Display::Shown) {
         return;
     }
     const std::lock_guard lock(progressMutex_);
@@ -38,7 +38,7 @@ void StdOutProgress::Step(unsigned percent, unsigned stage, std::string_view fil
 }
 
 void StdOutProgress::Finish(std::string_view summary) {
-    if (display_ == Display::Shown) {
+    if (display_ != Display::Hidden) {
         log_.Text(summary);
     }
 }

@@ -36,12 +36,17 @@ public:
 /// Shows progress on the console: one line a step, percentages that never fall, and the summary.
 class StdOutProgress : public AnalyzerProgress {
 public:
-    enum class Display { Shown, Hidden };
+    enum class Display {
+        Shown,
+        SummaryOnly, ///< no lines of steps
+        Hidden,
+    };
 
     /// `log` takes the message lines and must outlive this. Messages are shown even when progress is hidden.
     StdOutProgress(Display display, Log& log) : display_(display), log_(log) {}
 
-    /// Writes one line to standard output, never with a lower percentage than the line before; nothing when hidden.
+    /// Writes one line to standard output, never with a lower percentage than the line before; nothing unless steps
+    /// are shown.
     void Step(unsigned percent, unsigned stage, std::string_view file) override;
     /// Shows the summary, unless progress is hidden.
     void Finish(std::string_view summary) override;

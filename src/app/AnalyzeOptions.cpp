@@ -63,6 +63,9 @@ const OptionRow VisibleOptions[] = {
     {'c', "cfg", "FILE", "Run Orvanta using config FILE", nullptr, nullptr, &A::settingsFile},
     {'s', "suppress-file", "FILE", "Path to suppress file", nullptr, nullptr, &A::suppressFile},
     {'q', "quiet", "", "Analysis progress is not displayed", nullptr, nullptr, &A::quiet},
+    {0, "progress", "FORM",
+     "How progress is shown on a terminal: 'status' is one line that changes, 'lines' one for each file", "both",
+     "'status', 'lines', 'both'", &A::progress},
     {0, "verbose", "", "Tell what is done with every compiler invocation, and why", nullptr, nullptr, &A::verbose},
     {0, "show", "N", "Show the N worst findings at the end, 0 for none", "10", nullptr, &A::show},
     {0, "fail-on", "TYPES",
@@ -306,6 +309,20 @@ std::optional<RegenerateDependInfoOption> RegenerationOf(const AnalyzeOptions& o
                         "\", expected \"skip-analysis\" or \"run-analysis\"");
 }
 
+ProgressForm ProgressFormOf(const AnalyzeOptions& options) {
+    const std::string word = options.progress.value_or("both");
+    if (word == "status") {
+        return ProgressForm::Status;
+    }
+    if (word == "lines") {
+        return ProgressForm::Lines;
+    }
+    if (word == "both") {
+        return ProgressForm::Both;
+    }
+    throw ZelmException("Wrong value of --progress: \"" + word + "\", expected \"status\", \"lines\" or \"both\"");
+}
+
 std::string BuildInputOf(const AnalyzeOptions& options) {
     const std::string given = options.inputFile.value_or(DefaultInput);
     return LookAt(given).kind == PathKind::Folder ? JoinPath(given, DefaultInput) : given;
@@ -440,6 +457,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     }
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
+    static_cast<void>(ProgressFormOf(options));
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(LimitsOf(options));
     static_cast<void>(CacheSizeOf(options));

@@ -31,6 +31,13 @@ enum class RegenerateDependInfoOption {
     RunAnalysis,  ///< it is made before the analysis
 };
 
+/// How a run shows on a terminal where it stands. Elsewhere there are the lines alone.
+enum class ProgressForm {
+    Status, ///< one line that changes
+    Lines,  ///< one for each file
+    Both,   ///< the one below the others
+};
+
 /// The value of --cfg that has the project's own settings file searched.
 inline constexpr const char* FindSettingsFile = "auto";
 
@@ -60,6 +67,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> settingsFile;
     std::optional<std::string> suppressFile;
     bool quiet = false;
+    std::optional<std::string> progress;
     bool verbose = false;
     std::optional<std::string> show;
     std::optional<std::string> failOn;
@@ -140,6 +148,10 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options);
 /// Warnings about values that are taken but mean nothing to us, each a line that names the option: before any work, and
 /// after the options were found valid.
 [[nodiscard]] std::vector<std::string> WarningsAbout(const AnalyzeOptions& options);
+
+/// The form of `--progress`, or the default.
+/// \throws ZelmException for a word that means nothing
+[[nodiscard]] ProgressForm ProgressFormOf(const AnalyzeOptions& options);
 
 /// What the word of `--regenerate-depend-info` asks for; absent without the option.
 /// \throws ZelmException for a word that means nothing

@@ -274,9 +274,11 @@ void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange pe
     try {
         runner_.RunParallel(commands, input_.threads, {pass.work, actions, percents, receiver, monitor_});
     } catch (...) {
+        monitor_.EndPass();
         outcome = receiver.Outcome();
         throw;
     }
+    monitor_.EndPass();
     outcome = receiver.Outcome();
 }
 

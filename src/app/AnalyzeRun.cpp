@@ -38,13 +38,33 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     return {options, std::move(settings), threads, std::move(reportPath)};
 }
 
+bool IsOnTerminal() {
+    return MessageColumns().has_value();
+}
+
+// Where there is no terminal the lines are all that can be shown.
+StdOutProgress::Display LinesOf(const AnalyzeOptions& options) {
+    if (options.quiet) {
+        return StdOutProgress::Display::Hidden;
+    }
+    return ProgressFormOf(options) == ProgressForm::Status && IsOnTerminal() ? StdOutProgress::Display::SummaryOnly
+                                                                             : StdOutProgress::Display::Shown;
+}
+
+RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
+    if (options.quiet || !IsOnTerminal()) {
+        return RunMonitor::Display::Nothing;
+    }
+    return ProgressFormOf(options) == ProgressForm::Lines ? RunMonitor::Display::Beginning
+                                                          : RunMonitor::Display::Status;
+}
+
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
     : input_(InputOf(options)), outputFolder_(OutputFolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
-      shown_(FindingsToShow(options), GateOf(options)),
-      progress_(options.quiet ? StdOutProgress::Display::Hidden : StdOutProgress::Display::Shown, log_) {}
+      shown_(FindingsToShow(options), GateOf(options)), progress_(LinesOf(options), log_) {}
 
 void AnalyzeRun::Run() {
     try {
@@ -115,7 +135,7 @@ int AnalyzeRun::Analyze() {
     cache_ = MakeResultCache(input_.settings, places);
     places.cache = cache_.get();
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
-    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder());
+    RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder(), StatusOf(input_.options), log_);
     std::optional<ReplayBundles> bundles;
     if (std::optional<BundleWishes> wishes = BundlesOf(input_.options)) {
         bundles.emplace(std::move(*wishes), BundleMakers{Version, places.coreVersion}, log_);
@@ -129,7 +149,7 @@ int AnalyzeRun::Analyze() {
         // Kept until the end has been told: what was found up to here is worth it.
         failure = std::current_exception();
     }
-    monitor.KeepCosts(log_);
+    monitor.KeepCosts();
     if (bundles && bundles->Count() > 0) {
         log_.Line("Replay bundles: " + std::to_string(bundles->Count()) + " in " +
                   AbsolutePath(*input_.options.bundle));
@@ -251,7 +271,7 @@ void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
     if (text.empty()) {
         return;
     }
-    if (MessageColumns() && !input_.options.quiet) {
+    if (IsOnTerminal() && !input_.options.quiet) {
         log_.Text(text);
     } else {
         log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end

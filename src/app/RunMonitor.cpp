@@ -44,8 +44,9 @@ bool TellsCost(AnalyzerStatus status) {
 
 } // namespace
 
-RunMonitor::RunMonitor(std::span<const CompileCommand> units, unsigned workers, std::string folder)
-    : units_(units), workers_(workers), folder_(std::move(folder)) {}
+RunMonitor::RunMonitor(std::span<const CompileCommand> units, unsigned workers, std::string folder, Display display,
+                       Log& log)
+    : units_(units), workers_(workers), folder_(std::move(folder)), display_(display), log_(log) {}
 
 std::vector<std::size_t> RunMonitor::BeginPass(const UnitWork& work, std::span<const UnitAction> actions) {
     if (RunsNone(actions)) {
@@ -62,9 +63,48 @@ std::vector<std::size_t> RunMonitor::BeginPass(const UnitWork& work, std::span<c
     std::transform(actions.begin(), actions.end(), isToRun.begin(),
                    [](UnitAction action) { return action == UnitAction::Run; });
     std::vector<std::size_t> order = LongestFirst(expectations, workers_);
-    const std::lock_guard lock(mutex_);
     forecast_.emplace(std::move(expectations), isToRun, workers_);
+    TellBeginning(forecast_->Total());
+    if (display_ == Display::Status) {
+        status_.emplace([this](std::size_t columns) { return StatusText(Status(), columns); });
+    }
     return order;
+}
+
+void RunMonitor::EndPass() {
+    status_.reset();
+}
+
+void RunMonitor::TellBeginning(std::size_t runs) {
+    if (display_ == Display::Nothing || kind_ == CostKind::Listing || kind_ == CostKind::Performing) {
+        return; // of the others it is told when their turn comes, or has been told
+    }
+    log_.Line(std::to_string(runs) + (runs == 1 ? " file" : " files") + " to analyze, " +
+              std::to_string(std::min<std::size_t>(workers_, runs)) + " at a time");
+}
+
+void RunMonitor::Update() {
+    if (status_) {
+        status_->Update();
+    }
+}
+
+RunStatus RunMonitor::Status() {
+    // A unit is named when a person begins to wonder.
+    constexpr std::chrono::seconds ShortestNamed{5};
+    const auto now = RunForecast::Clock::now();
+    const std::lock_guard lock(mutex_);
+    RunStatus status = {forecast_->Finished(), forecast_->Total(), forecast_->Running().size(),
+                        forecast_->TimeLeft(now)};
+    if (!forecast_->Running().empty()) {
+        const RunForecast::RunningUnit& longest = forecast_->Running().front();
+        const auto age = std::chrono::duration_cast<std::chrono::seconds>(now - longest.begin);
+        if (age >= ShortestNamed) {
+            status.longestPath = SourcePath(units_[longest.unit]);
+            status.longestAge = age;
+        }
+    }
+    return status;
 }
 
 std::vector<UnitExpectation> RunMonitor::Expect(std::span<const UnitAction> actions) const {
@@ -87,27 +127,33 @@ std::vector<UnitExpectation> RunMonitor::Expect(std::span<const UnitAction> acti
 }
 
 void RunMonitor::UnitBegins(std::size_t unit) {
-    const std::lock_guard lock(mutex_);
-    forecast_->Begin(unit, RunForecast::Clock::now());
+    {
+        const std::lock_guard lock(mutex_);
+        forecast_->Begin(unit, RunForecast::Clock::now());
+    }
+    Update();
 }
 
 void RunMonitor::UnitEnds(std::size_t unit, const UnitResult& result) {
     const auto now = RunForecast::Clock::now();
     const CostKey key = CostKeyOf(units_[unit]);
     const bool tellsCost = TellsCost(result.status);
-    const std::lock_guard lock(mutex_);
-    forecast_->End(unit, tellsCost ? RunForecast::Ending::Whole : RunForecast::Ending::BrokenOff, now);
-    taken_[unit] += result.cost;
-    if (tellsCost) {
-        costs_.Record(kind_, key, result.cost);
+    {
+        const std::lock_guard lock(mutex_);
+        forecast_->End(unit, tellsCost ? RunForecast::Ending::Whole : RunForecast::Ending::BrokenOff, now);
+        taken_[unit] += result.cost;
+        if (tellsCost) {
+            costs_.Record(kind_, key, result.cost);
+        }
     }
+    Update();
 }
 
-void RunMonitor::KeepCosts(Log& log) {
+void RunMonitor::KeepCosts() {
     try {
         costs_.Save(units_.size());
     } catch (const FileException& error) {
-        log.VerboseLine("What the files took can't be kept for later runs: " + std::string(error.what()));
+        log_.VerboseLine("What the files took can't be kept for later runs: " + std::string(error.what()));
     }
 }
 

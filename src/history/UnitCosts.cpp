@@ -11,6 +11,7 @@
 #include <iterator>
 #include <limits>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -110,7 +111,8 @@ void UnitCosts::Read() {
 }
 
 bool UnitCosts::ComesBefore(const Row& left, const Row& right) {
-    return left.kind == right.kind ? left.key < right.key : left.kind < right.kind;
+    return std::tie(left.kind, left.key.source, left.key.arguments) <
+           std::tie(right.kind, right.key.source, right.key.arguments);
 }
 
 std::optional<UnitCost> UnitCosts::Find(CostKind kind, const CostKey& key) const {

@@ -34,7 +34,7 @@ struct CostKey {
     std::uint64_t source = 0;    ///< of its folder and its source
     std::uint64_t arguments = 0; ///< of its command line
 
-    auto operator<=>(const CostKey&) const = default;
+    friend bool operator==(const CostKey&, const CostKey&) = default;
 };
 
 /// The key of a unit.

@@ -53,6 +53,10 @@ void WriteToStandardError(std::string_view bytes) noexcept;
 /// \throws FileException
 [[nodiscard]] std::size_t ReadFromStandardInput(std::span<char> target);
 
+/// Shows a line below all that is written, in the place of the one before; an empty one takes it away. Only where
+/// MessageColumns says that it fits, and without characters that move the cursor. Any thread may call it.
+void ShowStatus(std::string_view line) noexcept;
+
 /// How many columns the terminal has to which messages go; absent when they go to none on which a line can be written
 /// over. Asks the system: a terminal may have another width at any time.
 [[nodiscard]] std::optional<unsigned> MessageColumns() noexcept;

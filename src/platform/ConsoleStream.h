@@ -13,7 +13,13 @@ enum class StandardStream { Output, Error };
 /// What the first request to end says.
 inline constexpr std::string_view StopMessage = "Stopping analysis. This might take a while...\n";
 
-/// Writes all of `bytes`, in one piece: two threads don't mix. Empty when that went well, else the system's reason.
+/// Clears the line in which the cursor stands, and puts it at its beginning.
+inline constexpr std::string_view ClearLine = "\r\x1b[K";
+
+/// Whether a status line is shown now: what is written past WriteMessage has to clear it first.
+[[nodiscard]] bool IsStatusShown() noexcept;
+
+/// Writes all of `bytes`; one thread at a time. Empty when that went well, else the system's reason.
 std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept;
 
 /// How many columns the terminal has to which the stream goes; absent when it goes to none that knows the sequences by

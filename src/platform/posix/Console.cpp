@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <exception>
 #include <limits>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -40,6 +39,9 @@ extern "C" void SetStopFlag(int /*signal*/) {
     StopFlag& stop = *flagToSet.load();
     if (!stop.Set()) {
         const int stream = PlaceOfMessages() == MessagePlace::StandardError ? STDERR_FILENO : STDOUT_FILENO;
+        if (IsStatusShown()) {
+            static_cast<void>(::write(stream, ClearLine.data(), ClearLine.size()));
+        }
         static_cast<void>(::write(stream, StopMessage.data(), StopMessage.size()));
     }
     errno = error;
@@ -104,9 +106,6 @@ unsigned ProcessorsOfControlGroup() {
     return fewest;
 }
 
-// A pipe takes long texts in pieces: without this, two of them could mix.
-std::mutex outputInUse;
-
 } // namespace
 
 void InstallInterruptHandler(StopFlag& stop) {
@@ -137,7 +136,6 @@ void InstallInterruptHandler(StopFlag& stop) {
 }
 
 std::string WriteToStream(StandardStream stream, std::string_view bytes) noexcept {
-    const std::lock_guard lock(outputInUse);
     return WriteAll(stream == StandardStream::Output ? STDOUT_FILENO : STDERR_FILENO, bytes) ? std::string()
                                                                                              : SystemReason(errno);
 }

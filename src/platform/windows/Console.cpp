@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <bitset>
-#include <mutex>
 #include <optional>
 
 #include <windows.h>
@@ -56,11 +55,7 @@ bool WriteBytes(void* output, std::string_view bytes) {
     return true;
 }
 
-// Long texts are written in pieces: without this, two of them could mix.
-std::mutex outputInUse;
-
 bool WriteBytesTo(DWORD stream, std::string_view bytes) {
-    const std::lock_guard lock(outputInUse);
     void* const output = ::GetStdHandle(stream);
     if (output == nullptr || output == INVALID_HANDLE_VALUE) {
         ::SetLastError(ERROR_INVALID_HANDLE);
@@ -90,6 +85,9 @@ int __stdcall HandleConsoleEvent(unsigned long event) {
     // The message stands there once, however often the key is pressed; the handler may run on two threads at once.
     static const bool isWritten = [output] {
         DWORD count = 0;
+        if (IsStatusShown()) {
+            ::WriteFile(output, ClearLine.data(), static_cast<DWORD>(ClearLine.size()), &count, nullptr);
+        }
         ::WriteFile(output, StopMessage.data(), static_cast<DWORD>(StopMessage.size()), &count, nullptr);
         return true;
     }();
