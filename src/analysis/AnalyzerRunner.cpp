@@ -4,9 +4,11 @@
 #include "analysis/ProcessRun.h"
 #include "analysis/RunOutcome.h"
 #include "analysis/UnitEvents.h"
+#include "analysis/UnitQueue.h"
 #include "analysis/UnitRun.h"
 #include "analysis/WorkerPool.h"
 #include "platform/Files.h"
+#include "platform/Memory.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -17,6 +19,9 @@
 namespace Orvanta {
 
 namespace {
+
+// Beside those that the workers take next: enough that one fits beside most that run.
+constexpr std::size_t UnitsToChooseFrom = 32;
 
 ChildLimits LimitsFromNow(const UnitLimits& unit) {
     ChildLimits limits = {.outputBytes = unit.outputBytes};
@@ -33,7 +38,7 @@ AnalyzerRunner::AnalyzerRunner(const RunSettings& settings, const CompilerRegist
     : settings_(settings), places_(places), log_(log), progress_(progress), stop_(stop),
       planner_(settings, registry, places, log, stop) {}
 
-UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
+UnitResult AnalyzerRunner::Run(const AnalysisTask& task, const std::function<bool()>& mayRunAgain) {
     if (ShouldEnd()) {
         return {.status = AnalyzerStatus::Stopped};
     }
@@ -44,16 +49,42 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task) {
         // A plan that can't be made is the unit's own fault: the others go on.
         return {.status = AnalyzerStatus::Failed, .reason = error.what()};
     }
-    const UnitRunContext context = {settings_, places_,      log_, stop_, LimitsFromNow(settings_.limits),
-                                    bundles_,  places_.cache};
+    const UnitRunContext context = {settings_, places_,       log_,       stop_, LimitsFromNow(settings_.limits),
+                                    bundles_,  places_.cache, mayRunAgain};
     return UnitRun(*plan, context, *task.progress).Run(*task.work);
 }
 
-void AnalyzerRunner::RunTask(const AnalysisTask& task, ResultReceiver& receiver) {
+std::uint64_t AnalyzerRunner::MemoryBudget() const {
+    if (settings_.maxMemory) {
+        return *settings_.maxMemory;
+    }
+    constexpr std::uint64_t PartsLeft = 10; // one of them is for all else that grows meanwhile
+    const std::uint64_t granted = GrantedMemory();
+    return granted - granted / PartsLeft;
+}
+
+UnitResult AnalyzerRunner::RunWithMemory(const AnalysisTask& task, UnitQueue& queue) {
+    // One that had all the memory to itself would only fail once more.
+    UnitResult result = Run(task, [&] { return queue.HadCompany(task.unit); });
+    if (result.runsAgain) {
+        log_.VerboseLine("  Out of memory, analyzed again alone: '" + SourcePath(*task.command) + "'");
+        if (!queue.TakeAgainAlone(task.unit)) {
+            return {.status = AnalyzerStatus::Stopped};
+        }
+        RemoveFile(result.fragmentPath); // findings of a run that did not count
+        const UnitCost first = result.cost;
+        result = Run(task);
+        result.cost += first;
+    }
+    queue.End(task.unit, result.cost.PeakMemory());
+    return result;
+}
+
+void AnalyzerRunner::RunTask(const AnalysisTask& task, ResultReceiver& receiver, UnitQueue& queue) {
     UnitResult result;
     try {
         task.events->UnitBegins(task.unit);
-        result = Run(task);
+        result = RunWithMemory(task, queue);
         task.events->UnitEnds(task.unit, result);
     } catch (...) {
         coreIsUnusable_.store(true);
@@ -100,6 +131,16 @@ int AnalyzerRunner::RunParallel(std::span<const PlacedCommand> commands, unsigne
     // A thread for a unit that needs no run would only cost its start.
     const auto runs = std::count(pass.actions.begin(), pass.actions.end(), UnitAction::Run);
     const auto workers = std::min<std::size_t>(threads, static_cast<std::size_t>(runs));
+    std::vector<const CompileCommand*> commandOf(commands.size()); // by unit
+    for (const auto& [command, unit] : commands) {
+        commandOf[unit] = command;
+    }
+    const std::uint64_t budget = MemoryBudget();
+    if (log_.IsVerbose() && budget > 0) {
+        constexpr unsigned BitsOfMegabyte = 20;
+        log_.VerboseLine("Memory for all files at once: " + std::to_string(budget >> BitsOfMegabyte) + " MB");
+    }
+    UnitQueue queue(budget, [this] { return ShouldEnd(); }); // outlives the workers
     WorkerPool pool(workers);
     if (!pool.Fault().empty()) {
         log_.Line("Only " + std::to_string(pool.Size()) + " of " + std::to_string(workers) +
@@ -118,15 +159,20 @@ int AnalyzerRunner::RunParallel(std::span<const PlacedCommand> commands, unsigne
         }
         // Room is waited for, so that no more is queued than what the workers take next: a stop takes effect at once,
         // and the tasks of a large build don't pile up in memory. Each wait ends after a while to look at the stop.
-        while (!ShouldEnd() && !pool.WaitForRoom(PollInterval)) {
+        while (!ShouldEnd() && !pool.WaitForRoom(PollInterval, UnitsToChooseFrom)) {
         }
         if (ShouldEnd()) {
             // The loop goes on: units behind this one that need no run are handed over all the same.
             pass.receiver.Commit(unit, {.status = AnalyzerStatus::Stopped});
             continue;
         }
-        const AnalysisTask task = {command, ModeOf(pass.work), unit, &pass.work, &progress, &pass.events};
-        pool.push_task([this, &pass, task] { RunTask(task, pass.receiver); });
+        // Which of the units that wait a worker takes is decided when it is free.
+        queue.Add(unit, pass.needs[unit]);
+        pool.push_task([this, &pass, &progress, &queue, &commandOf] {
+            const std::size_t taken = queue.Take();
+            RunTask({commandOf[taken], ModeOf(pass.work), taken, &pass.work, &progress, &pass.events}, pass.receiver,
+                    queue);
+        });
     }
     pool.WaitForTasks();
     // Only now is no worker in Commit any more, which the receiver asks for.

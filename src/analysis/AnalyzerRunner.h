@@ -11,6 +11,8 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 
@@ -40,6 +42,7 @@
 namespace Orvanta {
 
 class ReplayBundles;
+class UnitQueue;
 
 /// There is no compile command left to run. Only the entry catches it.
 class NoCompilationCommandsToRun : public ZelmException {
@@ -74,9 +77,9 @@ public:
     /// Who takes the bundles of units that fail; null for nobody. Before the first unit; must outlive the runner.
     void OfferTo(ReplayBundles* bundles) noexcept { bundles_ = bundles; }
 
-    /// Does its work with one unit. What goes wrong with it is its result. Any number of threads may call it at once.
-    /// \throws CoreUnusableException
-    [[nodiscard]] UnitResult Run(const AnalysisTask& task);
+    /// Does its work with one unit. Where `mayRunAgain` says so, one that runs out of memory is to run again. What goes
+    /// wrong with it is its result. Any number of threads may call it at once. \throws CoreUnusableException
+    [[nodiscard]] UnitResult Run(const AnalysisTask& task, const std::function<bool()>& mayRunAgain = {});
 
     /// Goes through the units in the order given, with up to `threads` workers, does with each what `pass` says, hands
     /// the results to its receiver and returns the CombinedResult of what that makes of them. After a stop, units that
@@ -92,7 +95,11 @@ public:
 private:
     // What a worker does with a queued unit: runs it, hands its result over, and counts it. Throws what ends the pass,
     // after which no unit begins.
-    void RunTask(const AnalysisTask& task, ResultReceiver& receiver);
+    void RunTask(const AnalysisTask& task, ResultReceiver& receiver, UnitQueue& queue);
+    // Runs the unit, and once more when it had too little memory beside others. The queue knows then that it has ended.
+    [[nodiscard]] UnitResult RunWithMemory(const AnalysisTask& task, UnitQueue& queue);
+    // What all children together may take; 0: no limit.
+    [[nodiscard]] std::uint64_t MemoryBudget() const;
     // The result of a unit with which nothing is to be done; absent for one that is to run.
     [[nodiscard]] std::optional<UnitResult> SettledResult(const CompileCommand& command, UnitAction action) const;
     // Whether no further unit is to begin: the user stops the run, or no core can be started.

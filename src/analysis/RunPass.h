@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/AnalyzerStatus.h"
+#include "analysis/MemoryPlan.h"
 #include "analysis/Progress.h"
 
 #include <cstddef>
@@ -73,6 +74,7 @@ using UnitWork = std::variant<Work::Analyze, Work::AnalyzeAndKeep, Work::ListDep
 struct RunPass {
     UnitWork work;
     std::vector<UnitAction> actions; ///< by unit
+    std::vector<MemoryNeed> needs;   ///< by unit
     PercentRange percents;
     ResultReceiver& receiver; ///< of what becomes of each unit
     UnitEvents& events;

@@ -2,6 +2,7 @@
 
 #include "analysis/DependencyLines.h"
 #include "analysis/FileChanges.h"
+#include "analysis/MemoryDeath.h"
 #include "analysis/ModuleImports.h"
 #include "analysis/PathList.h"
 #include "analysis/PrecompiledHeader.h"
@@ -92,7 +93,9 @@ AnalyzerStatus StatusAfter(ProcessOutcome lastStep) {
 UnitResult UnitRun::Run(const UnitWork& work) {
     const auto begin = std::chrono::steady_clock::now();
     UnitResult result = ResultOf(work);
-    if (context_.bundles != nullptr) {
+    // Asked once: what is beside it may change.
+    result.runsAgain = isOutOfMemory_ && IsFailure(result.status) && context_.mayRunAgain && context_.mayRunAgain();
+    if (context_.bundles != nullptr && !result.runsAgain) {
         // While the files of the unit are there.
         const auto elapsed = std::chrono::steady_clock::now() - begin;
         context_.bundles->Offer({plan_, evidence_, result, std::chrono::duration_cast<std::chrono::seconds>(elapsed)});
@@ -268,6 +271,7 @@ ProcessOutcome UnitRun::RunChild(const Arguments& command, const EnvironmentBloc
                                  const ChildFacts& facts) {
     ChildEnd& end = facts.end;
     end = {};
+    isOutOfMemory_ = false;
     try {
         const ProcessOutcome outcome = RunSupervised(command, {plan_.Directory(), environment}, context_.limits,
                                                      context_.stop, {end.output, facts.cost});
@@ -277,6 +281,7 @@ ProcessOutcome UnitRun::RunChild(const Arguments& command, const EnvironmentBloc
         return outcome;
     } catch (const ProcessReturnCodeException& error) {
         end.exitCode = error.ExitCode();
+        isOutOfMemory_ = LooksOutOfMemory(error);
         throw;
     }
 }

@@ -15,6 +15,7 @@
 #include "settings/RunSettings.h"
 #include "settings/SettingsFile.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,8 @@ struct UnitRunContext {
     ChildLimits limits;               ///< of each child; the time is that of all together
     ReplayBundles* bundles = nullptr; ///< null: none are wanted
     ResultCache* cache = nullptr;     ///< null: there is none
+    std::function<bool()> mayRunAgain =
+        {}; ///< whether a unit that runs out of memory now runs again; empty: it does not
 };
 
 /// The run of one unit: executes its plan, step by step. A step that fails throws; a step's value says whether it came
@@ -125,8 +128,9 @@ private:
     std::optional<SettingsFile> settings_; // written when the core is first run
     std::string fragmentPath_;             // empty: the core was not run to find anything
     std::optional<Fingerprint> textFingerprint_;
-    UnitCost cost_;               // so far
-    CoreTallies tallies_;         // what the core said of the run
+    UnitCost cost_;       // so far
+    CoreTallies tallies_; // what the core said of the run
+    bool isOutOfMemory_ = false;
     bool importsModules_ = false; // as the text that was analyzed says
 };
 

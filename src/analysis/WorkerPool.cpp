@@ -78,10 +78,10 @@ void WorkerPool::push_task(std::function<void()> task) {
     taskAdded_.notify_one();
 }
 
-bool WorkerPool::WaitForRoom(std::chrono::milliseconds longest) {
+bool WorkerPool::WaitForRoom(std::chrono::milliseconds longest, std::size_t more) {
     std::unique_lock lock(mutex_);
     // As many queued tasks as threads keep every one of them busy while this thread comes back with the next.
-    return taskTaken_.wait_for(lock, longest, [this] { return queue_.size() < threads_.size(); });
+    return taskTaken_.wait_for(lock, longest, [this, more] { return queue_.size() < threads_.size() + more; });
 }
 
 void WorkerPool::WaitForTasks() {

@@ -33,8 +33,9 @@ public:
     /// Queues a task; never waits. Nobody takes it when there are no threads.
     void push_task(std::function<void()> task);
 
-    /// Waits until fewer tasks are queued than there are threads, or `longest` has passed: whether there is room.
-    [[nodiscard]] bool WaitForRoom(std::chrono::milliseconds longest);
+    /// Waits until fewer tasks are queued than there are threads and `more`, or `longest` has passed: whether there is
+    /// room.
+    [[nodiscard]] bool WaitForRoom(std::chrono::milliseconds longest, std::size_t more = 0);
 
     /// Waits until every task has ended. Rethrows the first exception that left a task since the last call.
     void WaitForTasks();

@@ -98,6 +98,9 @@ const OptionRow VisibleOptions[] = {
      "Give up a file whose compiler or analyzer writes more than SIZE bytes to standard output or standard error; "
      "K, M and G behind the number count",
      nullptr, nullptr, &A::maxOutput},
+    {0, "max-memory", "SIZE",
+     "Analyze no more files at once than fit into SIZE bytes; K, M and G behind the number count", nullptr, nullptr,
+     &A::maxMemory},
     {0, "bundle", "DIR",
      "Write what lets a file that fails be analyzed again elsewhere, without project and compiler, into a folder in "
      "DIR",
@@ -395,6 +398,10 @@ UnitLimits LimitsOf(const AnalyzeOptions& options) {
     return limits;
 }
 
+std::optional<std::uint64_t> MaxMemoryOf(const AnalyzeOptions& options) {
+    return options.maxMemory ? std::optional(RequireByteCount(*options.maxMemory, "--max-memory")) : std::nullopt;
+}
+
 std::optional<BundleWishes> BundlesOf(const AnalyzeOptions& options) {
     const std::optional<std::chrono::seconds> slow = SecondsOf(options.bundleSlow, "--bundle-slow");
     if (!options.bundle) {
@@ -461,6 +468,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(FindingsToShow(options));
     static_cast<void>(LimitsOf(options));
     static_cast<void>(CacheSizeOf(options));
+    static_cast<void>(MaxMemoryOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
     if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {

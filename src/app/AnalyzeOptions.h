@@ -86,6 +86,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> corePath;
     std::optional<std::string> timeout;    ///< seconds
     std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
+    std::optional<std::string> maxMemory;  ///< likewise
     std::optional<std::string> bundle;     ///< a folder
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;
@@ -123,6 +124,10 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// What `--timeout` and `--max-output` set.
 /// \throws ZelmException
 [[nodiscard]] UnitLimits LimitsOf(const AnalyzeOptions& options);
+
+/// The bytes of `--max-memory`; absent when it was not given.
+/// \throws ZelmException
+[[nodiscard]] std::optional<std::uint64_t> MaxMemoryOf(const AnalyzeOptions& options);
 
 /// What `--bundle` and the options beside it ask for; absent without it.
 /// \throws ZelmException

@@ -272,7 +272,8 @@ void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange pe
         commands.push_back({units_[unit], unit});
     }
     try {
-        runner_.RunParallel(commands, input_.threads, {pass.work, actions, percents, receiver, monitor_});
+        runner_.RunParallel(commands, input_.threads,
+                            {pass.work, actions, monitor_.Needs(actions), percents, receiver, monitor_});
     } catch (...) {
         monitor_.EndPass();
         outcome = receiver.Outcome();

@@ -126,6 +126,22 @@ std::vector<UnitExpectation> RunMonitor::Expect(std::span<const UnitAction> acti
     return expectations;
 }
 
+// Before the first unit begins, so no lock is held.
+std::vector<MemoryNeed> RunMonitor::Needs(std::span<const UnitAction> actions) const {
+    std::vector<MemoryNeed> needs(units_.size());
+    const std::vector<UnitExpectation> expectations = Expect(actions);
+    for (std::size_t unit = 0; unit < units_.size(); ++unit) {
+        if (actions[unit] != UnitAction::Run) {
+            continue;
+        }
+        needs[unit].size = static_cast<std::uint64_t>(expectations[unit].bytes);
+        if (const auto known = costs_.IsEmpty() ? std::nullopt : costs_.Find(kind_, CostKeyOf(units_[unit]))) {
+            needs[unit].peak = known->PeakMemory();
+        }
+    }
+    return needs;
+}
+
 void RunMonitor::UnitBegins(std::size_t unit) {
     {
         const std::lock_guard lock(mutex_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/MemoryPlan.h"
 #include "analysis/RunForecast.h"
 #include "analysis/RunPass.h"
 #include "analysis/StatusLine.h"
@@ -38,6 +39,9 @@ public:
 
     /// The pass that was begun has ended: its line is taken away.
     void EndPass();
+
+    /// By unit: the memory that those which run in the pass need, as far as it is known.
+    [[nodiscard]] std::vector<MemoryNeed> Needs(std::span<const UnitAction> actions) const;
 
     void UnitBegins(std::size_t unit) override;
     void UnitEnds(std::size_t unit, const UnitResult& result) override;

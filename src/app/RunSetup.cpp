@@ -109,6 +109,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     settings.cache.tokenFile = options.cacheTokenFile.value_or("");
     settings.cache.isReadOnly = options.cacheReadOnly;
     settings.cache.largestSize = CacheSizeOf(options).value_or(settings.cache.largestSize);
+    settings.maxMemory = MaxMemoryOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;

@@ -45,6 +45,8 @@ struct RunSettings {
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     UnitLimits limits;
     CacheSettings cache;
+    std::optional<std::uint64_t>
+        maxMemory; ///< `--max-memory`: bytes for all children together; absent: what is granted
     bool ignoreCcache = false;
     bool nativeResponseFiles = false;  ///< read response files as the unit's compiler does
     bool analyzeSystemPaths = false;   ///< also units inside the folders of -isystem and the like
