@@ -58,11 +58,14 @@ struct Perform {
     FileChanges& changes; ///< since before the first unit was collected
 };
 
+/// Makes the preprocessed text and leaves it where the plan says; no core is started.
+struct Preprocess {};
+
 } // namespace Work
 
 /// What a pass does, one of the works. Copies are cheap; what it refers to outlives the pass.
 using UnitWork = std::variant<Work::Analyze, Work::AnalyzeAndKeep, Work::ListDependencies, Work::Collect,
-                              Work::CollectAndKeep, Work::Perform>;
+                              Work::CollectAndKeep, Work::Perform, Work::Preprocess>;
 
 /// The stage of an intermodular analysis that a work is; None for an ordinary run.
 [[nodiscard]] IntermodularAnalysisMode ModeOf(const UnitWork& work) noexcept;

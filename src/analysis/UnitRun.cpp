@@ -226,6 +226,10 @@ AnalyzerStatus UnitRun::Do(const Work::Perform& work) {
     return AnalyzeText();
 }
 
+AnalyzerStatus UnitRun::Do(const Work::Preprocess&) {
+    return StatusAfter(Preprocess());
+}
+
 bool UnitRun::IsLeftOut() const {
     if (plan_.verdict == UnitVerdict::InSystemFolder) {
         context_.log.VerboseLine("  Exclusion by system folder: '" + plan_.sourcePath + "'");

@@ -81,6 +81,8 @@ private:
     [[nodiscard]] AnalyzerStatus Do(const Work::CollectAndKeep& work);
     // Uses the text that was collected as long as it is what the files say.
     [[nodiscard]] AnalyzerStatus Do(const Work::Perform& work);
+    // For whoever reads the text; a unit that is left out is no exception.
+    [[nodiscard]] AnalyzerStatus Do(const Work::Preprocess& work);
 
     // Their steps.
     // Whether the plan's verdict leaves the unit out; the verbose log says so.

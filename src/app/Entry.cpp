@@ -9,6 +9,7 @@
 #include "app/Version.h"
 #include "app/inspect/DoctorCommand.h"
 #include "app/inspect/ExplainCommand.h"
+#include "app/inspect/VerifyCommand.h"
 #include "platform/ChildWatch.h"
 #include "platform/Console.h"
 #include "platform/CrashHandler.h"
@@ -81,6 +82,8 @@ int RunProgram(int argumentCount, const char* const* arguments) {
                                 ExplainCommand);
     const args::Command cache(parser, "cache", "Show, check, trim or empty a cache of results", CacheCommand);
     const args::Command doctor(parser, "doctor", "Tell what would go wrong in a run, before it begins", DoctorCommand);
+    const args::Command verify(parser, "verify", "Compare what is preprocessed with what the build's own commands give",
+                               VerifyCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 

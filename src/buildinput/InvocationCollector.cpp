@@ -207,6 +207,9 @@ bool InvocationCollector::IsWanted(const std::vector<std::string>& arguments, co
     if (!sieve_->wants(arguments)) {
         return false;
     }
+    if (sieve_->onlyWithFiles && !sieve_->trails.empty() && sieve_->trails.back().files.empty()) {
+        sieve_->trails.pop_back();
+    }
     sieve_->trails.push_back({collected_.invocations, arguments, workingDirectory, {}, {}, {}});
     return true;
 }

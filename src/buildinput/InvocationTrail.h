@@ -28,6 +28,7 @@ struct InvocationTrail {
 struct InvocationSieve {
     /// Whether an invocation with these words, compiler first, is wanted; of the others only the number counts.
     std::function<bool(std::span<const std::string> words)> wants;
+    bool onlyWithFiles = false;               ///< of invocations without response files no trail is kept
     std::vector<InvocationTrail> trails = {}; ///< of those that were wanted, in the order of the input
 };
 

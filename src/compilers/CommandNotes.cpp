@@ -123,7 +123,8 @@ public:
         if (use.match.row->kind == FlagKind::LinkerPart) {
             note.count = arguments_ - use.index;
         }
-        note.isForOutput = SaysWhatIsWritten(*use.match.row);
+        // Where the unit works is decided already.
+        note.isForOutput = SaysWhatIsWritten(*use.match.row) || use.match.row->effect == FlagEffect::NamesDirectory;
         note.fate = StaysForPreprocessing(use, source_) ? WordFate::Kept : WordFate::Dropped;
         runWords_ += use.wordCount;
     }
@@ -131,6 +132,10 @@ public:
     void Input(const InputFile& input) {
         WordNote& note = notes_.emplace_back();
         note.first = input.index;
+        if (input.kind == InputKind::MissingResponseFile) {
+            note.meaning = "response file"; // not expanded: the compiler reads it
+            return;
+        }
         note.fate = input.index == source_ ? WordFate::Source : WordFate::OtherInput;
         note.meaning = IsSource(input.kind) ? "source" : "no source";
     }

@@ -30,11 +30,12 @@ struct WordNote {
     std::string handedOnBy;         ///< the flag that hands it on: "-Wp"; empty when it stands by itself
     std::string_view meaning;       ///< what it is to us, such as "include folder"; a constant of the program
     WordFate fate = WordFate::Kept;
-    bool isForOutput = false; ///< it says which step is taken or what is written, and not how the text is made
+    bool isForOutput = false; ///< it says which step is taken, where, or what is written, and not how the text is made
     bool isKnown = true;      ///< there is a rule for the flag
 };
 
-/// The parts of a command in their order, compiler left out. `arguments` and `source` are those of a unit.
+/// The parts of a command in their order, compiler left out. `arguments` and `source` are those of a unit, or of its
+/// command with response files that are not expanded.
 [[nodiscard]] std::vector<WordNote> NoteWords(const Compiler& model, std::span<const std::string> arguments,
                                               const SourceArgument& source);
 

@@ -137,42 +137,16 @@ def units(program, core, path, folder):
     return sorted((entry["directory"], entry["file"], plain(entry["arguments"])) for entry in entries), done.stdout
 
 
-def own_text(entry, target):
-    """The compiler's own preprocessed text of a unit; what the driver leaves out on purpose is left out here, too."""
-    words, kept = iter(entry["arguments"]), []
-    for word in words:
-        if word == "-o":
-            next(words)
-        elif word in DEPENDENCY_FLAGS:
-            for _ in range(DEPENDENCY_FLAGS[word]):
-                next(words)
-        elif word != "-c" and not re.fullmatch(r"-O[123s]?|-Ofast|-Og|-g3", word):
-            kept.append(word)
-    run([*kept, "-DORVANTA", "-w", "-E", "-o", target], entry["directory"])
-    with open(target, "rb") as file:
-        return file.read()
-
-
-def other_texts(program, core, database, folder):
-    """Names the units whose text is not the compiler's own."""
-    output = os.path.join(folder, "texts")
-    os.mkdir(output)
-    dump = os.path.join(output, "units.json")
-    subprocess.run([program, "analyze", "-f", database, "--dump-json", dump, "--dump-files", JOBS,
-                    "--analyze-specified-system-paths", "-o",
-                    os.path.join(output, "report.json"), "--orvanta-path", core], cwd=folder,
-                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
-    with open(dump, encoding="utf-8") as file:
-        entries = json.load(file)
-    faults = []
-    for number, entry in enumerate(entries, start=1):
-        path = os.path.join(output, ".Orvanta", f"{number}_{os.path.basename(entry['file'])}.Orvanta.i")
-        if not os.path.exists(path):
-            faults.append(f"no text of {entry['file']}")
-            continue
-        with open(path, "rb") as file:
-            if file.read() != own_text(entry, os.path.join(output, "own.i")):
-                faults.append(f"another text of {entry['file']}")
+def other_texts(program, database, folder):
+    """Names the units whose text is not the compiler's own; only what is left out on purpose may make a difference."""
+    done = subprocess.run([program, "verify", "--json", "-f", database, JOBS, "--analyze-specified-system-paths"],
+                          cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True, check=False)
+    answer = json.loads(done.stdout)
+    faults = [f"another text: {unit}" for unit in answer["differences"]
+              if not all(re.fullmatch(r"-O[123s]?|-Ofast|-Og|-g3", cause) for cause in unit["causes"])]
+    faults += [f"no text: {unit}" for unit in answer["failures"]]
+    if answer["equal"] + len(answer["differences"]) != answer["units"]:
+        faults.append("not all units were compared")
     return faults
 
 
@@ -192,7 +166,7 @@ def compare(name, program, core):
         faults.append("some units stand in one of both several times")
     if not expected:
         faults.append("the build compiled nothing")
-    faults += other_texts(program, core, database, folder)
+    faults += other_texts(program, database, folder)
     if faults:
         print("\n".join(faults))
         print(f"the project is kept: {parent}")
