@@ -17,7 +17,8 @@ const CheckRow* FindIn(std::span<const CheckRow> rows, std::string_view id) {
 } // namespace
 
 const CheckRow* FindCheck(std::string_view id) {
-    return FindIn(CppcheckChecks(), id);
+    const CheckRow* const row = FindIn(CppcheckChecks(), id);
+    return row != nullptr ? row : FindIn(ClangChecks(), id);
 }
 
 CheckRow RowFor(const Finding& finding) {

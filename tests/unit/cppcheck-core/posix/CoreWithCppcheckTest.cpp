@@ -75,12 +75,49 @@ TEST_F(CoreWithCppcheck, FailsWhenCppcheckFails) {
     }
 }
 
-TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItInALine) {
-    const CoreEnd one = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1\n"));
-    EXPECT_EQ(one.exitCode, 0) << one.standardError;
-    EXPECT_THAT(one.standardOutput, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\n"));
-    const CoreEnd built = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1 # built anew\n"));
-    EXPECT_NE(built.standardOutput, one.standardOutput);
+TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItAndWhatIsMissing) {
+    const auto ask = [&](const std::string& script) {
+        WithCppcheck(script);
+        const CoreEnd end = RunWith({"--version"}, {{"PATH", folder_ / "fake"}});
+        EXPECT_EQ(end.exitCode, 0) << end.standardError;
+        return end.standardOutput;
+    };
+    const std::string one = ask("echo Cppcheck 9.1\n");
+    EXPECT_THAT(one, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\nIt runs Cppcheck 9.1\n"
+                                           "clang-tidy is not installed and finds nothing: install the package "
+                                           "\"clang-tidy\"\n"));
+    EXPECT_NE(ask("echo Cppcheck 9.1 # built anew\n"), one);
+}
+
+// One fault that both find, then what one of them can't read.
+TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
+    if (!PathExists("/usr/bin/clang-tidy")) {
+        GTEST_SKIP() << "needs clang-tidy";
+    }
+    const std::string fault = "# 1 \"u.cpp\"\nint f() {\n  int* p = 0;\n  return *p; }\n";
+
+    struct {
+        const char* text;
+        const char* told;
+        const char* message;
+    } const cases[] = {
+        {"", "", "[nullPointer] Null pointer dereference: p (clang-analyzer-core.NullDereference)"},
+        {"int n = no;\n", "clang-tidy can't read\t/u.cpp: use of undeclared identifier 'no'",
+         "[nullPointer] Null pointer dereference: p"},
+    };
+
+    for (const auto& row : cases) {
+        const CoreEnd end = Run(WriteUnit(fault + row.text, "engines=cppcheck,clang\n"));
+        ASSERT_EQ(end.exitCode, 0) << end.standardError;
+        std::string told = end.standardOutput;
+        if (const std::size_t at = told.find(project_); at != std::string::npos) {
+            told.replace(at, project_.size(), "");
+        }
+        EXPECT_THAT(told, HasSubstr(row.told));
+        ASSERT_EQ(Findings().size(), 1U) << folder_.Read(Fragment);
+        EXPECT_EQ(Findings()[0].message, row.message);
+        EXPECT_EQ(Findings()[0].positions[0].line, 3U);
+    }
 }
 
 TEST_F(CoreWithCppcheck, CppcheckEndsWithTheCoresProcessGroup) {
