@@ -59,8 +59,9 @@ bool IsMsvc(const UnitSettings& unit) {
     return unit.preprocessor == "visualcpp";
 }
 
-bool IsAskedFor(const CheckRow& row, const CheckChoice& choice) {
-    return choice.Has(row.group) && (choice.all || row.state != CheckState::Off);
+bool IsAskedFor(CheckRow row, const CheckChoice& choice) {
+    choice.rules.ApplyTo(row);
+    return choice.Has(row.group) && (choice.all || row.state != CheckState::Off) && !choice.rules.SwitchesOff(row.id);
 }
 
 // The analyzer's models of the library come along with its checks, and are no checks themselves.

@@ -114,7 +114,8 @@ public:
 
     // Those of one fault are to be added in the order in which their identifiers are told.
     void Add(const Finding& finding) {
-        const CheckRow row = RowFor(finding);
+        CheckRow row = RowFor(finding);
+        choice_.rules.ApplyTo(row);
         const Place place = places_.Resolve(finding.location);
         if (!IsWanted(finding, row, place)) {
             return;
@@ -179,7 +180,8 @@ private:
             const OrvlogConverter::MessagePosition position = lines_.At(place.file->path, place.line);
             return !SaysFallThrough(position.prevLine) && !SaysFallThrough(position.currLine);
         }
-        if (choice_.all || row.state == CheckState::On) {
+        const bool isAskedFor = choice_.all && !choice_.rules.SwitchesOff(row.id);
+        if (isAskedFor || row.state == CheckState::On) {
             return true;
         }
         return row.state == CheckState::AsWritten && written_.IsAsWritten(place.file->path, place.line);

@@ -39,6 +39,9 @@ Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, const Engines& engin
     }
     // What the choice leaves out is not collected.
     builder.Add(std::string{static_cast<char>(unit.choice.groups), unit.choice.all ? 'a' : ' '});
+    for (const auto& [check, rule] : unit.choice.rules.byCheck) {
+        builder.Add(check).Add(std::to_string(rule.level) + (unit.choice.rules.SwitchesOff(check) ? "-" : "+"));
+    }
     // Cppcheck alone sees no more than the cut text: what changes in system headers is nothing to it.
     const bool isCppcheckAlone = engines.size() == 1 && engines.front()->Kind() == EngineKind::Cppcheck;
     return builder.Add(isCppcheckAlone ? text.cut.text : text.preprocessed).Value();

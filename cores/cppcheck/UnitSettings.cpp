@@ -46,7 +46,8 @@ bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, st
 }
 
 // The driver writes a number; who writes settings by hand may use names.
-CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsPath) {
+CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsPath,
+                       std::string_view currentDirectory) {
     CheckChoice choice;
     try {
         choice.groups = ParseAnalysisMode(LastValue(settings, "analysis-mode").value_or(DefaultAnalysisMode));
@@ -54,6 +55,12 @@ CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsP
         Fail(settingsPath, error.what());
     }
     choice.all = ReadSwitch(settings, settingsPath, "engines-all", "no");
+    const auto [first, last] = settings.equal_range("rules-config");
+    for (auto entry = first; entry != last; ++entry) {
+        if (!entry->second.empty()) {
+            ReadRules(JoinPath(currentDirectory, entry->second), choice.rules);
+        }
+    }
     return choice;
 }
 
@@ -140,7 +147,7 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     unit.platform = LastValue(settings, "platform").value_or("");
     unit.preprocessor = LastValue(settings, "preprocessor").value_or("");
     unit.isPlainCharUnsigned = ReadSwitch(settings, settingsPath, "funsigned-char", "no");
-    unit.choice = ReadChoice(settings, settingsPath);
+    unit.choice = ReadChoice(settings, settingsPath, currentDirectory);
     unit.engines = ReadEngines(settings, settingsPath);
     unit.isDeep = ReadDepth(settings, settingsPath);
     unit.outputFormat = ReadSwitch(settings, settingsPath, "new-output-format", "yes")
