@@ -1,5 +1,7 @@
 #include "cppcheck/CheckTable.h"
 
+#include "cppcheck/Misra.h"
+
 #include <algorithm>
 
 namespace Orvanta {
@@ -32,6 +34,11 @@ CheckRow RowFor(const Finding& finding) {
     }
     CheckRow row;
     row.id = finding.id;
+    if (const std::string_view rule = MisraRuleOf(finding.id); !rule.empty()) {
+        row.group = CheckGroup::Misra;
+        row.state = IsJudged(rule) ? CheckState::On : CheckState::Off;
+        return row;
+    }
     if (finding.severity == "error") {
         row.level = 1;
     } else if (finding.severity == "warning") {

@@ -94,6 +94,10 @@ void AddUnitWords(Arguments& command, const UnitSettings& unit) {
     const std::string platform = CppcheckPlatform(unit);
     command.push_back("--platform=" + platform);
     AddLibraries(command, platform);
+    // It comes with Cppcheck, and knows the rules for C.
+    if (unit.choice.Has(CheckGroup::Misra) && unit.language == UnitLanguage::C) {
+        command.emplace_back("--addon=misra");
+    }
     for (const std::string_view definition : Definitions) {
         command.push_back("-D" + std::string(definition));
     }

@@ -1,6 +1,7 @@
 #include "cppcheck/ReportWriter.h"
 
 #include "cppcheck/FileAlias.h"
+#include "cppcheck/Misra.h"
 #include "cppcheck/SameFaults.h"
 #include "cppcheck/SourceLines.h"
 #include "cppcheck/SourceMarks.h"
@@ -195,6 +196,11 @@ private:
         message.cwe = finding.cwe != 0 ? finding.cwe : told.row.cwe;
         // All findings of other tools have one code: the name in front is what tells them apart.
         message.message = "[" + finding.id + "] " + finding.message;
+        if (const std::string_view rule = MisraRuleOf(finding.id); !rule.empty()) {
+            // The add-on may not tell what a rule says: its text is MISRA's.
+            message.message = "[" + finding.id + "] Rule " + std::string(rule) + " of MISRA C:2012 is not kept";
+            message.sastId = "MISRA-C-" + std::string(rule);
+        }
         // At the end: what the text begins with is by what reports know a check.
         if (!finding.otherIds.empty()) {
             message.message += " (" + Joined(finding.otherIds) + ")";

@@ -1,5 +1,6 @@
 #include "cppcheck/RulesConfig.h"
 
+#include "cppcheck/Misra.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Text.h"
@@ -21,7 +22,7 @@ std::string ReasonRefused(std::string_view line, CheckRules& rules) {
         return "\"disable=ID\", \"enable=ID\" or \"level:ID=N\" is expected";
     }
     const std::string_view id = isLevel ? Trim(key.substr(LevelKey.size())) : value;
-    if (FindCheck(id) == nullptr) {
+    if (FindCheck(id) == nullptr && !IsJudged(MisraRuleOf(id))) {
         return "no check is called \"" + std::string(id) + "\"";
     }
     CheckRules::Rule& rule = rules.byCheck[std::string(id)];

@@ -4,6 +4,7 @@
 #include "cppcheck/Engine.h"
 #include "cppcheck/MarkedText.h"
 #include "cppcheck/MergedFindings.h"
+#include "cppcheck/Misra.h"
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/SystemTextCutter.h"
 #include "cppcheck/TallyLines.h"
@@ -71,10 +72,40 @@ std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, const En
     return collected;
 }
 
+// What the end of the run tells of the groups that are chosen.
+std::string GroupTallies(const UnitSettings& unit, const Engines& engines) {
+    struct GroupWord {
+        unsigned bit;
+        std::string_view word;
+    };
+
+    constexpr GroupWord WithoutChecks[] = {{16, "CS"}, {64, "AUTOSAR"}, {128, "OWASP"}};
+    std::string tallies;
+    for (const GroupWord& group : WithoutChecks) {
+        if ((unit.choice.groups & group.bit) != 0) {
+            AppendTally(tallies, "No engine of the bundled core has checks of the group " + std::string(group.word),
+                        "");
+        }
+    }
+    if (!unit.choice.Has(CheckGroup::Misra)) {
+        return tallies;
+    }
+    if (engines.front()->Kind() != EngineKind::Cppcheck) {
+        AppendTally(tallies, "The rules of MISRA are not judged: that takes Cppcheck", "");
+    } else if (unit.language == UnitLanguage::Cpp) {
+        AppendTally(tallies, "Files of C++, by which no rule of MISRA is judged", unit.sourcePath);
+    } else {
+        AppendTally(tallies, "Rules of MISRA C:2012 that were judged, and no others: " + JudgedMisraRules(), "");
+    }
+    return tallies;
+}
+
 /// Takes what the engines say of a unit, one after the other.
 class ResultCollector {
 public:
-    explicit ResultCollector(const UnitSettings& unit) : unit_(unit) {}
+    ResultCollector(const UnitSettings& unit, const Engines& engines) : unit_(unit) {
+        words_.tallies = GroupTallies(unit, engines);
+    }
 
     void Add(const Engine& engine, EngineResult result) {
         words_.otherText += result.otherText;
@@ -129,7 +160,7 @@ UnitWords AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirect
     const UnitText text = ReadUnitText(unit, currentDirectory);
     std::optional<UnitFindings> findings = CollectedFindings(unit, engines, text);
     if (!findings) {
-        ResultCollector results(unit);
+        ResultCollector results(unit, engines);
         for (const std::unique_ptr<Engine>& engine : engines) {
             results.Add(*engine, engine->Analyze(unit, text));
         }
@@ -152,7 +183,7 @@ UnitWords AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirect
 UnitWords CollectFacts(const UnitSettings& unit, const std::string& currentDirectory) {
     const Engines engines = EnginesFor(unit);
     const UnitText text = ReadUnitText(unit, currentDirectory);
-    ResultCollector results(unit);
+    ResultCollector results(unit, engines);
     UnitInformation information;
     for (const std::unique_ptr<Engine>& engine : engines) {
         // Of both, Cppcheck alone tells what concerns other units.

@@ -120,6 +120,26 @@ TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
     }
 }
 
+// The system's text breaks a rule as well, and the marker of the user's would break one about directives.
+TEST_F(CoreWithCppcheck, JudgesTheRulesOfMisraInTheUsersText) {
+    const std::string text =
+        "# 1 \"/usr/include/s.h\" 1 3\n"
+        "static int s(int a) { if (a > 1) goto end; a = 2; end: return a; }\n"
+        "# 1 \"u.cpp\" 2\n"
+        "static int f(int a) {\n  if (a > 1) {\n    goto end;\n  }\n  a = 2;\nend:\n  return a;\n}\n";
+    const std::string settings = "analysis-mode=160\nlanguage=C\nstd=c11\n";
+    const CoreEnd end = Run(WriteUnit(text, settings));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    EXPECT_THAT(end.standardOutput, HasSubstr("<}tally{>Rules of MISRA C:2012 that were judged, and no others: 1.4, "));
+    EXPECT_THAT(end.standardOutput, HasSubstr("has checks of the group OWASP\n"));
+    std::string found;
+    for (const ReportMessage& finding : Findings()) {
+        EXPECT_EQ(finding.level, 3U);
+        found += finding.sastId + ":" + std::to_string(finding.positions[0].line) + " ";
+    }
+    EXPECT_EQ(found, "MISRA-C-15.1:3 MISRA-C-17.8:5 ");
+}
+
 TEST_F(CoreWithCppcheck, CppcheckEndsWithTheCoresProcessGroup) {
     // The fifth word of these files is the process group.
     const std::string groups = folder_ / "groups";
