@@ -1,10 +1,10 @@
 #include "cppcheck/ClangCommand.h"
 
 #include "cppcheck/CheckTable.h"
-#include "platform/Paths.h"
-#include "platform/Table.h"
+#include "cppcheck/Targets.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 namespace Orvanta {
@@ -42,17 +42,6 @@ constexpr std::string_view ErrorsOfClang[] = {
     "address-of-temporary",
     "reserved-user-defined-literal",
     "implicit-function-declaration",
-};
-
-struct TargetRow {
-    std::string_view platform;
-    std::string_view target;
-};
-
-// By the sizes of the basic types, for which the instruction set does not matter.
-constexpr TargetRow Targets[] = {
-    {"linux64", "x86_64-pc-linux-gnu"}, {"linux32", "i686-pc-linux-gnu"}, {"Win32", "i686-pc-windows-msvc"},
-    {"arm", "armv7-none-eabi"},         {"pic8", "msp430-none-elf"},
 };
 
 bool IsMsvc(const UnitSettings& unit) {
@@ -96,8 +85,8 @@ void AddDialect(Arguments& command, const UnitSettings& unit) {
     if (const std::string standard = StandardOf(unit); !standard.empty()) {
         command.push_back("-std=" + standard);
     }
-    if (const std::string target = ClangTarget(unit); !target.empty()) {
-        command.push_back("--target=" + target);
+    if (const std::optional<Target> target = TargetOf(unit); target && !target->clangs.empty()) {
+        command.push_back("--target=" + std::string(target->clangs));
     }
     if (unit.isPlainCharUnsigned) {
         command.emplace_back("-funsigned-char");
@@ -112,18 +101,6 @@ void AddDialect(Arguments& command, const UnitSettings& unit) {
 bool HasClangChecks(const CheckChoice& choice) {
     const auto checks = ClangChecks();
     return std::any_of(checks.begin(), checks.end(), [&](const CheckRow& row) { return IsAskedFor(row, choice); });
-}
-
-std::string ClangTarget(const UnitSettings& unit) {
-    if (unit.platform == "x64") {
-        // Also the word for a unit whose command tells no platform.
-        if (IsMsvc(unit)) {
-            return "x86_64-pc-windows-msvc";
-        }
-        return HostPathRules() == PathRules::Windows ? "x86_64-w64-windows-gnu" : "";
-    }
-    const TargetRow* const row = FindRow(Targets, &TargetRow::platform, unit.platform);
-    return row != nullptr ? std::string(row->target) : "";
 }
 
 Arguments ClangCommand(const std::string& program, const UnitSettings& unit, const std::string& textPath) {

@@ -18,7 +18,10 @@ EngineResult CppcheckEngine::Analyze(const UnitSettings& unit, const UnitText& t
 }
 
 Arguments CppcheckEngine::CommandFor(const UnitSettings& unit) const {
-    return CppcheckCommand(program_, unit, "");
+    // Without paths that are others in each run; the platform's word stands for its file.
+    UnitSettings anywhere = unit;
+    anywhere.preprocessedPath = unit.platform;
+    return CppcheckCommand(program_, anywhere, "");
 }
 
 } // namespace Orvanta

@@ -4,6 +4,7 @@
 #include "cppcheck/ProgramRun.h"
 #include "cppcheck/ScopedFile.h"
 #include "cppcheck/ScopedFolder.h"
+#include "cppcheck/Targets.h"
 #include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
@@ -11,6 +12,8 @@
 #include "platform/Text.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <set>
 #include <tuple>
 #include <vector>
@@ -18,6 +21,15 @@
 namespace Orvanta {
 
 namespace {
+
+// A file of our own for a target that Cppcheck has no word for; null where it has one.
+std::unique_ptr<ScopedFile> WritePlatform(const UnitSettings& unit) {
+    const std::optional<Target> target = TargetOf(unit);
+    if (!target || !target->sizes) {
+        return nullptr;
+    }
+    return std::make_unique<ScopedFile>(PlatformPath(unit), PlatformFileText(*target->sizes, unit.isPlainCharUnsigned));
+}
 
 std::string_view ExtensionFor(UnitLanguage language) {
     return language == UnitLanguage::C ? ".c" : ".cpp";
@@ -59,6 +71,7 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
     const std::string program = FindCppcheck();
     const std::string textPath = unit.preprocessedPath + ".cut" + std::string(ExtensionFor(unit.language));
     const ScopedFile textFile(textPath, cutText);
+    const std::unique_ptr<ScopedFile> platformFile = WritePlatform(unit);
     // Cppcheck looks for its libraries in the current directory first: in the unit's own, any file could be one.
     return RunCppcheckCommand(CppcheckCommand(program, unit, textPath),
                               std::string(DirectoryOf(unit.preprocessedPath)));
@@ -67,6 +80,7 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
 CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText) {
     const std::string program = FindCppcheck();
     const ScopedFolder folder(unit.preprocessedPath + ".facts");
+    const std::unique_ptr<ScopedFile> platformFile = WritePlatform(unit);
     // The same name for each unit, in a folder of its own: then nothing that Cppcheck writes depends on where it stood.
     const std::string textName = "unit" + std::string(ExtensionFor(unit.language));
     OutputFile(JoinPath(folder.Path(), textName), OutputFile::Mode::Replace).Append(cutText);

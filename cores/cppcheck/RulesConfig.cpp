@@ -60,8 +60,8 @@ void ReadRules(const std::string& path, CheckRules& rules) {
             continue;
         }
         if (const std::string reason = ReasonRefused(line, rules); !reason.empty()) {
-            throw ZelmException(path + ", line " + std::to_string(number) + ": \"" + std::string(line) +
-                                "\": " + reason);
+            const std::string place = path + ", line " + std::to_string(number);
+            throw ZelmException(place + ": \"" + std::string(line) + "\": " + reason);
         }
     }
 }

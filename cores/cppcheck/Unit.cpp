@@ -8,6 +8,7 @@
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/SystemTextCutter.h"
 #include "cppcheck/TallyLines.h"
+#include "cppcheck/Targets.h"
 #include "cppcheck/UnitInformation.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -72,8 +73,8 @@ std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, const En
     return collected;
 }
 
-// What the end of the run tells of the groups that are chosen.
-std::string GroupTallies(const UnitSettings& unit, const Engines& engines) {
+// What the end of the run tells of what the settings ask for.
+std::string SettingsTallies(const UnitSettings& unit, const Engines& engines) {
     struct GroupWord {
         unsigned bit;
         std::string_view word;
@@ -86,6 +87,10 @@ std::string GroupTallies(const UnitSettings& unit, const Engines& engines) {
             AppendTally(tallies, "No engine of the bundled core has checks of the group " + std::string(group.word),
                         "");
         }
+    }
+    if (!TargetOf(unit) && !unit.platform.empty()) {
+        AppendTally(tallies, "Platforms that the bundled core does not know, and takes for this machine",
+                    unit.platform);
     }
     if (!unit.choice.Has(CheckGroup::Misra)) {
         return tallies;
@@ -104,7 +109,7 @@ std::string GroupTallies(const UnitSettings& unit, const Engines& engines) {
 class ResultCollector {
 public:
     ResultCollector(const UnitSettings& unit, const Engines& engines) : unit_(unit) {
-        words_.tallies = GroupTallies(unit, engines);
+        words_.tallies = SettingsTallies(unit, engines);
     }
 
     void Add(const Engine& engine, EngineResult result) {

@@ -120,6 +120,24 @@ TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
     }
 }
 
+// The same code is right on one target and wrong on the other, to both engines.
+TEST_F(CoreWithCppcheck, AsksBothEnginesForTheUnitsTarget) {
+    const std::string text = "# 1 \"u.cpp\"\nint f() { return 1 << 20; }\n";
+    for (const char* const engine : {"cppcheck", "clang"}) {
+        if (!PathExists("/usr/bin/clang-tidy") && engine == std::string("clang")) {
+            continue;
+        }
+        for (const char* const platform : {"linux32", "arm", "pic8", "msp430"}) {
+            const CoreEnd end =
+                Run(WriteUnit(text, "engines=" + std::string(engine) + "\nplatform=" + platform + "\n"));
+            ASSERT_EQ(end.exitCode, 0) << end.standardError;
+            const bool hasSmallInts = platform == std::string("pic8") || platform == std::string("msp430");
+            EXPECT_EQ(Findings().size(), hasSmallInts ? 1U : 0U) << engine << ' ' << platform << folder_.Read(Fragment);
+        }
+    }
+    EXPECT_THAT(Run(WriteUnit(text, "platform=brain16\n")).standardOutput, HasSubstr("for this machine\tbrain16\n"));
+}
+
 // The system's text breaks a rule as well, and the marker of the user's would break one about directives.
 TEST_F(CoreWithCppcheck, JudgesTheRulesOfMisraInTheUsersText) {
     const std::string text =
