@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cppcheck/CheckTable.h"
+#include "cppcheck/RulesConfig.h"
 
 #include <cstdint>
 
@@ -9,11 +10,10 @@ namespace Orvanta {
 /// Which checks a user wants to hear of.
 struct CheckChoice {
     std::uint8_t groups = static_cast<std::uint8_t>(CheckGroup::General); ///< those chosen, as a sum of their bits
-    bool all = false;                                                     ///< also checks that are off, and everywhere
+    bool all = false;      ///< also checks that are off, and everywhere; but not those that a rule switches off
+    CheckRules rules = {}; ///< the user's own
 
-    [[nodiscard]] constexpr bool Has(CheckGroup group) const noexcept {
-        return (groups & static_cast<std::uint8_t>(group)) != 0;
-    }
+    [[nodiscard]] bool Has(CheckGroup group) const noexcept { return (groups & static_cast<std::uint8_t>(group)) != 0; }
 
     bool operator==(const CheckChoice&) const = default;
 };

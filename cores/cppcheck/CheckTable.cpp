@@ -1,5 +1,7 @@
 #include "cppcheck/CheckTable.h"
 
+#include "cppcheck/Misra.h"
+
 #include <algorithm>
 
 namespace Orvanta {
@@ -17,7 +19,8 @@ const CheckRow* FindIn(std::span<const CheckRow> rows, std::string_view id) {
 } // namespace
 
 const CheckRow* FindCheck(std::string_view id) {
-    return FindIn(CppcheckChecks(), id);
+    const CheckRow* const row = FindIn(CppcheckChecks(), id);
+    return row != nullptr ? row : FindIn(ClangChecks(), id);
 }
 
 CheckRow RowFor(const Finding& finding) {
@@ -31,6 +34,11 @@ CheckRow RowFor(const Finding& finding) {
     }
     CheckRow row;
     row.id = finding.id;
+    if (const std::string_view rule = MisraRuleOf(finding.id); !rule.empty()) {
+        row.group = CheckGroup::Misra;
+        row.state = IsJudged(rule) ? CheckState::On : CheckState::Off;
+        return row;
+    }
     if (finding.severity == "error") {
         row.level = 1;
     } else if (finding.severity == "warning") {

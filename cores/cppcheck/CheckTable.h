@@ -40,6 +40,9 @@ struct CheckRow {
 /// The checks of Cppcheck, in ascending order of their identifiers.
 [[nodiscard]] std::span<const CheckRow> CppcheckChecks();
 
+/// Those that clang-tidy runs, in the same order.
+[[nodiscard]] std::span<const CheckRow> ClangChecks();
+
 /// The row of a check; null for one that no row is about, such as one of a newer engine.
 [[nodiscard]] const CheckRow* FindCheck(std::string_view id);
 

@@ -1,8 +1,9 @@
 #include "cppcheck/CppcheckCommand.h"
 
 #include "cppcheck/CppcheckOutput.h"
-#include "platform/Paths.h"
+#include "cppcheck/Targets.h"
 
+#include <optional>
 #include <span>
 
 namespace Orvanta {
@@ -19,12 +20,6 @@ constexpr WordPair Standards[] = {
     {"c90", "c89"},     {"c99", "c99"},     {"c11", "c11"},     {"c17", "c11"},
     {"c20", "c11"},     {"c++98", "c++03"}, {"c++03", "c++03"}, {"c++11", "c++11"},
     {"c++14", "c++14"}, {"c++17", "c++17"}, {"c++20", "c++20"},
-};
-
-constexpr WordPair Platforms[] = {
-    {"linux64", "unix64"}, {"linux32", "unix32"}, {"x64", "win64"},
-    {"Win32", "win32W"},   {"arm", "unix32"}, // the same sizes of the basic types
-    {"pic8", "pic8"},
 };
 
 // Names that the macros of system headers leave in a user's text, given back the meaning that Cppcheck knows them by.
@@ -57,12 +52,7 @@ std::string_view Find(std::span<const WordPair> table, std::string_view word) {
     return {};
 }
 
-// "x64" is also the word for a unit whose command tells no platform.
-// The family of the compiler and this system decide then.
-bool IsUnixUnit(const UnitSettings& unit) {
-    return unit.preprocessor != "visualcpp" && HostPathRules() == PathRules::Posix;
-}
-
+// A file of the target's own says nothing of the functions that its system has.
 void AddLibraries(Arguments& command, std::string_view platform) {
     const bool isUnix = platform.starts_with("unix");
     const bool isWindows = platform.starts_with("win");
@@ -94,6 +84,10 @@ void AddUnitWords(Arguments& command, const UnitSettings& unit) {
     const std::string platform = CppcheckPlatform(unit);
     command.push_back("--platform=" + platform);
     AddLibraries(command, platform);
+    // It comes with Cppcheck, and knows the rules for C.
+    if (unit.choice.Has(CheckGroup::Misra) && unit.language == UnitLanguage::C) {
+        command.emplace_back("--addon=misra");
+    }
     for (const std::string_view definition : Definitions) {
         command.push_back("-D" + std::string(definition));
     }
@@ -106,15 +100,23 @@ std::string_view CppcheckStandard(std::string_view standard) {
 }
 
 std::string CppcheckPlatform(const UnitSettings& unit) {
-    std::string platform(unit.platform == "x64" && IsUnixUnit(unit) ? "unix64" : Find(Platforms, unit.platform));
-    if (platform.empty()) {
+    const std::optional<Target> target = TargetOf(unit);
+    if (!target) {
         return "unspecified";
     }
+    if (target->sizes) {
+        return PlatformPath(unit);
+    }
+    std::string platform(target->cppchecks);
     // Only these two have such a twin.
     if (unit.isPlainCharUnsigned && platform.starts_with("unix")) {
         platform += "-unsigned";
     }
     return platform;
+}
+
+std::string PlatformPath(const UnitSettings& unit) {
+    return unit.preprocessedPath + ".platform.xml";
 }
 
 Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit, const std::string& textPath) {

@@ -11,8 +11,11 @@ namespace Orvanta {
 /// Cppcheck's word for a unit's language standard; empty when it has none, and Cppcheck's own default is taken.
 [[nodiscard]] std::string_view CppcheckStandard(std::string_view standard);
 
-/// Cppcheck's word for a unit's platform.
+/// Cppcheck's word for a unit's platform, or PlatformPath where it has none that fits.
 [[nodiscard]] std::string CppcheckPlatform(const UnitSettings& unit);
+
+/// Where a platform file of the unit's own stands while Cppcheck runs.
+[[nodiscard]] std::string PlatformPath(const UnitSettings& unit);
 
 /// The command that lets `program` analyze the unit's cut text in `textPath` and write what CppcheckOutput reads.
 [[nodiscard]] Arguments CppcheckCommand(const std::string& program, const UnitSettings& unit,

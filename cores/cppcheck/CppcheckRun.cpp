@@ -1,7 +1,10 @@
 #include "cppcheck/CppcheckRun.h"
 
 #include "cppcheck/CppcheckCommand.h"
+#include "cppcheck/ProgramRun.h"
+#include "cppcheck/ScopedFile.h"
 #include "cppcheck/ScopedFolder.h"
+#include "cppcheck/Targets.h"
 #include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
@@ -9,6 +12,8 @@
 #include "platform/Text.h"
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <set>
 #include <tuple>
 #include <vector>
@@ -17,28 +22,14 @@ namespace Orvanta {
 
 namespace {
 
-/// A file that is there for as long as the object.
-/// Cppcheck reads only files, so the cut text has to become one.
-class ScopedFile {
-public:
-    ScopedFile(const std::string& path, std::string_view text) : path_(path) {
-        try {
-            OutputFile(path_, OutputFile::Mode::Replace).Append(text);
-        } catch (...) {
-            // A part of it may be there, and the destructor of an object that was not made is not run.
-            RemoveFile(path_);
-            throw;
-        }
+// A file of our own for a target that Cppcheck has no word for; null where it has one.
+std::unique_ptr<ScopedFile> WritePlatform(const UnitSettings& unit) {
+    const std::optional<Target> target = TargetOf(unit);
+    if (!target || !target->sizes) {
+        return nullptr;
     }
-
-    ~ScopedFile() { RemoveFile(path_); }
-
-    ScopedFile(const ScopedFile&) = delete;
-    ScopedFile& operator=(const ScopedFile&) = delete;
-
-private:
-    std::string path_;
-};
+    return std::make_unique<ScopedFile>(PlatformPath(unit), PlatformFileText(*target->sizes, unit.isPlainCharUnsigned));
+}
 
 std::string_view ExtensionFor(UnitLanguage language) {
     return language == UnitLanguage::C ? ".c" : ".cpp";
@@ -65,32 +56,13 @@ std::string FindCppcheck() {
     return program;
 }
 
-std::string CppcheckVersion(const std::string& workingDirectory) {
-    const std::string program = FindCppcheck();
-    std::string output;
-    // Within our group: whoever ends this core ends Cppcheck too.
-    Process process({program, "--version"}, {workingDirectory, OwnEnvironmentBlock(), ProcessGroup::Inherited},
-                    MakeRedirectToStringProcessor(output), [](std::string_view) {});
-    if (const int exitCode = process.get_exit_status(); exitCode != 0) {
-        throw ZelmException("Cppcheck ended with code " + std::to_string(exitCode));
-    }
-    // One of the same version that was built anew is another one.
-    const ContentFingerprint content = FingerprintOfFile(program).value_or(ContentFingerprint());
-    return std::string(Trim(output)) + ", " + ResolveLinks(program) + ", " + std::to_string(content.bytes.low);
-}
-
 CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& workingDirectory) {
-    std::string standardOutput;
-    std::string standardError;
-    const StartConditions conditions{workingDirectory, OwnEnvironmentBlock(), ProcessGroup::Inherited};
-    Process process(command, conditions, MakeRedirectToStringProcessor(standardOutput),
-                    MakeRedirectToStringProcessor(standardError));
-    const int exitCode = process.get_exit_status();
+    const ProgramEnd end = RunProgram(command, workingDirectory);
     // Findings come on standard error, its own faults on either.
-    CppcheckOutput output = ReadCppcheckOutput(standardError);
-    if (exitCode != 0) {
-        throw ZelmException("Cppcheck ended with code " + std::to_string(exitCode) + ": " +
-                            std::string(Trim(output.otherText + standardOutput)));
+    CppcheckOutput output = ReadCppcheckOutput(end.standardError);
+    if (end.exitCode != 0) {
+        throw ZelmException("Cppcheck ended with code " + std::to_string(end.exitCode) + ": " +
+                            std::string(Trim(output.otherText + end.standardOutput)));
     }
     return output;
 }
@@ -99,6 +71,7 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
     const std::string program = FindCppcheck();
     const std::string textPath = unit.preprocessedPath + ".cut" + std::string(ExtensionFor(unit.language));
     const ScopedFile textFile(textPath, cutText);
+    const std::unique_ptr<ScopedFile> platformFile = WritePlatform(unit);
     // Cppcheck looks for its libraries in the current directory first: in the unit's own, any file could be one.
     return RunCppcheckCommand(CppcheckCommand(program, unit, textPath),
                               std::string(DirectoryOf(unit.preprocessedPath)));
@@ -107,6 +80,7 @@ CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {
 CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText) {
     const std::string program = FindCppcheck();
     const ScopedFolder folder(unit.preprocessedPath + ".facts");
+    const std::unique_ptr<ScopedFile> platformFile = WritePlatform(unit);
     // The same name for each unit, in a folder of its own: then nothing that Cppcheck writes depends on where it stood.
     const std::string textName = "unit" + std::string(ExtensionFor(unit.language));
     OutputFile(JoinPath(folder.Path(), textName), OutputFile::Mode::Replace).Append(cutText);
@@ -116,17 +90,6 @@ CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_vie
     collection.analyzerInformation = ReadWholeFile(JoinPath(folder.Path(), "unit.a1"));
     DropRepeated(collection.output.findings);
     return collection;
-}
-
-Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cutText) {
-    FingerprintBuilder builder;
-    // Without the text's path, which is another one in each run.
-    for (const std::string& word : CppcheckCommand(FindCppcheck(), unit, "")) {
-        builder.Add(word);
-    }
-    // What the choice leaves out is not collected.
-    builder.Add(std::string{static_cast<char>(unit.choice.groups), unit.choice.all ? 'a' : ' '});
-    return builder.Add(cutText).Value();
 }
 
 } // namespace Orvanta

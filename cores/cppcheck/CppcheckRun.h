@@ -2,7 +2,6 @@
 
 #include "cppcheck/CppcheckOutput.h"
 #include "cppcheck/UnitSettings.h"
-#include "platform/Fingerprint.h"
 #include "platform/Process.h"
 
 #include <string>
@@ -13,10 +12,6 @@ namespace Orvanta {
 /// Cppcheck as found along PATH.
 /// \throws ZelmException when it is missing
 [[nodiscard]] std::string FindCppcheck();
-
-/// What stands behind this core, in a line: what Cppcheck says of its version, and which file it is.
-/// \throws ZelmException when it is missing, can't be started or fails
-[[nodiscard]] std::string CppcheckVersion(const std::string& workingDirectory);
 
 /// Runs a command of Cppcheck to its end.
 /// \throws ZelmException when it can't be started or fails
@@ -36,9 +31,5 @@ struct CppcheckCollection {
 /// RunCppcheck, and what it leaves for the whole-program step. That passes through a folder beside the preprocessed
 /// text.
 [[nodiscard]] CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_view cutText);
-
-/// Stands for all that the findings of RunCppcheck depend on.
-/// \throws ZelmException when Cppcheck is missing
-[[nodiscard]] Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, std::string_view cutText);
 
 } // namespace Orvanta

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -77,15 +78,20 @@ private:
 std::string LinkUnits(const LinkSettings& settings) {
     const std::vector<std::string> unitPaths = ReadList(settings.listPath);
     const ScopedFolder folder(settings.workFolder);
-    CppcheckLink link(folder.Path());
+    std::optional<CppcheckLink> link; // only for units that Cppcheck has looked at
     FactFiles factFiles;
     for (std::uint32_t unit = 0; unit < unitPaths.size(); ++unit) {
         const UnitInformation information = ReadUnitInformation(unitPaths[unit]);
         // One unit after the other, so that no more than one is in memory.
         factFiles.Add(unit, information.files);
-        link.Add(information.facts);
+        if (!information.facts.empty()) {
+            if (!link) {
+                link.emplace(folder.Path());
+            }
+            link->Add(information.facts);
+        }
     }
-    CppcheckOutput output = link.Run();
+    CppcheckOutput output = link ? link->Run() : CppcheckOutput();
     std::erase_if(output.findings, [&](const Finding& finding) { return factFiles.IsSeenByOneUnit(finding); });
     // Each unit chooses for itself.
     constexpr std::uint8_t AllGroups = 255;

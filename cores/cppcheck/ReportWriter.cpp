@@ -1,12 +1,14 @@
 #include "cppcheck/ReportWriter.h"
 
 #include "cppcheck/FileAlias.h"
+#include "cppcheck/Misra.h"
+#include "cppcheck/SameFaults.h"
 #include "cppcheck/SourceLines.h"
 #include "cppcheck/SourceMarks.h"
 #include "cppcheck/WrittenLines.h"
-#include "platform/Exceptions.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -35,6 +37,8 @@ bool Contains(const std::string_view (&table)[Count], std::string_view word) {
 }
 
 constexpr std::uint32_t LowLevel = 3;
+
+constexpr std::string_view FallThroughCheck = "clang-diagnostic-implicit-fallthrough";
 
 /// Where a finding stands for the user.
 struct Place {
@@ -89,47 +93,119 @@ private:
     std::unordered_map<std::uint64_t, const MarkedFile*> fileByKey_;
 };
 
+std::vector<std::string> IdsOf(const Finding& finding) {
+    std::vector<std::string> ids = {finding.id};
+    ids.insert(ids.end(), finding.otherIds.begin(), finding.otherIds.end());
+    return ids;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text;
+}
+
 /// Makes report messages of a unit's findings.
 class MessageMaker {
 public:
     explicit MessageMaker(const ReportScope& scope)
         : choice_(scope.choice), places_(scope.files, scope.systemMacros), written_(scope.cutText, lines_) {}
 
+    // Those of one fault are to be added in the order in which their identifiers are told.
     void Add(const Finding& finding) {
-        const CheckRow row = RowFor(finding);
+        CheckRow row = RowFor(finding);
+        choice_.rules.ApplyTo(row);
         const Place place = places_.Resolve(finding.location);
         if (!IsWanted(finding, row, place)) {
             return;
         }
-        ReportMessage message = MakeMessage(finding, row, place);
-        const OrvlogConverter::MessagePosition& position = message.positions.front();
-        const bool isHidden = IsHiddenByMark(position.currLine, position.prevLine, {&finding.id, 1}, message.code);
-        (isHidden ? reported_.hidden : reported_.messages).push_back(std::move(message));
+        std::vector<Told>& others = toldByPlace_[{place.file, place.line}];
+        for (Told& other : others) {
+            if (FindSameFault(other.finding.id, finding.id)) {
+                AddTo(other, finding, row);
+                return;
+            }
+        }
+        others.push_back({finding, row, place});
     }
 
-    [[nodiscard]] ReportedFindings Take() { return std::move(reported_); }
+    [[nodiscard]] ReportedFindings Take() {
+        ReportedFindings reported;
+        for (const auto& [place, findings] : toldByPlace_) {
+            for (const Told& told : findings) {
+                ReportMessage message = MakeMessage(told);
+                (IsHidden(told.finding, message) ? reported.hidden : reported.messages).push_back(std::move(message));
+            }
+        }
+        return reported;
+    }
 
 private:
+    /// A finding that is told, and where.
+    struct Told {
+        Finding finding;
+        CheckRow row;
+        Place place;
+    };
+
+    // The surer of both levels, and the longer way to the fault, which explains more.
+    static void AddTo(Told& told, const Finding& other, const CheckRow& row) {
+        std::vector<std::string>& ids = told.finding.otherIds;
+        for (const std::string& id : IdsOf(other)) {
+            if (std::find(ids.begin(), ids.end(), id) == ids.end()) {
+                ids.push_back(id);
+            }
+        }
+        told.row.level = std::min(told.row.level, row.level);
+        told.row.cwe = told.row.cwe != 0 ? told.row.cwe : row.cwe;
+        if (other.path.size() > told.finding.path.size()) {
+            told.finding.path = other.path;
+        }
+    }
+
+    static bool IsHidden(const Finding& finding, const ReportMessage& message) {
+        const OrvlogConverter::MessagePosition& position = message.positions.front();
+        return IsHiddenByMark(position.currLine, position.prevLine, IdsOf(finding), message.code);
+    }
+
     // Not those in system headers, and of those in the text of their macros only faults: its style is not the user's.
     bool IsWanted(const Finding& finding, const CheckRow& row, const Place& place) {
         if (Contains(DroppedSeverities, finding.severity) || place.file->isSystem || !choice_.Has(row.group) ||
             (row.level == LowLevel && places_.IsInSystemMacro(place, finding.column))) {
             return false;
         }
-        if (choice_.all || row.state == CheckState::On) {
+        // Who looks at the text alone can't see that this was said.
+        if (finding.id == FallThroughCheck) {
+            const OrvlogConverter::MessagePosition position = lines_.At(place.file->path, place.line);
+            return !SaysFallThrough(position.prevLine) && !SaysFallThrough(position.currLine);
+        }
+        const bool isAskedFor = choice_.all && !choice_.rules.SwitchesOff(row.id);
+        if (isAskedFor || row.state == CheckState::On) {
             return true;
         }
         return row.state == CheckState::AsWritten && written_.IsAsWritten(place.file->path, place.line);
     }
 
-    ReportMessage MakeMessage(const Finding& finding, const CheckRow& row, const Place& primary) {
+    ReportMessage MakeMessage(const Told& told) {
+        const Finding& finding = told.finding;
         ReportMessage message;
         message.code = "External";
-        message.level = row.level;
-        message.cwe = finding.cwe != 0 ? finding.cwe : row.cwe;
+        message.level = told.row.level;
+        message.cwe = finding.cwe != 0 ? finding.cwe : told.row.cwe;
         // All findings of other tools have one code: the name in front is what tells them apart.
         message.message = "[" + finding.id + "] " + finding.message;
-        message.positions.push_back(lines_.At(primary.file->path, primary.line));
+        if (const std::string_view rule = MisraRuleOf(finding.id); !rule.empty()) {
+            // The add-on may not tell what a rule says: its text is MISRA's.
+            message.message = "[" + finding.id + "] Rule " + std::string(rule) + " of MISRA C:2012 is not kept";
+            message.sastId = "MISRA-C-" + std::string(rule);
+        }
+        // At the end: what the text begins with is by what reports know a check.
+        if (!finding.otherIds.empty()) {
+            message.message += " (" + Joined(finding.otherIds) + ")";
+        }
+        message.positions.push_back(lines_.At(told.place.file->path, told.place.line));
         for (const FindingPlace& location : finding.path) {
             const Place place = places_.Resolve(location);
             // The steps name the finding's own place again, and some of them more than once.
@@ -148,7 +224,7 @@ private:
     Places places_;
     SourceLines lines_;
     WrittenLines written_;
-    ReportedFindings reported_;
+    std::map<std::pair<const MarkedFile*, std::uint32_t>, std::vector<Told>> toldByPlace_;
 };
 
 bool IsBefore(const ReportMessage& left, const ReportMessage& right) {
@@ -190,17 +266,17 @@ void AddFindings(std::vector<ReportMessage>& messages, std::vector<ReportMessage
 }
 
 // Cppcheck ends with code 0 even then: an exit code of its own for this would also come for any finding.
-void ThrowIfNotAnalyzed(std::span<const Finding> findings, std::span<const MarkedFile> files) {
+std::string ReasonNotRead(std::span<const Finding> findings, std::span<const MarkedFile> files) {
     for (const Finding& finding : findings) {
         if (Contains(FailureIds, finding.id)) {
             const Place place = Places(files, {}).Resolve(finding.location);
             // The rest of the text shows the definitions that this core hands to Cppcheck.
             const std::string_view text = finding.message;
-            throw ZelmException("Cppcheck can't read this unit: " + place.file->path + ", line " +
-                                std::to_string(place.line) + ": [" + finding.id + "] " +
-                                std::string(text.substr(0, text.find(" Configuration: '"))));
+            return place.file->path + ", line " + std::to_string(place.line) + ": [" + finding.id + "] " +
+                   std::string(text.substr(0, text.find(" Configuration: '")));
         }
     }
+    return "";
 }
 
 } // namespace Orvanta

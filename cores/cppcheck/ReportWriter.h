@@ -34,8 +34,8 @@ struct ReportedFindings {
 void AddFindings(std::vector<OrvlogConverter::ReportMessage>& messages,
                  std::vector<OrvlogConverter::ReportMessage> others);
 
-/// Makes sure that Cppcheck has looked at the unit: it tells by a finding when it could not read the text.
-/// \throws ZelmException with the place and the reason
-void ThrowIfNotAnalyzed(std::span<const Finding> findings, std::span<const MarkedFile> files);
+/// Why Cppcheck has not looked at the unit, with the place; empty when it has. It tells by a finding when it could not
+/// read the text.
+[[nodiscard]] std::string ReasonNotRead(std::span<const Finding> findings, std::span<const MarkedFile> files);
 
 } // namespace Orvanta

@@ -103,4 +103,11 @@ bool IsHiddenByMark(std::string_view line, std::string_view lineAbove, std::span
            HidesByLintMark(commentAbove, "NOLINTNEXTLINE", ids) || (isAlone && HidesByComment(commentAbove, ids, code));
 }
 
+bool SaysFallThrough(std::string_view line) {
+    const std::string_view comment = line.substr(CommentBegin(line));
+    const std::string lower = ToLowerAscii(comment);
+    const std::size_t falls = lower.find("fall");
+    return falls != std::string::npos && lower.find("thr", falls) != std::string::npos;
+}
+
 } // namespace Orvanta

@@ -14,4 +14,8 @@ namespace Orvanta {
 [[nodiscard]] bool IsHiddenByMark(std::string_view line, std::string_view lineAbove, std::span<const std::string> ids,
                                   std::string_view code);
 
+/// Whether a comment of the line says that one branch is meant to go on in the next: by the words that compilers look
+/// for too.
+[[nodiscard]] bool SaysFallThrough(std::string_view line);
+
 } // namespace Orvanta

@@ -1,16 +1,23 @@
 #include "cppcheck/Unit.h"
 
 #include "cppcheck/CppcheckRun.h"
+#include "cppcheck/Engine.h"
 #include "cppcheck/MarkedText.h"
 #include "cppcheck/MergedFindings.h"
+#include "cppcheck/Misra.h"
 #include "cppcheck/ReportWriter.h"
 #include "cppcheck/SystemTextCutter.h"
 #include "cppcheck/TallyLines.h"
+#include "cppcheck/Targets.h"
 #include "cppcheck/TypeChecks.h"
 #include "cppcheck/UnitInformation.h"
+#include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Fingerprint.h"
 #include "report/MessageLine.h"
 
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,6 +29,27 @@ namespace {
 
 using OrvlogConverter::ReportMessage;
 
+using Engines = std::vector<std::unique_ptr<Engine>>;
+
+// Stands for all that the findings of a unit depend on.
+Fingerprint FingerprintOfAnalysis(const UnitSettings& unit, const Engines& engines, const UnitText& text) {
+    FingerprintBuilder builder;
+    for (const std::unique_ptr<Engine>& engine : engines) {
+        // Without the text's path, which is another one in each run.
+        for (const std::string& word : engine->CommandFor(unit)) {
+            builder.Add(word);
+        }
+    }
+    // What the choice leaves out is not collected.
+    builder.Add(std::string{static_cast<char>(unit.choice.groups), unit.choice.all ? 'a' : ' '});
+    for (const auto& [check, rule] : unit.choice.rules.byCheck) {
+        builder.Add(check).Add(std::to_string(rule.level) + (unit.choice.rules.SwitchesOff(check) ? "-" : "+"));
+    }
+    // Cppcheck alone sees no more than the cut text: what changes in system headers is nothing to it.
+    const bool isCppcheckAlone = engines.size() == 1 && engines.front()->Kind() == EngineKind::Cppcheck;
+    return builder.Add(isCppcheckAlone ? text.cut.text : text.preprocessed).Value();
+}
+
 /// What is told of a unit, and what was said on the way to it.
 struct UnitFindings {
     std::vector<ReportMessage> messages;
@@ -29,13 +57,13 @@ struct UnitFindings {
 };
 
 // What collecting has found in the unit; nullopt when it has not, or in another text.
-std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, std::string_view cutText) {
+std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, const Engines& engines, const UnitText& text) {
     if (unit.stage != IntermodularStage::Performing || !PathExists(unit.informationPath)) {
         return std::nullopt;
     }
     const UnitInformation information = ReadUnitInformation(unit.informationPath);
-    // The source may have changed between the two stages, or Cppcheck's options.
-    if (information.analysis != FingerprintOfAnalysis(unit, cutText)) {
+    // The source may have changed between the two stages, or an engine's options.
+    if (information.analysis != FingerprintOfAnalysis(unit, engines, text)) {
         return std::nullopt;
     }
     UnitFindings collected;
@@ -46,62 +74,139 @@ std::optional<UnitFindings> CollectedFindings(const UnitSettings& unit, std::str
     return collected;
 }
 
-// The messages of what the engine has found.
-UnitFindings Report(const UnitSettings& unit, CppcheckOutput output, const CutText& cut) {
-    ThrowIfNotAnalyzed(output.findings, cut.files);
-    ReportedFindings reported =
-        MakeReportMessages(output.findings, {cut.files, cut.systemMacros, cut.text, unit.choice});
-    UnitFindings findings;
-    findings.messages = std::move(reported.messages);
-    findings.words.otherText = std::move(output.otherText);
-    for (const ReportMessage& message : reported.hidden) {
-        const OrvlogConverter::MessagePosition& place = message.positions.front();
-        AppendTally(findings.words.tallies, "Findings hidden by marks in the sources",
-                    place.file + ":" + std::to_string(place.line) + " " +
-                        message.message.substr(0, message.message.find(' ')));
+// What the end of the run tells of what the settings ask for.
+std::string SettingsTallies(const UnitSettings& unit, const Engines& engines) {
+    struct GroupWord {
+        unsigned bit;
+        std::string_view word;
+    };
+
+    constexpr GroupWord WithoutChecks[] = {{16, "CS"}, {64, "AUTOSAR"}, {128, "OWASP"}};
+    std::string tallies;
+    for (const GroupWord& group : WithoutChecks) {
+        if ((unit.choice.groups & group.bit) != 0) {
+            AppendTally(tallies, "No engine of the bundled core has checks of the group " + std::string(group.word),
+                        "");
+        }
     }
-    return findings;
+    if (!TargetOf(unit) && !unit.platform.empty()) {
+        AppendTally(tallies, "Platforms that the bundled core does not know, and takes for this machine",
+                    unit.platform);
+    }
+    if (!unit.choice.Has(CheckGroup::Misra)) {
+        return tallies;
+    }
+    if (engines.front()->Kind() != EngineKind::Cppcheck) {
+        AppendTally(tallies, "The rules of MISRA are not judged: that takes Cppcheck", "");
+    } else if (unit.language == UnitLanguage::Cpp) {
+        AppendTally(tallies, "Files of C++, by which no rule of MISRA is judged", unit.sourcePath);
+    } else {
+        AppendTally(tallies, "Rules of MISRA C:2012 that were judged, and no others: " + JudgedMisraRules(), "");
+    }
+    return tallies;
 }
 
+/// Takes what the engines say of a unit, one after the other.
+class ResultCollector {
+public:
+    ResultCollector(const UnitSettings& unit, const Engines& engines) : unit_(unit) {
+        words_.tallies = SettingsTallies(unit, engines);
+    }
+
+    void Add(const Engine& engine, EngineResult result) {
+        words_.otherText += result.otherText;
+        if (result.notLookedAt.empty()) {
+            hasLooked_ = true;
+            std::move(result.findings.begin(), result.findings.end(), std::back_inserter(findings_));
+            return;
+        }
+        const std::string name(engine.Name());
+        reasons_ += (reasons_.empty() ? "" : "\n") + name + " can't read this unit: " + result.notLookedAt;
+        AppendTally(words_.tallies, "Files that " + name + " can't read", unit_.sourcePath + ": " + result.notLookedAt);
+    }
+
+    // \throws ZelmException when no engine has looked at the unit
+    [[nodiscard]] UnitFindings Report(const CutText& cut) {
+        // Before anything is written: what the unit gave before stays where it is when it can't be analyzed.
+        if (!hasLooked_) {
+            throw ZelmException(reasons_);
+        }
+        ReportedFindings reported =
+            MakeReportMessages(findings_, {cut.files, cut.systemMacros, cut.text, unit_.choice});
+        for (const ReportMessage& message : reported.hidden) {
+            const OrvlogConverter::MessagePosition& place = message.positions.front();
+            AppendTally(words_.tallies, "Findings hidden by marks in the sources",
+                        place.file + ":" + std::to_string(place.line) + " " +
+                            message.message.substr(0, message.message.find("] ") + 1));
+        }
+        return {std::move(reported.messages), std::move(words_)};
+    }
+
+private:
+    const UnitSettings& unit_;
+    std::vector<Finding> findings_;
+    UnitWords words_;
+    std::string reasons_;
+    bool hasLooked_ = false;
+};
+
 // The same for every task, so that a fingerprint of one compares with that of another.
-CutText ReadCutText(const UnitSettings& unit, const std::string& currentDirectory) {
-    CutText cut = CutSystemText(ReadWholeFile(unit.preprocessedPath), unit.sourcePath, currentDirectory);
-    BlankTypeChecks(cut.text);
-    return cut;
+UnitText ReadUnitText(const UnitSettings& unit, const std::string& currentDirectory) {
+    UnitText text;
+    text.preprocessed = ReadWholeFile(unit.preprocessedPath);
+    text.cut = CutSystemText(text.preprocessed, unit.sourcePath, currentDirectory);
+    BlankTypeChecks(text.cut.text);
+    text.currentDirectory = currentDirectory;
+    return text;
 }
 
 } // namespace
 
 UnitWords AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
-    const CutText cut = ReadCutText(unit, currentDirectory);
-    std::optional<UnitFindings> findings = CollectedFindings(unit, cut.text);
-    // Before anything is written: what the unit gave before stays where it is when it can't be analyzed.
+    const Engines engines = EnginesFor(unit);
+    const UnitText text = ReadUnitText(unit, currentDirectory);
+    std::optional<UnitFindings> findings = CollectedFindings(unit, engines, text);
     if (!findings) {
-        findings = Report(unit, RunCppcheck(unit, cut.text), cut);
+        ResultCollector results(unit, engines);
+        for (const std::unique_ptr<Engine>& engine : engines) {
+            results.Add(*engine, engine->Analyze(unit, text));
+        }
+        findings = results.Report(text.cut);
     }
     // What the linking finds are faults, whichever unit they are told for.
     if (unit.stage == IntermodularStage::Performing && unit.choice.Has(CheckGroup::General)) {
-        AddFindings(findings->messages, ReadMergedFindings(unit.mergedPath, cut.files));
+        AddFindings(findings->messages, ReadMergedFindings(unit.mergedPath, text.cut.files));
     }
-    std::string text;
+    std::string lines;
     for (const ReportMessage& message : findings->messages) {
-        OrvlogConverter::AppendMessageLine(text, message, unit.outputFormat);
-        text += '\n';
+        OrvlogConverter::AppendMessageLine(lines, message, unit.outputFormat);
+        lines += '\n';
     }
     // At the very end, and in one piece.
-    OutputFile(unit.outputPath, OutputFile::Mode::Replace).Append(text);
+    OutputFile(unit.outputPath, OutputFile::Mode::Replace).Append(lines);
     return std::move(findings->words);
 }
 
 UnitWords CollectFacts(const UnitSettings& unit, const std::string& currentDirectory) {
-    const CutText cut = ReadCutText(unit, currentDirectory);
-    CppcheckCollection collection = CollectWithCppcheck(unit, cut.text);
-    UnitFindings findings = Report(unit, std::move(collection.output), cut);
-
+    const Engines engines = EnginesFor(unit);
+    const UnitText text = ReadUnitText(unit, currentDirectory);
+    ResultCollector results(unit, engines);
     UnitInformation information;
-    information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
-    information.files = FilesOfFacts(information.facts, cut.files);
-    information.analysis = FingerprintOfAnalysis(unit, cut.text);
+    for (const std::unique_ptr<Engine>& engine : engines) {
+        // Of both, Cppcheck alone tells what concerns other units.
+        if (engine->Kind() == EngineKind::Cppcheck) {
+            CppcheckCollection collection = CollectWithCppcheck(unit, text.cut.text);
+            std::string reason = ReasonNotRead(collection.output.findings, text.cut.files);
+            information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
+            results.Add(*engine, {std::move(collection.output.findings), std::move(collection.output.otherText),
+                                  std::move(reason)});
+        } else {
+            results.Add(*engine, engine->Analyze(unit, text));
+        }
+    }
+    UnitFindings findings = results.Report(text.cut);
+    information.files = FilesOfFacts(information.facts, text.cut.files);
+    information.analysis = FingerprintOfAnalysis(unit, engines, text);
     for (const ReportMessage& message : findings.messages) {
         OrvlogConverter::AppendMessageLine(information.findings.emplace_back(), message,
                                            OrvlogConverter::LineFormat::Json);

@@ -3,6 +3,7 @@
 #include "platform/Exceptions.h"
 #include "platform/Paths.h"
 #include "platform/Table.h"
+#include "platform/Text.h"
 #include "settings/AnalysisMode.h"
 
 namespace Orvanta {
@@ -45,7 +46,8 @@ bool ReadSwitch(const SettingsMap& settings, const std::string& settingsPath, st
 }
 
 // The driver writes a number; who writes settings by hand may use names.
-CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsPath) {
+CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsPath,
+                       std::string_view currentDirectory) {
     CheckChoice choice;
     try {
         choice.groups = ParseAnalysisMode(LastValue(settings, "analysis-mode").value_or(DefaultAnalysisMode));
@@ -53,7 +55,46 @@ CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsP
         Fail(settingsPath, error.what());
     }
     choice.all = ReadSwitch(settings, settingsPath, "engines-all", "no");
+    const auto [first, last] = settings.equal_range("rules-config");
+    for (auto entry = first; entry != last; ++entry) {
+        if (!entry->second.empty()) {
+            ReadRules(JoinPath(currentDirectory, entry->second), choice.rules);
+        }
+    }
     return choice;
+}
+
+struct EngineWord {
+    std::string_view word;
+    EngineKind kind;
+};
+
+constexpr EngineWord EngineWords[] = {
+    {"cppcheck", EngineKind::Cppcheck},
+    {"clang", EngineKind::Clang},
+};
+
+std::vector<EngineKind> ReadEngines(const SettingsMap& settings, const std::string& settingsPath) {
+    std::vector<EngineKind> engines;
+    const std::string list = LastValue(settings, "engines").value_or("");
+    for (std::string_view rest = list; !rest.empty();) {
+        const std::string_view word = Trim(TakeUpTo(rest, ",;"));
+        const EngineWord* const row = FindRow(EngineWords, &EngineWord::word, word);
+        if (row == nullptr) {
+            Fail(settingsPath,
+                 R"("engines" holds ")" + std::string(word) + R"(", but "cppcheck" or "clang" is expected)");
+        }
+        engines.push_back(row->kind);
+    }
+    return engines;
+}
+
+bool ReadDepth(const SettingsMap& settings, const std::string& settingsPath) {
+    const std::string word = LastValue(settings, "engines-depth").value_or("bounded");
+    if (word != "bounded" && word != "deep") {
+        Fail(settingsPath, R"("engines-depth" is ")" + word + R"(", but "bounded" or "deep" is expected)");
+    }
+    return word == "deep";
 }
 
 struct StageWord {
@@ -106,7 +147,9 @@ UnitSettings ReadUnitSettings(const SettingsMap& settings, const std::string& se
     unit.platform = LastValue(settings, "platform").value_or("");
     unit.preprocessor = LastValue(settings, "preprocessor").value_or("");
     unit.isPlainCharUnsigned = ReadSwitch(settings, settingsPath, "funsigned-char", "no");
-    unit.choice = ReadChoice(settings, settingsPath);
+    unit.choice = ReadChoice(settings, settingsPath, currentDirectory);
+    unit.engines = ReadEngines(settings, settingsPath);
+    unit.isDeep = ReadDepth(settings, settingsPath);
     unit.outputFormat = ReadSwitch(settings, settingsPath, "new-output-format", "yes")
                             ? OrvlogConverter::LineFormat::Json
                             : OrvlogConverter::LineFormat::Raw;

@@ -6,10 +6,14 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Orvanta {
 
 enum class UnitLanguage { C, Cpp };
+
+/// The engines that can look at a unit.
+enum class EngineKind { Cppcheck, Clang };
 
 /// What a run of the core is in an analysis across units.
 enum class IntermodularStage {
@@ -30,6 +34,8 @@ struct UnitSettings {
     bool isPlainCharUnsigned = false;
     std::string preprocessor; ///< the name of the compiler's family, such as "gcc"
     CheckChoice choice;
+    std::vector<EngineKind> engines; ///< those that are to look at the unit; empty: those that are installed
+    bool isDeep = false;             ///< without the bounds that keep the time of an analysis low
     OrvlogConverter::LineFormat outputFormat = OrvlogConverter::LineFormat::Json;
     IntermodularStage stage = IntermodularStage::None; ///< never Linking
     std::string informationPath;                       ///< the unit's information: written when collecting, known when

@@ -1,5 +1,5 @@
 #include "cppcheck/CoreOptions.h"
-#include "cppcheck/CppcheckRun.h"
+#include "cppcheck/Engine.h"
 #include "cppcheck/Linking.h"
 #include "cppcheck/Unit.h"
 #include "platform/Console.h"
@@ -25,7 +25,7 @@ void Run(const Orvanta::CoreOptions& options) {
     const std::string currentDirectory = Orvanta::CurrentDirectory();
     // Before any settings are read: this task has none.
     if (options.task == Orvanta::CoreTask::TellVersion) {
-        Orvanta::WriteResultToStandardOutput(Orvanta::CppcheckVersion(currentDirectory) + "\n");
+        Orvanta::WriteResultToStandardOutput(Orvanta::EngineVersions(currentDirectory) + "\n");
         return;
     }
     const Orvanta::SettingsMap settings = Orvanta::ReadSettingsFile(options.settingsPath);

@@ -22,9 +22,9 @@ std::string TakeTallies(std::string_view output, CoreTallies& tallies) {
             continue;
         }
         line.remove_prefix(TallyMark.size());
-        std::set<std::string>& things = tallies[std::string(TakeUpTo(line, "\t"))];
+        const auto tally = tallies.try_emplace(std::string(TakeUpTo(line, "\t"))).first;
         if (!line.empty()) {
-            things.emplace(line);
+            tally->second.emplace(line);
         }
     }
     return rest;

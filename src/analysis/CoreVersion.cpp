@@ -33,8 +33,14 @@ CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder
         return {};
     }
     // What stands in the output of a failure is no version.
-    return end.exitCode == 0 ? CoreAnswer{std::string(Trim(std::string_view(output).substr(0, output.find('\n')))), ""}
-                             : CoreAnswer{"", std::string(Trim(errors))};
+    if (end.exitCode != 0) {
+        return {"", "", std::string(Trim(errors))};
+    }
+    std::string_view rest = output;
+    CoreAnswer answer;
+    answer.version = Trim(TakeLine(rest));
+    answer.notes = Trim(rest);
+    return answer;
 }
 
 } // namespace Orvanta

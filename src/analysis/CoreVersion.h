@@ -9,6 +9,7 @@ namespace Orvanta {
 /// What a core says to "--version".
 struct CoreAnswer {
     std::string version;   ///< the first line that it prints; empty when it doesn't know the question or is too slow
+    std::string notes;     ///< the lines below it, for the user
     std::string complaint; ///< what it says when it fails, else empty
 };
 

@@ -348,8 +348,8 @@ std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
         {"--preprocessor", options.preprocessor, {"gcc", "clang"}, "gcc or clang"},
         {"--platform",
          options.platform,
-         {"linux64", "linux32", "x64", "Win32", "arm", "pic8"},
-         "linux64, linux32, x64, Win32, arm or pic8"},
+         {"linux64", "linux32", "x64", "Win32", "arm", "arm64", "msp430", "avr8", "pic8"},
+         "linux64, linux32, x64, Win32, arm, arm64, msp430, avr8 or pic8"},
     };
     std::vector<std::string> warnings;
     for (const WordRow& row : rows) {

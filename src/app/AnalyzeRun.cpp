@@ -217,6 +217,10 @@ std::string AnalyzeRun::VersionOf(const CoreLocation& core, const std::string& f
     if (core.origin == CoreLocation::Origin::Bundled && !answer.complaint.empty() && !isListingOnly) {
         throw ZelmException(answer.complaint);
     }
+    // What it runs and what it lacks, before the first unit.
+    if (!answer.notes.empty()) {
+        log_.Line(answer.notes);
+    }
     return answer.version;
 }
 

@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-LEAST_FOUND = 75  # percent of the faults
+LEAST_FOUND = 90  # percent of the faults
 MOST_BLAMED = 5  # percent of the right units
 LANGUAGES = {".c": ("gcc", "C", "c11"), ".cpp": ("g++", "C++", "c++17")}
 

@@ -11,12 +11,17 @@ namespace {
 
 using testing::HasSubstr;
 
-TEST_F(Core, SaysThatCppcheckIsMissing) {
+TEST_F(Core, SaysWhichEngineIsMissing) {
     const Environment noPrograms{{"PATH", folder_.Path()}};
-    const CoreEnd end = Run(WriteUnit(Faulty), noPrograms);
-    EXPECT_NE(end.exitCode, 0);
-    EXPECT_THAT(end.standardError, testing::StartsWith("Cppcheck was not found along PATH: install the package "
-                                                       "\"cppcheck\", or name another core with --orvanta-path"));
+    const CoreEnd named = Run(WriteUnit(Faulty), noPrograms);
+    EXPECT_NE(named.exitCode, 0);
+    EXPECT_EQ(named.standardError, "Cppcheck was not found along PATH: install the package \"cppcheck\", or leave it "
+                                   "out of \"engines\"\n");
+    const CoreEnd none = RunWith({"--version"}, noPrograms);
+    EXPECT_NE(none.exitCode, 0);
+    EXPECT_EQ(none.standardError,
+              "Neither Cppcheck nor clang-tidy was found along PATH: install the package \"cppcheck\", install the "
+              "package \"clang-tidy\", or name another core with --orvanta-path\n");
 }
 
 TEST_F(Core, ListsDependenciesWithoutAnalyzing) {

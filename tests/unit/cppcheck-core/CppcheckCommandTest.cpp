@@ -24,9 +24,12 @@ TEST(CppcheckCommand, PlatformFollowsTheUnit) {
     EXPECT_EQ(CppcheckPlatform(UnitOf("x64", "visualcpp")), "win64");
     EXPECT_EQ(CppcheckPlatform(UnitOf("Win32", "visualcpp")), "win32W");
     EXPECT_EQ(CppcheckPlatform(UnitOf("brain16", "gcc")), "unspecified");
-    UnitSettings arm = UnitOf("arm", "gcc");
-    arm.isPlainCharUnsigned = true;
-    EXPECT_EQ(CppcheckPlatform(arm), "unix32-unsigned");
+    UnitSettings linux = UnitOf("linux32", "gcc");
+    linux.isPlainCharUnsigned = true;
+    EXPECT_EQ(CppcheckPlatform(linux), "unix32-unsigned");
+    UnitSettings pic = UnitOf("pic8", "gcc");
+    pic.preprocessedPath = "/t/u.i";
+    EXPECT_EQ(CppcheckPlatform(pic), "/t/u.i.platform.xml");
 }
 
 TEST(CppcheckCommand, UnknownStandardIsLeftToCppcheck) {

@@ -34,6 +34,8 @@ TEST(UnitSettings, FaultsNameTheFileAndTheKey) {
         {"source-file", "", "u.cfg: the key \"source-file\" is missing or empty"},
         {"language", "c", R"(u.cfg: "language" is "c", but "C" or "C++" is expected)"},
         {"new-output-format", "on", R"(u.cfg: "new-output-format" is "on", but "yes" or "no" is expected)"},
+        {"engines", "cppcheck,gcc", R"(u.cfg: "engines" holds "gcc", but "cppcheck" or "clang" is expected)"},
+        {"engines-depth", "low", R"(u.cfg: "engines-depth" is "low", but "bounded" or "deep" is expected)"},
         {"engines-all", "1", R"(u.cfg: "engines-all" is "1", but "yes" or "no" is expected)"},
         {"intermodular", "third-run",
          R"(u.cfg: "intermodular" is "third-run", but "first-run", "merge-info" or "second-run" is expected)"},

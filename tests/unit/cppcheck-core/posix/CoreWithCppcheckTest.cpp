@@ -75,12 +75,87 @@ TEST_F(CoreWithCppcheck, FailsWhenCppcheckFails) {
     }
 }
 
-TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItInALine) {
-    const CoreEnd one = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1\n"));
-    EXPECT_EQ(one.exitCode, 0) << one.standardError;
-    EXPECT_THAT(one.standardOutput, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\n"));
-    const CoreEnd built = RunWith({"--version"}, WithCppcheck("echo Cppcheck 9.1 # built anew\n"));
-    EXPECT_NE(built.standardOutput, one.standardOutput);
+TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItAndWhatIsMissing) {
+    const auto ask = [&](const std::string& script) {
+        WithCppcheck(script);
+        const CoreEnd end = RunWith({"--version"}, {{"PATH", folder_ / "fake"}});
+        EXPECT_EQ(end.exitCode, 0) << end.standardError;
+        return end.standardOutput;
+    };
+    const std::string one = ask("echo Cppcheck 9.1\n");
+    EXPECT_THAT(one, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\nIt runs Cppcheck 9.1\n"
+                                           "clang-tidy is not installed and finds nothing: install the package "
+                                           "\"clang-tidy\"\n"));
+    EXPECT_NE(ask("echo Cppcheck 9.1 # built anew\n"), one);
+}
+
+// One fault that both find, then what one of them can't read.
+TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
+    if (!PathExists("/usr/bin/clang-tidy")) {
+        GTEST_SKIP() << "needs clang-tidy";
+    }
+    const std::string fault = "# 1 \"u.cpp\"\nint f() {\n  int* p = 0;\n  return *p; }\n";
+
+    struct {
+        const char* text;
+        const char* told;
+        const char* message;
+    } const cases[] = {
+        {"", "", "[nullPointer] Null pointer dereference: p (clang-analyzer-core.NullDereference)"},
+        {"int n = no;\n", "clang-tidy can't read\t/u.cpp: use of undeclared identifier 'no'",
+         "[nullPointer] Null pointer dereference: p"},
+    };
+
+    for (const auto& row : cases) {
+        const CoreEnd end = Run(WriteUnit(fault + row.text, "engines=cppcheck,clang\n"));
+        ASSERT_EQ(end.exitCode, 0) << end.standardError;
+        std::string told = end.standardOutput;
+        if (const std::size_t at = told.find(project_); at != std::string::npos) {
+            told.replace(at, project_.size(), "");
+        }
+        EXPECT_THAT(told, HasSubstr(row.told));
+        ASSERT_EQ(Findings().size(), 1U) << folder_.Read(Fragment);
+        EXPECT_EQ(Findings()[0].message, row.message);
+        EXPECT_EQ(Findings()[0].positions[0].line, 3U);
+    }
+}
+
+// The same code is right on one target and wrong on the other, to both engines.
+TEST_F(CoreWithCppcheck, AsksBothEnginesForTheUnitsTarget) {
+    const std::string text = "# 1 \"u.cpp\"\nint f() { return 1 << 20; }\n";
+    for (const char* const engine : {"cppcheck", "clang"}) {
+        if (!PathExists("/usr/bin/clang-tidy") && engine == std::string("clang")) {
+            continue;
+        }
+        for (const char* const platform : {"linux32", "arm", "pic8", "msp430"}) {
+            const CoreEnd end =
+                Run(WriteUnit(text, "engines=" + std::string(engine) + "\nplatform=" + platform + "\n"));
+            ASSERT_EQ(end.exitCode, 0) << end.standardError;
+            const bool hasSmallInts = platform == std::string("pic8") || platform == std::string("msp430");
+            EXPECT_EQ(Findings().size(), hasSmallInts ? 1U : 0U) << engine << ' ' << platform << folder_.Read(Fragment);
+        }
+    }
+    EXPECT_THAT(Run(WriteUnit(text, "platform=brain16\n")).standardOutput, HasSubstr("for this machine\tbrain16\n"));
+}
+
+// The system's text breaks a rule as well, and the marker of the user's would break one about directives.
+TEST_F(CoreWithCppcheck, JudgesTheRulesOfMisraInTheUsersText) {
+    const std::string text =
+        "# 1 \"/usr/include/s.h\" 1 3\n"
+        "static int s(int a) { if (a > 1) goto end; a = 2; end: return a; }\n"
+        "# 1 \"u.cpp\" 2\n"
+        "static int f(int a) {\n  if (a > 1) {\n    goto end;\n  }\n  a = 2;\nend:\n  return a;\n}\n";
+    const std::string settings = "analysis-mode=160\nlanguage=C\nstd=c11\n";
+    const CoreEnd end = Run(WriteUnit(text, settings));
+    ASSERT_EQ(end.exitCode, 0) << end.standardError;
+    EXPECT_THAT(end.standardOutput, HasSubstr("<}tally{>Rules of MISRA C:2012 that were judged, and no others: 1.4, "));
+    EXPECT_THAT(end.standardOutput, HasSubstr("has checks of the group OWASP\n"));
+    std::string found;
+    for (const ReportMessage& finding : Findings()) {
+        EXPECT_EQ(finding.level, 3U);
+        found += finding.sastId + ":" + std::to_string(finding.positions[0].line) + " ";
+    }
+    EXPECT_EQ(found, "MISRA-C-15.1:3 MISRA-C-17.8:5 ");
 }
 
 TEST_F(CoreWithCppcheck, CppcheckEndsWithTheCoresProcessGroup) {

@@ -61,7 +61,7 @@ protected:
             settings += "intermodular-unit-list=" + List() + "\n";
         } else {
             settings += "intermodular-unit-file=" + base + ".unit\ni-file=" + base +
-                        ".i\nlanguage=C\noutput-file=" + (folder_ / Fragment) +
+                        ".i\nengines=cppcheck\nlanguage=C\noutput-file=" + (folder_ / Fragment) +
                         "\nplatform=linux64\npreprocessor=gcc\nsource-file=" + unit + ".c\nstd=c11\n";
         }
         return Run(folder_.Write("temp \303\244/" + unit + ".cfg", settings));
