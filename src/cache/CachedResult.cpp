@@ -72,8 +72,12 @@ std::optional<std::string> PackResult(const CachedResult& result, const RootMark
             dependencies.push_back(std::move(path));
         }
     }
+    std::string output = result.output;
+    if (!root.MarkText(output)) {
+        return std::nullopt;
+    }
     std::string text;
-    for (const nlohmann::json& part : {dependencies, nlohmann::json(result.output)}) {
+    for (const nlohmann::json& part : {dependencies, nlohmann::json(output)}) {
         // Without the lenient handler: a path that is no UTF-8 would come back as another one.
         text += part.dump() + '\n';
     }
@@ -105,6 +109,7 @@ std::optional<CachedResult> UnpackResult(std::string_view bytes, const RootMark&
             }
         }
         result.output = nlohmann::json::parse(TakeLine(lines)).get<std::string>();
+        root.Unmark(result.output);
         while (!lines.empty()) {
             root.Unmark(result.findings.emplace_back(OrvlogConverter::ReadMessageLine(TakeLine(lines))));
         }

@@ -3,6 +3,7 @@
 #include "platform/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvanta {
 
@@ -20,6 +21,10 @@ std::string Replaced(std::string_view text, std::string_view what, std::string_v
         at = found + what.size();
     }
     return result;
+}
+
+bool IsMarked(std::string_view text) {
+    return text.find(MarkCharacter) != std::string_view::npos;
 }
 
 // Whether a component ends before the character: "/src" is no part of "/src2".
@@ -89,23 +94,27 @@ void RootMark::MarkPath(std::string& path) const {
     }
 }
 
-bool RootMark::Mark(OrvlogConverter::ReportMessage& message) const {
-    const auto isMarked = [](std::string_view text) {
-        return text.find(MarkCharacter) != std::string_view::npos;
-    };
-    if (isMarked(message.message)) {
+bool RootMark::MarkText(std::string& text) const {
+    if (IsMarked(text)) {
         return false;
     }
-    std::string text;
-    for (std::size_t at = 0; at < message.message.size();) {
-        const Place root = FindRoot(message.message, at, false);
-        text.append(message.message, at, root.begin - at);
-        text.append(root.size > 0 ? 1U : 0U, MarkCharacter);
+    std::string marked;
+    for (std::size_t at = 0; at < text.size();) {
+        const Place root = FindRoot(text, at, false);
+        marked.append(text, at, root.begin - at);
+        marked.append(root.size > 0 ? 1U : 0U, MarkCharacter);
         at = root.begin + std::max<std::size_t>(root.size, 1);
     }
-    message.message = text;
+    text = std::move(marked);
+    return true;
+}
+
+bool RootMark::Mark(OrvlogConverter::ReportMessage& message) const {
+    if (!MarkText(message.message)) {
+        return false;
+    }
     for (OrvlogConverter::MessagePosition& position : message.positions) {
-        if (isMarked(position.file)) {
+        if (IsMarked(position.file)) {
             return false;
         }
         MarkPath(position.file);
@@ -114,7 +123,7 @@ bool RootMark::Mark(OrvlogConverter::ReportMessage& message) const {
 }
 
 void RootMark::Unmark(std::string& text) const {
-    if (text.find(MarkCharacter) != std::string::npos) {
+    if (IsMarked(text)) {
         text = Replaced(text, {&MarkCharacter, 1}, root_);
     }
 }

@@ -26,6 +26,8 @@ public:
 
     /// Replaces the root by the mark in the paths and the text of a message. False for one that holds the mark already.
     [[nodiscard]] bool Mark(OrvlogConverter::ReportMessage& message) const;
+    /// The same with a text that may hold paths.
+    [[nodiscard]] bool MarkText(std::string& text) const;
     /// The same with a path.
     void MarkPath(std::string& path) const;
 

@@ -190,7 +190,9 @@ TEST_F(BundledCoreTest, WithoutItsEngineEndsTheRunBeforeTheFirstFile) {
 TEST_F(BundledCoreTest, FindsTheSameInAReplayWithoutTheProject) {
     for (const bool isScrubbed : {false, true}) {
         WriteProject();
-        sandbox.Write("src/label.c", "/* secret */\nint Label(void) { void *p = &&end; goto *p; end: return 0; }\n");
+        // What each of the engines can't read.
+        sandbox.Write("src/label.c", "/* secret */\nint Label(void) { int inner(void) { return 0; } void *p = &&end;\n"
+                                     "goto *p; end: return inner(); }\n");
         sandbox.ForgetEntries();
         sandbox.AddEntry({{"g++", "-CC", "-I../include", "-c", "main.cpp", "-o", "main.o"}, sandbox.Path("src")});
         sandbox.AddEntry({{"gcc", "-c", "label.c"}, sandbox.Path("src")});

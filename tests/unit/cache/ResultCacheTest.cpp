@@ -35,7 +35,7 @@ CachedResult ResultIn(const std::string& file) {
     result.findings[0].positions.resize(1);
     result.findings[0].positions[0].file = file;
     result.dependencies = {file};
-    result.output = "line\n";
+    result.output = "seen: " + file + "\n";
     return result;
 }
 
@@ -49,7 +49,7 @@ TEST(ResultCacheTest, ResultsHoldForEveryCheckout) {
     ASSERT_TRUE(found);
     EXPECT_EQ(found->findings, ResultIn(folder / "other/a.c").findings);
     EXPECT_EQ(found->dependencies, ResultIn(folder / "other/a.c").dependencies);
-    EXPECT_EQ(found->output, "line\n");
+    EXPECT_EQ(found->output, ResultIn(folder / "other/a.c").output);
     EXPECT_EQ(other.cache.Hits(), 1U);
     EXPECT_FALSE(other.cache.Find(other.KeyOf("int b;")));
     EXPECT_EQ(other.cache.Misses(), 1U);
