@@ -1,6 +1,8 @@
 // The cheapest core there can be: reads the unit's settings and finds what SOURCE.findings holds, mostly nothing. Asked
-// for the unit's dependencies, it prints what SOURCE.included holds. A source named "slow..." takes it a second.
+// for the unit's dependencies, it prints what SOURCE.included holds. A source named "slow..." takes it a second, one
+// named "takesN..." N milliseconds.
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include <unistd.h>
@@ -54,6 +56,9 @@ int main(int argc, char** argv) {
     }
     if (std::strstr(source, "/slow") != nullptr) {
         ::sleep(1);
+    }
+    if (const char* const name = std::strstr(source, "/takes"); name != nullptr) {
+        ::usleep(static_cast<useconds_t>(std::strtoul(name + std::strlen("/takes"), nullptr, 10)) * 1000);
     }
     std::FILE* const output = std::fopen(outputPath, "w");
     if (output == nullptr) {

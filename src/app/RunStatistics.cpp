@@ -1,9 +1,11 @@
 #include "app/RunStatistics.h"
 
 #include "analysis/RunSummary.h"
+#include "platform/Files.h"
 #include "report/JsonText.h"
 
 #include <string_view>
+#include <utility>
 
 namespace Orvanta {
 
@@ -85,23 +87,41 @@ std::string SkippedLine(const SkippedInvocation& skipped) {
 
 } // namespace
 
+RunStatistics::RunStatistics(std::string path) : path_(std::move(path)) {
+    // Begun and given up: what a run that is killed had begun would stay there. What is no file can't be tried.
+    if (const PathKind kind = KindOf(path_); kind == PathKind::Nothing || kind == PathKind::File) {
+        const AtomicFile attempt(path_);
+    }
+}
+
 void RunStatistics::Write(const CollectedCommands& commands, const RunOutcome& outcome,
-                          std::span<const UnitCost> costs) {
+                          std::span<const UnitCost> costs) const {
+    constexpr std::size_t BlockSize = 65536;
+    AtomicFile file(path_);
+    std::string block;
+    const auto append = [&](const std::string& line) {
+        block += line;
+        if (block.size() >= BlockSize) {
+            file.Append(block);
+            block.clear();
+        }
+    };
     auto skipped = commands.skipped.begin();
     const auto writeSkippedBefore = [&](std::size_t invocation) {
         for (; skipped != commands.skipped.end() && skipped->invocation < invocation; ++skipped) {
-            file_.Append(SkippedLine(*skipped));
+            append(SkippedLine(*skipped));
         }
     };
     for (std::size_t unit = 0; unit < commands.units.size(); ++unit) {
         writeSkippedBefore(commands.units[unit].invocation);
         const auto failure = outcome.failures.find(unit);
-        file_.Append(UnitLine(commands.units[unit], outcome.statuses[unit],
-                              failure == outcome.failures.end() ? nullptr : &failure->second,
-                              costs.empty() ? UnitCost() : costs[unit]));
+        append(UnitLine(commands.units[unit], outcome.statuses[unit],
+                        failure == outcome.failures.end() ? nullptr : &failure->second,
+                        costs.empty() ? UnitCost() : costs[unit]));
     }
     writeSkippedBefore(commands.invocations + 1);
-    file_.Commit();
+    file.Append(block);
+    file.Commit();
 }
 
 } // namespace Orvanta

@@ -3,7 +3,6 @@
 #include "analysis/RunOutcome.h"
 #include "buildinput/BuildInput.h"
 #include "history/UnitCost.h"
-#include "platform/Files.h"
 
 #include <span>
 #include <string>
@@ -15,14 +14,14 @@ namespace Orvanta {
 class RunStatistics {
 public:
     /// A file that can't be written is told before any work. \throws FileException
-    explicit RunStatistics(const std::string& path) : file_(path) {}
+    explicit RunStatistics(std::string path);
 
     /// Writes all of it, once; the file is there afterwards. `costs` are those of the units, or none.
     /// \throws FileException
-    void Write(const CollectedCommands& commands, const RunOutcome& outcome, std::span<const UnitCost> costs);
+    void Write(const CollectedCommands& commands, const RunOutcome& outcome, std::span<const UnitCost> costs) const;
 
 private:
-    AtomicFile file_;
+    std::string path_;
 };
 
 } // namespace Orvanta

@@ -68,7 +68,7 @@ TEST_F(TraceTest, UnitsAreThoseOfTheBuild) {
         EXPECT_EQ(FoldersAndSources(), expected) << options;
         EXPECT_EQ(Report().size(), 3U);
         sandbox.ForgetCoreCalls();
-        ASSERT_EQ(std::system(("cd '" + sandbox.Path() + "' && rm -f strace_out*").c_str()), 0);
+        ASSERT_EQ(std::system(("cd '" + sandbox.Path() + "' && rm -rf strace_out* .Orvanta").c_str()), 0);
     }
 }
 
