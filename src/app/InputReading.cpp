@@ -133,10 +133,9 @@ std::vector<std::string> UnusedExclusions(std::span<const std::string> values,
             std::erase_if(unused, [&path](const Exclusion& exclusion) { return exclusion.paths.Matches(path); });
         }
     }
-    std::vector<std::string> left;
-    for (Exclusion& exclusion : unused) {
-        left.push_back(std::move(exclusion.value));
-    }
+    std::vector<std::string> left(unused.size());
+    std::transform(unused.begin(), unused.end(), left.begin(),
+                   [](Exclusion& exclusion) { return std::move(exclusion.value); });
     return left;
 }
 

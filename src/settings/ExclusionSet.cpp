@@ -4,6 +4,7 @@
 #include "settings/SettingsMap.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Orvanta {
 
@@ -62,7 +63,8 @@ void ExclusionSet::Add(std::string_view value) {
         masks_.push_back({FoldForMask(value), std::string(value)});
     } else if (!value.empty()) {
         std::string prefix = NormalizePath(value, rules_);
-        prefixes_.insert(rules_ == PathRules::Windows ? ToLowerAscii(prefix) : std::move(prefix));
+        std::string compared = rules_ == PathRules::Windows ? ToLowerAscii(prefix) : prefix;
+        prefixes_.emplace(std::move(compared), std::move(prefix));
     }
 }
 
@@ -85,7 +87,7 @@ std::optional<std::string_view> ExclusionSet::PrefixFor(std::string_view path) c
     // The path itself, its folder, and so on up to the root, which is its own folder.
     while (!path.empty()) {
         if (const auto prefix = prefixes_.find(path); prefix != prefixes_.end()) {
-            return *prefix;
+            return prefix->second;
         }
         const std::string_view parent = DirectoryOf(path, rules_);
         if (parent.size() == path.size()) {

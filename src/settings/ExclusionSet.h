@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace Orvanta {
@@ -53,7 +53,8 @@ private:
     [[nodiscard]] std::optional<std::string_view> MaskFor(std::string_view path) const;
 
     PathRules rules_;
-    std::unordered_set<std::string, PrefixHash, std::equal_to<>> prefixes_; // normalised, folded where the system folds
+    // By what is compared: normalised, folded where the system folds; the value is normalised alone, for people.
+    std::unordered_map<std::string, std::string, PrefixHash, std::equal_to<>> prefixes_;
     std::vector<Mask> masks_;
 };
 

@@ -1,5 +1,6 @@
 #include "FuzzInput.h"
 #include "buildinput/CompilationDatabase.h"
+#include "buildinput/DatabaseExcerpt.h"
 #include "compilers/CompilerRegistry.h"
 #include "platform/StopFlag.h"
 
@@ -26,6 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ParseCompilationDatabase(stream, CommandStringRules::Posix, collector);
         const CollectedCommands collected = collector.Take();
         Require(collected.invocations > 0 && collected.skipped.size() == collected.invocations);
+        // Cut without a parser, it has as many entries.
+        std::istringstream again{std::string(FuzzText(data, size))};
+        const auto entries = PickEntries(again, [](std::string_view) { return true; });
+        Require(entries && entries->size() == collected.invocations);
     } catch (const ZelmException&) {
         // No entries.
     } catch (const nlohmann::json::exception&) {

@@ -109,8 +109,10 @@ void CheckDatabase(const std::string& path, const std::set<std::string>& folders
         diagnosis.Add(Check::StaleDatabase, std::move(file));
     }
     const std::optional<std::string> checkout = CheckoutOf(std::string(DirectoryOf(path)));
-    const auto isInside = [&checkout](const std::string& folder) {
-        return folder.starts_with(*checkout);
+    // Two paths may lead to one folder.
+    const std::string root = checkout ? ResolveLinks(*checkout) : "";
+    const auto isInside = [&checkout, &root](const std::string& folder) {
+        return folder.starts_with(*checkout) || ResolveLinks(folder).starts_with(root);
     };
     if (checkout && !folders.empty() && std::none_of(folders.begin(), folders.end(), isInside)) {
         diagnosis.Add(Check::DatabaseElsewhere, *checkout + ": " + *folders.begin());

@@ -167,7 +167,7 @@ Json FileQuestion::Answer() {
     ChooseUnits();
     Json document;
     document["file"] = path_;
-    document["input"] = BuildInputOf(input_.options);
+    document["input"] = input_.options.sourceFile ? "--source-file" : BuildInputOf(input_.options);
     document["units"] = Units();
     document["skipped"] = Skipped();
     document["includedBy"] = Json::array();
