@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
@@ -18,6 +19,7 @@ namespace Orvanta {
 struct UnitExpectation {
     std::optional<float> seconds = {}; ///< what it took in an earlier run
     float bytes = 0;                   ///< else its size: of one kind for all units of a pass
+    std::uint64_t peakMemory = 0;      ///< that it took in that run, in bytes
 };
 
 /// The order in which units are to begin, so that none that is long begins when the others are nearly done: those of a

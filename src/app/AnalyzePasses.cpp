@@ -273,7 +273,7 @@ void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange pe
     }
     try {
         runner_.RunParallel(commands, input_.threads,
-                            {pass.work, actions, monitor_.Needs(actions), percents, receiver, monitor_});
+                            {pass.work, actions, monitor_.Needs(), percents, receiver, monitor_});
     } catch (...) {
         monitor_.EndPass();
         outcome = receiver.Outcome();

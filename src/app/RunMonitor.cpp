@@ -49,6 +49,7 @@ RunMonitor::RunMonitor(std::span<const CompileCommand> units, unsigned workers, 
     : units_(units), workers_(workers), folder_(std::move(folder)), display_(display), log_(log) {}
 
 std::vector<std::size_t> RunMonitor::BeginPass(const UnitWork& work, std::span<const UnitAction> actions) {
+    needs_.assign(units_.size(), {});
     if (RunsNone(actions)) {
         return LongestFirst(std::vector<UnitExpectation>(units_.size()), workers_);
     }
@@ -59,6 +60,9 @@ std::vector<std::size_t> RunMonitor::BeginPass(const UnitWork& work, std::span<c
     }
     kind_ = CostKindOf(work);
     std::vector<UnitExpectation> expectations = Expect(actions);
+    std::transform(expectations.begin(), expectations.end(), needs_.begin(), [](const UnitExpectation& expected) {
+        return MemoryNeed{expected.peakMemory, static_cast<std::uint64_t>(expected.bytes)};
+    });
     std::vector<bool> isToRun(units_.size());
     std::transform(actions.begin(), actions.end(), isToRun.begin(),
                    [](UnitAction action) { return action == UnitAction::Run; });
@@ -118,28 +122,13 @@ std::vector<UnitExpectation> RunMonitor::Expect(std::span<const UnitAction> acti
         }
         if (const auto known = costs_.IsEmpty() ? std::nullopt : costs_.Find(kind_, CostKeyOf(units_[unit]))) {
             expectations[unit].seconds = std::chrono::duration<float>(known->Wall()).count();
+            expectations[unit].peakMemory = known->PeakMemory();
         } else {
             expectations[unit].bytes =
                 areTextsKnown ? static_cast<float>(taken_[unit].textBytes) : SourceBytes(units_[unit]);
         }
     }
     return expectations;
-}
-
-// Before the first unit begins, so no lock is held.
-std::vector<MemoryNeed> RunMonitor::Needs(std::span<const UnitAction> actions) const {
-    std::vector<MemoryNeed> needs(units_.size());
-    const std::vector<UnitExpectation> expectations = Expect(actions);
-    for (std::size_t unit = 0; unit < units_.size(); ++unit) {
-        if (actions[unit] != UnitAction::Run) {
-            continue;
-        }
-        needs[unit].size = static_cast<std::uint64_t>(expectations[unit].bytes);
-        if (const auto known = costs_.IsEmpty() ? std::nullopt : costs_.Find(kind_, CostKeyOf(units_[unit]))) {
-            needs[unit].peak = known->PeakMemory();
-        }
-    }
-    return needs;
 }
 
 void RunMonitor::UnitBegins(std::size_t unit) {

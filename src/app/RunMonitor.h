@@ -41,7 +41,7 @@ public:
     void EndPass();
 
     /// By unit: the memory that those which run in the pass need, as far as it is known.
-    [[nodiscard]] std::vector<MemoryNeed> Needs(std::span<const UnitAction> actions) const;
+    [[nodiscard]] const std::vector<MemoryNeed>& Needs() const noexcept { return needs_; }
 
     void UnitBegins(std::size_t unit) override;
     void UnitEnds(std::size_t unit, const UnitResult& result) override;
@@ -69,6 +69,7 @@ private:
     std::mutex mutex_;
     CostKind kind_ = CostKind::Analysis;  // of the pass
     UnitCosts costs_;                     // guarded by mutex_ while units run
+    std::vector<MemoryNeed> needs_;       // of the pass
     std::vector<UnitCost> taken_;         // guarded by mutex_ while units run
     std::optional<RunForecast> forecast_; // of the pass; guarded by mutex_
     std::optional<StatusLine> status_;    // while a pass goes on; the last: its thread asks for the others

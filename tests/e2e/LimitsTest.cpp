@@ -45,8 +45,9 @@ TEST_F(LimitsTest, AFileWithTooMuchOutputFailsByName) {
 TEST_F(LimitsTest, ThatMeanNothingAreRefused) {
     sandbox.AddUnit("a.c");
     const std::pair<const char*, const char*> cases[] = {
-        {"--timeout", "0"},   {"--timeout", "1.5"},  {"--timeout", "-1"},    {"--timeout", "4294967296"},
-        {"--max-output", ""}, {"--max-output", "K"}, {"--max-output", "0M"}, {"--max-output", "1T"}};
+        {"--timeout", "0"},          {"--timeout", "1.5"},   {"--timeout", "-1"},
+        {"--timeout", "4294967296"}, {"--max-output", ""},   {"--max-output", "K"},
+        {"--max-output", "0M"},      {"--max-output", "1T"}, {"--max-memory", "0"}};
     for (const auto& [option, value] : cases) {
         const RunResult result = sandbox.Run({"analyze", std::string(option) + "=" + value});
         EXPECT_EQ(result.exitCode, 1) << result;
