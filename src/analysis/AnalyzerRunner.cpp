@@ -55,12 +55,14 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task, const std::function<boo
 }
 
 std::uint64_t AnalyzerRunner::MemoryBudget() const {
-    if (settings_.maxMemory) {
-        return *settings_.maxMemory;
-    }
     constexpr std::uint64_t PartsLeft = 10; // one of them is for all else that grows meanwhile
-    const std::uint64_t granted = GrantedMemory();
-    return granted - granted / PartsLeft;
+    constexpr unsigned BitsOfMegabyte = 20;
+    const std::uint64_t granted = settings_.maxMemory ? 0 : GrantedMemory();
+    const std::uint64_t budget = settings_.maxMemory.value_or(granted - granted / PartsLeft);
+    if (log_.IsVerbose() && budget > 0) {
+        log_.VerboseLine("Memory for all files at once: " + std::to_string(budget >> BitsOfMegabyte) + " MB");
+    }
+    return budget;
 }
 
 UnitResult AnalyzerRunner::RunWithMemory(const AnalysisTask& task, UnitQueue& queue) {
@@ -135,34 +137,29 @@ int AnalyzerRunner::RunParallel(std::span<const PlacedCommand> commands, unsigne
     for (const auto& [command, unit] : commands) {
         commandOf[unit] = command;
     }
-    const std::uint64_t budget = MemoryBudget();
-    if (log_.IsVerbose() && budget > 0) {
-        constexpr unsigned BitsOfMegabyte = 20;
-        log_.VerboseLine("Memory for all files at once: " + std::to_string(budget >> BitsOfMegabyte) + " MB");
-    }
-    UnitQueue queue(budget, [this] { return ShouldEnd(); }); // outlives the workers
+    UnitQueue queue(MemoryBudget(), [this] { return ShouldEnd(); }); // outlives the workers
     WorkerPool pool(workers);
     if (!pool.Fault().empty()) {
         log_.Line("Only " + std::to_string(pool.Size()) + " of " + std::to_string(workers) +
                   " threads could be started: " + pool.Fault());
     }
-    bool hasSettled = false; // since the receiver was last asked to put on disk what it has
+    // Whatever comes first in the order: what is known is on disk before the first unit begins.
     for (const auto& [command, unit] : commands) {
         if (std::optional<UnitResult> settled = SettledResult(*command, pass.actions[unit])) {
             pass.receiver.Commit(unit, std::move(*settled));
             progress.CountFinished();
-            hasSettled = true;
-            continue;
         }
-        if (std::exchange(hasSettled, false)) {
-            pass.receiver.Flush();
+    }
+    pass.receiver.Flush();
+    for (const auto& [command, unit] : commands) {
+        if (pass.actions[unit] != UnitAction::Run) {
+            continue;
         }
         // Room is waited for, so that no more is queued than what the workers take next: a stop takes effect at once,
         // and the tasks of a large build don't pile up in memory. Each wait ends after a while to look at the stop.
         while (!ShouldEnd() && !pool.WaitForRoom(PollInterval, UnitsToChooseFrom)) {
         }
         if (ShouldEnd()) {
-            // The loop goes on: units behind this one that need no run are handed over all the same.
             pass.receiver.Commit(unit, {.status = AnalyzerStatus::Stopped});
             continue;
         }
