@@ -91,8 +91,8 @@ std::string UnitText(const Json& unit, const std::string& input) {
     const Json& compiler = unit["compiler"];
     text += Labelled("compiler", compiler["path"].get<std::string>());
     text += Labelled("family", compiler["family"].get<std::string>() + ": " + compiler["because"].get<std::string>());
-    if (compiler["version"] != "") {
-        text += Labelled("version", compiler["version"].get<std::string>());
+    if (const std::string version = compiler["version"].get<std::string>(); !version.empty()) {
+        text += Labelled("version", version);
     }
     text += FlagLines(unit["flags"]);
     if (!unit["addedFolders"].empty()) {
