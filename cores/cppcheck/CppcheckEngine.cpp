@@ -12,6 +12,9 @@ std::string CppcheckEngine::Version(const std::string& workingDirectory) const {
 }
 
 EngineResult CppcheckEngine::Analyze(const UnitSettings& unit, const UnitText& text) const {
+    if (std::string reason = ReasonNotToRun(unit, text.cut.text); !reason.empty()) {
+        return {{}, "", std::move(reason)};
+    }
     CppcheckOutput output = RunCppcheck(unit, text.cut.text);
     std::string reason = ReasonNotRead(output.findings, text.cut.files);
     return {std::move(output.findings), std::move(output.otherText), std::move(reason)};

@@ -11,6 +11,7 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -65,6 +66,24 @@ CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& w
                             std::string(Trim(output.otherText + end.standardOutput)));
     }
     return output;
+}
+
+std::string ReasonNotToRun(const UnitSettings& unit, std::string_view cutText) {
+    constexpr std::size_t LongestList = 20'000;
+    std::size_t elements = 1;
+    std::size_t longest = 1;
+    // No statement ends within a list. What literals hold of these characters is too little to matter.
+    for (const char character : cutText) {
+        if (character == ',') {
+            longest = std::max(longest, ++elements);
+        } else if (character == ';') {
+            elements = 1;
+        }
+    }
+    if (unit.isDeep || longest <= LongestList) {
+        return "";
+    }
+    return "a list of " + std::to_string(longest) + " elements, more than " + std::to_string(LongestList);
 }
 
 CppcheckOutput RunCppcheck(const UnitSettings& unit, std::string_view cutText) {

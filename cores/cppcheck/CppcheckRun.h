@@ -17,6 +17,11 @@ namespace Orvanta {
 /// \throws ZelmException when it can't be started or fails
 [[nodiscard]] CppcheckOutput RunCppcheckCommand(const Arguments& command, const std::string& workingDirectory);
 
+/// Why Cppcheck would not come to an end with the cut text of a unit in any useful time; empty when it would, or when
+/// the unit asks for all at any cost. Its time grows with more than the square of the length of a list: 10,000 elements
+/// take it a second, 30,000 twenty.
+[[nodiscard]] std::string ReasonNotToRun(const UnitSettings& unit, std::string_view cutText);
+
 /// Lets Cppcheck analyze the cut text of a unit. The text stands in a file beside the preprocessed one for as long as
 /// that takes.
 /// \throws ZelmException when Cppcheck is missing, can't be started or fails

@@ -194,7 +194,7 @@ UnitWords CollectFacts(const UnitSettings& unit, const std::string& currentDirec
     UnitInformation information;
     for (const std::unique_ptr<Engine>& engine : engines) {
         // Of both, Cppcheck alone tells what concerns other units.
-        if (engine->Kind() == EngineKind::Cppcheck) {
+        if (engine->Kind() == EngineKind::Cppcheck && ReasonNotToRun(unit, text.cut.text).empty()) {
             CppcheckCollection collection = CollectWithCppcheck(unit, text.cut.text);
             std::string reason = ReasonNotRead(collection.output.findings, text.cut.files);
             information.facts = ReadAnalyzerInformation(collection.analyzerInformation);

@@ -120,6 +120,15 @@ TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
     }
 }
 
+TEST_F(CoreWithCppcheck, IsNotAskedForListsThatItNeverEndsWith) {
+    std::string text = "# 1 \"u.cpp\"\nconst int table[] = {0";
+    for (int i = 0; i < 20'000; ++i) {
+        text += ", 7";
+    }
+    const CoreEnd end = Run(WriteUnit(text + "};\n"), WithCppcheck("exit 3\n"));
+    EXPECT_EQ(end.standardError, "Cppcheck can't read this unit: a list of 20001 elements, more than 20000\n");
+}
+
 // The same code is right on one target and wrong on the other, to both engines.
 TEST_F(CoreWithCppcheck, AsksBothEnginesForTheUnitsTarget) {
     const std::string text = "# 1 \"u.cpp\"\nint f() { return 1 << 20; }\n";
