@@ -32,8 +32,10 @@ set "core=%~1"
 if not defined core set "core=%ORVANTA_CORE%"
 if not defined core set "core=Orvanta.exe"
 if exist "%core%" for %%I in ("%core%") do set "core=%%~fI"
-cd /d "%~dp0" || exit /b 127
-type nul > replayed.findings || exit /b 127
+cd /d "%~dp0."
+if not exist settings.cfg exit /b 127
+type nul > replayed.findings
+if not exist replayed.findings exit /b 127
 "%core%" --cfg settings.cfg)";
 
 constexpr std::string_view PosixWithoutText = R"(#!/bin/sh
@@ -49,7 +51,8 @@ exit )";
 constexpr std::string_view WindowsWithoutText = R"(@echo off
 rem The compiler has failed, so the core never saw this unit: what the compiler said, and its code.
 rem Its command stands in bundle.json, with the variables that it looks into.
-cd /d "%~dp0" || exit /b 127
+cd /d "%~dp0."
+if not exist compiler.stdout exit /b 127
 type compiler.stdout
 type compiler.stderr 1>&2
 exit /b )";
