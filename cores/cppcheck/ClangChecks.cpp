@@ -13,8 +13,9 @@ using enum CheckState;
 // The checks that clang-tidy runs: its own, those of clang's static analyzer ("clang-analyzer-") and the compiler's
 // warnings ("clang-diagnostic-"). A row that is off is about names and style, needs the source's macros or comments, or
 // is another name of a check that is on.
-// Null pointers and divisors of zero that the analyzer assumes on some path are level 2: in libraries that are long in
-// use, all that it found by itself were wrong. Where Cppcheck finds them too, its level counts.
+// Null pointers, divisors of zero and operands without a value that the analyzer assumes on some path are level 2: in
+// libraries that are long in use, all that it found by itself were wrong. Where Cppcheck finds them too, its level
+// counts.
 constexpr CheckRow Rows[] = {
     {"bugprone-argument-comment", 3, General, On, 0},
     {"bugprone-assert-side-effect", 3, General, Off, 0},
@@ -125,7 +126,7 @@ constexpr CheckRow Rows[] = {
     {"clang-analyzer-core.NonNullParamChecker", 2, General, On, 476},
     {"clang-analyzer-core.NullDereference", 2, General, On, 476},
     {"clang-analyzer-core.StackAddressEscape", 1, General, On, 562},
-    {"clang-analyzer-core.UndefinedBinaryOperatorResult", 1, General, On, 457},
+    {"clang-analyzer-core.UndefinedBinaryOperatorResult", 2, General, On, 457},
     {"clang-analyzer-core.VLASize", 1, General, On, 131},
     {"clang-analyzer-core.uninitialized.ArraySubscript", 1, General, On, 457},
     {"clang-analyzer-core.uninitialized.Assign", 1, General, On, 457},
