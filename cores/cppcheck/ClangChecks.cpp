@@ -14,7 +14,7 @@ using enum CheckState;
 // warnings ("clang-diagnostic-"). A row that is off is about names and style, needs the source's macros or comments, or
 // is another name of a check that is on.
 // Null pointers, divisors of zero and operands without a value that the analyzer assumes on some path are level 2: in
-// libraries that are long in use, all that it found by itself were wrong. Where Cppcheck finds them too, its level
+// libraries that are long in use, those that were read in the code were wrong. Where Cppcheck finds them too, its level
 // counts.
 constexpr CheckRow Rows[] = {
     {"bugprone-argument-comment", 3, General, On, 0},

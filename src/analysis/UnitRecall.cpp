@@ -20,6 +20,9 @@ const CachedResult* UnitRecall::Find() {
         const Digest key =
             cache_->KeyOf({text, plan_.sourcePath, plan_.Directory(), plan_.settings, plan_.files.basePath});
         looked_ = Look{key, cache_->Find(key)};
+        if (!std::exchange(isCounted_, true)) {
+            cache_->Count(looked_->result.has_value());
+        }
     }
     return looked_->result ? &*looked_->result : nullptr;
 }

@@ -41,6 +41,7 @@ private:
     const UnitPlan& plan_;
     ResultCache* cache_;
     std::optional<Look> looked_;
+    bool isCounted_ = false;
 };
 
 /// The findings as the core would have written them.

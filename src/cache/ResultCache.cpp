@@ -50,7 +50,6 @@ std::optional<CachedResult> ResultCache::Find(const Digest& key) {
     if (const std::optional<std::string> bytes = store_->Find(key)) {
         result = UnpackResult(*bytes, root_);
     }
-    ++(result ? hits_ : misses_);
     return result;
 }
 

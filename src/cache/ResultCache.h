@@ -49,14 +49,17 @@ public:
     /// \throws ZelmException when the library of hashes can't be used
     [[nodiscard]] Digest KeyOf(const ResultInputs& inputs);
 
-    /// What is known of a unit; absent when nothing is, or it is damaged. Counts as a hit or a miss.
+    /// What is known of a unit; absent when nothing is, or it is damaged.
     [[nodiscard]] std::optional<CachedResult> Find(const Digest& key);
 
     /// Keeps what was found; nothing where the cache may only be read. A result that can't be kept is no fault of its
     /// unit: the first reason is told by `Fault`.
     void Store(const Digest& key, const CachedResult& result) noexcept;
 
-    /// How often something was found since the beginning, and how often not.
+    /// Counts a unit as a hit or a miss: it may be looked up several times.
+    void Count(bool isKnown) noexcept { ++(isKnown ? hits_ : misses_); }
+
+    /// How many units were known, and how many were not.
     [[nodiscard]] std::size_t Hits() const noexcept { return hits_; }
 
     [[nodiscard]] std::size_t Misses() const noexcept { return misses_; }

@@ -50,9 +50,7 @@ TEST(ResultCacheTest, ResultsHoldForEveryCheckout) {
     EXPECT_EQ(found->findings, ResultIn(folder / "other/a.c").findings);
     EXPECT_EQ(found->dependencies, ResultIn(folder / "other/a.c").dependencies);
     EXPECT_EQ(found->output, ResultIn(folder / "other/a.c").output);
-    EXPECT_EQ(other.cache.Hits(), 1U);
     EXPECT_FALSE(other.cache.Find(other.KeyOf("int b;")));
-    EXPECT_EQ(other.cache.Misses(), 1U);
 }
 
 TEST(ResultCacheTest, WhatDecidesAResultIsInItsKey) {
