@@ -216,7 +216,7 @@ constexpr CheckRow Rows[] = {
     {"clang-diagnostic-nonnull", 1, General, On, 476},
     {"clang-diagnostic-null-dereference", 1, General, On, 476},
     {"clang-diagnostic-parentheses", 2, General, AsWritten, 783},
-    {"clang-diagnostic-parentheses-equality", 2, General, On, 0},
+    {"clang-diagnostic-parentheses-equality", 2, General, AsWritten, 0},
     {"clang-diagnostic-pessimizing-move", 3, Speed, On, 0},
     {"clang-diagnostic-pointer-to-int-cast", 3, Widths, On, 704},
     {"clang-diagnostic-range-loop-construct", 3, Speed, On, 0},

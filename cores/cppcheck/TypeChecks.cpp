@@ -79,9 +79,20 @@ std::size_t EndOfTypeCheck(std::string_view text, std::size_t begin, std::size_t
         return None;
     }
     const std::string_view statement = text.substr(begin, end - begin);
-    const bool staysInFile = statement.find("\n#") == None; // no line marker is lost
     const bool hasRawString = statement.find("R\"") != None;
-    return statement.find(TypeQuestion) != None && staysInFile && !hasRawString ? end : None;
+    return statement.find(TypeQuestion) != None && !hasRawString ? end : None;
+}
+
+// Blanks the lines from `begin` to `end`, but for line markers: what is left stands where it stood.
+void BlankLines(std::string& text, std::size_t begin, std::size_t end) {
+    for (std::size_t at = begin; at < end;) {
+        const std::size_t endOfLine = std::min(text.find('\n', at), end);
+        if (text[at] != '#' || at == begin) {
+            std::fill(text.begin() + static_cast<std::ptrdiff_t>(at),
+                      text.begin() + static_cast<std::ptrdiff_t>(endOfLine), ' ');
+        }
+        at = endOfLine + 1;
+    }
 }
 
 } // namespace
@@ -93,9 +104,7 @@ void BlankTypeChecks(std::string& text) {
         if (end == None) {
             continue;
         }
-        for (std::size_t i = begin; i < end; ++i) {
-            text[i] = text[i] == '\n' ? '\n' : ' ';
-        }
+        BlankLines(text, begin, end);
         text[begin] = ';';
         at = end - 1;
     }

@@ -154,8 +154,8 @@ private:
 UnitText ReadUnitText(const UnitSettings& unit, const std::string& currentDirectory) {
     UnitText text;
     text.preprocessed = ReadWholeFile(unit.preprocessedPath);
+    BlankTypeChecks(text.preprocessed);
     text.cut = CutSystemText(text.preprocessed, unit.sourcePath, currentDirectory);
-    BlankTypeChecks(text.cut.text);
     text.currentDirectory = currentDirectory;
     return text;
 }
