@@ -40,15 +40,14 @@ std::string HowToInstall(const EngineRow& row) {
 }
 
 [[noreturn]] void FailWithoutEngines() {
-    std::string text = "Neither ";
+    std::string names;
+    std::string packages;
     for (const EngineRow& row : Rows) {
-        text += (row.kind == Rows[0].kind ? "" : " nor ") + std::string(row.name);
+        names += (names.empty() ? "Neither " : " nor ") + std::string(row.name);
+        packages += (packages.empty() ? "" : " or ") + ("\"" + std::string(row.package) + "\"");
     }
-    text += " was found along PATH: ";
-    for (const EngineRow& row : Rows) {
-        text += HowToInstall(row) + ", ";
-    }
-    throw ZelmException(text + "or name another core with --orvanta-path");
+    throw ZelmException(names + " was found along PATH: install the package " + packages +
+                        ", or name another core with --orvanta-path");
 }
 
 } // namespace

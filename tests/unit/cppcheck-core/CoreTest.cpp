@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/Text.h"
 #include "support/HostPath.h"
 #include "unit/cppcheck-core/CoreRun.h"
 
@@ -15,13 +16,14 @@ TEST_F(Core, SaysWhichEngineIsMissing) {
     const Environment noPrograms{{"PATH", folder_.Path()}};
     const CoreEnd named = Run(WriteUnit(Faulty), noPrograms);
     EXPECT_NE(named.exitCode, 0);
-    EXPECT_EQ(named.standardError, "Cppcheck was not found along PATH: install the package \"cppcheck\", or leave it "
-                                   "out of \"engines\"\n");
+    EXPECT_EQ(Trim(named.standardError),
+              "Cppcheck was not found along PATH: install the package \"cppcheck\", or leave "
+              "it out of \"engines\"");
     const CoreEnd none = RunWith({"--version"}, noPrograms);
     EXPECT_NE(none.exitCode, 0);
-    EXPECT_EQ(none.standardError,
-              "Neither Cppcheck nor clang-tidy was found along PATH: install the package \"cppcheck\", install the "
-              "package \"clang-tidy\", or name another core with --orvanta-path\n");
+    EXPECT_EQ(Trim(none.standardError),
+              "Neither Cppcheck nor clang-tidy was found along PATH: install the package \"cppcheck\" or "
+              "\"clang-tidy\", or name another core with --orvanta-path");
 }
 
 TEST_F(Core, ListsDependenciesWithoutAnalyzing) {
