@@ -20,8 +20,8 @@ namespace {
 // Head: the words, the size of the text and the digest of all behind; a line. Then the compressed text: a line with the
 // dependencies, one with what the core printed, and one for each finding.
 constexpr std::string_view Magic = "orvanta-result-1 ";
-// No unit has as many findings; what says so is damaged, or wants our memory.
-constexpr std::size_t LargestText = std::size_t{1} << 30U;
+// No text is packed more tightly; what says so is damaged, or wants our memory.
+constexpr std::size_t LargestRatio = 1032;
 
 std::string Compressed(const std::string& text) {
     uLongf size = compressBound(static_cast<uLong>(text.size()));
@@ -55,7 +55,7 @@ std::optional<std::string> Unpack(std::string_view bytes) {
     const std::string_view numbers = head.substr(Magic.size());
     const auto [end, error] = std::from_chars(numbers.data(), numbers.data() + numbers.size(), size);
     const std::string_view digest = numbers.substr(static_cast<std::size_t>(end - numbers.data()));
-    if (error != std::errc() || size > LargestText || digest != " " + DigestOf(rest).Text()) {
+    if (error != std::errc() || size / LargestRatio > rest.size() || digest != " " + DigestOf(rest).Text()) {
         return std::nullopt;
     }
     return Uncompressed(rest, size);
