@@ -434,6 +434,8 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.stats, "--stats");
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
+    RefuseEmpty(options.cachePlace, "--cache");
+    RequireExisting(options.cacheTokenFile, "Token file doesn't exist: ");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
     }

@@ -80,10 +80,10 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     const args::Command explain(parser, "explain",
                                 "Show how a file's compiler commands are read, and what a run does with them",
                                 ExplainCommand);
-    const args::Command cache(parser, "cache", "Show, check, trim or empty a cache of results", CacheCommand);
     const args::Command doctor(parser, "doctor", "Tell what would go wrong in a run, before it begins", DoctorCommand);
     const args::Command verify(parser, "verify", "Compare what is preprocessed with what the build's own commands give",
                                VerifyCommand);
+    const args::Command cache(parser, "cache", "Show, check, trim or empty a cache of results", CacheCommand);
     return ParseAndRun(parser, argumentCount, arguments);
 }
 

@@ -109,6 +109,10 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     settings.cache.tokenFile = options.cacheTokenFile.value_or("");
     settings.cache.isReadOnly = options.cacheReadOnly;
     settings.cache.largestSize = CacheSizeOf(options).value_or(settings.cache.largestSize);
+    const bool isShaped = options.cacheReadOnly || options.cacheSize || options.cacheTokenFile;
+    if (isShaped && settings.cache.place.empty()) {
+        throw ZelmException("--cache-readonly, --cache-size and --cache-token-file need --cache");
+    }
     settings.maxMemory = MaxMemoryOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;

@@ -66,6 +66,8 @@ TEST_F(CacheTest, FailuresAndWhatMayOnlyBeReadAreNotKept) {
     Cached();
     EXPECT_EQ(Analyzed(), (Names{"b.c", "c.c"}));
     EXPECT_EQ(sandbox.Run({"cache", "verify", "--cache", "cache"}).exitCode, 0);
+    EXPECT_TRUE(sandbox.Analyze({"--cache-readonly"}).Says("Error: --cache-readonly, --cache-size and "));
+    EXPECT_TRUE(Cached({"--cache", ""}).Says("Error: Wrong value of --cache: it is empty"));
     // A place that can't be written to costs a warning.
     sandbox.Write("file", "");
     sandbox.Write("c.c", "int again;\n");
