@@ -5,7 +5,6 @@ Runs the driver with a trivial compiler and the given core against nginx, as Web
 of our own that is slow, fails, lies, cuts its answers short, or wants a token.
 """
 import http.server
-import json
 import os
 import pathlib
 import shutil
@@ -17,34 +16,14 @@ import threading
 import time
 import unittest
 
-DRIVER, CORE = map(os.path.abspath, sys.argv[1:3])
-UNITS = 8
+import project
+from project import UNITS
 
 
 def free_port():
     with socket.socket() as probe:
         probe.bind(("127.0.0.1", 0))
         return probe.getsockname()[1]
-
-
-class Project:
-    """Some sources, and a core that is counted by the files it leaves."""
-
-    def __init__(self, folder):
-        self.folder = pathlib.Path(folder)
-        entries = []
-        for unit in range(UNITS):
-            name = f"u{unit}.c"
-            (self.folder / name).write_text(f"int f{unit}(int *p) {{ return p ? {unit} : *p; }}\n", encoding="ascii")
-            entries.append({"directory": folder, "file": name, "arguments": ["gcc", "-c", name]})
-        (self.folder / "compile_commands.json").write_text(json.dumps(entries), encoding="ascii")
-
-    def analyze(self, *options):
-        shutil.rmtree(self.folder / ".Orvanta", ignore_errors=True)
-        command = [DRIVER, "analyze", "-j2", "-o", "report.json", "--orvanta-path", CORE, *options]
-        run = subprocess.run(command, cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
-                             check=False, timeout=120)
-        return run.returncode, run.stdout, (self.folder / "report.json").read_bytes()
 
 
 class Behaviour:
@@ -103,7 +82,7 @@ class HttpCacheTest(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        self.project = Project(folder.name)
+        self.project = project.Project(folder.name, *sys.argv[1:3])
         self.expected = self.project.analyze()[2]
         Behaviour.entries, Behaviour.mode, Behaviour.tokens, Behaviour.requests = {}, "right", [], 0
 
