@@ -43,7 +43,7 @@ public:
 
     /// Removes the least recently used entries until the rest is no larger than `largest` bytes, and what writers that
     /// are gone have left. Returns what was removed.
-    Contents Trim(std::uint64_t largest) const;
+    [[nodiscard]] Contents Trim(std::uint64_t largest) const;
 
     /// Removes the entries for which `isWanted` says no. Returns what was removed.
     Contents RemoveUnless(const std::function<bool(std::string_view bytes)>& isWanted) const;

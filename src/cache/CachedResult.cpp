@@ -38,7 +38,7 @@ std::string Compressed(const std::string& text) {
 // Absent when the bytes are not what `Compressed` made of a text of that size.
 std::optional<std::string> Uncompressed(std::string_view bytes, std::size_t size) {
     std::string text(size, '\0');
-    uLongf written = static_cast<uLongf>(size);
+    auto written = static_cast<uLongf>(size);
     const int answer = uncompress(reinterpret_cast<Bytef*>(text.data()), &written,
                                   reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()));
     return answer == Z_OK && written == size ? std::optional(std::move(text)) : std::nullopt;

@@ -30,8 +30,8 @@ bool PrepareLibrary() {
 
 struct DigestBuilder::Handle {
     Handle() {
-        static const bool IsPrepared = PrepareLibrary();
-        if (!IsPrepared || gcry_md_open(&hash, GCRY_MD_SHA256, 0) != 0) {
+        static const bool isPrepared = PrepareLibrary();
+        if (!isPrepared || gcry_md_open(&hash, GCRY_MD_SHA256, 0) != 0) {
             throw ZelmException("The library of hashes can't be used");
         }
     }

@@ -58,8 +58,8 @@ struct Library {
 };
 
 const Library& LoadedLibrary() {
-    static const Library Loaded;
-    return Loaded;
+    static const Library loaded;
+    return loaded;
 }
 
 constexpr long ConnectSeconds = 5;
