@@ -6,7 +6,6 @@
 #include "platform/windows/WideText.h"
 
 #include <windows.h>
-
 #include <aclapi.h>
 
 namespace Orvanta {

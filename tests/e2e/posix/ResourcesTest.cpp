@@ -40,7 +40,8 @@ TEST_F(ResourcesTest, ReportThatCannotGrowStaysReadable) {
     std::vector<Finding> findings;
     ASSERT_NO_THROW(findings = Report());
     EXPECT_FALSE(findings.empty());
-    EXPECT_EQ(findings.size() + result.Count(sandbox.Path("report.json") + ": File too large"), Units) << "each unit is in the report or told";
+    EXPECT_EQ(findings.size() + result.Count(sandbox.Path("report.json") + ": File too large"), Units)
+        << "each unit is in the report or told";
 }
 
 TEST_F(ResourcesTest, TooFewFilesAreToldOrAreEnough) {

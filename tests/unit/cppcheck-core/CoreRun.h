@@ -26,11 +26,12 @@ protected:
     // A unit of the given preprocessed text; settings that stand twice are those given.
     std::string WriteUnit(const std::string& text, const std::string& moreSettings = "") {
         folder_.Write("temp \303\244/u.i", text);
-        return folder_.Write("temp \303\244/u.cfg", "analysis-mode=4\nengines=cppcheck\ni-file=" + (folder_ / "temp \303\244/u.i") +
-                                                        "\nlanguage=C++\noutput-file=" + (folder_ / Fragment) +
-                                                        "\nplatform=linux64\npreprocessor=gcc\nsource-file=u.cpp\n"
-                                                        "std=c++17\n" +
-                                                        moreSettings);
+        return folder_.Write("temp \303\244/u.cfg",
+                             "analysis-mode=4\nengines=cppcheck\ni-file=" + (folder_ / "temp \303\244/u.i") +
+                                 "\nlanguage=C++\noutput-file=" + (folder_ / Fragment) +
+                                 "\nplatform=linux64\npreprocessor=gcc\nsource-file=u.cpp\n"
+                                 "std=c++17\n" +
+                                 moreSettings);
     }
 
     CoreEnd Run(const std::string& settings, const Environment& changes = {}, const Arguments& moreArguments = {}) {
