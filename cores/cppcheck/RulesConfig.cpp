@@ -60,8 +60,9 @@ void ReadRules(const std::string& path, CheckRules& rules) {
             continue;
         }
         if (const std::string reason = ReasonRefused(line, rules); !reason.empty()) {
-            const std::string place = path + ", line " + std::to_string(number);
-            throw ZelmException(place + ": \"" + std::string(line) + "\": " + reason);
+            std::string message = path + ", line " + std::to_string(number);
+            message.append(": \"").append(line).append("\": ").append(reason);
+            throw ZelmException(message);
         }
     }
 }

@@ -20,8 +20,7 @@ std::string StatusText(int status) {
 
 } // namespace
 
-RemoteStore::RemoteStore(std::string address, std::string token)
-    : client_(std::move(token)), address_(std::move(address)) {
+RemoteStore::RemoteStore(std::string address, const std::string& token) : client_(token), address_(std::move(address)) {
     address_.erase(address_.find_last_not_of('/') + 1);
 }
 

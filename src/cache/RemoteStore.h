@@ -13,7 +13,7 @@ namespace Orvanta {
 class RemoteStore : public ResultStore {
 public:
     /// \throws HttpException when the system's library for it is missing
-    RemoteStore(std::string address, std::string token);
+    RemoteStore(std::string address, const std::string& token);
 
     [[nodiscard]] std::optional<std::string> Find(const Digest& key) override;
     /// One that fails is counted, and no error.

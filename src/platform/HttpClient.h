@@ -28,7 +28,7 @@ class HttpClient {
 public:
     /// `token` goes with every request ("Authorization: Bearer"); empty: none does.
     /// \throws HttpException when the system's library for it is missing
-    explicit HttpClient(std::string token);
+    explicit HttpClient(const std::string& token);
     ~HttpClient();
     HttpClient(const HttpClient&) = delete;
     HttpClient& operator=(const HttpClient&) = delete;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <mutex>
-#include <utility>
 #include <vector>
 
 #include <curl/curl.h>
@@ -92,7 +91,7 @@ int LookAtStopFlag(void*, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
 } // namespace
 
 struct HttpClient::Connections {
-    explicit Connections(std::string bearer) : library(LoadedLibrary()), token(std::move(bearer)) {
+    explicit Connections(const std::string& token) : library(LoadedLibrary()) {
         if (!token.empty()) {
             headers = library.appendToList(headers, ("Authorization: Bearer " + token).c_str());
         }
@@ -168,13 +167,12 @@ struct HttpClient::Connections {
     }
 
     const Library& library;
-    std::string token;
     curl_slist* headers = nullptr;
     std::mutex mutex;
     std::vector<CURL*> idle; // guarded by mutex
 };
 
-HttpClient::HttpClient(std::string token) : connections_(std::make_unique<Connections>(std::move(token))) {}
+HttpClient::HttpClient(const std::string& token) : connections_(std::make_unique<Connections>(token)) {}
 
 HttpClient::~HttpClient() = default;
 

@@ -3,7 +3,6 @@
 #include "platform/StopFlag.h"
 #include "platform/windows/WideText.h"
 
-#include <utility>
 
 #include <windows.h>
 #include <winhttp.h>
@@ -130,7 +129,7 @@ struct HttpClient::Connections {
     std::wstring headers;
 };
 
-HttpClient::HttpClient(std::string token) : connections_(std::make_unique<Connections>(token)) {}
+HttpClient::HttpClient(const std::string& token) : connections_(std::make_unique<Connections>(token)) {}
 
 HttpClient::~HttpClient() = default;
 
