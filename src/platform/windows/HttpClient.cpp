@@ -3,7 +3,6 @@
 #include "platform/StopFlag.h"
 #include "platform/windows/WideText.h"
 
-
 #include <windows.h>
 #include <winhttp.h>
 
