@@ -1,8 +1,8 @@
 #include "analysis/BundleFiles.h"
 
 #include "analysis/PathScrubber.h"
-#include "analysis/PreprocessedText.h"
 #include "analysis/ReplayScripts.h"
+#include "analysis/TextRewriting.h"
 #include "history/UnitIdentities.h"
 #include "platform/EnvironmentNames.h"
 #include "platform/Files.h"

@@ -40,7 +40,7 @@ UnitVerifier::Attempt UnitVerifier::Run(const Arguments& words, const ParsedComm
     if (result.status != AnalyzerStatus::Analyzed) {
         return {{}, result.reason, result.status == AnalyzerStatus::Stopped};
     }
-    return {PreprocessedText(ReadWholeFile(path))};
+    return {ComparableText(ReadWholeFile(path))};
 }
 
 UnitVerifier::Attempt UnitVerifier::RunOwn(const OwnCommand& command, const std::vector<bool>& left) {

@@ -2,7 +2,7 @@
 
 #include "analysis/UnitPlan.h"
 #include "analysis/UnitRun.h"
-#include "app/inspect/PreprocessedText.h"
+#include "app/inspect/ComparableText.h"
 #include "buildinput/InvocationTrail.h"
 #include "compilers/CommandNotes.h"
 
@@ -41,7 +41,7 @@ public:
 private:
     // A text, or why there is none.
     struct Attempt {
-        std::optional<PreprocessedText> text = {};
+        std::optional<ComparableText> text = {};
         std::string fault = {};
         bool isStopped = false;
     };

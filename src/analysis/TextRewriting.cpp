@@ -1,4 +1,4 @@
-#include "analysis/PreprocessedText.h"
+#include "analysis/TextRewriting.h"
 
 #include "platform/LineMarker.h"
 #include "platform/Text.h"

@@ -11,15 +11,15 @@ namespace Orvanta {
 
 /// A preprocessed text as it is compared: its lines that aren't blank, each with the file and line that it comes from.
 /// So texts are equal whatever their line markers look like, and however many blank lines stand for a gap.
-class PreprocessedText {
+class ComparableText {
 public:
-    explicit PreprocessedText(std::string text);
-    PreprocessedText(PreprocessedText&&) noexcept = default;
-    PreprocessedText& operator=(PreprocessedText&&) noexcept = default;
+    explicit ComparableText(std::string text);
+    ComparableText(ComparableText&&) noexcept = default;
+    ComparableText& operator=(ComparableText&&) noexcept = default;
 
     /// The place of the first line, counted from 0, that is another one in the other text, or comes from another file;
     /// where one of the texts has no markers, files don't count. Absent when the texts are equal.
-    [[nodiscard]] std::optional<std::size_t> FirstDifference(const PreprocessedText& other) const;
+    [[nodiscard]] std::optional<std::size_t> FirstDifference(const ComparableText& other) const;
 
     /// The line at a place; empty behind the last one. As long as the object.
     [[nodiscard]] std::string_view LineAt(std::size_t place) const;

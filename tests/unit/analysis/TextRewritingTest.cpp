@@ -1,7 +1,7 @@
 // Guards against a replay bundle whose text is another program than the one that failed, or that still tells whose it
 // is.
 
-#include "analysis/PreprocessedText.h"
+#include "analysis/TextRewriting.h"
 
 #include "analysis/PathScrubber.h"
 
@@ -11,7 +11,7 @@ namespace Orvanta {
 
 namespace {
 
-TEST(PreprocessedText, IsRewrittenWhereItMayBeAndNowhereElse) {
+TEST(TextRewriting, IsRewrittenWhereItMayBeAndNowhereElse) {
     TextRewriting rewriting;
     rewriting.fileName = [](std::string_view name) {
         return "<" + std::string(name) + ">";
