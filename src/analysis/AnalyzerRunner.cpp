@@ -49,8 +49,8 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task, const std::function<boo
         // A plan that can't be made is the unit's own fault: the others go on.
         return {.status = AnalyzerStatus::Failed, .reason = error.what()};
     }
-    const UnitRunContext context = {settings_, places_,       log_,       stop_, LimitsFromNow(settings_.limits),
-                                    bundles_,  places_.cache, mayRunAgain};
+    const UnitRunContext context = {settings_, places_,    log_, stop_, LimitsFromNow(settings_.limits),
+                                    bundles_,  mayRunAgain};
     return UnitRun(*plan, context, *task.progress).Run(*task.work);
 }
 

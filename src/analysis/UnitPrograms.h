@@ -19,7 +19,6 @@
 namespace Orvanta {
 
 class ReplayBundles;
-class ResultCache;
 
 /// The core can't be started at all: no unit will succeed. Ends the run.
 class CoreUnusableException : public ZelmException {
@@ -35,7 +34,6 @@ struct UnitRunContext {
     const StopFlag& stop;
     ChildLimits limits;               ///< of each child; the time is that of all together
     ReplayBundles* bundles = nullptr; ///< null: none are wanted
-    ResultCache* cache = nullptr;     ///< null: there is none
     std::function<bool()> mayRunAgain =
         {}; ///< whether a unit that runs out of memory now runs again; empty: it does not
 };

@@ -23,7 +23,8 @@ class UnitRun {
 public:
     /// All outlive the run.
     UnitRun(const UnitPlan& plan, const UnitRunContext& context, PassProgress& progress)
-        : plan_(plan), context_(context), progress_(progress), programs_(plan, context), recall_(plan, context.cache) {}
+        : plan_(plan), context_(context), progress_(progress), programs_(plan, context),
+          recall_(plan, context.places.cache) {}
 
     /// Does the work. What goes wrong with the unit is its result.
     /// \throws CoreUnusableException

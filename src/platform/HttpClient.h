@@ -36,10 +36,7 @@ public:
     /// \throws HttpException
     [[nodiscard]] HttpAnswer Get(const std::string& address);
 
-    /// The same for the head alone: the body is empty.
-    [[nodiscard]] HttpAnswer Head(const std::string& address);
-
-    /// Puts a body there.
+    /// Puts a body there. \throws HttpException
     [[nodiscard]] HttpAnswer Put(const std::string& address, std::string_view body);
 
 private:

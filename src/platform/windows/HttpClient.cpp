@@ -136,10 +136,6 @@ HttpAnswer HttpClient::Get(const std::string& address) {
     return connections_->Ask(L"GET", address, {});
 }
 
-HttpAnswer HttpClient::Head(const std::string& address) {
-    return connections_->Ask(L"HEAD", address, {});
-}
-
 HttpAnswer HttpClient::Put(const std::string& address, std::string_view body) {
     return connections_->Ask(L"PUT", address, body);
 }
