@@ -136,6 +136,10 @@ HttpAnswer HttpClient::Get(const std::string& address) {
     return connections_->Ask(L"GET", address, {});
 }
 
+int HttpClient::Head(const std::string& address) {
+    return connections_->Ask(L"HEAD", address, {}).status;
+}
+
 HttpAnswer HttpClient::Put(const std::string& address, std::string_view body) {
     return connections_->Ask(L"PUT", address, body);
 }
