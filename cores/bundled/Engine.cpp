@@ -79,7 +79,7 @@ std::string EngineVersions(const std::string& workingDirectory) {
         const std::string version = engine->Version(workingDirectory);
         versions += (versions.empty() ? "" : "; ") + version;
         // Without the file.
-        notes += (notes.empty() ? "It runs " : " and ") + version.substr(0, version.find(','));
+        notes += (notes.empty() ? "It can run " : " and ") + version.substr(0, version.find(','));
     }
     for (const EngineRow& row : Rows) {
         if (FindExecutable(std::string(row.program)).empty()) {

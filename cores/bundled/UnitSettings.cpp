@@ -64,29 +64,12 @@ CheckChoice ReadChoice(const SettingsMap& settings, const std::string& settingsP
     return choice;
 }
 
-struct EngineWord {
-    std::string_view word;
-    EngineKind kind;
-};
-
-constexpr EngineWord EngineWords[] = {
-    {"cppcheck", EngineKind::Cppcheck},
-    {"clang", EngineKind::Clang},
-};
-
 std::vector<EngineKind> ReadEngines(const SettingsMap& settings, const std::string& settingsPath) {
-    std::vector<EngineKind> engines;
-    const std::string list = LastValue(settings, "engines").value_or("");
-    for (std::string_view rest = list; !rest.empty();) {
-        const std::string_view word = Trim(TakeUpTo(rest, ",;"));
-        const EngineWord* const row = FindRow(EngineWords, &EngineWord::word, word);
-        if (row == nullptr) {
-            Fail(settingsPath,
-                 R"("engines" holds ")" + std::string(word) + R"(", but "cppcheck" or "clang" is expected)");
-        }
-        engines.push_back(row->kind);
+    try {
+        return ParseEngineList(LastValue(settings, "engines").value_or(""));
+    } catch (const ZelmException& error) {
+        Fail(settingsPath, std::string("\"engines\" holds ") + error.what());
     }
-    return engines;
 }
 
 bool ReadDepth(const SettingsMap& settings, const std::string& settingsPath) {

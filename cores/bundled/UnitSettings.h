@@ -2,6 +2,7 @@
 
 #include "bundled/CheckChoice.h"
 #include "report/MessageLine.h"
+#include "settings/EngineList.h"
 #include "settings/SettingsMap.h"
 
 #include <string>
@@ -11,9 +12,6 @@
 namespace Orvanta {
 
 enum class UnitLanguage { C, Cpp };
-
-/// The engines that can look at a unit.
-enum class EngineKind { Cppcheck, Clang };
 
 /// What a run of the core is in an analysis across units.
 enum class IntermodularStage {

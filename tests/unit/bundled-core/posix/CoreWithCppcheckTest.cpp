@@ -83,7 +83,7 @@ TEST_F(CoreWithCppcheck, TellsWhatStandsBehindItAndWhatIsMissing) {
         return end.standardOutput;
     };
     const std::string one = ask("echo Cppcheck 9.1\n");
-    EXPECT_THAT(one, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\nIt runs Cppcheck 9.1\n"
+    EXPECT_THAT(one, testing::MatchesRegex("Cppcheck 9\\.1, .*/fake/cppcheck, [0-9]+\nIt can run Cppcheck 9.1\n"
                                            "clang-tidy is not installed and finds nothing: install the package "
                                            "\"clang-tidy\"\n"));
     EXPECT_NE(ask("echo Cppcheck 9.1 # built anew\n"), one);
