@@ -12,7 +12,7 @@ set(ORVANTA_ROOMS
     "src/cache report settings platform"
     "src/analysis cache history buildinput compilers report settings platform"
     "src/app analysis cache history render suppress buildinput compilers report settings platform"
-    "cores/cppcheck report settings platform")
+    "cores/bundled report settings platform")
 
 # orvanta_link_room(TARGET FOLDER)
 # Links a target to the rooms that the code of its folder may include.
