@@ -1,7 +1,9 @@
 #include "bundled/AnalyzerInformation.h"
 
-#include "platform/Exceptions.h"
+#include "bundled/XmlTags.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace Orvanta {
@@ -13,52 +15,8 @@ constexpr std::string_view CheckElement = "FileInfo";
 // It needs the whole program, which a build's units need not be.
 constexpr std::string_view LeftOutCheck = "CheckUnusedFunctions";
 
-// A small reader of tags is enough: Cppcheck writes its facts without comments, processing instructions and text, and a
-// general reader would not give back an element as the text that it was, which the linking needs.
-
-/// A tag, with its place in the text.
-struct Tag {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    std::string_view text; ///< between "<" and ">"
-
-    // From the second character on: a closing tag begins with the slash that ends other names.
-    [[nodiscard]] std::string_view Name() const { return text.substr(0, text.find_first_of(" \t\r\n/", 1)); }
-
-    [[nodiscard]] bool Closes() const { return text.starts_with('/'); }
-
-    [[nodiscard]] bool IsWhole() const { return text.ends_with('/'); }
-
-    [[nodiscard]] bool HasAttributes() const { return text.find('=') != std::string_view::npos; }
-};
-
-// A kill of Cppcheck and a full disk leave such a file.
-[[noreturn]] void FailCutShort() {
-    throw ZelmException("the analyzer information that Cppcheck wrote is cut short");
-}
-
-// The first tag from `position` on. A quoted value may hold anything.
-Tag NextTag(std::string_view xml, std::size_t position) {
-    Tag tag;
-    tag.begin = xml.find('<', position);
-    if (tag.begin == std::string_view::npos) {
-        FailCutShort();
-    }
-    bool isQuoted = false;
-    for (tag.end = tag.begin + 1; tag.end < xml.size(); ++tag.end) {
-        if (xml[tag.end] == '"') {
-            isQuoted = !isQuoted;
-        } else if (xml[tag.end] == '>' && !isQuoted) {
-            tag.text = xml.substr(tag.begin + 1, tag.end - tag.begin - 1);
-            ++tag.end;
-            return tag;
-        }
-    }
-    FailCutShort();
-}
-
 // Where the element that `tag` opens ends.
-std::size_t EndOfElement(std::string_view xml, const Tag& tag) {
+std::size_t EndOfElement(std::string_view xml, const XmlTag& tag) {
     if (tag.IsWhole()) {
         return tag.end;
     }
@@ -93,7 +51,7 @@ void AddFact(std::vector<FactGroup>& groups, const FactGroup& place, std::string
 // `begin` is behind the tag that opens the check's element; returns where the element ends.
 std::size_t ReadCheck(std::string_view xml, std::size_t begin, FactGroup place, std::vector<FactGroup>& groups) {
     for (;;) {
-        const Tag tag = NextTag(xml, begin);
+        const XmlTag tag = NextTag(xml, begin);
         begin = tag.end;
         if (tag.Closes()) {
             // The check's own end; otherwise that of the element around some facts.
@@ -115,7 +73,7 @@ std::size_t ReadCheck(std::string_view xml, std::size_t begin, FactGroup place, 
 std::vector<FactGroup> ReadAnalyzerInformation(std::string_view xml) {
     std::vector<FactGroup> groups;
     for (std::size_t position = 0;;) {
-        const Tag tag = NextTag(xml, position);
+        const XmlTag tag = NextTag(xml, position);
         position = tag.end;
         // The end of the file; what stands behind it is nothing of ours.
         if (tag.text == "/analyzerinfo") {
@@ -154,6 +112,16 @@ std::vector<std::string_view> FilesOfFact(std::string_view fact) {
     std::vector<std::string_view> files;
     ForEachValue(fact, "file", [&](std::string_view value) { files.push_back(value); });
     return files;
+}
+
+std::vector<std::string_view> FunctionsOfFact(std::string_view fact) {
+    std::vector<std::string_view> ids;
+    for (const std::string_view name : {"call-id", "my-id"}) {
+        ForEachValue(fact, name, [&](std::string_view value) { ids.push_back(value); });
+    }
+    std::sort(ids.begin(), ids.end(),
+              [](std::string_view left, std::string_view right) { return std::less<>()(left.data(), right.data()); });
+    return ids;
 }
 
 } // namespace Orvanta

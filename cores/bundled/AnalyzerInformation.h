@@ -27,4 +27,7 @@ void AppendFactGroup(std::string& xml, const FactGroup& group);
 /// The names of the files that a fact stands in; views into `fact`.
 [[nodiscard]] std::vector<std::string_view> FilesOfFact(std::string_view fact);
 
+/// The ids of the functions that a fact is about, in their order; views into `fact`.
+[[nodiscard]] std::vector<std::string_view> FunctionsOfFact(std::string_view fact);
+
 } // namespace Orvanta

@@ -130,6 +130,8 @@ Arguments CppcheckCollectCommand(const std::string& program, const UnitSettings&
     // The same words as for an analysis alone: findings of one can stand for those of the other.
     Arguments command = CppcheckCommand(program, unit, textName);
     command.emplace_back(BuildFolder);
+    // Who calls what, by name.
+    command.emplace_back("--dump");
     return command;
 }
 

@@ -33,10 +33,6 @@ public:
     [[nodiscard]] CppcheckOutput Run();
 
 private:
-    struct FingerprintHash {
-        std::size_t operator()(const Fingerprint& value) const noexcept { return static_cast<std::size_t>(value.low); }
-    };
-
     // Puts the facts of `part_` into the folder as those of one more file.
     void WritePart();
 

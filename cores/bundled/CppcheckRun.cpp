@@ -107,6 +107,9 @@ CppcheckCollection CollectWithCppcheck(const UnitSettings& unit, std::string_vie
     collection.output = RunCppcheckCommand(CppcheckCollectCommand(program, unit, textName), folder.Path());
     // By the name that Cppcheck gives to what it tells of the first file of its name.
     collection.analyzerInformation = ReadWholeFile(JoinPath(folder.Path(), "unit.a1"));
+    if (const std::string dump = JoinPath(folder.Path(), textName + ".dump"); PathExists(dump)) {
+        collection.dump = ReadWholeFile(dump);
+    }
     DropRepeated(collection.output.findings);
     return collection;
 }

@@ -31,6 +31,7 @@ namespace Orvanta {
 struct CppcheckCollection {
     CppcheckOutput output;           ///< the same as RunCppcheck's
     std::string analyzerInformation; ///< what AnalyzerInformation reads
+    std::string dump;                ///< what CppcheckDump reads; empty when there is none
 };
 
 /// RunCppcheck, and what it leaves for the whole-program step. That passes through a folder beside the preprocessed

@@ -2,6 +2,7 @@
 
 #include "bundled/CppcheckLink.h"
 #include "bundled/FileAlias.h"
+#include "bundled/FunctionLinks.h"
 #include "bundled/MergedFindings.h"
 #include "bundled/ReportWriter.h"
 #include "bundled/ScopedFolder.h"
@@ -78,16 +79,23 @@ private:
 std::string LinkUnits(const LinkSettings& settings) {
     const std::vector<std::string> unitPaths = ReadList(settings.listPath);
     const ScopedFolder folder(settings.workFolder);
-    std::optional<CppcheckLink> link; // only for units that Cppcheck has looked at
     FactFiles factFiles;
+    FunctionLinks functions;
+    // One unit after the other, so that no more than one is in memory.
     for (std::uint32_t unit = 0; unit < unitPaths.size(); ++unit) {
         const UnitInformation information = ReadUnitInformation(unitPaths[unit]);
-        // One unit after the other, so that no more than one is in memory.
         factFiles.Add(unit, information.files);
+        functions.Add(information.functions);
+    }
+    std::optional<CppcheckLink> link; // only for units that Cppcheck has looked at
+    // Once more: which functions are one shows only when all are known.
+    for (const std::string& path : unitPaths) {
+        UnitInformation information = ReadUnitInformation(path);
         if (!information.facts.empty()) {
             if (!link) {
                 link.emplace(folder.Path());
             }
+            functions.Rename(information.facts);
             link->Add(information.facts);
         }
     }

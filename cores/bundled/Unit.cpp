@@ -1,8 +1,12 @@
 #include "bundled/Unit.h"
 
+#include "bundled/AnalyzerInformation.h"
+#include "bundled/CppcheckDump.h"
 #include "bundled/CppcheckRun.h"
 #include "bundled/Engine.h"
+#include "bundled/FunctionNames.h"
 #include "bundled/MarkedText.h"
+#include "bundled/MemberCalls.h"
 #include "bundled/MergedFindings.h"
 #include "bundled/Misra.h"
 #include "bundled/ReportWriter.h"
@@ -160,6 +164,20 @@ UnitText ReadUnitText(const UnitSettings& unit, const std::string& currentDirect
     return text;
 }
 
+// What Cppcheck tells for its whole-program step, and what it leaves out of it.
+void AddFacts(UnitInformation& information, const CppcheckCollection& collection) {
+    information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
+    // Another version of Cppcheck may leave none: then functions are what one header declares.
+    if (collection.dump.empty()) {
+        return;
+    }
+    const CppcheckDump dump(collection.dump);
+    if (FactGroup calls = MemberCallFacts(dump); !calls.facts.empty()) {
+        information.facts.push_back(std::move(calls));
+    }
+    information.functions = NameFunctions(dump, information.facts);
+}
+
 } // namespace
 
 UnitWords AnalyzeUnit(const UnitSettings& unit, const std::string& currentDirectory) {
@@ -197,7 +215,7 @@ UnitWords CollectFacts(const UnitSettings& unit, const std::string& currentDirec
         if (engine->Kind() == EngineKind::Cppcheck && ReasonNotToRun(unit, text.cut.text).empty()) {
             CppcheckCollection collection = CollectWithCppcheck(unit, text.cut.text);
             std::string reason = ReasonNotRead(collection.output.findings, text.cut.files);
-            information.facts = ReadAnalyzerInformation(collection.analyzerInformation);
+            AddFacts(information, collection);
             results.Add(*engine, {std::move(collection.output.findings), std::move(collection.output.otherText),
                                   std::move(reason)});
         } else {

@@ -13,7 +13,7 @@ namespace Orvanta {
 namespace {
 
 // Its number is to be raised with each change of the order below.
-constexpr std::string_view Kind = "orvanta-cppcheck-unit 2";
+constexpr std::string_view Kind = "orvanta-cppcheck-unit 3";
 
 // The number of entries goes first, so that no entry has to mark the end.
 void AppendList(std::string& text, std::span<const std::string> list) {
@@ -69,6 +69,12 @@ void WriteUnitInformation(const std::string& path, const UnitInformation& unit) 
         AppendField(text, group.kind);
         AppendList(text, group.facts);
     }
+    AppendNumber(text, unit.functions.size());
+    for (const NamedFunction& function : unit.functions) {
+        AppendField(text, function.place);
+        AppendField(text, function.name);
+        AppendField(text, function.definition);
+    }
     AppendNumber(text, unit.analysis.low);
     AppendNumber(text, unit.analysis.high);
     AppendList(text, unit.findings);
@@ -86,6 +92,13 @@ UnitInformation ReadUnitInformation(const std::string& path) {
         group.kind = reader.Next();
         group.facts = ReadList(reader);
         unit.facts.push_back(std::move(group));
+    }
+    for (std::uint64_t left = reader.NextNumber(); left > 0; --left) {
+        NamedFunction function;
+        function.place = reader.Next();
+        function.name = reader.Next();
+        function.definition = reader.Next();
+        unit.functions.push_back(std::move(function));
     }
     unit.analysis.low = reader.NextNumber();
     unit.analysis.high = reader.NextNumber();

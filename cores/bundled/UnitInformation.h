@@ -1,6 +1,7 @@
 #pragma once
 
 #include "bundled/AnalyzerInformation.h"
+#include "bundled/FunctionNames.h"
 #include "bundled/MarkedText.h"
 #include "platform/Fingerprint.h"
 
@@ -12,11 +13,12 @@ namespace Orvanta {
 
 /// What the collecting stage leaves of a unit.
 struct UnitInformation {
-    std::vector<std::string> files;    ///< those that the facts stand in
-    std::vector<FactGroup> facts;      ///< naming files by their aliases
-    Fingerprint analysis;              ///< what the findings depend on
-    std::vector<std::string> findings; ///< of the unit by itself, as JSON lines
-    std::string tallies;               ///< of the same analysis
+    std::vector<std::string> files;       ///< those that the facts stand in
+    std::vector<FactGroup> facts;         ///< naming files by their aliases
+    std::vector<NamedFunction> functions; ///< those of the facts that have a name for other units
+    Fingerprint analysis;                 ///< what the findings depend on
+    std::vector<std::string> findings;    ///< of the unit by itself, as JSON lines
+    std::string tallies;                  ///< of the same analysis
 
     bool operator==(const UnitInformation&) const = default;
 };

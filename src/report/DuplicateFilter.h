@@ -17,12 +17,7 @@ public:
     bool Accept(const ReportMessage& message) override;
 
 private:
-    // A fingerprint's bits are spread already: half of them are a hash.
-    struct FingerprintHash {
-        std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
-    };
-
-    std::unordered_set<Orvanta::Fingerprint, FingerprintHash> seen_;
+    std::unordered_set<Orvanta::Fingerprint, Orvanta::FingerprintHash> seen_;
 };
 
 } // namespace OrvlogConverter

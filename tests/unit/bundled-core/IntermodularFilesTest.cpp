@@ -50,6 +50,7 @@ TEST(UnitInformationFile, ComesBackAsItWasWritten) {
     UnitInformation unit;
     unit.facts = {group, other};
     unit.files = FilesOfFacts(unit.facts, files);
+    unit.functions = {{"f1.h:2:3", "S::set(int*)", "f2.cpp:4:5"}, {"f1.h:6:7", "get", ""}};
     unit.analysis = {7, ~std::uint64_t{0}};
     unit.findings = {"{}", ""};
     unit.tallies = "<}tally{>a\tb\n";
