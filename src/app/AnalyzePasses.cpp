@@ -114,7 +114,7 @@ bool AnalyzePasses::Keep() {
     // After the failures of earlier passes are in: a unit that failed in one is to run again.
     const bool isSaved = history_->Save(outcome);
     // Last, and only of a run without fault: what is marked may be left as it is by the next one.
-    if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands)) {
+    if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands.skipped)) {
         history_->MarkReport();
     }
     return isSaved;
