@@ -1,6 +1,7 @@
 #include "app/AnalyzeOptions.h"
 
 #include "app/OutputCheck.h"
+#include "app/ShardOptions.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -75,6 +76,9 @@ const OptionRow VisibleOptions[] = {
      nullptr, nullptr, &A::failOn},
     {0, "stats", "FILE", "Write what became of every file, and what it took, into FILE, one JSON object a line",
      nullptr, nullptr, &A::stats},
+    {0, "shard", "K/N", "Analyze part K of N of the files and write it for 'merge'", nullptr, nullptr, &A::shard},
+    {0, "costs", "FILE", "With --shard: what --stats has written, by which all parts take about as long", nullptr,
+     nullptr, &A::costs},
     {'f', "file", "FILE", "Use trace output or compile commands database FILE", "compile_commands.json",
      "'compile_commands.json', 'strace_out'", &A::inputFile},
     {'S', "source-files", "FILE",
@@ -335,8 +339,8 @@ std::string BuildInputOf(const AnalyzeOptions& options) {
 }
 
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
-    return {BuildInputOf(options), options.settingsFile,   options.sourceList, options.suppressFile,
-            options.sourceFile,    options.dependencyFile, options.rulesConfig};
+    return {BuildInputOf(options), options.settingsFile,   options.sourceList,  options.suppressFile,
+            options.sourceFile,    options.dependencyFile, options.rulesConfig, options.costs};
 }
 
 std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
@@ -432,6 +436,13 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
+void RequireUsableStats(const AnalyzeOptions& options) {
+    RefuseEmpty(options.stats, "--stats");
+    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
+    }
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
@@ -444,7 +455,6 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RequireKnownEngines(options.engines);
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
-    RefuseEmpty(options.stats, "--stats");
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
     RefuseEmpty(options.cachePlace, "--cache");
@@ -474,6 +484,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
+    ValidateShardOptions(options);
     if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
         throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
     }
@@ -486,9 +497,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(MaxMemoryOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
-    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
-        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
-    }
+    RequireUsableStats(options);
     for (const std::optional<std::string>& output :
          {options.outputFile, options.dumpJson, options.dumpLog, options.stats}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));

@@ -3,10 +3,12 @@
 #include "platform/Fingerprint.h"
 #include "report/IOutput.h"
 
-#include <cstddef>
 #include <unordered_set>
 
 namespace OrvlogConverter {
+
+/// Of all fields of a message.
+[[nodiscard]] Orvanta::Fingerprint FingerprintOf(const ReportMessage& message);
 
 /// Drops every message that equals an earlier one in all fields, such as a finding in a header that many units include.
 /// Keeps a fingerprint of 128 bits per message, not the message.
