@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """http_test.py DRIVER FAKE_CORE FAKE_COMPILER [EMULATOR...]: a cache on servers that work and on those that don't.
 
-Runs the driver with the stand-ins of the end-to-end tests, those of Windows by the emulator, against nginx, as WebDAV set up for PUT, and against a server
-of our own that is slow, fails, lies, cuts its answers short, or wants a token.
+Runs the driver with the stand-ins of the end-to-end tests, those of Windows by the emulator, against nginx, as WebDAV
+set up for PUT, and against a server of our own that is slow, fails, lies, cuts its answers short, or wants a token.
 """
 import http.server
 import os
