@@ -106,7 +106,8 @@ void AnalyzeRun::Run() {
     }
     if (const std::optional<Shard> shard = ShardOf(input_.options)) {
         // From here on the others are no part of the run.
-        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt));
+        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt),
+                                 RootMark(SourceTreeRoot(input_.settings)));
     }
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
