@@ -1,5 +1,6 @@
 #include "app/AnalyzeOptions.h"
 
+#include "app/LauncherOption.h"
 #include "app/OutputCheck.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -101,6 +102,12 @@ const OptionRow VisibleOptions[] = {
     {0, "max-memory", "SIZE",
      "Analyze no more files at once than fit into SIZE bytes; K, M and G behind the number count", nullptr, nullptr,
      &A::maxMemory},
+    {0, "launcher", "WORDS",
+     "Have each compiler and core started by the program that WORDS begin with, such as 'srun -n1 --exclusive'; needs "
+     "--shared",
+     nullptr, nullptr, &A::launcher},
+    {0, "shared", "DIR", "Folder that all machines of a run see under this path; holds the files of --launcher",
+     nullptr, nullptr, &A::shared},
     {0, "bundle", "DIR",
      "Write what lets a file that fails be analyzed again elsewhere, without project and compiler, into a folder in "
      "DIR",
@@ -266,6 +273,13 @@ std::optional<std::chrono::seconds> SecondsOf(const std::optional<std::string>& 
                             "\", expected a number of 1 or more seconds");
     }
     return std::chrono::seconds(*seconds);
+}
+
+// For a folder that is made where there is none.
+void RefuseOtherThanFolder(const std::optional<std::string>& path, const char* option) {
+    if (path && LookAt(*path).IsThere() && !IsDirectory(*path)) {
+        throw ZelmException(std::string("Wrong value of ") + option + ": \"" + *path + "\", expected a folder");
+    }
 }
 
 // Two options that ask for different runs.
@@ -435,6 +449,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
     RefuseEmpty(options.cachePlace, "--cache");
+    RefuseEmpty(options.shared, "--shared");
     RequireExisting(options.cacheTokenFile, "Token file doesn't exist: ");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
@@ -461,8 +476,15 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
-    if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
-        throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
+    // What is measured here is the launcher.
+    RefuseTogether(options.launcher.has_value(), options.maxMemory.has_value(), "--launcher and --max-memory");
+    RefuseOtherThanFolder(options.bundle, "--bundle");
+    RefuseOtherThanFolder(options.shared, "--shared");
+    if (options.launcher && !options.shared) {
+        throw ZelmException("--launcher needs --shared, a folder that all machines see under the same path");
+    }
+    if (options.shared && !options.launcher) {
+        throw ZelmException("--shared needs --launcher");
     }
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
@@ -471,6 +493,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(LimitsOf(options));
     static_cast<void>(CacheSizeOf(options));
     static_cast<void>(MaxMemoryOf(options));
+    static_cast<void>(LauncherOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
     if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {

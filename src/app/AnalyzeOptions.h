@@ -87,6 +87,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> timeout;    ///< seconds
     std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
     std::optional<std::string> maxMemory;  ///< likewise
+    std::optional<std::string> launcher;   ///< a command string
+    std::optional<std::string> shared;     ///< a folder
     std::optional<std::string> bundle;     ///< a folder
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;

@@ -38,6 +38,16 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     return {options, std::move(settings), threads, std::move(reportPath)};
 }
 
+// What a launcher starts must see the files that it is told of.
+TemporaryFolder MakeTemporaryFolder(const AnalyzeOptions& options) {
+    if (!options.launcher) {
+        return TemporaryFolder();
+    }
+    const std::string shared = AbsolutePath(*options.shared);
+    MakeFolders(shared);
+    return TemporaryFolder(shared);
+}
+
 bool IsOnTerminal() {
     return MessageColumns().has_value();
 }
@@ -62,7 +72,8 @@ RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
-    : input_(InputOf(options)), outputFolder_(OutputFolderOf(input_.reportPath)),
+    : input_(InputOf(options)), registry_(input_.settings.childLauncher),
+      outputFolder_(OutputFolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
       shown_(FindingsToShow(options), GateOf(options)), progress_(LinesOf(options), log_) {}
 
@@ -126,7 +137,7 @@ int AnalyzeRun::Analyze() {
         statistics.emplace(AbsolutePath(*input_.options.stats));
     }
     // Inside the locks: what goes at the end goes before another run may begin.
-    const TemporaryFolder temporaryFolder;
+    const TemporaryFolder temporaryFolder = MakeTemporaryFolder(input_.options);
     const CoreLocation core = FindCore();
     RunPlaces places = MakePlaces(core.path, temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
@@ -134,6 +145,9 @@ int AnalyzeRun::Analyze() {
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     cache_ = MakeResultCache(input_.settings, places);
     places.cache = cache_.get();
+    if (!input_.settings.childLauncher.empty()) {
+        log_.VerboseLine("Compilers and the core are started by: " + CommandLineText(input_.settings.childLauncher));
+    }
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder(), StatusOf(input_.options), log_);
     std::optional<ReplayBundles> bundles;
@@ -210,7 +224,7 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string&
 }
 
 std::string AnalyzeRun::VersionOf(const CoreLocation& core, const std::string& folder) {
-    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_);
+    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_, input_.settings.childLauncher);
     // Another core may not know the question. Ours does, and fails when its engine is missing: then every unit would,
     // but not a mere listing of what they include.
     const bool isListingOnly = RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis;

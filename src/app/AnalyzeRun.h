@@ -77,8 +77,8 @@ private:
 
     const Clock::time_point start_ = Clock::now();
     const StopFlag& stop_ = ProcessStopFlag();
-    const CompilerRegistry registry_;
     AnalyzeInput input_;
+    const CompilerRegistry registry_;
     std::string outputFolder_; // of the report, or the current one
     Log log_;
     ShownFindings shown_;

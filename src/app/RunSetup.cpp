@@ -1,5 +1,6 @@
 #include "app/RunSetup.h"
 
+#include "app/LauncherOption.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
 #include "cache/ResultStore.h"
@@ -114,6 +115,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         throw ZelmException("--cache-readonly, --cache-size and --cache-token-file need --cache");
     }
     settings.maxMemory = MaxMemoryOf(options);
+    settings.childLauncher = LauncherOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
