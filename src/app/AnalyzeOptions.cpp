@@ -1,7 +1,8 @@
 #include "app/AnalyzeOptions.h"
 
-#include "app/LauncherOption.h"
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
+#include "app/ShardOptions.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -75,6 +76,9 @@ const OptionRow VisibleOptions[] = {
      nullptr, nullptr, &A::failOn},
     {0, "stats", "FILE", "Write what became of every file, and what it took, into FILE, one JSON object a line",
      nullptr, nullptr, &A::stats},
+    {0, "shard", "K/N", "Analyze part K of N of the files and write it for 'merge'", nullptr, nullptr, &A::shard},
+    {0, "costs", "FILE", "With --shard: what --stats has written, by which all parts take about as long", nullptr,
+     nullptr, &A::costs},
     {'f', "file", "FILE", "Use trace output or compile commands database FILE", "compile_commands.json",
      "'compile_commands.json', 'strace_out'", &A::inputFile},
     {'S', "source-files", "FILE",
@@ -346,8 +350,8 @@ std::string BuildInputOf(const AnalyzeOptions& options) {
 }
 
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
-    return {BuildInputOf(options), options.settingsFile,   options.sourceList, options.suppressFile,
-            options.sourceFile,    options.dependencyFile, options.rulesConfig};
+    return {BuildInputOf(options), options.settingsFile,   options.sourceList,  options.suppressFile,
+            options.sourceFile,    options.dependencyFile, options.rulesConfig, options.costs};
 }
 
 std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
@@ -476,16 +480,10 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
-    // What is measured here is the launcher.
-    RefuseTogether(options.launcher.has_value(), options.maxMemory.has_value(), "--launcher and --max-memory");
+    ValidateShardOptions(options);
+    ValidateLauncherOptions(options);
     RefuseOtherThanFolder(options.bundle, "--bundle");
     RefuseOtherThanFolder(options.shared, "--shared");
-    if (options.launcher && !options.shared) {
-        throw ZelmException("--launcher needs --shared, a folder that all machines see under the same path");
-    }
-    if (options.shared && !options.launcher) {
-        throw ZelmException("--shared needs --launcher");
-    }
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(ProgressFormOf(options));
@@ -493,7 +491,6 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(LimitsOf(options));
     static_cast<void>(CacheSizeOf(options));
     static_cast<void>(MaxMemoryOf(options));
-    static_cast<void>(LauncherOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
     if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {

@@ -44,6 +44,9 @@ inline constexpr const char* FindSettingsFile = "auto";
 /// The name of a compilation database where nothing names another.
 inline constexpr const char* DefaultInput = "compile_commands.json";
 
+/// The name of a shard's part where nothing names another.
+inline constexpr const char* DefaultPart = "report.orvpart";
+
 /// Those options of `analyze` that the help leaves out.
 struct HiddenAnalyzeOptions {
     std::vector<std::string> includeDirectories;
@@ -72,6 +75,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> show;
     std::optional<std::string> failOn;
     std::optional<std::string> stats;
+    std::optional<std::string> shard; ///< "K/N"
+    std::optional<std::string> costs;
     std::optional<std::string> inputFile;
     std::optional<std::string> sourceList;
     bool allowEmpty = false;

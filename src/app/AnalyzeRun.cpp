@@ -5,7 +5,6 @@
 #include "analysis/CoreVersion.h"
 #include "analysis/ReplayBundles.h"
 #include "analysis/RunSummary.h"
-#include "analysis/RunTimes.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
@@ -13,6 +12,8 @@
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/RunStatistics.h"
+#include "app/RunTeller.h"
+#include "app/ShardOptions.h"
 #include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -61,6 +62,21 @@ StdOutProgress::Display LinesOf(const AnalyzeOptions& options) {
                                                                              : StdOutProgress::Display::Shown;
 }
 
+// The line that says what the run was not to look at; empty when that was nothing.
+std::string ShardLine(const std::optional<ShardSelection>& selection) {
+    return !selection ? ""
+                      : "Shard " + ShardText(selection->shard) + ": " +
+                            std::to_string(selection->allUnits - selection->units.size()) + " of " +
+                            std::to_string(selection->allUnits) + " source files are those of other shards\n";
+}
+
+// A shard may have no units, or none that is not left out: whether anything was analyzed is known when all are merged,
+// and so is what became of the invocations that gave no unit.
+int ShardResult(const RunOutcome& outcome) {
+    const int code = CombinedResult(outcome);
+    return code == 1 && outcome.failures.empty() ? 0 : code;
+}
+
 RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
     if (options.quiet || !IsOnTerminal()) {
         return RunMonitor::Display::Nothing;
@@ -99,6 +115,10 @@ void AnalyzeRun::Run() {
         End({});
         throw ZelmException("No source file to analyze");
     }
+    if (const std::optional<Shard> shard = ShardOf(input_.options)) {
+        // From here on the others are no part of the run.
+        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt));
+    }
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
     }
@@ -112,6 +132,9 @@ void AnalyzeRun::ReadInputs() {
     }
     if (options.suppressFile) { // before the work of which a broken base would take the report
         input_.base = OrvlogConverter::SuppressBase::Read(*options.suppressFile);
+    }
+    if (options.costs) { // likewise
+        input_.prices.emplace(*options.costs);
     }
     input_.listedFiles = ReadListedFiles(options, log_);
     input_.commands = ReadInput(options, input_.settings, registry_, log_, stop_);
@@ -171,7 +194,7 @@ int AnalyzeRun::Analyze() {
     End(passes.Ending(), monitor.Costs());
     try {
         if (statistics) {
-            statistics->Write(input_.commands, passes.Ending().outcome, monitor.Costs());
+            statistics->Write(CollectedInput(input_.commands), passes.Ending().outcome, monitor.Costs());
         }
     } catch (...) {
         failure = failure ? failure : std::current_exception(); // what ended the passes is told first
@@ -187,8 +210,11 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (ending.selectsNothing && input_.options.allowEmpty) {
         return 0;
     }
+    if (input_.shard) {
+        return ShardResult(ending.outcome);
+    }
     const int code = CombinedResult(ending.outcome);
-    if (code != 0 || HasFailedInvocation(input_.commands)) {
+    if (code != 0 || HasFailedInvocation(input_.commands.skipped)) {
         // An invocation that gave no unit is source code that nobody looked at.
         return code == 0 ? 1 : code;
     }
@@ -250,29 +276,20 @@ CoreLocation AnalyzeRun::FindCore() {
 }
 
 void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs) {
-    const CollectedCommands& commands = input_.commands;
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
+    const CollectedInput input(input_.commands);
+    const RunTeller teller(input_.options, input, shown_, log_);
     // Ahead of the summary, which stays in sight when there are many.
-    TellFailures(outcome);
+    teller.TellFailures(outcome);
     if (ending.summary.empty()) {
-        const InvocationCounts counts = CountInvocations(commands, outcome);
-        // An empty report would look like clean code.
-        if (counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
-            log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
-            if (outcome.inSystemFolders > 0) {
-                log_.Line(std::to_string(outcome.inSystemFolders) +
-                          " files lie inside the folders of -isystem and the like: --analyze-specified-system-paths "
-                          "has them analyzed.");
-            }
-        }
-        log_.Text(ModulesText(commands, outcome));
-        log_.Text(TalliesText(outcome.tallies));
-        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath) + HitsText(cache_.get()));
+        teller.TellNotes(outcome);
+        progress_.Finish(SummaryText(input, outcome, elapsed, ending.reportPath) + ShardLine(input_.shard) +
+                         HitsText(cache_.get()));
     } else {
         progress_.Finish(ending.summary);
     }
-    TellTimes(costs);
+    teller.TellTimes(costs);
     if (cache_ && !cache_->Fault().empty()) {
         log_.Line("Warning: the cache of results did not work: " + cache_->Fault());
     }
@@ -280,44 +297,7 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
         log_.Line(ending.lastLine);
     }
     if (!ending.reportPath.empty()) {
-        ShowFindings();
-    }
-}
-
-void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
-    const std::string text = TimesText(input_.commands.units, costs);
-    if (text.empty()) {
-        return;
-    }
-    if (IsOnTerminal() && !input_.options.quiet) {
-        log_.Text(text);
-    } else {
-        log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end
-    }
-}
-
-// Who reads the log file or wants all lines gets each by name.
-void AnalyzeRun::TellFailures(const RunOutcome& outcome) {
-    const std::string whole = FailureList(input_.commands, outcome, FailureForm::Whole);
-    if (input_.options.verbose || whole.empty()) {
-        log_.Text(whole);
-        return;
-    }
-    const std::string grouped = FailureList(input_.commands, outcome, FailureForm::Grouped);
-    log_.Text(grouped);
-    if (grouped != whole) {
-        log_.VerboseLine(whole);
-    }
-}
-
-// Findings that went to standard output have been seen.
-void AnalyzeRun::ShowFindings() {
-    // Who asks for findings with --show gets them, however quiet the rest is.
-    if (!input_.options.quiet || input_.options.show) {
-        log_.Text(shown_.Text(ShowsColours() ? ShownFindings::Colours::Yes : ShownFindings::Colours::No));
-    }
-    if (shown_.GateMatches() > 0) {
-        log_.Line("Findings that stop the build: " + std::to_string(shown_.GateMatches()));
+        teller.ShowFindings();
     }
 }
 

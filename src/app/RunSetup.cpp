@@ -1,6 +1,6 @@
 #include "app/RunSetup.h"
 
-#include "app/LauncherOption.h"
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
 #include "cache/ResultStore.h"
@@ -157,6 +157,11 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (options.shard) { // what the settings name is where the report of all is to go
+        std::string path = AbsolutePath(options.outputFile.value_or(DefaultPart));
+        RequireNoInput(path, NamedInputs(options));
+        return path;
+    }
     if (options.outputFile) {
         if (options.outputFile->empty()) {
             // As an unset variable of a script gives it: the findings must not go to standard output instead.

@@ -1,4 +1,4 @@
-#include "app/LauncherOption.h"
+#include "app/LauncherOptions.h"
 
 #include "buildinput/CommandStringSplitter.h"
 #include "platform/Exceptions.h"
@@ -30,6 +30,20 @@ Arguments LauncherOf(const AnalyzeOptions& options) {
     }
     program = AbsolutePath(path);
     return words;
+}
+
+void ValidateLauncherOptions(const AnalyzeOptions& options) {
+    if (!options.launcher) {
+        return;
+    }
+    if (!options.shared) {
+        throw ZelmException("--launcher needs --shared, a folder that all machines see under the same path");
+    }
+    if (options.maxMemory) {
+        throw ZelmException("Flags --launcher and --max-memory cannot be used together",
+                            "What is measured here is the launcher");
+    }
+    static_cast<void>(LauncherOf(options)); // for its errors only
 }
 
 } // namespace Orvanta

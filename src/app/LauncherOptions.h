@@ -10,4 +10,8 @@ namespace Orvanta {
 /// \throws ZelmException for words that can't be split, and for a program that can't be started
 [[nodiscard]] Arguments LauncherOf(const AnalyzeOptions& options);
 
+/// Checks what the options say of a launcher, before any work.
+/// \throws ZelmException for the first fault found
+void ValidateLauncherOptions(const AnalyzeOptions& options);
+
 } // namespace Orvanta
