@@ -202,11 +202,11 @@ InvocationCounts CountInvocations(const ToldInput& input, const RunOutcome& outc
     return counts;
 }
 
-std::string SummaryText(const ToldInput& input, const RunOutcome& outcome, std::chrono::milliseconds elapsed,
-                        const std::string& reportPath) {
+std::string SummaryText(std::string_view done, const ToldInput& input, const RunOutcome& outcome,
+                        std::chrono::milliseconds elapsed, const std::string& reportPath) {
     const InvocationCounts counts = CountInvocations(input, outcome);
     const InvocationCounts units = CountUnits(outcome);
-    std::string text = "Analysis finished in " + ElapsedText(elapsed) + "\n";
+    std::string text = std::string(done) + " in " + ElapsedText(elapsed) + "\n";
     text += "Compiler invocations: " + std::to_string(counts.Total()) + " (" + CountsText(counts) + ")\n";
     // Only where some invocation compiles several sources do the two counts differ.
     if (units.Total() + input.Skipped().size() != counts.Total()) {

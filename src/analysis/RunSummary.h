@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace Orvanta {
 
@@ -34,9 +35,10 @@ struct InvocationCounts {
 /// A time as "H:MM:SS.T".
 [[nodiscard]] std::string ElapsedText(std::chrono::milliseconds elapsed);
 
-/// The lines that end a run: its time, what became of the invocations, the findings, and where the report is
+/// The lines that end a run: what it did (`done`) and in what time, what became of the invocations, the findings, and
+/// where the report is
 /// (`reportPath`, empty for standard output).
-[[nodiscard]] std::string SummaryText(const ToldInput& input, const RunOutcome& outcome,
+[[nodiscard]] std::string SummaryText(std::string_view done, const ToldInput& input, const RunOutcome& outcome,
                                       std::chrono::milliseconds elapsed, const std::string& reportPath);
 
 /// The line that says how many units import modules, and names the first; empty when none does.

@@ -439,6 +439,13 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
+void RequireUsableStats(const AnalyzeOptions& options) {
+    RefuseEmpty(options.stats, "--stats");
+    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
+    }
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
@@ -449,7 +456,6 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.rulesConfig, "--rules-config");
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
-    RefuseEmpty(options.stats, "--stats");
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
     RefuseEmpty(options.cachePlace, "--cache");
@@ -493,9 +499,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(MaxMemoryOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
-    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
-        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
-    }
+    RequireUsableStats(options);
     for (const std::optional<std::string>& output :
          {options.outputFile, options.dumpJson, options.dumpLog, options.stats}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));

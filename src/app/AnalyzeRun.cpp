@@ -213,12 +213,7 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (input_.shard) {
         return ShardResult(ending.outcome);
     }
-    const int code = CombinedResult(ending.outcome);
-    if (code != 0 || HasFailedInvocation(input_.commands.skipped)) {
-        // An invocation that gave no unit is source code that nobody looked at.
-        return code == 0 ? 1 : code;
-    }
-    return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
+    return RunResult(ending.outcome, CollectedInput(input_.commands), shown_);
 }
 
 RunLocks AnalyzeRun::TakeLocks() {
@@ -284,8 +279,8 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
     teller.TellFailures(outcome);
     if (ending.summary.empty()) {
         teller.TellNotes(outcome);
-        progress_.Finish(SummaryText(input, outcome, elapsed, ending.reportPath) + ShardLine(input_.shard) +
-                         HitsText(cache_.get()));
+        progress_.Finish(SummaryText("Analysis finished", input, outcome, elapsed, ending.reportPath) +
+                         ShardLine(input_.shard) + HitsText(cache_.get()));
     } else {
         progress_.Finish(ending.summary);
     }

@@ -43,4 +43,9 @@ inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-fo
 [[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath,
                                                                         const RunSettings& settings);
 
+/// The same for a report whose findings are all known: it takes its place in `End`, and until then an earlier one
+/// stands there. Commits write nothing.
+[[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenWholeReport(const std::string& reportPath,
+                                                                             const RunSettings& settings);
+
 } // namespace Orvanta

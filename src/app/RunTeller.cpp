@@ -3,6 +3,7 @@
 #include "analysis/CoreTallies.h"
 #include "analysis/RunSummary.h"
 #include "analysis/RunTimes.h"
+#include "app/InputReading.h"
 #include "platform/Console.h"
 
 #include <string>
@@ -60,6 +61,15 @@ void RunTeller::ShowFindings() const {
     if (shown_.GateMatches() > 0) {
         log_.Line("Findings that stop the build: " + std::to_string(shown_.GateMatches()));
     }
+}
+
+int RunResult(const RunOutcome& outcome, const ToldInput& input, const ShownFindings& shown) {
+    const int code = CombinedResult(outcome);
+    if (code != 0 || HasFailedInvocation(input.Skipped())) {
+        // An invocation that gave no unit is source code that nobody looked at.
+        return code == 0 ? 1 : code;
+    }
+    return shown.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
 }
 
 } // namespace Orvanta

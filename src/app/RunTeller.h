@@ -37,4 +37,7 @@ private:
     Log& log_;
 };
 
+/// The exit code that an outcome stands for: what became of the units and invocations first, then the gate.
+[[nodiscard]] int RunResult(const RunOutcome& outcome, const ToldInput& input, const ShownFindings& shown);
+
 } // namespace Orvanta

@@ -46,8 +46,8 @@ RunOutcome SomeOutcome() {
 }
 
 TEST(RunSummary, CountsEachInvocationOnceAndShowsTimeFindingsAndReport) {
-    EXPECT_EQ(SummaryText(CollectedInput(SomeCommands()), SomeOutcome(), std::chrono::milliseconds(3725300),
-                          "/p/report.json"),
+    EXPECT_EQ(SummaryText("Analysis finished", CollectedInput(SomeCommands()), SomeOutcome(),
+                          std::chrono::milliseconds(3725300), "/p/report.json"),
               "Analysis finished in 1:02:05.3\n"
               "Compiler invocations: 7 (2 analyzed, 2 failed, 2 skipped, 1 excluded)\n"
               "Source files of them: 5 (3 analyzed, 1 failed, 0 skipped, 1 excluded)\n"
