@@ -3,6 +3,7 @@
 #include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
+#include "app/StageOptions.h"
 #include "cache/ResultStore.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -187,6 +188,9 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (!MakesReport(options)) {
+        return "";
+    }
     if (options.shard) { // what the settings name is where the report of all is to go
         std::string path = AbsolutePath(options.outputFile.value_or(DefaultPart));
         RequireNoInput(path, NamedInputs(options));
