@@ -8,6 +8,7 @@
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/EngineList.h"
 #include "settings/SettingsMap.h"
 
 #include <args.hxx>
@@ -93,6 +94,8 @@ const OptionRow VisibleOptions[] = {
     {'e', "exclude-path", "PATH", "Directory whose files are not necessary to check", nullptr, nullptr,
      &A::excludePaths},
     {'a', "analysis-mode", "MODE", AnalysisModeHelp, "GA", nullptr, &A::analysisMode},
+    {0, "engines", "NAMES", "Engines of the bundled core that look at the files, joined by ','", "those installed",
+     "'cppcheck', 'clang'", &A::engines},
     {'r', "sourcetree-root", "DIR", "Replace absolute paths in report with relative paths", nullptr, nullptr,
      &A::sourceTreeRoot},
     {'p', "preprocessor", "NAME", "Preprocessor (gcc or clang)", "<auto-detected>", nullptr, &A::preprocessor},
@@ -364,6 +367,14 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
     return *count;
 }
 
+void RequireKnownEngines(const std::optional<std::string>& engines) {
+    try {
+        static_cast<void>(ParseEngineList(engines.value_or("")));
+    } catch (const ZelmException& error) {
+        throw ZelmException(std::string("Wrong value of --engines: ") + error.what());
+    }
+}
+
 std::uint64_t RequireByteCount(const std::string& text, const std::string& option) {
     const std::optional<std::uint64_t> bytes = ByteCount(text);
     if (!bytes) {
@@ -424,6 +435,8 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.includeDirectories, "--include-dir");
     RefuseEmpty(options.sourceTreeRoot, "--sourcetree-root");
     RefuseEmpty(options.rulesConfig, "--rules-config");
+    RefuseEmpty(options.engines, "--engines");
+    RequireKnownEngines(options.engines);
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
     RefuseEmpty(options.bundle, "--bundle");

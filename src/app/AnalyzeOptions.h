@@ -85,6 +85,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::vector<std::string> environment; ///< "VAR=VALUE"
     std::vector<std::string> excludePaths;
     std::optional<std::string> analysisMode;
+    std::optional<std::string> engines; ///< as ParseEngineList reads them
     std::optional<std::string> sourceTreeRoot;
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;

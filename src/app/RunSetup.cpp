@@ -73,6 +73,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     }
     OverrideIfGiven(settings, "preprocessor", options.preprocessor);
     OverrideIfGiven(settings, "platform", options.platform);
+    OverrideIfGiven(settings, "engines", options.engines);
     if (options.rulesConfig) {
         OverrideSetting(settings, "rules-config", AbsolutePath(*options.rulesConfig));
     }
