@@ -210,7 +210,7 @@ constexpr CheckRow Rows[] = {
     {"clang-diagnostic-logical-not-parentheses", 2, General, On, 0},
     {"clang-diagnostic-logical-op-parentheses", 2, General, AsWritten, 783},
     {"clang-diagnostic-memset-transposed-args", 1, General, On, 0},
-    {"clang-diagnostic-misleading-indentation", 2, General, AsWritten, 0},
+    {"clang-diagnostic-misleading-indentation", 2, General, BlockAsWritten, 0},
     {"clang-diagnostic-mismatched-new-delete", 1, General, On, 762},
     {"clang-diagnostic-non-pod-varargs", 1, General, On, 0},
     {"clang-diagnostic-nonnull", 1, General, On, 476},
