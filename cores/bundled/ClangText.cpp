@@ -118,8 +118,8 @@ private:
     }
 
     void AddLine(std::string_view line, const TextLine& place) {
+        lines_.push_back({place.file, place.line, text_.size()});
         text_.append(line) += '\n';
-        lines_.push_back(place);
     }
 
     std::string text_;
@@ -131,6 +131,11 @@ private:
 
 TextLine ClangText::PlaceOf(std::size_t line) const {
     return line == 0 || line > lines.size() || lines[line - 1].line == 0 ? TextLine{0, 1} : lines[line - 1];
+}
+
+std::string_view ClangText::From(std::size_t line, std::size_t column) const {
+    const std::size_t begin = line == 0 || line > lines.size() || column == 0 ? text.size() : lines[line - 1].begin;
+    return std::string_view(text).substr(std::min(begin + column - 1, text.size()));
 }
 
 ClangText MakeClangText(std::string_view text, const std::string& sourcePath, const std::string& currentDirectory) {

@@ -106,6 +106,16 @@ TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
                                        testing::Pair(9, "[a] text"), testing::Pair(9, "[b] text")));
 }
 
+TEST(ReportMessages, OfOneCheckHaveTheLevelOfWhatItTells) {
+    std::vector<Finding> findings = {Found({Source, 3}, "", "clang-analyzer-unix.Malloc"),
+                                     Found({Source, 4}, "", "clang-analyzer-unix.Malloc")};
+    findings[0].message = "Attempt to free released memory";
+    findings[1].message = "Potential leak of memory pointed to by 'p'";
+    EXPECT_THAT(Summaries(findings),
+                ElementsAre("/p/u.cpp:3 1 [clang-analyzer-unix.Malloc] Attempt to free released memory",
+                            "/p/u.cpp:4 2 [clang-analyzer-unix.Malloc] Potential leak of memory pointed to by 'p'"));
+}
+
 // The second line is what a macro has made of the source's.
 TEST(ReportMessages, AreThoseThatTheUserHasChosen) {
     const TestFolder folder;
