@@ -25,8 +25,9 @@ constexpr MakerRow MakerRows[] = {
     {&PartMakers::base, "the suppress file"},
 };
 
+// With what they are, where that is known of both and tells them apart.
 std::string Differing(const std::string& what, const std::string& one, const std::string& other) {
-    return one == other ? what : what + " (" + other + " and " + one + ")";
+    return one == other || one.empty() || other.empty() ? what : what + " (" + other + " and " + one + ")";
 }
 
 // "5, 9, 12".

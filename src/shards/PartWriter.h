@@ -59,8 +59,6 @@ private:
     void WriteFront(PartBlockWriter& file) const;
     // Writes a part in which each unit was stopped.
     void WriteUnfinished() const;
-    // Writes the entries gathered so far, when they are worth a block or the part ends.
-    void WriteEntries(std::size_t atLeast);
 
     std::string path_;
     PartHead head_;
