@@ -315,6 +315,7 @@ void AnalyzePasses::Collect(const Pass& pass, const Actions& actions, PercentRan
     committer.TellTo(part.get());
     CollectedResults results(committer);
     Go(pass, actions, percents, results, ending_.outcome);
+    stage.folder.NoteUnits(stage.selection.shard);
     part->End();
     const auto& statuses = ending_.outcome.statuses;
     const auto count = std::count(statuses.begin(), statuses.end(), AnalyzerStatus::Analyzed);

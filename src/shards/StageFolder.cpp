@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 constexpr const char* CollectedName = "collected";
 constexpr const char* PartName = "part.orvpart";
 constexpr const char* LinkedName = "of-collected";
+constexpr const char* CountName = "count";
 constexpr const char* UnitExtension = ".Orvanta.dfo";
 
 std::vector<std::string> EntriesOf(const std::string& folder) {
@@ -30,6 +31,16 @@ std::vector<std::string> EntriesOf(const std::string& folder) {
         paths.push_back(JoinPath(folder, PathText(entry->path().filename())));
     }
     return paths;
+}
+
+std::vector<std::string> UnitFilesIn(const std::string& folder) {
+    std::vector<std::string> files = EntriesOf(folder);
+    std::erase_if(files, [](const std::string& path) { return !path.ends_with(UnitExtension); });
+    return files;
+}
+
+std::string CountIn(const std::string& folder) {
+    return std::to_string(UnitFilesIn(folder).size()) + "\n";
 }
 
 // A part tells all but what a run of the same shard that ends alike would tell as well, down to the times it took.
@@ -78,11 +89,16 @@ std::string StageFolder::MergedFile() const {
 }
 
 void StageFolder::ForgetUnits(const Shard& shard) const {
-    for (const std::string& path : EntriesOf(FolderOf(shard))) {
-        if (path.ends_with(UnitExtension)) {
-            RemoveFile(path);
-        }
+    for (const std::string& path : UnitFilesIn(FolderOf(shard))) {
+        RemoveFile(path);
     }
+}
+
+void StageFolder::NoteUnits(const Shard& shard) const {
+    const std::string folder = FolderOf(shard);
+    AtomicFile file(JoinPath(folder, CountName), AtomicFile::Durability::Synced);
+    file.Append(CountIn(folder));
+    file.Commit();
 }
 
 std::vector<std::string> StageFolder::ListParts() const {
@@ -111,6 +127,13 @@ CollectedUnits StageFolder::ReadCollected(const PartMakers& makers) const {
     }
     if (const std::string gaps = parts.Gaps(); !gaps.empty()) {
         throw ZelmException("Not all is collected in " + path_ + ":\n" + gaps.substr(0, gaps.size() - 1), Advice);
+    }
+    for (const std::string& path : paths) {
+        const std::string folder(DirectoryOf(path));
+        if (const std::string count = JoinPath(folder, CountName);
+            !PathExists(count) || ReadWholeFile(count) != CountIn(folder)) {
+            throw ZelmException("Not all that was collected can be seen in " + folder, Advice);
+        }
     }
     collected.shards = parts.Head().shard.count;
     for (std::size_t unit = 0; unit < parts.UnitCount(); ++unit) {

@@ -5,6 +5,7 @@
 //
 //     collected/2-of-3/part.orvpart       a part without findings: which units, of what run, and how each ended
 //     collected/2-of-3/17.Orvanta.dfo     what the core has collected of unit 17 of the input
+//     collected/2-of-3/count              how many of these there are
 //     linked/intermodular-merged-info.Orvanta.dfo
 //     linked/of-collected                 the fingerprint of the parts that were linked
 //
@@ -55,8 +56,13 @@ public:
     /// Removes what an earlier run has collected of the shard's units.
     void ForgetUnits(const Shard& shard) const;
 
+    /// All that the core leaves of the shard's units is there. A machine that doesn't see it yet must not link the
+    /// rest. \throws FileException
+    void NoteUnits(const Shard& shard) const;
+
     /// Reads the parts of all shards. \throws ZelmException that says which shards are missing or have not come to
-    /// their end, which parts are not of one run, or in what they differ from this run of `makers`
+    /// their end, which parts are not of one run, in what they differ from this run of `makers`, or where files of
+    /// units are gone
     [[nodiscard]] CollectedUnits ReadCollected(const PartMakers& makers) const;
 
     /// Nothing counts as linked from here on.

@@ -3,6 +3,7 @@
 
 #include "e2e/support/InterruptibleRun.h"
 #include "e2e/support/SandboxTest.h"
+#include "platform/Files.h"
 
 namespace Orvanta {
 
@@ -75,9 +76,16 @@ TEST_F(IntermodularStagesTest, LinkingNamesWhatIsMissingOrOfAnotherRun) {
     EXPECT_TRUE(Stage("link", {"-I", "elsewhere"}).Says("is not of this run: it differs in the settings"));
     EXPECT_EQ(Stage("link").exitCode, 0);
 
-    EXPECT_EQ(Stage("collect", {"--shard", "2/3"}).exitCode, 0);
+    EXPECT_EQ(Stage("collect", {"-I", "elsewhere"}).exitCode, 0);
+    RemoveFile(sandbox.Path("shared/collected/1-of-2/part.orvpart"));
+    RemoveFile(sandbox.Path("shared/collected/2-of-2/part.orvpart"));
+    RemoveFile(sandbox.Path("shared/collected/1-of-1/2.Orvanta.dfo"));
+    const RunResult incomplete = Stage("link", {"-I", "elsewhere"});
+    EXPECT_TRUE(incomplete.Says("Not all that was collected can be seen in ")) << incomplete;
+
+    EXPECT_EQ(Stage("collect", {"--shard", "2/3", "-I", "elsewhere"}).exitCode, 0);
     const RunResult cutAnew = Stage("link");
-    EXPECT_TRUE(cutAnew.Says("differ in the shards (1/2 and 2/3)\nRemove the folders of those")) << cutAnew;
+    EXPECT_TRUE(cutAnew.Says("differ in the shards (1/1 and 2/3)\nRemove the folders of those")) << cutAnew;
     sandbox.AddUnit("c.c");
     EXPECT_EQ(Stage("collect", {"--shard", "2/3"}).exitCode, 0);
     EXPECT_TRUE(Stage("link").Says("differ in the build description"));

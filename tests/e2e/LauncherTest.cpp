@@ -32,8 +32,7 @@ protected:
         std::vector<std::string> starts;
         std::istringstream lines(sandbox.Read("launched.txt"));
         for (std::string line; std::getline(lines, line);) {
-            std::string rest = line;
-            const std::string program(FileNameOf(rest.substr(0, rest.find(' '))));
+            const std::string program(FileNameOf(line.substr(0, line.find(' '))));
             for (const char* const word : {" --version", " -dumpmachine", "__std_test__", " -E ", " --skip-analysis",
                                            "Intermodular", " --cfg "}) {
                 if (line.find(word) != std::string::npos) {

@@ -154,6 +154,12 @@ TEST_F(BundledCoreTest, FindsFaultsThatCrossFilesOnlyWithItsStages) {
         EXPECT_EQ(findings[index].line, expected[index].first);
         EXPECT_TRUE(findings[index].message.starts_with(expected[index].second)) << findings[index];
     }
+    for (const char* const stage : {"collect", "link", "perform"}) {
+        const RunResult one =
+            sandbox.Run({"analyze", "--intermodular-stage", stage, "--shared", "shared", "-o", "staged.json"});
+        EXPECT_EQ(one.exitCode, 0) << one;
+    }
+    EXPECT_EQ(sandbox.Read("staged.json"), sandbox.Read("report.json"));
 }
 
 TEST_F(BundledCoreTest, ListsTheDependenciesOfAnIncrementalRun) {
