@@ -4,6 +4,7 @@
 #include "buildinput/BuildInput.h"
 #include "buildinput/SourceList.h"
 #include "settings/RunSettings.h"
+#include "shards/UnitPartition.h"
 #include "suppress/SuppressBase.h"
 
 #include <optional>
@@ -20,7 +21,9 @@ struct AnalyzeInput {
     std::string reportPath;                                 ///< empty: the findings go to standard output
     std::optional<OrvlogConverter::SuppressBase> base = {}; ///< of --suppress-file
     std::optional<std::vector<ListedFile>> listedFiles = {};
-    CollectedCommands commands = {};
+    CollectedCommands commands = {};          ///< of a shard: its own units, and all that gave none
+    std::optional<UnitPrices> prices = {};    ///< of --costs, until the shard is chosen
+    std::optional<ShardSelection> shard = {}; ///< of --shard
 };
 
 /// Whether the run needs to know what earlier runs have learned, or is to keep it for later ones.

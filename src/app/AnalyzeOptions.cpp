@@ -1,6 +1,7 @@
 #include "app/AnalyzeOptions.h"
 
 #include "app/OutputCheck.h"
+#include "app/ShardOptions.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
@@ -74,6 +75,9 @@ const OptionRow VisibleOptions[] = {
      nullptr, nullptr, &A::failOn},
     {0, "stats", "FILE", "Write what became of every file, and what it took, into FILE, one JSON object a line",
      nullptr, nullptr, &A::stats},
+    {0, "shard", "K/N", "Analyze part K of N of the files and write it for 'merge'", nullptr, nullptr, &A::shard},
+    {0, "costs", "FILE", "With --shard: what --stats has written, by which all parts take about as long", nullptr,
+     nullptr, &A::costs},
     {'f', "file", "FILE", "Use trace output or compile commands database FILE", "compile_commands.json",
      "'compile_commands.json', 'strace_out'", &A::inputFile},
     {'S', "source-files", "FILE",
@@ -332,8 +336,8 @@ std::string BuildInputOf(const AnalyzeOptions& options) {
 }
 
 std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& options) {
-    return {BuildInputOf(options), options.settingsFile,   options.sourceList, options.suppressFile,
-            options.sourceFile,    options.dependencyFile, options.rulesConfig};
+    return {BuildInputOf(options), options.settingsFile,   options.sourceList,  options.suppressFile,
+            options.sourceFile,    options.dependencyFile, options.rulesConfig, options.costs};
 }
 
 std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
@@ -461,6 +465,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseTogether(options.resume, options.regenerateDependInfo.has_value(), "--resume and --regenerate-depend-info");
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
+    ValidateShardOptions(options);
     if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
         throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
     }

@@ -72,6 +72,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> show;
     std::optional<std::string> failOn;
     std::optional<std::string> stats;
+    std::optional<std::string> shard; ///< "K/N"
+    std::optional<std::string> costs;
     std::optional<std::string> inputFile;
     std::optional<std::string> sourceList;
     bool allowEmpty = false;

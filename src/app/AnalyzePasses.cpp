@@ -266,6 +266,10 @@ void AnalyzePasses::ReportByHistory(const Pass& pass, const Actions& actions, Pe
 // What became of the units is known also when the pass ends in an error.
 void AnalyzePasses::Go(const Pass& pass, const Actions& actions, PercentRange percents, ResultReceiver& receiver,
                        RunOutcome& outcome) {
+    if (units_.empty()) { // of a shard that has none
+        outcome = receiver.Outcome();
+        return;
+    }
     std::vector<PlacedCommand> commands;
     commands.reserve(units_.size());
     for (const std::size_t unit : monitor_.BeginPass(pass.work, actions)) {

@@ -13,6 +13,7 @@
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/RunStatistics.h"
+#include "app/ShardOptions.h"
 #include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -49,6 +50,21 @@ StdOutProgress::Display LinesOf(const AnalyzeOptions& options) {
     }
     return ProgressFormOf(options) == ProgressForm::Status && IsOnTerminal() ? StdOutProgress::Display::SummaryOnly
                                                                              : StdOutProgress::Display::Shown;
+}
+
+// The line that says what the run was not to look at; empty when that was nothing.
+std::string ShardLine(const std::optional<ShardSelection>& selection) {
+    return !selection ? ""
+                      : "Shard " + ShardText(selection->shard) + ": " +
+                            std::to_string(selection->allUnits - selection->units.size()) + " of " +
+                            std::to_string(selection->allUnits) + " source files are those of other shards\n";
+}
+
+// A shard may have no units, or none that is not left out: whether anything was analyzed is known when all are merged,
+// and so is what became of the invocations that gave no unit.
+int ShardResult(const RunOutcome& outcome) {
+    const int code = CombinedResult(outcome);
+    return code == 1 && outcome.failures.empty() ? 0 : code;
 }
 
 RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
@@ -88,6 +104,10 @@ void AnalyzeRun::Run() {
         End({});
         throw ZelmException("No source file to analyze");
     }
+    if (const std::optional<Shard> shard = ShardOf(input_.options)) {
+        // From here on the others are no part of the run.
+        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt));
+    }
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
     }
@@ -101,6 +121,9 @@ void AnalyzeRun::ReadInputs() {
     }
     if (options.suppressFile) { // before the work of which a broken base would take the report
         input_.base = OrvlogConverter::SuppressBase::Read(*options.suppressFile);
+    }
+    if (options.costs) { // likewise
+        input_.prices.emplace(*options.costs);
     }
     input_.listedFiles = ReadListedFiles(options, log_);
     input_.commands = ReadInput(options, input_.settings, registry_, log_, stop_);
@@ -173,6 +196,9 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (ending.selectsNothing && input_.options.allowEmpty) {
         return 0;
     }
+    if (input_.shard) {
+        return ShardResult(ending.outcome);
+    }
     const int code = CombinedResult(ending.outcome);
     if (code != 0 || HasFailedInvocation(input_.commands)) {
         // An invocation that gave no unit is source code that nobody looked at.
@@ -244,7 +270,7 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
     if (ending.summary.empty()) {
         const InvocationCounts counts = CountInvocations(commands, outcome);
         // An empty report would look like clean code.
-        if (counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
+        if (!input_.shard && counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
             log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
             if (outcome.inSystemFolders > 0) {
                 log_.Line(std::to_string(outcome.inSystemFolders) +
@@ -254,7 +280,8 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
         }
         log_.Text(ModulesText(commands, outcome));
         log_.Text(TalliesText(outcome.tallies));
-        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath) + HitsText(cache_.get()));
+        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath) + ShardLine(input_.shard) +
+                         HitsText(cache_.get()));
     } else {
         progress_.Finish(ending.summary);
     }

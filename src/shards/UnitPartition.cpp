@@ -1,0 +1,112 @@
+#include "shards/UnitPartition.h"
+
+#include "history/UnitCosts.h"
+
+#include <algorithm>
+#include <numeric>
+#include <queue>
+#include <string>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+namespace Orvanta {
+
+namespace {
+
+/// What a shard has to do so far.
+struct Load {
+    std::uint64_t price = 0;
+    std::uint32_t shard = 0; // from 1
+
+    // Of equal ones the first has more room.
+    friend bool operator>(const Load& left, const Load& right) {
+        return std::tie(left.price, left.shard) > std::tie(right.price, right.shard);
+    }
+};
+
+std::uint64_t MedianOf(std::vector<std::uint64_t> prices) {
+    const auto middle = prices.begin() + static_cast<std::ptrdiff_t>(prices.size() / 2);
+    std::nth_element(prices.begin(), middle, prices.end());
+    return middle == prices.end() ? 0 : *middle;
+}
+
+// At least 1 each, so that units which take nothing are spread as well.
+std::vector<std::uint64_t> PricesOf(std::span<const CompileCommand> units, const UnitPrices& prices) {
+    std::vector<std::optional<std::uint64_t>> found;
+    found.reserve(units.size());
+    std::vector<std::uint64_t> known;
+    std::unordered_map<std::string, std::size_t> occurrences; // by source
+    for (const CompileCommand& unit : units) {
+        const std::string source = SourcePath(unit);
+        found.push_back(prices.Find(source, occurrences[source]++));
+        if (found.back()) {
+            known.push_back(*found.back());
+        }
+    }
+    const std::uint64_t median = MedianOf(std::move(known));
+    std::vector<std::uint64_t> whole(units.size());
+    std::transform(found.begin(), found.end(), whole.begin(), [median](const std::optional<std::uint64_t>& price) {
+        return std::max<std::uint64_t>(price.value_or(median), 1);
+    });
+    return whole;
+}
+
+Fingerprint FingerprintOf(const UnitPartition& partition, std::uint32_t count) {
+    FingerprintBuilder builder;
+    builder.Add(count);
+    for (const std::uint32_t shard : partition) {
+        builder.Add(shard);
+    }
+    return builder.Value();
+}
+
+} // namespace
+
+UnitPartition PartitionByHash(std::span<const CompileCommand> units, std::uint32_t count) {
+    UnitPartition partition;
+    partition.reserve(units.size());
+    for (const CompileCommand& unit : units) {
+        const CostKey key = CostKeyOf(unit);
+        const Fingerprint hash = FingerprintBuilder().Add(key.source).Add(key.arguments).Value();
+        partition.push_back(static_cast<std::uint32_t>(hash.low % count) + 1);
+    }
+    return partition;
+}
+
+UnitPartition PartitionByPrice(std::span<const CompileCommand> units, std::uint32_t count, const UnitPrices& prices) {
+    const std::vector<std::uint64_t> priceOf = PricesOf(units, prices);
+    std::vector<std::size_t> longestFirst(units.size());
+    std::iota(longestFirst.begin(), longestFirst.end(), std::size_t{0});
+    std::stable_sort(longestFirst.begin(), longestFirst.end(),
+                     [&priceOf](std::size_t left, std::size_t right) { return priceOf[left] > priceOf[right]; });
+    std::priority_queue<Load, std::vector<Load>, std::greater<>> loads;
+    for (std::uint32_t shard = 1; shard <= count; ++shard) {
+        loads.push({0, shard});
+    }
+    UnitPartition partition(units.size());
+    for (const std::size_t unit : longestFirst) {
+        const Load least = loads.top();
+        loads.pop();
+        partition[unit] = least.shard;
+        loads.push({least.price + priceOf[unit], least.shard});
+    }
+    return partition;
+}
+
+ShardSelection KeepShard(CollectedCommands& commands, const Shard& shard, const std::optional<UnitPrices>& prices) {
+    const UnitPartition partition =
+        prices ? PartitionByPrice(commands.units, shard.count, *prices) : PartitionByHash(commands.units, shard.count);
+    ShardSelection selection = {shard, {}, commands.units.size(), FingerprintOf(partition, shard.count)};
+    std::vector<CompileCommand> own;
+    for (std::size_t unit = 0; unit < partition.size(); ++unit) {
+        if (partition[unit] == shard.number) {
+            selection.units.push_back(unit);
+            own.push_back(std::move(commands.units[unit]));
+        }
+    }
+    commands.units = std::move(own);
+    return selection;
+}
+
+} // namespace Orvanta
