@@ -80,6 +80,9 @@ void ReportCommitter::CommitUnit(Locked lock, std::size_t unit, UnitResult& resu
     for (const OrvlogConverter::ReportMessage& message : result.ownFindings) {
         PassOn(lock, message);
     }
+    if (listener_ != nullptr) {
+        listener_->UnitCommitted(unit, result);
+    }
     outcome_.Settle(unit, result);
     ++next_;
     // A unit that was analyzed cost time, so its findings are put on disk at once; they can be lost by a kill.

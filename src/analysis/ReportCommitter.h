@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/CommitListener.h"
 #include "analysis/RunOutcome.h"
 #include "analysis/UnitResult.h"
 #include "report/DuplicateFilter.h"
@@ -30,6 +31,9 @@ public:
     /// The output itself is the chain.
     explicit ReportCommitter(std::size_t units, OrvlogConverter::ReportOutput& output, KeptFindings keptFindings = {})
         : ReportCommitter(units, output, output, std::move(keptFindings)) {}
+
+    /// Who hears of each unit; null for nobody. Before the first commit; outlives the committer.
+    void TellTo(CommitListener* listener) noexcept { listener_ = listener; }
 
     /// Commits every unit whose turn has come. Findings that can't be read, or a report that can't be written, make the
     /// unit a failed one.
@@ -62,6 +66,7 @@ private:
     OrvlogConverter::ReportOutput& output_;           // guarded by mutex_
     OrvlogConverter::DuplicateFilter chain_;          // guarded by mutex_
     KeptFindings keptFindings_;                       // guarded by mutex_
+    CommitListener* listener_ = nullptr;              // called under mutex_, which keeps the order
     std::map<std::size_t, UnitResult> waiting_;       // guarded by mutex_
     std::size_t next_ = 0;                            // guarded by mutex_
     std::size_t published_ = 0;                       // guarded by mutex_; units whose findings are on disk

@@ -1,7 +1,5 @@
 #include "analysis/RunSummary.h"
 
-#include "buildinput/CompileCommand.h"
-
 #include <algorithm>
 #include <array>
 #include <iomanip>
@@ -70,11 +68,11 @@ std::string CountsText(const InvocationCounts& counts) {
 }
 
 // One line with the reasons and how many each; empty when nothing was skipped.
-std::string SkippedText(const CollectedCommands& commands, const InvocationCounts& counts) {
+std::string SkippedText(const ToldInput& input, const InvocationCounts& counts) {
     std::map<std::string_view, std::size_t> byReason;
     // What remains of them when those with a reason of their own are taken off.
     std::size_t notListed = counts.skipped;
-    for (const SkippedInvocation& skipped : commands.skipped) {
+    for (const SkippedInvocation& skipped : input.Skipped()) {
         if (!IsFailure(skipped.fate)) {
             ++byReason[skipped.reason];
             --notListed;
@@ -187,16 +185,16 @@ bool IsFailure(InvocationFate fate) noexcept {
     return fate == InvocationFate::CompilerUnusable || fate == InvocationFate::Unreadable;
 }
 
-InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome) {
+InvocationCounts CountInvocations(const ToldInput& input, const RunOutcome& outcome) {
     InvocationCounts counts;
-    for (const SkippedInvocation& skipped : commands.skipped) {
+    for (const SkippedInvocation& skipped : input.Skipped()) {
         ++(IsFailure(skipped.fate) ? counts.failed : counts.skipped);
     }
     // The units of one invocation stand next to each other.
-    for (std::size_t unit = 0; unit < commands.units.size();) {
-        const std::size_t invocation = commands.units[unit].invocation;
+    for (std::size_t unit = 0; unit < input.UnitCount();) {
+        const std::size_t invocation = input.InvocationOf(unit);
         std::size_t weight = 0;
-        for (; unit < commands.units.size() && commands.units[unit].invocation == invocation; ++unit) {
+        for (; unit < input.UnitCount() && input.InvocationOf(unit) == invocation; ++unit) {
             weight = std::max(weight, WeightOf(outcome.statuses[unit]));
         }
         ++(counts.*CountsByWeight[weight]);
@@ -204,17 +202,17 @@ InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOu
     return counts;
 }
 
-std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome, std::chrono::milliseconds elapsed,
-                        const std::string& reportPath) {
-    const InvocationCounts counts = CountInvocations(commands, outcome);
+std::string SummaryText(std::string_view done, const ToldInput& input, const RunOutcome& outcome,
+                        std::chrono::milliseconds elapsed, const std::string& reportPath) {
+    const InvocationCounts counts = CountInvocations(input, outcome);
     const InvocationCounts units = CountUnits(outcome);
-    std::string text = "Analysis finished in " + ElapsedText(elapsed) + "\n";
+    std::string text = std::string(done) + " in " + ElapsedText(elapsed) + "\n";
     text += "Compiler invocations: " + std::to_string(counts.Total()) + " (" + CountsText(counts) + ")\n";
     // Only where some invocation compiles several sources do the two counts differ.
-    if (units.Total() + commands.skipped.size() != counts.Total()) {
+    if (units.Total() + input.Skipped().size() != counts.Total()) {
         text += "Source files of them: " + std::to_string(units.Total()) + " (" + CountsText(units) + ")\n";
     }
-    text += SkippedText(commands, counts);
+    text += SkippedText(input, counts);
     // Its findings were not counted: zeros would be wrong.
     if (!outcome.isReportKept) {
         text += FindingsText(outcome);
@@ -225,18 +223,18 @@ std::string SummaryText(const CollectedCommands& commands, const RunOutcome& out
     return text;
 }
 
-std::string ModulesText(const CollectedCommands& commands, const RunOutcome& outcome) {
+std::string ModulesText(const ToldInput& input, const RunOutcome& outcome) {
     const std::set<std::size_t>& units = outcome.importingModules;
     if (units.empty()) {
         return "";
     }
     return "Source files that import modules: " + std::to_string(units.size()) + ", the first is " +
-           SourcePath(commands.units[*units.begin()]) + ". What modules export is not known to the core.\n";
+           input.SourceOf(*units.begin()) + ". What modules export is not known to the core.\n";
 }
 
-std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome, FailureForm form) {
+std::string FailureList(const ToldInput& input, const RunOutcome& outcome, FailureForm form) {
     FailureGroups invocations("invocations");
-    for (const SkippedInvocation& skipped : commands.skipped) {
+    for (const SkippedInvocation& skipped : input.Skipped()) {
         if (IsFailure(skipped.fate)) {
             invocations.Add("invocation " + std::to_string(skipped.invocation) + " (" + skipped.what + ")",
                             skipped.reason);
@@ -244,7 +242,7 @@ std::string FailureList(const CollectedCommands& commands, const RunOutcome& out
     }
     FailureGroups files("files");
     for (const auto& [unit, reason] : outcome.failures) {
-        files.Add(SourcePath(commands.units[unit]), reason);
+        files.Add(input.SourceOf(unit), reason);
     }
     const std::string text = invocations.Text(form) + files.Text(form);
     return text.empty() ? text : "These could not be analyzed:\n" + text;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "analysis/RunOutcome.h"
-#include "buildinput/BuildInput.h"
+#include "analysis/ToldInput.h"
 
 #include <chrono>
 #include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace Orvanta {
 
@@ -29,18 +30,19 @@ struct InvocationCounts {
 [[nodiscard]] bool IsFailure(InvocationFate fate) noexcept;
 
 /// Counts invocations; one that compiles several sources counts by its worst unit.
-[[nodiscard]] InvocationCounts CountInvocations(const CollectedCommands& commands, const RunOutcome& outcome);
+[[nodiscard]] InvocationCounts CountInvocations(const ToldInput& input, const RunOutcome& outcome);
 
 /// A time as "H:MM:SS.T".
 [[nodiscard]] std::string ElapsedText(std::chrono::milliseconds elapsed);
 
-/// The lines that end a run: its time, what became of the invocations, the findings, and where the report is
+/// The lines that end a run: what it did (`done`) and in what time, what became of the invocations, the findings, and
+/// where the report is
 /// (`reportPath`, empty for standard output).
-[[nodiscard]] std::string SummaryText(const CollectedCommands& commands, const RunOutcome& outcome,
+[[nodiscard]] std::string SummaryText(std::string_view done, const ToldInput& input, const RunOutcome& outcome,
                                       std::chrono::milliseconds elapsed, const std::string& reportPath);
 
 /// The line that says how many units import modules, and names the first; empty when none does.
-[[nodiscard]] std::string ModulesText(const CollectedCommands& commands, const RunOutcome& outcome);
+[[nodiscard]] std::string ModulesText(const ToldInput& input, const RunOutcome& outcome);
 
 /// How a list of failures tells of many with one reason.
 enum class FailureForm {
@@ -49,6 +51,6 @@ enum class FailureForm {
 };
 
 /// The lines that name the failed units and invocations with their reasons; empty when there is none.
-[[nodiscard]] std::string FailureList(const CollectedCommands& commands, const RunOutcome& outcome, FailureForm form);
+[[nodiscard]] std::string FailureList(const ToldInput& input, const RunOutcome& outcome, FailureForm form);
 
 } // namespace Orvanta

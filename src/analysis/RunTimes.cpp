@@ -33,7 +33,7 @@ std::vector<std::size_t> Slowest(std::span<const UnitCost> costs) {
 
 } // namespace
 
-std::string TimesText(std::span<const CompileCommand> units, std::span<const UnitCost> costs) {
+std::string TimesText(const ToldInput& input, std::span<const UnitCost> costs) {
     UnitCost all;
     for (const UnitCost& cost : costs) {
         all += cost;
@@ -48,7 +48,7 @@ std::string TimesText(std::span<const CompileCommand> units, std::span<const Uni
     text += "Slowest files:\n";
     for (const std::size_t unit : Slowest(costs)) {
         if (costs[unit].Wall().count() > 0) {
-            text += "  " + ElapsedText(Milliseconds(costs[unit].Wall())) + "  " + SourcePath(units[unit]) + "\n";
+            text += "  " + ElapsedText(Milliseconds(costs[unit].Wall())) + "  " + input.SourceOf(unit) + "\n";
         }
     }
     return text;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "buildinput/CompileCommand.h"
+#include "analysis/ToldInput.h"
 #include "history/UnitCost.h"
 
 #include <span>
@@ -10,6 +10,6 @@ namespace Orvanta {
 
 /// The lines that say which units took longest, and how the time is shared between the compiler and the core; `costs`
 /// are those of the units, or none. Empty when nothing was run.
-[[nodiscard]] std::string TimesText(std::span<const CompileCommand> units, std::span<const UnitCost> costs);
+[[nodiscard]] std::string TimesText(const ToldInput& input, std::span<const UnitCost> costs);
 
 } // namespace Orvanta

@@ -84,7 +84,7 @@ void JudgeUnit(UnitPlan& plan, const RunSettings& settings) {
 UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                          Log& log, const StopFlag& stop)
     : settings_(settings), registry_(registry), places_(places), log_(log), probe_(places.temporaryFolder, stop),
-      visualStudio_(log, VisualStudioHost(settings)),
+      platforms_(settings.childLauncher), visualStudio_(log, VisualStudioHost(settings)),
       commonEnvironment_(std::make_shared<EnvironmentBlock>(
           InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
@@ -214,8 +214,9 @@ std::string UnitPlanner::FindStandard(UnitPlan& plan) {
     if (stated) {
         return std::string(StandardWord(*stated, language));
     }
-    ProbedStandard answer = probe_.ProbeLanguageStandard(
-        *plan.model, plan.parsed, language, {plan.Directory(), *plan.environment}, *plan.command->environment);
+    ProbedStandard answer = probe_.ProbeLanguageStandard(*plan.model, plan.parsed, language,
+                                                         {plan.Directory(), *plan.environment, settings_.childLauncher},
+                                                         *plan.command->environment);
     plan.standardOrigin = answer.isTold ? StandardOrigin::Compiler : StandardOrigin::Fallback;
     return std::move(answer.word);
 }

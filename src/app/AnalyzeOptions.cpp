@@ -1,5 +1,6 @@
 #include "app/AnalyzeOptions.h"
 
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ShardOptions.h"
 #include "platform/Exceptions.h"
@@ -105,6 +106,12 @@ const OptionRow VisibleOptions[] = {
     {0, "max-memory", "SIZE",
      "Analyze no more files at once than fit into SIZE bytes; K, M and G behind the number count", nullptr, nullptr,
      &A::maxMemory},
+    {0, "launcher", "WORDS",
+     "Have each compiler and core started by the program that WORDS begin with, such as 'srun -n1 --exclusive'; needs "
+     "--shared",
+     nullptr, nullptr, &A::launcher},
+    {0, "shared", "DIR", "Folder that all machines of a run see under this path; holds the files of --launcher",
+     nullptr, nullptr, &A::shared},
     {0, "bundle", "DIR",
      "Write what lets a file that fails be analyzed again elsewhere, without project and compiler, into a folder in "
      "DIR",
@@ -272,6 +279,13 @@ std::optional<std::chrono::seconds> SecondsOf(const std::optional<std::string>& 
     return std::chrono::seconds(*seconds);
 }
 
+// For a folder that is made where there is none.
+void RefuseOtherThanFolder(const std::optional<std::string>& path, const char* option) {
+    if (path && LookAt(*path).IsThere() && !IsDirectory(*path)) {
+        throw ZelmException(std::string("Wrong value of ") + option + ": \"" + *path + "\", expected a folder");
+    }
+}
+
 // Two options that ask for different runs.
 void RefuseTogether(bool first, bool second, const char* names) {
     if (first && second) {
@@ -425,6 +439,13 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
     return options.failOn ? std::make_optional<OrvlogConverter::FindingGate>(*options.failOn) : std::nullopt;
 }
 
+void RequireUsableStats(const AnalyzeOptions& options) {
+    RefuseEmpty(options.stats, "--stats");
+    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
+    }
+}
+
 void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.excludePaths, "--exclude-path");
     RefuseEmpty(options.analyzeOnly, "--analyze-only");
@@ -435,10 +456,10 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.rulesConfig, "--rules-config");
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
-    RefuseEmpty(options.stats, "--stats");
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
     RefuseEmpty(options.cachePlace, "--cache");
+    RefuseEmpty(options.shared, "--shared");
     RequireExisting(options.cacheTokenFile, "Token file doesn't exist: ");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
@@ -466,9 +487,9 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
     ValidateShardOptions(options);
-    if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
-        throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
-    }
+    ValidateLauncherOptions(options);
+    RefuseOtherThanFolder(options.bundle, "--bundle");
+    RefuseOtherThanFolder(options.shared, "--shared");
     // Asked for their errors only: the run asks again for the values.
     static_cast<void>(RegenerationOf(options));
     static_cast<void>(ProgressFormOf(options));
@@ -478,9 +499,7 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     static_cast<void>(MaxMemoryOf(options));
     static_cast<void>(BundlesOf(options));
     static_cast<void>(GateOf(options));
-    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
-        throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
-    }
+    RequireUsableStats(options);
     for (const std::optional<std::string>& output :
          {options.outputFile, options.dumpJson, options.dumpLog, options.stats}) {
         RequireNoInput(output.value_or(""), NamedInputs(options));

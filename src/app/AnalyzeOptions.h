@@ -44,6 +44,9 @@ inline constexpr const char* FindSettingsFile = "auto";
 /// The name of a compilation database where nothing names another.
 inline constexpr const char* DefaultInput = "compile_commands.json";
 
+/// The name of a shard's part where nothing names another.
+inline constexpr const char* DefaultPart = "report.orvpart";
+
 /// Those options of `analyze` that the help leaves out.
 struct HiddenAnalyzeOptions {
     std::vector<std::string> includeDirectories;
@@ -89,6 +92,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> timeout;    ///< seconds
     std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
     std::optional<std::string> maxMemory;  ///< likewise
+    std::optional<std::string> launcher;   ///< a command string
+    std::optional<std::string> shared;     ///< a folder
     std::optional<std::string> bundle;     ///< a folder
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;
@@ -146,6 +151,10 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// The gate of `--fail-on`; absent when it was not given.
 /// \throws OrvlogConverter::ConfigException
 [[nodiscard]] std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options);
+
+/// Sees that the file of `--stats` is one, and not the report.
+/// \throws ZelmException
+void RequireUsableStats(const AnalyzeOptions& options);
 
 /// Checks what the options say before any work: files that must exist, options that exclude each other, and words that
 /// mean nothing.

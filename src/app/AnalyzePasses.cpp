@@ -7,6 +7,7 @@
 #include "app/FindingChain.h"
 #include "app/InputReading.h"
 #include "app/OpenJournal.h"
+#include "app/OpenPart.h"
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/ShownFindings.h"
@@ -113,7 +114,7 @@ bool AnalyzePasses::Keep() {
     // After the failures of earlier passes are in: a unit that failed in one is to run again.
     const bool isSaved = history_->Save(outcome);
     // Last, and only of a run without fault: what is marked may be left as it is by the next one.
-    if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands)) {
+    if (writesWholeReport_ && CombinedResult(outcome) == 0 && !HasFailedInvocation(input_.commands.skipped)) {
         history_->MarkReport();
     }
     return isSaved;
@@ -233,16 +234,22 @@ void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentR
 
 // A pass whose results make up the report.
 void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
-    const std::unique_ptr<OrvlogConverter::ReportOutput> report = OpenReport(input_.reportPath, input_.settings);
+    const std::unique_ptr<PartWriter> part = OpenPart(input_, places_); // null: the report is written
+    const std::unique_ptr<OrvlogConverter::ReportOutput> report =
+        part ? nullptr : OpenReport(input_.reportPath, input_.settings);
+    OrvlogConverter::ReportOutput& output = part ? *part : *report;
     ending_.reportPath = input_.reportPath;
-    FindingChain chain(*report, input_.base, user_.shown, SourceTreeRoot(input_.settings));
+    // The root leaves the paths when the parts are merged.
+    FindingChain chain(output, input_.base, user_.shown, {part ? "" : SourceTreeRoot(input_.settings)},
+                       part ? &part->HiddenFindings() : nullptr);
     // Committed at once: from the first moment the report holds the notice of an outdated base, if there is one.
     chain.Front().Begin();
-    report->Commit();
+    output.Commit();
     // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
-    ReportCommitter committer(units_.size(), *report, chain.Front(), [this](std::size_t unit) {
+    ReportCommitter committer(units_.size(), output, chain.Front(), [this](std::size_t unit) {
         return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
     });
+    committer.TellTo(part.get());
     if (journal_) {
         JournalWriter writer(*journal_, committer);
         Go(pass, actions, percents, writer, ending_.outcome);

@@ -5,7 +5,6 @@
 #include "analysis/CoreVersion.h"
 #include "analysis/ReplayBundles.h"
 #include "analysis/RunSummary.h"
-#include "analysis/RunTimes.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
 #include "app/OutputCheck.h"
@@ -13,6 +12,7 @@
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/RunStatistics.h"
+#include "app/RunTeller.h"
 #include "app/ShardOptions.h"
 #include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
@@ -37,6 +37,16 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     const unsigned threads = ThreadCount(options);
     std::string reportPath = ReportPath(options, settings);
     return {options, std::move(settings), threads, std::move(reportPath)};
+}
+
+// What a launcher starts must see the files that it is told of.
+TemporaryFolder MakeTemporaryFolder(const AnalyzeOptions& options) {
+    if (!options.launcher) {
+        return TemporaryFolder();
+    }
+    const std::string shared = AbsolutePath(*options.shared);
+    MakeFolders(shared);
+    return TemporaryFolder(shared);
 }
 
 bool IsOnTerminal() {
@@ -78,7 +88,8 @@ RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
-    : input_(InputOf(options)), outputFolder_(OutputFolderOf(input_.reportPath)),
+    : input_(InputOf(options)), registry_(input_.settings.childLauncher),
+      outputFolder_(OutputFolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
       shown_(FindingsToShow(options), GateOf(options)), progress_(LinesOf(options), log_) {}
 
@@ -149,7 +160,7 @@ int AnalyzeRun::Analyze() {
         statistics.emplace(AbsolutePath(*input_.options.stats));
     }
     // Inside the locks: what goes at the end goes before another run may begin.
-    const TemporaryFolder temporaryFolder;
+    const TemporaryFolder temporaryFolder = MakeTemporaryFolder(input_.options);
     const CoreLocation core = FindCore();
     RunPlaces places = MakePlaces(core.path, temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
@@ -157,6 +168,9 @@ int AnalyzeRun::Analyze() {
     log_.VerboseLine("Version of the core: " + places.coreVersion);
     cache_ = MakeResultCache(input_.settings, places);
     places.cache = cache_.get();
+    if (!input_.settings.childLauncher.empty()) {
+        log_.VerboseLine("Compilers and the core are started by: " + CommandLineText(input_.settings.childLauncher));
+    }
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder(), StatusOf(input_.options), log_);
     std::optional<ReplayBundles> bundles;
@@ -180,7 +194,7 @@ int AnalyzeRun::Analyze() {
     End(passes.Ending(), monitor.Costs());
     try {
         if (statistics) {
-            statistics->Write(input_.commands, passes.Ending().outcome, monitor.Costs());
+            statistics->Write(CollectedInput(input_.commands), passes.Ending().outcome, monitor.Costs());
         }
     } catch (...) {
         failure = failure ? failure : std::current_exception(); // what ended the passes is told first
@@ -199,12 +213,7 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (input_.shard) {
         return ShardResult(ending.outcome);
     }
-    const int code = CombinedResult(ending.outcome);
-    if (code != 0 || HasFailedInvocation(input_.commands)) {
-        // An invocation that gave no unit is source code that nobody looked at.
-        return code == 0 ? 1 : code;
-    }
-    return shown_.GateMatches() > 0 ? OrvlogConverter::GateExitCode : 0;
+    return RunResult(ending.outcome, CollectedInput(input_.commands), shown_);
 }
 
 RunLocks AnalyzeRun::TakeLocks() {
@@ -236,7 +245,7 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string&
 }
 
 std::string AnalyzeRun::VersionOf(const CoreLocation& core, const std::string& folder) {
-    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_);
+    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_, input_.settings.childLauncher);
     // Another core may not know the question. Ours does, and fails when its engine is missing: then every unit would,
     // but not a mere listing of what they include.
     const bool isListingOnly = RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis;
@@ -262,30 +271,20 @@ CoreLocation AnalyzeRun::FindCore() {
 }
 
 void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs) {
-    const CollectedCommands& commands = input_.commands;
     const RunOutcome& outcome = ending.outcome;
     const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start_);
+    const CollectedInput input(input_.commands);
+    const RunTeller teller(input_.options, input, shown_, log_);
     // Ahead of the summary, which stays in sight when there are many.
-    TellFailures(outcome);
+    teller.TellFailures(outcome);
     if (ending.summary.empty()) {
-        const InvocationCounts counts = CountInvocations(commands, outcome);
-        // An empty report would look like clean code.
-        if (!input_.shard && counts.excluded + counts.skipped == counts.Total() && counts.excluded > 0) {
-            log_.Line("Nothing was analyzed: every compiler invocation is excluded or skipped.");
-            if (outcome.inSystemFolders > 0) {
-                log_.Line(std::to_string(outcome.inSystemFolders) +
-                          " files lie inside the folders of -isystem and the like: --analyze-specified-system-paths "
-                          "has them analyzed.");
-            }
-        }
-        log_.Text(ModulesText(commands, outcome));
-        log_.Text(TalliesText(outcome.tallies));
-        progress_.Finish(SummaryText(commands, outcome, elapsed, ending.reportPath) + ShardLine(input_.shard) +
-                         HitsText(cache_.get()));
+        teller.TellNotes(outcome);
+        progress_.Finish(SummaryText("Analysis finished", input, outcome, elapsed, ending.reportPath) +
+                         ShardLine(input_.shard) + HitsText(cache_.get()));
     } else {
         progress_.Finish(ending.summary);
     }
-    TellTimes(costs);
+    teller.TellTimes(costs);
     if (cache_ && !cache_->Fault().empty()) {
         log_.Line("Warning: the cache of results did not work: " + cache_->Fault());
     }
@@ -293,44 +292,7 @@ void AnalyzeRun::End(const RunEnding& ending, const std::vector<UnitCost>& costs
         log_.Line(ending.lastLine);
     }
     if (!ending.reportPath.empty()) {
-        ShowFindings();
-    }
-}
-
-void AnalyzeRun::TellTimes(const std::vector<UnitCost>& costs) {
-    const std::string text = TimesText(input_.commands.units, costs);
-    if (text.empty()) {
-        return;
-    }
-    if (IsOnTerminal() && !input_.options.quiet) {
-        log_.Text(text);
-    } else {
-        log_.VerboseLine(std::string_view(text).substr(0, text.size() - 1)); // which adds the last line's end
-    }
-}
-
-// Who reads the log file or wants all lines gets each by name.
-void AnalyzeRun::TellFailures(const RunOutcome& outcome) {
-    const std::string whole = FailureList(input_.commands, outcome, FailureForm::Whole);
-    if (input_.options.verbose || whole.empty()) {
-        log_.Text(whole);
-        return;
-    }
-    const std::string grouped = FailureList(input_.commands, outcome, FailureForm::Grouped);
-    log_.Text(grouped);
-    if (grouped != whole) {
-        log_.VerboseLine(whole);
-    }
-}
-
-// Findings that went to standard output have been seen.
-void AnalyzeRun::ShowFindings() {
-    // Who asks for findings with --show gets them, however quiet the rest is.
-    if (!input_.options.quiet || input_.options.show) {
-        log_.Text(shown_.Text(ShowsColours() ? ShownFindings::Colours::Yes : ShownFindings::Colours::No));
-    }
-    if (shown_.GateMatches() > 0) {
-        log_.Line("Findings that stop the build: " + std::to_string(shown_.GateMatches()));
+        teller.ShowFindings();
     }
 }
 

@@ -68,17 +68,11 @@ private:
     [[nodiscard]] int ResultOf(const RunEnding& ending) const;
     // Tells what came of the run, once, whatever it was.
     void End(const RunEnding& ending, const std::vector<UnitCost>& costs = {});
-    // Says which files took longest: where somebody looks on, and in what is kept for a closer look.
-    void TellTimes(const std::vector<UnitCost>& costs);
-    // Tells what failed and why: many with one reason once.
-    void TellFailures(const RunOutcome& outcome);
-    // Shows the worst findings, and how many of them stop the build.
-    void ShowFindings();
 
     const Clock::time_point start_ = Clock::now();
     const StopFlag& stop_ = ProcessStopFlag();
-    const CompilerRegistry registry_;
     AnalyzeInput input_;
+    const CompilerRegistry registry_;
     std::string outputFolder_; // of the report, or the current one
     Log log_;
     ShownFindings shown_;

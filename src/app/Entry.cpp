@@ -3,6 +3,7 @@
 #include "app/AnalyzeCommand.h"
 #include "app/CacheCommand.h"
 #include "app/FilterSuppressedCommand.h"
+#include "app/MergeCommand.h"
 #include "app/ProgramText.h"
 #include "app/SuppressCommand.h"
 #include "app/TopLevel.h"
@@ -71,6 +72,8 @@ int RunProgram(int argumentCount, const char* const* arguments) {
     args::Command analyze(parser, "analyze", "Launch Orvanta for your project", AnalyzeCommand);
     // The exit codes are those of this subcommand.
     analyze.Epilog(Epilog);
+    const args::Command merge(parser, "merge", "Make one report of the parts that 'analyze --shard' has written",
+                              MergeCommand);
     const args::Command suppress(parser, "suppress",
                                  "Add analyzer messages to suppression file which can be used to hide analyzer "
                                  "messages on subsequent analyzer runs",

@@ -4,10 +4,11 @@ namespace Orvanta {
 
 FindingChain::FindingChain(OrvlogConverter::ReportOutput& report,
                            const std::optional<OrvlogConverter::SuppressBase>& base, OrvlogConverter::IOutput& watcher,
-                           const std::string& sourceRoot)
-    : root_(sourceRoot.empty() ? std::nullopt
-                               : std::make_optional<OrvlogConverter::SourceRootHider>(&report, sourceRoot)),
+                           const SourceRoot& sourceRoot, OrvlogConverter::IOutput* hidden)
+    : root_(sourceRoot.path.empty()
+                ? std::nullopt
+                : std::make_optional<OrvlogConverter::SourceRootHider>(&report, sourceRoot.path, sourceRoot.rules)),
       watch_(root_ ? static_cast<OrvlogConverter::IOutput*>(&*root_) : &report, watcher),
-      filter_(&watch_, base ? &*base : nullptr) {}
+      filter_(&watch_, base ? &*base : nullptr, hidden) {}
 
 } // namespace Orvanta

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Paths.h"
 #include "report/ReportOutputs.h"
 #include "report/SourceRootTransformer.h"
 #include "suppress/SuppressBaseFilter.h"
@@ -10,13 +11,21 @@
 
 namespace Orvanta {
 
+/// The folder that a report writes as "|?|".
+struct SourceRoot {
+    std::string path; ///< empty: paths stay as they are
+    PathRules rules = HostPathRules();
+};
+
 /// What stands between the findings of a run and its report: the base hides what it holds, what is left is watched,
 /// then the root of the source tree leaves the paths.
 class FindingChain {
 public:
-    /// Without a base nothing is hidden, with an empty root paths stay as they are. All but the root outlive the chain.
+    /// Without a base nothing is hidden; what is goes to `hidden`, which may be null. All but the root outlive the
+    /// chain.
     FindingChain(OrvlogConverter::ReportOutput& report, const std::optional<OrvlogConverter::SuppressBase>& base,
-                 OrvlogConverter::IOutput& watcher, const std::string& sourceRoot);
+                 OrvlogConverter::IOutput& watcher, const SourceRoot& sourceRoot,
+                 OrvlogConverter::IOutput* hidden = nullptr);
 
     /// Where findings go in.
     [[nodiscard]] OrvlogConverter::IOutput& Front() { return filter_; }

@@ -173,9 +173,9 @@ CollectedCommands ReadInput(const AnalyzeOptions& options, const RunSettings& se
     return commands;
 }
 
-bool HasFailedInvocation(const CollectedCommands& commands) {
-    return std::any_of(commands.skipped.begin(), commands.skipped.end(),
-                       [](const SkippedInvocation& skipped) { return IsFailure(skipped.fate); });
+bool HasFailedInvocation(std::span<const SkippedInvocation> skipped) {
+    return std::any_of(skipped.begin(), skipped.end(),
+                       [](const SkippedInvocation& invocation) { return IsFailure(invocation.fate); });
 }
 
 } // namespace Orvanta

@@ -43,7 +43,7 @@ void AddSingleFile(const AnalyzeOptions& options, InvocationCollector& collector
 [[nodiscard]] std::vector<std::string> UnmatchedCompilers(const std::vector<std::string>& names,
                                                           const CollectedCommands& commands);
 
-/// Whether an invocation that should have given a unit gave none.
-[[nodiscard]] bool HasFailedInvocation(const CollectedCommands& commands);
+/// Whether one of the invocations that gave no unit should have given one.
+[[nodiscard]] bool HasFailedInvocation(std::span<const SkippedInvocation> skipped);
 
 } // namespace Orvanta

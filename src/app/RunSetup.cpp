@@ -1,5 +1,6 @@
 #include "app/RunSetup.h"
 
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
 #include "cache/ResultStore.h"
@@ -8,6 +9,7 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 #include "report/Exceptions.h"
+#include "report/FinishedReport.h"
 #include "report/ReportReader.h"
 #include "report/WholeFile.h"
 #include "settings/AnalysisMode.h"
@@ -114,10 +116,40 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         throw ZelmException("--cache-readonly, --cache-size and --cache-token-file need --cache");
     }
     settings.maxMemory = MaxMemoryOf(options);
+    settings.childLauncher = LauncherOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
 }
+
+OrvlogConverter::LineFormat FormatOfLines(const RunSettings& settings) {
+    return LastValue(settings.userSettings, "new-output-format").value_or("yes") == "no"
+               ? OrvlogConverter::LineFormat::Raw
+               : OrvlogConverter::LineFormat::Json;
+}
+
+// What a document says of what was looked at.
+std::string CheckedMember(const RunSettings& settings) {
+    return "{\"analysis-mode\": " + LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode) +
+           "}";
+}
+
+/// A report that is not there before its end.
+class WholeReport : public OrvlogConverter::ReportOutput {
+public:
+    WholeReport(const std::string& path, OrvlogConverter::ReportForm form) : report_(path, form) {}
+
+    void AddMember(const std::string& key, std::string_view value) { report_.AddMember(key, value); }
+
+    bool Write(const OrvlogConverter::ReportMessage& message) override { return report_.Write(message); }
+
+    void Commit() override {}
+
+    void End() override { report_.End(); }
+
+private:
+    OrvlogConverter::FinishedReport report_;
+};
 
 } // namespace
 
@@ -155,6 +187,11 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (options.shard) { // what the settings name is where the report of all is to go
+        std::string path = AbsolutePath(options.outputFile.value_or(DefaultPart));
+        RequireNoInput(path, NamedInputs(options));
+        return path;
+    }
     if (options.outputFile) {
         if (options.outputFile->empty()) {
             // As an unset variable of a script gives it: the findings must not go to standard output instead.
@@ -180,18 +217,30 @@ std::string SourceTreeRoot(const RunSettings& settings) {
 
 std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath, const RunSettings& settings) {
     using namespace OrvlogConverter;
-    const LineFormat format = LastValue(settings.userSettings, "new-output-format").value_or("yes") == "no"
-                                  ? LineFormat::Raw
-                                  : LineFormat::Json;
     if (reportPath.empty()) {
-        return std::make_unique<ConsoleOutput>(format);
+        return std::make_unique<ConsoleOutput>(FormatOfLines(settings));
     }
     // The name decides, also against the settings: readers judge by the name too.
     if (IsJsonDocumentName(reportPath)) {
-        const std::string mode = LastValue(settings.userSettings, "analysis-mode").value_or(DefaultAnalysisMode);
-        return std::make_unique<JsonOutput>(reportPath, "{\"analysis-mode\": " + mode + "}");
+        return std::make_unique<JsonOutput>(reportPath, CheckedMember(settings));
     }
-    return std::make_unique<LineOutput>(reportPath, format);
+    return std::make_unique<LineOutput>(reportPath, FormatOfLines(settings));
+}
+
+std::unique_ptr<OrvlogConverter::ReportOutput> OpenWholeReport(const std::string& reportPath,
+                                                               const RunSettings& settings) {
+    using namespace OrvlogConverter;
+    if (reportPath.empty()) {
+        return std::make_unique<ConsoleOutput>(FormatOfLines(settings));
+    }
+    if (!IsJsonDocumentName(reportPath)) {
+        const bool isRaw = FormatOfLines(settings) == LineFormat::Raw;
+        return std::make_unique<WholeReport>(reportPath, isRaw ? ReportForm::RawLines : ReportForm::JsonLines);
+    }
+    auto report = std::make_unique<WholeReport>(reportPath, ReportForm::JsonDocument);
+    report->AddMember("version", "1");
+    report->AddMember("checked", CheckedMember(settings));
+    return report;
 }
 
 } // namespace Orvanta

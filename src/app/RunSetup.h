@@ -25,7 +25,7 @@ namespace Orvanta {
 /// \throws ZelmException when the option is no number of 1 or more
 [[nodiscard]] unsigned ThreadCount(const AnalyzeOptions& options);
 
-/// The absolute path of the run's report; empty when the findings go to standard output.
+/// The absolute path of the run's report, or of a shard's part; empty when the findings go to standard output.
 [[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
 
 /// The folder whose ".Orvanta" keeps what later runs need: the report's; of findings that go to standard output, the
@@ -35,9 +35,17 @@ namespace Orvanta {
 /// The folder that the report writes as "|?|"; empty when paths stay as they are.
 [[nodiscard]] std::string SourceTreeRoot(const RunSettings& settings);
 
+/// The keys of settings by which a report is written.
+inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-format", "sourcetree-root"};
+
 /// The output for a report: one JSON document for a name in ".json", else lines in the form that the settings ask for.
 /// \throws OrvlogConverter::FilesystemException when it can't be written
 [[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenReport(const std::string& reportPath,
                                                                         const RunSettings& settings);
+
+/// The same for a report whose findings are all known: it takes its place in `End`, and until then an earlier one
+/// stands there. Commits write nothing.
+[[nodiscard]] std::unique_ptr<OrvlogConverter::ReportOutput> OpenWholeReport(const std::string& reportPath,
+                                                                             const RunSettings& settings);
 
 } // namespace Orvanta

@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "report/JsonText.h"
 
+#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -57,9 +58,8 @@ std::string LineBegin(std::size_t invocation, std::string_view unit, const char*
     return line;
 }
 
-std::string UnitLine(const CompileCommand& command, AnalyzerStatus status, const std::string* reason,
-                     const UnitCost& cost) {
-    std::string line = LineBegin(command.invocation, SourcePath(command), FateOf(status));
+// `line` begins it.
+std::string UnitLine(std::string line, AnalyzerStatus status, const std::string* reason, const UnitCost& cost) {
     if (reason != nullptr) {
         AppendMember(line, "reason", *reason);
     }
@@ -94,8 +94,7 @@ RunStatistics::RunStatistics(std::string path) : path_(std::move(path)) {
     }
 }
 
-void RunStatistics::Write(const CollectedCommands& commands, const RunOutcome& outcome,
-                          std::span<const UnitCost> costs) const {
+void RunStatistics::Write(const ToldInput& input, const RunOutcome& outcome, std::span<const UnitCost> costs) const {
     constexpr std::size_t BlockSize = 65536;
     AtomicFile file(path_);
     std::string block;
@@ -106,20 +105,22 @@ void RunStatistics::Write(const CollectedCommands& commands, const RunOutcome& o
             block.clear();
         }
     };
-    auto skipped = commands.skipped.begin();
+    auto skipped = input.Skipped().begin();
     const auto writeSkippedBefore = [&](std::size_t invocation) {
-        for (; skipped != commands.skipped.end() && skipped->invocation < invocation; ++skipped) {
+        for (; skipped != input.Skipped().end() && skipped->invocation < invocation; ++skipped) {
             append(SkippedLine(*skipped));
         }
     };
-    for (std::size_t unit = 0; unit < commands.units.size(); ++unit) {
-        writeSkippedBefore(commands.units[unit].invocation);
+    for (std::size_t unit = 0; unit < input.UnitCount(); ++unit) {
+        const std::size_t invocation = input.InvocationOf(unit);
+        writeSkippedBefore(invocation);
+        const AnalyzerStatus status = outcome.statuses[unit];
         const auto failure = outcome.failures.find(unit);
-        append(UnitLine(commands.units[unit], outcome.statuses[unit],
+        append(UnitLine(LineBegin(invocation, input.SourceOf(unit), FateOf(status)), status,
                         failure == outcome.failures.end() ? nullptr : &failure->second,
                         costs.empty() ? UnitCost() : costs[unit]));
     }
-    writeSkippedBefore(commands.invocations + 1);
+    writeSkippedBefore(std::numeric_limits<std::size_t>::max());
     file.Append(block);
     file.Commit();
 }

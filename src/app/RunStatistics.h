@@ -1,7 +1,7 @@
 #pragma once
 
 #include "analysis/RunOutcome.h"
-#include "buildinput/BuildInput.h"
+#include "analysis/ToldInput.h"
 #include "history/UnitCost.h"
 
 #include <span>
@@ -18,7 +18,7 @@ public:
 
     /// Writes all of it, once; the file is there afterwards. `costs` are those of the units, or none.
     /// \throws FileException
-    void Write(const CollectedCommands& commands, const RunOutcome& outcome, std::span<const UnitCost> costs) const;
+    void Write(const ToldInput& input, const RunOutcome& outcome, std::span<const UnitCost> costs) const;
 
 private:
     std::string path_;

@@ -2,6 +2,8 @@
 
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
+#include "platform/Paths.h"
+#include "shards/Part.h"
 
 #include <string>
 
@@ -44,6 +46,11 @@ void ValidateShardOptions(const AnalyzeOptions& options) {
             throw ZelmException(std::string("Flags --shard and ") + refusal.option + " cannot be used together",
                                 refusal.reason);
         }
+    }
+    if (options.outputFile && !FileNameOf(*options.outputFile).ends_with(PartExtension)) {
+        throw ZelmException("Wrong value of --output-file: \"" + *options.outputFile +
+                                "\", a shard writes a part, whose name ends in " + std::string(PartExtension),
+                            "The report is what merge makes of all parts");
     }
     if (options.costs && !PathExists(*options.costs)) {
         throw ZelmException("File of costs doesn't exist: " + *options.costs);

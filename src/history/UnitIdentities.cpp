@@ -160,9 +160,8 @@ struct CompilerPart {
 
 } // namespace
 
-Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers) {
+Fingerprint FingerprintOfSettings(const RunSettings& settings) {
     FingerprintBuilder builder;
-    builder.Add(ResultVersion).Add(makers.ownVersion);
     for (const auto& [key, value] : settings.userSettings) {
         // Where the report goes decides no result.
         if (key != "output-file") {
@@ -177,7 +176,12 @@ Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& ma
         builder.Add(directory);
     }
     AddEnvironment(builder, settings.environmentChanges);
-    builder.Add(settings.analyzeSystemPaths ? 1 : 0);
+    return builder.Add(settings.analyzeSystemPaths ? 1 : 0).Value();
+}
+
+Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers) {
+    FingerprintBuilder builder;
+    builder.Add(ResultVersion).Add(makers.ownVersion).Add(FingerprintOfSettings(settings));
     builder.Add(makers.corePath).Add(ResolveLinks(makers.corePath)).Add(makers.coreVersion);
     return builder.Value();
 }

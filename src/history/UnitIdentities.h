@@ -33,6 +33,9 @@ inline constexpr std::uint64_t ResultVersion = 2;
 [[nodiscard]] std::vector<UnitIdentity> IdentifyUnits(std::span<const CompileCommand> units,
                                                       const RunSettings& settings, const ResultMakers& makers);
 
+/// Of the settings with the file of rules, as far as they decide the results of units.
+[[nodiscard]] Fingerprint FingerprintOfSettings(const RunSettings& settings);
+
 /// Of what decides the results of all units alike: the settings with the file of rules, the core and the program.
 [[nodiscard]] Fingerprint FingerprintOfRun(const RunSettings& settings, const ResultMakers& makers);
 

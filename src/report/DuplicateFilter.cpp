@@ -4,9 +4,6 @@
 
 namespace OrvlogConverter {
 
-namespace {
-
-// Of all fields.
 Orvanta::Fingerprint FingerprintOf(const ReportMessage& message) {
     Orvanta::FingerprintBuilder fields;
     fields.Add(message.code).Add(message.message).Add(message.sastId);
@@ -22,8 +19,6 @@ Orvanta::Fingerprint FingerprintOf(const ReportMessage& message) {
     }
     return fields.Value();
 }
-
-} // namespace
 
 bool DuplicateFilter::Accept(const ReportMessage& message) {
     return seen_.insert(FingerprintOf(message)).second;

@@ -8,6 +8,14 @@
 
 namespace OrvlogConverter {
 
+/// Of all fields of a message.
+[[nodiscard]] Orvanta::Fingerprint FingerprintOf(const ReportMessage& message);
+
+/// Hashes fingerprints: their bits are spread already, and half of them are a hash.
+struct FingerprintHash {
+    std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
+};
+
 /// Drops every message that equals an earlier one in all fields, such as a finding in a header that many units include.
 /// Keeps a fingerprint of 128 bits per message, not the message.
 class DuplicateFilter : public IFilter {
@@ -17,11 +25,6 @@ public:
     bool Accept(const ReportMessage& message) override;
 
 private:
-    // A fingerprint's bits are spread already: half of them are a hash.
-    struct FingerprintHash {
-        std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
-    };
-
     std::unordered_set<Orvanta::Fingerprint, FingerprintHash> seen_;
 };
 

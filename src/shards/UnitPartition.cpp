@@ -1,7 +1,5 @@
 #include "shards/UnitPartition.h"
 
-#include "history/UnitCosts.h"
-
 #include <algorithm>
 #include <numeric>
 #include <queue>
@@ -61,13 +59,72 @@ Fingerprint FingerprintOf(const UnitPartition& partition, std::uint32_t count) {
     return builder.Value();
 }
 
+std::vector<CostKey> KeysOf(std::span<const CompileCommand> units) {
+    std::vector<CostKey> keys(units.size());
+    std::transform(units.begin(), units.end(), keys.begin(), CostKeyOf);
+    return keys;
+}
+
+Fingerprint FingerprintOf(const Environment& environment) {
+    FingerprintBuilder builder;
+    for (const auto& [name, value] : environment) {
+        builder.Add(name).Add(value);
+    }
+    return builder.Value();
+}
+
+Fingerprint FingerprintOf(const CompilerInfo& compiler) {
+    // Not its path: another machine may have it elsewhere.
+    return FingerprintBuilder().Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Value();
+}
+
+/// Makes the fingerprint of what many units share once.
+template <typename Shared>
+class SharedFingerprints {
+public:
+    const Fingerprint& Of(const std::shared_ptr<const Shared>& shared) {
+        const auto [place, isNew] = known_.try_emplace(shared.get());
+        if (isNew) {
+            place->second = FingerprintOf(*shared);
+        }
+        return place->second;
+    }
+
+private:
+    std::unordered_map<const Shared*, Fingerprint> known_;
+};
+
+// What is seen of a unit on all machines alike.
+Fingerprint FingerprintOfBuild(const CollectedCommands& commands, std::span<const CostKey> keys) {
+    FingerprintBuilder builder;
+    SharedFingerprints<Environment> environments;
+    builder.Add(commands.invocations).Add(keys.size());
+    for (std::size_t unit = 0; unit < keys.size(); ++unit) {
+        const CompileCommand& command = commands.units[unit];
+        builder.Add(Fingerprint{keys[unit].source, keys[unit].arguments}).Add(command.invocation);
+        builder.Add(environments.Of(command.environment)).Add(static_cast<std::uint64_t>(command.environmentScope));
+    }
+    for (const SkippedInvocation& skipped : commands.skipped) {
+        builder.Add(skipped.invocation).Add(static_cast<std::uint64_t>(skipped.fate)).Add(skipped.what);
+    }
+    return builder.Value();
+}
+
+Fingerprint FingerprintOfCompilers(std::span<const CompileCommand> units) {
+    FingerprintBuilder builder;
+    SharedFingerprints<CompilerInfo> compilers;
+    for (const CompileCommand& unit : units) {
+        builder.Add(compilers.Of(unit.compiler));
+    }
+    return builder.Value();
+}
+
 } // namespace
 
-UnitPartition PartitionByHash(std::span<const CompileCommand> units, std::uint32_t count) {
+UnitPartition PartitionByHash(std::span<const CostKey> units, std::uint32_t count) {
     UnitPartition partition;
     partition.reserve(units.size());
-    for (const CompileCommand& unit : units) {
-        const CostKey key = CostKeyOf(unit);
+    for (const CostKey& key : units) {
         const Fingerprint hash = FingerprintBuilder().Add(key.source).Add(key.arguments).Value();
         partition.push_back(static_cast<std::uint32_t>(hash.low % count) + 1);
     }
@@ -95,9 +152,15 @@ UnitPartition PartitionByPrice(std::span<const CompileCommand> units, std::uint3
 }
 
 ShardSelection KeepShard(CollectedCommands& commands, const Shard& shard, const std::optional<UnitPrices>& prices) {
+    const std::vector<CostKey> keys = KeysOf(commands.units);
     const UnitPartition partition =
-        prices ? PartitionByPrice(commands.units, shard.count, *prices) : PartitionByHash(commands.units, shard.count);
-    ShardSelection selection = {shard, {}, commands.units.size(), FingerprintOf(partition, shard.count)};
+        prices ? PartitionByPrice(commands.units, shard.count, *prices) : PartitionByHash(keys, shard.count);
+    ShardSelection selection = {.shard = shard,
+                                .units = {},
+                                .allUnits = commands.units.size(),
+                                .build = FingerprintOfBuild(commands, keys),
+                                .compilers = FingerprintOfCompilers(commands.units),
+                                .partition = FingerprintOf(partition, shard.count)};
     std::vector<CompileCommand> own;
     for (std::size_t unit = 0; unit < partition.size(); ++unit) {
         if (partition[unit] == shard.number) {

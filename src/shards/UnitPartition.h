@@ -2,6 +2,7 @@
 
 #include "buildinput/BuildInput.h"
 #include "buildinput/CompileCommand.h"
+#include "history/UnitCosts.h"
 #include "platform/Fingerprint.h"
 #include "shards/Shard.h"
 #include "shards/UnitPrices.h"
@@ -23,8 +24,9 @@ namespace Orvanta {
 /// The shard of each unit, from 1.
 using UnitPartition = std::vector<std::uint32_t>;
 
-/// By a hash of each unit's folder, source and arguments: a unit stays in its shard whatever becomes of the others.
-[[nodiscard]] UnitPartition PartitionByHash(std::span<const CompileCommand> units, std::uint32_t count);
+/// By the key of each unit, which is of its folder, source and arguments: it stays in its shard whatever becomes of the
+/// others.
+[[nodiscard]] UnitPartition PartitionByHash(std::span<const CostKey> units, std::uint32_t count);
 
 /// So that all shards take about as long: the longest unit first, each into the shard that has the least so far. One
 /// that `prices` doesn't know counts as the median of those that it knows.
@@ -36,7 +38,9 @@ struct ShardSelection {
     Shard shard;
     std::vector<std::size_t> units; ///< its own, by their numbers in the input, from 0: what is left of them there
     std::size_t allUnits = 0;       ///< of the input
-    Fingerprint partition;          ///< the same for all shards that were cut alike
+    Fingerprint build;              ///< of all units and invocations of the input
+    Fingerprint compilers;          ///< of their families and versions
+    Fingerprint partition;          ///< of what is in which shard
 };
 
 /// Leaves only the units of the shard among the commands, in their order. What gave no unit stays: each shard tells it.

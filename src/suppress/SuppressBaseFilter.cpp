@@ -28,6 +28,9 @@ bool SuppressBaseFilter::Accept(const ReportMessage& message) {
     // By the rules of the base's version, old ones too: an outdated base goes on hiding what it holds.
     const bool isHidden = base_ != nullptr && base_->Contains(MakeSuppressEntry(message, base_->Version()));
     hidden_ += isHidden ? 1U : 0U;
+    if (isHidden && hiddenMessages_ != nullptr) {
+        hiddenMessages_->Write(message);
+    }
     return !isHidden;
 }
 

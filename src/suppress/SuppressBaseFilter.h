@@ -10,8 +10,10 @@ namespace OrvlogConverter {
 /// Drops every message that a base holds. A report filtered by an outdated base begins with a notice of that.
 class SuppressBaseFilter : public IFilter {
 public:
-    /// Without a base (null), nothing is dropped. The base outlives the filter.
-    SuppressBaseFilter(IOutput* next, const SuppressBase* base) : IFilter(next), base_(base) {}
+    /// Without a base (null), nothing is dropped. What is dropped goes to `hidden`, which may be null. All outlive the
+    /// filter.
+    SuppressBaseFilter(IOutput* next, const SuppressBase* base, IOutput* hidden = nullptr)
+        : IFilter(next), base_(base), hiddenMessages_(hidden) {}
 
     /// Sends the notice of an outdated base ahead. It is no message that the base could hide.
     void Begin() override;
@@ -23,6 +25,7 @@ public:
 
 private:
     const SuppressBase* base_;
+    IOutput* hiddenMessages_;
     std::size_t hidden_ = 0;
 };
 

@@ -46,7 +46,8 @@ RunOutcome SomeOutcome() {
 }
 
 TEST(RunSummary, CountsEachInvocationOnceAndShowsTimeFindingsAndReport) {
-    EXPECT_EQ(SummaryText(SomeCommands(), SomeOutcome(), std::chrono::milliseconds(3725300), "/p/report.json"),
+    EXPECT_EQ(SummaryText("Analysis finished", CollectedInput(SomeCommands()), SomeOutcome(),
+                          std::chrono::milliseconds(3725300), "/p/report.json"),
               "Analysis finished in 1:02:05.3\n"
               "Compiler invocations: 7 (2 analyzed, 2 failed, 2 skipped, 1 excluded)\n"
               "Source files of them: 5 (3 analyzed, 1 failed, 0 skipped, 1 excluded)\n"
@@ -56,14 +57,14 @@ TEST(RunSummary, CountsEachInvocationOnceAndShowsTimeFindingsAndReport) {
 }
 
 TEST(RunSummary, NamesEveryFailureWithItsReason) {
-    EXPECT_EQ(FailureList(SomeCommands(), SomeOutcome(), FailureForm::Grouped),
+    EXPECT_EQ(FailureList(CollectedInput(SomeCommands()), SomeOutcome(), FailureForm::Grouped),
               "These could not be analyzed:\n"
               "  invocation 6 (foo): compiler \"foo\" was not found\n"
               "  " +
                   HostPath("/p/d.c") +
                   ": Command \"core\" returned code 3.\n"
                   "    it broke\n");
-    EXPECT_EQ(FailureList({}, {}, FailureForm::Grouped), "");
+    EXPECT_EQ(FailureList(CollectedInput({}), {}, FailureForm::Grouped), "");
 }
 
 TEST(RunSummary, TellsAReasonThatManyHaveOnce) {
@@ -74,10 +75,10 @@ TEST(RunSummary, TellsAReasonThatManyHaveOnce) {
         commands.units.push_back(UnitOf(unit + 1, name));
         outcome.failures[unit] = unit == 1 ? "its own" : "no core\nat all";
     }
-    EXPECT_EQ(FailureList(commands, outcome, FailureForm::Grouped),
+    EXPECT_EQ(FailureList(CollectedInput(commands), outcome, FailureForm::Grouped),
               "These could not be analyzed:\n  4 files: no core\n    at all\n    " + HostPath("/p/a.c") + ", " +
                   HostPath("/p/c.c") + " and 2 more (--verbose names each)\n  " + HostPath("/p/b.c") + ": its own\n");
-    const std::string each = FailureList(commands, outcome, FailureForm::Whole);
+    const std::string each = FailureList(CollectedInput(commands), outcome, FailureForm::Whole);
     EXPECT_EQ(std::count(each.begin(), each.end(), '\n'), 1 + 4 * 2 + 1) << each;
 }
 

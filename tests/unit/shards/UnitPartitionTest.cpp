@@ -14,7 +14,11 @@ namespace Orvanta {
 namespace {
 
 CompileCommand UnitOf(const std::string& source, const std::string& flag = "-O1") {
+    static const auto compiler = std::make_shared<const CompilerInfo>();
+    static const auto environment = std::make_shared<const Environment>();
     CompileCommand unit;
+    unit.compiler = compiler;
+    unit.environment = environment;
     unit.absoluteDirectory = std::make_shared<const std::string>("/src");
     unit.arguments = ArgumentList(std::vector<std::string>{"gcc", flag, "-c", source});
     unit.source.index = 3;
@@ -29,6 +33,12 @@ std::vector<CompileCommand> Units(std::size_t count) {
     return units;
 }
 
+UnitPartition ByHash(const std::vector<CompileCommand>& units, std::uint32_t count) {
+    std::vector<CostKey> keys(units.size());
+    std::transform(units.begin(), units.end(), keys.begin(), CostKeyOf);
+    return PartitionByHash(keys, count);
+}
+
 // As --stats writes it.
 std::string LineOf(const std::string& source, const std::string& fate, const std::string& members = "") {
     std::string line = R"({"invocation":1,"unit":)";
@@ -38,11 +48,11 @@ std::string LineOf(const std::string& source, const std::string& fate, const std
 
 TEST(UnitPartition, TheHashOfAUnitIsTheSameEverywhereAndWhateverBecomesOfTheOthers) {
     std::vector<CompileCommand> units = Units(1000);
-    const UnitPartition whole = PartitionByHash(units, 7);
+    const UnitPartition whole = ByHash(units, 7);
     // Of another machine, too.
     EXPECT_EQ(UnitPartition(whole.begin(), whole.begin() + 8), (UnitPartition{2, 4, 2, 1, 6, 6, 4, 7}));
     units.erase(units.begin(), units.begin() + 500);
-    EXPECT_EQ(PartitionByHash(units, 7), UnitPartition(whole.begin() + 500, whole.end()));
+    EXPECT_EQ(ByHash(units, 7), UnitPartition(whole.begin() + 500, whole.end()));
     for (std::uint32_t shard = 1; shard <= 7; ++shard) {
         const auto own = std::count(whole.begin(), whole.end(), shard);
         EXPECT_TRUE(own > 100 && own < 200) << own;
@@ -90,7 +100,7 @@ TEST(UnitPartition, PricesSpreadTheWorkEvenlyAndUnknownUnitsCountAsTheMedian) {
 }
 
 TEST(UnitPartition, AShardKeepsItsUnitsByTheirNumbers) {
-    const UnitPartition partition = PartitionByHash(Units(40), 3);
+    const UnitPartition partition = ByHash(Units(40), 3);
     std::vector<bool> isTaken(40);
     Fingerprint fingerprint;
     for (std::uint32_t shard = 1; shard <= 3; ++shard) {
