@@ -13,7 +13,7 @@ set(ORVANTA_ROOMS
     "src/analysis cache history buildinput compilers report settings platform"
     "src/shards analysis history buildinput compilers report settings platform"
     "src/app shards analysis cache history render suppress buildinput compilers report settings platform"
-    "cores/cppcheck report settings platform")
+    "cores/bundled report settings platform")
 
 # orvanta_link_room(TARGET FOLDER)
 # Links a target to the rooms that the code of its folder may include.

@@ -196,7 +196,7 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     const std::string list = JoinPath(folder, "units.txt");
     WritePathList(list, collected);
     SettingsMap settings = {{"intermodular-unit-list", list}};
-    AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.MergedFile(), "");
+    AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.mergedFile, "");
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
@@ -212,14 +212,14 @@ void PrepareMerge(const RunPlaces& places) {
     if (!IsDirectory(places.outputFolder)) {
         throw ZelmException("can't find output directory");
     }
-    const std::string folder = OrvantaFolder(places.outputFolder);
+    const std::string folder(DirectoryOf(places.mergedFile));
     try {
         MakeFolders(folder);
     } catch (const FileException&) {
         throw ZelmException("Couldn't create path: " + folder);
     }
     // What an earlier run linked must not be taken for this one's when the linking fails.
-    RemoveFile(places.MergedFile());
+    RemoveFile(places.mergedFile);
 }
 
 } // namespace Orvanta

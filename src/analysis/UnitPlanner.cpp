@@ -118,7 +118,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     plan.preprocessing = plan.model->BuildPreprocessCommand(plan.parsed, plan.files.preprocessedPath);
     const std::string standard = FindStandard(plan);
     plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, standard, plan.files);
-    AddIntermodularSettings(plan.settings, mode, places_.MergedFile(), plan.files.collectedPath);
+    AddIntermodularSettings(plan.settings, mode, places_.mergedFile, plan.files.collectedPath);
     return plan;
 }
 
@@ -174,7 +174,7 @@ UnitFiles UnitPlanner::NameFiles(const CompileCommand& command, std::size_t unit
     // clears what a killed one has left.
     const std::string stagesPath = JoinPath(places_.temporaryFolder, name);
     files.dependenciesPath = stagesPath + ".Orvanta.dependencies";
-    files.collectedPath = stagesPath + ".Orvanta.dfo";
+    files.collectedPath = places_.collectedPathOf ? places_.collectedPathOf(unit) : stagesPath + ".Orvanta.dfo";
     return files;
 }
 

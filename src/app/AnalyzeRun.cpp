@@ -7,6 +7,7 @@
 #include "analysis/RunSummary.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
+#include "app/OpenPart.h"
 #include "app/OutputCheck.h"
 #include "app/RunCache.h"
 #include "app/RunMonitor.h"
@@ -14,6 +15,7 @@
 #include "app/RunStatistics.h"
 #include "app/RunTeller.h"
 #include "app/ShardOptions.h"
+#include "app/StageOptions.h"
 #include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -44,7 +46,7 @@ TemporaryFolder MakeTemporaryFolder(const AnalyzeOptions& options) {
     if (!options.launcher) {
         return TemporaryFolder();
     }
-    const std::string shared = AbsolutePath(*options.shared);
+    const std::string shared = SharedFolderOf(options);
     MakeFolders(shared);
     return TemporaryFolder(shared);
 }
@@ -115,12 +117,26 @@ void AnalyzeRun::Run() {
         End({});
         throw ZelmException("No source file to analyze");
     }
-    if (const std::optional<Shard> shard = ShardOf(input_.options)) {
-        // From here on the others are no part of the run.
-        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt));
-    }
+    ChooseUnits();
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
+    }
+}
+
+void AnalyzeRun::ChooseUnits() {
+    const std::optional<Shard> shard = ShardOf(input_.options);
+    const std::optional<IntermodularStage> stage = StageOf(input_.options);
+    if (!shard && !stage) {
+        return;
+    }
+    // From here on the units of other shards are no part of the run.
+    ShardSelection selection =
+        KeepShard(input_.commands, shard.value_or(Shard()), std::exchange(input_.prices, std::nullopt));
+    if (stage) {
+        input_.stage = {*stage, StageFolder(SharedFolderOf(input_.options)), selection};
+    }
+    if (shard) {
+        input_.shard = std::move(selection);
     }
 }
 
@@ -166,6 +182,7 @@ int AnalyzeRun::Analyze() {
     // The core's first start: one that can't be started leaves the earlier report as it was.
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
+    EnterStage(places);
     cache_ = MakeResultCache(input_.settings, places);
     places.cache = cache_.get();
     if (!input_.settings.childLauncher.empty()) {
@@ -210,6 +227,9 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (ending.selectsNothing && input_.options.allowEmpty) {
         return 0;
     }
+    if (input_.stage && input_.stage->stage == IntermodularStage::Link) {
+        return stop_.IsSet() ? InterruptedExitCode : 0; // what could not be collected is told by the stages beside it
+    }
     if (input_.shard) {
         return ShardResult(ending.outcome);
     }
@@ -223,10 +243,50 @@ RunLocks AnalyzeRun::TakeLocks() {
         locks.TakeReport(input_.reportPath, stop_, log_);
     }
     // The three that write into that folder.
-    if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
+    if (UsesHistory(input_) || (options.intermodular && !input_.stage) || options.dumpFiles) {
         locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
+    if (const std::string folder = StageFolderToLock(); !folder.empty()) {
+        MakeFolders(std::string(DirectoryOf(folder)));
+        locks.TakeShared(folder, stop_, log_);
+    }
     return locks;
+}
+
+std::string AnalyzeRun::StageFolderToLock() const {
+    if (input_.stage) {
+        switch (input_.stage->stage) {
+        case IntermodularStage::Collect:
+            return input_.stage->folder.FolderOf(input_.stage->selection.shard);
+        case IntermodularStage::Link:
+            return input_.stage->folder.LinkedFolder();
+        case IntermodularStage::Perform:
+            break;
+        }
+    }
+    return "";
+}
+
+void AnalyzeRun::EnterStage(RunPlaces& places) {
+    if (!input_.stage) {
+        return;
+    }
+    StageInput& stage = *input_.stage;
+    if (stage.stage == IntermodularStage::Collect) {
+        places.collectedPathOf = [&stage](std::size_t unit) {
+            return stage.folder.UnitFile(stage.selection.shard, stage.selection.units[unit]);
+        };
+        return;
+    }
+    stage.collected = stage.folder.ReadCollected(MakersOf(input_, stage.selection, places));
+    if (stage.stage == IntermodularStage::Perform) {
+        stage.folder.RequireLinked(stage.collected);
+    }
+    places.mergedFile = stage.folder.MergedFile();
+    places.collectedPathOf = [&stage](std::size_t unit) {
+        const std::size_t number = stage.selection.units[unit];
+        return stage.folder.UnitFile({stage.collected.shardOf[number], stage.collected.shards}, number);
+    };
 }
 
 RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string& temporaryFolder) {
@@ -235,6 +295,7 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string&
     places.unitFolder = temporaryFolder;
     places.temporaryFolder = temporaryFolder;
     places.outputFolder = outputFolder_;
+    places.mergedFile = JoinPath(OrvantaFolder(outputFolder_), MergedFileName);
     if (input_.options.dumpFiles) {
         places.unitFolder = OrvantaFolder(outputFolder_);
         places.unitFiles = SettingsFile::Lifetime::Keep;

@@ -3,6 +3,7 @@
 #include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
+#include "app/StageOptions.h"
 #include "cache/ResultStore.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -72,6 +73,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     }
     OverrideIfGiven(settings, "preprocessor", options.preprocessor);
     OverrideIfGiven(settings, "platform", options.platform);
+    OverrideIfGiven(settings, "engines", options.engines);
     if (options.rulesConfig) {
         OverrideSetting(settings, "rules-config", AbsolutePath(*options.rulesConfig));
     }
@@ -187,6 +189,9 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (!MakesReport(options)) {
+        return "";
+    }
     if (options.shard) { // what the settings name is where the report of all is to go
         std::string path = AbsolutePath(options.outputFile.value_or(DefaultPart));
         RequireNoInput(path, NamedInputs(options));

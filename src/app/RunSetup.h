@@ -25,7 +25,8 @@ namespace Orvanta {
 /// \throws ZelmException when the option is no number of 1 or more
 [[nodiscard]] unsigned ThreadCount(const AnalyzeOptions& options);
 
-/// The absolute path of the run's report, or of a shard's part; empty when the findings go to standard output.
+/// The absolute path of the run's report, or of a shard's part; empty when the findings go to standard output, and for
+/// a stage that makes none.
 [[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
 
 /// The folder whose ".Orvanta" keeps what later runs need: the report's; of findings that go to standard output, the

@@ -29,19 +29,6 @@ std::string Differing(const std::string& what, const std::string& one, const std
     return one == other ? what : what + " (" + other + " and " + one + ")";
 }
 
-// In what the makers of a part differ from those of the first one; absent when in nothing that must not differ.
-std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& first) {
-    if (one.ownVersion != first.ownVersion || one.resultVersion != first.resultVersion) {
-        return Differing("the version of this program", one.ownVersion, first.ownVersion);
-    }
-    for (const MakerRow& row : MakerRows) {
-        if (one.*row.mark != first.*row.mark) {
-            return row.mark == &PartMakers::core ? Differing(row.what, one.coreVersion, first.coreVersion) : row.what;
-        }
-    }
-    return std::nullopt;
-}
-
 // "5, 9, 12".
 std::string ListOf(const std::vector<std::uint32_t>& numbers) {
     std::string text;
@@ -59,6 +46,18 @@ std::string GapLine(std::size_t first, std::size_t behind) {
 }
 
 } // namespace
+
+std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& other) {
+    if (one.ownVersion != other.ownVersion || one.resultVersion != other.resultVersion) {
+        return Differing("the version of this program", one.ownVersion, other.ownVersion);
+    }
+    for (const MakerRow& row : MakerRows) {
+        if (one.*row.mark != other.*row.mark) {
+            return row.mark == &PartMakers::core ? Differing(row.what, one.coreVersion, other.coreVersion) : row.what;
+        }
+    }
+    return std::nullopt;
+}
 
 PartSet::PartSet(std::span<const std::string> paths) {
     for (const std::string& path : paths) {

@@ -6,11 +6,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace Orvanta {
+
+/// In what the makers of one result differ from those of another one, as a user reads it; absent when in nothing that
+/// must not differ. How the units are cut into shards may.
+[[nodiscard]] std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& other);
 
 /// The parts of one run, as one: their units in input order. Those of shards of which there is no part are not among
 /// them. Memory grows with the units and not with what they found.
@@ -29,6 +34,11 @@ public:
     /// What of the run is missing, a line each: shards without a part, and units that were stopped. Empty when it is
     /// whole.
     [[nodiscard]] std::string Gaps() const;
+
+    /// The shard that the unit is of, from 1.
+    [[nodiscard]] std::uint32_t ShardOf(std::size_t unit) const {
+        return parts_[order_[unit].part]->Head().shard.number;
+    }
 
     /// The result of the next unit: as often as there are units.
     [[nodiscard]] PartResult Next();

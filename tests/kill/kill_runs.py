@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""kill_runs PROGRAM [--rounds N] [--seed S]: runs that are killed or stopped at random moments cost nothing but time.
+"""kill_runs PROGRAM [--rounds N] [--shards N] [--seed S]: runs that are killed or stopped cost nothing but time.
 
 Each round edits a small project, starts a run of a random kind, ends it at a random moment by a random signal, looks at
 what it left (no process, no temporary file), and lets another run of that kind go to its end: its report must be the
 one of a run in a folder where nothing happened before. Where that is possible, the other run mostly resumes the first,
-now and then behind one more edit. In one round of four the cores hang. Prints the seed of the run; the same seed gives
-the same edits, kinds and signals.
+now and then behind one more edit. In one round of four the cores hang. In the rounds of --shards, which come last, one
+of several shards is ended and run again, and the parts of all are merged. Prints the seed of the run; the same seed
+gives the same edits, kinds and signals.
 """
 import argparse
 import json
@@ -115,13 +116,16 @@ class Runs:
         return subprocess.Popen(command, cwd=self.folder / "project", env={**os.environ, "TMPDIR": str(self.temporary)},
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
 
-    def finish(self, kind, output, threads, more=()):
+    def go_to_end(self, kind, output, threads, more=()):
         run = self.start(kind, output, threads, more)
         said = run.communicate(timeout=60)[0]
         if run.returncode != 0:
             raise Fault(f"a run to the end ended with {run.returncode}:\n{said}")
         if left := list(output.glob(".Orvanta/*.journal")):
             raise Fault(f"a journal is left: {left}")
+
+    def finish(self, kind, output, threads, more=()):
+        self.go_to_end(kind, output, threads, more)
         return self.report(kind, output)
 
     @staticmethod
@@ -202,13 +206,62 @@ def one_round(runs, project, rng, length):
     return run.returncode != 0
 
 
+def shard_round(runs, project, rng, length):
+    """A shard of several is ended, run again, and merged with the others: the report is that of one run."""
+    count, sent, edit = rng.choice([2, 3, 5]), rng.choice(SIGNALS), project.edit()
+    killed, resumes, moment = rng.randint(1, count), rng.random() < 0.5, rng.uniform(0, 1.1) * length
+    told = f"shard {killed} of {count}{', resumed' * resumes}, after \"{edit}\": {sent.name} after {moment * 1000:.0f} ms"
+    kind, output = KINDS[0], runs.folder / "shards"
+
+    def part(number):
+        return Kind("shard", ["--shard", f"{number}/{count}"], "part.orvpart"), output / str(number)
+
+    def merge(*more):
+        command = [runs.program, "merge", "-q", "-o", output / "r.json", *more]
+        run = subprocess.run([*command, *sorted(output.glob("*/*.orvpart"))], cwd=runs.folder, capture_output=True,
+                             text=True, timeout=60, check=False)
+        return run.returncode, run.stdout
+
+    try:
+        shutil.rmtree(output, ignore_errors=True)
+        output.mkdir()
+        run = runs.start(*part(killed), 2)
+        time.sleep(moment)
+        if sent != signal.SIGKILL:
+            runs.expect_soon("a signal is not dealt with", lambda: not catches(run, sent))
+        run.send_signal(sent)
+        run.communicate(timeout=SOON)
+        runs.expect_soon("a child goes on", runs.processes)
+        runs.expect_soon("a temporary file is left", runs.temporary_files)
+        for number in range(1, count + 1):
+            if number != killed:
+                runs.go_to_end(*part(number), 2)
+        clean = runs.folder / "clean"
+        expected = runs.finish(kind, clean, 2)
+        shutil.rmtree(clean)
+        # What the ended shard has left is whole, or it is told that it is not.
+        code, said = merge("--allow-missing")
+        if (code == 0 and runs.report(kind, output) != expected) or (code != 0 and "hard" not in said) or (
+                code != 0 and run.returncode == 0):
+            raise Fault(f"merging what is left ended with {code}:\n{said}")
+        runs.go_to_end(*part(killed), 2, ["--resume"] * resumes)
+        code, said = merge()
+        after = runs.report(kind, output)
+        if code != 0 or after != expected:
+            raise Fault(f"merging ended with {code}:\n{said}\n{after}\n--- expected:\n{expected}")
+    except (Fault, subprocess.TimeoutExpired) as fault:
+        raise Fault(f"{told}\n{fault}") from fault
+    return run.returncode != 0
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("program", type=os.path.abspath)
     parser.add_argument("--rounds", type=int, default=100)
+    parser.add_argument("--shards", type=int, default=5, help="rounds behind those, with shards that are merged")
     parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
     options = parser.parse_args()
-    print(f"kill test: {options.rounds} rounds, --seed {options.seed}", flush=True)
+    print(f"kill test: {options.rounds} rounds, --shards {options.shards}, --seed {options.seed}", flush=True)
     rng = random.Random(options.seed)
     folder = pathlib.Path(os.path.realpath(tempfile.mkdtemp(prefix="orvanta-kill-")))
     (folder / "project").mkdir()
@@ -216,12 +269,13 @@ def main():
     begin = time.monotonic()
     runs.finish(KINDS[0], folder / "first", 2)
     length, ended = time.monotonic() - begin, 0
-    for number in range(1, options.rounds + 1):
+    rounds = [one_round] * options.rounds + [shard_round] * options.shards
+    for number, do_round in enumerate(rounds, 1):
         try:
-            ended += one_round(runs, project, rng, length)
+            ended += do_round(runs, project, rng, length)
         except Fault as fault:
             sys.exit(f"round {number}, --seed {options.seed}: {fault}\nkept: {folder}")
-    print(f"{options.rounds} rounds, {ended} of them ended in mid-run: every report as from a clean run")
+    print(f"{len(rounds)} rounds, {ended} of them ended in mid-run: every report as from a clean run")
     shutil.rmtree(folder)
 
 
