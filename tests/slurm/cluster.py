@@ -77,6 +77,14 @@ def processes_with(*variables):
     return found
 
 
+def send_signal(processes, number):
+    for process in processes:
+        try:
+            os.kill(process, number)
+        except ProcessLookupError:
+            pass
+
+
 class Cluster:
     """Starts with `start`; `stop` ends all of it, whatever state it is in, and what jobs have left."""
 
@@ -130,10 +138,12 @@ class Cluster:
         daemon = self.daemons.pop(node)
         daemon.kill()
         daemon.wait()
-        left = lambda: self.processes(f"SLURMD_NODENAME={node}")
-        for signal_number in (signal.SIGSTOP, signal.SIGKILL):  # none may tell of another's end
-            for process in left():
-                os.kill(process, signal_number)
+
+        def left():
+            return self.processes(f"SLURMD_NODENAME={node}")
+
+        for number in (signal.SIGSTOP, signal.SIGKILL):  # none may tell of another's end
+            send_signal(left(), number)
         wait_until(f"{node} is dead", lambda: not left())
 
     def processes(self, *variables):
@@ -160,8 +170,7 @@ class Cluster:
                 except subprocess.TimeoutExpired:
                     ids[name].kill()
                     ids[name].wait()
-        for process in self.processes():
-            os.kill(process, signal.SIGKILL)
+        send_signal(self.processes(), signal.SIGKILL)
         wait_until("nothing is left", lambda: not self.processes())
 
     def show_logs(self):

@@ -43,10 +43,9 @@ class SlurmTest(unittest.TestCase):
             entries.append({"directory": str(self.folder), "file": f"u{unit}.c",
                             "arguments": ["gcc", "-c", f"u{unit}.c"]})
         (self.folder / "compile_commands.json").write_text(json.dumps(entries), encoding="ascii")
-        (self.folder / "analyzer.cfg").write_text("engines=cppcheck\n", encoding="ascii")
         self.hold = self.folder / "hold"
         CLUSTER.environment["HELD_NODE"] = str(self.hold)
-        self.options = ["-c", "analyzer.cfg", "--orvanta-path", str(HERE / "held_core")]
+        self.options = ["--engines", "cppcheck", "--orvanta-path", str(HERE / "held_core")]
 
     def analyze_here(self, *more):
         """What one run without Slurm ends with, and its report."""
@@ -90,6 +89,12 @@ class SlurmTest(unittest.TestCase):
     def merge(self):
         run = CLUSTER.run("bash", RECIPES / "merge.sbatch", cwd=self.folder)
         return run.returncode, run.stdout
+
+    def test_stages(self):
+        expected = self.analyze_here("--intermodular")
+        self.assertIn(b"ctunullpointer", expected[1])
+        code, said = self.submit("--intermodular", SHARDS, "out")
+        self.assertEqual((code, self.report()), expected, said)
 
     def test_launcher(self):
         expected = self.analyze_here()
