@@ -1,6 +1,6 @@
 # One command each; what it does stands in the script of that name under tools/.
-.PHONY: demo test test-windows package package-windows check format bench fuzz kill-test fault-test own-findings \
-    coverage hard
+.PHONY: demo test test-windows test-slurm package package-windows check format bench fuzz kill-test fault-test \
+    own-findings coverage hard
 
 demo: ## Build, analyze a real project and show its first findings
 	@tools/demo
@@ -12,6 +12,10 @@ test: ## Build and run every test
 test-windows: ## Cross-build for Windows and run the tests under Wine
 	@tools/install-packages build test windows
 	@tools/test windows
+
+test-slurm: ## Run the recipes for Slurm in one that is started for them on this machine
+	@tools/install-packages build slurm
+	@tools/slurm-test
 
 package: ## Build for users and put what they need into a .deb and a .tar.gz
 	@tools/install-packages build package

@@ -83,6 +83,62 @@ class Integrations(unittest.TestCase):
             self.assertIn(said, run.stdout)
         self.assertEqual(self.run_in_project([entry, "src/list.c"], ORVANTA_FAIL_ON="64").returncode, 0)
 
+    def expected_report(self):
+        """Adds a file that fails and one that is fine: what one run of all of them ends with, and its report."""
+        with open(self.path("CMakeLists.txt"), "a", encoding="utf-8") as file:
+            file.write("add_library(more OBJECT src/more.c src/broken.c)\n")
+        for name, text in [("src/more.c", "int More(void) { return 0; }\n"), ("src/broken.c", "#error broken\n")]:
+            with open(self.path(name), "w", encoding="utf-8") as file:
+                file.write(text)
+        self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+        run = self.run_in_project(["orvanta-analyzer", "analyze", "-q", "-f", "build/compile_commands.json",
+                                   "-o", "one.json"])
+        return run.returncode, self.content("one.json")
+
+    def content(self, name):
+        with open(self.path(name), encoding="utf-8") as file:
+            return file.read()
+
+    def run_steps(self, lines, **environment):
+        return self.run_in_project(["bash", "-eo", "pipefail", "-c", "\n".join(lines)], **environment)
+
+    def test_github_shards(self):
+        expected = self.expected_report()
+        workflow = load("integrations/github/shards.yml")
+        jobs = workflow["jobs"]
+        shards = jobs["shard"]["strategy"]["matrix"]["shard"]
+        os.mkdir(self.path("parts"))
+        for shard in shards:
+            values = {"matrix.shard": str(shard), "strategy.job-total": str(len(shards))}
+            fill = lambda text: re.sub(r"\$\{\{ ([\w.-]+) \}\}", lambda match: values[match[1]], text)
+            for step in jobs["shard"]["steps"]:
+                environment = {name: fill(text) for name, text in step.get("env", {}).items()}
+                if "run" in step:
+                    self.run_steps([step["run"]], **workflow["env"], **environment)
+            upload = jobs["shard"]["steps"][-1]["with"]
+            os.rename(self.path(fill(upload["path"])), self.path(f"parts/{fill(upload['path'])}"))
+        codes = [self.run_steps([step["run"]], GITHUB_WORKSPACE=self.folder).returncode
+                 for step in jobs["merge"]["steps"] if "run" in step]
+        self.assertEqual((codes, self.content("report.json")), ([expected[0], 0], expected[1]))
+        self.assertTrue(os.path.exists(self.path(jobs["merge"]["steps"][-1]["with"]["sarif_file"])))
+
+    def test_gitlab_shards(self):
+        expected = self.expected_report()
+        file = load("integrations/gitlab/shards.yml")
+        shard, merge = file[".orvanta-shard"], file[".orvanta-merge"]
+        for number in range(1, 4):
+            self.run_steps(shard["script"], CI_NODE_INDEX=str(number), CI_NODE_TOTAL="3", **shard["variables"])
+        run = self.run_steps(merge["script"], CI_PROJECT_DIR=self.folder, **merge["variables"])
+        self.assertEqual((run.returncode, self.content("orvanta/report.json")), expected, run.stdout)
+        for name in [*merge["artifacts"]["paths"], *merge["artifacts"]["reports"].values()]:
+            self.assertTrue(os.path.exists(self.path(name)), name)
+
+    def test_shards_by_gnu_parallel(self):
+        expected = self.expected_report()
+        script = os.path.join(REPOSITORY, "integrations/parallel/analyze-shards")
+        run = self.run_in_project([script, ":", "3", "the parts", "-f", "build/compile_commands.json"])
+        self.assertEqual((run.returncode, self.content("the parts/report.json")), expected, run.stdout)
+
     def github_steps(self, **inputs):
         """Runs the steps of the action with these inputs; what the last one gave, and the outputs."""
         action = load("integrations/github/action.yml")
