@@ -1,17 +1,16 @@
 """What a run costs that is spread over machines, and how that grows with the build.
 
 One shard of each build runs for real, with a trivial compiler and core: it reads the whole database and chooses its
-units. What it has found then stands for what all other shards would have: their parts are made from its own, each unit
-with a finding, and merged.
+units. The parts of all shards that are merged then are made without a run.
 """
 import filecmp
 import json
 import pathlib
-import subprocess
 import sys
 import tempfile
 
 from measuring import Row, measure
+from shards import make_parts
 
 UNITS_OF_SHARD = 1000
 UNITS_OF_FOLDER = 100
@@ -71,9 +70,9 @@ def grown(programs, units, limits):
         root = pathlib.Path(folder)
         make_project(root, str(programs["compiler"]), units)
         shards = units // UNITS_OF_SHARD
-        shard = measure(programs["measure"], shard_command(programs, 1, shards, "recorded.orvpart"), folder)
+        shard = measure(programs["measure"], shard_command(programs, 1, shards, "one.orvpart"), folder)
         (root / "parts").mkdir()
-        subprocess.run([programs["repeat_part"], "recorded.orvpart", str(shards), "parts"], cwd=root, check=True)
+        make_parts(programs, root / "parts", units, shards)
         merge = measure(programs["measure"], merge_command(programs, root), folder)
         size = sum(path.stat().st_size for path in root.glob("parts/*.orvpart")) / 1e6
     told = f"{units:,} units in {shards:,} shards"
