@@ -11,9 +11,9 @@ set(ORVANTA_ROOMS
     "src/history buildinput compilers report settings platform"
     "src/cache report settings platform"
     "src/analysis cache history buildinput compilers report settings platform"
-    "src/shards analysis history buildinput compilers report settings platform"
+    "src/shards analysis cache history buildinput compilers report settings platform"
     "src/app shards analysis cache history render suppress buildinput compilers report settings platform"
-    "cores/cppcheck report settings platform")
+    "cores/bundled report settings platform")
 
 # orvanta_link_room(TARGET FOLDER)
 # Links a target to the rooms that the code of its folder may include.

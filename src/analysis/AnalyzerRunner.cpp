@@ -55,6 +55,9 @@ UnitResult AnalyzerRunner::Run(const AnalysisTask& task, const std::function<boo
 }
 
 std::uint64_t AnalyzerRunner::MemoryBudget() const {
+    if (!settings_.childLauncher.empty()) {
+        return 0; // the memory is another machine's, and nobody here can see what is taken of it
+    }
     constexpr std::uint64_t PartsLeft = 10; // one of them is for all else that grows meanwhile
     constexpr unsigned BitsOfMegabyte = 20;
     const std::uint64_t granted = settings_.maxMemory ? 0 : GrantedMemory();
@@ -66,8 +69,9 @@ std::uint64_t AnalyzerRunner::MemoryBudget() const {
 }
 
 UnitResult AnalyzerRunner::RunWithMemory(const AnalysisTask& task, UnitQueue& queue) {
-    // One that had all the memory to itself would only fail once more.
-    UnitResult result = Run(task, [&] { return queue.HadCompany(task.unit); });
+    // One that had all the memory to itself would only fail once more. Behind a launcher nobody knows what ran beside
+    // it.
+    UnitResult result = Run(task, [&] { return settings_.childLauncher.empty() && queue.HadCompany(task.unit); });
     if (result.runsAgain) {
         log_.VerboseLine("  Out of memory, analyzed again alone: '" + SourcePath(*task.command) + "'");
         if (!queue.TakeAgainAlone(task.unit)) {
@@ -138,6 +142,7 @@ int AnalyzerRunner::RunParallel(std::span<const PlacedCommand> commands, unsigne
         commandOf[unit] = command;
     }
     UnitQueue queue(MemoryBudget(), [this] { return ShouldEnd(); }); // outlives the workers
+    MakeRoomForChildren(workers);
     WorkerPool pool(workers);
     if (!pool.Fault().empty()) {
         log_.Line("Only " + std::to_string(pool.Size()) + " of " + std::to_string(workers) +
@@ -191,29 +196,30 @@ void AnalyzerRunner::RunMerge(std::span<const CompileCommand* const> commands) {
     const std::string list = JoinPath(folder, "units.txt");
     WritePathList(list, collected);
     SettingsMap settings = {{"intermodular-unit-list", list}};
-    AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.MergedFile(), "");
+    AddIntermodularSettings(settings, IntermodularAnalysisMode::Merge, places_.mergedFile, "");
     // Goes with the merge, also where the files of units are kept: it belongs to none of them.
     const SettingsFile file(std::move(settings), JoinPath(folder, "merge"), SettingsFile::Lifetime::Remove);
     CapturedOutput output;
     ProcessCost cost;
     // Of no unit, so it may take its time.
     const ChildLimits limits = {.outputBytes = settings_.limits.outputBytes};
-    static_cast<void>(RunSupervised({places_.corePath, "--cfg", file.Path()}, {folder, planner_.CommonEnvironment()},
-                                    limits, stop_, {output, cost}));
+    static_cast<void>(RunSupervised({places_.corePath, "--cfg", file.Path()},
+                                    {folder, planner_.CommonEnvironment(), settings_.childLauncher}, limits, stop_,
+                                    {output, cost}));
 }
 
 void PrepareMerge(const RunPlaces& places) {
     if (!IsDirectory(places.outputFolder)) {
         throw ZelmException("can't find output directory");
     }
-    const std::string folder = OrvantaFolder(places.outputFolder);
+    const std::string folder(DirectoryOf(places.mergedFile));
     try {
         MakeFolders(folder);
     } catch (const FileException&) {
         throw ZelmException("Couldn't create path: " + folder);
     }
     // What an earlier run linked must not be taken for this one's when the linking fails.
-    RemoveFile(places.MergedFile());
+    RemoveFile(places.mergedFile);
 }
 
 } // namespace Orvanta

@@ -1,7 +1,6 @@
 #include "analysis/CoreVersion.h"
 
 #include "platform/Environment.h"
-#include "platform/Process.h"
 #include "platform/Text.h"
 
 #include <chrono>
@@ -23,12 +22,13 @@ OutputReceiver ReceiveUpToLimit(std::string& target) {
 
 } // namespace
 
-CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop) {
+CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop,
+                          LauncherWords launcher) {
     std::string output;
     std::string errors;
-    Process process({corePath, "--version"}, folder, OwnEnvironmentBlock(), ReceiveUpToLimit(output),
-                    ReceiveUpToLimit(errors));
-    const WaitResult end = WaitWithTimeout(process, LongestWait, PollInterval, stop);
+    Process process({corePath, "--version"}, {folder, OwnEnvironmentBlock(), ProcessGroup::Own, launcher},
+                    ReceiveUpToLimit(output), ReceiveUpToLimit(errors));
+    const WaitResult end = WaitWithTimeout(process, AnswerTimeout(LongestWait, launcher), PollInterval, stop);
     if (!end.finished) {
         return {};
     }

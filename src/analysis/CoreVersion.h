@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Process.h"
 #include "platform/StopFlag.h"
 
 #include <string>
@@ -16,6 +17,7 @@ struct CoreAnswer {
 /// Asks a core for its version. It is the first start of a core, made before anything of an earlier run is touched, so
 /// that one that can't be started costs nothing. `folder` is where it runs.
 /// \throws ProcessStartException when it can't be started
-[[nodiscard]] CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop);
+[[nodiscard]] CoreAnswer AskCoreVersion(const std::string& corePath, const std::string& folder, const StopFlag& stop,
+                                        LauncherWords launcher = {});
 
 } // namespace Orvanta

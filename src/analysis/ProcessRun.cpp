@@ -37,8 +37,9 @@ ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const
     using Clock = std::chrono::steady_clock;
     LimitedOutput standardOutput(record.output.standardOutput, limits.outputBytes);
     LimitedOutput standardError(record.output.standardError, limits.outputBytes);
-    Process process(command, place.workingDirectory, place.environment, standardOutput.Receiver(),
-                    standardError.Receiver());
+    Process process(command,
+                    StartConditions{place.workingDirectory, place.environment, ProcessGroup::Own, place.launcher},
+                    standardOutput.Receiver(), standardError.Receiver());
     const auto isOver = [&] {
         return standardOutput.IsOver() || standardError.IsOver();
     };
@@ -55,7 +56,7 @@ ProcessOutcome RunSupervised(const Arguments& command, ProcessPlace place, const
             limits.deadline ? std::chrono::ceil<std::chrono::milliseconds>(*limits.deadline - now) : PollInterval;
         process.WaitForChange(std::min(PollInterval, left));
     }
-    record.cost += process.Cost();
+    record.cost += place.launcher.empty() ? process.Cost() : ProcessCost{.wall = process.Cost().wall};
     if (isLate) {
         throw LimitException("Timed out (--timeout). " + std::string(ProcessInterruptedException(command).what()));
     }

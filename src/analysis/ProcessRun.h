@@ -11,10 +11,11 @@
 namespace Orvanta {
 
 /// Where and with what a child is started.
-/// Both outlive the start.
+/// All outlive the start.
 struct ProcessPlace {
     const std::string& workingDirectory;
     const EnvironmentBlock& environment;
+    LauncherWords launcher = {};
 };
 
 /// What a child may take before it is ended.
@@ -26,7 +27,8 @@ struct ChildLimits {
 /// Where what is known of a child goes, whatever its end was. Both outlive the run of it.
 struct ChildRecord {
     CapturedOutput& output;
-    ProcessCost& cost; ///< is added to; of a child that was ended at a limit, or by a stop, its time alone
+    /// Is added to. Of a child that was ended at a limit or by a stop, and of one that a launcher runs, its time alone.
+    ProcessCost& cost;
 };
 
 /// A child was ended, or has failed, because of one of its limits. The text names the child and the option.

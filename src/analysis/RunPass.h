@@ -46,7 +46,9 @@ struct ListDependencies {
 };
 
 /// Collects what other units need to know of this one.
-struct Collect {};
+struct Collect {
+    bool leavesText = true; ///< for the stage that performs in the same run
+};
 
 /// The same, and the history keeps the files that the unit is made of.
 struct CollectAndKeep {

@@ -4,10 +4,6 @@
 
 namespace Orvanta {
 
-std::string RunPlaces::MergedFile() const {
-    return JoinPath(OrvantaFolder(outputFolder), "intermodular-merged-info.Orvanta.dfo");
-}
-
 std::string OrvantaFolder(const std::string& outputFolder) {
     return JoinPath(outputFolder, ".Orvanta");
 }

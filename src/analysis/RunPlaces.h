@@ -2,6 +2,8 @@
 
 #include "settings/SettingsFile.h"
 
+#include <cstddef>
+#include <functional>
 #include <string>
 
 namespace Orvanta {
@@ -18,9 +20,13 @@ struct RunPlaces {
     ResultCache* cache = nullptr; ///< of results of earlier runs; null when there is none
     SettingsFile::Lifetime unitFiles = SettingsFile::Lifetime::Remove; ///< of the preprocessed and the settings files
 
-    /// What the core links of all units in an intermodular analysis.
-    [[nodiscard]] std::string MergedFile() const;
+    std::string mergedFile = {}; ///< what the core links of all units in an intermodular analysis
+    /// Where the core leaves what it collects of a unit; empty: with the other temporary files of the unit.
+    std::function<std::string(std::size_t unit)> collectedPathOf = {};
 };
+
+/// The name of the file into which the core links.
+inline constexpr const char* MergedFileName = "intermodular-merged-info.Orvanta.dfo";
 
 /// The folder in the output folder that takes what later runs and stages need.
 [[nodiscard]] std::string OrvantaFolder(const std::string& outputFolder);

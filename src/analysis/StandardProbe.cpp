@@ -181,11 +181,11 @@ ProbedStandard StandardProbe::Ask(const Compiler& model, const ParsedCommand& co
                                      JoinPath(folder_, number + "__std_test__.rsp"));
     const Arguments& words = startable.Words();
     CapturedOutput output;
-    Process process(words, place.workingDirectory, place.environment,
+    Process process(words, {place.workingDirectory, place.environment, ProcessGroup::Own, place.launcher},
                     MakeRedirectToStringProcessor(output.standardOutput),
                     MakeRedirectToStringProcessor(output.standardError));
     // A compiler that reads standard input, or asks for a licence, must not hold up the run for good.
-    const WaitResult end = WaitWithTimeout(process, ProbeTimeout, PollInterval, stop_);
+    const WaitResult end = WaitWithTimeout(process, AnswerTimeout(ProbeTimeout, place.launcher), PollInterval, stop_);
     try {
         if (JudgeEnd(words, end, process, output) == ProcessOutcome::Stopped) {
             return FallbackStandard(language);

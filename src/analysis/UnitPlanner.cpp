@@ -84,7 +84,7 @@ void JudgeUnit(UnitPlan& plan, const RunSettings& settings) {
 UnitPlanner::UnitPlanner(const RunSettings& settings, const CompilerRegistry& registry, const RunPlaces& places,
                          Log& log, const StopFlag& stop)
     : settings_(settings), registry_(registry), places_(places), log_(log), probe_(places.temporaryFolder, stop),
-      visualStudio_(log, VisualStudioHost(settings)),
+      platforms_(settings.childLauncher), visualStudio_(log, VisualStudioHost(settings)),
       commonEnvironment_(std::make_shared<EnvironmentBlock>(
           InvocationEnvironment(OwnEnvironment(), {}, settings.environmentChanges))) {}
 
@@ -118,7 +118,7 @@ UnitPlan UnitPlanner::Plan(const CompileCommand& command, std::size_t unit, Inte
     plan.preprocessing = plan.model->BuildPreprocessCommand(plan.parsed, plan.files.preprocessedPath);
     const std::string standard = FindStandard(plan);
     plan.settings = BuildUnitSettings(settings_.userSettings, *plan.model, plan.parsed, standard, plan.files);
-    AddIntermodularSettings(plan.settings, mode, places_.MergedFile(), plan.files.collectedPath);
+    AddIntermodularSettings(plan.settings, mode, places_.mergedFile, plan.files.collectedPath);
     return plan;
 }
 
@@ -174,7 +174,7 @@ UnitFiles UnitPlanner::NameFiles(const CompileCommand& command, std::size_t unit
     // clears what a killed one has left.
     const std::string stagesPath = JoinPath(places_.temporaryFolder, name);
     files.dependenciesPath = stagesPath + ".Orvanta.dependencies";
-    files.collectedPath = stagesPath + ".Orvanta.dfo";
+    files.collectedPath = places_.collectedPathOf ? places_.collectedPathOf(unit) : stagesPath + ".Orvanta.dfo";
     return files;
 }
 
@@ -214,8 +214,9 @@ std::string UnitPlanner::FindStandard(UnitPlan& plan) {
     if (stated) {
         return std::string(StandardWord(*stated, language));
     }
-    ProbedStandard answer = probe_.ProbeLanguageStandard(
-        *plan.model, plan.parsed, language, {plan.Directory(), *plan.environment}, *plan.command->environment);
+    ProbedStandard answer = probe_.ProbeLanguageStandard(*plan.model, plan.parsed, language,
+                                                         {plan.Directory(), *plan.environment, settings_.childLauncher},
+                                                         *plan.command->environment);
     plan.standardOrigin = answer.isTold ? StandardOrigin::Compiler : StandardOrigin::Fallback;
     return std::move(answer.word);
 }

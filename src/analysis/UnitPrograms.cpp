@@ -104,8 +104,9 @@ ProcessOutcome UnitPrograms::RunChild(const Arguments& command, const Environmen
     end = {};
     isOutOfMemory_ = false;
     try {
-        const ProcessOutcome outcome = RunSupervised(command, {plan_.Directory(), environment}, context_.limits,
-                                                     context_.stop, {end.output, facts.cost});
+        const ProcessOutcome outcome =
+            RunSupervised(command, {plan_.Directory(), environment, context_.settings.childLauncher}, context_.limits,
+                          context_.stop, {end.output, facts.cost});
         if (outcome == ProcessOutcome::Succeeded) {
             end.exitCode = 0;
         }

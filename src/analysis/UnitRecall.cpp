@@ -53,7 +53,7 @@ void UnitRecall::Keep(const std::string& fragmentPath, std::string_view output,
 void UnitRecall::KeepDependencies(const std::vector<std::string>& dependencies) {
     if (looked_ && looked_->result && !looked_->result->dependencies) {
         looked_->result->dependencies = dependencies;
-        cache_->Store(looked_->key, *looked_->result);
+        cache_->Replace(looked_->key, *looked_->result);
     }
 }
 

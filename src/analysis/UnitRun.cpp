@@ -151,9 +151,15 @@ AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
     return AnalyzerStatus::Analyzed;
 }
 
-AnalyzerStatus UnitRun::Do(const Work::Collect&) {
+AnalyzerStatus UnitRun::Do(const Work::Collect& work) {
+    if (!work.leavesText) {
+        programs_.RemoveTextAtEnd();
+    }
     if (Preprocess() == ProcessOutcome::Stopped) {
         return AnalyzerStatus::Stopped;
+    }
+    if (!work.leavesText) {
+        return CollectText();
     }
     try {
         if (const std::optional<Dependencies> dependencies = ListDependencies()) {

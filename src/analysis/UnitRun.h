@@ -42,7 +42,7 @@ private:
     [[nodiscard]] AnalyzerStatus Do(const Work::AnalyzeAndKeep& work);
     // Units that are left out are listed too, when they are asked for: whether they stay so is another question.
     [[nodiscard]] AnalyzerStatus Do(const Work::ListDependencies& work);
-    // Leaves the text and the list of its files for the stage that performs.
+    // Leaves the text and the list of its files where a stage of the run performs.
     [[nodiscard]] AnalyzerStatus Do(const Work::Collect& work);
     // As Collect, but a list that can't be made is a failure: the history needs it.
     [[nodiscard]] AnalyzerStatus Do(const Work::CollectAndKeep& work);

@@ -1,11 +1,14 @@
 #include "app/AnalyzeOptions.h"
 
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ShardOptions.h"
+#include "app/StageOptions.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+#include "settings/EngineList.h"
 #include "settings/SettingsMap.h"
 
 #include <args.hxx>
@@ -15,7 +18,6 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -92,6 +94,8 @@ const OptionRow VisibleOptions[] = {
     {'e', "exclude-path", "PATH", "Directory whose files are not necessary to check", nullptr, nullptr,
      &A::excludePaths},
     {'a', "analysis-mode", "MODE", AnalysisModeHelp, "GA", nullptr, &A::analysisMode},
+    {0, "engines", "NAMES", "Engines of the bundled core that look at the files, joined by ','", "those installed",
+     "'cppcheck', 'clang'", &A::engines},
     {'r', "sourcetree-root", "DIR", "Replace absolute paths in report with relative paths", nullptr, nullptr,
      &A::sourceTreeRoot},
     {'p', "preprocessor", "NAME", "Preprocessor (gcc or clang)", "<auto-detected>", nullptr, &A::preprocessor},
@@ -105,6 +109,13 @@ const OptionRow VisibleOptions[] = {
     {0, "max-memory", "SIZE",
      "Analyze no more files at once than fit into SIZE bytes; K, M and G behind the number count", nullptr, nullptr,
      &A::maxMemory},
+    {0, "launcher", "WORDS",
+     "Have each compiler and core started by the program that WORDS begin with, such as 'srun -n1 --exclusive'; needs "
+     "--shared",
+     nullptr, nullptr, &A::launcher},
+    {0, "shared", "DIR",
+     "Folder that all machines of a run see; holds the files of --launcher and --intermodular-stage", nullptr, nullptr,
+     &A::shared},
     {0, "bundle", "DIR",
      "Write what lets a file that fails be analyzed again elsewhere, without project and compiler, into a folder in "
      "DIR",
@@ -133,6 +144,8 @@ const OptionRow VisibleOptions[] = {
      "'isysroot', 'system_include_dir' etc.",
      nullptr, nullptr, &A::analyzeSystemPaths},
     {0, "intermodular", "", "Enable intermodular analysis", nullptr, nullptr, &A::intermodular},
+    {0, "intermodular-stage", "STAGE", "Run one stage of the intermodular analysis; needs --shared", nullptr,
+     "'collect', 'link', 'perform'", &A::intermodularStage},
     {0, "regenerate-depend-info", "OPTION",
      "Regenerates compilation dependency information for each source file and saves it into depend_info.json.\n"
      "skip-analysis - performs regeneration without starting the analysis;\n"
@@ -288,6 +301,8 @@ AnalyzeOptions ParseAnalyzeOptions(args::Subparser& parser) {
     parser.Parse();
     AnalyzeOptions options;
     reader.StoreInto(options);
+    // Whatever is said of the whole holds for each of its stages.
+    options.intermodular = options.intermodular || options.intermodularStage;
     return options;
 }
 
@@ -340,34 +355,6 @@ std::vector<std::optional<std::string>> NamedInputs(const AnalyzeOptions& option
             options.sourceFile,    options.dependencyFile, options.rulesConfig, options.costs};
 }
 
-std::vector<std::string> WarningsAbout(const AnalyzeOptions& options) {
-    struct WordRow {
-        const char* option;
-        const std::optional<std::string>& value;
-        std::initializer_list<std::string_view> known;
-        const char* expected;
-    };
-
-    const WordRow rows[] = {
-        {"--preprocessor", options.preprocessor, {"gcc", "clang"}, "gcc or clang"},
-        {"--platform",
-         options.platform,
-         {"linux64", "linux32", "x64", "Win32", "arm", "arm64", "msp430", "avr8", "pic8"},
-         "linux64, linux32, x64, Win32, arm, arm64, msp430, avr8 or pic8"},
-    };
-    std::vector<std::string> warnings;
-    for (const WordRow& row : rows) {
-        if (row.value && std::find(row.known.begin(), row.known.end(), *row.value) == row.known.end()) {
-            warnings.push_back(std::string("Warning: unknown value of ") + row.option + ": \"" + *row.value +
-                               "\", expected " + row.expected);
-        }
-    }
-    if (options.rulesConfig && !LookAt(*options.rulesConfig).IsThere()) {
-        warnings.push_back("Warning: the file of --rules-config doesn't exist: " + *options.rulesConfig);
-    }
-    return warnings;
-}
-
 std::size_t FindingsToShow(const AnalyzeOptions& options) {
     constexpr std::size_t Default = 10;
     if (!options.show) {
@@ -378,6 +365,14 @@ std::size_t FindingsToShow(const AnalyzeOptions& options) {
         throw ZelmException("Wrong value of --show: \"" + *options.show + "\", expected a number of 0 or more");
     }
     return *count;
+}
+
+void RequireKnownEngines(const std::optional<std::string>& engines) {
+    try {
+        static_cast<void>(ParseEngineList(engines.value_or("")));
+    } catch (const ZelmException& error) {
+        throw ZelmException(std::string("Wrong value of --engines: ") + error.what());
+    }
 }
 
 std::uint64_t RequireByteCount(const std::string& text, const std::string& option) {
@@ -441,11 +436,14 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     RefuseEmpty(options.includeDirectories, "--include-dir");
     RefuseEmpty(options.sourceTreeRoot, "--sourcetree-root");
     RefuseEmpty(options.rulesConfig, "--rules-config");
+    RefuseEmpty(options.engines, "--engines");
+    RequireKnownEngines(options.engines);
     RefuseEmpty(options.preprocessor, "--preprocessor");
     RefuseEmpty(options.platform, "--platform");
     RefuseEmpty(options.bundle, "--bundle");
     RefuseEmpty(options.bundleSources, "--bundle-unit");
     RefuseEmpty(options.cachePlace, "--cache");
+    RefuseEmpty(options.shared, "--shared");
     RequireExisting(options.cacheTokenFile, "Token file doesn't exist: ");
     if (options.settingsFile && *options.settingsFile != FindSettingsFile) {
         RequireExisting(AbsolutePath(*options.settingsFile), "Config file doesn't exist: ");
@@ -473,6 +471,8 @@ void ValidateAnalyzeOptions(const AnalyzeOptions& options) {
     // What links the units is the core's own: nobody can replace names in it.
     RefuseTogether(options.scrub, options.intermodular, "--scrub and --intermodular");
     ValidateShardOptions(options);
+    ValidateLauncherOptions(options);
+    ValidateStageOptions(options);
     if (options.bundle && LookAt(*options.bundle).IsThere() && !IsDirectory(*options.bundle)) {
         throw ZelmException("Wrong value of --bundle: \"" + *options.bundle + "\", expected a folder");
     }

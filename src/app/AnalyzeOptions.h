@@ -85,6 +85,7 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::vector<std::string> environment; ///< "VAR=VALUE"
     std::vector<std::string> excludePaths;
     std::optional<std::string> analysisMode;
+    std::optional<std::string> engines; ///< as ParseEngineList reads them
     std::optional<std::string> sourceTreeRoot;
     std::optional<std::string> preprocessor;
     std::optional<std::string> platform;
@@ -92,6 +93,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> timeout;    ///< seconds
     std::optional<std::string> maxOutput;  ///< bytes, or with a suffix
     std::optional<std::string> maxMemory;  ///< likewise
+    std::optional<std::string> launcher;   ///< a command string
+    std::optional<std::string> shared;     ///< a folder
     std::optional<std::string> bundle;     ///< a folder
     std::optional<std::string> bundleSlow; ///< seconds
     std::vector<std::string> bundleSources;
@@ -103,7 +106,8 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
     std::optional<std::string> rulesConfig;
     bool ignoreCcache = false;
     bool analyzeSystemPaths = false;
-    bool intermodular = false;
+    bool intermodular = false; ///< also for one of its stages
+    std::optional<std::string> intermodularStage;
     std::optional<std::string> regenerateDependInfo;
 };
 
@@ -158,10 +162,6 @@ void RequireUsableStats(const AnalyzeOptions& options);
 /// mean nothing.
 /// \throws ZelmException for the first fault found
 void ValidateAnalyzeOptions(const AnalyzeOptions& options);
-
-/// Warnings about values that are taken but mean nothing to us, each a line that names the option: before any work, and
-/// after the options were found valid.
-[[nodiscard]] std::vector<std::string> WarningsAbout(const AnalyzeOptions& options);
 
 /// The form of `--progress`, or the default.
 /// \throws ZelmException for a word that means nothing

@@ -11,6 +11,7 @@
 #include "app/RunMonitor.h"
 #include "app/RunSetup.h"
 #include "app/ShownFindings.h"
+#include "app/StageReceivers.h"
 #include "app/Version.h"
 #include "report/ReportPass.h"
 #include "report/SourceRootTransformer.h"
@@ -25,6 +26,10 @@ namespace {
 
 constexpr unsigned AllPercents = 100;
 
+constexpr const char* Collecting = "Intermodular analysis stage: Collecting intermodular information.\n";
+constexpr const char* Linking = "Intermodular analysis stage: Linking intermodular information.\n";
+constexpr const char* Performing = "Intermodular analysis stage: Performing analysis.\n";
+
 // The runner takes pointers, so that nothing of a large build is copied.
 std::vector<const CompileCommand*> PointersTo(std::span<const CompileCommand> commands) {
     std::vector<const CompileCommand*> pointers;
@@ -33,6 +38,10 @@ std::vector<const CompileCommand*> PointersTo(std::span<const CompileCommand> co
         pointers.push_back(&command);
     }
     return pointers;
+}
+
+std::string SourceFiles(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " source file" : " source files");
 }
 
 bool AreAll(std::span<const UnitAction> actions, UnitAction wanted) {
@@ -129,6 +138,9 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
     if (regeneration == RegenerateDependInfoOption::SkipAnalysis) {
         return {{Work::ListDependencies{history_->Units()}, list, &AnalyzePasses::LearnOnly}};
     }
+    if (input_.stage) {
+        return ListStagePasses();
+    }
     if (input_.options.intermodular) {
         return ListIntermodularPasses();
     }
@@ -150,24 +162,51 @@ std::vector<AnalyzePasses::Pass> AnalyzePasses::ListPasses() {
 
 std::vector<AnalyzePasses::Pass> AnalyzePasses::ListIntermodularPasses() {
     const auto collect = [this]() -> std::optional<Actions> {
-        user_.log.Text("Intermodular analysis stage: Collecting intermodular information.\n");
+        user_.log.Text(Collecting);
         PrepareMerge(places_);
         return Actions(units_.size(), UnitAction::Run); // nothing is excluded: others may use it
     };
     const auto perform = [this]() -> std::optional<Actions> {
-        user_.log.Text("Intermodular analysis stage: Linking intermodular information.\n");
+        user_.log.Text(Linking);
         runner_.RunMerge(units_);
         if (user_.stop.IsSet()) {
             return std::nullopt;
         }
-        user_.log.Text("Intermodular analysis stage: Performing analysis.\n");
+        user_.log.Text(Performing);
         return SelectAll(input_.commands.units, input_.settings);
     };
     // Made before the first unit is collected: what changes from here on is seen.
     FileChanges& changes = changes_.emplace(places_.temporaryFolder);
     const UnitWork collecting = history_ ? UnitWork(Work::CollectAndKeep{history_->Units()}) : Work::Collect{};
-    return {{collecting, collect, &AnalyzePasses::Learn, "Its intermodular information could not be collected: "},
+    return {{collecting, collect, &AnalyzePasses::Learn, NotCollected},
             {Work::Perform{changes}, perform, &AnalyzePasses::Report}};
+}
+
+std::vector<AnalyzePasses::Pass> AnalyzePasses::ListStagePasses() {
+    switch (input_.stage->stage) {
+    case IntermodularStage::Collect: {
+        const auto collect = [this]() -> std::optional<Actions> {
+            user_.log.Text(Collecting);
+            return Actions(units_.size(), UnitAction::Run);
+        };
+        return {{Work::Collect{.leavesText = false}, collect, &AnalyzePasses::Collect}};
+    }
+    case IntermodularStage::Link: {
+        const auto link = [this]() -> std::optional<Actions> {
+            user_.log.Text(Linking);
+            Link();
+            return std::nullopt;
+        };
+        return {{Work::Collect{}, link, nullptr}};
+    }
+    case IntermodularStage::Perform:
+        break;
+    }
+    const auto perform = [this]() -> std::optional<Actions> {
+        user_.log.Text(Performing);
+        return SelectAll(input_.commands.units, input_.settings);
+    };
+    return {{Work::Perform{changes_.emplace(places_.temporaryFolder)}, perform, &AnalyzePasses::Report}};
 }
 
 std::optional<AnalyzePasses::Actions> AnalyzePasses::SelectForListing() {
@@ -250,18 +289,63 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
         return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
     });
     committer.TellTo(part.get());
+    std::unique_ptr<ResultReceiver> before; // the committer; null: nobody
     if (journal_) {
-        JournalWriter writer(*journal_, committer);
-        Go(pass, actions, percents, writer, ending_.outcome);
-    } else {
-        Go(pass, actions, percents, committer, ending_.outcome);
+        before = std::make_unique<JournalWriter>(*journal_, committer);
+    } else if (input_.stage) {
+        before = std::make_unique<PerformedResults>(CollectFailures(), committer);
     }
+    Go(pass, actions, percents, before ? *before : committer, ending_.outcome);
     // Only of a pass that came to its end: after an error the last commit stands.
     chain.Front().End();
     if (input_.base) {
         ending_.outcome.hiddenFindings = chain.HiddenCount();
         ending_.outcome.findingsByLevel[1] += input_.base->IsOutdated() ? 1U : 0U; // the notice of that is a finding
     }
+}
+
+// A pass whose results a later run links.
+void AnalyzePasses::Collect(const Pass& pass, const Actions& actions, PercentRange percents) {
+    const StageInput& stage = *input_.stage;
+    const std::unique_ptr<PartWriter> part = OpenCollectedPart(input_, places_);
+    // In this order: from the first moment on nothing of an earlier run is taken for this one's.
+    part->Commit();
+    stage.folder.ForgetUnits(stage.selection.shard);
+    ReportCommitter committer(units_.size(), *part);
+    committer.TellTo(part.get());
+    CollectedResults results(committer);
+    Go(pass, actions, percents, results, ending_.outcome);
+    part->End();
+    const auto& statuses = ending_.outcome.statuses;
+    const auto count = std::count(statuses.begin(), statuses.end(), AnalyzerStatus::Analyzed);
+    ending_.summary = "The intermodular information of " + SourceFiles(static_cast<std::size_t>(count)) +
+                      " is saved to " + stage.folder.FolderOf(stage.selection.shard) + "\n";
+}
+
+void AnalyzePasses::Link() {
+    const StageInput& stage = *input_.stage;
+    stage.folder.ForgetLinked();
+    runner_.RunMerge(units_);
+    if (user_.stop.IsSet()) {
+        return;
+    }
+    stage.folder.NoteLinked(stage.collected);
+    ending_.outcome.statuses.assign(units_.size(), AnalyzerStatus::NotListed);
+    ending_.summary = "The intermodular information of " +
+                      SourceFiles(units_.size() - stage.collected.failures.size()) + " is linked into " +
+                      places_.mergedFile + "\n";
+}
+
+std::map<std::size_t, CollectFailure> AnalyzePasses::CollectFailures() const {
+    const StageInput& stage = *input_.stage;
+    std::map<std::size_t, CollectFailure> failures;
+    for (std::size_t unit = 0; unit < stage.selection.units.size(); ++unit) {
+        if (const auto failure = stage.collected.failures.find(stage.selection.units[unit]);
+            failure != stage.collected.failures.end()) {
+            failures.emplace(unit, failure->second);
+        }
+    }
+    return failures;
 }
 
 // The same, of units that carry their findings over to later runs.

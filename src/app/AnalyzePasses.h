@@ -9,7 +9,9 @@
 #include "platform/Log.h"
 #include "platform/StopFlag.h"
 
+#include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -70,6 +72,8 @@ private:
     [[nodiscard]] std::vector<Pass> ListPasses();
     // Collecting and performing; the linking stands before the second selects its units.
     [[nodiscard]] std::vector<Pass> ListIntermodularPasses();
+    // The one pass of a stage that is a run of its own; linking is a pass over no unit.
+    [[nodiscard]] std::vector<Pass> ListStagePasses();
     // Absent when the dependencies of all units are known.
     [[nodiscard]] std::optional<Actions> SelectForListing();
     // Absent when the report needs no run: the ending then says why.
@@ -80,6 +84,12 @@ private:
     void LearnOnly(const Pass& pass, const Actions& actions, PercentRange percents);
     // A pass whose results make up the report, which is opened here and whole at the end.
     void Report(const Pass& pass, const Actions& actions, PercentRange percents);
+    // A pass whose results a later run links.
+    void Collect(const Pass& pass, const Actions& actions, PercentRange percents);
+    // Has the core link what all shards have collected.
+    void Link();
+    // Of the units of the run, those that could not be collected by an earlier one.
+    [[nodiscard]] std::map<std::size_t, CollectFailure> CollectFailures() const;
     // The same, of units that carry their findings over to later runs.
     void ReportByHistory(const Pass& pass, const Actions& actions, PercentRange percents);
     // Runs the pass; `outcome` is set also when it ends in an error.

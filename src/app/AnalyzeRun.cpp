@@ -7,6 +7,7 @@
 #include "analysis/RunSummary.h"
 #include "app/AnalyzePasses.h"
 #include "app/InputReading.h"
+#include "app/OpenPart.h"
 #include "app/OutputCheck.h"
 #include "app/RunCache.h"
 #include "app/RunMonitor.h"
@@ -14,6 +15,7 @@
 #include "app/RunStatistics.h"
 #include "app/RunTeller.h"
 #include "app/ShardOptions.h"
+#include "app/StageOptions.h"
 #include "app/Version.h"
 #include "buildinput/CompilationDatabase.h"
 #include "platform/Console.h"
@@ -37,6 +39,16 @@ AnalyzeInput InputOf(const AnalyzeOptions& options) {
     const unsigned threads = ThreadCount(options);
     std::string reportPath = ReportPath(options, settings);
     return {options, std::move(settings), threads, std::move(reportPath)};
+}
+
+// What a launcher starts must see the files that it is told of.
+TemporaryFolder MakeTemporaryFolder(const AnalyzeOptions& options) {
+    if (!options.launcher) {
+        return TemporaryFolder();
+    }
+    const std::string shared = SharedFolderOf(options);
+    MakeFolders(shared);
+    return TemporaryFolder(shared);
 }
 
 bool IsOnTerminal() {
@@ -78,7 +90,8 @@ RunMonitor::Display StatusOf(const AnalyzeOptions& options) {
 } // namespace
 
 AnalyzeRun::AnalyzeRun(const AnalyzeOptions& options)
-    : input_(InputOf(options)), outputFolder_(OutputFolderOf(input_.reportPath)),
+    : input_(InputOf(options)), registry_(input_.settings.childLauncher),
+      outputFolder_(OutputFolderOf(input_.reportPath)),
       log_(options.verbose ? Log::Verbosity::Verbose : Log::Verbosity::Normal),
       shown_(FindingsToShow(options), GateOf(options)), progress_(LinesOf(options), log_) {}
 
@@ -95,10 +108,7 @@ void AnalyzeRun::Run() {
     if (stop_.IsSet()) {
         throw ZelmRcException(InterruptedExitCode);
     }
-    if (const std::optional<Shard> shard = ShardOf(input_.options)) {
-        // From here on the others are no part of the run.
-        input_.shard = KeepShard(input_.commands, *shard, std::exchange(input_.prices, std::nullopt));
-    }
+    ChooseUnits();
     // Before the units are counted, so that an empty database shows that nothing was found.
     if (input_.options.dumpJson) {
         WriteCompilationDatabase(AbsolutePath(*input_.options.dumpJson), input_.commands.units);
@@ -111,6 +121,25 @@ void AnalyzeRun::Run() {
     }
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
+    }
+}
+
+void AnalyzeRun::ChooseUnits() {
+    const std::optional<Shard> shard = ShardOf(input_.options);
+    const std::optional<IntermodularStage> stage = StageOf(input_.options);
+    if (!shard && !stage) {
+        return;
+    }
+    // What stages collect names files by their places: then these count.
+    const RootMark root(stage ? std::string() : SourceTreeRoot(input_.settings));
+    // From here on the units of other shards are no part of the run.
+    ShardSelection selection =
+        KeepShard(input_.commands, shard.value_or(Shard()), std::exchange(input_.prices, std::nullopt), root);
+    if (stage) {
+        input_.stage = {*stage, StageFolder(SharedFolderOf(input_.options)), selection};
+    }
+    if (shard) {
+        input_.shard = std::move(selection);
     }
 }
 
@@ -150,14 +179,18 @@ int AnalyzeRun::Analyze() {
         statistics.emplace(AbsolutePath(*input_.options.stats));
     }
     // Inside the locks: what goes at the end goes before another run may begin.
-    const TemporaryFolder temporaryFolder;
+    const TemporaryFolder temporaryFolder = MakeTemporaryFolder(input_.options);
     const CoreLocation core = FindCore();
     RunPlaces places = MakePlaces(core.path, temporaryFolder.Path());
     // The core's first start: one that can't be started leaves the earlier report as it was.
     places.coreVersion = VersionOf(core, temporaryFolder.Path());
     log_.VerboseLine("Version of the core: " + places.coreVersion);
+    EnterStage(places);
     cache_ = MakeResultCache(input_.settings, places);
     places.cache = cache_.get();
+    if (!input_.settings.childLauncher.empty()) {
+        log_.VerboseLine("Compilers and the core are started by: " + CommandLineText(input_.settings.childLauncher));
+    }
     AnalyzerRunner runner(input_.settings, registry_, places, log_, progress_, stop_);
     RunMonitor monitor(input_.commands.units, input_.threads, locks.Folder(), StatusOf(input_.options), log_);
     std::optional<ReplayBundles> bundles;
@@ -197,6 +230,9 @@ int AnalyzeRun::ResultOf(const RunEnding& ending) const {
     if (ending.selectsNothing && input_.options.allowEmpty) {
         return 0;
     }
+    if (input_.stage && input_.stage->stage == IntermodularStage::Link) {
+        return stop_.IsSet() ? InterruptedExitCode : 0; // what could not be collected is told by the stages beside it
+    }
     if (input_.shard) {
         return ShardResult(ending.outcome);
     }
@@ -210,10 +246,50 @@ RunLocks AnalyzeRun::TakeLocks() {
         locks.TakeReport(input_.reportPath, stop_, log_);
     }
     // The three that write into that folder.
-    if (UsesHistory(input_) || options.intermodular || options.dumpFiles) {
+    if (UsesHistory(input_) || (options.intermodular && !input_.stage) || options.dumpFiles) {
         locks.TakeShared(OrvantaFolder(outputFolder_), stop_, log_);
     }
+    if (const std::string folder = StageFolderToLock(); !folder.empty()) {
+        MakeFolders(std::string(DirectoryOf(folder)));
+        locks.TakeShared(folder, stop_, log_);
+    }
     return locks;
+}
+
+std::string AnalyzeRun::StageFolderToLock() const {
+    if (input_.stage) {
+        switch (input_.stage->stage) {
+        case IntermodularStage::Collect:
+            return input_.stage->folder.FolderOf(input_.stage->selection.shard);
+        case IntermodularStage::Link:
+            return input_.stage->folder.LinkedFolder();
+        case IntermodularStage::Perform:
+            break;
+        }
+    }
+    return "";
+}
+
+void AnalyzeRun::EnterStage(RunPlaces& places) {
+    if (!input_.stage) {
+        return;
+    }
+    StageInput& stage = *input_.stage;
+    if (stage.stage == IntermodularStage::Collect) {
+        places.collectedPathOf = [&stage](std::size_t unit) {
+            return stage.folder.UnitFile(stage.selection.shard, stage.selection.units[unit]);
+        };
+        return;
+    }
+    stage.collected = stage.folder.ReadCollected(MakersOf(input_, stage.selection, places));
+    if (stage.stage == IntermodularStage::Perform) {
+        stage.folder.RequireLinked(stage.collected);
+    }
+    places.mergedFile = stage.folder.MergedFile();
+    places.collectedPathOf = [&stage](std::size_t unit) {
+        const std::size_t number = stage.selection.units[unit];
+        return stage.folder.UnitFile({stage.collected.shardOf[number], stage.collected.shards}, number);
+    };
 }
 
 RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string& temporaryFolder) {
@@ -222,6 +298,7 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string&
     places.unitFolder = temporaryFolder;
     places.temporaryFolder = temporaryFolder;
     places.outputFolder = outputFolder_;
+    places.mergedFile = JoinPath(OrvantaFolder(outputFolder_), MergedFileName);
     if (input_.options.dumpFiles) {
         places.unitFolder = OrvantaFolder(outputFolder_);
         places.unitFiles = SettingsFile::Lifetime::Keep;
@@ -232,7 +309,7 @@ RunPlaces AnalyzeRun::MakePlaces(const std::string& corePath, const std::string&
 }
 
 std::string AnalyzeRun::VersionOf(const CoreLocation& core, const std::string& folder) {
-    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_);
+    const CoreAnswer answer = AskCoreVersion(core.path, folder, stop_, input_.settings.childLauncher);
     // Another core may not know the question. Ours does, and fails when its engine is missing: then every unit would,
     // but not a mere listing of what they include.
     const bool isListingOnly = RegenerationOf(input_.options) == RegenerateDependInfoOption::SkipAnalysis;

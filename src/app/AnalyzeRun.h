@@ -50,6 +50,8 @@ private:
 
     // Reads what there is to do. Starts compilers where they have to be identified, but no core; touches no report.
     void ReadInputs();
+    // Leaves the units of the shard, where the run is to have a part of them, and says which of the whole they are.
+    void ChooseUnits();
     // Sees to it that no output takes the place of a source: the first moment at which these are known.
     void RequireOutputs() const;
     // Opens the file of --dump-log, which gets all that was said so far.
@@ -60,6 +62,11 @@ private:
     [[nodiscard]] RunLocks TakeLocks();
     // Where the run's files go; makes the folder in which the user wants to keep them.
     [[nodiscard]] RunPlaces MakePlaces(const std::string& corePath, const std::string& temporaryFolder);
+    // The folder into which a stage writes that is a run of its own; empty for none.
+    [[nodiscard]] std::string StageFolderToLock() const;
+    // Reads what the stages before have left and puts this one's files where those after it look for them. Throws when
+    // something is missing, or is not of this run.
+    void EnterStage(RunPlaces& places);
     // The core that the options name, else the one that is found; the log tells of the bundled one.
     [[nodiscard]] CoreLocation FindCore();
     // What the core says of itself. Throws when the bundled one can analyze nothing, with what is missing.
@@ -71,8 +78,8 @@ private:
 
     const Clock::time_point start_ = Clock::now();
     const StopFlag& stop_ = ProcessStopFlag();
-    const CompilerRegistry registry_;
     AnalyzeInput input_;
+    const CompilerRegistry registry_;
     std::string outputFolder_; // of the report, or the current one
     Log log_;
     ShownFindings shown_;

@@ -133,7 +133,7 @@ private:
         }
         ReportCommitter committer(parts_.UnitCount(), *report, chain.Front(),
                                   [](std::size_t) { return std::string(); });
-        std::unordered_set<Fingerprint, OrvlogConverter::FingerprintHash> hidden;
+        std::unordered_set<Fingerprint, FingerprintHash> hidden;
         for (std::size_t unit = 0; unit < parts_.UnitCount(); ++unit) {
             if (stop_.IsSet()) {
                 throw OrvlogConverter::StoppedException();

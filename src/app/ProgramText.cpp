@@ -56,6 +56,10 @@ std::vector<std::string> MisraStandardChoices() {
 const ChoicesRow ChoicesOfOptions[] = {
     {"--analysis-mode", AnalyzerChoices},
     {"--analyzer", SpecificationChoices},
+    {"--engines",
+     [] {
+         return std::vector<std::string>{"cppcheck", "clang"};
+     }},
     {"--fail-on", SpecificationChoices},
     {"--render-types", RenderTypeChoices},
     {"--preprocessor",

@@ -1,7 +1,9 @@
 #include "app/RunSetup.h"
 
+#include "app/LauncherOptions.h"
 #include "app/OutputCheck.h"
 #include "app/ProjectSettings.h"
+#include "app/StageOptions.h"
 #include "cache/ResultStore.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
@@ -21,8 +23,6 @@
 namespace Orvanta {
 
 namespace {
-
-constexpr const char* SourceTreeRootKey = "sourcetree-root";
 
 // The settings reader does not know these keys as paths, so they are still as written.
 void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile) {
@@ -71,6 +71,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
     }
     OverrideIfGiven(settings, "preprocessor", options.preprocessor);
     OverrideIfGiven(settings, "platform", options.platform);
+    OverrideIfGiven(settings, "engines", options.engines);
     if (options.rulesConfig) {
         OverrideSetting(settings, "rules-config", AbsolutePath(*options.rulesConfig));
     }
@@ -115,6 +116,7 @@ void ApplyOptions(RunSettings& settings, const AnalyzeOptions& options) {
         throw ZelmException("--cache-readonly, --cache-size and --cache-token-file need --cache");
     }
     settings.maxMemory = MaxMemoryOf(options);
+    settings.childLauncher = LauncherOf(options);
     settings.ignoreCcache = options.ignoreCcache;
     settings.analyzeSystemPaths = options.analyzeSystemPaths;
     settings.showCoreOutputOfMsvc = options.printStdout;
@@ -185,6 +187,9 @@ unsigned ThreadCount(const AnalyzeOptions& options) {
 }
 
 std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings) {
+    if (!MakesReport(options)) {
+        return "";
+    }
     if (options.shard) { // what the settings name is where the report of all is to go
         std::string path = AbsolutePath(options.outputFile.value_or(DefaultPart));
         RequireNoInput(path, NamedInputs(options));

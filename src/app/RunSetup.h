@@ -25,7 +25,8 @@ namespace Orvanta {
 /// \throws ZelmException when the option is no number of 1 or more
 [[nodiscard]] unsigned ThreadCount(const AnalyzeOptions& options);
 
-/// The absolute path of the run's report, or of a shard's part; empty when the findings go to standard output.
+/// The absolute path of the run's report, or of a shard's part; empty when the findings go to standard output, and for
+/// a stage that makes none.
 [[nodiscard]] std::string ReportPath(const AnalyzeOptions& options, const RunSettings& settings);
 
 /// The folder whose ".Orvanta" keeps what later runs need: the report's; of findings that go to standard output, the
@@ -36,7 +37,7 @@ namespace Orvanta {
 [[nodiscard]] std::string SourceTreeRoot(const RunSettings& settings);
 
 /// The keys of settings by which a report is written.
-inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-format", "sourcetree-root"};
+inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-format", SourceTreeRootKey};
 
 /// The output for a report: one JSON document for a name in ".json", else lines in the form that the settings ask for.
 /// \throws OrvlogConverter::FilesystemException when it can't be written

@@ -38,7 +38,8 @@ void ValidateShardOptions(const AnalyzeOptions& options) {
         {options.regenerateDependInfo.has_value(), "--regenerate-depend-info", NoHistory},
         {options.sourceList.has_value(), "--source-files", NoList},
         {options.dependencyFile.has_value(), "--dep-file", NoList},
-        {options.intermodular, "--intermodular", "What one file needs of the others is spread over the shards"},
+        {options.intermodular && !options.intermodularStage, "--intermodular",
+         "What one file needs of the others is spread over the shards: --intermodular-stage brings it together"},
         {options.failOn.has_value(), "--fail-on", "Give it to merge, which knows all findings"},
     };
     for (const Refusal& refusal : refusals) {

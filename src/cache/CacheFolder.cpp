@@ -144,7 +144,7 @@ std::optional<std::string> CacheFolder::Find(const Digest& key) {
     }
 }
 
-void CacheFolder::Store(const Digest& key, std::string_view bytes) {
+void CacheFolder::Store(const Digest& key, std::string_view bytes, Existing /*existing*/) {
     const std::string path = PathOf(folder_, key.Text());
     MakeFolders(ShardOf(folder_, key.Text()));
     const std::string unfinished = UnfinishedName(path);

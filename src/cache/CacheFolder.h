@@ -29,7 +29,7 @@ public:
 
     [[nodiscard]] std::optional<std::string> Find(const Digest& key) override;
     /// \throws FileException
-    void Store(const Digest& key, std::string_view bytes) override;
+    void Store(const Digest& key, std::string_view bytes, Existing existing) override;
     /// Removes the least recently used of the entries beside that of `key`, which have a 256th of the bytes.
     void MakeRoom(const Digest& key, std::uint64_t largest) override;
 

@@ -9,6 +9,8 @@ namespace {
 constexpr int Ok = 200;
 constexpr int FirstRedirection = 300;
 constexpr int NotFound = 404;
+// To send so much takes no longer than to ask whether it is there.
+constexpr std::size_t CheapBytes = 4096;
 
 bool IsSuccess(int status) {
     return status >= Ok && status < FirstRedirection;
@@ -42,11 +44,15 @@ std::optional<std::string> RemoteStore::Find(const Digest& key) {
     return std::nullopt;
 }
 
-void RemoteStore::Store(const Digest& key, std::string_view bytes) {
+void RemoteStore::Store(const Digest& key, std::string_view bytes, Existing existing) {
     if (!IsAsked()) {
         return;
     }
     try {
+        // Another run may have put it there since it was missed.
+        if (existing == Existing::MayStay && bytes.size() > CheapBytes && client_.Head(AddressOf(key)) == Ok) {
+            return;
+        }
         const HttpAnswer answer = client_.Put(AddressOf(key), bytes);
         if (!IsSuccess(answer.status)) {
             CountFailure(StatusText(answer.status) + " to what is put there");

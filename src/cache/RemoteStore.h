@@ -8,8 +8,8 @@
 
 namespace Orvanta {
 
-/// Results on a server that takes GET and PUT, as build caches and WebDAV do: each at the address and its key. A server
-/// that fails is asked no more after the third time, so that a run never waits long for it.
+/// Results on a server that takes GET, HEAD and PUT, as build caches and WebDAV do: each at the address and its key. A
+/// server that fails is asked no more after the third time, so that a run never waits long for it.
 class RemoteStore : public ResultStore {
 public:
     /// \throws HttpException when the system's library for it is missing
@@ -17,7 +17,7 @@ public:
 
     [[nodiscard]] std::optional<std::string> Find(const Digest& key) override;
     /// One that fails is counted, and no error.
-    void Store(const Digest& key, std::string_view bytes) override;
+    void Store(const Digest& key, std::string_view bytes, Existing existing) override;
     [[nodiscard]] std::string Fault() const override;
 
 private:

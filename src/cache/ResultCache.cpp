@@ -49,17 +49,34 @@ std::optional<CachedResult> ResultCache::Find(const Digest& key) {
     std::optional<CachedResult> result;
     if (const std::optional<std::string> bytes = store_->Find(key)) {
         result = UnpackResult(*bytes, root_);
+        if (!result) {
+            const std::lock_guard lock(unusableMutex_);
+            unusable_.insert(key);
+        }
     }
     return result;
 }
 
 void ResultCache::Store(const Digest& key, const CachedResult& result) noexcept {
+    bool isUnusable = false;
+    {
+        const std::lock_guard lock(unusableMutex_);
+        isUnusable = unusable_.erase(key) > 0;
+    }
+    Put(key, result, isUnusable ? ResultStore::Existing::Replace : ResultStore::Existing::MayStay);
+}
+
+void ResultCache::Replace(const Digest& key, const CachedResult& result) noexcept {
+    Put(key, result, ResultStore::Existing::Replace);
+}
+
+void ResultCache::Put(const Digest& key, const CachedResult& result, ResultStore::Existing existing) noexcept {
     if (settings_.access == Access::ReadOnly) {
         return;
     }
     try {
         if (const std::optional<std::string> bytes = PackResult(result, root_)) {
-            store_->Store(key, *bytes);
+            store_->Store(key, *bytes, existing);
             MakeRoom(key);
         }
     } catch (const std::exception& error) {

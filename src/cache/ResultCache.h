@@ -13,6 +13,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -52,9 +53,12 @@ public:
     /// What is known of a unit; absent when nothing is, or it is damaged.
     [[nodiscard]] std::optional<CachedResult> Find(const Digest& key);
 
-    /// Keeps what was found; nothing where the cache may only be read. A result that can't be kept is no fault of its
-    /// unit: the first reason is told by `Fault`.
+    /// Keeps what was found where nothing is known; nothing where the cache may only be read. A result that can't be
+    /// kept is no fault of its unit: the first reason is told by `Fault`.
     void Store(const Digest& key, const CachedResult& result) noexcept;
+
+    /// The same in place of what is known.
+    void Replace(const Digest& key, const CachedResult& result) noexcept;
 
     /// Counts a unit as a hit or a miss: it may be looked up several times.
     void Count(bool isKnown) noexcept { ++(isKnown ? hits_ : misses_); }
@@ -69,6 +73,7 @@ public:
     [[nodiscard]] std::string Fault() const { return fault_.empty() ? store_->Fault() : fault_; }
 
 private:
+    void Put(const Digest& key, const CachedResult& result, ResultStore::Existing existing) noexcept;
     // Adds the contents of the files that the markers of the text name.
     void AddFiles(DigestBuilder& builder, const ResultInputs& inputs);
     // Makes room beside an entry that was stored, as long as this has taken a hundredth of the run at most.
@@ -86,6 +91,9 @@ private:
     std::string fault_; // guarded by mutex_
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     std::chrono::steady_clock::duration trimming_ = {}; // guarded by mutex_
+
+    std::mutex unusableMutex_;  // of its own: mutex_ is held while room is made
+    std::set<Digest> unusable_; // guarded by unusableMutex_; damaged entries, until they are replaced
 };
 
 } // namespace Orvanta

@@ -18,9 +18,15 @@ public:
     /// What is kept under the key; absent when nothing is, or it can't be had. Not checked: the reader does that.
     [[nodiscard]] virtual std::optional<std::string> Find(const Digest& key) = 0;
 
-    /// Keeps the bytes under the key, in place of what was there.
+    /// What becomes of bytes that are there already.
+    enum class Existing {
+        MayStay, ///< they say the same, and need not be sent again
+        Replace,
+    };
+
+    /// Keeps the bytes under the key.
     /// \throws ZelmException
-    virtual void Store(const Digest& key, std::string_view bytes) = 0;
+    virtual void Store(const Digest& key, std::string_view bytes, Existing existing) = 0;
 
     /// Makes room beside an entry, where the place is ours to bound.
     virtual void MakeRoom(const Digest& /*key*/, std::uint64_t /*largest*/) {}

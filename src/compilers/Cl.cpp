@@ -150,10 +150,10 @@ static_assert(RowsAreSound(ClFlags), "a name stands twice, or a flag is kept tha
 
 } // namespace
 
-Cl::Cl() : Cl(CompilerType::Cl, {}) {}
+Cl::Cl(LauncherWords launcher) : Cl(CompilerType::Cl, {}, launcher) {}
 
-Cl::Cl(CompilerType type, std::span<const FlagRow> extension)
-    : Compiler(type, ClName, ClIntroducers, FlagTable({extension, ClFlags})) {}
+Cl::Cl(CompilerType type, std::span<const FlagRow> extension, LauncherWords launcher)
+    : Compiler(type, ClName, ClIntroducers, FlagTable({extension, ClFlags})), targets_(launcher) {}
 
 std::vector<std::string> Cl::BuildPreprocessCommand(const ParsedCommand& command, const std::string& outputPath) const {
     std::vector<std::string> words = BeginPreprocessCommand(command, 4);

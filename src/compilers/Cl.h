@@ -14,7 +14,8 @@ namespace Orvanta {
 class Cl : public Compiler {
 public:
     /// cl itself, which has no flags beyond the table that the others build on.
-    Cl();
+    /// `launcher` starts the compilers that are asked for their target.
+    explicit Cl(LauncherWords launcher = {});
     /// Preprocesses into a file ("/P" with "/Fi"): "/E" would write the text to the standard output.
     [[nodiscard]] std::vector<std::string> BuildPreprocessCommand(const ParsedCommand& command,
                                                                   const std::string& outputPath) const override;
@@ -28,7 +29,7 @@ public:
 
 protected:
     /// A compiler with more flags than cl's.
-    Cl(CompilerType type, std::span<const FlagRow> extension);
+    Cl(CompilerType type, std::span<const FlagRow> extension, LauncherWords launcher);
 
     /// Whether the unit is compiled for 64 bits.
     [[nodiscard]] virtual TargetBits TargetOf(const ParsedCommand& command) const;

@@ -65,7 +65,7 @@ static_assert(RowsAreSound(ClangClFlags),
 
 } // namespace
 
-ClangCl::ClangCl() : Cl(CompilerType::ClangCl, ClangClFlags) {}
+ClangCl::ClangCl(LauncherWords launcher) : Cl(CompilerType::ClangCl, ClangClFlags, launcher) {}
 
 // A header that comes from a module leaves no text.
 void ClangCl::FinishParse(ParsedCommand& command) const {

@@ -9,7 +9,8 @@ namespace Orvanta {
 class ClangCl : public Cl {
 public:
     /// Has cl's flags and, before them, its own: of two rows with one name its own counts.
-    ClangCl();
+    /// As Cl.
+    explicit ClangCl(LauncherWords launcher = {});
     /// Beside what cl's model does, switches modules off where the command has them on.
     void FinishParse(ParsedCommand& command) const override;
 

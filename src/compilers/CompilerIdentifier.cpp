@@ -219,10 +219,12 @@ bool CompilerIdentifier::AskForVersion(CompilerInfo& compiler, const std::string
     CapturedOutput output;
     try {
         // From the driver's own folder where that of the invocation is gone: the version does not depend on it.
-        Process process(command, LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string(),
-                        EnvironmentBlock(variables), ReceiveAnswer(output.standardOutput),
-                        ReceiveAnswer(output.standardError));
-        const WaitResult end = WaitWithTimeout(process, CompilerQuestionTimeout, PollInterval, stop_);
+        const std::string folder = LookAt(workingDirectory).kind == PathKind::Folder ? workingDirectory : std::string();
+        const LauncherWords launcher = settings_.childLauncher;
+        Process process(command, {folder, EnvironmentBlock(variables), ProcessGroup::Own, launcher},
+                        ReceiveAnswer(output.standardOutput), ReceiveAnswer(output.standardError));
+        const WaitResult end =
+            WaitWithTimeout(process, AnswerTimeout(CompilerQuestionTimeout, launcher), PollInterval, stop_);
         if (!end.finished) {
             process.kill(true);
             // A program that the user has stopped was not too slow.

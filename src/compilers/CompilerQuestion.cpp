@@ -13,12 +13,13 @@ OutputReceiver ReceiveAnswer(std::string& target) {
 }
 
 // In the driver's own folder and with its own variables: the answer is to hold for all units of this compiler.
-CapturedOutput AskCompiler(const std::string& path, const char* question) {
+CapturedOutput AskCompiler(const std::string& path, const char* question, LauncherWords launcher) {
     CapturedOutput output;
     try {
-        Process process({path, question}, std::string(), OwnEnvironmentBlock(), ReceiveAnswer(output.standardOutput),
-                        ReceiveAnswer(output.standardError));
-        if (!WaitWithTimeout(process, CompilerQuestionTimeout, PollInterval, ProcessStopFlag()).finished) {
+        Process process({path, question}, {std::string(), OwnEnvironmentBlock(), ProcessGroup::Own, launcher},
+                        ReceiveAnswer(output.standardOutput), ReceiveAnswer(output.standardError));
+        const std::chrono::milliseconds longest = AnswerTimeout(CompilerQuestionTimeout, launcher);
+        if (!WaitWithTimeout(process, longest, PollInterval, ProcessStopFlag()).finished) {
             process.kill(true);
         }
     } catch (const ProcessException&) {

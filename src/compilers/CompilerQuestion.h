@@ -19,6 +19,6 @@ inline constexpr std::chrono::seconds CompilerQuestionTimeout{10};
 
 /// What a compiler prints when it is asked with one argument; nothing when it can't be started or does not answer.
 /// Starts it and waits for it.
-[[nodiscard]] CapturedOutput AskCompiler(const std::string& path, const char* question);
+[[nodiscard]] CapturedOutput AskCompiler(const std::string& path, const char* question, LauncherWords launcher);
 
 } // namespace Orvanta

@@ -19,14 +19,14 @@
 
 namespace Orvanta {
 
-CompilerRegistry::CompilerRegistry()
+CompilerRegistry::CompilerRegistry(LauncherWords launcher)
     : models_{
-          std::make_shared<Gcc>(),    std::make_shared<Clang>(),
-          std::make_shared<Cl>(),     std::make_shared<ClangCl>(),
-          std::make_shared<Keil5>(),  std::make_shared<Keil5Gnu>(),
-          std::make_shared<Keil6>(),  std::make_shared<TiArmCGT>(),
-          std::make_shared<GccARM>(), std::make_shared<IARArm_v7_OrOlder>(),
-          std::make_shared<IARArm>(), std::make_shared<Qcc>(),
+          std::make_shared<Gcc>(),        std::make_shared<Clang>(),
+          std::make_shared<Cl>(launcher), std::make_shared<ClangCl>(launcher),
+          std::make_shared<Keil5>(),      std::make_shared<Keil5Gnu>(),
+          std::make_shared<Keil6>(),      std::make_shared<TiArmCGT>(),
+          std::make_shared<GccARM>(),     std::make_shared<IARArm_v7_OrOlder>(),
+          std::make_shared<IARArm>(),     std::make_shared<Qcc>(),
           std::make_shared<XC8>(),
       } {}
 

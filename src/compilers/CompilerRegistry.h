@@ -1,6 +1,7 @@
 #pragma once
 
 #include "compilers/Compiler.h"
+#include "platform/Process.h"
 
 #include <memory>
 #include <vector>
@@ -13,8 +14,9 @@ namespace Orvanta {
 /// One shared model per compiler family. Immutable after construction.
 class CompilerRegistry {
 public:
-    /// Makes all models at once: their tables are sorted here and nowhere later.
-    CompilerRegistry();
+    /// Makes all models at once: their tables are sorted here and nowhere later. `launcher` starts the compilers that
+    /// they ask.
+    explicit CompilerRegistry(LauncherWords launcher = {});
 
     /// \throws ZelmException "Unknown preprocessor type: " and the number, for a type without a model
     [[nodiscard]] std::shared_ptr<const Compiler> Get(CompilerType type) const;

@@ -49,8 +49,8 @@ std::string_view TakeLastComponent(std::string_view& path) {
 }
 
 // cl takes the question for an unknown option, and prints its banner all the same.
-std::optional<TargetBits> AskForTarget(const std::string& path) {
-    const CapturedOutput output = AskCompiler(path, "--version");
+std::optional<TargetBits> AskForTarget(const std::string& path, LauncherWords launcher) {
+    const CapturedOutput output = AskCompiler(path, "--version", launcher);
     // A line end between the two, so that they make no word together.
     return TargetByVersionText(output.standardOutput + '\n' + output.standardError);
 }
@@ -90,7 +90,7 @@ TargetBits CompilerTargets::TargetOf(const std::string& path, PathMeaning meanin
             bits = TargetByCompilerPath(path);
         }
         if (!bits) {
-            bits = AskForTarget(path);
+            bits = AskForTarget(path, launcher_);
         }
         return bits.value_or(TargetBits::Bits64);
     });

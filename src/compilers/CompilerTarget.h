@@ -2,6 +2,7 @@
 
 #include "compilers/TargetBits.h"
 #include "platform/OnceMap.h"
+#include "platform/Process.h"
 
 #include <optional>
 #include <string>
@@ -31,10 +32,13 @@ public:
         Host,   ///< after the system that the compiler runs on: it has to be asked
     };
 
+    explicit CompilerTargets(LauncherWords launcher) : launcher_(launcher.begin(), launcher.end()) {}
+
     /// The target of the compiler at `path`; of one that doesn't tell, 64 bits. May start the compiler and wait for it.
     [[nodiscard]] TargetBits TargetOf(const std::string& path, PathMeaning meaning);
 
 private:
+    Arguments launcher_;
     OnceMap<TargetBits> targets_; // by path
 };
 

@@ -65,7 +65,7 @@ std::optional<TargetPlatform> CompilerPlatforms::Get(const std::string& path) {
             return std::nullopt;
         }
         // The answer is a line of its own, or nothing.
-        return PlatformOfTriple(Trim(AskCompiler(path, "-dumpmachine").standardOutput));
+        return PlatformOfTriple(Trim(AskCompiler(path, "-dumpmachine", launcher_).standardOutput));
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/OnceMap.h"
+#include "platform/Process.h"
 
 #include <optional>
 #include <string>
@@ -28,10 +29,13 @@ struct TargetPlatform {
 /// Knows the targets of cross compilers, each asked once per path ("-dumpmachine"). Any thread may use it.
 class CompilerPlatforms {
 public:
+    explicit CompilerPlatforms(LauncherWords launcher) : launcher_(launcher.begin(), launcher.end()) {}
+
     /// Absent for a compiler of this machine, and for one that doesn't tell. May start it and wait for it.
     [[nodiscard]] std::optional<TargetPlatform> Get(const std::string& path);
 
 private:
+    Arguments launcher_;
     OnceMap<std::optional<TargetPlatform>> platforms_; // by path
 };
 

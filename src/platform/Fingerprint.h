@@ -17,6 +17,11 @@ struct Fingerprint {
     auto operator<=>(const Fingerprint&) const = default;
 };
 
+/// For containers: the bits are spread already, so that half of them are a hash.
+struct FingerprintHash {
+    std::size_t operator()(const Fingerprint& value) const noexcept { return static_cast<std::size_t>(value.low); }
+};
+
 /// Makes a fingerprint of a sequence of parts.
 class FingerprintBuilder {
 public:

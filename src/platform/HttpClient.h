@@ -36,6 +36,9 @@ public:
     /// \throws HttpException
     [[nodiscard]] HttpAnswer Get(const std::string& address);
 
+    /// The status alone, which is that of Get. \throws HttpException
+    [[nodiscard]] int Head(const std::string& address);
+
     /// Puts a body there. \throws HttpException
     [[nodiscard]] HttpAnswer Put(const std::string& address, std::string_view body);
 

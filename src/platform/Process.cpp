@@ -60,6 +60,30 @@ void Process::RequireStartable(const Arguments& command) {
     }
 }
 
+void Process::kill(bool force) {
+    if (force) {
+        SayFarewell();
+    }
+    if (!exitStatus_) {
+        End(force);
+    }
+}
+
+void Process::SayFarewell() noexcept {
+    if (!hasLauncher_ || exitStatus_) {
+        return;
+    }
+    hasLauncher_ = false; // it is asked once
+    const Clock::time_point end = Clock::now() + LongestFarewell;
+    try {
+        // What it writes meanwhile is received: one that can't write would not come to its end.
+        for (bool isAsked = AskToEnd(); isAsked && Clock::now() < end && !WaitForChange(PollInterval);) {
+        }
+    } catch (...) {
+        return; // it is killed all the same
+    }
+}
+
 bool Process::try_get_exit_status(int& exitStatus) {
     if (!Look(std::chrono::milliseconds::zero())) {
         return false;
@@ -105,6 +129,19 @@ std::string CommandLineText(const Arguments& command) {
         text += word;
     }
     return text;
+}
+
+Arguments WithLauncher(const Arguments& command, LauncherWords launcher) {
+    Arguments words(launcher.begin(), launcher.end());
+    if (!words.empty()) {
+        words.insert(words.end(), command.begin(), command.end());
+    }
+    return words;
+}
+
+std::chrono::milliseconds AnswerTimeout(std::chrono::milliseconds usual, LauncherWords launcher) noexcept {
+    constexpr std::chrono::hours LongestTurn{1};
+    return launcher.empty() ? usual : usual + LongestTurn;
 }
 
 WaitResult WaitWithTimeout(Process& process, std::chrono::milliseconds timeout, std::chrono::milliseconds pollInterval,

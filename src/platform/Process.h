@@ -7,8 +7,10 @@
 // writes, and comes back to look at the stop flag every `PollInterval`; nothing sleeps while its child is already dead.
 //
 // Each child gets a process group (a job) of its own, so that ending it ends what it started, and Ctrl+C in a terminal
-// does not reach it past us. Why no library for this: those at hand start a shell, read with a thread for each output,
-// or wait by polling, and none says whether the program or its folder was at fault.
+// does not reach it past us. A child may be started by another program, a launcher, that runs it on another machine: no
+// group reaches there, so that the launcher is asked to end, and has a moment to hand that on. Why no library for this:
+// those at hand start a shell, read with a thread for each output, or wait by polling, and none says whether the
+// program or its folder was at fault.
 
 #include "platform/Environment.h"
 #include "platform/Exceptions.h"
@@ -20,6 +22,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -28,6 +31,10 @@
 namespace Orvanta {
 
 using Arguments = std::vector<std::string>;
+
+/// Words that stand before the command of a child: their program starts it in its turn, maybe on another machine. Empty
+/// for a child that is started by us.
+using LauncherWords = std::span<const std::string>;
 
 /// Both outputs of a child, captured whole.
 struct CapturedOutput {
@@ -107,6 +114,9 @@ using OutputReceiver = std::function<void(std::string_view bytes)>;
 /// The words of a command joined by single blanks, unquoted: how messages show it.
 [[nodiscard]] std::string CommandLineText(const Arguments& command);
 
+/// The command with the launcher's words before it; empty when there are none.
+[[nodiscard]] Arguments WithLauncher(const Arguments& command, LauncherWords launcher);
+
 /// Whether a command has more words than the system takes in one command line. False where that can't be told
 /// beforehand: the start then fails.
 [[nodiscard]] bool IsTooLongToStart(const Arguments& command);
@@ -122,12 +132,14 @@ struct StartConditions {
     std::string workingDirectory;        ///< empty: the current one
     const EnvironmentBlock& environment; ///< the child's whole environment; need not outlive the start
     ProcessGroup group = ProcessGroup::Own;
+    LauncherWords launcher = {}; ///< need not outlive the start
 };
 
 /// A supervised child process, started from an argument vector without a shell, with nothing on its standard input, in
 /// a process group (a job) of its own unless its conditions say otherwise. The destructor kills what is still running
-/// of it and takes its status. One thread at a time may use an object; its receivers are called on that thread, from
-/// within the functions below.
+/// of it and takes its status; a launcher is asked first, and has `LongestFarewell` to end what it has started. One
+/// thread at a time may use an object; its receivers are called on that thread, from within the functions below and the
+/// destructor.
 class Process {
 public:
     /// Starts `command[0]` (a path, or a name looked up along PATH) in `workingDirectory` (empty: the current one).
@@ -150,7 +162,8 @@ public:
     int get_exit_status();
 
     /// Asks the child and what it started to end; with `force`, and on a system that knows no such question, ends them.
-    /// Nothing is done to a child whose end has been seen.
+    /// Of a child with a launcher, `force` asks the launcher alone first, and blocks until it has ended or had its
+    /// time. Nothing is done to a child whose end has been seen.
     void kill(bool force = false);
 
     /// Blocks until the child has ended, has written something, or `longest` has passed, and receives what was written.
@@ -175,11 +188,22 @@ private:
     /// child once it has ended.
     std::optional<int> Look(std::optional<std::chrono::milliseconds> longest);
 
+    /// Asks a launcher that runs to end what it has started, and gives it time for that. Once.
+    void SayFarewell() noexcept;
+
+    /// Asks all of a child that runs to end, or ends it.
+    void End(bool force) noexcept;
+
+    /// Asks the child, and nothing that it started, to end; false where the system can't. What it leaves behind of its
+    /// group is killed when it has ended.
+    bool AskToEnd() noexcept;
+
     struct Handles; // the system's handles of the child and of its pipes
     std::unique_ptr<Handles> handles_;
     std::optional<int> exitStatus_;
     const Clock::time_point start_ = Clock::now();
-    ProcessCost cost_; // once it has ended
+    bool hasLauncher_ = false; // that runs
+    ProcessCost cost_;         // once it has ended
 };
 
 /// How a wait ended. When `finished` is false, `exitCode` is 0 after a stop request and 1 after a time-out.
@@ -187,6 +211,13 @@ struct WaitResult {
     int exitCode = 0;
     bool finished = false;
 };
+
+/// How long a launcher may take to end what it has started before it is killed.
+inline constexpr std::chrono::seconds LongestFarewell{2};
+
+/// How long a program is waited for that is to answer a question, and would do so within `usual`: what a launcher
+/// starts may have to wait for its turn.
+[[nodiscard]] std::chrono::milliseconds AnswerTimeout(std::chrono::milliseconds usual, LauncherWords launcher) noexcept;
 
 /// The longest time between two looks at a child and at the stop flag.
 inline constexpr std::chrono::milliseconds PollInterval{100};
@@ -206,6 +237,9 @@ enum class ProcessOutcome { Succeeded = 0, Stopped = 4 };
 /// \throws ProcessInterruptedException after a time-out
 [[nodiscard]] ProcessOutcome JudgeEnd(const Arguments& command, WaitResult result, Process& process,
                                       const CapturedOutput& output);
+
+/// Has the system let this process open what so many children at once need, as far as it may; children get that too.
+void MakeRoomForChildren(std::size_t children) noexcept;
 
 /// Hands one command line to the system's command interpreter and returns all of its standard output. Standard error is
 /// not captured and the exit status is not looked at.

@@ -9,6 +9,9 @@ namespace Orvanta {
 /// The absolute path of the system's folder for temporary files.
 [[nodiscard]] std::string SystemTemporaryFolder();
 
+/// The name by which networks know this machine; empty when it has none.
+[[nodiscard]] std::string HostName();
+
 /// Makes a folder that only this user can look into; false when the name is taken.
 /// \throws FileException when it can't be made
 [[nodiscard]] bool MakePrivateFolder(const std::string& path);

@@ -3,18 +3,12 @@
 #include "platform/Fingerprint.h"
 #include "report/IOutput.h"
 
-#include <cstddef>
 #include <unordered_set>
 
 namespace OrvlogConverter {
 
 /// Of all fields of a message.
 [[nodiscard]] Orvanta::Fingerprint FingerprintOf(const ReportMessage& message);
-
-/// Hashes fingerprints: their bits are spread already, and half of them are a hash.
-struct FingerprintHash {
-    std::size_t operator()(const Orvanta::Fingerprint& value) const noexcept { return value.low; }
-};
 
 /// Drops every message that equals an earlier one in all fields, such as a finding in a header that many units include.
 /// Keeps a fingerprint of 128 bits per message, not the message.
@@ -25,7 +19,7 @@ public:
     bool Accept(const ReportMessage& message) override;
 
 private:
-    std::unordered_set<Orvanta::Fingerprint, FingerprintHash> seen_;
+    std::unordered_set<Orvanta::Fingerprint, Orvanta::FingerprintHash> seen_;
 };
 
 } // namespace OrvlogConverter

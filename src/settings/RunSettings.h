@@ -41,7 +41,9 @@ struct RunSettings {
     std::vector<std::string> compilerFilter; ///< `--compiler`: when not empty, only these compilers' invocations count
     ExclusionSet compilerFolders;            ///< `--compiler-path`: when not empty, no program elsewhere is started
     std::vector<std::string> extraIncludes;  ///< `-I`, absolute
-    Environment environmentChanges;          ///< `--env`: laid over every invocation's environment
+    std::vector<std::string>
+        childLauncher;              ///< `--launcher`: stands before each compiler and core; its program absolute
+    Environment environmentChanges; ///< `--env`: laid over every invocation's environment
     std::optional<std::string> traceDirectory; ///< where a build began whose trace does not tell it; absolute
     UnitLimits limits;
     CacheSettings cache;

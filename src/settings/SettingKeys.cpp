@@ -10,11 +10,14 @@ namespace Orvanta {
 
 namespace {
 
-// What the driver reads, and what it tells a core: a person may set either.
+// What the driver reads, what it tells a core, and what the bundled one reads: a person may set any.
 constexpr std::string_view KnownKeys[] = {
     "analysis-mode",
     "cache",
     "compiler",
+    "engines",
+    "engines-all",
+    "engines-depth",
     "exclude-path",
     "fshort-double",
     "fshort-float",

@@ -1,10 +1,12 @@
 #include "shards/PartSet.h"
 
 #include "platform/Exceptions.h"
+#include "report/SourceRootTransformer.h"
 
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace Orvanta {
 
@@ -30,19 +32,6 @@ std::string Differing(const std::string& what, const std::string& one, const std
     return one == other || one.empty() || other.empty() ? what : what + " (" + other + " and " + one + ")";
 }
 
-// In what the makers of a part differ from those of the first one; absent when in nothing that must not differ.
-std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& first) {
-    if (one.ownVersion != first.ownVersion || one.resultVersion != first.resultVersion) {
-        return Differing("the version of this program", one.ownVersion, first.ownVersion);
-    }
-    for (const MakerRow& row : MakerRows) {
-        if (one.*row.mark != first.*row.mark) {
-            return row.mark == &PartMakers::core ? Differing(row.what, one.coreVersion, first.coreVersion) : row.what;
-        }
-    }
-    return std::nullopt;
-}
-
 // "5, 9, 12".
 std::string ListOf(const std::vector<std::uint32_t>& numbers) {
     std::string text;
@@ -61,6 +50,18 @@ std::string GapLine(std::size_t first, std::size_t behind) {
 
 } // namespace
 
+std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& other) {
+    if (one.ownVersion != other.ownVersion || one.resultVersion != other.resultVersion) {
+        return Differing("the version of this program", one.ownVersion, other.ownVersion);
+    }
+    for (const MakerRow& row : MakerRows) {
+        if (one.*row.mark != other.*row.mark) {
+            return row.mark == &PartMakers::core ? Differing(row.what, one.coreVersion, other.coreVersion) : row.what;
+        }
+    }
+    return std::nullopt;
+}
+
 PartSet::PartSet(std::span<const std::string> paths) {
     for (const std::string& path : paths) {
         parts_.push_back(std::make_unique<PartReader>(path));
@@ -73,6 +74,7 @@ PartSet::PartSet(std::span<const std::string> paths) {
         return left->Head().shard.number < right->Head().shard.number;
     });
     RequireEachShardOnce();
+    sourceRoot_ = SourceRootOf(Head());
     for (std::uint32_t part = 0; part < parts_.size(); ++part) {
         const std::vector<PartUnit>& units = parts_[part]->Units();
         for (std::uint32_t unit = 0; unit < units.size(); ++unit) {
@@ -177,7 +179,14 @@ std::string PartSet::Gaps() const {
 }
 
 PartResult PartSet::Next() {
-    return parts_[order_[next_++].part]->Next();
+    PartResult read = parts_[order_[next_++].part]->Next();
+    if (!sourceRoot_.empty()) {
+        OrvlogConverter::SourceRootTransformer placer(nullptr, sourceRoot_);
+        for (OrvlogConverter::ReportMessage& message : read.result.ownFindings) {
+            message = placer.Transform(std::move(message));
+        }
+    }
+    return read;
 }
 
 } // namespace Orvanta

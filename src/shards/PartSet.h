@@ -6,11 +6,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace Orvanta {
+
+/// In what the makers of one result differ from those of another one, as a user reads it; absent when in nothing that
+/// must not differ. How the units are cut into shards may.
+[[nodiscard]] std::optional<std::string> DifferenceOf(const PartMakers& one, const PartMakers& other);
 
 /// The parts of one run, as one: their units in input order. Those of shards of which there is no part are not among
 /// them. Memory grows with the units and not with what they found.
@@ -30,7 +35,13 @@ public:
     /// whole.
     [[nodiscard]] std::string Gaps() const;
 
-    /// The result of the next unit: as often as there are units.
+    /// The shard that the unit is of, from 1.
+    [[nodiscard]] std::uint32_t ShardOf(std::size_t unit) const {
+        return parts_[order_[unit].part]->Head().shard.number;
+    }
+
+    /// The result of the next unit, as often as there are units: below the root of the first part's sources, wherever
+    /// its shard had them.
     [[nodiscard]] PartResult Next();
 
     [[nodiscard]] std::size_t UnitCount() const noexcept override { return order_.size(); }
@@ -63,6 +74,7 @@ private:
     std::vector<std::unique_ptr<PartReader>> parts_; // by the number of their shard
     std::vector<Place> order_;
     std::vector<SkippedInvocation> skipped_;
+    std::string sourceRoot_; // of the first part
     std::size_t next_ = 0;
 };
 

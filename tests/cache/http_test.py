@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""http_test.py DRIVER CORE: a cache of results on servers that work and on those that don't.
+"""http_test.py DRIVER FAKE_CORE FAKE_COMPILER [EMULATOR...]: a cache on servers that work and on those that don't.
 
-Runs the driver with a trivial compiler and the given core against nginx, as WebDAV set up for PUT, and against a server
-of our own that is slow, fails, lies, cuts its answers short, or wants a token.
+Runs the driver with the stand-ins of the end-to-end tests, those of Windows by the emulator, against nginx, as WebDAV
+set up for PUT, and against a server of our own that is slow, fails, lies, cuts its answers short, or wants a token.
 """
 import http.server
 import os
 import pathlib
+import random
 import shutil
 import socket
 import subprocess
@@ -32,6 +33,9 @@ class Behaviour:
     mode = "right"
     tokens = []
     requests = 0
+    asked = 0
+    put = 0
+    late = {}  # entries that others put there behind the first look in vain
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -61,6 +65,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             return
         body = Behaviour.entries.get(self.path)
         if body is None:
+            Behaviour.entries.update(Behaviour.late)
             self.answer(404)
         elif Behaviour.mode == "lying":
             self.answer(200, body[:-1] + bytes([body[-1] ^ 1]))
@@ -70,11 +75,17 @@ class Handler(http.server.BaseHTTPRequestHandler):
         else:
             self.answer(200, body)
 
+    def do_HEAD(self):
+        if not self.misbehave():
+            Behaviour.asked += 1
+            self.answer(200 if self.path in Behaviour.entries else 404)
+
     def do_PUT(self):
         body = self.rfile.read(int(self.headers["Content-Length"]))
         if self.misbehave():
             return
         Behaviour.entries[self.path] = body
+        Behaviour.put += 1
         self.answer(201)
 
 
@@ -82,9 +93,10 @@ class HttpCacheTest(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
-        self.project = project.Project(folder.name, *sys.argv[1:3])
+        self.project = project.Project(folder.name, *sys.argv[1:4], sys.argv[4:])
         self.expected = self.project.analyze()[2]
-        Behaviour.entries, Behaviour.mode, Behaviour.tokens, Behaviour.requests = {}, "right", [], 0
+        Behaviour.entries, Behaviour.mode, Behaviour.tokens = {}, "right", []
+        Behaviour.requests, Behaviour.asked, Behaviour.put, Behaviour.late = 0, 0, 0, {}
 
     def start_server(self):
         server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
@@ -144,16 +156,37 @@ http {{
     def test_a_token_goes_with_each_request_and_is_kept_from_others(self):
         token = self.project.folder / "token"
         token.write_text("secret\n", encoding="ascii")
-        token.chmod(0o644)
         address = self.start_server()
-        code, output, _ = self.project.analyze("--cache", address, "--cache-token-file", str(token))
-        self.assertEqual(code, 1)
-        self.assertIn("can be read by others", output)
-        self.assertEqual(Behaviour.requests, 0)
+        if not self.project.emulator:  # which shows all files as those of their reader
+            token.chmod(0o644)
+            code, output, _ = self.project.analyze("--cache", address, "--cache-token-file", str(token))
+            self.assertEqual(code, 1)
+            self.assertIn("can be read by others", output)
+            self.assertEqual(Behaviour.requests, 0)
         token.chmod(0o600)
-        self.expect(self.project.analyze("--cache", address, "--cache-token-file", str(token)), 0)
+        self.expect(self.project.analyze("--cache", address, "--cache-token-file", self.project.seen(token)), 0)
         self.assertEqual(set(Behaviour.tokens), {"Bearer secret"})
         self.expect(self.project.analyze("--cache", address, "--cache-readonly"), UNITS)
+
+    def test_a_large_result_is_sent_once(self):
+        chooser = random.Random(1)
+        findings = "".join(f"finding V501 1 {line} {chooser.getrandbits(400):x}\n" for line in range(1, 101))
+        self.project.write("u0.c.script", findings)
+        self.expected = self.project.analyze()[2]
+        address = self.start_server()
+        self.expect(self.project.analyze("--cache", address), 0)
+        self.assertEqual((Behaviour.asked, Behaviour.put), (1, UNITS))
+        entries = dict(Behaviour.entries)
+        large = max(entries, key=lambda path: len(entries[path]))
+        # It comes there between the look and the end of the analysis.
+        del Behaviour.entries[large]
+        Behaviour.late = {large: entries[large]}
+        self.expect(self.project.analyze("--cache", address), UNITS - 1)
+        self.assertEqual((Behaviour.asked, Behaviour.put), (2, UNITS))
+        # What is there and damaged is no reason to keep the right one back.
+        Behaviour.entries = {**entries, large: entries[large][:-1]}
+        self.expect(self.project.analyze("--cache", address), UNITS - 1)
+        self.assertEqual(Behaviour.entries, entries)
 
     def test_a_server_that_fails_is_asked_three_times(self):
         address = self.start_server()

@@ -40,6 +40,8 @@ TEST_F(OptionsTest, FirstFaultEndsTheRunWithItsText) {
         {{"-a", "ga"}, "Wrong diagnostic group name: 'ga'"},
         {{"-a", ""}, "Diagnostic group name is empty!"},
         {{"-a", "256"}, "Diagnostic group parameter was entered as number and was greater than 255."},
+        {{"--engines", "gcc"},
+         "Wrong value of --engines: \"gcc\", expected \"cppcheck\", \"clang\" or both, joined by ','"},
         {{"-f", "no.json"}, "Couldn't open file "},
         {{"-C", "othercc"}, "No source file to analyze"},
     };
@@ -77,6 +79,7 @@ TEST_F(OptionsTest, OptionBeatsSettingsFileBeatsDefault) {
         {"analysis-mode", "4", "analysis-mode = GA;OP", "12", {"-a", "MISRA"}, "32"},
         {"platform", "x64", "platform=linux32", "linux32", {"--platform", "arm"}, "arm"},
         {"preprocessor", "gcc", "preprocessor=clang", "clang", {"-p", "other"}, "other"},
+        {"engines", "(absent)", "engines=cppcheck", "cppcheck", {"--engines", "clang,cppcheck"}, "clang,cppcheck"},
         {"no-noise", "(absent)", "no-noise=a = b", "a = b", {}, "a = b"},
     };
     for (const Precedence& row : cases) {

@@ -1,6 +1,6 @@
 #include "FuzzInput.h"
-#include "cppcheck/AnalyzerInformation.h"
-#include "cppcheck/CppcheckOutput.h"
+#include "bundled/AnalyzerInformation.h"
+#include "bundled/CppcheckOutput.h"
 #include "platform/Exceptions.h"
 
 #include <string>

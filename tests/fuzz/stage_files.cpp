@@ -1,7 +1,7 @@
 #include "FuzzFile.h"
 #include "FuzzInput.h"
-#include "cppcheck/MergedFindings.h"
-#include "cppcheck/UnitInformation.h"
+#include "bundled/MergedFindings.h"
+#include "bundled/UnitInformation.h"
 #include "platform/Exceptions.h"
 
 using namespace Orvanta;

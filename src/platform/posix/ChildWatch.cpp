@@ -1,5 +1,6 @@
 #include "platform/ChildWatch.h"
 
+#include "platform/Process.h"
 #include "platform/TemporaryPlace.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/WatchedChildren.h"
@@ -36,7 +37,8 @@ constexpr const char* WatcherWord = "--watch-children";
 
 enum class Note : std::uint64_t {
     Start,    // of a group, by its number
-    End,      // the same
+    Launcher, // the same, of one whose leader is to be asked to end
+    End,      // of either
     Input,    // the number of the children's standard input
     Folder,   // the length of its path, which follows
     Farewell, // nothing is left to be done
@@ -163,9 +165,10 @@ int WatchedInput() noexcept {
     return State().input.Number();
 }
 
-void NoteStart(pid_t group) noexcept {
+void NoteStart(pid_t group, WatchedReach reach) noexcept {
     if (State().pipe.IsOpen()) {
-        Tell(State().pipe, Note::Start, static_cast<std::uint64_t>(group));
+        const Note note = reach == WatchedReach::Launcher ? Note::Launcher : Note::Start;
+        Tell(State().pipe, note, static_cast<std::uint64_t>(group));
     }
 }
 
@@ -206,6 +209,7 @@ namespace {
 // What the watcher knows of the watched process.
 struct Known {
     std::set<pid_t> groups;
+    std::set<pid_t> launchers; // those of the groups that they lead
     std::uint64_t input = 0;
     std::vector<std::string> folders;
 };
@@ -243,8 +247,13 @@ bool ReadNotes(Known& known) {
         case Note::Start:
             known.groups.insert(static_cast<pid_t>(record.value));
             break;
+        case Note::Launcher:
+            known.groups.insert(static_cast<pid_t>(record.value));
+            known.launchers.insert(static_cast<pid_t>(record.value));
+            break;
         case Note::End:
             known.groups.erase(static_cast<pid_t>(record.value));
+            known.launchers.erase(static_cast<pid_t>(record.value));
             break;
         case Note::Input:
             known.input = record.value;
@@ -282,6 +291,22 @@ void KillUntold(std::uint64_t input) {
                 ::kill(-group, SIGKILL);
             }
         }
+    }
+}
+
+// Those that are left have had their time.
+void AskLaunchers(const std::set<pid_t>& launchers) {
+    constexpr std::chrono::milliseconds Pause{10};
+    for (const pid_t launcher : launchers) {
+        ::kill(launcher, SIGTERM);
+    }
+    const auto end = std::chrono::steady_clock::now() + LongestFarewell;
+    const auto isThere = [](pid_t launcher) {
+        return ::kill(launcher, 0) == 0;
+    };
+    // No end wakes the watcher: it is the parent of none of them.
+    while (std::any_of(launchers.begin(), launchers.end(), isThere) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(Pause);
     }
 }
 
@@ -327,6 +352,7 @@ std::optional<int> WatchIfAsked(int argumentCount, const char* const* arguments)
     if (ReadNotes(known)) {
         return 0;
     }
+    AskLaunchers(known.launchers);
     for (const pid_t group : known.groups) {
         if (group > 1) {
             ::kill(-group, SIGKILL);

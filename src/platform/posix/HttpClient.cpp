@@ -180,6 +180,12 @@ HttpAnswer HttpClient::Get(const std::string& address) {
     return connections_->Ask(address, [](CURL*) {});
 }
 
+int HttpClient::Head(const std::string& address) {
+    return connections_
+        ->Ask(address, [this](CURL* handle) { connections_->library.setOption(handle, CURLOPT_NOBODY, 1L); })
+        .status;
+}
+
 HttpAnswer HttpClient::Put(const std::string& address, std::string_view body) {
     std::string_view rest = body;
     return connections_->Ask(address, [this, &rest](CURL* handle) {

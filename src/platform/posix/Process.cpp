@@ -313,7 +313,7 @@ void Process::Handles::Start(const Arguments& command, const StartConditions& co
         FailToStart(command.front(), workingDirectory, fault);
     }
     if (group == ProcessGroup::Own) {
-        NoteStart(pid);
+        NoteStart(pid, conditions.launcher.empty() ? WatchedReach::Group : WatchedReach::Launcher);
     }
     // Ours must go, or the pipes would never come to their end.
     output.write.Reset();
@@ -380,16 +380,20 @@ Process::Process(const Arguments& command, const StartConditions& conditions, Ou
                  OutputReceiver standardError)
     : handles_(std::make_unique<Handles>()) {
     RequireStartable(command);
+    const Arguments launched = WithLauncher(command, conditions.launcher);
     handles_->standardOutput.receiver = std::move(standardOutput);
     handles_->standardError.receiver = std::move(standardError);
     try {
-        handles_->Start(command, conditions);
+        handles_->Start(launched.empty() ? command : launched, conditions);
+        hasLauncher_ = !launched.empty();
     } catch (const SystemFault& fault) {
         throw ProcessStartException(command.front(), SystemReason(fault.error), Cause::Resources);
     }
 }
 
-Process::~Process() = default;
+Process::~Process() {
+    SayFarewell();
+}
 
 std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
     if (!exitStatus_) {
@@ -403,12 +407,15 @@ std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longes
     return exitStatus_;
 }
 
-void Process::kill(bool force) {
-    if (!handles_->exitStatus) {
-        handles_->SendSignal(force ? SIGKILL : SIGTERM);
-        // So that what is left of its group is ended once its own end is seen.
-        handles_->isToBeKilled = true;
-    }
+void Process::End(bool force) noexcept {
+    handles_->SendSignal(force ? SIGKILL : SIGTERM);
+    // So that what is left of its group is ended once its own end is seen.
+    handles_->isToBeKilled = true;
+}
+
+bool Process::AskToEnd() noexcept {
+    handles_->isToBeKilled = true;
+    return ::kill(handles_->pid, SIGTERM) == 0;
 }
 
 bool IsTooLongToStart(const Arguments& command) {
@@ -426,6 +433,18 @@ bool IsTooLongToStart(const Arguments& command) {
         }
     }
     return size > most;
+}
+
+void MakeRoomForChildren(std::size_t children) noexcept {
+    constexpr rlim_t FilesOfChild = 6; // five while it starts, and one for what is done with it
+    constexpr rlim_t OtherFiles = 64;
+    const rlim_t needed = FilesOfChild * children + OtherFiles;
+    rlimit limit{};
+    // Up to what is needed and no further: some programs look at each file that they might have open.
+    if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < needed) {
+        limit.rlim_cur = std::min(needed, limit.rlim_max);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
 }
 
 std::string RunAndRead(const std::string& commandLine) {

@@ -5,6 +5,7 @@
 #include "platform/Paths.h"
 #include "platform/posix/Descriptor.h"
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -26,6 +27,11 @@ constexpr std::chrono::hours OldAge{24};
 std::string SystemTemporaryFolder() {
     const std::string folder = EnvironmentVariable("TMPDIR").value_or("");
     return AbsolutePath(folder.empty() ? "/tmp" : folder);
+}
+
+std::string HostName() {
+    std::array<char, 256> name{};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : std::string();
 }
 
 bool MakePrivateFolder(const std::string& path) {

@@ -14,8 +14,14 @@ void StartWatcher() noexcept;
 /// killed: it is empty, and no other process has it. -1 when there is no watcher.
 [[nodiscard]] int WatchedInput() noexcept;
 
+/// Which processes are to end with a child when this one is killed.
+enum class WatchedReach {
+    Group,    ///< its process group
+    Launcher, ///< what it has started elsewhere, too: it is asked before its group is killed
+};
+
 /// A child leads the process group of its own number.
-void NoteStart(pid_t group) noexcept;
+void NoteStart(pid_t group, WatchedReach reach) noexcept;
 
 /// It has ended, or its whole group was killed. To be told before its status is taken: its number is free after that.
 void NoteEnd(pid_t group) noexcept;

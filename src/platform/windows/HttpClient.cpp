@@ -10,8 +10,7 @@ namespace Orvanta {
 
 namespace {
 
-constexpr int ConnectMilliseconds = 5000;
-constexpr int WaitMilliseconds = 10000; // for the next piece
+constexpr int WaitMilliseconds = 5000; // for a connection, for the beginning of an answer, for its next piece
 
 /// A handle of the library; closes itself.
 class Handle {
@@ -97,8 +96,11 @@ struct HttpClient::Connections {
         : session(WinHttpOpen(L"orvanta-analyzer", WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, WINHTTP_NO_PROXY_NAME,
                               WINHTTP_NO_PROXY_BYPASS, 0)),
           headers(token.empty() ? std::wstring() : L"Authorization: Bearer " + ToWide(token)) {
-        Require(WinHttpSetTimeouts(session.Get(), ConnectMilliseconds, ConnectMilliseconds, WaitMilliseconds,
-                                   WaitMilliseconds));
+        Require(
+            WinHttpSetTimeouts(session.Get(), WaitMilliseconds, WaitMilliseconds, WaitMilliseconds, WaitMilliseconds));
+        // Apart from the others it has a minute and a half.
+        DWORD answer = WaitMilliseconds;
+        Require(WinHttpSetOption(session.Get(), WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, &answer, sizeof answer));
     }
 
     HttpAnswer Ask(const wchar_t* method, const std::string& address, std::string_view body) const {
@@ -134,6 +136,10 @@ HttpClient::~HttpClient() = default;
 
 HttpAnswer HttpClient::Get(const std::string& address) {
     return connections_->Ask(L"GET", address, {});
+}
+
+int HttpClient::Head(const std::string& address) {
+    return connections_->Ask(L"HEAD", address, {}).status;
 }
 
 HttpAnswer HttpClient::Put(const std::string& address, std::string_view body) {

@@ -104,16 +104,20 @@ void Process::Handles::TakeStatus() {
 Process::Process(const Arguments& command, const StartConditions& conditions, OutputReceiver standardOutput,
                  OutputReceiver standardError) {
     RequireStartable(command);
+    const Arguments launched = WithLauncher(command, conditions.launcher);
     try {
         handles_ = std::make_unique<Handles>(std::move(standardOutput), std::move(standardError));
-        handles_->Start(command, conditions);
+        handles_->Start(launched.empty() ? command : launched, conditions);
+        hasLauncher_ = !launched.empty();
     } catch (const SystemFault& fault) {
         throw ProcessStartException(command.front(), SystemReason(fault.error),
                                     ProcessStartException::Cause::Resources);
     }
 }
 
-Process::~Process() = default;
+Process::~Process() {
+    SayFarewell();
+}
 
 std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longest) {
     if (!exitStatus_) {
@@ -128,12 +132,19 @@ std::optional<int> Process::Look(std::optional<std::chrono::milliseconds> longes
 }
 
 // A program without a window of its own can't be asked to end.
-void Process::kill(bool /*force*/) {
-    if (!handles_->exitStatus) {
-        handles_->isToBeKilled = true;
-        handles_->EndTree();
-    }
+void Process::End(bool /*force*/) noexcept {
+    handles_->isToBeKilled = true;
+    handles_->EndTree();
 }
+
+// To all of its group that share our console: there is no way to one program alone.
+bool Process::AskToEnd() noexcept {
+    handles_->isToBeKilled = true;
+    return ::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, ::GetProcessId(handles_->child.process.Get())) != FALSE;
+}
+
+// The system has no such limit.
+void MakeRoomForChildren(std::size_t /*children*/) noexcept {}
 
 std::string RunAndRead(const std::string& commandLine) {
     // The interpreter takes the first and the last quote off what it is given, whatever stands between them.

@@ -69,6 +69,14 @@ std::string SystemTemporaryFolder() {
     return AbsolutePath(FromWide({path.data(), length}));
 }
 
+std::string HostName() {
+    std::array<wchar_t, 256> name{};
+    auto length = static_cast<DWORD>(name.size());
+    return ::GetComputerNameExW(ComputerNameDnsHostname, name.data(), &length) != FALSE
+               ? FromWide({name.data(), length})
+               : std::string();
+}
+
 // The folder for temporary files is the user's own and gives what is made in it the same rights.
 bool MakePrivateFolder(const std::string& path) {
     if (::CreateDirectoryW(WidePath(path).c_str(), nullptr) != FALSE) {

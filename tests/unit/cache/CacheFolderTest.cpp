@@ -26,7 +26,7 @@ TEST(CacheFolderTest, LeastRecentlyUsedGoFirstAndForeignFilesStay) {
     CacheFolder cache(folder.Path());
     const Digest keys[] = {DigestOf("a"), DigestOf("b"), DigestOf("c")};
     for (const Digest& key : keys) {
-        cache.Store(key, std::string(100, 'x'));
+        cache.Store(key, std::string(100, 'x'), ResultStore::Existing::MayStay);
         UseLast(folder, key, std::chrono::hours(2));
     }
     folder.Write("ab/notes.txt", "mine");

@@ -1,6 +1,7 @@
 #include "platform/TemporaryFolder.h"
 
 #include "platform/Files.h"
+#include "platform/LockFile.h"
 #include "platform/Paths.h"
 #include "support/TestFolder.h"
 #include "unit/platform/ChildProgram.h"
@@ -50,14 +51,36 @@ TEST(TemporaryFolderOfAKilledRun, IsRemovedByTheNextOneThoseOfLiveRunsAreNot) {
 
 TEST(TemporaryFolderOfARun, SweepsOnlyWhatIsOurs) {
     const TestFolder system;
-    const fs::path starting = system.MakeFolder("orvanta-analyzer-starting");
-    const fs::path file = system.Write("orvanta-analyzer-file", "");
+    const fs::path starting = system.MakeFolder("orvanta-analyzer-startingrun0");
+    const fs::path file = system.Write("orvanta-analyzer-file00000000", "");
     const fs::path other = system.MakeFolder("another-program");
     ChildProgram run({"use-folder"}, TemporaryFilesIn(system.Path()));
     EXPECT_EQ(run.End(), 0);
     for (const fs::path& kept : {starting, file, other}) {
         EXPECT_TRUE(fs::exists(kept)) << kept;
     }
+}
+
+TEST(TemporaryFolderInASharedFolder, SweepsOnlyWhatRunsOfThisMachineHaveLeft) {
+    const TestFolder shared;
+    std::string prefix;
+    {
+        const TemporaryFolder run(shared.Path());
+        prefix = FileNameOf(run.Path());
+        prefix.erase(prefix.rfind('-') + 1);
+    }
+    EXPECT_TRUE(fs::is_empty(shared.Path()));
+    const auto leave = [&shared](const std::string& name) {
+        shared.Write(name + "/" + LockFile::FileName("temporary folder"), "");
+        return JoinPath(shared.Path(), name);
+    };
+    const std::string left = leave(prefix + "0123456789ab");
+    const std::string ofAnother = leave("orvanta-analyzer-another-0123456789ab");
+    const std::string ofOneNamedAlike = leave(prefix + "2-0123456789ab");
+    const TemporaryFolder next(shared.Path());
+    EXPECT_FALSE(PathExists(left));
+    EXPECT_TRUE(PathExists(ofAnother));
+    EXPECT_TRUE(PathExists(ofOneNamedAlike));
 }
 
 TEST(TemporaryFoldersOfManyRuns, AtOnceDoNotSweepEachOther) {

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,6 +45,17 @@ struct Script {
     std::string standardError;
     Process process;
 };
+
+// The same as a launcher, of which the command's words are its own.
+std::unique_ptr<Process> Launch(const std::string& script, const Arguments& command, std::string& output) {
+    const Arguments launcher = {"/bin/sh", "-c", script, "launcher"};
+    const StartConditions conditions = {"", OwnEnvironmentBlock(), ProcessGroup::Own, launcher};
+    auto process = std::make_unique<Process>(command, conditions, MakeRedirectToStringProcessor(output),
+                                             MakeRedirectToStringProcessor(output));
+    while (output.find('\n') == std::string::npos && !process->WaitForChange(LongTime)) {
+    }
+    return process;
+}
 
 std::ptrdiff_t OpenDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator());
@@ -187,6 +199,27 @@ TEST(Child, IsMeasuredWithAllThatItStarted) {
     EXPECT_GT(cost.processor.count(), 0);
     EXPECT_GT(cost.wall.count(), 0);
     EXPECT_EQ(child.process.Cost(), cost) << "measured once";
+}
+
+TEST(LauncherOfAProcess, IsAskedAloneAndItsGroupIsKilledOnlyBehindIt) {
+    std::string output;
+    // Its own child ignores what it is asked, and would be seen to end if it were asked as well.
+    const std::string script = "trap 'echo asked for $1; exit 3' TERM; "
+                               "(trap 'echo child was asked' TERM; echo started; while :; do sleep 0.01; done) & wait";
+    auto process = Launch(script, {"word"}, output);
+    process->kill(true);
+    EXPECT_EQ(process->get_exit_status(), 3);
+    EXPECT_EQ(output, "started\nasked for word\n");
+}
+
+TEST(LauncherOfAProcess, IsKilledWhenItDoesNotEnd) {
+    std::string output;
+    auto process = Launch("trap '' TERM; sleep 1000 & echo $!; wait", {"word"}, output);
+    const pid_t below = std::stoi(output);
+    const auto begin = std::chrono::steady_clock::now();
+    process.reset();
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, LongestFarewell);
+    EXPECT_TRUE(Ends(below));
 }
 
 } // namespace

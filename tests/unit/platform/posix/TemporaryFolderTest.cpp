@@ -15,11 +15,11 @@ namespace fs = std::filesystem;
 
 TEST(TemporaryFolderOnPosix, SweepsWhatDiedAtItsStartAndFollowsNoLink) {
     const TestFolder system;
-    const fs::path died = system.MakeFolder("orvanta-analyzer-died");
+    const fs::path died = system.MakeFolder("orvanta-analyzer-diedatstart0");
     fs::last_write_time(died, fs::file_time_type::clock::now() - std::chrono::hours(25));
     const fs::path other = system.MakeFolder("another-program");
     fs::last_write_time(other, fs::file_time_type::clock::now() - std::chrono::hours(25));
-    const fs::path link = system / "orvanta-analyzer-link";
+    const fs::path link = system / "orvanta-analyzer-linktoothers";
     fs::create_directory_symlink(other, link);
 
     const Environment environment{{"TMPDIR", system.Path()}};
