@@ -185,9 +185,11 @@ TEST_F(ShardsTest, CostsSpreadTheWorkAndTheMachinesOwnHistoryDoesNot) {
     std::vector<std::vector<std::string>> sources;
     for (const std::string word : {"1/3", "2/3", "3/3", "1/3"}) {
         sandbox.ForgetCoreCalls();
-        const RunResult result = sandbox.Analyze({"--shard", word, "--costs", "costs"}); // a history grows beside it
+        const RunResult result = sandbox.Analyze(
+            {"--shard", word, "--costs", "costs", "--dump-json", "own.json"}); // a history grows beside it
         EXPECT_EQ(result.exitCode, 0) << result;
         sources.push_back(sandbox.AnalyzedSources());
+        EXPECT_EQ(nlohmann::json::parse(sandbox.Read("own.json")).size(), sources.back().size());
         loads.push_back(0);
         for (const std::string& source : sources.back()) {
             loads.back() += costOf[source];
