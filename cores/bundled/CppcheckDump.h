@@ -79,6 +79,11 @@ public:
 
     [[nodiscard]] bool IsCpp() const noexcept { return isCpp_; }
 
+    /// Where one of the tokens stands among them.
+    [[nodiscard]] std::size_t IndexOf(const DumpToken& token) const {
+        return static_cast<std::size_t>(&token - tokens_.data());
+    }
+
     /// Each null when there is none of the id.
     [[nodiscard]] const DumpToken* Token(std::string_view id) const;
     [[nodiscard]] const DumpFunction* Function(std::string_view id) const;

@@ -55,7 +55,7 @@ std::int64_t ArraySize(const CppcheckDump& dump, const DumpToken& argument) {
         return 0;
     }
     const std::vector<DumpToken>& tokens = dump.Tokens();
-    const std::size_t next = static_cast<std::size_t>(name - tokens.data()) + 1;
+    const std::size_t next = dump.IndexOf(*name) + 1;
     if (next + 3 >= tokens.size() || tokens[next].text != "[" || tokens[next + 2].text != "]" ||
         tokens[next + 3].text == "[") {
         return 0;

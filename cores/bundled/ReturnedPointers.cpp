@@ -15,10 +15,6 @@ namespace {
 
 constexpr const char* Returned = "0"; // arguments are counted from 1
 
-std::size_t IndexOf(const CppcheckDump& dump, const DumpToken& token) {
-    return static_cast<std::size_t>(&token - dump.Tokens().data());
-}
-
 // The value of an expression that may be a null pointer; null when it is not seen to be one.
 const DumpValue* NullValue(const CppcheckDump& dump, std::string_view expression) {
     const DumpToken* const token = dump.Token(expression);
@@ -31,7 +27,7 @@ const DumpValue* NullValue(const CppcheckDump& dump, std::string_view expression
 
 bool ReturnsPointer(const CppcheckDump& dump, const DumpFunction& function) {
     const DumpToken* const name = dump.Token(function.token);
-    const std::size_t index = name == nullptr ? 0 : IndexOf(dump, *name);
+    const std::size_t index = name == nullptr ? 0 : dump.IndexOf(*name);
     return index > 0 && dump.Tokens()[index - 1].text == "*";
 }
 
@@ -46,7 +42,7 @@ Returns ReturnsOf(const CppcheckDump& dump, const DumpToken& bodyStart) {
     const std::vector<DumpToken>& tokens = dump.Tokens();
     Returns returns;
     std::size_t depth = 0;
-    for (std::size_t i = IndexOf(dump, bodyStart); i < tokens.size(); ++i) {
+    for (std::size_t i = dump.IndexOf(bodyStart); i < tokens.size(); ++i) {
         const DumpToken& token = tokens[i];
         depth += token.text == "{" ? 1U : 0U;
         depth -= token.text == "}" ? 1U : 0U;
@@ -80,7 +76,7 @@ const DumpToken* FirstUse(const CppcheckDump& dump, const DumpToken& assignment,
     constexpr std::string_view Ends[] = {"if", "while", "for", "switch",     "goto", "do",     "case",
                                          "?",  "{",     "}",   "&amp;&amp;", "||",   "sizeof", "decltype"};
     const std::vector<DumpToken>& tokens = dump.Tokens();
-    std::size_t i = IndexOf(dump, assignment);
+    std::size_t i = dump.IndexOf(assignment);
     while (i < tokens.size() && tokens[i].text != ";") {
         ++i;
     }
