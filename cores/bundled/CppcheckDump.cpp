@@ -21,6 +21,7 @@ struct FieldRow {
 };
 
 constexpr FieldRow<DumpToken> TokenFields[] = {
+    {"id", &DumpToken::id},
     {"file", &DumpToken::file},
     {"linenr", &DumpToken::line},
     {"column", &DumpToken::column},
@@ -110,10 +111,10 @@ void CppcheckDump::AddToken(std::string_view tag) {
         if (SetField(TokenFields, token, key, value)) {
             return;
         }
-        if (key == "id") {
-            tokensById_.emplace(value, tokens_.size());
-        } else if (key == "valueType-pointer") {
+        if (key == "valueType-pointer") {
             token.pointers = WholeNumber<unsigned>(value).value_or(0);
+        } else if (key == "originalName") {
+            token.isArrow = value == "->";
         } else if (key == "externLang") {
             token.isC = value == "C";
         } else if (key == "isUnsigned") {
@@ -122,6 +123,7 @@ void CppcheckDump::AddToken(std::string_view tag) {
             token.isLong = true;
         }
     });
+    tokensById_.emplace(token.id, tokens_.size());
     tokens_.push_back(token);
 }
 
@@ -135,6 +137,8 @@ void CppcheckDump::AddScope(std::string_view tag) {
     });
     if (scope.type == "Function") {
         bodies_.emplace(scope.function, scope.bodyStart);
+    } else if (scope.type == "Lambda") {
+        lambdas_.insert(scope.bodyStart);
     }
     scopes_.emplace(openScope_, scope);
 }
@@ -192,6 +196,8 @@ void CppcheckDump::AddValue(std::string_view tag) {
             set(DumpValue::Kind::Uninitialized, value);
         } else if (key == "buffer-size") {
             set(DumpValue::Kind::BufferSize, value);
+        } else if (key == "known") {
+            result.isKnown = true;
         } else if (key == "condition-line") {
             result.isConditional = true;
         } else if (key == "impossible" || key == "inconclusive") {
@@ -221,6 +227,16 @@ const DumpVariable* CppcheckDump::Variable(std::string_view id) const {
     return Find(variables_, id);
 }
 
+const DumpFunction* CppcheckDump::CalledAt(const DumpToken& parenthesis) const {
+    const DumpToken* name = parenthesis.text == "(" ? Token(parenthesis.operand1) : nullptr;
+    if (name != nullptr && (name->text == "." || name->text == "::")) {
+        // "::set(0)" has one operand.
+        name = Token(name->operand2.empty() ? name->operand1 : name->operand2);
+    }
+    const DumpFunction* const function = name == nullptr ? nullptr : Function(name->function);
+    return function == nullptr || function->isVirtual || Token(function->token) == nullptr ? nullptr : function;
+}
+
 const std::vector<DumpValue>& CppcheckDump::Values(std::string_view id) const {
     static const std::vector<DumpValue> none;
     const std::vector<DumpValue>* const values = Find(values_, id);
@@ -239,6 +255,10 @@ std::int64_t CppcheckDump::SizeOf(std::string_view type, unsigned pointers) cons
 
 std::string PlaceOf(const DumpToken& token) {
     return std::string(token.file) + ":" + std::string(token.line) + ":" + std::string(token.column);
+}
+
+std::string PlaceAttributes(const DumpToken& token) {
+    return XmlAttribute("file", token.file) + XmlAttribute("line", token.line) + XmlAttribute("col", token.column);
 }
 
 } // namespace Orvanta

@@ -5,12 +5,14 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace Orvanta {
 
 /// A token of the dump. The dump's elements refer to each other by ids; one that is empty or "0" is none.
 struct DumpToken {
+    std::string_view id;
     std::string_view file;
     std::string_view line;
     std::string_view column;
@@ -22,6 +24,7 @@ struct DumpToken {
     std::string_view operand2;
     std::string_view type; ///< of its value, such as "int" or "record"
     unsigned pointers = 0; ///< of its value: how many stars
+    bool isArrow = false;  ///< a "." that was written as "->"
     bool isC = false;      ///< stands in an extern "C"
     bool isUnsigned = false;
     bool isLong = false;
@@ -59,6 +62,7 @@ struct DumpValue {
     enum class Kind { Number, Uninitialized, BufferSize, Other };
     Kind kind = Kind::Other;
     std::int64_t number = 0;
+    bool isKnown = false;       ///< the only one
     bool isConditional = false; ///< only if some condition has the outcome that it is tested for
 };
 
@@ -75,11 +79,23 @@ public:
 
     [[nodiscard]] bool IsCpp() const noexcept { return isCpp_; }
 
+    /// Where one of the tokens stands among them.
+    [[nodiscard]] std::size_t IndexOf(const DumpToken& token) const {
+        return static_cast<std::size_t>(&token - tokens_.data());
+    }
+
     /// Each null when there is none of the id.
     [[nodiscard]] const DumpToken* Token(std::string_view id) const;
     [[nodiscard]] const DumpFunction* Function(std::string_view id) const;
     [[nodiscard]] const DumpScope* Scope(std::string_view id) const;
     [[nodiscard]] const DumpVariable* Variable(std::string_view id) const;
+
+    /// The function that is called where the parenthesis stands; null when it is not known, or when it is virtual, so
+    /// that another one may be.
+    [[nodiscard]] const DumpFunction* CalledAt(const DumpToken& parenthesis) const;
+
+    /// Whether a lambda's body begins with the token.
+    [[nodiscard]] bool BeginsLambda(std::string_view id) const { return lambdas_.contains(id); }
 
     /// Empty for an id that is not known.
     [[nodiscard]] const std::vector<DumpValue>& Values(std::string_view id) const;
@@ -110,10 +126,14 @@ private:
     std::string_view openValues_;
     // Bodies are told where scopes are, before or after the functions themselves.
     std::unordered_map<std::string_view, std::string_view> bodies_;
+    std::unordered_set<std::string_view> lambdas_; // the tokens that begin their bodies
     bool isCpp_ = false;
 };
 
 /// "file:line:column", as Cppcheck's facts tell functions apart.
 [[nodiscard]] std::string PlaceOf(const DumpToken& token);
+
+/// The same as the attributes of a fact that stands there.
+[[nodiscard]] std::string PlaceAttributes(const DumpToken& token);
 
 } // namespace Orvanta

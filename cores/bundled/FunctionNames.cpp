@@ -99,7 +99,7 @@ std::string ParametersOf(const CppcheckDump& dump, const DumpToken& name) {
     std::string text = "(";
     ParameterType type;
     std::size_t depth = 0;
-    for (std::size_t i = static_cast<std::size_t>(&name - tokens.data()) + 1; i < tokens.size(); ++i) {
+    for (std::size_t i = dump.IndexOf(name) + 1; i < tokens.size(); ++i) {
         const std::string_view word = tokens[i].text;
         if (word == ")" && depth == 1) {
             const std::string last = type.Take();

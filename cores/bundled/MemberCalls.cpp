@@ -1,5 +1,6 @@
 #include "bundled/MemberCalls.h"
 
+#include "bundled/XmlTags.h"
 #include "platform/Text.h"
 
 #include <algorithm>
@@ -29,14 +30,8 @@ std::optional<Call> CallAt(const CppcheckDump& dump, const DumpToken& token) {
     if (left == nullptr || token.operand2.empty() || (left->text != "." && left->text != "::")) {
         return std::nullopt;
     }
-    // "::set(0)" has one operand.
-    const DumpToken* const name = dump.Token(left->operand2.empty() ? left->operand1 : left->operand2);
-    const DumpFunction* const function = name == nullptr ? nullptr : dump.Function(name->function);
-    const DumpToken* const declaration = function == nullptr ? nullptr : dump.Token(function->token);
-    if (declaration == nullptr || function->isVirtual) {
-        return std::nullopt;
-    }
-    return Call{&token, function, declaration};
+    const DumpFunction* const function = dump.CalledAt(token);
+    return function == nullptr ? std::nullopt : std::optional(Call{&token, function, dump.Token(function->token)});
 }
 
 // "a, b, c" is a tree that goes down on its left. Damaged, it could have no end.
@@ -60,7 +55,7 @@ std::int64_t ArraySize(const CppcheckDump& dump, const DumpToken& argument) {
         return 0;
     }
     const std::vector<DumpToken>& tokens = dump.Tokens();
-    const std::size_t next = static_cast<std::size_t>(name - tokens.data()) + 1;
+    const std::size_t next = dump.IndexOf(*name) + 1;
     if (next + 3 >= tokens.size() || tokens[next].text != "[" || tokens[next + 2].text != "]" ||
         tokens[next + 3].text == "[") {
         return 0;
@@ -118,18 +113,13 @@ private:
     }
 
     void Write(const DumpToken& argument, FactValue kind, std::int64_t value, bool isConditional) {
-        const auto attribute = [](std::string_view name, std::string_view text) {
-            return " " + std::string(name) + "=\"" + std::string(text) + "\"";
-        };
-        const DumpToken& place = *call_.parenthesis;
-        facts_.push_back("<function-call" + attribute("call-id", PlaceOf(*call_.declaration)) +
-                         attribute("call-funcname", call_.function->name) +
-                         attribute("call-argnr", std::to_string(number_)) + attribute("file", place.file) +
-                         attribute("line", place.line) + attribute("col", place.column) +
-                         attribute("call-argexpr", argument.text) +
-                         attribute("call-argvaluetype", std::to_string(static_cast<int>(kind))) +
-                         attribute("call-argvalue", std::to_string(value)) +
-                         (isConditional ? attribute("warning", "true") : "") + "/>");
+        facts_.push_back("<function-call" + XmlAttribute("call-id", PlaceOf(*call_.declaration)) +
+                         XmlAttribute("call-funcname", call_.function->name) +
+                         XmlAttribute("call-argnr", std::to_string(number_)) + PlaceAttributes(*call_.parenthesis) +
+                         XmlAttribute("call-argexpr", argument.text) +
+                         XmlAttribute("call-argvaluetype", std::to_string(static_cast<int>(kind))) +
+                         XmlAttribute("call-argvalue", std::to_string(value)) +
+                         (isConditional ? XmlAttribute("warning", "true") : "") + "/>");
     }
 
     const CppcheckDump& dump_;

@@ -10,6 +10,7 @@
 #include "bundled/MergedFindings.h"
 #include "bundled/Misra.h"
 #include "bundled/ReportWriter.h"
+#include "bundled/ReturnedPointers.h"
 #include "bundled/SystemTextCutter.h"
 #include "bundled/TallyLines.h"
 #include "bundled/Targets.h"
@@ -172,8 +173,12 @@ void AddFacts(UnitInformation& information, const CppcheckCollection& collection
         return;
     }
     const CppcheckDump dump(collection.dump);
-    if (FactGroup calls = MemberCallFacts(dump); !calls.facts.empty()) {
-        information.facts.push_back(std::move(calls));
+    std::vector<FactGroup> more = ReturnFacts(dump);
+    more.push_back(MemberCallFacts(dump));
+    for (FactGroup& group : more) {
+        if (!group.facts.empty()) {
+            information.facts.push_back(std::move(group));
+        }
     }
     information.functions = NameFunctions(dump, information.facts);
 }

@@ -24,9 +24,9 @@
 // Across units (AnalyzerInformation, UnitInformation, CppcheckLink, Linking, MergedFindings): Cppcheck's whole-program
 // step wants to see all facts in one build folder of its own. Each unit's facts are kept as that step will want them,
 // and put into such a folder only for the linking, so that collecting runs need nothing of each other. What that step
-// can't see (CppcheckDump, FunctionNames, MemberCalls, FunctionLinks): it knows a function by the place of its first
-// declaration, and calls only by a plain name. So facts of other calls are added from the dump, and the linking gives
-// one id to all declarations of what a linker would take for one function.
+// can't see (CppcheckDump, FunctionNames, MemberCalls, ReturnedPointers, FunctionLinks): it knows a function by the
+// place of its first declaration, and calls only by a plain name. So facts of other calls are added from the dump, and
+// the linking gives one id to all declarations of what a linker would take for one function.
 
 namespace Orvanta {
 

@@ -8,6 +8,10 @@ void FailCutShort() {
     throw ZelmException("the analyzer information that Cppcheck wrote is cut short");
 }
 
+std::string XmlAttribute(std::string_view name, std::string_view value) {
+    return " " + std::string(name) + "=\"" + std::string(value) + "\"";
+}
+
 XmlTag NextTag(std::string_view xml, std::size_t position) {
     XmlTag tag;
     tag.begin = xml.find('<', position);

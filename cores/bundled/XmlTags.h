@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace Orvanta {
@@ -30,6 +31,9 @@ struct XmlTag {
 
 /// A kill of Cppcheck and a full disk leave such a text.
 [[noreturn]] void FailCutShort();
+
+/// An attribute with a value that is written as XML wants it, behind a blank.
+[[nodiscard]] std::string XmlAttribute(std::string_view name, std::string_view value);
 
 /// Gives the name and the value of each attribute of a tag to `receive`, in their order; values as they are written.
 template <typename Receiver>

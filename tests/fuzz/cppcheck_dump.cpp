@@ -2,6 +2,7 @@
 #include "bundled/CppcheckDump.h"
 #include "bundled/FunctionNames.h"
 #include "bundled/MemberCalls.h"
+#include "bundled/ReturnedPointers.h"
 #include "platform/Exceptions.h"
 
 using namespace Orvanta;
@@ -11,8 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const std::string_view text = FuzzText(data, size);
         const CppcheckDump dump(text);
-        const FactGroup calls = MemberCallFacts(dump);
-        const FactGroup groups[] = {calls};
+        std::vector<FactGroup> groups = ReturnFacts(dump);
+        groups.push_back(MemberCallFacts(dump));
         for (const NamedFunction& function : NameFunctions(dump, groups)) {
             Require(!function.name.empty() && !function.place.empty());
         }

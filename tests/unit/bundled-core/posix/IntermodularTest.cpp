@@ -271,5 +271,49 @@ void call_c(void) { int x = 0; handC(0); own(&x); }
     EXPECT_THAT(Found("second.cpp", "second-run"), ElementsAre());
 }
 
+TEST_F(CoreStages, ReturnedNullPointersAreFollowed) {
+    AddSource("user.c", R"(struct S { int v; };
+extern int* none(void);
+extern int* find(int n);
+extern struct S* make(int n);
+extern int* good(void);
+int direct(void) { return *none(); }
+int later(void) { int* p = none(); *p = 1; return 0; }
+int maybe(void) { int* p = find(3); return p[0]; }
+int member(void) { return make(1)->v; }
+int asked(void) { int* p = find(1); if (!p) return 1; return *p; }
+int related(int n) { int* p = find(n); if (n > 2) return 0; return *p; }
+int size(void) { int* p = find(1); return sizeof(*p); }
+int right(void) { return *good(); }
+)");
+    AddSource("maker.c", R"(struct S { int v; };
+int* none(void) { return 0; }
+int* find(int n) { static int v; if (n > 2) return 0; return &v; }
+struct S* make(int n) { static struct S s; return n < 0 ? 0 : &s; }
+int* good(void) { static int v; return &v; }
+)");
+    AddSource("more.cpp", R"(struct Box { int* item(); virtual int* may(); };
+int use(Box& box) { return *box.may() + *box.item(); }
+)");
+    AddSource("box.cpp", R"(struct Box { int* item(); virtual int* may(); };
+int* Box::item() { return nullptr; }
+int* Box::may() { return nullptr; }
+)");
+    CollectAll();
+    const CoreEnd linked = RunStage("merge", "merge-info");
+    ASSERT_EQ(linked.exitCode, 0) << linked.standardError;
+    std::vector<std::string> across = Found("user.c", "second-run");
+    std::erase_if(across, [](const std::string& text) { return !text.starts_with("[ctu"); });
+    EXPECT_THAT(across, ElementsAre("[ctunullpointer] user.c:6 maker.c:2", "[ctunullpointer] user.c:7 maker.c:2",
+                                    "[ctunullpointer] user.c:8 maker.c:3", "[ctunullpointer] user.c:9 maker.c:4"));
+    // Not surely null.
+    const std::vector<OrvlogConverter::ReportMessage> findings = Findings();
+    EXPECT_EQ(findings[0].level, 1U);
+    EXPECT_EQ(findings[0].message, "[ctunullpointer] Null pointer dereference: what none() returns");
+    EXPECT_EQ(findings[2].level, 3U);
+    EXPECT_EQ(findings[3].level, 3U);
+    EXPECT_THAT(Found("more.cpp", "second-run"), ElementsAre("[ctunullpointer] more.cpp:2 box.cpp:2"));
+}
+
 } // namespace
 } // namespace Orvanta
