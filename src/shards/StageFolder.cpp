@@ -43,7 +43,7 @@ std::string CountIn(const std::string& folder) {
     return std::to_string(UnitFilesIn(folder).size()) + "\n";
 }
 
-// A part tells all but what a run of the same shard that ends alike would tell as well, down to the times it took.
+// No two runs of a shard leave the same part: it tells the microseconds that each unit took.
 Fingerprint FingerprintOfParts(const std::vector<std::string>& paths) {
     FingerprintBuilder builder;
     for (const std::string& path : paths) {
