@@ -39,10 +39,25 @@ void Finish(PartBlockWriter& file, std::size_t stoppedUnits) {
 
 PartWriter::PartWriter(std::string path, PartHead head, std::size_t units, PartUnitNames names,
                        std::span<const SkippedInvocation> skipped)
-    : path_(std::move(path)), head_(std::move(head)), units_(units), names_(std::move(names)), skipped_(skipped) {}
+    : path_(std::move(path)), head_(std::move(head)), units_(units), names_(std::move(names)), skipped_(skipped) {
+    if (const std::string root = SourceRootOf(head_); !root.empty()) {
+        root_.emplace(nullptr, root);
+    }
+}
+
+template <typename Take>
+void PartWriter::WithoutRoot(const ReportMessage& message, const Take& take) {
+    if (root_) {
+        take(root_->Transform(message));
+    } else {
+        take(message);
+    }
+}
 
 bool PartWriter::HiddenTaker::Write(const ReportMessage& message) {
-    entries_.Add(EntryNumber(PartEntry::HiddenFinding)).Add(OrvlogConverter::FingerprintOf(message));
+    part_.WithoutRoot(message, [this](const ReportMessage& placeless) {
+        part_.entries_.Add(EntryNumber(PartEntry::HiddenFinding)).Add(OrvlogConverter::FingerprintOf(placeless));
+    });
     return true;
 }
 
@@ -51,8 +66,10 @@ bool PartWriter::Write(const ReportMessage& message) {
         head_.notices.push_back(message);
         return true;
     }
-    entries_.Add(EntryNumber(PartEntry::Finding));
-    AddMessage(entries_, message);
+    WithoutRoot(message, [this](const ReportMessage& placeless) {
+        entries_.Add(EntryNumber(PartEntry::Finding));
+        AddMessage(entries_, placeless);
+    });
     return true;
 }
 
