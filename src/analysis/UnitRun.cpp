@@ -154,12 +154,10 @@ AnalyzerStatus UnitRun::Do(const Work::ListDependencies& work) {
 AnalyzerStatus UnitRun::Do(const Work::Collect& work) {
     if (!work.leavesText) {
         programs_.RemoveTextAtEnd();
+        return Preprocess() == ProcessOutcome::Stopped ? AnalyzerStatus::Stopped : CollectText();
     }
     if (Preprocess() == ProcessOutcome::Stopped) {
         return AnalyzerStatus::Stopped;
-    }
-    if (!work.leavesText) {
-        return CollectText();
     }
     try {
         if (const std::optional<Dependencies> dependencies = ListDependencies()) {

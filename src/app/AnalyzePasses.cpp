@@ -289,7 +289,7 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
         return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
     });
     committer.TellTo(part.get());
-    std::unique_ptr<ResultReceiver> before; // the committer; null: nobody
+    std::unique_ptr<ResultReceiver> before; // gets the results before the committer; null: nobody
     if (journal_) {
         before = std::make_unique<JournalWriter>(*journal_, committer);
     } else if (input_.stage) {

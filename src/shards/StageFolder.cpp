@@ -24,11 +24,15 @@ constexpr const char* LinkedName = "of-collected";
 constexpr const char* CountName = "count";
 constexpr const char* UnitExtension = ".Orvanta.dfo";
 
+// Of a folder that is not there, none.
 std::vector<std::string> EntriesOf(const std::string& folder) {
     std::vector<std::string> paths;
     std::error_code error;
     for (fs::directory_iterator entry(NativePath(folder), error), end; !error && entry != end; entry.increment(error)) {
         paths.push_back(JoinPath(folder, PathText(entry->path().filename())));
+    }
+    if (error && error != std::errc::no_such_file_or_directory) {
+        throw FileException(folder, error.message()); // what can't be seen might be missed for good
     }
     return paths;
 }
@@ -43,7 +47,7 @@ std::string CountIn(const std::string& folder) {
     return std::to_string(UnitFilesIn(folder).size()) + "\n";
 }
 
-// A part tells all but what a run of the same shard that ends alike would tell as well, down to the times it took.
+// No two runs of a shard leave the same part: it tells the microseconds that each unit took.
 Fingerprint FingerprintOfParts(const std::vector<std::string>& paths) {
     FingerprintBuilder builder;
     for (const std::string& path : paths) {
@@ -91,6 +95,9 @@ std::string StageFolder::MergedFile() const {
 void StageFolder::ForgetUnits(const Shard& shard) const {
     for (const std::string& path : UnitFilesIn(FolderOf(shard))) {
         RemoveFile(path);
+        if (PathExists(path)) {
+            throw FileException("Can't remove", path, "it is of an earlier run");
+        }
     }
 }
 

@@ -53,7 +53,7 @@ public:
     [[nodiscard]] std::string LinkedFolder() const;
     [[nodiscard]] std::string MergedFile() const;
 
-    /// Removes what an earlier run has collected of the shard's units.
+    /// Removes what an earlier run has collected of the shard's units. \throws FileException
     void ForgetUnits(const Shard& shard) const;
 
     /// All that the core leaves of the shard's units is there. A machine that doesn't see it yet must not link the

@@ -50,6 +50,8 @@ class Way:
 ANALYZE = ["analyze", "-q", "-j", "2", "--orvanta-path", str(CORE)]
 FULL = [*ANALYZE, "-o", "r.json"]
 INCREMENTAL = [*FULL, "-i"]
+COLLECT = [*ANALYZE, "--intermodular-stage", "collect", "--shared", "s"]
+LINK = [*ANALYZE, "--intermodular-stage", "link", "--shared", "s"]
 SHARDS = [[*ANALYZE, "--shard", f"{number}/2", "-o", f"{number}.orvpart"] for number in (1, 2)]
 
 
@@ -63,6 +65,10 @@ WAYS = [
     Way("first incremental", "orvanta-analyzer", INCREMENTAL, "r.json", documents),
     Way("next incremental", "orvanta-analyzer", INCREMENTAL, "r.json", documents, [INCREMENTAL], touch_one),
     Way("across units", "orvanta-analyzer", [*FULL, "--intermodular"], "r.json", documents),
+    Way("collect", "orvanta-analyzer", COLLECT, "s/collected/1-of-1/count", str),
+    Way("link", "orvanta-analyzer", LINK, "s/linked/intermodular-merged-info.Orvanta.dfo", str, [COLLECT]),
+    Way("perform", "orvanta-analyzer", [*FULL, "--intermodular-stage", "perform", "--shared", "s"], "r.json", documents,
+        [COLLECT, LINK]),
     Way("listed", "orvanta-analyzer", [*FULL, "-S", "list.txt"], "r.json", documents),
     Way("merge", "orvanta-analyzer", ["merge", "-q", "-o", "m.json", "1.orvpart", "2.orvpart"], "m.json", documents,
         SHARDS),
