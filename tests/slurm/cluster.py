@@ -105,7 +105,9 @@ class Cluster:
         wait_until("both nodes are idle", lambda: self.ask("sinfo", "-h", "-o", "%T %D") == "idle 2")
 
     def start_munge(self):
-        """As the user of that name where we may, since its daemon wants a key and folders that are its own."""
+        """As the user of that name where we may, since its daemon wants a key and folders that are its own, and a socket
+        that everyone can reach."""
+        self.folder.chmod(0o755)
         folder = self.folder / "munge"
         folder.mkdir()
         (folder / "key").write_bytes(os.urandom(1024))
@@ -114,7 +116,6 @@ class Cluster:
         if os.getuid() == 0:
             owner = pwd.getpwnam("munge")
             become = ["--reuid", "munge", "--regid", str(owner.pw_gid), "--clear-groups"]
-            self.folder.chmod(0o755)
             for path in [folder, folder / "key"]:
                 os.chown(path, owner.pw_uid, owner.pw_gid)
         self.start_daemon("munged", ["/usr/sbin/munged", "--foreground", "--key-file", folder / "key",
