@@ -11,7 +11,7 @@ set(ORVANTA_ROOMS
     "src/history buildinput compilers report settings platform"
     "src/cache report settings platform"
     "src/analysis cache history buildinput compilers report settings platform"
-    "src/shards analysis history buildinput compilers report settings platform"
+    "src/shards analysis cache history buildinput compilers report settings platform"
     "src/app shards analysis cache history render suppress buildinput compilers report settings platform"
     "cores/bundled report settings platform")
 

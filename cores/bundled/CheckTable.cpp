@@ -16,6 +16,27 @@ const CheckRow* FindIn(std::span<const CheckRow> rows, std::string_view id) {
     return row != rows.end() && row->id == id ? &*row : nullptr;
 }
 
+// What one check tells of faults of different weight. Clang's of memory tells twice freed, freed and used, and lost.
+struct MessageLevel {
+    std::string_view id;
+    std::string_view begin; // of the message
+    std::uint32_t level;
+};
+
+constexpr MessageLevel MessageLevels[] = {
+    {"clang-analyzer-unix.Malloc", "Potential leak", 2},
+};
+
+std::uint32_t LevelOf(const Finding& finding, const CheckRow& row) {
+    for (const MessageLevel& special : MessageLevels) {
+        if (special.id == finding.id && finding.message.starts_with(special.begin)) {
+            return special.level;
+        }
+    }
+    // Of one kind of fault, Cppcheck calls those a warning that depend on a condition which may never hold.
+    return finding.severity == "warning" ? std::max(row.level, LevelOfWarnings) : row.level;
+}
+
 } // namespace
 
 const CheckRow* FindCheck(std::string_view id) {
@@ -26,10 +47,7 @@ const CheckRow* FindCheck(std::string_view id) {
 CheckRow RowFor(const Finding& finding) {
     if (const CheckRow* const known = FindCheck(finding.id)) {
         CheckRow row = *known;
-        // Of one kind of fault, Cppcheck calls those a warning that depend on a condition which may never hold.
-        if (finding.severity == "warning") {
-            row.level = std::max(row.level, LevelOfWarnings);
-        }
+        row.level = LevelOf(finding, row);
         return row;
     }
     CheckRow row;

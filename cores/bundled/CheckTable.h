@@ -25,7 +25,8 @@ enum class CheckGroup : std::uint8_t {
 enum class CheckState : std::uint8_t {
     On,        ///< everywhere
     AsWritten, ///< only in lines that stand in the text as they do in the source: in others, macros are what is found
-    Off,       ///< nowhere: a matter of taste, or wrong without the rest of the program
+    BlockAsWritten, ///< likewise, of each line from the first place that the finding names to its own
+    Off,            ///< nowhere: a matter of taste, or wrong without the rest of the program
 };
 
 /// What is known of a check.

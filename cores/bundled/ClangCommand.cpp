@@ -20,7 +20,8 @@ constexpr std::string_view ForIterators = "aggressive-binary-operation-simplific
 
 // Names that GCC knows and clang does not, as macros: columns stay what they are.
 constexpr std::string_view Definitions[] = {
-    "__malloc__(...)=__malloc__", // the attribute's arguments
+    "_Atomic(...)=__typeof__(__VA_ARGS__)", // as for the qualifier, which the text has lost
+    "__malloc__(...)=__malloc__",           // the attribute's arguments
     "_Float128=__float128",
     "_Float64x=long double",
     "_Float64=double",

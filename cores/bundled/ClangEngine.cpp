@@ -3,11 +3,15 @@
 #include "bundled/ClangCommand.h"
 #include "bundled/ClangOutput.h"
 #include "bundled/ClangText.h"
+#include "bundled/CodeScanner.h"
 #include "bundled/FileAlias.h"
 #include "bundled/ProgramRun.h"
 #include "bundled/ScopedFile.h"
 #include "platform/Paths.h"
 #include "platform/Text.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace Orvanta {
 
@@ -31,6 +35,16 @@ Finding MakeFinding(const ClangText& text, ClangDiagnostic diagnostic) {
         }
     }
     return finding;
+}
+
+// "exit" is among the functions that threads may not call at once. Nearly every program ends by it, in one thread.
+bool IsAboutExit(const ClangText& text, const ClangDiagnostic& diagnostic) {
+    constexpr std::string_view Spellings[] = {"exit", "std::exit", "::exit"};
+    const std::string_view code = text.From(diagnostic.note.line, diagnostic.note.column);
+    return diagnostic.checks.front() == "concurrency-mt-unsafe" &&
+           std::any_of(std::begin(Spellings), std::end(Spellings), [code](std::string_view spelling) {
+               return code.starts_with(spelling) && !IsWordCharacter(code[spelling.size()]);
+           });
 }
 
 } // namespace
@@ -64,7 +78,9 @@ EngineResult ClangEngine::Analyze(const UnitSettings& unit, const UnitText& text
     }
     if (result.notLookedAt.empty()) {
         for (ClangDiagnostic& diagnostic : output.diagnostics) {
-            result.findings.push_back(MakeFinding(clangText, std::move(diagnostic)));
+            if (!IsAboutExit(clangText, diagnostic)) {
+                result.findings.push_back(MakeFinding(clangText, std::move(diagnostic)));
+            }
         }
     }
     return result;

@@ -1,5 +1,7 @@
 #include "bundled/ClangText.h"
 
+#include "bundled/CodeScanner.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -32,6 +34,8 @@ constexpr Replacement Replacements[] = {
 // Nearly no line holds one of them, which these tell.
 constexpr std::string_view CommonParts[] = {"__integer_pack(", " _Float"};
 
+constexpr std::string_view AtomicQualifier = "_Atomic";
+
 bool MayNeedRepair(std::string_view line) {
     return std::any_of(std::begin(CommonParts), std::end(CommonParts),
                        [line](std::string_view part) { return line.find(part) != std::string_view::npos; });
@@ -42,6 +46,24 @@ std::string Repaired(std::string_view line) {
     for (const Replacement& row : Replacements) {
         if (const std::size_t at = text.find(row.gccs); at != std::string::npos) {
             text.replace(at, row.gccs.size(), row.clangs);
+        }
+    }
+    return text;
+}
+
+// GCC's atomic operations take pointers to atomic types of C11, clang's are others then. Without the qualifier they
+// mean the same to an analyzer of one thread. `_Atomic(int)` is a definition on the command line.
+std::string WithoutAtomicQualifiers(std::string_view line) {
+    std::string text(line);
+    for (std::size_t at = text.find(AtomicQualifier); at != std::string::npos;
+         at = text.find(AtomicQualifier, at + AtomicQualifier.size())) {
+        const std::size_t end = at + AtomicQualifier.size();
+        const bool isWord =
+            (at == 0 || !IsWordCharacter(text[at - 1])) && (end == text.size() || !IsWordCharacter(text[end]));
+        const std::size_t next = text.find_first_not_of(' ', end);
+        if (isWord && (next == std::string::npos || text[next] != '(')) {
+            // As many blanks: columns stay.
+            text.replace(at, AtomicQualifier.size(), AtomicQualifier.size(), ' ');
         }
     }
     return text;
@@ -68,6 +90,8 @@ public:
         const TextLine place{line.file.value_or(0), line.number};
         if (isSystem && MayNeedRepair(line.text)) {
             AddLine(Repaired(line.text), place);
+        } else if (line.text.find(AtomicQualifier) != std::string_view::npos) {
+            AddLine(WithoutAtomicQualifiers(line.text), place);
         } else {
             AddLine(line.text, place);
         }
@@ -94,8 +118,8 @@ private:
     }
 
     void AddLine(std::string_view line, const TextLine& place) {
+        lines_.push_back({place.file, place.line, text_.size()});
         text_.append(line) += '\n';
-        lines_.push_back(place);
     }
 
     std::string text_;
@@ -107,6 +131,11 @@ private:
 
 TextLine ClangText::PlaceOf(std::size_t line) const {
     return line == 0 || line > lines.size() || lines[line - 1].line == 0 ? TextLine{0, 1} : lines[line - 1];
+}
+
+std::string_view ClangText::From(std::size_t line, std::size_t column) const {
+    const std::size_t begin = line == 0 || line > lines.size() || column == 0 ? text.size() : lines[line - 1].begin;
+    return std::string_view(text).substr(std::min(begin + column - 1, text.size()));
 }
 
 ClangText MakeClangText(std::string_view text, const std::string& sourcePath, const std::string& currentDirectory) {

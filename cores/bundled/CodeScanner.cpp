@@ -8,11 +8,6 @@ namespace Orvanta {
 
 namespace {
 
-bool IsWordCharacter(char character) {
-    const char lower = ToLowerAscii(character);
-    return (lower >= 'a' && lower <= 'z') || IsDigit(character) || character == '_';
-}
-
 bool IsRawPrefix(std::string_view word) {
     // Any other word in front of a quote, such as "L", belongs to a usual literal.
     return word == "R" || word == "u8R" || word == "uR" || word == "UR" || word == "LR";
@@ -28,6 +23,11 @@ std::size_t EndOfWord(std::string_view line, std::size_t begin) {
 }
 
 } // namespace
+
+bool IsWordCharacter(char character) {
+    const char lower = ToLowerAscii(character);
+    return (lower >= 'a' && lower <= 'z') || IsDigit(character) || character == '_';
+}
 
 std::size_t EndOfLiteral(std::string_view text, std::size_t begin) {
     std::size_t i = begin + 1;

@@ -6,6 +6,9 @@
 
 namespace Orvanta {
 
+/// Letters and digits of ASCII, and the underscore.
+[[nodiscard]] bool IsWordCharacter(char character);
+
 /// The place behind the character or string literal whose quote stands at `begin`. One that is not closed in the text
 /// ends behind it.
 [[nodiscard]] std::size_t EndOfLiteral(std::string_view text, std::size_t begin);

@@ -182,10 +182,36 @@ private:
             return !SaysFallThrough(position.prevLine) && !SaysFallThrough(position.currLine);
         }
         const bool isAskedFor = choice_.all && !choice_.rules.SwitchesOff(row.id);
-        if (isAskedFor || row.state == CheckState::On) {
+        return isAskedFor || IsAsWritten(finding, row.state, place);
+    }
+
+    bool IsAsWritten(const Finding& finding, CheckState state, const Place& place) {
+        switch (state) {
+        case CheckState::On:
             return true;
+        case CheckState::AsWritten:
+            return written_.IsAsWritten(place.file->path, place.line);
+        case CheckState::BlockAsWritten:
+            for (std::uint32_t line = FirstLine(finding, place); line < place.line; ++line) {
+                if (!written_.IsWholeAsWritten(place.file->path, line)) {
+                    return false;
+                }
+            }
+            return written_.IsWholeAsWritten(place.file->path, place.line);
+        case CheckState::Off:
+            return false;
         }
-        return row.state == CheckState::AsWritten && written_.IsAsWritten(place.file->path, place.line);
+        return false;
+    }
+
+    // The first of the finding's places in its own file.
+    std::uint32_t FirstLine(const Finding& finding, const Place& place) {
+        std::uint32_t first = place.line;
+        for (const FindingPlace& location : finding.path) {
+            const Place other = places_.Resolve(location);
+            first = other.file == place.file ? std::min(first, other.line) : first;
+        }
+        return first;
     }
 
     ReportMessage MakeMessage(const Told& told) {

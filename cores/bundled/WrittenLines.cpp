@@ -76,6 +76,10 @@ bool WrittenLines::IsAsWritten(const std::string& path, std::uint32_t line) {
     return code.starts_with(source) || source.starts_with(code);
 }
 
+bool WrittenLines::IsWholeAsWritten(const std::string& path, std::uint32_t line) {
+    return IsAsWritten(path, line) && !inPieces_.contains({FileKey(path), line});
+}
+
 void WrittenLines::IndexLines() {
     if (isIndexed_) {
         return;
@@ -89,7 +93,9 @@ void WrittenLines::IndexLines() {
             continue;
         }
         // Of two pieces of one line, the first one tells.
-        textByLine_.emplace(place, line);
+        if (!textByLine_.emplace(place, line).second) {
+            inPieces_.insert(place);
+        }
         ++place.second;
     }
 }

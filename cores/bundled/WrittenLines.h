@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -21,6 +22,9 @@ public:
     /// constants that every program uses (`NULL`, `nullptr`, `true`, `false`) count as written.
     [[nodiscard]] bool IsAsWritten(const std::string& path, std::uint32_t line);
 
+    /// Whether besides no macro of a system header has left a piece of its own in it.
+    [[nodiscard]] bool IsWholeAsWritten(const std::string& path, std::uint32_t line);
+
 private:
     using FileLine = std::pair<std::uint64_t, std::uint32_t>;
 
@@ -30,6 +34,7 @@ private:
     std::string_view cutText_;
     SourceLines& sources_;
     std::map<FileLine, std::string_view> textByLine_; // of the cut text, by a file's key and its line
+    std::set<FileLine> inPieces_;                     // those that stand there in several pieces
     bool isIndexed_ = false;
 };
 

@@ -422,7 +422,8 @@ std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options
 
 void RequireUsableStats(const AnalyzeOptions& options) {
     RefuseEmpty(options.stats, "--stats");
-    if (options.stats && options.outputFile && AbsolutePath(*options.stats) == AbsolutePath(*options.outputFile)) {
+    const std::string output = options.outputFile.value_or(options.shard ? DefaultPart : "");
+    if (options.stats && !output.empty() && AbsolutePath(*options.stats) == AbsolutePath(output)) {
         throw ZelmException("Flags --output-file and --stats name one file: " + *options.stats);
     }
 }

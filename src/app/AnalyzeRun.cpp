@@ -129,9 +129,11 @@ void AnalyzeRun::ChooseUnits() {
     if (!shard && !stage) {
         return;
     }
+    // What stages collect names files by their places: then these count.
+    const RootMark root(stage ? std::string() : SourceTreeRoot(input_.settings));
     // From here on the units of other shards are no part of the run.
     ShardSelection selection =
-        KeepShard(input_.commands, shard.value_or(Shard()), std::exchange(input_.prices, std::nullopt));
+        KeepShard(input_.commands, shard.value_or(Shard()), std::exchange(input_.prices, std::nullopt), root);
     if (stage) {
         input_.stage = {*stage, StageFolder(SharedFolderOf(input_.options)), selection};
     }

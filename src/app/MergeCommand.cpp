@@ -45,11 +45,11 @@ struct MergeOptions {
 MergeOptions ParseOptions(args::Subparser& parser) {
     constexpr std::string_view Shared[] = {"output-file", "quiet", "verbose", "show", "fail-on", "stats"};
     args::PositionalList<std::string> parts(parser, "PART", "Parts that 'analyze --shard' has written",
-                                                  args::Options::Required);
+                                            args::Options::Required);
     args::Flag allowMissing(parser, "allow-missing",
-                                  "Write the report of what there is when shards are missing or were stopped, and end "
-                                  "with exit code 1",
-                                  {"allow-missing"});
+                            "Write the report of what there is when shards are missing or were stopped, and end "
+                            "with exit code 1",
+                            {"allow-missing"});
     MergeOptions options;
     options.shared = ParseSharedOptions(parser, Shared);
     options.allowMissing = allowMissing.Matched();

@@ -2,6 +2,7 @@
 
 #include "app/RunSetup.h"
 #include "app/Version.h"
+#include "cache/RootMark.h"
 #include "history/UnitIdentities.h"
 
 #include <string>
@@ -19,11 +20,26 @@ Fingerprint FingerprintOfCore(const RunPlaces& places) {
         .Value();
 }
 
+// Settings in which the place of the source tree, which may be another one for each shard, is a mark.
 Fingerprint FingerprintOfShared(const AnalyzeInput& input) {
+    const RootMark root(SourceTreeRoot(input.settings));
+    RunSettings settings = input.settings;
     FingerprintBuilder builder;
-    builder.Add(FingerprintOfSettings(input.settings));
+    for (auto& [key, value] : settings.userSettings) {
+        if (key == "rules-config") { // what it holds counts: its name is not one to be found by any more
+            builder.Add(FingerprintOfFile(value).value_or(ContentFingerprint()).bytes);
+        }
+        value = root.Marked(value);
+    }
+    for (std::string& directory : settings.extraIncludes) {
+        directory = root.Marked(std::move(directory));
+    }
+    for (auto& [name, value] : settings.environmentChanges) {
+        value = root.Marked(value);
+    }
+    builder.Add(FingerprintOfSettings(settings));
     for (const std::string& path : input.options.analyzeOnly) {
-        builder.Add(path);
+        builder.Add(root.Marked(path));
     }
     return builder.Value();
 }

@@ -19,7 +19,7 @@ constexpr const char* ProjectSettingsName = ".orvanta.cfg";
 
 // What a file that came with the sources may say. None of these names a program, an address, or a place to write to.
 constexpr std::string_view TrustedKeys[] = {
-    "analysis-mode", "exclude-path", "rules-config", "platform", "preprocessor", "sourcetree-root", "new-output-format",
+    "analysis-mode", "exclude-path", "rules-config", "platform", "preprocessor", SourceTreeRootKey, "new-output-format",
 };
 
 // Worktrees and submodules have a file of that name where a clone has a folder.

@@ -56,7 +56,7 @@ std::unique_ptr<ResultCache> MakeResultCache(const RunSettings& settings, const 
     }
     std::unique_ptr<ResultStore> store = MakeResultStore(cache.place, TokenOf(cache));
     const std::string root =
-        LastValue(settings.userSettings, "sourcetree-root").value_or(CheckoutRoot().value_or(std::string()));
+        LastValue(settings.userSettings, SourceTreeRootKey).value_or(CheckoutRoot().value_or(std::string()));
     const auto access = cache.isReadOnly ? ResultCache::Access::ReadOnly : ResultCache::Access::ReadAndWrite;
     return std::make_unique<ResultCache>(std::move(store), ResultCache::Settings{access, cache.largestSize},
                                          RootMark(root), MakersOf(settings, places));

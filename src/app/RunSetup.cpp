@@ -24,8 +24,6 @@ namespace Orvanta {
 
 namespace {
 
-constexpr const char* SourceTreeRootKey = "sourcetree-root";
-
 // The settings reader does not know these keys as paths, so they are still as written.
 void MakeOwnPathsAbsolute(SettingsMap& settings, const std::string& settingsFile) {
     const std::string folder(DirectoryOf(settingsFile));

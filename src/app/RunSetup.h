@@ -37,7 +37,7 @@ namespace Orvanta {
 [[nodiscard]] std::string SourceTreeRoot(const RunSettings& settings);
 
 /// The keys of settings by which a report is written.
-inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-format", "sourcetree-root"};
+inline constexpr const char* ReportSettings[] = {"analysis-mode", "new-output-format", SourceTreeRootKey};
 
 /// The output for a report: one JSON document for a name in ".json", else lines in the form that the settings ask for.
 /// \throws OrvlogConverter::FilesystemException when it can't be written

@@ -98,6 +98,9 @@ bool RootMark::MarkText(std::string& text) const {
     if (IsMarked(text)) {
         return false;
     }
+    if (spellings_.empty()) {
+        return true;
+    }
     std::string marked;
     for (std::size_t at = 0; at < text.size();) {
         const Place root = FindRoot(text, at, false);
@@ -120,6 +123,11 @@ bool RootMark::Mark(OrvlogConverter::ReportMessage& message) const {
         MarkPath(position.file);
     }
     return true;
+}
+
+std::string RootMark::Marked(std::string text) const {
+    static_cast<void>(MarkText(text));
+    return text;
 }
 
 void RootMark::Unmark(std::string& text) const {

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] bool Mark(OrvlogConverter::ReportMessage& message) const;
     /// The same with a text that may hold paths.
     [[nodiscard]] bool MarkText(std::string& text) const;
+    /// A copy with marks, to compare it with that of another place; a text that holds a mark already stays as it is.
+    [[nodiscard]] std::string Marked(std::string text) const;
     /// The same with a path.
     void MarkPath(std::string& path) const;
 

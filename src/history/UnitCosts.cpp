@@ -69,12 +69,15 @@ ContentFingerprint ChecksumOf(std::string_view bytes) {
 } // namespace
 
 CostKey CostKeyOf(const CompileCommand& command) {
-    FingerprintBuilder arguments;
-    for (const std::string& argument : command.arguments.ToVector()) {
-        arguments.Add(argument);
+    return CostKeyOf(*command.absoluteDirectory, command.SourceFile(), command.arguments.ToVector());
+}
+
+CostKey CostKeyOf(std::string_view directory, std::string_view source, std::span<const std::string> arguments) {
+    FingerprintBuilder builder;
+    for (const std::string& argument : arguments) {
+        builder.Add(argument);
     }
-    return {FingerprintBuilder().Add(*command.absoluteDirectory).Add(command.SourceFile()).Value().low,
-            arguments.Value().low};
+    return {FingerprintBuilder().Add(directory).Add(source).Value().low, builder.Value().low};
 }
 
 UnitCosts::UnitCosts(const std::string& folder) : path_(JoinPath(folder, "unit_costs.bin")) {

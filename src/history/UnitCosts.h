@@ -40,6 +40,10 @@ struct CostKey {
 /// The key of a unit.
 [[nodiscard]] CostKey CostKeyOf(const CompileCommand& command);
 
+/// The same of what makes it.
+[[nodiscard]] CostKey CostKeyOf(std::string_view directory, std::string_view source,
+                                std::span<const std::string> arguments);
+
 /// The costs of units, of earlier runs and of this one. One thread at a time uses an object.
 class UnitCosts {
 public:

@@ -16,6 +16,9 @@ namespace Orvanta {
 /// Settings by key, in ascending byte order; entries of equal keys keep the order in which they were added.
 using SettingsMap = std::multimap<std::string, std::string, std::less<>>;
 
+/// The key of the folder that the report leaves out of paths.
+inline constexpr const char* SourceTreeRootKey = "sourcetree-root";
+
 /// The last value added under a key: of settings that can stand only once, the last one given counts.
 [[nodiscard]] std::optional<std::string> LastValue(const SettingsMap& settings, std::string_view key);
 

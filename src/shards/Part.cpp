@@ -186,6 +186,10 @@ PartHead TakeHead(PartDecoder& decoder) {
     return head;
 }
 
+std::string SourceRootOf(const PartHead& head) {
+    return LastValue(head.reportSettings, SourceTreeRootKey).value_or("");
+}
+
 void AddUnit(PartEncoder& encoder, const PartUnit& unit) {
     encoder.Add(unit.number).Add(unit.invocation).Add(unit.source);
 }

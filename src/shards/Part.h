@@ -12,7 +12,8 @@
 //
 // Findings are written as records and not in the core's words, so that none is read a second time. What equals an
 // earlier finding of the same shard is left out: the earlier one stands in front of it in the report too. Of what a
-// suppression base hides, a fingerprint is kept, for the count of hidden findings alone.
+// suppression base hides, a fingerprint is kept, for the count of hidden findings alone. Where the report leaves the
+// root of the sources out of paths, so do all findings of the part: each shard may have them elsewhere.
 //
 // Rejected: one JSON object a line, three times as large and slow to read, and no line of it tells that the next is
 // missing; records of fixed size with offsets, which a reader that goes from front to end has no use for.
@@ -61,6 +62,10 @@ struct PartHead {
     bool hasBase = false;                                     ///< then hidden findings are counted
     std::vector<OrvlogConverter::ReportMessage> notices = {}; ///< of the run itself, in front of all findings
 };
+
+/// The folder of the sources, which the report leaves out of paths; empty when it does not. It may lie elsewhere for
+/// each shard.
+[[nodiscard]] std::string SourceRootOf(const PartHead& head);
 
 /// A unit of a part, as it is told of.
 struct PartUnit {

@@ -32,9 +32,6 @@ public:
     /// In input order.
     [[nodiscard]] const std::vector<PartUnit>& Units() const noexcept { return units_; }
 
-    /// Hands the list of units over, and keeps none.
-    [[nodiscard]] std::vector<PartUnit> TakeUnits() noexcept { return std::move(units_); }
-
     /// How many units have not come to their end.
     [[nodiscard]] std::size_t StoppedUnits() const noexcept { return stopped_; }
 

@@ -1,10 +1,12 @@
 #include "shards/PartSet.h"
 
 #include "platform/Exceptions.h"
+#include "report/SourceRootTransformer.h"
 
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 namespace Orvanta {
 
@@ -25,8 +27,9 @@ constexpr MakerRow MakerRows[] = {
     {&PartMakers::base, "the suppress file"},
 };
 
+// With what they are, where that is known of both and tells them apart.
 std::string Differing(const std::string& what, const std::string& one, const std::string& other) {
-    return one == other ? what : what + " (" + other + " and " + one + ")";
+    return one == other || one.empty() || other.empty() ? what : what + " (" + other + " and " + one + ")";
 }
 
 // "5, 9, 12".
@@ -71,6 +74,7 @@ PartSet::PartSet(std::span<const std::string> paths) {
         return left->Head().shard.number < right->Head().shard.number;
     });
     RequireEachShardOnce();
+    sourceRoot_ = SourceRootOf(Head());
     for (std::uint32_t part = 0; part < parts_.size(); ++part) {
         const std::vector<PartUnit>& units = parts_[part]->Units();
         for (std::uint32_t unit = 0; unit < units.size(); ++unit) {
@@ -175,7 +179,14 @@ std::string PartSet::Gaps() const {
 }
 
 PartResult PartSet::Next() {
-    return parts_[order_[next_++].part]->Next();
+    PartResult read = parts_[order_[next_++].part]->Next();
+    if (!sourceRoot_.empty()) {
+        OrvlogConverter::SourceRootTransformer placer(nullptr, sourceRoot_);
+        for (OrvlogConverter::ReportMessage& message : read.result.ownFindings) {
+            message = placer.Transform(std::move(message));
+        }
+    }
+    return read;
 }
 
 } // namespace Orvanta

@@ -40,7 +40,8 @@ public:
         return parts_[order_[unit].part]->Head().shard.number;
     }
 
-    /// The result of the next unit: as often as there are units.
+    /// The result of the next unit, as often as there are units: below the root of the first part's sources, wherever
+    /// its shard had them.
     [[nodiscard]] PartResult Next();
 
     [[nodiscard]] std::size_t UnitCount() const noexcept override { return order_.size(); }
@@ -73,6 +74,7 @@ private:
     std::vector<std::unique_ptr<PartReader>> parts_; // by the number of their shard
     std::vector<Place> order_;
     std::vector<SkippedInvocation> skipped_;
+    std::string sourceRoot_; // of the first part
     std::size_t next_ = 0;
 };
 

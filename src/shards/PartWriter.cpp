@@ -15,25 +15,13 @@ constexpr auto EntryNumber = [](PartEntry entry) {
     return static_cast<std::uint64_t>(entry);
 };
 
-/// Gathers values and writes them in blocks of one kind.
-class BlockFiller {
-public:
-    BlockFiller(PartBlockWriter& file, PartBlockKind kind) : file_(file), kind_(kind) {}
-
-    PartEncoder& Values() noexcept { return values_; }
-
-    void WriteFrom(std::size_t size) {
-        if (values_.Bytes().size() >= size && !values_.Bytes().empty()) {
-            file_.Append(kind_, values_.Bytes());
-            values_.Clear();
-        }
+// Writes the values as a block of their own when there are so many bytes of them, and forgets them then.
+void WriteBlock(PartBlockWriter& file, PartBlockKind kind, PartEncoder& values, std::size_t atLeast) {
+    if (!values.Bytes().empty() && values.Bytes().size() >= atLeast) {
+        file.Append(kind, values.Bytes());
+        values.Clear();
     }
-
-private:
-    PartBlockWriter& file_;
-    PartBlockKind kind_;
-    PartEncoder values_;
-};
+}
 
 void AddOutcomeEntry(PartEncoder& entries, const UnitResult& result) {
     entries.Add(EntryNumber(PartEntry::Outcome));
@@ -51,10 +39,25 @@ void Finish(PartBlockWriter& file, std::size_t stoppedUnits) {
 
 PartWriter::PartWriter(std::string path, PartHead head, std::size_t units, PartUnitNames names,
                        std::span<const SkippedInvocation> skipped)
-    : path_(std::move(path)), head_(std::move(head)), units_(units), names_(std::move(names)), skipped_(skipped) {}
+    : path_(std::move(path)), head_(std::move(head)), units_(units), names_(std::move(names)), skipped_(skipped) {
+    if (const std::string root = SourceRootOf(head_); !root.empty()) {
+        root_.emplace(nullptr, root);
+    }
+}
+
+template <typename Take>
+void PartWriter::WithoutRoot(const ReportMessage& message, const Take& take) {
+    if (root_) {
+        take(root_->Transform(message));
+    } else {
+        take(message);
+    }
+}
 
 bool PartWriter::HiddenTaker::Write(const ReportMessage& message) {
-    entries_.Add(EntryNumber(PartEntry::HiddenFinding)).Add(OrvlogConverter::FingerprintOf(message));
+    part_.WithoutRoot(message, [this](const ReportMessage& placeless) {
+        part_.entries_.Add(EntryNumber(PartEntry::HiddenFinding)).Add(OrvlogConverter::FingerprintOf(placeless));
+    });
     return true;
 }
 
@@ -63,8 +66,10 @@ bool PartWriter::Write(const ReportMessage& message) {
         head_.notices.push_back(message);
         return true;
     }
-    entries_.Add(EntryNumber(PartEntry::Finding));
-    AddMessage(entries_, message);
+    WithoutRoot(message, [this](const ReportMessage& placeless) {
+        entries_.Add(EntryNumber(PartEntry::Finding));
+        AddMessage(entries_, placeless);
+    });
     return true;
 }
 
@@ -77,6 +82,7 @@ void PartWriter::UnitCommitted(std::size_t /*unit*/, const UnitResult& result) {
 void PartWriter::Commit() {
     OrvlogConverter::NamingFile(path_, [this] {
         if (!fault_.empty()) {
+            entries_.Clear(); // nobody will write them
             throw FileException(path_, fault_);
         }
         try {
@@ -84,7 +90,7 @@ void PartWriter::Commit() {
                 WriteUnfinished();
                 WriteFront(file_.emplace(path_, AtomicFile::Durability::Synced));
             }
-            WriteEntries(PartBlockSize);
+            WriteBlock(*file_, PartBlockKind::Entries, entries_, PartBlockSize);
         } catch (const FileException& error) {
             // Behind a part of a block nothing could be read.
             fault_ = error.Reason();
@@ -99,27 +105,25 @@ void PartWriter::End() {
     }
     Commit();
     OrvlogConverter::NamingFile(path_, [this] {
-        WriteEntries(0);
+        WriteBlock(*file_, PartBlockKind::Entries, entries_, 0);
         Finish(*file_, stopped_);
     });
 }
 
 void PartWriter::WriteFront(PartBlockWriter& file) const {
-    BlockFiller head(file, PartBlockKind::Head);
-    AddHead(head.Values(), head_);
-    head.WriteFrom(0);
-    BlockFiller units(file, PartBlockKind::Units);
+    PartEncoder values;
+    AddHead(values, head_);
+    WriteBlock(file, PartBlockKind::Head, values, 0);
     for (std::size_t unit = 0; unit < units_; ++unit) {
-        AddUnit(units.Values(), names_(unit));
-        units.WriteFrom(PartBlockSize);
+        AddUnit(values, names_(unit));
+        WriteBlock(file, PartBlockKind::Units, values, PartBlockSize);
     }
-    units.WriteFrom(0);
-    BlockFiller skipped(file, PartBlockKind::Skipped);
+    WriteBlock(file, PartBlockKind::Units, values, 0);
     for (const SkippedInvocation& invocation : skipped_) {
-        AddSkipped(skipped.Values(), invocation);
-        skipped.WriteFrom(PartBlockSize);
+        AddSkipped(values, invocation);
+        WriteBlock(file, PartBlockKind::Skipped, values, PartBlockSize);
     }
-    skipped.WriteFrom(0);
+    WriteBlock(file, PartBlockKind::Skipped, values, 0);
 }
 
 void PartWriter::WriteUnfinished() const {
@@ -128,20 +132,13 @@ void PartWriter::WriteUnfinished() const {
         OrvlogConverter::TellInPlace(path_);
     }
     WriteFront(file);
-    BlockFiller entries(file, PartBlockKind::Entries);
+    PartEncoder entries;
     for (std::size_t unit = 0; unit < units_; ++unit) {
-        AddOutcomeEntry(entries.Values(), {.status = AnalyzerStatus::Stopped});
-        entries.WriteFrom(PartBlockSize);
+        AddOutcomeEntry(entries, {.status = AnalyzerStatus::Stopped});
+        WriteBlock(file, PartBlockKind::Entries, entries, PartBlockSize);
     }
-    entries.WriteFrom(0);
+    WriteBlock(file, PartBlockKind::Entries, entries, 0);
     Finish(file, units_);
-}
-
-void PartWriter::WriteEntries(std::size_t atLeast) {
-    if (entries_.Bytes().size() >= atLeast && !entries_.Bytes().empty()) {
-        file_->Append(PartBlockKind::Entries, entries_.Bytes());
-        entries_.Clear();
-    }
 }
 
 } // namespace Orvanta

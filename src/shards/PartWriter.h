@@ -2,6 +2,7 @@
 
 #include "analysis/CommitListener.h"
 #include "report/ReportOutputs.h"
+#include "report/SourceRootTransformer.h"
 #include "shards/Part.h"
 #include "shards/PartBlocks.h"
 
@@ -47,20 +48,21 @@ private:
     /// Takes what is hidden.
     class HiddenTaker : public OrvlogConverter::IOutput {
     public:
-        explicit HiddenTaker(PartEncoder& entries) : entries_(entries) {}
+        explicit HiddenTaker(PartWriter& part) : part_(part) {}
 
         bool Write(const OrvlogConverter::ReportMessage& message) override;
 
     private:
-        PartEncoder& entries_;
+        PartWriter& part_;
     };
 
+    // Hands the message to `take(message)`, its paths as the report has them.
+    template <typename Take>
+    void WithoutRoot(const OrvlogConverter::ReportMessage& message, const Take& take);
     // Writes all that stands in front of the entries.
     void WriteFront(PartBlockWriter& file) const;
     // Writes a part in which each unit was stopped.
     void WriteUnfinished() const;
-    // Writes the entries gathered so far, when they are worth a block or the part ends.
-    void WriteEntries(std::size_t atLeast);
 
     std::string path_;
     PartHead head_;
@@ -68,7 +70,8 @@ private:
     PartUnitNames names_;
     std::span<const SkippedInvocation> skipped_;
     PartEncoder entries_;
-    HiddenTaker hidden_{entries_};
+    std::optional<OrvlogConverter::SourceRootHider> root_; // absent: paths stay as they are
+    HiddenTaker hidden_{*this};
     std::optional<PartBlockWriter> file_; // from the first commit on
     std::size_t ended_ = 0;               // units
     std::size_t stopped_ = 0;             // of these

@@ -59,33 +59,39 @@ Fingerprint FingerprintOf(const UnitPartition& partition, std::uint32_t count) {
     return builder.Value();
 }
 
-std::vector<CostKey> KeysOf(std::span<const CompileCommand> units) {
+CostKey KeyOf(const CompileCommand& unit, const RootMark& root) {
+    std::vector<std::string> arguments = unit.arguments.ToVector();
+    for (std::string& argument : arguments) {
+        argument = root.Marked(std::move(argument));
+    }
+    return CostKeyOf(root.Marked(*unit.absoluteDirectory), root.Marked(std::string(unit.SourceFile())), arguments);
+}
+
+std::vector<CostKey> KeysOf(std::span<const CompileCommand> units, const RootMark& root) {
     std::vector<CostKey> keys(units.size());
-    std::transform(units.begin(), units.end(), keys.begin(), CostKeyOf);
+    std::transform(units.begin(), units.end(), keys.begin(),
+                   [&root](const CompileCommand& unit) { return KeyOf(unit, root); });
     return keys;
 }
 
-Fingerprint FingerprintOf(const Environment& environment) {
+Fingerprint FingerprintOf(const Environment& environment, const RootMark& root) {
     FingerprintBuilder builder;
     for (const auto& [name, value] : environment) {
-        builder.Add(name).Add(value);
+        builder.Add(name).Add(root.Marked(value));
     }
     return builder.Value();
-}
-
-Fingerprint FingerprintOf(const CompilerInfo& compiler) {
-    // Not its path: another machine may have it elsewhere.
-    return FingerprintBuilder().Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Value();
 }
 
 /// Makes the fingerprint of what many units share once.
 template <typename Shared>
 class SharedFingerprints {
 public:
-    const Fingerprint& Of(const std::shared_ptr<const Shared>& shared) {
+    /// `make(*shared)` makes it.
+    template <typename Make>
+    const Fingerprint& Of(const std::shared_ptr<const Shared>& shared, const Make& make) {
         const auto [place, isNew] = known_.try_emplace(shared.get());
         if (isNew) {
-            place->second = FingerprintOf(*shared);
+            place->second = make(*shared);
         }
         return place->second;
     }
@@ -95,17 +101,21 @@ private:
 };
 
 // What is seen of a unit on all machines alike.
-Fingerprint FingerprintOfBuild(const CollectedCommands& commands, std::span<const CostKey> keys) {
+Fingerprint FingerprintOfBuild(const CollectedCommands& commands, std::span<const CostKey> keys, const RootMark& root) {
     FingerprintBuilder builder;
     SharedFingerprints<Environment> environments;
+    const auto make = [&root](const Environment& environment) {
+        return FingerprintOf(environment, root);
+    };
     builder.Add(commands.invocations).Add(keys.size());
     for (std::size_t unit = 0; unit < keys.size(); ++unit) {
         const CompileCommand& command = commands.units[unit];
         builder.Add(Fingerprint{keys[unit].source, keys[unit].arguments}).Add(command.invocation);
-        builder.Add(environments.Of(command.environment)).Add(static_cast<std::uint64_t>(command.environmentScope));
+        builder.Add(environments.Of(command.environment, make));
+        builder.Add(static_cast<std::uint64_t>(command.environmentScope));
     }
     for (const SkippedInvocation& skipped : commands.skipped) {
-        builder.Add(skipped.invocation).Add(static_cast<std::uint64_t>(skipped.fate)).Add(skipped.what);
+        builder.Add(skipped.invocation).Add(static_cast<std::uint64_t>(skipped.fate)).Add(root.Marked(skipped.what));
     }
     return builder.Value();
 }
@@ -113,8 +123,12 @@ Fingerprint FingerprintOfBuild(const CollectedCommands& commands, std::span<cons
 Fingerprint FingerprintOfCompilers(std::span<const CompileCommand> units) {
     FingerprintBuilder builder;
     SharedFingerprints<CompilerInfo> compilers;
+    const auto make = [](const CompilerInfo& compiler) {
+        // Not its path: another machine may have it elsewhere.
+        return FingerprintBuilder().Add(static_cast<std::uint64_t>(compiler.type)).Add(compiler.version).Value();
+    };
     for (const CompileCommand& unit : units) {
-        builder.Add(compilers.Of(unit.compiler));
+        builder.Add(compilers.Of(unit.compiler, make));
     }
     return builder.Value();
 }
@@ -151,14 +165,15 @@ UnitPartition PartitionByPrice(std::span<const CompileCommand> units, std::uint3
     return partition;
 }
 
-ShardSelection KeepShard(CollectedCommands& commands, const Shard& shard, const std::optional<UnitPrices>& prices) {
-    const std::vector<CostKey> keys = KeysOf(commands.units);
+ShardSelection KeepShard(CollectedCommands& commands, const Shard& shard, const std::optional<UnitPrices>& prices,
+                         const RootMark& root) {
+    const std::vector<CostKey> keys = KeysOf(commands.units, root);
     const UnitPartition partition =
         prices ? PartitionByPrice(commands.units, shard.count, *prices) : PartitionByHash(keys, shard.count);
     ShardSelection selection = {.shard = shard,
                                 .units = {},
                                 .allUnits = commands.units.size(),
-                                .build = FingerprintOfBuild(commands, keys),
+                                .build = FingerprintOfBuild(commands, keys, root),
                                 .compilers = FingerprintOfCompilers(commands.units),
                                 .partition = FingerprintOf(partition, shard.count)};
     std::vector<CompileCommand> own;

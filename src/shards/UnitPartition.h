@@ -2,6 +2,7 @@
 
 #include "buildinput/BuildInput.h"
 #include "buildinput/CompileCommand.h"
+#include "cache/RootMark.h"
 #include "history/UnitCosts.h"
 #include "platform/Fingerprint.h"
 #include "shards/Shard.h"
@@ -17,7 +18,8 @@
 //
 // Shards know nothing of each other, so each must find the same answer: from the units, the number of shards and, where
 // it is handed to all of them, a file of what units took. What a machine has learned by itself (what its own runs took,
-// how many processors it has) never counts. Merging compares the fingerprints of the answers all the same.
+// how many processors it has, where its checkout lies) never counts. Merging compares the fingerprints of the answers
+// all the same.
 
 namespace Orvanta {
 
@@ -44,7 +46,8 @@ struct ShardSelection {
 };
 
 /// Leaves only the units of the shard among the commands, in their order. What gave no unit stays: each shard tells it.
+/// Where the root of the source tree lies counts nowhere.
 [[nodiscard]] ShardSelection KeepShard(CollectedCommands& commands, const Shard& shard,
-                                       const std::optional<UnitPrices>& prices);
+                                       const std::optional<UnitPrices>& prices, const RootMark& root);
 
 } // namespace Orvanta

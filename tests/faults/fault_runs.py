@@ -50,6 +50,7 @@ class Way:
 ANALYZE = ["analyze", "-q", "-j", "2", "--orvanta-path", str(CORE)]
 FULL = [*ANALYZE, "-o", "r.json"]
 INCREMENTAL = [*FULL, "-i"]
+SHARDS = [[*ANALYZE, "--shard", f"{number}/2", "-o", f"{number}.orvpart"] for number in (1, 2)]
 
 
 def touch_one(folder):
@@ -63,6 +64,8 @@ WAYS = [
     Way("next incremental", "orvanta-analyzer", INCREMENTAL, "r.json", documents, [INCREMENTAL], touch_one),
     Way("across units", "orvanta-analyzer", [*FULL, "--intermodular"], "r.json", documents),
     Way("listed", "orvanta-analyzer", [*FULL, "-S", "list.txt"], "r.json", documents),
+    Way("merge", "orvanta-analyzer", ["merge", "-q", "-o", "m.json", "1.orvpart", "2.orvpart"], "m.json", documents,
+        SHARDS),
     Way("suppress", "orvanta-analyzer", ["suppress", "all.jsonl"], "suppress_base.json", json.loads),
     Way("filter", "orvanta-analyzer", ["filter-suppressed", "-o", "f.json", "-s", "base.json", "all.jsonl"],
         "f.json", documents),

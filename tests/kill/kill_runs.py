@@ -210,7 +210,8 @@ def shard_round(runs, project, rng, length):
     """A shard of several is ended, run again, and merged with the others: the report is that of one run."""
     count, sent, edit = rng.choice([2, 3, 5]), rng.choice(SIGNALS), project.edit()
     killed, resumes, moment = rng.randint(1, count), rng.random() < 0.5, rng.uniform(0, 1.1) * length
-    told = f"shard {killed} of {count}{', resumed' * resumes}, after \"{edit}\": {sent.name} after {moment * 1000:.0f} ms"
+    told = f"shard {killed} of {count}{', resumed' * resumes}, after \"{edit}\""
+    told += f": {sent.name} after {moment * 1000:.0f} ms"
     kind, output = KINDS[0], runs.folder / "shards"
 
     def part(number):

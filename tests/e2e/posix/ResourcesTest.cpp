@@ -67,6 +67,20 @@ TEST_F(ResourcesTest, TooFewFilesAreToldOrAreEnough) {
 }
 
 // With stacks of a gigabyte, a limit of memory leaves room for a few threads only.
+TEST_F(ResourcesTest, MorePartsThanFilesMayBeOpenAreMerged) {
+    sandbox.AddUnit("a.c");
+    sandbox.AddUnit("b.c");
+    Arguments merge{"/bin/sh", "-c", "ulimit -n 20; exec \"$@\"", "sh", DriverProgram(), "merge", "-o", "m.json"};
+    for (int shard = 1; shard <= 30; ++shard) {
+        const std::string part = std::to_string(shard) + ".orvpart";
+        EXPECT_EQ(sandbox.Analyze({"-q", "--shard", std::to_string(shard) + "/30", "-o", part}).exitCode, 0);
+        merge.push_back(part);
+    }
+    const RunResult result = RunningDriver(merge, sandbox.Path(), sandbox.DriverEnvironment()).Wait();
+    EXPECT_EQ(result.exitCode, 0) << result;
+    EXPECT_EQ(Report("m.json").size(), 2U);
+}
+
 TEST_F(ResourcesTest, GoesOnWithTheThreadsThatTheSystemGrants) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "a sanitizer takes more memory than the limit grants";

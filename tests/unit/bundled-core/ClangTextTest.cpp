@@ -50,6 +50,12 @@ TEST(ClangText, KeepsEachLineAndItsPlace) {
     EXPECT_EQ(text.PlaceOf(99).line, 1U);
 }
 
+TEST(ClangText, KnowsNoAtomicTypes) {
+    EXPECT_EQ(
+        MakeClangText("typedef _Atomic int a; _Atomic(int) b; int c_Atomic, _Atomics; int* _Atomic", "/u.c", "/").text,
+        "typedef         int a; _Atomic(int) b; int c_Atomic, _Atomics; int*        \n");
+}
+
 TEST(ClangOutput, HoldsDiagnosticsWithTheirSteps) {
     const ClangOutput output = ReadClangOutput("C:/t/u.cpp:4:12: warning: null 'p' [a-b,c.D,-warnings-as-errors]\n"
                                                "    return *p;\n"

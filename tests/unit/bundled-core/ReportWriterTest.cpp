@@ -106,6 +106,16 @@ TEST(ReportMessages, TakeOverOnlyWhatIsNotSaidYet) {
                                        testing::Pair(9, "[a] text"), testing::Pair(9, "[b] text")));
 }
 
+TEST(ReportMessages, OfOneCheckHaveTheLevelOfWhatItTells) {
+    std::vector<Finding> findings = {Found({Source, 3}, "", "clang-analyzer-unix.Malloc"),
+                                     Found({Source, 4}, "", "clang-analyzer-unix.Malloc")};
+    findings[0].message = "Attempt to free released memory";
+    findings[1].message = "Potential leak of memory pointed to by 'p'";
+    EXPECT_THAT(Summaries(findings),
+                ElementsAre("/p/u.cpp:3 1 [clang-analyzer-unix.Malloc] Attempt to free released memory",
+                            "/p/u.cpp:4 2 [clang-analyzer-unix.Malloc] Potential leak of memory pointed to by 'p'"));
+}
+
 // The second line is what a macro has made of the source's.
 TEST(ReportMessages, AreThoseThatTheUserHasChosen) {
     const TestFolder folder;
@@ -144,6 +154,29 @@ TEST(ReportMessages, AUnitThatCppcheckCantReadIsNoCleanOne) {
     EXPECT_EQ(ReasonNotRead({&finding, 1}, Files), "/p/a.h, line 4: [syntaxError] Unmatched '{'.");
     finding.id = "nullPointer";
     EXPECT_EQ(ReasonNotRead({&finding, 1}, Files), "");
+}
+
+TEST(ReportMessages, AboutIndentationStandWhereNoMacroMovedALineOfTheBlock) {
+    const TestFolder folder;
+    const std::string path = folder.Write("u.c", "if (a)\n    SET(b);\n    c();\nif (a)\n    d();\n    c();\n");
+    const MarkedFile files[] = {{path, false, true}};
+    const std::string alias = AliasOf(path);
+    const std::string text = "# 1 \"" + alias + "\"\nif (a)\n  set(b);\n    c();\nif (a)\n    d();\n    c();\n";
+    std::vector<Finding> findings;
+    for (const std::uint32_t line : {3U, 6U}) {
+        findings.push_back(Found({alias, line}, "warning", "clang-diagnostic-misleading-indentation"));
+        findings.back().path = {{alias, line - 2}};
+    }
+    const auto told = [&](std::string_view cut) {
+        std::vector<std::uint32_t> lines;
+        for (const auto& message : MakeReportMessages(findings, {files, {}, cut, {255}}).messages) {
+            lines.push_back(message.positions.front().line);
+        }
+        return lines;
+    };
+    EXPECT_THAT(told(text), ElementsAre(6U));
+    // What a macro of the system leaves stands in a piece of its own.
+    EXPECT_THAT(told("# 5 \"" + alias + "\"\n    d\n# 5 \"" + alias + "\"\n   ();\n"), ElementsAre(3U));
 }
 
 } // namespace

@@ -35,7 +35,8 @@ std::vector<CompileCommand> Units(std::size_t count) {
 
 UnitPartition ByHash(const std::vector<CompileCommand>& units, std::uint32_t count) {
     std::vector<CostKey> keys(units.size());
-    std::transform(units.begin(), units.end(), keys.begin(), CostKeyOf);
+    std::transform(units.begin(), units.end(), keys.begin(),
+                   [](const CompileCommand& unit) { return CostKeyOf(unit); });
     return PartitionByHash(keys, count);
 }
 
@@ -105,7 +106,7 @@ TEST(UnitPartition, AShardKeepsItsUnitsByTheirNumbers) {
     Fingerprint fingerprint;
     for (std::uint32_t shard = 1; shard <= 3; ++shard) {
         CollectedCommands commands = {Units(40), {}, 40};
-        const ShardSelection selection = KeepShard(commands, {shard, 3}, std::nullopt);
+        const ShardSelection selection = KeepShard(commands, {shard, 3}, std::nullopt, RootMark(""));
         EXPECT_EQ(selection.allUnits, 40U);
         ASSERT_EQ(selection.units.size(), commands.units.size());
         for (std::size_t unit = 0; unit < commands.units.size(); ++unit) {

@@ -99,6 +99,10 @@ TEST_F(CoreWithCppcheck, IsOneEngineOfTwo) {
         const char* message;
     } const cases[] = {
         {"", "", "[nullPointer] Null pointer dereference: p (clang-analyzer-core.NullDereference)"},
+        {"typedef _Atomic int T; _Atomic(int) n; T m; int g() { return __atomic_load_n(&n, 5) + __atomic_load_n(&m, "
+         "5); }\n"
+         "extern \"C\" void exit(int); void h() { ::exit(1); }\n",
+         "", "[nullPointer] Null pointer dereference: p (clang-analyzer-core.NullDereference)"},
         {"int n = no;\n", "clang-tidy can't read\t/u.cpp: use of undeclared identifier 'no'",
          "[nullPointer] Null pointer dereference: p"},
     };
