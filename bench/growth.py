@@ -1,7 +1,7 @@
 """What a run costs that is spread over machines, and how that grows with the build.
 
 One shard of each build runs for real, with a trivial compiler and core: it reads the whole database and chooses its
-units. Parts as all shards would write them are then merged.
+units. The parts of all shards that are merged then are made without a run.
 """
 import filecmp
 import json
@@ -9,8 +9,8 @@ import pathlib
 import sys
 import tempfile
 
-import shards
 from measuring import Row, measure
+from shards import make_parts
 
 UNITS_OF_SHARD = 1000
 UNITS_OF_FOLDER = 100
@@ -33,52 +33,54 @@ def make_project(root, compiler, units):
         database.write("\n]\n")
 
 
-def shard_command(programs, number, count, part):
-    return [programs["driver"], "analyze", "-q", "--shard", f"{number}/{count}", "-o", part, "--orvanta-path",
+def shard_command(programs, number, shards, part):
+    return [programs["driver"], "analyze", "-q", "--shard", f"{number}/{shards}", "-o", part, "--orvanta-path",
             programs["core"]]
 
 
-def merge_command(programs, parts):
-    return [programs["driver"], "merge", "-q", "-o", "report.json", *parts]
+def merge_command(programs, root):
+    return [programs["driver"], "merge", "-q", "-o", "report.json",
+            *sorted(path.relative_to(root) for path in root.glob("parts/*.orvpart"))]
 
 
-def cut(programs, units, count):
+def cut(programs, units, shards):
     """All shards of a build, one behind the other, and merging, against one run of the whole."""
     with tempfile.TemporaryDirectory() as folder:
         root = pathlib.Path(folder)
         make_project(root, str(programs["compiler"]), units)
+        (root / "parts").mkdir()
         for number in range(0, units, 10):
             source = root / f"module{number // UNITS_OF_FOLDER}/Source{number}.c"
             source.with_suffix(".c.findings").write_text(FINDING % (number, source), encoding="ascii")
-        parts = [f"{number}.orvpart" for number in range(1, count + 1)]
-        commands = [shard_command(programs, number, count, part) for number, part in enumerate(parts, 1)]
-        runs = [measure(programs["measure"], command, folder)
-                for command in [*commands, merge_command(programs, parts)]]
         one = measure(programs["measure"], [programs["driver"], "analyze", "-q", "-o", "one.json", "--orvanta-path",
                                             programs["core"]], folder)
+        runs = [measure(programs["measure"], shard_command(programs, number, shards, f"parts/{number}.orvpart"), folder)
+                for number in range(1, shards + 1)]
+        runs.append(measure(programs["measure"], merge_command(programs, root), folder))
         if not filecmp.cmp(root / "report.json", root / "one.json", shallow=False):
             sys.exit("the report of the shards is not that of one run")
     total = sum(run["total"] for run in runs)
-    return Row(f"{units:,} units in {count} shards with all children, and merging: CPU, one run", f"{total:.2f} s",
+    return Row(f"{units:,} units in {shards} shards with all children, and merging: CPU, one run", f"{total:.2f} s",
                f"{one['total']:.2f} s", total / one["total"], 1.3)
 
 
 def grown(programs, units, limits):
-    """The rows of one size. `limits`: seconds and megabytes of a shard, of merging, and of all parts."""
-    count = units // UNITS_OF_SHARD
+    """The rows of one size. `limits`: seconds and megabytes of a shard, of merging."""
     with tempfile.TemporaryDirectory() as folder:
         root = pathlib.Path(folder)
         make_project(root, str(programs["compiler"]), units)
-        shard = measure(programs["measure"], shard_command(programs, 1, count, "1.orvpart"), folder)
-    with tempfile.TemporaryDirectory() as folder:
-        parts = shards.make_parts(programs, pathlib.Path(folder), units, count)
-        merge = measure(programs["measure"], merge_command(programs, parts), folder)
-        size = sum(part.stat().st_size for part in parts) / 1e6
+        shards = units // UNITS_OF_SHARD
+        shard = measure(programs["measure"], shard_command(programs, 1, shards, "one.orvpart"), folder)
+        (root / "parts").mkdir()
+        make_parts(programs, root / "parts", units, shards)
+        merge = measure(programs["measure"], merge_command(programs, root), folder)
+        size = sum(path.stat().st_size for path in root.glob("parts/*.orvpart")) / 1e6
+    told = f"{units:,} units in {shards:,} shards"
     ours = [(shard["own"], "s"), (shard["peak"] / 1024, "MB"), (merge["total"], "s"), (merge["peak"] / 1024, "MB"),
             (size, "MB")]
     names = ["one shard, the driver's own CPU", "one shard, peak memory", "merging, CPU", "merging, peak memory",
              "all parts together"]
-    return [Row(f"{units:,} units in {count:,} shards: {name}", f"{value:.2f} {unit}", "", value, limit, unit)
+    return [Row(f"{told}: {name}", f"{value:.2f} {unit}", "", value, limit, unit)
             for (value, unit), name, limit in zip(ours, names, limits)]
 
 

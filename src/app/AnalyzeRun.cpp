@@ -108,16 +108,17 @@ void AnalyzeRun::Run() {
     if (stop_.IsSet()) {
         throw ZelmRcException(InterruptedExitCode);
     }
+    ChooseUnits();
     // Before the units are counted, so that an empty database shows that nothing was found.
     if (input_.options.dumpJson) {
         WriteCompilationDatabase(AbsolutePath(*input_.options.dumpJson), input_.commands.units);
     }
-    if (input_.commands.units.empty()) {
+    // A shard may have none of them.
+    if (input_.commands.units.empty() && (!input_.shard || input_.shard->allUnits == 0)) {
         // The skipped invocations are told all the same: they are why there is nothing to analyze.
         End({});
         throw ZelmException("No source file to analyze");
     }
-    ChooseUnits();
     if (const int code = Analyze(); code != 0) {
         throw ZelmRcException(code);
     }

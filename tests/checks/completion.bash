@@ -44,6 +44,8 @@ expect "" orvanta-analyzer analyze -f ""
 expect man orvanta-analyzer analyze -r m # a folder
 expect MISRA orvanta-analyzer analyze -a MI
 expect skip-analysis orvanta-analyzer analyze --regenerate-depend-info = sk # as bash cuts --option=value
+expect --allow-missing orvanta-analyzer merge --al
+expect "" orvanta-analyzer merge re # a part's name: left to bash
 expect --warning orvanta-analyzer suppress --w
 expect "" orvanta-analyzer filter-suppressed --w
 expect sarif orvlog-converter report.json -t sa

@@ -15,7 +15,6 @@
 namespace Orvanta {
 namespace {
 
-using OrvlogConverter::MessagePosition;
 using OrvlogConverter::ReportMessage;
 
 ReportMessage MessageOf(const std::string& text) {
