@@ -7,6 +7,7 @@ one fault of level 1.
 import json
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -83,7 +84,7 @@ class Integrations(unittest.TestCase):
             self.assertIn(said, run.stdout)
         self.assertEqual(self.run_in_project([entry, "src/list.c"], ORVANTA_FAIL_ON="64").returncode, 0)
 
-    def expected_report(self):
+    def expected_report(self, *options):
         """Adds a file that fails and one that is fine: what one run of all of them ends with, and its report."""
         with open(self.path("CMakeLists.txt"), "a", encoding="utf-8") as file:
             file.write("add_library(more OBJECT src/more.c src/broken.c)\n")
@@ -92,7 +93,7 @@ class Integrations(unittest.TestCase):
                 file.write(text)
         self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
         run = self.run_in_project(["orvanta-analyzer", "analyze", "-q", "-f", "build/compile_commands.json",
-                                   "-o", "one.json"])
+                                   "-o", "one.json", *options])
         return run.returncode, self.content("one.json")
 
     def content(self, name):
@@ -103,7 +104,7 @@ class Integrations(unittest.TestCase):
         return self.run_in_project(["bash", "-eo", "pipefail", "-c", "\n".join(lines)], **environment)
 
     def test_github_shards(self):
-        expected = self.expected_report()
+        expected = self.expected_report("-r", self.folder)
         workflow = load("integrations/github/shards.yml")
         jobs = workflow["jobs"]
         shards = jobs["shard"]["strategy"]["matrix"]["shard"]
@@ -114,7 +115,7 @@ class Integrations(unittest.TestCase):
             for step in jobs["shard"]["steps"]:
                 environment = {name: fill(text) for name, text in step.get("env", {}).items()}
                 if "run" in step:
-                    self.run_steps([step["run"]], **workflow["env"], **environment)
+                    self.run_steps([step["run"]], GITHUB_WORKSPACE=self.folder, **workflow["env"], **environment)
             upload = jobs["shard"]["steps"][-1]["with"]
             os.rename(self.path(fill(upload["path"])), self.path(f"parts/{fill(upload['path'])}"))
         codes = [self.run_steps([step["run"]], GITHUB_WORKSPACE=self.folder).returncode
@@ -123,11 +124,20 @@ class Integrations(unittest.TestCase):
         self.assertTrue(os.path.exists(self.path(jobs["merge"]["steps"][-1]["with"]["sarif_file"])))
 
     def test_gitlab_shards(self):
-        expected = self.expected_report()
+        """Each runner has a checkout of its own."""
+        place = self.folder
+        expected = self.expected_report("-r", place)
+        shutil.rmtree(self.path("build"))
         file = load("integrations/gitlab/shards.yml")
         shard, merge = file[".orvanta-shard"], file[".orvanta-merge"]
-        for number in range(1, 4):
-            self.run_steps(shard["script"], CI_NODE_INDEX=str(number), CI_NODE_TOTAL="3", **shard["variables"])
+        os.mkdir(self.path("orvanta"))
+        for number in (1, 2):
+            self.folder = shutil.copytree(place, f"{place}{number}")
+            self.configure("-DCMAKE_EXPORT_COMPILE_COMMANDS=ON")
+            self.run_steps(shard["script"], CI_PROJECT_DIR=self.folder, CI_NODE_INDEX=str(number), CI_NODE_TOTAL="2",
+                           **shard["variables"])
+            os.rename(self.path(f"orvanta/{number}.orvpart"), os.path.join(place, f"orvanta/{number}.orvpart"))
+        self.folder = place
         run = self.run_steps(merge["script"], CI_PROJECT_DIR=self.folder, **merge["variables"])
         self.assertEqual((run.returncode, self.content("orvanta/report.json")), expected, run.stdout)
         for name in [*merge["artifacts"]["paths"], *merge["artifacts"]["reports"].values()]:

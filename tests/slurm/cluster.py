@@ -3,7 +3,6 @@ import getpass
 import os
 import pathlib
 import pwd
-import shutil
 import signal
 import socket
 import subprocess
@@ -101,11 +100,14 @@ class Cluster:
         self.start_munge()
         self.start_daemon("slurmctld", ["/usr/sbin/slurmctld", "-D"])
         for node in NODES:
-            self.start_node(node)
+            # The name is also how `crash` finds the processes that a node's daemon starts for the steps of jobs.
+            self.start_daemon(node, ["/usr/sbin/slurmd", "-D", "-N", node], SLURMD_NODENAME=node)
         wait_until("both nodes are idle", lambda: self.ask("sinfo", "-h", "-o", "%T %D") == "idle 2")
 
     def start_munge(self):
-        """As the user of that name where we may, since its daemon wants a key and folders that are its own."""
+        """As the user of that name where we may, since its daemon wants a key and folders that are its own, and a
+        socket that everyone can reach."""
+        self.folder.chmod(0o755)
         folder = self.folder / "munge"
         folder.mkdir()
         (folder / "key").write_bytes(os.urandom(1024))
@@ -114,19 +116,14 @@ class Cluster:
         if os.getuid() == 0:
             owner = pwd.getpwnam("munge")
             become = ["--reuid", "munge", "--regid", str(owner.pw_gid), "--clear-groups"]
-            self.folder.chmod(0o755)
             for path in [folder, folder / "key"]:
                 os.chown(path, owner.pw_uid, owner.pw_gid)
         self.start_daemon("munged", ["/usr/sbin/munged", "--foreground", "--key-file", folder / "key",
                                      "--socket", folder / "socket", "--pid-file", folder / "pid",
-                                     "--seed-file", folder / "seed"], become)
+                                     "--seed-file", folder / "seed"], *become)
         wait_until("munged listens", (folder / "socket").exists)
 
-    def start_node(self, node):
-        # The name of the node is also how `crash` finds the processes that the daemon starts for the steps of jobs.
-        self.start_daemon(node, ["/usr/sbin/slurmd", "-D", "-N", node], (), SLURMD_NODENAME=node)
-
-    def start_daemon(self, name, command, become=(), **more):
+    def start_daemon(self, name, command, *become, **more):
         """A daemon that ends with this process, even when that is killed."""
         with open(self.folder / f"{name}.out", "ab") as output:
             self.daemons[name] = subprocess.Popen(
@@ -158,18 +155,18 @@ class Cluster:
         return self.run(*command).stdout.strip()
 
     def stop(self):
-        ids = {name: daemon for name, daemon in self.daemons.items() if daemon.poll() is None}
-        if "slurmctld" in ids:
-            self.run("scancel", "--user", getpass.getuser(), "--signal=KILL", "--full")
-            self.run("scancel", "--user", getpass.getuser())
+        user = getpass.getuser()
+        for more in [["--signal=KILL", "--full"], []]:
+            subprocess.run(["timeout", str(SOON), "scancel", "--user", user, *more], env=self.environment,
+                           stderr=subprocess.DEVNULL, check=False)
         for name in [*NODES, "slurmctld", "munged"]:
-            if name in ids:
-                ids[name].terminate()
+            if daemon := self.daemons.pop(name, None):
+                daemon.terminate()
                 try:
-                    ids[name].wait(SOON)
+                    daemon.wait(SOON)
                 except subprocess.TimeoutExpired:
-                    ids[name].kill()
-                    ids[name].wait()
+                    daemon.kill()
+                    daemon.wait()
         send_signal(self.processes(), signal.SIGKILL)
         wait_until("nothing is left", lambda: not self.processes())
 

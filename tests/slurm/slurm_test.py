@@ -96,6 +96,13 @@ class SlurmTest(unittest.TestCase):
         code, said = self.submit("--intermodular", SHARDS, "out")
         self.assertEqual((code, self.report()), expected, said)
 
+    def test_stages_that_do_not_go_on(self):
+        """Without a core nothing is collected: the jobs behind end all the same, and say why."""
+        self.options = ["--orvanta-path", "/nowhere"]
+        code, said = self.submit("--intermodular", "2", "out")
+        self.assertEqual(code, 1, said)
+        self.assertIn("doesn't exist: /nowhere", said)
+
     def test_launcher(self):
         expected = self.analyze_here()
         (self.folder / "out").mkdir()
