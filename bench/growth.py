@@ -85,5 +85,5 @@ def grown(programs, units, limits):
 
 
 def rows(programs):
-    return [cut(programs, 10000, 10), *grown(programs, 10000, (1, 20, 0.1, 20, 1)),
-            *grown(programs, 100000, (2, 70, 0.5, 70, 6)), *grown(programs, 1000000, (10, 500, 6, 500, 60))]
+    return [cut(programs, 10000, 10), *grown(programs, 10000, (1, 20, 0.2, 20, 1)),
+            *grown(programs, 100000, (2, 70, 1, 70, 6)), *grown(programs, 1000000, (10, 500, 12, 500, 60))]
