@@ -278,7 +278,7 @@ void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRang
         part ? nullptr : OpenReport(input_.reportPath, input_.settings);
     OrvlogConverter::ReportOutput& output = part ? *part : *report;
     ending_.reportPath = input_.reportPath;
-    // The root leaves the paths when the parts are merged.
+    // A part leaves the root out of its paths by itself.
     FindingChain chain(output, input_.base, user_.shown, {part ? "" : SourceTreeRoot(input_.settings)},
                        part ? &part->HiddenFindings() : nullptr);
     // Committed at once: from the first moment the report holds the notice of an outdated base, if there is one.
