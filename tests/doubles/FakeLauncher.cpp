@@ -12,7 +12,6 @@
 #include "platform/StopFlag.h"
 
 #include <cstdlib>
-#include <iostream>
 
 int main(int argc, char** argv) {
     using namespace Orvanta;
@@ -21,9 +20,8 @@ int main(int argc, char** argv) {
     const std::string& record = arguments.at(1);
     const Arguments command(arguments.begin() + 2, arguments.end());
     AppendLine(record, CommandLineText(command));
-    Process process(
-        command, "", OwnEnvironmentBlock(), [](std::string_view bytes) { std::cout << bytes << std::flush; },
-        [](std::string_view bytes) { std::cerr << bytes << std::flush; });
+    // As they are: a stream would end their lines in the way of the system once more.
+    Process process(command, "", OwnEnvironmentBlock(), WriteResultToStandardOutput, WriteToStandardError);
     const WaitResult end = WaitUntilEndOrStop(process, ProcessStopFlag());
     return end.finished ? end.exitCode : EXIT_FAILURE;
 }

@@ -122,7 +122,7 @@ TEST_F(LauncherTest, WordsThatStartNothingAreToldBeforeAnyWork) {
     const Case cases[] = {
         {{"--launcher", " ", "--shared", "s"}, "Wrong value of --launcher: \" \", expected a program"},
         {{"--launcher", "no-such-launcher -n1", "--shared", "s"}, "there is no program \"no-such-launcher\""},
-        {{"--launcher", "./file x", "--shared", "s"}, "there is no program \"./file\""},
+        {{"--launcher", "./none x", "--shared", "s"}, "there is no program \"./none\""},
         {{"--launcher", ORVANTA_FAKE_LAUNCHER}, "--launcher needs --shared"},
         {{"--launcher", ORVANTA_FAKE_LAUNCHER, "--shared", "file"}, "Wrong value of --shared: \"file\""},
         {{"--launcher", ORVANTA_FAKE_LAUNCHER, "--shared", "s", "--max-memory", "1G"}, "--launcher and --max-memory"},
