@@ -51,7 +51,7 @@ std::optional<CachedResult> ResultCache::Find(const Digest& key) {
         result = UnpackResult(*bytes, root_);
         if (!result) {
             const std::lock_guard lock(unusableMutex_);
-            unusable_.insert(key);
+            unusable_.insert(key.Text());
         }
     }
     return result;
@@ -61,7 +61,7 @@ void ResultCache::Store(const Digest& key, const CachedResult& result) noexcept 
     bool isUnusable = false;
     {
         const std::lock_guard lock(unusableMutex_);
-        isUnusable = unusable_.erase(key) > 0;
+        isUnusable = unusable_.erase(key.Text()) > 0;
     }
     Put(key, result, isUnusable ? ResultStore::Existing::Replace : ResultStore::Existing::MayStay);
 }

@@ -92,8 +92,8 @@ private:
     const std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
     std::chrono::steady_clock::duration trimming_ = {}; // guarded by mutex_
 
-    std::mutex unusableMutex_;  // of its own: mutex_ is held while room is made
-    std::set<Digest> unusable_; // guarded by unusableMutex_; damaged entries, until they are replaced
+    std::mutex unusableMutex_;       // of its own: mutex_ is held while room is made
+    std::set<std::string> unusable_; // guarded by unusableMutex_; keys of damaged entries, until they are replaced
 };
 
 } // namespace Orvanta
