@@ -2,6 +2,7 @@
 
 #include "app/AnalyzeOptions.h"
 #include "app/AnalyzeRun.h"
+#include "app/OptionChecks.h"
 #include "app/OptionWarnings.h"
 #include "app/TopLevel.h"
 #include "platform/Console.h"

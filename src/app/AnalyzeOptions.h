@@ -154,15 +154,6 @@ struct AnalyzeOptions : HiddenAnalyzeOptions {
 /// \throws OrvlogConverter::ConfigException
 [[nodiscard]] std::optional<OrvlogConverter::FindingGate> GateOf(const AnalyzeOptions& options);
 
-/// Sees that the file of `--stats` is one, and not the report.
-/// \throws ZelmException
-void RequireUsableStats(const AnalyzeOptions& options);
-
-/// Checks what the options say before any work: files that must exist, options that exclude each other, and words that
-/// mean nothing.
-/// \throws ZelmException for the first fault found
-void ValidateAnalyzeOptions(const AnalyzeOptions& options);
-
 /// The form of `--progress`, or the default.
 /// \throws ZelmException for a word that means nothing
 [[nodiscard]] ProgressForm ProgressFormOf(const AnalyzeOptions& options);

@@ -4,6 +4,7 @@
 #include "analysis/RunSummary.h"
 #include "app/AnalyzeOptions.h"
 #include "app/FindingChain.h"
+#include "app/OptionChecks.h"
 #include "app/OutputCheck.h"
 #include "app/RunLocks.h"
 #include "app/RunSetup.h"

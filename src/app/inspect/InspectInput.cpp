@@ -1,6 +1,7 @@
 #include "app/inspect/InspectInput.h"
 
 #include "app/InputReading.h"
+#include "app/OptionChecks.h"
 #include "app/RunSetup.h"
 #include "buildinput/CompilationDatabase.h"
 #include "buildinput/DatabaseExcerpt.h"
