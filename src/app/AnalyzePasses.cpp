@@ -273,22 +273,24 @@ void AnalyzePasses::LearnOnly(const Pass& pass, const Actions& actions, PercentR
 
 // A pass whose results make up the report.
 void AnalyzePasses::Report(const Pass& pass, const Actions& actions, PercentRange percents) {
-    const std::unique_ptr<PartWriter> part = OpenPart(input_, places_); // null: the report is written
-    const std::unique_ptr<OrvlogConverter::ReportOutput> report =
-        part ? nullptr : OpenReport(input_.reportPath, input_.settings);
-    OrvlogConverter::ReportOutput& output = part ? *part : *report;
+    std::unique_ptr<PartWriter> ofShard = OpenPart(input_, places_);
+    PartWriter* const part = ofShard.get(); // null: the report is written
+    std::unique_ptr<OrvlogConverter::ReportOutput> output = std::move(ofShard);
+    if (!output) {
+        output = OpenReport(input_.reportPath, input_.settings);
+    }
     ending_.reportPath = input_.reportPath;
     // A part leaves the root out of its paths by itself.
-    FindingChain chain(output, input_.base, user_.shown, {part ? "" : SourceTreeRoot(input_.settings)},
+    FindingChain chain(*output, input_.base, user_.shown, {part ? "" : SourceTreeRoot(input_.settings)},
                        part ? &part->HiddenFindings() : nullptr);
     // Committed at once: from the first moment the report holds the notice of an outdated base, if there is one.
     chain.Front().Begin();
-    output.Commit();
+    output->Commit();
     // Findings that were carried over are fetched when their turn has come, so that they never lie in memory together.
-    ReportCommitter committer(units_.size(), output, chain.Front(), [this](std::size_t unit) {
+    ReportCommitter committer(units_.size(), *output, chain.Front(), [this](std::size_t unit) {
         return journal_ ? journal_->Findings(unit) : history_->Units().KeptFindings(unit);
     });
-    committer.TellTo(part.get());
+    committer.TellTo(part);
     std::unique_ptr<ResultReceiver> before; // gets the results before the committer; null: nobody
     if (journal_) {
         before = std::make_unique<JournalWriter>(*journal_, committer);
