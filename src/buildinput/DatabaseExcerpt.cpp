@@ -21,7 +21,7 @@ public:
     bool Take(std::string_view block) {
         const std::size_t added = rest_.size();
         rest_.append(block);
-        for (std::size_t at = added; at < rest_.size();) {
+        for (std::size_t at = added; at < rest_.size() && !isEnded_;) {
             at = isInText_ ? BehindText(at) : BehindSign(at);
             if (at == std::string::npos) {
                 return false;
@@ -61,6 +61,10 @@ private:
 
     std::size_t BehindSign(std::size_t at) {
         const char character = rest_[at];
+        if (depth_ == 0 && isArray_ && character == '\0') {
+            isEnded_ = true; // as for the parser of databases
+            return at;
+        }
         if (depth_ == 0 && !IsWhiteSpace(character) && (character != '[' || isArray_)) {
             return Utf8Mark.find(character) != std::string_view::npos && !isArray_ ? at + 1 : std::string::npos;
         }
@@ -110,6 +114,7 @@ private:
     std::size_t depth_ = 0; // of brackets
     bool isArray_ = false;
     bool isInText_ = false;
+    bool isEnded_ = false; // whatever comes
 };
 
 } // namespace
