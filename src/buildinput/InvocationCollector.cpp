@@ -70,9 +70,7 @@ bool HoldsZeroByte(const Environment& environment) {
 
 /// Whether the name is a compiler's: one that compilers have, or one of those that the user has named.
 bool IsCompiler(std::string_view program, const std::vector<std::string>& names) {
-    return LooksLikeCompiler(program) || std::any_of(names.begin(), names.end(), [program](std::string_view name) {
-               return IsProgramNamed(program, name);
-           });
+    return LooksLikeCompiler(program) || IsProgramAmong(program, names);
 }
 
 /// A program that is not known, with a compiler among the words that follow: refused with advice instead of being asked
@@ -98,12 +96,8 @@ bool LooksLikeLauncher(const std::vector<std::string>& arguments, const std::vec
 /// Whether the compiler filter lets the command through; an empty filter lets all. Behind "ccache" the compiler counts.
 bool PassesFilter(const std::vector<std::string>& arguments, const std::vector<std::string>& filter) {
     // By the first word as it is written: what a launcher starts has been brought to the front already.
-    const auto passes = [&filter](std::string_view program) {
-        return std::any_of(filter.begin(), filter.end(),
-                           [program](std::string_view name) { return IsProgramNamed(program, name); });
-    };
-    return filter.empty() || passes(arguments[0]) ||
-           (arguments.size() > 1 && FileNameOf(arguments[0]) == Ccache && passes(arguments[1]));
+    return filter.empty() || IsProgramAmong(arguments[0], filter) ||
+           (arguments.size() > 1 && FileNameOf(arguments[0]) == Ccache && IsProgramAmong(arguments[1], filter));
 }
 
 /// What can be refused without a look at the disk; no value when nothing is wrong so far. `arguments` is not empty.

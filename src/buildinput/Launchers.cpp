@@ -61,16 +61,13 @@ constexpr LauncherRow Launchers[] = {
 // For the names that only the user knows.
 constexpr LauncherRow Further = {"", Form::Options, {}, 0, true};
 
-bool IsNamed(std::string_view program, std::span<const std::string> names) {
-    return std::any_of(names.begin(), names.end(),
-                       [program](std::string_view name) { return IsProgramNamed(program, name); });
-}
-
 const LauncherRow* RowOf(std::string_view program, std::span<const std::string> further) {
-    if (const LauncherRow* const row = FindRow(Launchers, &LauncherRow::name, program, IsProgramNamed)) {
+    // The name once for all rows: this is asked of every command of a build.
+    if (const LauncherRow* const row =
+            FindRow(Launchers, &LauncherRow::name, ProgramNameOf(program), EqualsIgnoringCase)) {
         return row;
     }
-    return IsNamed(program, further) ? &Further : nullptr;
+    return IsProgramAmong(program, further) ? &Further : nullptr;
 }
 
 // Goes along the words of one command.

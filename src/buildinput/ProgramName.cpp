@@ -3,11 +3,12 @@
 #include "platform/Paths.h"
 #include "platform/Text.h"
 
+#include <algorithm>
+
 namespace Orvanta {
 
 namespace {
 
-/// On every system: a trace or a database may come from another one.
 std::string_view WithoutExe(std::string_view name) {
     constexpr std::string_view Exe = ".exe";
     const bool ends = name.size() > Exe.size() && EqualsIgnoringCase(name.substr(name.size() - Exe.size()), Exe);
@@ -22,8 +23,12 @@ constexpr std::string_view CompilerNames[] = {"cl",     "clang-cl", "armcc", "ar
 
 } // namespace
 
+std::string_view ProgramNameOf(std::string_view path) noexcept {
+    return WithoutExe(FileNameOf(path));
+}
+
 bool LooksLikeCompiler(std::string_view path) noexcept {
-    std::string_view name = WithoutExe(FileNameOf(path));
+    std::string_view name = ProgramNameOf(path);
     for (const std::string_view known : CompilerNames) {
         if (EqualsIgnoringCase(name, known)) {
             return true;
@@ -47,11 +52,16 @@ bool IsProgramNamed(std::string_view path, std::string_view name) noexcept {
     const std::string_view wantedName = FileNameOf(name);
     // A bare name is that of a program in any folder.
     if (wantedName.size() == name.size()) {
-        return EqualsIgnoringCase(WithoutExe(FileNameOf(path)), WithoutExe(name));
+        return EqualsIgnoringCase(ProgramNameOf(path), WithoutExe(name));
     }
     // A path: a bare name may stand for it, another path does not.
     const bool isBare = FileNameOf(path).size() == path.size();
     return isBare ? EqualsIgnoringCase(WithoutExe(path), WithoutExe(wantedName)) : WithoutExe(path) == WithoutExe(name);
+}
+
+bool IsProgramAmong(std::string_view path, std::span<const std::string> names) noexcept {
+    return std::any_of(names.begin(), names.end(),
+                       [path](std::string_view name) { return IsProgramNamed(path, name); });
 }
 
 } // namespace Orvanta

@@ -87,8 +87,7 @@ bool TracedCommandFinder::IsLauncher(std::string_view path) const {
 }
 
 bool TracedCommandFinder::IsCompiler(std::string_view path) const {
-    return std::any_of(settings_.compilerNames.begin(), settings_.compilerNames.end(),
-                       [path](std::string_view name) { return IsProgramNamed(path, name); });
+    return IsProgramAmong(path, settings_.compilerNames);
 }
 
 bool TracedCommandFinder::MayCompile(const std::string& path) {
