@@ -83,11 +83,14 @@ MessagePosition TakePosition(PartDecoder& decoder) {
     return position;
 }
 
+// In the order in which they are written.
+constexpr Fingerprint PartMakers::*Marks[] = {&PartMakers::core,     &PartMakers::build, &PartMakers::compilers,
+                                              &PartMakers::settings, &PartMakers::base,  &PartMakers::partition};
+
 void AddMakers(PartEncoder& encoder, const PartMakers& makers) {
     encoder.Add(makers.ownVersion).Add(makers.resultVersion).Add(makers.coreVersion);
-    for (const Fingerprint* const mark :
-         {&makers.core, &makers.build, &makers.compilers, &makers.settings, &makers.base, &makers.partition}) {
-        encoder.Add(*mark);
+    for (Fingerprint PartMakers::*const mark : Marks) {
+        encoder.Add(makers.*mark);
     }
 }
 
@@ -96,9 +99,8 @@ PartMakers TakeMakers(PartDecoder& decoder) {
     makers.ownVersion = TakeText(decoder);
     makers.resultVersion = decoder.Number();
     makers.coreVersion = TakeText(decoder);
-    for (Fingerprint* const mark :
-         {&makers.core, &makers.build, &makers.compilers, &makers.settings, &makers.base, &makers.partition}) {
-        *mark = decoder.Mark();
+    for (Fingerprint PartMakers::*const mark : Marks) {
+        makers.*mark = decoder.Mark();
     }
     return makers;
 }
