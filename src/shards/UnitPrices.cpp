@@ -14,10 +14,14 @@ namespace {
 
 using Json = nlohmann::json;
 
+// Longer than any unit takes, in milliseconds, and so short that a sum of many fits.
+constexpr std::uint64_t LongestWall = std::uint64_t{1} << 40U;
+
 // Of one of the two steps; nothing when it was not run.
 std::uint64_t WallOf(const Json& line, const char* step) {
     const auto found = line.find(step);
-    return found == line.end() ? 0 : found->at("wallMs").get<std::uint64_t>();
+    return found == line.end() ? 0
+                               : std::min(found->at("wallMs").get_ref<const Json::number_unsigned_t&>(), LongestWall);
 }
 
 // Absent when what the unit took this time is not what it takes: its result was known, it was broken off, or its

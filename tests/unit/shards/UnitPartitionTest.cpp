@@ -130,7 +130,9 @@ TEST(UnitPartition, WrongWordsAndFilesOfCostsAreToldWhereTheyAreWrong) {
     const std::string good = R"({"invocation":1,"unit":"/a.c","fate":"analyzed","core":{"wallMs":1}})";
     for (const char* const bad :
          {"{", "[]", "", R"({"unit":"/a.c"})", R"({"fate":"analyzed"})", R"({"unit":1,"fate":"x"})",
-          R"({"unit":"/a.c","fate":"analyzed","core":{"wallMs":"1"}})"}) {
+          R"({"unit":"/a.c","fate":"analyzed","core":{"wallMs":"1"}})",
+          R"({"unit":"/a.c","fate":"analyzed","core":{"wallMs":1e99}})",
+          R"({"unit":"/a.c","fate":"analyzed","core":{"wallMs":-1}})"}) {
         const std::string path = folder.Write("bad", good + "\n" + bad + "\n");
         EXPECT_EQ(ErrorOf([&] { const UnitPrices prices(path); }),
                   path + ", line 2: expected an object as --stats writes it, with \"unit\" and \"fate\"");
