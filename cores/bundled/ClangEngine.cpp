@@ -6,8 +6,8 @@
 #include "bundled/CodeScanner.h"
 #include "bundled/FileAlias.h"
 #include "bundled/ProgramRun.h"
-#include "bundled/ScopedFile.h"
 #include "platform/Paths.h"
+#include "platform/ScopedFile.h"
 #include "platform/Text.h"
 
 #include <algorithm>

@@ -2,13 +2,13 @@
 
 #include "bundled/CppcheckCommand.h"
 #include "bundled/ProgramRun.h"
-#include "bundled/ScopedFile.h"
 #include "bundled/ScopedFolder.h"
 #include "bundled/Targets.h"
 #include "platform/Exceptions.h"
 #include "platform/Executable.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/ScopedFile.h"
 #include "platform/Text.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "analysis/ReportCommitter.h"
 
-#include "analysis/ScopedFile.h"
 #include "platform/Exceptions.h"
 #include "platform/Files.h"
 #include "platform/NativePath.h"
+#include "platform/ScopedFile.h"
 #include "platform/Text.h"
 #include "report/MessageLine.h"
 

@@ -1,10 +1,10 @@
 #include "analysis/StandardProbe.h"
 
-#include "analysis/ScopedFile.h"
 #include "analysis/StartableCommand.h"
 #include "compilers/Compiler.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "platform/ScopedFile.h"
 #include "platform/Text.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "analysis/ScopedFile.h"
 #include "compilers/ParsedCommand.h"
 #include "platform/Process.h"
+#include "platform/ScopedFile.h"
 
 #include <optional>
 #include <string>

@@ -2,13 +2,13 @@
 
 #include "analysis/ProcessRun.h"
 #include "analysis/RunPlaces.h"
-#include "analysis/ScopedFile.h"
 #include "analysis/UnitEvidence.h"
 #include "analysis/UnitPlan.h"
 #include "history/UnitCost.h"
 #include "platform/Exceptions.h"
 #include "platform/Log.h"
 #include "platform/Process.h"
+#include "platform/ScopedFile.h"
 #include "settings/RunSettings.h"
 #include "settings/SettingsFile.h"
 

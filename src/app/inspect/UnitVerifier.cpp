@@ -1,8 +1,8 @@
 #include "app/inspect/UnitVerifier.h"
 
-#include "analysis/ScopedFile.h"
 #include "compilers/Compiler.h"
 #include "platform/Files.h"
+#include "platform/ScopedFile.h"
 
 #include <algorithm>
 #include <utility>
