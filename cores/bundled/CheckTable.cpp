@@ -16,8 +16,10 @@ const CheckRow* FindIn(std::span<const CheckRow> rows, std::string_view id) {
     return row != rows.end() && row->id == id ? &*row : nullptr;
 }
 
-// What one check tells of faults of different weight. Clang's of memory tells twice freed, freed and used, and lost.
-// A function that may return a null pointer is asked for what is there by most of its callers, and by all tests.
+// What one check tells of faults of different weight. Clang's of memory tells twice freed, freed and used, and lost;
+// its of streams tells closed or lost ones, and that one is read on at its end, or after an error that nobody has seen.
+// A function that may return a null pointer is asked for what is there by most of its callers, and by all tests. What
+// std::move returns may be called at once, which Cppcheck does not see.
 struct MessageLevel {
     std::string_view id;
     std::string_view severity; // empty: any
@@ -26,8 +28,11 @@ struct MessageLevel {
 };
 
 constexpr MessageLevel MessageLevels[] = {
+    {"clang-analyzer-alpha.unix.Stream", "", "File position of the stream might be 'indeterminate'", 3},
+    {"clang-analyzer-alpha.unix.Stream", "", "Read function called when stream is in EOF state", 3},
     {"clang-analyzer-unix.Malloc", "", "Potential leak", 2},
     {"ctunullpointer", "warning", "Null pointer dereference: what ", 3},
+    {"ignoredReturnValue", "", "Return value of function std::move() is not used", 3},
 };
 
 std::uint32_t LevelOf(const Finding& finding, const CheckRow& row) {
