@@ -165,8 +165,7 @@ def catches(run, sent):
     """Whether the run has come so far that it deals with the signal, or has ended."""
     status = pathlib.Path(f"/proc/{run.pid}/status").read_text(encoding="utf-8")
     fields = dict(line.split(":\t", 1) for line in status.splitlines())
-    known = int(fields["SigCgt"], 16) | int(fields["SigIgn"], 16)  # SIGHUP may be ignored, as under nohup
-    return fields["State"].startswith("Z") or bool(known >> (sent - 1) & 1)
+    return fields["State"].startswith("Z") or bool(int(fields["SigCgt"], 16) >> (sent - 1) & 1)
 
 
 def one_round(runs, project, rng, length):
@@ -263,6 +262,7 @@ def main():
     parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
     options = parser.parse_args()
     print(f"kill test: {options.rounds} rounds, --shards {options.shards}, --seed {options.seed}", flush=True)
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)  # under nohup it is ignored, and the runs would ignore it as well
     rng = random.Random(options.seed)
     folder = pathlib.Path(os.path.realpath(tempfile.mkdtemp(prefix="orvanta-kill-")))
     (folder / "project").mkdir()
