@@ -36,6 +36,8 @@ bool Contains(const std::string_view (&table)[Count], std::string_view word) {
     return std::find(std::begin(table), std::end(table), word) != std::end(table);
 }
 
+constexpr std::uint32_t HighLevel = 1;
+constexpr std::uint32_t MediumLevel = 2;
 constexpr std::uint32_t LowLevel = 3;
 
 constexpr std::string_view FallThroughCheck = "clang-diagnostic-implicit-fallthrough";
@@ -116,8 +118,11 @@ public:
     // Those of one fault are to be added in the order in which their identifiers are told.
     void Add(const Finding& finding) {
         CheckRow row = RowFor(finding);
-        choice_.rules.ApplyTo(row);
         const Place place = places_.Resolve(finding.location);
+        if (row.level == HighLevel && finding.severity == "error" && CrossesStatementExpression(finding, place)) {
+            row.level = MediumLevel;
+        }
+        choice_.rules.ApplyTo(row);
         if (!IsWanted(finding, row, place)) {
             return;
         }
@@ -200,6 +205,17 @@ private:
             return written_.IsWholeAsWritten(place.file->path, place.line);
         case CheckState::Off:
             return false;
+        }
+        return false;
+    }
+
+    // Cppcheck, which alone calls findings errors, doesn't look into one: what it takes for certain may be changed
+    // there.
+    bool CrossesStatementExpression(const Finding& finding, const Place& place) {
+        for (std::uint32_t line = FirstLine(finding, place); line < place.line; ++line) {
+            if (written_.HoldsStatementExpression(place.file->path, line)) {
+                return true;
+            }
         }
         return false;
     }

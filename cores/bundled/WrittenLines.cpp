@@ -77,7 +77,14 @@ bool WrittenLines::IsAsWritten(const std::string& path, std::uint32_t line) {
 }
 
 bool WrittenLines::IsWholeAsWritten(const std::string& path, std::uint32_t line) {
-    return IsAsWritten(path, line) && !inPieces_.contains({FileKey(path), line});
+    return IsAsWritten(path, line) && !inPieces_.contains({FileKey(path), line}) &&
+           !CodeOf(sources_.At(path, line).currLine).starts_with('#');
+}
+
+bool WrittenLines::HoldsStatementExpression(const std::string& path, std::uint32_t line) {
+    IndexLines();
+    const auto text = textByLine_.find({FileKey(path), line});
+    return text != textByLine_.end() && CodeOf(text->second).find("({") != std::string::npos;
 }
 
 void WrittenLines::IndexLines() {

@@ -22,8 +22,12 @@ public:
     /// constants that every program uses (`NULL`, `nullptr`, `true`, `false`) count as written.
     [[nodiscard]] bool IsAsWritten(const std::string& path, std::uint32_t line);
 
-    /// Whether besides no macro of a system header has left a piece of its own in it.
+    /// Whether besides no macro of a system header has left a piece of its own in it, and it is no directive, which the
+    /// preprocessor has taken out.
     [[nodiscard]] bool IsWholeAsWritten(const std::string& path, std::uint32_t line);
+
+    /// Whether a statement expression of GCC, "({ ... })", begins in the line, as macros make them.
+    [[nodiscard]] bool HoldsStatementExpression(const std::string& path, std::uint32_t line);
 
 private:
     using FileLine = std::pair<std::uint64_t, std::uint32_t>;

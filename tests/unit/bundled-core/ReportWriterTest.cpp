@@ -177,6 +177,23 @@ TEST(ReportMessages, AboutIndentationStandWhereNoMacroMovedALineOfTheBlock) {
     EXPECT_THAT(told(text), ElementsAre(6U));
     // What a macro of the system leaves stands in a piece of its own.
     EXPECT_THAT(told("# 5 \"" + alias + "\"\n    d\n# 5 \"" + alias + "\"\n   ();\n"), ElementsAre(3U));
+    // What stands between directives may have been left out.
+    folder.Write("u.c", "if (a)\n    set(b);\n    c();\nif (a)\n#else\n    c();\n");
+    EXPECT_THAT(told(text), ElementsAre(3U));
+}
+
+TEST(ReportMessages, AreNoLongerCertainBehindAStatementExpression) {
+    const std::string text =
+        "# 1 \"" + Source + "\"\np = 0;\nr = __extension__ ({ get(&p); });\n*p = 1;\nq = 0;\n*q = 1;\n";
+    std::vector<Finding> findings = {Found({Source, 3}, "error", "nullPointer"),
+                                     Found({Source, 5}, "error", "nullPointer")};
+    findings[0].path = {{Source, 1}, {Source, 3}};
+    findings[1].path = {{Source, 4}, {Source, 5}};
+    std::vector<std::uint32_t> levels;
+    for (const auto& message : MakeReportMessages(findings, {Files, {}, text, {}}).messages) {
+        levels.push_back(message.level);
+    }
+    EXPECT_THAT(levels, ElementsAre(2U, 1U));
 }
 
 } // namespace
