@@ -189,7 +189,7 @@ constexpr CheckRow Rows[] = {
     {"nullPointerArithmeticRedundantCheck", 2, General, On, 0},
     {"nullPointerDefaultArg", 2, General, On, 0},
     {"nullPointerRedundantCheck", 2, General, AsWritten, 0},
-    {"objectIndex", 1, General, On, 0},
+    {"objectIndex", 2, General, On, 0},
     {"operatorEqMissingReturnStatement", 1, General, On, 0},
     {"operatorEqRetRefThis", 3, General, On, 0},
     {"operatorEqShouldBeLeftUnimplemented", 3, General, On, 0},

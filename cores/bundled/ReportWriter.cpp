@@ -210,14 +210,15 @@ private:
     }
 
     // Cppcheck, which alone calls findings errors, doesn't look into one: what it takes for certain may be changed
-    // there.
+    // there. Where it tells no way to the fault, what stands shortly before may lead to it.
     bool CrossesStatementExpression(const Finding& finding, const Place& place) {
-        for (std::uint32_t line = FirstLine(finding, place); line < place.line; ++line) {
-            if (written_.HoldsStatementExpression(place.file->path, line)) {
-                return true;
-            }
+        constexpr std::uint32_t LinesBefore = 50;
+        const std::uint32_t first = FirstLine(finding, place);
+        std::uint32_t line = first < place.line ? first : place.line - std::min(place.line, LinesBefore);
+        while (line < place.line && !written_.HoldsStatementExpression(place.file->path, line)) {
+            ++line;
         }
-        return false;
+        return line < place.line;
     }
 
     // The first of the finding's places in its own file.

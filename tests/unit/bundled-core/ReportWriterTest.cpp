@@ -184,16 +184,21 @@ TEST(ReportMessages, AboutIndentationStandWhereNoMacroMovedALineOfTheBlock) {
 
 TEST(ReportMessages, AreNoLongerCertainBehindAStatementExpression) {
     const std::string text =
-        "# 1 \"" + Source + "\"\np = 0;\nr = __extension__ ({ get(&p); });\n*p = 1;\nq = 0;\n*q = 1;\n";
+        "# 1 \"" + Source + "\"\np = 0;\nr = __extension__ ({ get(&p); });\n*p = 1;\nq = 0;\n*q = 1;\nT *u;\n*u = 1;\n";
     std::vector<Finding> findings = {Found({Source, 3}, "error", "nullPointer"),
-                                     Found({Source, 5}, "error", "nullPointer")};
+                                     Found({Source, 5}, "error", "nullPointer"),
+                                     Found({Source, 7}, "error", "uninitvar")};
     findings[0].path = {{Source, 1}, {Source, 3}};
     findings[1].path = {{Source, 4}, {Source, 5}};
-    std::vector<std::uint32_t> levels;
-    for (const auto& message : MakeReportMessages(findings, {Files, {}, text, {}}).messages) {
-        levels.push_back(message.level);
-    }
-    EXPECT_THAT(levels, ElementsAre(2U, 1U));
+    const auto levels = [&](std::string_view cut) {
+        std::vector<std::uint32_t> found;
+        for (const auto& message : MakeReportMessages(findings, {Files, {}, cut, {}}).messages) {
+            found.push_back(message.level);
+        }
+        return found;
+    };
+    EXPECT_THAT(levels(text), ElementsAre(2U, 1U, 2U)) << "of the last one nothing tells where it begins";
+    EXPECT_THAT(levels(text.substr(0, text.find("r = "))), ElementsAre(1U, 1U, 1U));
 }
 
 } // namespace
