@@ -119,7 +119,7 @@ public:
     void Add(const Finding& finding) {
         CheckRow row = RowFor(finding);
         const Place place = places_.Resolve(finding.location);
-        if (row.level == HighLevel && finding.severity == "error" && CrossesStatementExpression(finding, place)) {
+        if (row.level == HighLevel && finding.severity == "error" && MayBeSetInStatementExpression(finding, place)) {
             row.level = MediumLevel;
         }
         choice_.rules.ApplyTo(row);
@@ -209,16 +209,26 @@ private:
         return false;
     }
 
-    // Cppcheck, which alone calls findings errors, doesn't look into one: what it takes for certain may be changed
-    // there. Where it tells no way to the fault, what stands shortly before may lead to it.
-    bool CrossesStatementExpression(const Finding& finding, const Place& place) {
+    // Cppcheck, which alone calls findings errors, doesn't look into one: the variable that it names behind a colon may
+    // be set there when its address is taken. Where no way to the fault is told, what stands shortly before may lead to
+    // it.
+    bool MayBeSetInStatementExpression(const Finding& finding, const Place& place) {
         constexpr std::uint32_t LinesBefore = 50;
-        const std::uint32_t first = FirstLine(finding, place);
-        std::uint32_t line = first < place.line ? first : place.line - std::min(place.line, LinesBefore);
-        while (line < place.line && !written_.HoldsStatementExpression(place.file->path, line)) {
-            ++line;
+        const std::size_t colon = finding.message.rfind(": ");
+        if (colon == std::string::npos) {
+            return false;
         }
-        return line < place.line;
+        const std::string address = "&" + finding.message.substr(colon + 2);
+        const std::uint32_t first = FirstLine(finding, place);
+        bool isBehind = false;
+        for (std::uint32_t line = first < place.line ? first : place.line - std::min(place.line, LinesBefore);
+             line < place.line; ++line) {
+            isBehind = isBehind || written_.HoldsStatementExpression(place.file->path, line);
+            if (isBehind && lines_.At(place.file->path, line).currLine.find(address) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
     }
 
     // The first of the finding's places in its own file.
